@@ -1,0 +1,84 @@
+// Running a filter plug-in: what is kept between its runs, and the runs themselves.
+#ifndef CV_FILTER_SESSION_H
+#define CV_FILTER_SESSION_H
+
+#include "CVDocument.h"
+#include "CVFilterRecord.h"
+#include "CVPlugin.h"
+#include "CVResult.h"
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+// What the host can do for a plug-in beside delivering pixels. The plug-in gets these pointers as
+// they are, a null one as null.
+struct CVServices {
+  // Draws the dialog's preview; see CVCheckPixelMap.
+  CVShowPixelsProc showPixels;
+  CVProcessEventProc processEvent = nullptr;
+  CVColorPickerProc colorPicker = nullptr; // null: the plug-in uses the Toolbox's
+
+  CVServices();
+};
+
+// The showPixels of a host without a screen: draws nothing, answers 0 when the map, its rectangle
+// and its buffer make sense and −50 when they do not.
+std::int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, std::int32_t row,
+                             std::int32_t column, void* platformContext);
+
+enum class CVDialog { No, Yes };
+
+// dialog: Yes lets the plug-in ask the user first; No repeats the filter with the kept parameters.
+// Both functions may be empty; they are called on the run's thread, also in the middle of the
+// plug-in's work. One that throws ends the run.
+struct CVRunOptions {
+  CVDialog dialog = CVDialog::No;
+  // Share of the filter area that is done, 0 to 1, never falling except back to 0 when the filter
+  // starts over after its dialog. Measured by the host: what plug-ins report need not make sense.
+  std::function<void(double)> progress;
+  // True when the user wants to stop. Once true it is not asked again in that run.
+  std::function<bool()> cancelled;
+  CVServices services;
+};
+
+// The host session of one plug-in. Holds the data slot and the parameter block for as long as it
+// lives, so that a run finds what the last one left. Runs one at a time: a second one on the same
+// session, or from within a callback of a run on the same thread, is refused.
+class CVFilterSession {
+public:
+  explicit CVFilterSession(CVPlugin plugin);
+  ~CVFilterSession(); // disposes of the parameter block
+  CVFilterSession(const CVFilterSession&) = delete;
+  CVFilterSession& operator=(const CVFilterSession&) = delete;
+
+  // Filters `area` of the document, which lies inside it and is not empty, through the document's
+  // selection mask. Sends parameters (with a dialog), prepare, start, continue …, finish; finish is
+  // sent however the others end. Every request of the plug-in is checked. The document changes only
+  // when the result is Done, and only inside the area; views of it taken before are then void. Does
+  // not throw.
+  CVResult run(CVDocument& document, CVRect area, const CVRunOptions& options);
+
+  // Shows the plug-in's about box. hostWindow: as CVAboutRecord says; may be null.
+  CVResult about(void* hostWindow);
+
+  // Makes `bytes` the parameter block that the next run finds, in place of the one kept.
+  CVResult setParameters(const void* bytes, std::size_t size);
+  bool hasParameters() const { return _parameters != nullptr; }
+  // A copy of the block as the last run left it; empty without one.
+  std::vector<std::uint8_t> parameters() const;
+
+  const CVPlugin& plugin() const { return _plugin; }
+
+private:
+  friend class CVFilterRun;
+
+  CVPlugin _plugin;
+  std::intptr_t _dataSlot = 0;
+  CVHandle _parameters = nullptr;
+  std::atomic<bool> _running{false};
+};
+
+#endif
