@@ -1,0 +1,34 @@
+// Dialog utilities of the host process: movable modal dialogs, and the slider's indicator.
+// ShowAbout is in MacDialogs.h.
+#ifndef HOST_DIALOGS_H
+#define HOST_DIALOGS_H
+
+#include "CVFilterRecord.h"
+#include "Dialogs.h"
+
+// A resource as a block, holding its JSON text, the same handle each time until ReleaseResource.
+// Null when there is none. HPurge and HNoPurge work on it; LoadResource reads a purged one again.
+TB_EXPORT Handle GetResource(OSType type, int16_t number);
+// Also reads the handle of a control's definition again. Sets ResError.
+TB_EXPORT void LoadResource(Handle resource);
+TB_EXPORT void ReleaseResource(Handle resource);
+// noErr, resNotFound or memFullErr, of the last of these calls.
+TB_EXPORT OSErr ResError();
+
+// The dialog made next from this resource ('DLOG') opens in the middle of the window that is active
+// then. Dialogs open there anyway unless the desktop places windows itself.
+TB_EXPORT void CenterDialog(Handle dialogResource);
+// The dialog made next from this resource is a movable one of this host. False for another host's
+// signature.
+TB_EXPORT Boolean SetUpMoveableModal(Handle dialogResource, OSType hostSignature);
+// ModalDialog, which also calls processEvent (null for none) with each event that the filter did
+// not consume, and now and then with a null event, so that a host's windows stay alive.
+TB_EXPORT void MoveableModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter,
+                                   int16_t* itemHit);
+
+// Draws a slider's indicator, its tip at the pen: a triangle that covers the unit squares from 5
+// left to 5 right of the pen, in the pen's row and the 5 rows below it. Moves the pen back to where
+// it was. Between OpenRgn and CloseRgn its outline is recorded.
+TB_EXPORT void DrawPISlider();
+
+#endif
