@@ -1,0 +1,51 @@
+# Build settings shared by every folder.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/static)
+# Programs find the toolbox library and the plug-in beside themselves, wherever the tree is moved to.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib:$ORIGIN")
+
+option(LIMN_APPS "Build the programs that need libvips and CLI11" ON)
+option(LIMN_QT "Build what needs Qt: the dialog and the desktop host" ON)
+option(LIMN_TESTS "Build the tests" ON)
+option(LIMN_BENCH "Build the benchmarks" ON)
+option(LIMN_WERROR "Treat warnings as errors" OFF)
+set(LIMN_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+
+find_program(LIMN_CCACHE ccache)
+if(LIMN_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${LIMN_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${LIMN_CCACHE})
+endif()
+
+# Output bytes depend on every single rounding: products and sums are never fused.
+add_compile_options(-ffp-contract=off -Wall -Wextra -Wshadow -Wpointer-arith -Wundef)
+add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>)
+if(LIMN_WERROR)
+  add_compile_options(-Werror)
+endif()
+add_link_options(-Wl,--as-needed)
+
+if(LIMN_SANITIZE)
+  # Unsigned arithmetic is meant to wrap; everything that undefined behaviour covers is an error.
+  add_compile_options(-fsanitize=${LIMN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${LIMN_SANITIZE})
+endif()
+
+# limn_folder(NAME SOURCES... LINK targets...): the static library of one source folder. Its headers are
+# found only by those who link it, so a forbidden include does not compile.
+function(limn_folder name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_LINK})
+endfunction()

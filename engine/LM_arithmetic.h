@@ -1,0 +1,41 @@
+// The integer and conversion rules that output bytes depend on, the same on every machine.
+#ifndef LM_ARITHMETIC_H
+#define LM_ARITHMETIC_H
+
+#include <cstdint>
+
+// 32-bit sums, differences and products wrap modulo 2^32.
+constexpr int32_t LM_WrapAdd(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+constexpr int32_t LM_WrapSubtract(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+}
+constexpr int32_t LM_WrapMultiply(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
+}
+
+// Truncates towards zero; values out of range give the nearest integer, NaN gives 0.
+constexpr int32_t LM_Truncate(double value) {
+  if (value >= 2147483648.0)
+    return INT32_MAX;
+  if (value > -2147483649.0)
+    return static_cast<int32_t>(value);
+  return value != value ? 0 : INT32_MIN;
+}
+constexpr int32_t LM_Truncate(float value) {
+  return LM_Truncate(static_cast<double>(value));
+}
+
+// The low 16 bits, as a store into a 16-bit field leaves them.
+constexpr int16_t LM_Cut16(int32_t value) {
+  return static_cast<int16_t>(static_cast<uint16_t>(static_cast<uint32_t>(value)));
+}
+// The nearest 16-bit value: for rectangle sides, which must not wrap round to the other side.
+constexpr int16_t LM_Saturate16(int32_t value) {
+  return static_cast<int16_t>(value > INT16_MAX   ? INT16_MAX
+                              : value < INT16_MIN ? INT16_MIN
+                                                  : value);
+}
+
+#endif

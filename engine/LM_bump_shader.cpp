@@ -1,0 +1,100 @@
+// Lighting of a run of facets.
+#include "LM_light_sums.h"
+#include "LM_shader.h"
+
+namespace {
+
+// What the light is to one pixel: the vector to it and what follows from its length.
+struct PixelLight {
+  float x, y, z;
+  float inverse;
+  float falloff;
+  bool reached;
+};
+
+PixelLight DirectionalAt(const LM_light& light, const LM_vector2f&) {
+  const LM_vector3f& d = light.direction;
+  return {d.x, d.y, d.z, LM_InverseLength(d.x, d.y, d.z), 1.0F, true};
+}
+
+PixelLight OmniAt(const LM_light& light, const LM_vector2f& position) {
+  const float x = light.position.x - position.x;
+  const float y = light.position.y - position.y;
+  const float z = light.position.z;
+  return {x, y, z, LM_InverseLength(x, y, z), 1.0F, true};
+}
+
+PixelLight SpotAt(const LM_light& light, const LM_vector2f& position) {
+  PixelLight at = OmniAt(light, position);
+  const float cosine = LM_SpotCosine(light, at.x, at.y, at.z, at.inverse);
+  at.reached = cosine > light.cosCutoff;
+  if (at.reached)
+    at.falloff = LM_SpreadAt(light, cosine);
+  return at;
+}
+
+void ShadeFacet(const LM_light& light, const PixelLight& at, const LM_vector3f& normal,
+                LM_color96& diffuse, LM_color96& specular) {
+  const float facing = normal.x * at.x + normal.y * at.y + normal.z * at.z;
+  if (!(facing > 0.0F))
+    return;
+  LM_AddLight(diffuse, light.color, (facing * at.falloff) * at.inverse);
+  // The view direction (0, 0, 1) mirrored at the facet, against the light.
+  const float twice = 2.0F * normal.z;
+  const float sideways = (twice * normal.x) * at.x + (twice * normal.y) * at.y;
+  const double upwards = (static_cast<double>(twice * normal.z) - 1.0) * static_cast<double>(at.z);
+  const float mirrored = static_cast<float>(static_cast<double>(sideways) + upwards);
+  if (mirrored > 0.0F)
+    LM_AddLight(specular, light.color, ((mirrored * mirrored) * at.inverse) * at.falloff);
+}
+
+template <class LightAt>
+void ShadeFacets(const LM_light& light, uint32_t count, const LM_vector2f* positions,
+                 const LM_vector3f* normals, LM_color96* diffuse, LM_color96* specular,
+                 const int32_t* weights, LightAt lightAt) {
+  uint32_t i = 0;
+  while (i < count) {
+    const PixelLight at = lightAt(light, positions[i]);
+    do {
+      if (at.reached)
+        ShadeFacet(light, at, normals[i], diffuse[i], specular[i]);
+      ++i;
+    } while (*++weights != 0 && i < count);
+    ++weights;
+  }
+}
+
+} // namespace
+
+void LM_ShadeLightBumps(const LM_light& light, uint32_t count, const LM_vector2f* positions,
+                        const LM_vector3f* normals, LM_color96* diffuse, LM_color96* specular,
+                        const int32_t* weights) {
+  switch (light.type) {
+  case LM_LIGHT_DIRECTIONAL:
+    ShadeFacets(light, count, positions, normals, diffuse, specular, weights, DirectionalAt);
+    break;
+  case LM_LIGHT_OMNI:
+    ShadeFacets(light, count, positions, normals, diffuse, specular, weights, OmniAt);
+    break;
+  case LM_LIGHT_SPOT:
+    ShadeFacets(light, count, positions, normals, diffuse, specular, weights, SpotAt);
+    break;
+  default:
+    break;
+  }
+}
+
+void LM_ShadeBumps(const foo* params, unsigned short count, const LM_vector2f* positions,
+                   const LM_vector3f* normals, const uint8_t* colors, LM_color96* diffuseSums,
+                   LM_color96* specularSums, LM_bool sumsHot, uint8_t* out, LM_globals* globals,
+                   const int32_t* weights) {
+  if (count > LM_MAX_RUN)
+    return;
+  if (sumsHot == 0) {
+    LM_SumLights(params, count, diffuseSums, specularSums,
+                 [&](const LM_light& light, LM_color96* diffuse, LM_color96* specular) {
+                   LM_ShadeLightBumps(light, count, positions, normals, diffuse, specular, weights);
+                 });
+  }
+  LM_Combine(params, count, colors, diffuseSums, specularSums, globals->scratch.sums.combined, out);
+}

@@ -1,0 +1,11 @@
+#include "LM_constants.h"
+
+float LM_TAN_30 = 0.57735026F;
+int32_t LM_LIGHT_INTENSITY_SCALE = 32;
+int32_t LM_BUMP_TOLERANCE = 0;
+
+void LM_SetConstants() {
+  LM_TAN_30 = 0.57735026F;
+  LM_LIGHT_INTENSITY_SCALE = 32;
+  LM_BUMP_TOLERANCE = 0;
+}

@@ -1,0 +1,72 @@
+#include "LM_light_UI.h"
+
+#include "LM_globals.h"
+#include "LM_memory.h"
+
+namespace {
+
+void AllocateCache(LM_color96*& cache, unsigned long samples) {
+  if (cache == nullptr)
+    cache = static_cast<LM_color96*>(LM_NewPtr(samples * sizeof(LM_color96)));
+}
+
+void DetachCache(LM_color96*& cache, LM_bool& hot) {
+  if (cache != nullptr) {
+    cache = nullptr;
+    hot = 0;
+  }
+}
+
+void FreeCache(LM_color96*& cache, LM_bool& hot) {
+  if (cache != nullptr) {
+    LM_DisposeAndClear(cache);
+    hot = 0;
+  }
+}
+
+} // namespace
+
+void LM_light_UI::Validate() {
+  if (type != LM_LIGHT_SPOT)
+    return;
+  float ratio = handle2.Magnitude() / handle1.Magnitude();
+  if (ratio >= 1.0F)
+    ratio = 1.0F;
+  handle2 = handle1.QuarterTurn(ratio);
+}
+
+void LM_light_UI::AllocateCaches(unsigned long samples) {
+  if (on == 0)
+    return;
+  AllocateCache(diffuseCache, samples);
+  AllocateCache(specularCache, samples);
+}
+
+void LM_light_UI::DetachCaches() {
+  DetachCache(diffuseCache, diffuseCacheHot);
+  DetachCache(specularCache, specularCacheHot);
+}
+
+void LM_light_UI::FreeCaches() {
+  FreeCache(diffuseCache, diffuseCacheHot);
+  FreeCache(specularCache, specularCacheHot);
+}
+
+void LM_light_UI::InvalidateCaches() {
+  diffuseCacheHot = 0;
+  specularCacheHot = 0;
+  if (globals != nullptr) {
+    globals->DiffuseSumCacheHot(0);
+    globals->SpecularSumCacheHot(0);
+  }
+}
+
+void LM_light_UI::DiffuseCacheHot(LM_bool hot) {
+  if (diffuseCache != nullptr)
+    diffuseCacheHot = hot;
+}
+
+void LM_light_UI::SpecularCacheHot(LM_bool hot) {
+  if (specularCache != nullptr)
+    specularCacheHot = hot;
+}

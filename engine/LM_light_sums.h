@@ -1,0 +1,103 @@
+// Pieces that flat and relief shading have in common.
+#ifndef LM_LIGHT_SUMS_H
+#define LM_LIGHT_SUMS_H
+
+#include <cmath>
+
+#include "LM_arithmetic.h"
+#include "LM_globals.h"
+
+// The inverse length of a vector: squares summed in single precision, root and division in double.
+inline float LM_InverseLength(float x, float y, float z) {
+  return static_cast<float>(1.0 / std::sqrt(static_cast<double>(x * x + y * y + z * z)));
+}
+
+// The cosine between a spot's axis and the ray to a sample; (x, y, z) points from the sample to the
+// light.
+inline float LM_SpotCosine(const LM_light& light, float x, float y, float z, float inverse) {
+  return -(light.direction.x * x + light.direction.y * y + light.direction.z * z) * inverse;
+}
+
+// A spot's falloff at that cosine. The index stays in the table whatever the cosine.
+inline float LM_SpreadAt(const LM_light& light, float cosine) {
+  const int32_t index = LM_Truncate((cosine - light.spreadMinCos) * light.spreadScale);
+  return light.spreadTable[index < 0                   ? 0
+                           : index < LM_SPREAD_ENTRIES ? index
+                                                       : LM_SPREAD_ENTRIES - 1];
+}
+
+// Adds a light's colour times `factor` to a sum, each product truncated. A factor that is no number
+// adds 0.
+inline void LM_AddLight(LM_color96& sum, const LM_color96& color, float factor) {
+  for (int plane = 0; plane < LM_PLANES; ++plane) {
+    const int32_t part = LM_Truncate(static_cast<float>(color.component[plane]) * factor);
+    sum.component[plane] = LM_WrapAdd(sum.component[plane], part);
+  }
+}
+
+void LM_ClearSums(LM_color96* sums, int n);
+
+// Fills the sums of n samples with all lights of the block, through each light's caches where it
+// has them. shade(light, diffuse, specular) adds one light.
+template <class ShadeOneLight>
+void LM_SumLights(const foo* params, int n, LM_color96* diffuseSum, LM_color96* specularSum,
+                  ShadeOneLight shade) {
+  LM_ClearSums(diffuseSum, n);
+  LM_ClearSums(specularSum, n);
+  for (int j = 0; j < LM_LightCount(params); ++j) {
+    const LM_light& light = params->lights[j];
+    if (light.diffuseCache == nullptr || light.specularCache == nullptr) {
+      shade(light, diffuseSum, specularSum);
+      continue;
+    }
+    if (light.diffuseCacheHot != 1 || light.specularCacheHot != 1) {
+      LM_ClearSums(light.diffuseCache, n);
+      LM_ClearSums(light.specularCache, n);
+      shade(light, light.diffuseCache, light.specularCache);
+    }
+    for (int i = 0; i < n; ++i) {
+      for (int plane = 0; plane < LM_PLANES; ++plane) {
+        diffuseSum[i].component[plane] =
+            LM_WrapAdd(diffuseSum[i].component[plane], light.diffuseCache[i].component[plane]);
+        specularSum[i].component[plane] =
+            LM_WrapAdd(specularSum[i].component[plane], light.specularCache[i].component[plane]);
+      }
+    }
+  }
+}
+
+// Moves the cache pointers of the block's lights on by n samples. One conversion thus serves one
+// pass.
+void LM_AdvanceLightCaches(foo* params, uint32_t n);
+
+// Marks the per-light caches of the editable lights as filled, once a tile is shaded.
+void LM_MarkLightCachesHot(LM_globals* globals);
+
+// Where samples lie, in shading units: the filter rectangle's centre is the origin, samples sit on
+// pixel centres, and one factor scales both axes.
+class LM_sample_grid {
+public:
+  LM_sample_grid(const FilterRecord* record, const foo* params)
+      : _area(record->filterArea), _tile(record->inTileRect),
+        _width(static_cast<double>(_area.right - _area.left)),
+        _height(static_cast<double>(_area.bottom - _area.top)),
+        _factor(static_cast<double>(params->worldScale /
+                                    static_cast<float>(_area.right - _area.left))) {}
+  float X(int column) const { return _Place(_tile.left + column - _area.left, _width); }
+  float Y(int row) const { return _Place(_tile.top + row - _area.top, _height); }
+
+private:
+  float _Place(int pixel, double extent) const {
+    return static_cast<float>(((static_cast<double>(pixel) - extent * 0.5) + 0.5) * _factor);
+  }
+  CVRect _area, _tile;
+  double _width, _height, _factor;
+};
+
+// The delivered tile's size; rows is 0 when there is nothing to shade.
+struct LM_tile_size {
+  int rows, columns;
+};
+LM_tile_size LM_ShadeableTile(const FilterRecord* record);
+
+#endif

@@ -1,0 +1,139 @@
+// Rendering the collected preview.
+#include "LM_preview.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "LM_dialog_services.h"
+#include "LM_shader.h"
+
+namespace {
+
+uint8_t* PixelAt(const CVPixelMap& map, int32_t row, int32_t column) {
+  return map.baseAddress + static_cast<ptrdiff_t>(row) * map.rowBytes +
+         static_cast<ptrdiff_t>(column) * map.columnBytes;
+}
+
+// The record's filter area, put back however a render ends.
+class BorrowedArea {
+public:
+  explicit BorrowedArea(FilterRecord* record) : _record(record), _area(record->filterArea) {}
+  BorrowedArea(const BorrowedArea&) = delete;
+  BorrowedArea& operator=(const BorrowedArea&) = delete;
+  ~BorrowedArea() { _record->filterArea = _area; }
+
+private:
+  FilterRecord* _record;
+  CVRect _area;
+};
+
+void AimAtPreview(FilterRecord* record, const LM_globals& g, uint8_t* out, int32_t outRowBytes) {
+  const CVPixelMap& preview = g.previewMaps[LM_PREVIEW_MAP];
+  record->filterArea = {0, 0, g.previewHeight, g.previewWidth};
+  record->inTileRect = record->filterArea;
+  record->inPixels = preview.baseAddress;
+  record->inRowStride = preview.rowBytes;
+  record->outTileRect = record->filterArea;
+  OffsetRect(&record->outTileRect, g.previewOffsetX, g.previewOffsetY);
+  record->outPixels = out;
+  record->outRowStride = outRowBytes;
+}
+
+int16_t StorePreviewHeights(FilterRecord* record, LM_globals* g, const foo* params) {
+  const CVPixelMap& bump = g->previewMaps[LM_BUMP_PREVIEW_MAP];
+  const CVRect area = record->inTileRect;
+  g->bumpMap.scale = params->bumpHeight / (2 * std::max<int32_t>(g->previewScale, 1));
+  record->inTileRect = {-2, -2, static_cast<int16_t>(g->previewHeight + 2),
+                        static_cast<int16_t>(g->previewWidth + 2)};
+  record->inPixels = bump.baseAddress;
+  record->inRowStride = bump.rowBytes;
+  const int16_t result = LM_StoreBumpMap(record, g);
+  record->inTileRect = area;
+  record->inPixels = g->previewMaps[LM_PREVIEW_MAP].baseAddress;
+  record->inRowStride = g->previewMaps[LM_PREVIEW_MAP].rowBytes;
+  return result == 0 ? int16_t{CV_RESULT_OK} : int16_t{CV_RESULT_NO_MEMORY};
+}
+
+void FillBlack(const CVPixelMap& map, int32_t top, int32_t left, int32_t bottom, int32_t right) {
+  left = std::max(left, 0);
+  right = std::min(right, map.bounds.right);
+  bottom = std::min(bottom, map.bounds.bottom);
+  for (int32_t row = std::max(top, 0); row < bottom && left < right; ++row)
+    std::memset(PixelAt(map, row, left), 0,
+                static_cast<size_t>(right - left) * static_cast<size_t>(map.columnBytes));
+}
+
+} // namespace
+
+int16_t LM_ShadePreview(LM_globals* globals) {
+  FilterRecord* record = globals->record;
+  foo* params = LM_Parameters(record);
+  const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
+  if (params == nullptr || frame.baseAddress == nullptr)
+    return CV_RESULT_NO_MEMORY;
+  const bool relief = globals->BumpChannel() != 0;
+  globals->AllocateCaches(static_cast<unsigned long>(globals->previewWidth),
+                          static_cast<unsigned long>(globals->previewHeight), relief ? 1 : 0);
+  globals->ConvertToParameters(params, 1);
+  const BorrowedArea borrowed(record);
+  AimAtPreview(record, *globals, PixelAt(frame, globals->previewOffsetY, globals->previewOffsetX),
+               frame.rowBytes);
+  if (!relief) {
+    LM_ShadeTile(record, globals);
+  } else {
+    const int16_t result = StorePreviewHeights(record, globals, params);
+    if (result != CV_RESULT_OK)
+      return result;
+    LM_ShadePreviewTileWithBumps(record, &globals->bumpMap, globals);
+  }
+  LM_DetachParameterCaches(params);
+  return CV_RESULT_OK;
+}
+
+void LM_CopyUnshadedPreview(LM_globals* globals) {
+  const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
+  const CVPixelMap& preview = globals->previewMaps[LM_PREVIEW_MAP];
+  if (frame.baseAddress == nullptr || preview.baseAddress == nullptr)
+    return;
+  for (int32_t row = 0; row < globals->previewHeight; ++row)
+    std::memcpy(PixelAt(frame, globals->previewOffsetY + row, globals->previewOffsetX),
+                PixelAt(preview, row, 0),
+                static_cast<size_t>(LM_PLANES) * static_cast<size_t>(globals->previewWidth));
+}
+
+void LM_DrawPreviewFrameToPixelMap([[maybe_unused]] GrafPort* port, LM_globals* globals) {
+  const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
+  if (frame.baseAddress == nullptr)
+    return;
+  const int32_t left = globals->previewOffsetX - 1;
+  const int32_t top = globals->previewOffsetY - 1;
+  const int32_t right = globals->previewOffsetX + globals->previewWidth;
+  const int32_t bottom = globals->previewOffsetY + globals->previewHeight;
+  FillBlack(frame, top, left, top + 1, right);
+  FillBlack(frame, top, left, bottom, left + 1);
+  FillBlack(frame, top, right, bottom, right + 1);
+  FillBlack(frame, bottom, left, bottom + 1, right + 1);
+  const int32_t width = frame.bounds.right;
+  const int32_t height = frame.bounds.bottom;
+  FillBlack(frame, 0, 0, 1, width);
+  FillBlack(frame, 0, 0, height, 1);
+  FillBlack(frame, height - 1, 0, height, width);
+  FillBlack(frame, 0, width - 1, height, width);
+}
+
+int16_t LM_GeneratePreview([[maybe_unused]] GrafPort* port, LM_globals* globals) {
+  const LM_dialog_services* dialog = LM_DialogServices();
+  if (dialog != nullptr)
+    dialog->showWatch();
+  int16_t result = CV_RESULT_OK;
+  if (globals->previewOn == 1)
+    result = LM_ShadePreview(globals);
+  else
+    LM_CopyUnshadedPreview(globals);
+  if (dialog != nullptr) {
+    dialog->showArrow();
+    if (result == CV_RESULT_OK)
+      dialog->redrawItem(globals, LM_ITEM_WORK_AREA);
+  }
+  return result;
+}

@@ -1,0 +1,23 @@
+// Vectors in preview pixels.
+#ifndef LM_VECTORI2_H
+#define LM_VECTORI2_H
+
+#include <cstdint>
+
+// Horizontal, then vertical, in preview pixels; vertical grows downwards.
+struct LM_vectori2 {
+  int16_t h, v;
+
+  // The length, squares summed in single precision and the root taken in double.
+  float Magnitude() const;
+
+  // This vector turned a quarter, from h towards v, and scaled by `factor`: each component rounded
+  // to the nearest integer, halves away from zero. Turning (h, v) gives (-v, h).
+  LM_vectori2 QuarterTurn(float factor) const;
+  // The same turned the other way: (v, -h).
+  LM_vectori2 QuarterTurnBack(float factor) const;
+
+  friend bool operator==(const LM_vectori2&, const LM_vectori2&) = default;
+};
+
+#endif
