@@ -1,0 +1,339 @@
+#include "MacFiles.h"
+
+#include "TB_FilePlace.h"
+#include "TB_FileTable.h"
+#include "TB_Folders.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+// Flags for every open: a pipe must not block before it is recognised, a terminal not take over.
+constexpr int OPEN_FLAGS = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+OSErr Result(bool done) {
+  return done ? noErr : TB_ErrorFor(errno);
+}
+
+// Whether what lies there may be opened: regular, and for writing neither a link nor locked.
+OSErr CheckOpenable(const struct stat& status, bool writing) {
+  if (writing && S_ISLNK(status.st_mode)) {
+    return permErr;
+  }
+  if (!S_ISREG(status.st_mode)) {
+    return notAFileErr;
+  }
+  return writing && TB_IsLocked(status) ? permErr : noErr;
+}
+
+OSErr OpenPlace(const std::string& path, int8_t permission, int16_t* refNum) {
+  const bool writing = permission != fsRdPerm;
+  struct stat status;
+  if (OSErr err = TB_StatusOf(path, writing ? TB_Links::Keep : TB_Links::Follow, &status)) {
+    return err;
+  }
+  if (OSErr err = CheckOpenable(status, writing)) {
+    return err;
+  }
+  const int access = permission == fsRdPerm   ? O_RDONLY
+                     : permission == fsWrPerm ? O_WRONLY | O_NOFOLLOW
+                                              : O_RDWR | O_NOFOLLOW;
+  auto file = std::make_shared<TB_OpenFile>(-1, writing);
+  file->descriptor = open(path.c_str(), access | OPEN_FLAGS);
+  if (file->descriptor < 0) {
+    return errno == EROFS ? permErr : TB_ErrorFor(errno);
+  }
+  // What was looked at may have been replaced before it was opened.
+  if (fstat(file->descriptor, &status) != 0) {
+    return TB_ErrorFor(errno);
+  }
+  if (OSErr err = CheckOpenable(status, writing)) {
+    return err;
+  }
+  *refNum = TB_AddOpenFile(std::move(file));
+  return *refNum == 0 ? tmfoErr : noErr;
+}
+
+// Runs an operation on an open file, alone among those on the same file.
+template <typename Operation> OSErr WithFile(int16_t refNum, Operation operation) {
+  const std::shared_ptr<TB_OpenFile> file = TB_FindOpenFile(refNum);
+  if (!file) {
+    return rfNumErr;
+  }
+  std::lock_guard lock(file->mutex);
+  return file->descriptor < 0 ? rfNumErr : operation(*file);
+}
+
+// Moves `wanted` bytes with read or write in as many steps as it takes; *moved tells how many.
+template <typename Step> OSErr MoveBytes(int32_t wanted, int32_t* moved, Step step) {
+  while (*moved < wanted) {
+    const ssize_t done = step(*moved, static_cast<size_t>(wanted - *moved));
+    if (done == 0) {
+      return eofErr;
+    }
+    if (done > 0) {
+      *moved += static_cast<int32_t>(done);
+    } else if (errno != EINTR) {
+      return TB_ErrorFor(errno);
+    }
+  }
+  return noErr;
+}
+
+bool FlushDescriptor(int descriptor) {
+  // Some file systems cannot flush a folder, and say so with EINVAL.
+  return fsync(descriptor) == 0 || errno == EINVAL;
+}
+
+OSErr FlushPath(const std::string& path, int flags) {
+  const int descriptor = open(path.c_str(), flags | O_RDONLY | OPEN_FLAGS);
+  if (descriptor < 0) {
+    return TB_ErrorFor(errno);
+  }
+  TB_OpenFile file(descriptor, false);
+  return Result(FlushDescriptor(descriptor));
+}
+
+// Renames unless the new name is taken.
+bool RenameToFreeName(const std::string& from, const std::string& to) {
+#ifdef RENAME_NOREPLACE
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+    return true;
+  }
+  if (errno != EINVAL && errno != ENOSYS) {
+    return false;
+  }
+#endif
+  struct stat status;
+  if (lstat(to.c_str(), &status) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return rename(from.c_str(), to.c_str()) == 0;
+}
+
+// Whether a file may be removed or replaced. Of a link only the link itself would go.
+OSErr CheckRemovable(const struct stat& status) {
+  if (S_ISREG(status.st_mode)) {
+    return TB_IsLocked(status) ? fLckdErr : noErr;
+  }
+  return S_ISLNK(status.st_mode) ? noErr : notAFileErr;
+}
+
+OSErr Replace(const TB_FilePlace& source, const TB_FilePlace& target) {
+  struct stat status;
+  if (OSErr err = TB_StatusOf(source.path, TB_Links::Keep, &status)) {
+    return err;
+  }
+  if (!S_ISREG(status.st_mode)) {
+    return notAFileErr;
+  }
+  const OSErr found = TB_StatusOf(target.path, TB_Links::Keep, &status);
+  if (found != noErr && found != fnfErr) {
+    return found;
+  }
+  if (found == noErr) {
+    if (OSErr err = S_ISLNK(status.st_mode) ? fLckdErr : CheckRemovable(status)) {
+      return err;
+    }
+  }
+  if (OSErr err = FlushPath(source.path, O_NOFOLLOW)) {
+    return err;
+  }
+  if (OSErr err = Result(rename(source.path.c_str(), target.path.c_str()) == 0)) {
+    return err;
+  }
+  TB_ForgetListing(target.folder);
+  // The replacement is done; that the folder cannot be flushed changes nothing about that.
+  FlushPath(target.folder, O_DIRECTORY);
+  return noErr;
+}
+
+} // namespace
+
+OSErr DirCreate(int16_t vRefNum, int32_t parentDirID, ConstStr255Param name,
+                int32_t* createdDirID) {
+  return TB_FileOperation([&]() -> OSErr {
+    TB_FilePlace place;
+    if (OSErr err = TB_FindPlace(vRefNum, parentDirID, name, &place)) {
+      return err;
+    }
+    if (OSErr err = Result(mkdir(place.path.c_str(), 0777) == 0)) {
+      return err;
+    }
+    if (createdDirID) {
+      *createdDirID = TB_FolderID(place.path);
+    }
+    return noErr;
+  });
+}
+
+OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStr255Param name, OSType, OSType) {
+  return TB_FileOperation([&]() -> OSErr {
+    TB_FilePlace place;
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place)) {
+      return err;
+    }
+    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | OPEN_FLAGS;
+    const int descriptor = open(place.path.c_str(), flags, 0666);
+    if (descriptor < 0) {
+      return TB_ErrorFor(errno);
+    }
+    close(descriptor);
+    TB_ForgetListing(place.folder);
+    return noErr;
+  });
+}
+
+OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStr255Param name, int8_t permission,
+            int16_t* refNum) {
+  *refNum = 0;
+  return TB_FileOperation([&]() -> OSErr {
+    TB_FilePlace place;
+    if (permission < fsCurPerm || permission > fsRdWrPerm) {
+      return paramErr;
+    }
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place)) {
+      return err;
+    }
+    const OSErr err = OpenPlace(place.path, permission, refNum);
+    const bool readOnlyWillDo = permission == fsCurPerm && err == permErr;
+    return readOnlyWillDo ? OpenPlace(place.path, fsRdPerm, refNum) : err;
+  });
+}
+
+OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStr255Param name) {
+  return TB_FileOperation([&]() -> OSErr {
+    TB_FilePlace place;
+    struct stat status;
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place)) {
+      return err;
+    }
+    if (OSErr err = TB_StatusOf(place.path, TB_Links::Keep, &status)) {
+      return err;
+    }
+    if (OSErr err = CheckRemovable(status)) {
+      return err;
+    }
+    const OSErr deleted = Result(unlink(place.path.c_str()) == 0);
+    TB_ForgetListing(place.folder);
+    return deleted;
+  });
+}
+
+OSErr HRename(int16_t vRefNum, int32_t dirID, ConstStr255Param oldName, ConstStr255Param newName) {
+  return TB_FileOperation([&]() -> OSErr {
+    TB_FilePlace from;
+    TB_FilePlace to;
+    struct stat status;
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, oldName, &from)) {
+      return err;
+    }
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, newName, &to)) {
+      return err;
+    }
+    if (OSErr err = TB_StatusOf(from.path, TB_Links::Keep, &status)) {
+      return err;
+    }
+    if (S_ISREG(status.st_mode) && TB_IsLocked(status)) {
+      return fLckdErr;
+    }
+    const OSErr renamed = Result(RenameToFreeName(from.path, to.path));
+    TB_ForgetListing(from.folder);
+    return renamed;
+  });
+}
+
+OSErr FSRead(int16_t refNum, int32_t* count, void* buffer) {
+  const int32_t wanted = std::exchange(*count, 0);
+  return TB_FileOperation([&] {
+    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
+      if (wanted < 0) {
+        return paramErr;
+      }
+      return MoveBytes(wanted, count, [&](int32_t from, size_t size) {
+        return read(file.descriptor, static_cast<char*>(buffer) + from, size);
+      });
+    });
+  });
+}
+
+OSErr FSWrite(int16_t refNum, int32_t* count, const void* buffer) {
+  const int32_t wanted = std::exchange(*count, 0);
+  return TB_FileOperation([&] {
+    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
+      if (wanted < 0) {
+        return paramErr;
+      }
+      if (!file.writable) {
+        return wrPermErr;
+      }
+      const OSErr err = MoveBytes(wanted, count, [&](int32_t from, size_t size) {
+        return write(file.descriptor, static_cast<const char*>(buffer) + from, size);
+      });
+      return err == eofErr ? ioErr : err;
+    });
+  });
+}
+
+OSErr FSClose(int16_t refNum) {
+  const std::shared_ptr<TB_OpenFile> file = TB_RemoveOpenFile(refNum);
+  OSErr closed = rfNumErr;
+  if (file) {
+    std::lock_guard lock(file->mutex);
+    // An interrupted close has released the descriptor all the same.
+    closed = Result(close(std::exchange(file->descriptor, -1)) == 0 || errno == EINTR);
+  }
+  return TB_FileOperation([&] { return closed; });
+}
+
+OSErr GetEOF(int16_t refNum, int32_t* length) {
+  return TB_FileOperation([&] {
+    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
+      struct stat status;
+      if (fstat(file.descriptor, &status) != 0) {
+        return TB_ErrorFor(errno);
+      }
+      *length = static_cast<int32_t>(std::clamp<int64_t>(status.st_size, 0, INT32_MAX));
+      return noErr;
+    });
+  });
+}
+
+OSErr SetEOF(int16_t refNum, int32_t length) {
+  return TB_FileOperation([&] {
+    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
+      if (length < 0) {
+        return paramErr;
+      }
+      return file.writable ? Result(ftruncate(file.descriptor, length) == 0) : wrPermErr;
+    });
+  });
+}
+
+OSErr TB_FlushFile(int16_t refNum) {
+  return TB_FileOperation([&] {
+    return WithFile(
+        refNum, [](const TB_OpenFile& file) { return Result(FlushDescriptor(file.descriptor)); });
+  });
+}
+
+OSErr TB_ReplaceFile(int16_t vRefNum, int32_t dirID, ConstStr255Param sourceName,
+                     ConstStr255Param targetName) {
+  return TB_FileOperation([&]() -> OSErr {
+    TB_FilePlace source;
+    TB_FilePlace target;
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, sourceName, &source)) {
+      return err;
+    }
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, targetName, &target)) {
+      return err;
+    }
+    return Replace(source, target);
+  });
+}

@@ -1,0 +1,151 @@
+// The File Manager, over the POSIX file system.
+//
+// A folder is a pair (volume reference, directory id). There is one volume, reference -1; directory
+// id 0 stands for the default directory. Ids are given out when a folder is first named and stay
+// valid for the life of the program.
+//
+// Names are UTF-8 and name a thing within one folder, never a path. A name becomes a file name
+// thus, and never leads out of its folder:
+//   - '/', NUL, control characters (also U+0080 to U+009F and DEL) and bytes that are not UTF-8
+//     become '%' and two capital hexadecimal digits a byte;
+//   - the names "." and ".." get their first full stop as "%2E";
+//   - a '%' becomes "%25" when what follows would otherwise read as one of these escapes.
+// A file name read from a folder goes the same way back. Files whose names do not survive the way
+// there and back (raw control characters, invalid UTF-8, needless escapes) are not listed, nor are
+// hidden ones, whose names begin with a full stop.
+//
+// A file without any write permission is a locked one, for every user. Symbolic links are read
+// through; for writing they count as locked. Only regular files open: no pipes, no devices.
+//
+// Calls are safe on any thread. Parameter blocks also receive their result in ioResult.
+#ifndef MAC_FILES_H
+#define MAC_FILES_H
+
+#include "MacTypes.h"
+
+#include <string>
+#include <string_view>
+
+// What HOpen is to permit. fsCurPerm: reading and writing, else only reading.
+enum { fsCurPerm = 0, fsRdPerm = 1, fsWrPerm = 2, fsRdWrPerm = 3 };
+
+// Bits of ioFlAttrib.
+enum { kFileLockedBit = 0x01, kFolderBit = 0x10 };
+
+// For PBHGetVol. All but ioNamePtr is output.
+struct WDPBRec {
+  OSErr ioResult;
+  StringPtr ioNamePtr; // null, or 256 bytes for the default directory's name
+  int16_t ioVRefNum;
+  int16_t ioWDVRefNum; // volume of the default directory ...
+  int32_t ioWDDirID;   // ... and its id
+};
+typedef WDPBRec* WDPBPtr;
+
+// For PBHGetFInfo.
+struct HFileParam {
+  OSErr ioResult;
+  StringPtr ioNamePtr; // in: the name; out, with an index: the name found (256 bytes), or null
+  int16_t ioVRefNum;   // in
+  int16_t ioFDirIndex; // in: above 0, the file of that place in the folder; else look up the name
+  uint8_t ioFlAttrib;  // out
+  int32_t ioDirID;     // in: the folder
+  int32_t ioFlLgLen;   // out: length in bytes, at most 2147483647
+};
+struct HParamBlockRec {
+  HFileParam fileParam;
+};
+typedef HParamBlockRec* HParmBlkPtr;
+
+// For PBGetCatInfo: one record under two names, of a file and of a folder.
+struct HFileInfo {
+  OSErr ioResult;
+  StringPtr ioNamePtr;
+  int16_t ioVRefNum;
+  int16_t
+      ioFDirIndex;    // in: 0 look up the name; above 0 as in HFileParam; below 0 the folder itself
+  uint8_t ioFlAttrib; // out: kFolderBit tells which of the two it is
+  int32_t ioDirID;    // in: the folder to look in; out for a folder: the id of what was found
+  int32_t ioFlLgLen;  // out, files only
+};
+struct DirInfo {
+  OSErr ioResult;
+  StringPtr ioNamePtr;
+  int16_t ioVRefNum;
+  int16_t ioFDirIndex;
+  uint8_t ioFlAttrib;
+  int32_t ioDrDirID;
+};
+union CInfoPBRec {
+  HFileInfo hFileInfo;
+  DirInfo dirInfo;
+};
+typedef CInfoPBRec* CInfoPBPtr;
+
+// `async` is ignored throughout: every call is done when it returns.
+
+// The default directory: what TB_SetDefaultDirectory set, else the current one.
+TB_EXPORT OSErr PBHGetVol(WDPBPtr block, Boolean async);
+// Information on a file or folder. fnfErr when there is none.
+TB_EXPORT OSErr PBGetCatInfo(CInfoPBPtr block, Boolean async);
+// Information on a file, by name or by place (from 1) in the folder's listing: regular files only,
+// in alphabetical order regardless of case. fnfErr past the last one.
+TB_EXPORT OSErr PBHGetFInfo(HParmBlkPtr block, Boolean async);
+
+// Makes a folder in a folder. dupFNErr when the name is taken. createdDirID may be null.
+TB_EXPORT OSErr DirCreate(int16_t vRefNum, int32_t parentDirID, ConstStr255Param name,
+                          int32_t* createdDirID);
+// Makes an empty file. dupFNErr when the name is taken, even by a dangling link. Creator and type
+// have nowhere to go.
+TB_EXPORT OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStr255Param name, OSType creator,
+                        OSType fileType);
+// Opens a file. *refNum is above 0, or 0 after an error. permErr for writing to a locked file.
+TB_EXPORT OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStr255Param name, int8_t permission,
+                      int16_t* refNum);
+// Removes a file; of a symbolic link, only the link. fLckdErr when it is locked.
+TB_EXPORT OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStr255Param name);
+// Renames a file or folder within its folder. dupFNErr when the new name is taken, fLckdErr when
+// the file is locked.
+TB_EXPORT OSErr HRename(int16_t vRefNum, int32_t dirID, ConstStr255Param oldName,
+                        ConstStr255Param newName);
+
+// Reads *count bytes, less only at the end of the file or after an error. *count becomes the bytes
+// read; eofErr when they are fewer than asked.
+TB_EXPORT OSErr FSRead(int16_t refNum, int32_t* count, void* buffer);
+// Writes *count bytes. *count becomes the bytes written. dskFulErr when there is no room.
+TB_EXPORT OSErr FSWrite(int16_t refNum, int32_t* count, const void* buffer);
+// Closes the file, whatever the result, which may tell of a delayed write that failed.
+TB_EXPORT OSErr FSClose(int16_t refNum);
+TB_EXPORT OSErr GetEOF(int16_t refNum, int32_t* length);
+// Sets the file's length; new bytes are zero.
+TB_EXPORT OSErr SetEOF(int16_t refNum, int32_t length);
+
+// --- For hosts, tools and tests ---
+
+// What PBHGetVol reports from now on. dirNFErr when there is no such folder; an empty path goes
+// back to the current directory.
+TB_EXPORT OSErr TB_SetDefaultDirectory(std::string_view path);
+// The pair that stands for a folder.
+TB_EXPORT OSErr TB_DirectoryForPath(std::string_view path, int16_t* vRefNum, int32_t* dirID);
+// Splits the path to a file, which need not exist, into its folder, which must, and its name (256
+// bytes). bdNamErr when the file name is none that this File Manager could use.
+TB_EXPORT OSErr TB_SplitPath(std::string_view path, int16_t* vRefNum, int32_t* dirID,
+                             StringPtr name);
+// The absolute path of a name in a folder, or of the folder when name is null. Empty when there is
+// no such folder or the name cannot be a file's.
+TB_EXPORT std::string TB_PathOf(int16_t vRefNum, int32_t dirID, ConstStr255Param name);
+// Waits until the file's content is on the disk.
+TB_EXPORT OSErr TB_FlushFile(int16_t refNum);
+// Gives a file the name of another, whose old content is gone at the same instant: at any moment
+// one of the two complete files has that name, also after a crash. fLckdErr when the other file is
+// locked.
+TB_EXPORT OSErr TB_ReplaceFile(int16_t vRefNum, int32_t dirID, ConstStr255Param sourceName,
+                               ConstStr255Param targetName);
+// The n-th file operation from now answers err and does nothing else (FSClose still closes). Every
+// call above counts as one, those for tools excepted, TB_FlushFile and TB_ReplaceFile included. 1
+// is the next one; 0 calls the failure off.
+TB_EXPORT void TB_FailFileOperationAfter(uint64_t n, OSErr err);
+// File operations begun since the program started.
+TB_EXPORT uint64_t TB_FileOperationCount();
+
+#endif

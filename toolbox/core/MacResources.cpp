@@ -1,0 +1,224 @@
+#include "MacResources.h"
+
+#include "MacStrings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+namespace {
+
+using nlohmann::json;
+
+constexpr std::string_view ENGLISH = "en";
+
+// What one handed-in set of files came from, to recognise it when it is handed in again.
+struct Source {
+  const TB_EmbeddedFile* files;
+  size_t count;
+};
+
+struct State {
+  std::mutex mutex;
+  std::vector<Source> sources;
+  std::map<std::string, std::string, std::less<>> files; // all but the resource files, by path
+  std::map<std::string, json, std::less<>> languages;    // type -> number -> resource
+  std::string chosen; // by TB_SetLanguage; empty: by the environment
+  // English with the language in use laid over it; null when it must be made anew.
+  json merged;
+};
+
+State& Shared() {
+  static State& state = *new State;
+  return state;
+}
+
+// Lays one value over another: objects member by member, lists element by element; null changes
+// nothing.
+void LayOver(json* base, const json& over) {
+  if (over.is_object() && base->is_object()) {
+    for (const auto& [key, value] : over.items()) {
+      LayOver(&(*base)[key], value);
+    }
+  } else if (over.is_array() && base->is_array()) {
+    for (size_t i = 0; i < over.size(); ++i) {
+      LayOver(&(*base)[i], over[i]);
+    }
+  } else if (!over.is_null()) {
+    *base = over;
+  }
+}
+
+bool IsNumber(std::string_view text) {
+  int16_t number = 0;
+  auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+bool IsResourceFile(const json& content) {
+  if (!content.is_object()) {
+    return false;
+  }
+  for (const auto& [type, resources] : content.items()) {
+    if (type.size() != 4 || !resources.is_object()) {
+      return false;
+    }
+    for (const auto& entry : resources.items()) {
+      if (!IsNumber(entry.key())) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+bool AddFile(State* state, std::string_view path, std::string_view bytes) {
+  const size_t slash = path.find('/');
+  const bool inLanguage =
+      slash != std::string_view::npos && path.find('/', slash + 1) == std::string_view::npos;
+  if (!inLanguage || !path.ends_with(".json")) {
+    state->files.insert_or_assign(std::string(path), std::string(bytes));
+    return true;
+  }
+  json content = json::parse(bytes, nullptr, false);
+  if (!IsResourceFile(content)) {
+    return false;
+  }
+  json& language = state->languages[std::string(path.substr(0, slash))];
+  if (language.is_null()) {
+    language = json::object();
+  }
+  for (const auto& [type, resources] : content.items()) {
+    language[type].update(resources);
+  }
+  return true;
+}
+
+std::string LocaleOfEnvironment() {
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* value = std::getenv(name);
+    if (value && *value) {
+      return value;
+    }
+  }
+  return {};
+}
+
+// The best language there are files for: "de_AT", "de", else English. The lock is held.
+std::string ChooseLanguage(const State& state) {
+  std::string wanted = state.chosen.empty() ? LocaleOfEnvironment() : state.chosen;
+  wanted.resize(std::min(wanted.size(), wanted.find_first_of(".@")));
+  std::replace(wanted.begin(), wanted.end(), '-', '_');
+  const std::string general = wanted.substr(0, wanted.find('_'));
+  for (const std::string& language : {wanted, general}) {
+    if (state.languages.contains(language)) {
+      return language;
+    }
+  }
+  return std::string(ENGLISH);
+}
+
+// All resources in the language in use. The lock is held.
+const json& Merged(State* state) {
+  if (state->merged.is_null()) {
+    state->merged = json::object();
+    for (const std::string& language : {std::string(ENGLISH), ChooseLanguage(*state)}) {
+      auto found = state->languages.find(language);
+      if (found != state->languages.end()) {
+        LayOver(&state->merged, found->second);
+      }
+    }
+  }
+  return state->merged;
+}
+
+// A member of an object, or null.
+const json* Member(const json* object, std::string_view key) {
+  if (!object || !object->is_object()) {
+    return nullptr;
+  }
+  auto found = object->find(key);
+  return found == object->end() ? nullptr : &*found;
+}
+
+const json* Find(State* state, std::string_view type, int16_t number) {
+  return Member(Member(&Merged(state), type), std::to_string(number));
+}
+
+} // namespace
+
+void GetIndString(StringPtr dest, int16_t listID, int16_t index) {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex);
+  const json* list = Find(&state, "STR#", listID);
+  dest[0] = 0;
+  if (list && list->is_array() && index >= 1 && static_cast<size_t>(index) <= list->size()) {
+    const json& item = (*list)[static_cast<size_t>(index) - 1];
+    if (item.is_string()) {
+      PLstrcpy(dest, TB_PString(item.get_ref<const std::string&>()));
+    }
+  }
+}
+
+Boolean TB_UseResources(const TB_EmbeddedFile* files, size_t count) {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex);
+  for (const Source& source : state.sources) {
+    if (source.files == files && source.count == count) {
+      return 1;
+    }
+  }
+  state.sources.push_back({files, count});
+  state.merged = nullptr;
+  bool allUsed = true;
+  for (size_t i = 0; i < count; ++i) {
+    const std::string_view bytes(reinterpret_cast<const char*>(files[i].bytes), files[i].size);
+    allUsed = AddFile(&state, files[i].path, bytes) && allUsed;
+  }
+  return allUsed;
+}
+
+void TB_ForgetResources() {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex);
+  state.sources.clear();
+  state.files.clear();
+  state.languages.clear();
+  state.merged = nullptr;
+}
+
+void TB_SetLanguage(std::string_view code) {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex);
+  state.chosen = code;
+  state.merged = nullptr;
+}
+
+std::string TB_Language() {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex);
+  return ChooseLanguage(state);
+}
+
+const json* TB_Resource(std::string_view type, int16_t number) {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex);
+  return Find(&state, type, number);
+}
+
+std::string_view TB_ResourceFile(std::string_view path) {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex);
+  for (const std::string& folder :
+       {ChooseLanguage(state) + "/", std::string(ENGLISH) + "/", std::string()}) {
+    auto found = state.files.find(folder + std::string(path));
+    if (found != state.files.end()) {
+      return found->second;
+    }
+  }
+  return {};
+}

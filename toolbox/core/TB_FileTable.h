@@ -1,0 +1,32 @@
+// Open files by their 16-bit reference. Private to the File Manager.
+#ifndef TB_FILE_TABLE_H
+#define TB_FILE_TABLE_H
+
+#include "MacTypes.h"
+
+#include <memory>
+#include <mutex>
+
+// An open file; its descriptor is -1 once closed. Held by whoever is just using it, so that a
+// descriptor never changes hands in the middle of a call.
+struct TB_OpenFile {
+  std::mutex mutex;
+  int descriptor = -1;
+  bool writable = false;
+
+  TB_OpenFile(int file, bool canWrite) : descriptor(file), writable(canWrite) {}
+  TB_OpenFile(const TB_OpenFile&) = delete;
+  TB_OpenFile& operator=(const TB_OpenFile&) = delete;
+  ~TB_OpenFile();
+};
+
+// Takes a file in and answers its reference, above 0; 0 when the table is full, and the file is
+// then closed. A closed file's reference is not given out again for the next 126 files of its
+// place.
+int16_t TB_AddOpenFile(std::shared_ptr<TB_OpenFile> file);
+// The file of a reference, or null.
+std::shared_ptr<TB_OpenFile> TB_FindOpenFile(int16_t refNum);
+// Takes the file out of the table; null when there is none.
+std::shared_ptr<TB_OpenFile> TB_RemoveOpenFile(int16_t refNum);
+
+#endif

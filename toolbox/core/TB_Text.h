@@ -1,0 +1,19 @@
+// Decoding of UTF-8 that may be damaged. Private to the toolbox.
+#ifndef TB_TEXT_H
+#define TB_TEXT_H
+
+#include <cstddef>
+#include <string_view>
+
+// Decoded in place of a byte that is no part of a character: this plus the byte.
+constexpr char32_t TB_STRAY_BYTE = 0x110000;
+
+struct TB_Character {
+  char32_t code;
+  size_t length; // in bytes, 0 only at the end of the text
+};
+
+// The character at the start of text.
+TB_Character TB_FirstCharacter(std::string_view text);
+
+#endif
