@@ -15,12 +15,19 @@ LM_bool LM_HasFPU() {
   return 1;
 }
 
+bool LM_TestCancel(const FilterRecord* record) {
+  return record->testCancel != nullptr && record->testCancel() != 0;
+}
+
 void LM_CallHostProc(FilterRecord* record, int16_t selector, int32_t* data) {
-  record->hostCall(selector, data);
+  if (record->hostCall != nullptr)
+    record->hostCall(selector, data);
 }
 
 int16_t LM_DisplayPixels(FilterRecord* record, const CVPixelMap* map, const CVRect32& source,
                          int32_t row, int32_t column) {
+  if (record->showPixels == nullptr)
+    return CV_RESULT_NO_SERVICE;
   return record->showPixels(map, &source, row, column, nullptr);
 }
 

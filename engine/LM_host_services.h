@@ -10,6 +10,9 @@ bool LM_HostIsCorvaline(const FilterRecord* record);
 // Every machine this is built for computes with floating point: always 1.
 LM_bool LM_HasFPU();
 
+// True when the user has asked to stop.
+bool LM_TestCancel(const FilterRecord* record);
+
 // The host call of general use; its outcome is ignored.
 void LM_CallHostProc(FilterRecord* record, int16_t selector, int32_t* data);
 

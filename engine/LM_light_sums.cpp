@@ -25,6 +25,8 @@ void LM_MarkLightCachesHot(LM_globals* globals) {
 LM_tile_size LM_ShadeableTile(const FilterRecord* record) {
   const CVRect& area = record->filterArea;
   const CVRect& tile = record->inTileRect;
+  if (record->inPixels == nullptr || record->outPixels == nullptr)
+    return {0, 0};
   if (area.bottom - area.top < 1 || area.right - area.left < 1)
     return {0, 0};
   const int rows = LM_Cut16(tile.bottom - tile.top);

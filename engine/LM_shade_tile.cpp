@@ -1,4 +1,5 @@
 // The flat tile driver.
+#include "LM_host_services.h"
 #include "LM_light_sums.h"
 #include "LM_shader.h"
 
@@ -43,7 +44,7 @@ void LM_ShadeTile(FilterRecord* record, LM_globals* globals) {
   uint8_t* out = record->outPixels;
   for (int row = 0; row < tile.rows; ++row) {
     const float y = grid.Y(row);
-    record->testCancel();
+    LM_TestCancel(record);
     if (!rows.positionsReady) {
       for (int column = 0; column < tile.columns; ++column)
         rows.positions[column] = {grid.X(column), y};

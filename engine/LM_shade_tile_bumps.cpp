@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "LM_bump_rows.h"
+#include "LM_host_services.h"
 #include "LM_light_sums.h"
 #include "LM_shader.h"
 
@@ -117,7 +118,7 @@ void ShadeRows(FilterRecord* record, const LM_tile_size& tile, foo* params, LM_g
   uint8_t* out = record->outPixels;
   for (int row = 0; row < tile.rows; ++row) {
     const float y = grid.Y(row);
-    record->testCancel();
+    LM_TestCancel(record);
     for (uint32_t first = 0; first < columns; first += LM_MAX_RELIEF_PIXELS) {
       const uint32_t pixels = std::min<uint32_t>(columns - first, LM_MAX_RELIEF_PIXELS);
       const size_t offset = static_cast<size_t>(LM_PLANES) * first;

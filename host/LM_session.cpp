@@ -1,0 +1,250 @@
+#include "LM_session.h"
+
+#include "LM_alerts.h"
+#include "LM_constants.h"
+#include "LM_dialog_services.h"
+#include "LM_host_services.h"
+#include "LM_memory.h"
+#include "LM_preview.h"
+#include "LM_shader.h"
+#include "LM_style_settings.h"
+#include "LM_tiles.h"
+#include "MacDialogs.h"
+
+namespace {
+
+constexpr int16_t ABOUT_BOX = 16001;
+constexpr int16_t STOPPED = CV_RESULT_STOPPED;
+
+// True when the channel that the parameter block names can be read from this document.
+bool HasBumpChannel(FilterRecord* record, const foo* params) {
+  int16_t channels = 0;
+  if (params->bumpChannel <= 0)
+    return false;
+  return LM_GetNumChannels(channels, record) != CV_RESULT_OK ||
+         LM_ChannelOrNone(params->bumpChannel, channels) != 0;
+}
+
+void ReportTiles(FilterRecord* record, const LM_globals* g) {
+  if (record->reportProgress != nullptr)
+    record->reportProgress(g->tilesDone, g->tilesTotal);
+}
+
+// Requests the first tile of the image, or of its bump channel.
+void BeginRealWalk(FilterRecord* record, LM_globals* g, foo* params) {
+  // A kept block must not lead to the buffers of some earlier preview.
+  LM_DetachParameterCaches(params);
+  g->tileWalkFlag = 0;
+  LM_SetFirstRealTileRects(record, g);
+  g->bumpTilePending = 0;
+  g->walkHasRelief = HasBumpChannel(record, params) ? 1 : 0;
+  if (g->walkHasRelief == 1) {
+    g->bumpMap.scale = params->bumpHeight;
+    LM_RealToBumpRects(record, g);
+  }
+  ReportTiles(record, g);
+}
+
+int16_t ContinueRealWalk(FilterRecord* record, LM_globals* g) {
+  if (g->walkHasRelief == 0) {
+    LM_ShadeTile(record, g);
+    LM_SetNextRealTileRects(record, g);
+    ++g->tilesDone;
+    ReportTiles(record, g);
+    return CV_RESULT_OK;
+  }
+  if (g->bumpTilePending == 1) {
+    LM_ShadeTileWithBumps(record, &g->bumpMap, g);
+    LM_SetNextRealTileRects(record, g);
+    const CVRect& next = record->inTileRect;
+    // The walk's end is an empty request, which must stay empty.
+    if (next.top != next.bottom || next.left != next.right)
+      LM_RealToBumpRects(record, g);
+    g->bumpTilePending = 0;
+    return CV_RESULT_OK;
+  }
+  if (LM_TestCancel(record))
+    return CV_RESULT_STOPPED;
+  if (LM_StoreBumpMap(record, g) != 0)
+    return CV_RESULT_NO_MEMORY;
+  LM_BumpToRealRects(record, g);
+  g->bumpTilePending = 1;
+  ++g->tilesDone;
+  ReportTiles(record, g);
+  return CV_RESULT_OK;
+}
+
+// Runs the dialog on the settings of an earlier run, which come back when it is cancelled.
+int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g, foo* params) {
+  LM_globals* backup = LM_NewGlobals();
+  if (backup == nullptr)
+    return CV_RESULT_NO_MEMORY;
+  int16_t result = backup->CopySettingsFrom(*g);
+  if (result == CV_RESULT_OK) {
+    result = LM_DialogServices()->run(record, g);
+    if (result != CV_RESULT_OK) {
+      g->CopySettingsFrom(*backup);
+      g->dialogPending = 0;
+      g->ConvertToParameters(params, 0);
+      LM_DetachParameterCaches(params);
+    }
+  }
+  LM_DestroyGlobals(backup);
+  return result;
+}
+
+int16_t RunDialog(FilterRecord* record, LM_globals* g) {
+  if (record->savedParams == nullptr) {
+    record->savedParams = LM_NewParameters();
+    if (record->savedParams == nullptr)
+      return CV_RESULT_NO_MEMORY;
+  }
+  foo* params = LM_Parameters(record);
+  if (params == nullptr)
+    return CV_RESULT_STOPPED;
+  const int16_t result = g->UseCurrentSettings() == 1
+                             ? RunDialogOnCurrentSettings(record, g, params)
+                             : LM_DialogServices()->run(record, g);
+  if (result != CV_RESULT_OK)
+    return result;
+  g->dialogPending = 0;
+  g->ConvertToParameters(params, 0);
+  BeginRealWalk(record, g, params);
+  return CV_RESULT_OK;
+}
+
+} // namespace
+
+int16_t LM_DoAbout(const CVAboutRecord* about) {
+  ShowAbout(about, ABOUT_BOX);
+  return CV_RESULT_OK;
+}
+
+int16_t LM_DoPrepare(FilterRecord* record) {
+  if (record->showPixels == nullptr) {
+    LM_ShowNoDisplayPixelsError();
+    return CV_RESULT_STOPPED;
+  }
+  if (!LM_HostIsCorvaline(record)) {
+    LM_ShowHostNotCorvalineError();
+    return CV_RESULT_STOPPED;
+  }
+  if (record->colorMode != CV_MODE_RGB)
+    return CV_RESULT_BAD_MODE;
+  if (LM_HasFPU() == 0) {
+    LM_ShowNoFPUError();
+    return CV_RESULT_STOPPED;
+  }
+  if (record->nextTile == nullptr || record->absolutePlanesSupported == 0) {
+    LM_ShowHostNotCorvalineError();
+    return CV_RESULT_STOPPED;
+  }
+  return CV_RESULT_OK;
+}
+
+int16_t LM_DoStart(FilterRecord* record, LM_globals* globals) {
+  // A run that the host never finished must not leak.
+  LM_DoFinish(globals);
+  record->inFirstPlane = 0;
+  record->inLastPlane = LM_PLANES - 1;
+  record->outFirstPlane = 0;
+  record->outLastPlane = LM_PLANES - 1;
+  globals->record = record;
+  globals->bumpMap.capacity = LM_FIRST_HEIGHT_BYTES;
+  globals->bumpMap.heights = static_cast<int32_t*>(LM_NewPtr(LM_FIRST_HEIGHT_BYTES));
+  if (globals->bumpMap.heights == nullptr)
+    return CV_RESULT_NO_MEMORY;
+  LM_SetUpHeightFilter(&globals->bumpMap);
+  if (globals->dialogPending != 1) {
+    foo* params = LM_Parameters(record);
+    if (params == nullptr)
+      return CV_RESULT_STOPPED;
+    BeginRealWalk(record, globals, params);
+    return CV_RESULT_OK;
+  }
+  if (LM_DialogServices() == nullptr)
+    return LM_RESULT_NO_DIALOG;
+  globals->previewOn = 1;
+  globals->previewComplete = 0;
+  int16_t result = LM_DialogServices()->construct(record, globals);
+  if (result == CV_RESULT_OK)
+    result = LM_CalculatePreviewScaling(record, globals);
+  if (result == CV_RESULT_OK)
+    LM_SetFirstPreviewTileRects(record, globals);
+  return result;
+}
+
+int16_t LM_DoContinue(FilterRecord* record, LM_globals* globals) {
+  // A host that never started this run has nothing to continue.
+  if (globals->record != record)
+    return CV_RESULT_STOPPED;
+  if (globals->dialogPending != 1)
+    return LM_Parameters(record) != nullptr ? ContinueRealWalk(record, globals) : STOPPED;
+  if (globals->previewComplete == 0) {
+    LM_CalcTilePreview(record, globals);
+    LM_SetNextPreviewTileRects(record, globals);
+    return CV_RESULT_OK;
+  }
+  return globals->dialog != nullptr ? RunDialog(record, globals) : STOPPED;
+}
+
+int16_t LM_DoFinish(LM_globals* globals) {
+  LM_FreeRunBuffers(globals);
+  const LM_dialog_services* dialog = LM_DialogServices();
+  if (dialog != nullptr && globals->dialog != nullptr)
+    dialog->dispose(globals);
+  return CV_RESULT_OK;
+}
+
+void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* result) {
+  *result = CV_RESULT_OK;
+  if (selector == CV_SEL_FINISH && *data == 0)
+    return;
+  if (*data == 0) {
+    LM_globals* made = LM_NewGlobals();
+    *data = reinterpret_cast<intptr_t>(made);
+    if (made == nullptr) {
+      *result = CV_RESULT_NO_MEMORY;
+      return;
+    }
+    made->SetUseCurrentSettings(0);
+  }
+  LM_SetConstants();
+  LM_globals* globals = reinterpret_cast<LM_globals*>(*data);
+  FilterRecord* filter = static_cast<FilterRecord*>(record);
+  switch (selector) {
+  case CV_SEL_ABOUT:
+    *result = LM_DoAbout(static_cast<const CVAboutRecord*>(record));
+    break;
+  case CV_SEL_PARAMETERS:
+    globals->dialogPending = 1;
+    break;
+  case CV_SEL_PREPARE:
+    *result = LM_DoPrepare(filter);
+    break;
+  case CV_SEL_START:
+    *result = LM_DoStart(filter, globals);
+    if (*result != CV_RESULT_OK) {
+      globals->dialogPending = 0;
+      LM_DoFinish(globals);
+    }
+    break;
+  case CV_SEL_CONTINUE:
+    *result = LM_DoContinue(filter, globals);
+    if (*result != CV_RESULT_OK && globals->dialogPending == 1 &&
+        globals->UseCurrentSettings() == 0) {
+      LM_DoFinish(globals);
+      LM_DestroyGlobals(globals);
+      *data = 0;
+    }
+    break;
+  case CV_SEL_FINISH:
+    *result = LM_DoFinish(globals);
+    globals->SetUseCurrentSettings(1);
+    globals->dialogPending = 0;
+    break;
+  default:
+    *result = CV_RESULT_BAD_SELECTOR;
+    break;
+  }
+}

@@ -1,0 +1,32 @@
+// The steps of a run of the filter, as the host calls for them. One call at a time, on the host's
+// thread. Results are the program's result codes.
+#ifndef LM_SESSION_H
+#define LM_SESSION_H
+
+#include "LM_globals.h"
+
+// Answers one call of the host; the arguments are the entry point's. The settings object is made on
+// the first call that needs it, its address kept in *data; a first interactive run that ends in
+// cancel or failure releases it again. May throw std::bad_alloc.
+void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* result);
+
+// Shows the about box.
+int16_t LM_DoAbout(const CVAboutRecord* about);
+
+// Checks that the host offers what the plug-in needs and that the image is RGB; what is missing is
+// told in an alert. Allocates nothing.
+int16_t LM_DoPrepare(FilterRecord* record);
+
+// Begins a run: interactive, with the dialog built and the first preview tile requested, or from
+// the kept parameter block, with the first real tile requested. CV_RESULT_STOPPED when there is no
+// such block, LM_RESULT_NO_DIALOG when the program has no dialog.
+int16_t LM_DoStart(FilterRecord* record, LM_globals* globals);
+
+// Takes the delivered tile: collects the preview, runs the dialog behind its last tile, or shades a
+// real tile and requests the next.
+int16_t LM_DoContinue(FilterRecord* record, LM_globals* globals);
+
+// Releases the buffers of the run and a dialog that is still there. Always 0.
+int16_t LM_DoFinish(LM_globals* globals);
+
+#endif

@@ -1,0 +1,53 @@
+// The content of a style file as plain data: the whole lighting set-up, as the file has it.
+#ifndef LM_STYLE_H
+#define LM_STYLE_H
+
+#include "LM_types.h"
+#include "LM_vectori2.h"
+
+constexpr uint16_t LM_STYLE_SIGNATURE = 0x4242;
+constexpr uint32_t LM_STYLE_MAGIC = CV_FOUR_CHARS('C', 'V', 'L', 'M');
+constexpr uint32_t LM_STYLE_VERSION = 144;
+constexpr size_t LM_STYLE_HEADER_BYTES = 36;
+constexpr size_t LM_STYLE_LIGHT_BYTES = 28;
+constexpr size_t LM_STYLE_MAX_BYTES = LM_STYLE_HEADER_BYTES + LM_MAX_LIGHTS * LM_STYLE_LIGHT_BYTES;
+
+// Light type codes of the file: the positions in the dialog's light type menu, not LM_light_type.
+enum LM_style_light_type : uint16_t {
+  LM_STYLE_DIRECTIONAL = 1,
+  LM_STYLE_OMNI = 2,
+  LM_STYLE_SPOT = 3 // any other code is read as a spot too
+};
+
+// Lengths are preview pixels of the preview the style was saved with; see LM_style::worldUnit.
+struct LM_style_light {
+  LM_color48 color;
+  int16_t intensity; // slider value minus 127
+  int16_t spread;
+  uint16_t on; // exactly 1: on
+  uint16_t type;
+  LM_vectori2 center; // from the preview's centre
+  LM_vectori2 handle1;
+  LM_vectori2 handle2;
+  int16_t radius;
+};
+
+struct LM_style {
+  uint32_t version;
+  int16_t bumpChannel;  // 1-based, 0 for none
+  uint16_t whiteIsHigh; // not 0: true
+  int16_t bumpAmplitude;
+  LM_color48 ambientColor;
+  int16_t material;
+  int16_t gloss;
+  int16_t exposure;
+  int16_t ambientBrightness; // slider value minus 127
+  uint16_t numLights;        // as the file says, which may be more than are kept
+  uint16_t curLight;
+  int16_t
+      worldUnit; // half the width of the preview frame when the style was saved, in preview pixels
+  LM_style_light lights[LM_MAX_LIGHTS];
+  uint16_t lightsRead; // lights that are whole: at most numLights and LM_MAX_LIGHTS
+};
+
+#endif

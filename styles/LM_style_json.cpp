@@ -1,0 +1,214 @@
+#include "LM_style_json.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "LM_style_fields.h"
+#include "LM_style_layout.h"
+
+namespace {
+
+// Keys that describe the file and set nothing.
+bool IsRemark(std::string_view key) {
+  return key == "$schema" || key == "name" || key == "description";
+}
+
+// Takes the parser's events straight into the style; nothing of the text is kept but the present
+// key.
+class StyleReader : public nlohmann::json_sax<nlohmann::json> {
+public:
+  StyleReader(LM_style& style, std::string& why) : _style(style), _why(why) {}
+
+  bool null() override { return Fail("null is no value"); }
+  bool boolean(bool value) override { return Number(value ? 1 : 0); }
+  bool number_integer(number_integer_t value) override { return Number(value); }
+  bool number_unsigned(number_unsigned_t value) override {
+    return value <= INT64_MAX ? Number(static_cast<int64_t>(value))
+                              : Fail("the number is too large");
+  }
+  bool number_float(number_float_t, const string_t&) override {
+    return Fail("it takes a whole number");
+  }
+  bool string(string_t& value) override {
+    if (_place == Place::Style && IsRemark(_key))
+      return true;
+    if (_place == Place::Light && _key == "type") {
+      const uint16_t code = LM_LightTypeCode(value);
+      return code != 0 ? Number(code) : Fail("it is \"directional\", \"omni\" or \"spot\"");
+    }
+    return Fail("it takes a number, not text");
+  }
+  bool binary(binary_t&) override { return Fail("it takes a number"); }
+
+  bool start_object(size_t) override {
+    if (_place == Place::Outside) {
+      _place = Place::Style;
+      return true;
+    }
+    if (_place != Place::Lights)
+      return Fail("it takes no object");
+    if (_style.lightsRead == LM_MAX_LIGHTS)
+      return Fail("there are more than " + std::to_string(LM_MAX_LIGHTS) + " lights");
+    _style.lights[_style.lightsRead] = LM_NewStyleLight();
+    _style.numLights = ++_style.lightsRead;
+    _place = Place::Light;
+    return true;
+  }
+  bool key(string_t& value) override {
+    _key = value.substr(0, LONGEST_KEY);
+    return true;
+  }
+  bool end_object() override {
+    _place = _place == Place::Light ? Place::Lights : Place::Outside;
+    _key = "lights";
+    return true;
+  }
+  bool start_array(size_t) override {
+    if (_place == Place::Style && _key == "lights") {
+      _place = Place::Lights;
+      return true;
+    }
+    if (_place != Place::Style && _place != Place::Light)
+      return Fail("it takes no list");
+    _arrayIn = _place;
+    _place = Place::Array;
+    _index = 0;
+    return true;
+  }
+  bool end_array() override {
+    _place = _place == Place::Array ? _arrayIn : Place::Style;
+    return true;
+  }
+  bool parse_error(size_t, const std::string&, const nlohmann::detail::exception& error) override {
+    if (_why.empty())
+      _why = Sentence(error.what());
+    return false;
+  }
+
+private:
+  enum class Place { Outside, Style, Lights, Light, Array };
+  static constexpr size_t LONGEST_KEY = 40;
+
+  // The parser's message without its own error number.
+  static std::string Sentence(std::string_view message) {
+    const size_t end = message.find("] ");
+    return std::string(end == std::string_view::npos ? message : message.substr(end + 2));
+  }
+
+  std::string Path() const {
+    const Place place = _place == Place::Array ? _arrayIn : _place;
+    std::string path =
+        place == Place::Light || place == Place::Lights
+            ? "light." + std::to_string(std::max<int>(_style.lightsRead, 1) - 1) + "."
+            : "";
+    path += _key;
+    return _place == Place::Array ? path + "." + std::to_string(_index) : path;
+  }
+
+  bool Fail(const std::string& what) {
+    _why = (_place == Place::Outside ? "the style is not an object" : Path() + ": " + what);
+    return false;
+  }
+
+  bool Number(int64_t value) {
+    if (_place == Place::Outside || _place == Place::Lights)
+      return Fail("it takes no number");
+    std::string what;
+    if (!LM_SetStyleNumber(_style, Path(), value, what))
+      return Fail(what);
+    ++_index;
+    return true;
+  }
+
+  LM_style& _style;
+  std::string& _why;
+  Place _place = Place::Outside;
+  Place _arrayIn = Place::Style;
+  std::string _key;
+  int _index = 0;
+};
+
+// Writes fields as `"name": value` lines; consecutive components of one array go into brackets.
+class JsonWriter {
+public:
+  JsonWriter(std::string& text, std::string indent) : _text(text), _indent(std::move(indent)) {}
+
+  template <class Integer> bool operator()(const char* field, const Integer& value, LM_field kind) {
+    if (kind == LM_field::Count || std::string_view(field) == "version")
+      return true;
+    const std::string_view whole = field;
+    const size_t dot = whole.find('.');
+    const std::string_view name = whole.substr(0, dot);
+    const bool inArray = dot != std::string_view::npos;
+    if (inArray && name == _array) {
+      _text += ", ";
+    } else {
+      Finish();
+      _text += (_first ? "\n" : ",\n") + _indent + "\"" + std::string(name) +
+               "\": " + (inArray ? "[" : "");
+      _array = inArray ? name : std::string_view();
+    }
+    _first = false;
+    _text += Value(value, kind);
+    return true;
+  }
+  void Finish() {
+    if (!_array.empty())
+      _text += "]";
+    _array = {};
+  }
+
+private:
+  // A flag or type that its word would not bring back is written as the number it is.
+  template <class Integer> static std::string Value(Integer value, LM_field kind) {
+    if (kind == LM_field::Flag && (value == 0 || value == 1))
+      return value == 1 ? "true" : "false";
+    if (kind == LM_field::LightType) {
+      const std::string_view word = LM_LightTypeWord(static_cast<uint16_t>(value));
+      if (!word.empty())
+        return "\"" + std::string(word) + "\"";
+    }
+    return std::to_string(value);
+  }
+
+  std::string& _text;
+  std::string _indent;
+  std::string_view _array;
+  bool _first = true;
+};
+
+} // namespace
+
+bool LM_StyleFromJson(std::string_view text, LM_style& style, std::string& why) {
+  style = LM_NewStyle();
+  why.clear();
+  StyleReader reader(style, why);
+  if (!nlohmann::json::sax_parse(text.begin(), text.end(), &reader)) {
+    if (why.empty())
+      why = "it is not JSON";
+    return false;
+  }
+  if (style.version != LM_STYLE_VERSION) {
+    why = "version: it is not " + std::to_string(LM_STYLE_VERSION);
+    return false;
+  }
+  if (style.lightsRead == 0)
+    why = "it holds no light";
+  return style.lightsRead > 0;
+}
+
+std::string LM_StyleToJson(const LM_style& style) {
+  std::string text = "{";
+  JsonWriter header(text, "  ");
+  LM_VisitStyleHeader(style, std::ref(header));
+  header.Finish();
+  text += ",\n  \"lights\": [";
+  for (int i = 0; i < style.lightsRead; ++i) {
+    text += i == 0 ? "\n    {" : ",\n    {";
+    JsonWriter light(text, "      ");
+    LM_VisitStyleLight(style.lights[i], std::ref(light));
+    light.Finish();
+    text += "\n    }";
+  }
+  return text + "\n  ]\n}\n";
+}
