@@ -6,8 +6,18 @@
 #include <sys/stat.h>
 #include <utility>
 
-CVPlugin::CVPlugin(CVFilterEntry main, std::string fileName)
-    : _entry(main), _name(std::move(fileName)) {}
+CVPlugin::CVPlugin(CVFilterEntry entry, std::string fileName)
+    : _entry(entry), _name(std::move(fileName)) {}
+
+bool CVPlugin::call(int selector, void* record, std::intptr_t* dataSlot,
+                    std::int16_t* code) const noexcept {
+  try {
+    _entry(selector, record, dataSlot, code);
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
 
 static CVResult badPlugin(std::string message) {
   return {CVOutcome::BadPlugin, 0, std::move(message)};

@@ -5,6 +5,7 @@
 #include "CVFilterRecord.h"
 #include "CVResult.h"
 
+#include <cstdint>
 #include <string>
 
 // A module once loaded stays so until the program ends: one that has opened windows cannot be taken
@@ -13,13 +14,16 @@ class CVPlugin {
 public:
   CVPlugin() = default;
   // A plug-in linked into the program. fileName: for messages.
-  CVPlugin(CVFilterEntry main, std::string fileName);
+  CVPlugin(CVFilterEntry entry, std::string fileName);
 
   // path: the module's file; a bare name means the current folder. Done, NoMemory, or BadPlugin
   // with a message that names the file; then the plug-in is as it was.
   CVResult load(const std::string& path);
 
-  CVFilterEntry entry() const { return _entry; }    // null until a module is loaded
+  bool isLoaded() const { return _entry != nullptr; }
+  // One call of the loaded plug-in; arguments as CVFilterEntry has them. False when an exception
+  // came out of it, which the contract forbids.
+  bool call(int selector, void* record, std::intptr_t* dataSlot, std::int16_t* code) const noexcept;
   const std::string& name() const { return _name; } // file name without its folder
 
 private:

@@ -1,0 +1,264 @@
+#include "CVFilterRun.h"
+
+#include "CVHostProcs.h"
+#include "MacMemory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+static thread_local CVFilterRun* currentRun = nullptr;
+
+CVFilterRun* CVFilterRun::current() {
+  return currentRun;
+}
+
+static std::string stepName(int selector) {
+  static const char* const names[] = {"about", "parameters", "prepare",
+                                      "start", "continue",   "finish"};
+  return names[selector];
+}
+
+static CVResult failed(const char* message) noexcept {
+  return CVGuarded("a message", [message] { return CVResult{CVOutcome::Failed, 0, message}; });
+}
+
+CVResult CVPluginThrew() noexcept {
+  return failed("the plug-in let an exception out of a call");
+}
+
+CVResult CVHostThrew() noexcept {
+  return failed("a function that serves the filter failed");
+}
+
+CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, std::int16_t code) {
+  const std::string name = plugin.name() + ": ";
+  switch (code) {
+  case CV_RESULT_OK:
+    return {};
+  case CV_RESULT_STOPPED:
+    return {CVOutcome::Stopped, code, name + "the filter stopped after telling the reason"};
+  case CV_RESULT_NO_MEMORY:
+    return {CVOutcome::NoMemory, code, name + "there is not enough memory for the filter"};
+  case CV_RESULT_BAD_MODE:
+    return {CVOutcome::BadMode, code,
+            name + "the filter does not work on images of this colour mode"};
+  case CV_RESULT_BAD_SELECTOR:
+    return {CVOutcome::Failed, code,
+            name + "the filter does not know the step \"" + stepName(selector) + "\""};
+  case CV_RESULT_NO_SERVICE:
+    return {CVOutcome::Failed, code, name + "the filter needs a service that this host lacks"};
+  default:
+    return {CVOutcome::Failed, code,
+            name + "the filter failed with code " + std::to_string(code) + " in its step \"" +
+                stepName(selector) + "\""};
+  }
+}
+
+CVFilterRun::CVFilterRun(CVFilterSession& session, CVDocument& document, CVRect area,
+                         const CVRunOptions& options)
+    : _session(session), _document(document), _area(area), _options(options),
+      _result(document, area), _tiles(document, _result) {
+  const auto lastPlane = static_cast<std::int16_t>(document.modePlanes() - 1);
+  _record.savedParams = session._parameters;
+  _record.inLastPlane = lastPlane;
+  _record.outLastPlane = lastPlane;
+  _record.inEdgeMode = CV_EDGE_NONE;
+  _record.inSampleStep = CV_FIXED_ONE;
+  _record.maskSampleStep = CV_FIXED_ONE;
+  currentRun = this;
+}
+
+CVFilterRun::~CVFilterRun() {
+  currentRun = nullptr;
+}
+
+// Before every call, in case that the plug-in wrote over what is the host's.
+void CVFilterRun::_fillHostFields() {
+  const bool masked = _document.hasMask();
+  _record.testCancel = CVTestCancel;
+  _record.reportProgress = CVReportProgress;
+  _record.filterArea = _area;
+  _record.maskUsable = masked ? 1 : 0;
+  _record.maskPresent = masked ? 1 : 0;
+  _record.hostSignature = CV_HOST_SIGNATURE;
+  _record.hostCall = CVHostCall;
+  _record.colorMode = static_cast<std::int16_t>(_document.colorMode());
+  _record.processEvent = _options.services.processEvent;
+  _record.showPixels = _options.services.showPixels;
+  _record.handleServices = nullptr; // handles are the Toolbox's
+  _record.nextTile = CVNextTile;
+  _record.absolutePlanesSupported = 1;
+  _record.queryProperty = CVQueryProperty;
+  _record.colorPicker = _options.services.colorPicker;
+}
+
+std::int16_t CVFilterRun::_call(int selector) noexcept {
+  _fillHostFields();
+  _selector = selector;
+  std::int16_t code = CV_RESULT_OK;
+  if (!_session._plugin.call(selector, &_record, &_session._dataSlot, &code))
+    fail(CVPluginThrew());
+  _session._parameters = _record.savedParams;
+  return code;
+}
+
+void CVFilterRun::fail(CVResult result) noexcept {
+  if (_failure.ok())
+    _failure = std::move(result);
+}
+
+CVResult CVFilterRun::_judge(int selector, std::int16_t code) {
+  const std::string name = _session._plugin.name() + ": ";
+  if (!_failure.ok()) {
+    CVResult failure = _failure;
+    failure.message = name + failure.message;
+    return failure;
+  }
+  // In a run with a dialog a continue call that stops was ended there, or through the cancel test.
+  const bool dialogEnded = _options.dialog == CVDialog::Yes && selector == CV_SEL_CONTINUE;
+  if (code == CV_RESULT_STOPPED && (_cancelled || dialogEnded))
+    return {CVOutcome::Cancelled, code, name + "the filter was cancelled"};
+  if (code != CV_RESULT_OK)
+    return CVDescribeAnswer(_session._plugin, selector, code);
+  if (std::memcmp(&_record.filterArea, &_area, sizeof _area) != 0)
+    return {CVOutcome::BadRequest, 0,
+            name + "the plug-in did not put the filter area back after its step \"" +
+                stepName(selector) + "\""};
+  return {};
+}
+
+CVResult CVFilterRun::_step(int selector) {
+  return _judge(selector, _call(selector));
+}
+
+CVResult CVFilterRun::_refusal(const CVResult& request) const {
+  return {request.outcome, request.code,
+          _session._plugin.name() + ": " +
+              (request.outcome == CVOutcome::BadRequest ? "the plug-in " : "") + request.message};
+}
+
+// More calls than any sensible walk makes: row by row or column by column 64 times over, or in
+// tiles of 4 × 4 pixels.
+static std::int64_t mostCalls(const CVRect& area) {
+  const std::int64_t width = area.right - area.left;
+  const std::int64_t height = area.bottom - area.top;
+  return 4096 + 64 * (width + height) + width * height / 16;
+}
+
+CVResult CVFilterRun::_walk() {
+  if (_options.dialog == CVDialog::Yes)
+    if (CVResult result = _step(CV_SEL_PARAMETERS); !result.ok())
+      return result;
+  for (const int selector : {CV_SEL_PREPARE, CV_SEL_START})
+    if (CVResult result = _step(selector); !result.ok())
+      return result;
+
+  const std::int64_t most = mostCalls(_area);
+  for (std::int64_t calls = 0;; ++calls) {
+    if (testCancel())
+      return {CVOutcome::Cancelled, 0, _session._plugin.name() + ": the filter was cancelled"};
+    CVResult result = _tiles.read(_record);
+    if (result.ok() && !_tiles.wanted())
+      return result;
+    if (result.ok() && calls == most)
+      result = {CVOutcome::BadRequest, 0,
+                "still asked for tiles after " + std::to_string(calls) + " of them"};
+    if (result.ok())
+      result = _tiles.deliver(_record);
+    if (!result.ok())
+      return _refusal(result);
+    if (result = _step(CV_SEL_CONTINUE); !result.ok())
+      return result;
+    _tiles.takeOutput();
+    _showProgress();
+  }
+}
+
+CVResult CVFilterRun::execute() noexcept {
+  // What throws on the way is the memory of a message, or a function of the caller's.
+  const auto guarded = [this](auto work) noexcept -> CVResult {
+    try {
+      return work();
+    } catch (const std::bad_alloc&) {
+      return CVOutOfMemory("the filter's run");
+    } catch (...) {
+      return CVHostThrew();
+    }
+  };
+  CVResult result = guarded([this] { return _walk(); });
+  _tiles.withdraw(_record);
+  const std::int16_t code = _call(CV_SEL_FINISH);
+  if (result.ok())
+    result = guarded([this, code] { return _judge(CV_SEL_FINISH, code); });
+  if (result.ok())
+    _result.store();
+  return result;
+}
+
+bool CVFilterRun::testCancel() {
+  if (!_cancelled && _options.cancelled)
+    _cancelled = _options.cancelled();
+  return _cancelled || !_failure.ok();
+}
+
+// A plug-in that reports nothing done begins its walk: what it took part in before was its preview.
+void CVFilterRun::reportProgress(std::int32_t done) {
+  if (done > 0)
+    return;
+  _tiles.countFromZero();
+  _progressShown = -1.0;
+  _showProgress();
+}
+
+void CVFilterRun::_showProgress() {
+  const double pixels = static_cast<double>(_area.right - _area.left) * (_area.bottom - _area.top);
+  const double done = std::min(1.0, static_cast<double>(_tiles.pixelsTaken()) / pixels);
+  const bool worthShowing = done - _progressShown >= 0.001 || (done >= 1.0 && _progressShown < 1.0);
+  if (!_options.progress || !worthShowing)
+    return;
+  _progressShown = done;
+  _options.progress(done);
+}
+
+std::int16_t CVFilterRun::nextTile() {
+  if (_selector != CV_SEL_START && _selector != CV_SEL_CONTINUE)
+    return CV_RESULT_NO_SERVICE;
+  _tiles.takeOutput();
+  _tiles.withdraw(_record);
+  CVResult result = _tiles.read(_record);
+  if (result.ok())
+    result = _tiles.deliver(_record);
+  // The plug-in may get by with a smaller tile, but a wrong request is its fault and ends the run.
+  if (result.outcome == CVOutcome::NoMemory)
+    return CV_RESULT_NO_MEMORY;
+  if (result.ok())
+    return noErr;
+  result.message = "the plug-in " + result.message;
+  fail(std::move(result));
+  return paramErr;
+}
+
+std::int16_t CVFilterRun::queryProperty(std::uint32_t signature, std::uint32_t key,
+                                        std::int32_t index, std::int32_t* simpleValue,
+                                        CVHandle* handle) const {
+  if (signature != CV_HOST_SIGNATURE)
+    return CV_RESULT_NO_SERVICE;
+  if (key == CV_PROPERTY_NUM_CHANNELS) {
+    if (simpleValue == nullptr)
+      return paramErr;
+    *simpleValue = _document.channelCount();
+    return noErr;
+  }
+  if (key != CV_PROPERTY_CHANNEL_NAME)
+    return CV_RESULT_NO_SERVICE;
+  if (handle == nullptr || index < 0 || index >= _document.channelCount())
+    return paramErr;
+  const std::string& name = _document.channelName(index);
+  Handle block = NewHandle(static_cast<Size>(name.size()));
+  if (block == nullptr)
+    return CV_RESULT_NO_MEMORY;
+  std::memcpy(*block, name.data(), name.size());
+  *handle = block;
+  return noErr;
+}

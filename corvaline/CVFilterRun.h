@@ -1,0 +1,68 @@
+// One run of a filter: the record, the order of the calls, and what the plug-in can ask meanwhile.
+#ifndef CV_FILTER_RUN_H
+#define CV_FILTER_RUN_H
+
+#include "CVDocument.h"
+#include "CVFilterRecord.h"
+#include "CVFilterSession.h"
+#include "CVResult.h"
+#include "CVResultImage.h"
+#include "CVTileDelivery.h"
+
+#include <cstdint>
+#include <string>
+
+// The plug-in let an exception out of a call; a function that the caller gave let one out.
+CVResult CVPluginThrew() noexcept;
+CVResult CVHostThrew() noexcept;
+
+// What the answer of a call means to the user: Done for 0. May throw std::bad_alloc.
+CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, std::int16_t code);
+
+// While it exists it is its thread's current run, which the functions in the record, having no
+// argument for it, work on. There is at most one on a thread.
+class CVFilterRun {
+public:
+  CVFilterRun(CVFilterSession& session, CVDocument& document, CVRect area,
+              const CVRunOptions& options);
+  ~CVFilterRun();
+  CVFilterRun(const CVFilterRun&) = delete;
+  CVFilterRun& operator=(const CVFilterRun&) = delete;
+
+  static CVFilterRun* current();
+
+  // Everything from the first call to the changed document.
+  CVResult execute() noexcept;
+
+  // The services. They may throw; what calls them from the plug-in's side must not.
+  bool testCancel();
+  void reportProgress(std::int32_t done);
+  std::int16_t nextTile();
+  std::int16_t queryProperty(std::uint32_t signature, std::uint32_t key, std::int32_t index,
+                             std::int32_t* simpleValue, CVHandle* handle) const;
+  // Ends the run as soon as the plug-in returns. Only the first such result counts.
+  void fail(CVResult result) noexcept;
+
+private:
+  CVResult _walk();
+  CVResult _step(int selector);
+  CVResult _judge(int selector, std::int16_t code);
+  std::int16_t _call(int selector) noexcept;
+  void _fillHostFields();
+  CVResult _refusal(const CVResult& request) const;
+  void _showProgress();
+
+  CVFilterSession& _session;
+  const CVDocument& _document;
+  CVRect _area;
+  const CVRunOptions& _options;
+  FilterRecord _record{};
+  CVResultImage _result;
+  CVTileDelivery _tiles;
+  CVResult _failure; // Done until something other than the plug-in's answer ends the run
+  int _selector = CV_SEL_PREPARE;
+  bool _cancelled = false;
+  double _progressShown = -1.0;
+};
+
+#endif

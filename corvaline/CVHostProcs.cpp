@@ -1,0 +1,76 @@
+#include "CVHostProcs.h"
+
+#include "CVFilterRun.h"
+#include "CVFilterSession.h"
+#include "MacTypes.h"
+
+#include <new>
+
+// Lets `work` use the current run and answers `otherwise` when there is none or it throws, which
+// ends the run.
+template <typename Answer, typename Work>
+static Answer withRun(Answer otherwise, Work work) noexcept {
+  CVFilterRun* run = CVFilterRun::current();
+  if (run == nullptr)
+    return otherwise;
+  try {
+    return work(*run);
+  } catch (const std::bad_alloc&) {
+    run->fail(CVOutOfMemory("the filter's run"));
+  } catch (...) {
+    run->fail(CVHostThrew());
+  }
+  return otherwise;
+}
+
+std::uint8_t CVTestCancel() {
+  return withRun<std::uint8_t>(CVFilterRun::current() != nullptr ? 1 : 0,
+                               [](CVFilterRun& run) { return run.testCancel() ? 1 : 0; });
+}
+
+void CVReportProgress(std::int32_t done, std::int32_t) {
+  withRun(0, [done](CVFilterRun& run) {
+    run.reportProgress(done);
+    return 0;
+  });
+}
+
+void CVHostCall(std::int16_t, std::int32_t*) {}
+
+std::int16_t CVNextTile() {
+  return withRun<std::int16_t>(CV_RESULT_NO_SERVICE,
+                               [](CVFilterRun& run) { return run.nextTile(); });
+}
+
+std::int16_t CVQueryProperty(std::uint32_t signature, std::uint32_t key, std::int32_t index,
+                             std::int32_t* simpleValue, CVHandle* handle) {
+  return withRun<std::int16_t>(CV_RESULT_NO_SERVICE, [&](CVFilterRun& run) {
+    return run.queryProperty(signature, key, index, simpleValue, handle);
+  });
+}
+
+CVServices::CVServices() : showPixels(CVCheckPixelMap) {}
+
+// Only what can be judged without reading the pixels: an order of the sides, and rows that hold the
+// width.
+std::int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, std::int32_t,
+                             std::int32_t, void*) {
+  if (map == nullptr || source == nullptr || map->baseAddress == nullptr)
+    return paramErr;
+  const CVRect32& bounds = map->bounds;
+  const bool ordered = bounds.top <= bounds.bottom && bounds.left <= bounds.right &&
+                       source->top <= source->bottom && source->left <= source->right;
+  const bool inside = source->top >= bounds.top && source->left >= bounds.left &&
+                      source->bottom <= bounds.bottom && source->right <= bounds.right;
+  if (!ordered || !inside || map->columnBytes < 1 || map->rowBytes < 0)
+    return paramErr;
+  const std::int64_t width = std::int64_t{bounds.right} - bounds.left;
+  if (width > map->rowBytes / map->columnBytes)
+    return paramErr;
+  if (map->version < 0 || map->version > 1)
+    return paramErr;
+  const CVPixelMask* mask = map->version == 1 ? map->mask : nullptr;
+  if (map->version == 1 && (mask == nullptr || mask->maskData == nullptr))
+    return paramErr;
+  return noErr;
+}

@@ -1,0 +1,239 @@
+#include "CVTileDelivery.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <string>
+
+// A tile may be the whole of any image, but only as much as this of it is copied for a plug-in: a
+// margin can make a request of gigabytes out of an image of one pixel.
+static constexpr std::int64_t LARGEST_COPY = 256 << 20;
+
+// Rows of a copy begin at multiples of 16 bytes.
+static std::size_t strideOfCopy(const CVTile& tile) {
+  const std::size_t bytes =
+      static_cast<std::size_t>(tile.columns()) * static_cast<std::size_t>(tile.channels());
+  return (bytes + 15) / 16 * 16;
+}
+
+static CVResult makeRoom(const char* what, const CVTile& tile, CVBuffer& buffer) {
+  const auto bytes =
+      static_cast<std::int64_t>(tile.rows()) * static_cast<std::int64_t>(strideOfCopy(tile));
+  if (bytes > LARGEST_COPY)
+    return {CVOutcome::BadRequest, 0,
+            "asked for an " + std::string(what) + " tile of " + std::to_string(bytes) +
+                " bytes, more than the " + std::to_string(LARGEST_COPY) + " that a tile may have"};
+  if (!buffer.reserve(static_cast<std::size_t>(bytes)))
+    return CVOutOfMemory("a tile of the image");
+  return {};
+}
+
+// The sample `index` of a tile side that starts at `start`, as a coordinate inside the image.
+static std::size_t samplePosition(int start, int index, std::int32_t step, int imageSide) {
+  const std::int64_t position = start + ((std::int64_t{index} * step) >> 16);
+  return static_cast<std::size_t>(std::clamp<std::int64_t>(position, 0, imageSide - 1));
+}
+
+// Copies the tile's samples of one channel to every pixelStep-th byte of dest. columns: image
+// column of each sample of a row.
+static void copySamples(const CVChannelView<const std::uint8_t>& channel, const CVTile& tile,
+                        int imageHeight, const std::vector<std::size_t>& columns,
+                        const CVChannelView<std::uint8_t>& dest) {
+  for (int row = 0; row < tile.rows(); ++row) {
+    const std::size_t y = samplePosition(tile.top, row, tile.step, imageHeight);
+    const std::uint8_t* source = channel.data + y * channel.rowStride;
+    std::uint8_t* sample = dest.data + static_cast<std::size_t>(row) * dest.rowStride;
+    for (const std::size_t x : columns) {
+      *sample = source[x * channel.pixelStep];
+      sample += dest.pixelStep;
+    }
+  }
+}
+
+static void findColumns(const CVTile& tile, int imageWidth, std::vector<std::size_t>& columns) {
+  columns.resize(static_cast<std::size_t>(tile.columns()));
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    columns[i] = samplePosition(tile.left, static_cast<int>(i), tile.step, imageWidth);
+}
+
+// True when the document's own bytes are what the tile asks for: all channels of a buffer in their
+// order, every pixel, nothing outside.
+bool CVTileDelivery::_lendable(const CVTile& tile) const {
+  const auto view = _document.channel(tile.firstChannel);
+  const bool inside = tile.top >= 0 && tile.left >= 0 &&
+                      tile.top + tile.height <= _document.height() &&
+                      tile.left + tile.width <= _document.width();
+  const bool wholePixels = view.pixelStep == static_cast<std::size_t>(tile.channels()) &&
+                           (tile.firstChannel == 0 || tile.firstChannel >= _document.basePlanes());
+  return inside && wholePixels && tile.step == CV_FIXED_ONE &&
+         view.rowStride <= std::numeric_limits<std::int32_t>::max();
+}
+
+static const std::uint8_t* at(const CVChannelView<const std::uint8_t>& view, int row, int column) {
+  return view.data + static_cast<std::size_t>(row) * view.rowStride +
+         static_cast<std::size_t>(column) * view.pixelStep;
+}
+
+CVResult CVTileDelivery::_deliverInput(FilterRecord& record) {
+  const CVTile& tile = _request.input;
+  if (tile.isEmpty())
+    return {};
+  if (_lendable(tile)) {
+    const auto view = _document.channel(tile.firstChannel);
+    record.inPixels = at(view, tile.top, tile.left);
+    record.inRowStride = static_cast<std::int32_t>(view.rowStride);
+    return {};
+  }
+  if (CVResult room = makeRoom("input", tile, _inputBuffer); !room.ok())
+    return room;
+  const std::size_t stride = strideOfCopy(tile);
+  findColumns(tile, _document.width(), _columns);
+  for (int i = 0; i < tile.channels(); ++i)
+    copySamples(_document.channel(tile.firstChannel + i), tile, _document.height(), _columns,
+                {_inputBuffer.data() + i, stride, static_cast<std::size_t>(tile.channels())});
+  record.inPixels = _inputBuffer.data();
+  record.inRowStride = static_cast<std::int32_t>(stride);
+  return {};
+}
+
+CVResult CVTileDelivery::_deliverMask(FilterRecord& record) {
+  const CVTile& tile = _request.mask;
+  if (tile.isEmpty() || !_document.hasMask())
+    return {};
+  const auto view = _document.mask();
+  if (tile.step == CV_FIXED_ONE && view.rowStride <= std::numeric_limits<std::int32_t>::max()) {
+    record.maskPixels = at(view, tile.top, tile.left);
+    record.maskRowStride = static_cast<std::int32_t>(view.rowStride);
+    return {};
+  }
+  if (CVResult room = makeRoom("mask", tile, _maskBuffer); !room.ok())
+    return room;
+  const std::size_t stride = strideOfCopy(tile);
+  findColumns(tile, _document.width(), _columns);
+  copySamples(view, tile, _document.height(), _columns, {_maskBuffer.data(), stride, 1});
+  record.maskPixels = _maskBuffer.data();
+  record.maskRowStride = static_cast<std::int32_t>(stride);
+  return {};
+}
+
+// The part of an output tile that lies in the filter area, in image coordinates. Empty: width 0.
+static CVTile insideArea(const CVTile& tile, const CVRect& area) {
+  CVTile part = tile;
+  part.top = std::max<int>(tile.top, area.top);
+  part.left = std::max<int>(tile.left, area.left);
+  part.height = std::min<int>(tile.top + tile.height, area.bottom) - part.top;
+  part.width = std::min<int>(tile.left + tile.width, area.right) - part.left;
+  if (part.height <= 0 || part.width <= 0)
+    part.height = part.width = 0;
+  return part;
+}
+
+// The row of `view`, whose pixel (0, 0) is (top, left) of the image, at image position (y, x).
+static std::uint8_t* rowAt(const CVChannelView<std::uint8_t>& view, int top, int left, int y,
+                           int x) {
+  return view.data + static_cast<std::size_t>(y - top) * view.rowStride +
+         static_cast<std::size_t>(x - left) * view.pixelStep;
+}
+
+static void copyRow(const std::uint8_t* source, std::size_t sourceStep, std::uint8_t* dest,
+                    std::size_t destStep, int count) {
+  for (int i = 0; i < count; ++i) {
+    *dest = *source;
+    source += sourceStep;
+    dest += destStep;
+  }
+}
+
+// Fills the output tile with the present content: the document's, and in the filter area the
+// result's.
+void CVTileDelivery::_fillOutput(const CVTile& tile, const CVTile& part) {
+  const CVRect& area = _result.area();
+  const std::size_t stride = strideOfCopy(tile);
+  const auto channels = static_cast<std::size_t>(tile.channels());
+  findColumns(tile, _document.width(), _columns);
+  for (int i = 0; i < tile.channels(); ++i) {
+    const CVChannelView<std::uint8_t> copy{_outputBuffer.data() + i, stride, channels};
+    if (part.height != tile.height || part.width != tile.width)
+      copySamples(_document.channel(tile.firstChannel + i), tile, _document.height(), _columns,
+                  copy);
+    if (part.isEmpty())
+      continue;
+    const auto present = _result.channel(tile.firstChannel + i);
+    for (int row = part.top; row < part.top + part.height; ++row)
+      copyRow(rowAt(present, area.top, area.left, row, part.left), present.pixelStep,
+              rowAt(copy, tile.top, tile.left, row, part.left), channels, part.width);
+  }
+}
+
+CVResult CVTileDelivery::_deliverOutput(FilterRecord& record) {
+  const CVTile& tile = _request.output;
+  if (tile.isEmpty())
+    return {};
+  if (CVResult room = makeRoom("output", tile, _outputBuffer); !room.ok())
+    return room;
+  const CVTile part = insideArea(tile, _result.area());
+  if (!part.isEmpty() && !_result.open(tile.firstChannel, tile.lastChannel))
+    return CVOutOfMemory("the filtered image");
+  _fillOutput(tile, part);
+  _output = tile;
+  record.outPixels = _outputBuffer.data();
+  record.outRowStride = static_cast<std::int32_t>(strideOfCopy(tile));
+  return {};
+}
+
+void CVTileDelivery::withdraw(FilterRecord& record) {
+  _output = {};
+  record.inPixels = nullptr;
+  record.outPixels = nullptr;
+  record.maskPixels = nullptr;
+  record.inRowStride = record.outRowStride = record.maskRowStride = 0;
+}
+
+CVResult CVTileDelivery::deliver(FilterRecord& record) {
+  withdraw(record);
+  CVResult result = CVGuarded("a tile of the image", [&] {
+    CVResult step = _deliverInput(record);
+    if (step.ok())
+      step = _deliverMask(record);
+    return step.ok() ? _deliverOutput(record) : step;
+  });
+  if (!result.ok())
+    withdraw(record);
+  return result;
+}
+
+// Puts a row of a channel into the result in the selection's share, rounded to the nearest.
+static void mixRow(const std::uint8_t* left, std::size_t leftStep, const std::uint8_t* selection,
+                   std::uint8_t* result, std::size_t resultStep, int count) {
+  for (int i = 0; i < count; ++i) {
+    const unsigned share = selection[i];
+    *result = static_cast<std::uint8_t>((*result * (255 - share) + *left * share + 127) / 255);
+    left += leftStep;
+    result += resultStep;
+  }
+}
+
+void CVTileDelivery::takeOutput() {
+  const CVRect& area = _result.area();
+  const CVTile tile = _output;
+  const CVTile part = insideArea(tile, area);
+  _output = {};
+  if (part.isEmpty())
+    return;
+  const auto selection = _document.mask();
+  const std::size_t stride = strideOfCopy(tile);
+  const auto channels = static_cast<std::size_t>(tile.channels());
+  for (int i = 0; i < tile.channels(); ++i) {
+    const CVChannelView<std::uint8_t> left{_outputBuffer.data() + i, stride, channels};
+    const auto result = _result.channel(tile.firstChannel + i);
+    for (int row = part.top; row < part.top + part.height; ++row) {
+      const std::uint8_t* source = rowAt(left, tile.top, tile.left, row, part.left);
+      std::uint8_t* dest = rowAt(result, area.top, area.left, row, part.left);
+      if (selection.data == nullptr)
+        copyRow(source, channels, dest, result.pixelStep, part.width);
+      else
+        mixRow(source, channels, at(selection, row, part.left), dest, result.pixelStep, part.width);
+    }
+  }
+  _pixelsTaken += std::int64_t{part.height} * part.width;
+}
