@@ -1,0 +1,207 @@
+// What must hold of every picture, whatever the formulas say.
+#include "EngineRun.h"
+#include "LM_shader.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace {
+
+std::vector<uint8_t> Render(const Scene& scene) {
+  return EngineRun(scene).RenderTiles();
+}
+
+// A square scene lit by lights whose conversion has no preferred side.
+Scene SymmetricScene(uint64_t seed) {
+  Scene scene = MakeScene(seed, {70, 4900});
+  SceneRandom random(seed);
+  scene.width = scene.height = std::min(scene.width, scene.height);
+  scene.area = {0, 0, scene.height, scene.width};
+  scene.pixels.resize(static_cast<size_t>(scene.width * scene.height * 3));
+  scene.heights.clear();
+  for (ReferenceLight& light : scene.settings.lights)
+    light.type = random.Between(REFERENCE_OMNI, REFERENCE_DIRECTIONAL);
+  return scene;
+}
+
+using MovePoint = ReferencePoint (*)(ReferencePoint);
+using MovePixel = std::pair<int, int> (*)(int x, int y, int last);
+
+std::vector<uint8_t> Moved(const std::vector<uint8_t>& picture, int edge, MovePixel move) {
+  std::vector<uint8_t> out(picture.size());
+  for (int y = 0; y < edge; ++y) {
+    for (int x = 0; x < edge; ++x) {
+      const auto [toX, toY] = move(x, y, edge - 1);
+      std::copy_n(picture.begin() + (y * edge + x) * 3, 3, out.begin() + (toY * edge + toX) * 3);
+    }
+  }
+  return out;
+}
+
+int16_t Negative(int16_t value) {
+  return static_cast<int16_t>(-value);
+}
+
+} // namespace
+
+TEST(PictureLaws, TurningTheLightsTurnsThePicture) {
+  const struct {
+    const char* name;
+    MovePoint point;
+    MovePixel pixel;
+  } cases[] = {
+      {"left for right",
+       [](ReferencePoint p) -> ReferencePoint {
+         return {Negative(p.h), p.v};
+       },
+       [](int x, int y, int last) { return std::pair(last - x, y); }},
+      {"top for bottom",
+       [](ReferencePoint p) -> ReferencePoint {
+         return {p.h, Negative(p.v)};
+       },
+       [](int x, int y, int last) { return std::pair(x, last - y); }},
+      {"rows for columns",
+       [](ReferencePoint p) -> ReferencePoint {
+         return {p.v, p.h};
+       },
+       [](int x, int y, int) { return std::pair(y, x); }},
+  };
+  for (const auto& each : cases) {
+    for (uint64_t seed = 0; seed < 20; seed += seed % 5 == 3 ? 2 : 1) { // usual ones
+      const Scene scene = SymmetricScene(seed);
+      SCOPED_TRACE(each.name + (" of " + scene.name));
+      Scene turned = scene;
+      turned.pixels = Moved(scene.pixels, scene.width, each.pixel);
+      for (ReferenceLight& light : turned.settings.lights) {
+        light.center = each.point(light.center);
+        light.handle1 = each.point(light.handle1);
+      }
+      ExpectSamePicture(Moved(Render(scene), scene.width, each.pixel), Render(turned), scene.width);
+    }
+  }
+}
+
+TEST(PictureLaws, OrderOfLightsDoesNotMatter) {
+  for (uint64_t seed = 0; seed < 40; ++seed) {
+    Scene scene = MakeScene(seed, {40, 1600});
+    SCOPED_TRACE(scene.name);
+    const std::vector<uint8_t> before = Render(scene);
+    std::reverse(scene.settings.lights.begin(), scene.settings.lights.end());
+    ExpectSamePicture(before, Render(scene), scene.width);
+  }
+}
+
+TEST(PictureLaws, FlatReliefIsFlat) {
+  for (uint64_t seed = 0; seed < 60; ++seed) {
+    Scene scene = MakeScene(seed, {70, 3000});
+    SCOPED_TRACE(scene.name);
+    scene.heights.clear();
+    const std::vector<uint8_t> flat = Render(scene);
+    scene.heights.assign(scene.pixels.size() / 3, 200); // a uniform channel
+    ExpectSamePicture(flat, Render(scene), scene.width);
+    for (size_t i = 0; i < scene.heights.size(); ++i) // or any without amplitude
+      scene.heights[i] = static_cast<uint8_t>(i * 37);
+    scene.settings.bumpAmplitude = 0;
+    ExpectSamePicture(flat, Render(scene), scene.width);
+  }
+}
+
+TEST(PictureLaws, NoLightIsBlack) {
+  for (uint64_t seed = 0; seed < 12; ++seed) {
+    Scene scene = MakeScene(seed, {70, 3000});
+    scene.area = {0, 0, scene.height, scene.width};
+    scene.settings.ambience = 0;
+    const std::vector<uint8_t> black(scene.pixels.size(), 0);
+    for (ReferenceLight& light : scene.settings.lights)
+      light.on = false;
+    ExpectSamePicture(black, Render(scene), scene.width);
+    for (ReferenceLight& light : scene.settings.lights) { // lies in the picture's plane
+      light.on = true;
+      light.type = REFERENCE_OMNI;
+      light.radius = 0;
+    }
+    if (scene.heights.empty())
+      ExpectSamePicture(black, Render(scene), scene.width);
+  }
+}
+
+TEST(PictureLaws, AreasAndTilesThatAreNotThereStayUntouched) {
+  Scene scene = MakeScene(3);
+  scene.width = 1025;
+  scene.height = 2;
+  scene.pixels.assign(1025 * 2 * 3, 9);
+  scene.heights.assign(1025 * 2, 1);
+  const struct {
+    const char* name;
+    CVRect area, tile;
+  } cases[] = {
+      {"empty area", {0, 5, 2, 5}, {0, 0, 2, 64}},
+      {"area inside out", {0, 9, 2, 5}, {0, 0, 2, 64}},
+      {"tile without rows", {0, 0, 2, 1025}, {1, 0, 1, 64}},
+      {"tile without columns", {0, 0, 2, 1025}, {0, 8, 2, 8}},
+      {"tile of 1025 pixels", {0, 0, 2, 1025}, {0, 0, 2, 1025}},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    EngineRun run(scene);
+    run.Convert(0);
+    run.record.inTileRect = run.record.outTileRect = {0, 0, 2, 1025};
+    run.Deliver();
+    run.record.filterArea = each.area;
+    run.record.inTileRect = run.record.outTileRect = each.tile;
+    LM_ShadeTile(&run.record, run.globals.get());
+    LM_ShadeTileWithBumps(&run.record, &run.globals->bumpMap, run.globals.get());
+    ExpectSamePicture(scene.pixels, run.out, scene.width);
+  }
+}
+
+TEST(PictureLaws, RunsEndAt1024Samples) {
+  const Scene scene = MakeScene(1);
+  EngineRun run(scene);
+  foo* params = run.Convert(0);
+  const std::vector<LM_vector2f> positions(1025, LM_vector2f{0, 0});
+  const std::vector<LM_vector3f> normals(1025, LM_vector3f{0, 0, 1});
+  std::vector<int32_t> weights(2050);
+  for (size_t i = 0; i < weights.size(); i += 2)
+    weights[i] = 16;
+  const std::vector<uint8_t> source(3075, 200);
+  std::vector<LM_color96> diffuse(1025), specular(1025);
+  for (const bool relief : {false, true}) {
+    for (const auto count : {uint16_t{1024}, uint16_t{1025}}) {
+      std::vector<uint8_t> out(3075, 77);
+      params->numLights = 0;
+      params->ambient = {};
+      if (relief)
+        LM_ShadeBumps(params, count, positions.data(), normals.data(), source.data(),
+                      diffuse.data(), specular.data(), 0, out.data(), run.globals.get(),
+                      weights.data());
+      else
+        LM_Shade(params, count, positions.data(), source.data(), diffuse.data(), specular.data(), 0,
+                 out.data(), run.globals.get());
+      EXPECT_EQ(std::count(out.begin(), out.end(), 0), count == 1024 ? 3072 : 0);
+      EXPECT_EQ(out.back(), 77);
+    }
+  }
+}
+
+TEST(PictureLaws, SamplesSitOnPixelCentres) {
+  Scene scene = MakeScene(0);
+  scene.width = 100;
+  scene.height = 50;
+  scene.area = {0, 0, 50, 100};
+  scene.geometry = {140, 140, 0}; // one shading unit across
+  scene.pixels.assign(100 * 50 * 3, 9);
+  scene.heights.clear();
+  EngineRun run(scene);
+  run.globals->AllocateCaches(100, 50, 0);
+  run.Convert(0);
+  run.record.inTileRect = run.record.outTileRect = run.record.filterArea;
+  run.Deliver();
+  LM_ShadeTile(&run.record, run.globals.get());
+  ASSERT_TRUE(run.globals->PosCacheHot());
+  const LM_vector2f* positions = run.globals->PosCache();
+  EXPECT_FLOAT_EQ(positions[0].x, -0.495F);
+  EXPECT_FLOAT_EQ(positions[0].y, -0.245F);
+  EXPECT_FLOAT_EQ(positions[4999].x, 0.495F);
+  EXPECT_FLOAT_EQ(positions[4999].y, 0.245F);
+}

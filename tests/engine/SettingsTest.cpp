@@ -1,0 +1,288 @@
+// The settings object: defaults, the list of lights, the parameter block, caches.
+#include "EngineRun.h"
+#include "MacMemory.h"
+
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Settings with the frame's centre at (150, 120) of the dialog and `lights` default lights.
+GlobalsPointer Defaults(int lights = 1) {
+  GlobalsPointer globals(LM_NewGlobals());
+  globals->frameCenterX = 150;
+  globals->frameCenterY = 120;
+  globals->frameOriginX = 10;
+  globals->previewWidth = 256;
+  globals->Default();
+  while (globals->numLights < lights)
+    globals->CreateNewLight(150, 120);
+  return globals;
+}
+
+foo EmptyParameters() {
+  foo params{};
+  LM_InitParameters(&params);
+  return params;
+}
+
+} // namespace
+
+TEST(Settings, Default) {
+  const GlobalsPointer globals = Defaults();
+  EXPECT_EQ(globals->gloss, 128);
+  EXPECT_EQ(globals->material, 0);
+  EXPECT_EQ(globals->exposure, 128);
+  EXPECT_EQ(globals->ambientBrightness, 16);
+  EXPECT_EQ(globals->bumpAmplitude, 128);
+  EXPECT_EQ(globals->whiteIsHigh, 1);
+  EXPECT_EQ(globals->bumpChannel, 0);
+  EXPECT_EQ(globals->ambientColor.component[2], 65535);
+  EXPECT_EQ(globals->numLights, 1);
+  EXPECT_EQ(globals->curLight, 0);
+  const LM_light_UI& light = globals->lights[0];
+  EXPECT_EQ(light.type, LM_LIGHT_SPOT);
+  EXPECT_EQ(light.center, (LM_vectori2{0, 0}));
+  EXPECT_EQ(light.anchor, (LM_vectori2{150, 120}));
+  EXPECT_EQ(light.handle1, (LM_vectori2{30, 30}));
+  EXPECT_EQ(light.handle2, (LM_vectori2{-15, 15}));
+  EXPECT_EQ(light.radius, 30);
+  EXPECT_EQ(light.intensity, 127);
+  EXPECT_EQ(light.spread, 128);
+  EXPECT_EQ(light.on, 1);
+  EXPECT_EQ(light.color.component[1], 65535);
+  EXPECT_EQ(light.color.component[2], 0); // yellow
+  EXPECT_EQ(light.globals, globals.get());
+}
+
+TEST(Settings, AddedLights) {
+  using Add = void (LM_globals::*)(int16_t, int16_t);
+  const struct {
+    const char* name;
+    Add add;
+    int type, blue, intensity, spread;
+    LM_vectori2 handle1, handle2;
+  } cases[] = {
+      {"omni", &LM_globals::CreateNewOmniLight, 0, 0, 127, 0, {20, 0}, {0, 10}},
+      {"spot like the last", &LM_globals::CreateNewSpotlight, 2, 77, -5, 9, {1, 2}, {3, 4}},
+      {"copy", &LM_globals::CopyNewLight, 1, 77, -5, 9, {1, 2}, {3, 4}},
+      {"fresh", &LM_globals::CreateNewLight, 2, 65535, 66, 128, {30, 30}, {-15, 15}},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    const GlobalsPointer globals = Defaults(3);
+    LM_light_UI& model = globals->lights[1];
+    globals->curLight = 1;
+    model.type = LM_LIGHT_DIRECTIONAL;
+    model.color.component[2] = 77;
+    model.intensity = -5;
+    model.spread = 9;
+    model.handle1 = {1, 2};
+    model.handle2 = {3, 4};
+    (globals.get()->*each.add)(170, 100);
+    ASSERT_EQ(globals->numLights, 4);
+    EXPECT_EQ(globals->curLight, 3);
+    const LM_light_UI& light = globals->lights[3];
+    EXPECT_EQ(light.center, (LM_vectori2{20, -20}));
+    EXPECT_EQ(light.anchor, (LM_vectori2{150, 120}));
+    EXPECT_EQ(light.on, 1);
+    EXPECT_EQ(light.type, each.type);
+    EXPECT_EQ(light.color.component[2], each.blue);
+    EXPECT_EQ(light.intensity, each.intensity);
+    EXPECT_EQ(light.spread, each.spread);
+    EXPECT_EQ(light.handle1, each.handle1);
+    EXPECT_EQ(light.handle2, each.handle2);
+
+    const GlobalsPointer full = Defaults(16);
+    full->curLight = 4;
+    (full.get()->*each.add)(170, 100);
+    EXPECT_EQ(full->numLights, 16);
+    EXPECT_EQ(full->curLight, 4);
+  }
+}
+
+TEST(Settings, DeletingClosesTheGap) {
+  const GlobalsPointer globals = Defaults(4);
+  for (int i = 0; i < 4; ++i)
+    globals->lights[i].intensity = static_cast<int16_t>(i);
+  globals->AllocateCaches(8, 8, 0);
+  const uint64_t blocks = TB_BlocksInUse();
+  globals->curLight = 2;
+  EXPECT_EQ(globals->DeleteCurrentLight(), 1);
+  EXPECT_EQ(globals->numLights, 3);
+  EXPECT_EQ(globals->curLight, 0);
+  EXPECT_EQ(globals->lights[0].intensity, 0);
+  EXPECT_EQ(globals->lights[1].intensity, 1);
+  EXPECT_EQ(globals->lights[2].intensity, 3);
+  EXPECT_EQ(TB_BlocksInUse(), blocks - 2); // the deleted light's caches are gone, no others
+  EXPECT_EQ(globals->lights[3].diffuseCache, nullptr);
+  EXPECT_EQ(globals->lights[3].specularCache, nullptr);
+  EXPECT_NE(globals->lights[2].diffuseCache, nullptr);
+  globals->DeleteCurrentLight();
+  globals->DeleteCurrentLight();
+  EXPECT_EQ(globals->DeleteCurrentLight(), 0); // the last stays
+  EXPECT_EQ(globals->numLights, 1);
+}
+
+TEST(Settings, BecomeParameters) {
+  const struct {
+    int color, ambience, expected;
+  } ambients[] = {{65535, -127, -130046}, {65535, 16, 16383},        {63, 1, 0}, {63, -1, 0},
+                  {65, -1, -1},           {65535, -32768, -33553920}};
+  for (const auto& each : ambients) {
+    const GlobalsPointer globals = Defaults();
+    globals->ambientColor = {{static_cast<uint16_t>(each.color), 0, 0}};
+    globals->ambientBrightness = static_cast<int16_t>(each.ambience);
+    foo params = EmptyParameters();
+    globals->ConvertToParameters(&params, 0);
+    EXPECT_EQ(params.ambient.component[0], each.expected);
+  }
+  const struct {
+    int amplitude, high, expected;
+  } heights[] = {{128, 1, 256}, {128, 0, -256}, {0, 0, 0}, {-32768, 0, 65536}, {32767, 1, 65534}};
+  for (const auto& each : heights) {
+    const GlobalsPointer globals = Defaults();
+    globals->SetBumpAmplitude(static_cast<int16_t>(each.amplitude));
+    globals->SetWhiteIsHigh(each.high);
+    foo params = EmptyParameters();
+    globals->ConvertToParameters(&params, 0);
+    EXPECT_EQ(params.bumpHeight, each.expected);
+  }
+}
+
+TEST(Settings, PackSwitchedOnLights) {
+  const GlobalsPointer globals = Defaults(4);
+  for (int i = 0; i < 4; ++i) {
+    globals->lights[i].intensity = static_cast<int16_t>(32 * i);
+    globals->lights[i].color = {{1, 0, 0}};
+  }
+  globals->lights[0].on = 0;
+  globals->lights[2].on = 2; // not exactly 1
+  foo params = EmptyParameters();
+  globals->ConvertToParameters(&params, 0);
+  EXPECT_EQ(params.magic, 0x05BF44FD);
+  EXPECT_FLOAT_EQ(params.worldScale, 256.0F / 140.0F);
+  ASSERT_EQ(params.numLights, 2);
+  EXPECT_EQ(params.lights[0].color.component[0], 1);
+  EXPECT_EQ(params.lights[1].color.component[0], 3);
+
+  for (LM_light_UI& light : globals->lights)
+    light.on = 0;
+  globals->ConvertToParameters(&params, 0);
+  EXPECT_EQ(params.numLights, 0);
+  EXPECT_EQ(params.lights[1].color.component[0], 3); // the block's old lights stay as they were
+}
+
+TEST(Settings, SettersReachTheCachesThatDepend) {
+  enum class Effect { None, Cold, Freed };
+  const struct {
+    const char* name;
+    int before;
+    void (*change)(LM_globals&);
+    Effect effect;
+  } cases[] = {
+      {"same channel", 3, [](LM_globals& g) { g.SetBumpChannel(3); }, Effect::None},
+      {"other channel", 3, [](LM_globals& g) { g.SetBumpChannel(4); }, Effect::Cold},
+      {"first channel", 0, [](LM_globals& g) { g.SetBumpChannel(3); }, Effect::Freed},
+      {"no channel", 3, [](LM_globals& g) { g.SetBumpChannel(0); }, Effect::Freed},
+      {"same amplitude", 3, [](LM_globals& g) { g.SetBumpAmplitude(128); }, Effect::None},
+      {"other amplitude", 3, [](LM_globals& g) { g.SetBumpAmplitude(5); }, Effect::Cold},
+      {"same side high", 3, [](LM_globals& g) { g.SetWhiteIsHigh(1); }, Effect::None},
+      {"other side high", 3, [](LM_globals& g) { g.SetWhiteIsHigh(0); }, Effect::Cold},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    const GlobalsPointer globals = Defaults();
+    globals->SetBumpChannel(static_cast<int16_t>(each.before));
+    globals->AllocateCaches(8, 8, 1);
+    globals->PosCacheHot(1);
+    globals->SampleCountCacheHot(1);
+    globals->DiffuseSumCacheHot(1);
+    globals->lights[0].SpecularCacheHot(1);
+    each.change(*globals);
+    const bool hot = each.effect == Effect::None;
+    EXPECT_EQ(globals->PosCacheHot() != 0, hot);
+    EXPECT_EQ(globals->SampleCountCacheHot() != 0, hot);
+    EXPECT_EQ(globals->DiffuseSumCacheHot() != 0, hot);
+    EXPECT_EQ(globals->lights[0].SpecularCacheHot() != 0, hot);
+    EXPECT_EQ(globals->UsePosCache() != 0, each.effect != Effect::Freed);
+    EXPECT_EQ(globals->lights[0].UseSpecularCache() != 0, each.effect != Effect::Freed);
+  }
+}
+
+TEST(Settings, AMissingCacheStaysCold) {
+  const GlobalsPointer globals = Defaults();
+  globals->PosCacheHot(1);
+  globals->WeightCacheHot(1);
+  globals->SpecularSumCacheHot(1);
+  globals->lights[0].DiffuseCacheHot(1);
+  EXPECT_EQ(globals->PosCacheHot(), 0);
+  EXPECT_EQ(globals->WeightCacheHot(), 0);
+  EXPECT_EQ(globals->SpecularSumCacheHot(), 0);
+  EXPECT_EQ(globals->lights[0].DiffuseCacheHot(), 0);
+}
+
+TEST(Settings, ALightsChangeMakesItsSumsCold) {
+  const GlobalsPointer globals = Defaults(2);
+  globals->AllocateCaches(4, 4, 0);
+  globals->PosCacheHot(1);
+  globals->DiffuseSumCacheHot(1);
+  globals->SpecularSumCacheHot(1);
+  globals->lights[0].DiffuseCacheHot(1);
+  globals->lights[1].DiffuseCacheHot(1);
+  globals->lights[1].InvalidateCaches();
+  EXPECT_EQ(globals->lights[0].DiffuseCacheHot(), 1); // the other light keeps its results
+  EXPECT_EQ(globals->lights[1].DiffuseCacheHot(), 0);
+  EXPECT_EQ(globals->DiffuseSumCacheHot(), 0);
+  EXPECT_EQ(globals->SpecularSumCacheHot(), 0);
+  EXPECT_EQ(globals->PosCacheHot(), 1);
+}
+
+TEST(Settings, CopiesShareNoCache) {
+  const GlobalsPointer source = Defaults(2);
+  source->gloss = 7;
+  source->SetBumpChannel(2);
+  source->SetStyleIndex(5);
+  source->SetUseCurrentSettings(1);
+  source->AllocateCaches(8, 8, 1);
+  {
+    const GlobalsPointer copy(LM_NewGlobals());
+    EXPECT_EQ(copy->CopySettingsFrom(*source), 0);
+    EXPECT_EQ(copy->gloss, 7);
+    EXPECT_EQ(copy->bumpChannel, 2);
+    EXPECT_EQ(copy->styleIndex, 5);
+    EXPECT_EQ(copy->useCurrentSettings, 1);
+    ASSERT_EQ(copy->numLights, 2);
+    EXPECT_EQ(copy->lights[1].globals, copy.get());
+    EXPECT_EQ(copy->lights[1].handle1, source->lights[1].handle1);
+    EXPECT_EQ(copy->lights[1].diffuseCache, nullptr);
+    EXPECT_FALSE(copy->UsePosCache());
+  } // and is destroyed
+  ASSERT_TRUE(source->lights[1].UseDiffuseCache());
+  std::memset(source->lights[1].diffuseCache, 1, 8 * 8 * 4 * sizeof(LM_color96));
+}
+
+TEST(Settings, EverythingIsReleased) {
+  const uint64_t blocks = TB_BlocksInUse();
+  {
+    const GlobalsPointer globals = Defaults(16);
+    for (int round = 0; round < 3; ++round) {
+      globals->AllocateCaches(10, 10, 1);
+      globals->AllocateCaches(10, 10, 1); // what is there stays
+      EXPECT_EQ(TB_BlocksInUse(), blocks + 1 + 7 + 32);
+      globals->SetBumpChannel(static_cast<int16_t>(1 - round % 2));
+    }
+    globals->AllocateCaches(10, 10, 0);
+  }
+  EXPECT_EQ(TB_BlocksInUse(), blocks);
+}
+
+TEST(Settings, EllipseTableIsTheUnitCircle) {
+  const GlobalsPointer globals = Defaults();
+  for (int i = 0; i < LM_ELLIPSE_STEPS; ++i) {
+    const double angle = 2 * M_PI * i / LM_ELLIPSE_STEPS;
+    EXPECT_NEAR(globals->ellipseCos[i], std::cos(angle), 1e-5);
+    EXPECT_NEAR(globals->ellipseSin[i], std::sin(angle), 1e-5);
+  }
+}
