@@ -1,0 +1,40 @@
+// What the test module does at each call, and documents to let it loose on.
+#ifndef CORVALINE_TEST_PLAN_H
+#define CORVALINE_TEST_PLAN_H
+
+#include "CVDocument.h"
+#include "CVFilterRecord.h"
+#include "CVFilterSession.h"
+#include "CVPlugin.h"
+
+#include <cstdint>
+#include <functional>
+#include <random>
+#include <vector>
+
+// The part of the plug-in. A step that is not set answers 0. Only one plan at a time is acted out.
+struct Plan {
+  std::function<std::int16_t(FilterRecord&)> parameters, prepare, start, next, finish;
+  std::function<std::int16_t(CVAboutRecord&)> about;
+  std::vector<int> calls;         // selectors in their order
+  std::intptr_t* slot = nullptr;  // of the call under way
+  FilterRecord* record = nullptr; // of the call under way
+};
+
+// The test module, loaded, acting out `plan` from now on.
+CVPlugin playing(Plan& plan);
+
+// Asks for nothing more.
+void stopAsking(FilterRecord& record);
+
+// An image with random bytes, `extras` channels of their own, and a random selection if `masked`.
+CVDocument randomDocument(std::mt19937& random, int width, int height, int planes, int extras,
+                          bool masked);
+
+// Every byte of every channel, channel by channel.
+std::vector<std::uint8_t> bytesOf(const CVDocument& document);
+
+// The pixel of a channel, with the image's edges repeated around it.
+std::uint8_t pixelAt(const CVDocument& document, int channel, int row, int column);
+
+#endif
