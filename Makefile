@@ -1,0 +1,64 @@
+# Limn's commands. `make demo` and `make test` install what is missing; the others expect it there.
+
+JOBS ?= $(shell nproc)
+BUILD := build
+LIMN := $(BUILD)/bin/limn
+DEMO := $(BUILD)/demo
+
+.PHONY: help demo test build deps test-sanitize test-portable bench lint format format-check install clean
+
+help: ## Say what there is to make
+	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
+
+demo: ## Light the bundled photograph and say where the picture is
+	@scripts/deps build
+	@$(MAKE) --no-print-directory build TESTS=OFF
+	@mkdir -p $(DEMO)
+	@$(LIMN) apply --quiet --force --style "Evening Lamp" \
+	  --channel resources/photos/still-life-height.png \
+	  resources/photos/still-life.jpg -o $(DEMO)/still-life.jpg
+	@echo "Lit: $(DEMO)/still-life.jpg   (from resources/photos/still-life.jpg)"
+
+test: deps build ## Build and run every test
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+TESTS ?= ON
+build: ## Build programs into build/bin, modules and libraries into build/lib
+	@cmake --preset release -DLIMN_TESTS=$(TESTS) -DLIMN_BENCH=$(TESTS) > $(BUILD).log 2>&1 || { cat $(BUILD).log; exit 1; }
+	@mkdir -p $(BUILD) && mv $(BUILD).log $(BUILD)/configure.log
+	@cmake --build --preset release -j $(JOBS)
+
+deps: ## Install the Debian packages that building and testing need
+	@scripts/deps
+
+test-sanitize: ## Build with the address and undefined-behaviour sanitizers and run the tests
+	cmake --preset sanitize
+	cmake --build --preset sanitize -j $(JOBS)
+	cd build-sanitize && ctest --output-on-failure -j $(JOBS)
+
+test-portable: ## Run the tests with 32-bit pointers, and on an emulated 32-bit big-endian machine
+	cmake --preset 32-bit
+	cmake --build --preset 32-bit -j $(JOBS)
+	cd build-32-bit && ctest --output-on-failure -j $(JOBS)
+	cmake --preset big-endian
+	cmake --build --preset big-endian -j $(JOBS)
+	cd build-big-endian && ctest --output-on-failure -j $(JOBS)
+
+bench: build ## Measure the shading: nanoseconds per pixel and light
+	$(BUILD)/bin/bench_shading
+
+SOURCES := $(shell git ls-files '*.h' '*.hpp' '*.c' '*.cpp')
+format: ## Format every source file
+	clang-format-14 -i $(SOURCES)
+
+format-check:
+	clang-format-14 --dry-run -Werror $(SOURCES)
+
+lint: build ## Run clang-tidy over every source file
+	scripts/lint $(BUILD)
+
+install: ## Install below PREFIX (default /usr/local), inside DESTDIR if given
+	cmake --install $(BUILD) --prefix $(or $(PREFIX),/usr/local)
+
+clean: ## Remove everything that was built
+	rm -rf build build-*

@@ -1,0 +1,213 @@
+// The bytes of style files, read and written through the codec and through the streams.
+#include "LM_globals.h"
+#include "LM_mac_stream.h"
+#include "LM_preview_geometry.h"
+#include "LM_memory.h"
+#include "LM_style_settings.h"
+#include "LimnResources.h"
+#include "MacResources.h"
+#include "StyleSamples.h"
+#include "TemporaryFolder.h"
+
+namespace {
+
+// Written by hand from the format's description: one directional light.
+const std::vector<uint8_t> HAND_MADE = {
+    0x42, 0x42, 'C',  'V',  'L',  'M',  0x00, 0x00, 0x00, 0x90, // signature, magic, version 144
+    0x00, 0x04, 0x00, 0x01, 0x00, 0xC8,             // channel 4, white is high, amplitude 200
+    0xFF, 0xFF, 0x80, 0x00, 0x00, 0x01,             // ambient colour
+    0x01, 0x00, 0x00, 0x80, 0x00, 0x7F, 0xFF, 0x81, // material 256, gloss, exposure, -127
+    0x00, 0x01, 0x00, 0x00, 0x00, 0x8C,             // one light, current 0, world unit 140
+    0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC,             // colour
+    0xFF, 0xFE, 0x00, 0x40, 0x00, 0x01, 0x00, 0x01, // intensity -2, spread 64, on, directional
+    0xFF, 0xF6, 0x00, 0x14, 0x00, 0x1E, 0xFF, 0xD8, // centre -10, 20; handle1 30, -40
+    0x00, 0x05, 0x00, 0x06, 0x00, 0x07};            // handle2 5, 6; radius 7
+
+class StyleFile : public TemporaryFolder {
+protected:
+  void SetUp() override {
+    TemporaryFolder::SetUp();
+    TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
+    ASSERT_EQ(TB_SetDefaultDirectory(folder.native()), noErr);
+    Str255 name;
+    GetIndString(name, 138, 1);
+    styleFolder = folder / TB_StdString(name);
+    globals = LM_NewGlobals();
+    ASSERT_NE(globals, nullptr);
+    LM_UsePreviewGeometry(LM_FitPreviewInFrame(1000, 800), globals);
+    globals->Default();
+  }
+  void TearDown() override {
+    LM_DestroyGlobals(globals);
+    TemporaryFolder::TearDown();
+  }
+  void Put(const std::string& name, const std::vector<uint8_t>& bytes) const {
+    std::filesystem::create_directories(styleFolder);
+    std::ofstream(styleFolder / name, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+  }
+  std::vector<uint8_t> Get(const std::string& name) const {
+    std::ifstream file(styleFolder / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  LM_bool Load(std::string_view name) const {
+    TB_Str255 copy = TB_PString(name);
+    return LM_LoadStyle(copy.bytes, globals);
+  }
+  LM_bool Save(std::string_view name) const {
+    TB_Str255 copy = TB_PString(name);
+    return LM_SaveStyle(copy.bytes, globals);
+  }
+
+  std::filesystem::path styleFolder;
+  LM_globals* globals = nullptr;
+};
+
+TEST(StyleCodec, HandMadeFileReadsFieldByFieldAndWritesTheSameBytes) {
+  LM_style style;
+  std::string why;
+  ASSERT_TRUE(LM_DecodeStyle(HAND_MADE.data(), HAND_MADE.size(), style, why)) << why;
+  EXPECT_EQ(why, "");
+  EXPECT_EQ(style.bumpChannel, 4);
+  EXPECT_EQ(style.bumpAmplitude, 200);
+  EXPECT_EQ(style.ambientColor.component[1], 0x8000);
+  EXPECT_EQ(style.material, 256);
+  EXPECT_EQ(style.exposure, 127);
+  EXPECT_EQ(style.ambientBrightness, -127);
+  const LM_style_light& light = style.lights[0];
+  EXPECT_EQ(light.color.component[2], 0x9ABC);
+  EXPECT_EQ(light.intensity, -2);
+  EXPECT_EQ(light.type, LM_STYLE_DIRECTIONAL);
+  EXPECT_EQ(light.center, (LM_vectori2{-10, 20}));
+  EXPECT_EQ(light.handle1, (LM_vectori2{30, -40}));
+  EXPECT_EQ(light.radius, 7);
+  EXPECT_EQ(BytesOf(style), HAND_MADE);
+}
+
+TEST(StyleCodec, EveryTruncationIsToldAndKeepsWholeLights) {
+  const std::vector<uint8_t> whole = BytesOf(DistinctStyle(3));
+  for (size_t size = 0; size < whole.size(); ++size) {
+    LM_style style;
+    std::string why;
+    // A copy of exactly that size, so that a stray read is caught.
+    const std::vector<uint8_t> cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
+    const size_t lights = size < 36 ? 0 : (size - 36) / 28;
+    EXPECT_EQ(LM_DecodeStyle(cut.data(), cut.size(), style, why), lights > 0) << size;
+    EXPECT_EQ(style.lightsRead, lights) << size;
+    EXPECT_NE(why, "") << size;
+  }
+}
+
+TEST_F(StyleFile, SettingsSurviveTheFileAndItsBytesAreTheCodecs) {
+  for (const int lights : {1, 7, 16}) {
+    ASSERT_TRUE(LM_ApplyStyle(DistinctStyle(lights), *globals));
+    const std::string name = "Style " + std::to_string(lights);
+    ASSERT_EQ(Save(name), 1);
+    EXPECT_EQ(Get(name), BytesOf(LM_StyleOfSettings(*globals)));
+    EXPECT_EQ(Get(name).size(), 36U + 28U * static_cast<size_t>(lights));
+    globals->Default();
+    ASSERT_EQ(Load(name), 1);
+    EXPECT_EQ(BytesOf(LM_StyleOfSettings(*globals)), BytesOf(DistinctStyle(lights)));
+    EXPECT_EQ(Save(name), 0) << "an existing style is never overwritten";
+  }
+}
+
+TEST_F(StyleFile, WhatIsNoStyleDoesNotLoadAndChangesNothing) {
+  const auto with = [](size_t at, uint8_t byte) {
+    std::vector<uint8_t> bytes = HAND_MADE;
+    bytes[at] = byte;
+    return bytes;
+  };
+  const struct {
+    const char* name;
+    std::vector<uint8_t> bytes;
+  } cases[] = {{"signature", with(1, 0x43)},
+               {"magic", with(5, 'm')},
+               {"version", with(9, 0x91)},
+               {"no lights", with(31, 0)},
+               {"cut in the first light", {HAND_MADE.begin(), HAND_MADE.end() - 1}},
+               {"empty", {}}};
+  const std::vector<uint8_t> before = BytesOf(LM_StyleOfSettings(*globals));
+  for (const auto& bad : cases) {
+    Put(bad.name, bad.bytes);
+    EXPECT_EQ(Load(bad.name), 0) << bad.name;
+    EXPECT_EQ(BytesOf(LM_StyleOfSettings(*globals)), before) << bad.name;
+    LM_style style;
+    std::string why;
+    EXPECT_FALSE(LM_DecodeStyle(bad.bytes.data(), bad.bytes.size(), style, why)) << bad.name;
+  }
+}
+
+TEST_F(StyleFile, OddValuesLoadAsTheyAlwaysDid) {
+  LM_style style = DistinctStyle(3);
+  style.whiteIsHigh = 2;
+  style.curLight = 3;
+  style.lights[0].type = 0;
+  style.lights[1].type = 7;
+  style.lights[2].on = 2;
+  Put("odd", BytesOf(style));
+  ASSERT_EQ(Load("odd"), 1);
+  EXPECT_EQ(globals->WhiteIsHigh(), 1);
+  EXPECT_EQ(globals->curLight, 0);
+  EXPECT_EQ(globals->lights[0].type, LM_LIGHT_SPOT);
+  EXPECT_EQ(globals->lights[1].type, LM_LIGHT_SPOT);
+  EXPECT_EQ(globals->lights[2].on, 0);
+  EXPECT_EQ(globals->lights[0].anchor, (LM_vectori2{140, 140}));
+
+  std::vector<uint8_t> twenty = BytesOf(DistinctStyle(16));
+  twenty[31] = 20;
+  twenty.resize(36 + 20 * 28, 0xEE);
+  Put("twenty", twenty);
+  ASSERT_EQ(Load("twenty"), 1);
+  EXPECT_EQ(globals->numLights, 16);
+
+  twenty.resize(36 + 2 * 28 + 27);
+  Put("cut", twenty);
+  ASSERT_EQ(Load("cut"), 1);
+  EXPECT_EQ(globals->numLights, 2);
+}
+
+TEST_F(StyleFile, FolderListsOnlyStylesAndNamesAreCut) {
+  const std::string longName = "A name of forty characters, all counted.";
+  ASSERT_EQ(longName.size(), 40U);
+  ASSERT_EQ(Save("beta"), 1);
+  ASSERT_EQ(Save("Alpha"), 1);
+  ASSERT_EQ(Save(longName), 1);
+  Put("notes.txt", {'h', 'i'});
+  std::vector<std::string> listed;
+  Str255 name;
+  for (int16_t i = 0; LM_style_istream::IndexedInfo(i, name) == 1; ++i)
+    listed.push_back(TB_StdString(name));
+  EXPECT_EQ(listed, (std::vector<std::string>{longName.substr(0, 31), "Alpha", "beta"}));
+  EXPECT_EQ(name[0], 0);
+  EXPECT_EQ(Load(longName), 1);
+}
+
+TEST_F(StyleFile, LockedAndMissingFilesAreTold) {
+  ASSERT_EQ(Save("locked"), 1);
+  std::filesystem::permissions(styleFolder / "locked", std::filesystem::perms::owner_read);
+  TB_Str255 locked = TB_PString("locked");
+  TB_Str255 missing = TB_PString("missing");
+  EXPECT_EQ(LM_style_ostream::IsLocked(locked.bytes), 1);
+  EXPECT_EQ(LM_style_ostream::IsLocked(missing.bytes), 0);
+  EXPECT_EQ(LM_style_istream::Exists(locked.bytes), 1);
+  EXPECT_EQ(LM_style_istream::Exists(missing.bytes), 0);
+  EXPECT_EQ(LM_DeleteStyle(missing.bytes), 0);
+}
+
+TEST_F(StyleFile, EveryFailingFileOperationOfASaveIsReported) {
+  ASSERT_EQ(Save("makes the folder"), 1);
+  for (uint64_t n = 1;; ++n) {
+    TB_FailFileOperationAfter(n, dskFulErr);
+    const uint64_t before = TB_FileOperationCount();
+    const LM_bool saved = Save("new " + std::to_string(n));
+    const bool reached = TB_FileOperationCount() - before >= n;
+    TB_FailFileOperationAfter(0, noErr);
+    ASSERT_EQ(saved, reached ? 0 : 1) << n;
+    if (!reached)
+      break;
+  }
+}
+
+} // namespace

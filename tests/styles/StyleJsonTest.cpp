@@ -1,0 +1,116 @@
+// Styles as JSON, and single settings by name.
+#include "LM_gallery.h"
+#include "LM_style_json.h"
+#include "StyleSamples.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(StyleJson, EveryFieldSurvivesBothWays) {
+  LM_style odd = DistinctStyle(3);
+  odd.whiteIsHigh = 2;
+  odd.lights[0].type = 7;
+  odd.lights[1].on = 65535;
+  for (const LM_style& style : {DistinctStyle(1), DistinctStyle(16), odd}) {
+    LM_style read;
+    std::string why;
+    ASSERT_TRUE(LM_StyleFromJson(LM_StyleToJson(style), read, why)) << why;
+    EXPECT_EQ(BytesOf(read), BytesOf(style));
+  }
+}
+
+TEST(StyleJson, MissingFieldsKeepTheirDefaults) {
+  LM_style read;
+  std::string why;
+  ASSERT_TRUE(LM_StyleFromJson(R"({"name": "x", "lights": [{"type": "omni", "center": [5, -6]}]})",
+                               read, why))
+      << why;
+  EXPECT_EQ(read.gloss, 128);
+  EXPECT_EQ(read.lights[0].type, LM_STYLE_OMNI);
+  EXPECT_EQ(read.lights[0].center, (LM_vectori2{5, -6}));
+  EXPECT_EQ(read.lights[0].intensity, 66);
+}
+
+TEST(StyleJson, WhatIsWrongIsNamed) {
+  std::string many = R"({"lights": [{})";
+  for (int i = 0; i < 16; ++i)
+    many += ", {}";
+  const struct {
+    std::string text, expected;
+  } cases[] = {
+      {"", "parse error"},
+      {"[]", "not an object"},
+      {"7", "not an object"},
+      {R"({"gloss": 40000, "lights": [{}]})", "gloss: 40000 is not between"},
+      {R"({"gloss": 1.5, "lights": [{}]})", "gloss: it takes a whole number"},
+      {R"({"glos": 1, "lights": [{}]})", "glos: there is no such setting"},
+      {R"({"numLights": 3, "lights": [{}]})", "numLights: there is no such setting"},
+      {R"({"ambientColor": [1, 2, 3, 4], "lights": [{}]})",
+       "ambientColor.3: there is no such setting"},
+      {R"({"lights": [{}, {"type": "laser"}]})", "light.1.type: it is \"directional\""},
+      {R"({"lights": [{"color": [[1]]}]})", "it takes no list"},
+      {R"({"lights": [{"on": null}]})", "light.0.on: null"},
+      {R"({"lights": []})", "no light"},
+      {R"({"lights": [{}]} x)", "parse error"},
+      {R"({"version": 145, "lights": [{}]})", "version"},
+      {many + "]}", "more than 16 lights"},
+      {std::string(5000000, '['), "not an object"},
+      {R"({"lights": )" + std::string(5000000, '['), "it takes no list"},
+  };
+  for (const auto& bad : cases) {
+    LM_style style;
+    std::string why;
+    EXPECT_FALSE(LM_StyleFromJson(bad.text, style, why)) << bad.text.substr(0, 60);
+    EXPECT_NE(why.find(bad.expected), std::string::npos) << bad.text.substr(0, 60) << ": " << why;
+  }
+}
+
+TEST(StyleFields, SetByNameOrRefusedWithAReason) {
+  const struct {
+    const char *key, *value, *error;
+  } cases[] = {{"exposure", "150", ""},
+               {"whiteIsHigh", "false", ""},
+               {"ambientColor", "1,2,3", ""},
+               {"light.0.type", "omni", ""},
+               {"light.0.intensity", "-90", ""},
+               {"light.1.center", "10,-20", ""}, // the light after the last one is added
+               {"light.3.on", "true", "only 2 lights"},
+               {"light.16.on", "true", "0 to 15"},
+               {"light.0.center", "1", "2 numbers"},
+               {"exposure", "bright", "not a whole number"},
+               {"exposure", "99999999999999999999", "not a whole number"},
+               {"light.0.colour", "1", "no such setting"},
+               {"light.-1.on", "1", "no such setting"},
+               {"numLights", "2", "no such setting"}};
+  LM_style style = DistinctStyle(1);
+  for (const auto& set : cases) {
+    std::string why;
+    EXPECT_EQ(LM_SetStyleField(style, set.key, set.value, why), *set.error == 0)
+        << set.key << ": " << why;
+    EXPECT_NE(why.find(set.error), std::string::npos) << set.key << ": " << why;
+  }
+  EXPECT_EQ(style.exposure, 150);
+  EXPECT_EQ(style.whiteIsHigh, 0);
+  EXPECT_EQ(style.ambientColor.component[2], 3);
+  EXPECT_EQ(style.lights[0].type, LM_STYLE_OMNI);
+  EXPECT_EQ(style.lights[0].intensity, -90);
+  EXPECT_EQ(style.lightsRead, 2);
+  EXPECT_EQ(style.lights[1].center, (LM_vectori2{10, -20}));
+}
+
+TEST(Gallery, EveryBundledStyleIsReadableAndTheDefaultComesFirst) {
+  const std::vector<std::string> names = LM_BundledStyleNames();
+  ASSERT_FALSE(names.empty());
+  EXPECT_EQ(names.front(), "Default");
+  for (const std::string& name : names) {
+    LM_style style;
+    EXPECT_TRUE(LM_BundledStyle(name, style)) << name;
+    EXPECT_LE(name.size(), 31U) << name;
+  }
+  LM_style style;
+  EXPECT_TRUE(LM_BundledStyle("default", style));
+  EXPECT_FALSE(LM_BundledStyle("no such style", style));
+}
+
+} // namespace

@@ -1,0 +1,66 @@
+// Styles becoming settings, in previews of other sizes and images of other shapes.
+#include "LM_globals.h"
+#include "LM_preview_geometry.h"
+#include "LM_style_settings.h"
+#include "StyleSamples.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(WorldUnits, RoundHalvesAwayFromZero) {
+  const struct {
+    int16_t value, from, to, expected;
+  } cases[] = {{3, 2, 3, 5},         {-3, 2, 3, -5},  {1, 4, 2, 1},
+               {100, 140, 140, 100}, {7, 0, 140, 0},  {-32768, 1, 1, -32768},
+               {32767, 1, 2, -2},    {10, -4, 2, -4}, {-10, -4, 2, 4}};
+  for (const auto& c : cases)
+    EXPECT_EQ(LM_TranslateWorldUnits(c.value, c.from, c.to), c.expected)
+        << c.value << " from " << c.from << " to " << c.to;
+}
+
+// What the dialog's sliders cannot show, pressing OK does not keep.
+TEST(StyleParameters, TakeTheSlidersLimitsAndTheImagesChannels) {
+  LM_style style = DistinctStyle(2);
+  style.gloss = 999;
+  style.material = 300;
+  style.exposure = -5;
+  style.bumpAmplitude = 256;
+  style.ambientBrightness = 200;
+  style.ambientColor = {{64, 64, 64}};
+  const struct {
+    int16_t channel;
+    int channels;
+    int16_t expected;
+  } cases[] = {{4, 4, 4}, {4, 3, 0}, {-1, 4, 0}, {0, 4, 0}};
+  for (const auto& c : cases) {
+    style.bumpChannel = c.channel;
+    foo params;
+    ASSERT_TRUE(LM_ParametersFromStyle(style, 640, 480, c.channels, &params));
+    EXPECT_EQ(params.bumpChannel, c.expected);
+    EXPECT_EQ(params.gloss, 255);
+    EXPECT_EQ(params.material, 256);
+    EXPECT_EQ(params.exposure, 0);
+    EXPECT_EQ(params.bumpHeight, 510);
+    EXPECT_EQ(params.ambient.component[0], 127);
+    EXPECT_EQ(params.magic, LM_PARAMS_MAGIC);
+  }
+}
+
+TEST(StyleParameters, FollowTheDialogsGeometry) {
+  // 1024 x 300 is reduced by 4 to 256 x 75: 256 preview pixels over half a frame of 140.
+  LM_style style = DistinctStyle(1);
+  style.lights[0].type = LM_STYLE_OMNI;
+  style.lights[0].on = 1;
+  style.lights[0].center = {70, -35};
+  style.lights[0].radius = 28;
+  style.worldUnit = 70; // saved with a frame half as large
+  foo params;
+  ASSERT_TRUE(LM_ParametersFromStyle(style, 1024, 300, 3, &params));
+  EXPECT_EQ(params.worldScale, 256.0F / 140.0F);
+  EXPECT_EQ(params.lights[0].position.x, 1.0F);
+  EXPECT_EQ(params.lights[0].position.y, -0.5F);
+  EXPECT_EQ(params.lights[0].position.z, (56.0F / 140.0F) * 0.57735026F);
+}
+
+} // namespace
