@@ -1,0 +1,208 @@
+#include "apply.h"
+
+#include "apply_one.h"
+#include "atomic_file.h"
+#include "progress_bar.h"
+#include "report.h"
+#include "style_source.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <random>
+#include <sched.h>
+#include <unistd.h>
+
+namespace limn {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// "X,Y,W,H" in whole pixels.
+std::optional<Area> ParseArea(const std::string& text) {
+  if (text.empty())
+    return std::nullopt;
+  int numbers[4] = {};
+  const char* next = text.data();
+  const char* const end = next + text.size();
+  for (int i = 0; i < 4; ++i) {
+    const auto [stop, error] = std::from_chars(next, end, numbers[i]);
+    const bool isSeparated = i == 3 ? stop == end : stop != end && *stop == ',';
+    if (error != std::errc() || !isSeparated || numbers[i] < 0 || numbers[i] > LONGEST_SIDE)
+      throw Failure(ExitCode::WrongUsage,
+                    "--area " + text + ": is not of the form X,Y,WIDTH,HEIGHT in pixels");
+    next = stop + (i < 3 ? 1 : 0);
+  }
+  const Area area{numbers[0], numbers[1], numbers[2], numbers[3]};
+  if (area.width == 0 || area.height == 0)
+    throw Failure(ExitCode::WrongUsage, "--area " + text + ": is empty");
+  return area;
+}
+
+int NumProcessors() {
+  cpu_set_t set;
+  CPU_ZERO(&set);
+  return sched_getaffinity(0, sizeof set, &set) == 0 ? std::max(1, CPU_COUNT(&set)) : 1;
+}
+
+uint64_t RandomToken() {
+  std::random_device device;
+  return (static_cast<uint64_t>(device()) << 32) | device();
+}
+
+// Prints what happens to the images of a batch.
+class Reporter {
+public:
+  explicit Reporter(const ApplyPlan& plan)
+      : _plan(plan),
+        _bar(plan.options.quiet ? ProgressBar::Wanted::No : ProgressBar::Wanted::IfTerminal,
+             plan.pairs.size()) {}
+
+  ExitCode Worst() const { return _worst; }
+
+  void Progress(size_t job, double share) { _bar.Update(job, share); }
+
+  void Notice(const std::string& text) {
+    if (_plan.options.quiet)
+      return;
+    _bar.Clear();
+    PrintProblem(text);
+  }
+
+  void Result(const JobResult& result) {
+    _bar.Clear();
+    if (result.code == ExitCode::Done)
+      _Done(result);
+    else
+      _Failed(result);
+    _bar.Update(result.job, 1);
+  }
+
+private:
+  void _Print(nlohmann::ordered_json line) {
+    PrintLine(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+    std::fflush(stdout); // a line for each image as it is done, also into a pipe
+  }
+
+  void _Done(const JobResult& result) {
+    const ImagePair& pair = _plan.pairs[result.job];
+    int width = 0;
+    int height = 0;
+    double seconds = 0;
+    std::sscanf(result.payload.c_str(), "%d %d %lf", &width, &height, &seconds);
+    if (_plan.options.json) {
+      _Print({{"input", pair.input},
+              {"output", pair.output.path},
+              {"size", {width, height}},
+              {"seconds", seconds}});
+    } else if (!_plan.options.quiet) {
+      char figures[80];
+      std::snprintf(figures, sizeof figures, " (%d × %d, %.2f s)", width, height, seconds);
+      PrintLine(Printable(pair.input + " → " + pair.output.path) + figures);
+    }
+  }
+
+  void _Failed(const JobResult& result) {
+    const ImagePair& pair = _plan.pairs[result.job];
+    const std::string sentence =
+        result.hasDied ? pair.input + ": " + result.payload : result.payload;
+    PrintProblem(sentence);
+    if (_plan.options.json)
+      _Print({{"input", pair.input},
+              {"output", pair.output.path},
+              {"error", sentence},
+              {"code", static_cast<int>(result.code)}});
+    _worst = std::max(_worst, result.code);
+  }
+
+  const ApplyPlan& _plan;
+  ProgressBar _bar;
+  ExitCode _worst = ExitCode::Done;
+};
+
+ApplyPlan MakePlan(const ApplyOptions& options) {
+  ApplyPlan plan;
+  plan.options = options;
+  plan.area = ParseArea(options.area);
+  NamedStyle named = FindStyle(options.style);
+  SetFields(named.style, options.settings);
+  plan.style = named.style;
+  if (!named.warning.empty() && !options.quiet)
+    PrintProblem(options.style + ": " + named.warning);
+  // Missing ones are told once, not for each image.
+  if (!options.mask.empty())
+    OpenRegularFile(options.mask);
+  for (const std::string& channel : options.channels)
+    OpenRegularFile(channel);
+  plan.pairs = ListImages(options.images, options.output,
+                          options.isRecursive ? Folders::Walk : Folders::Refuse);
+  for (const ImagePair& pair : plan.pairs) {
+    try {
+      plan.targets.push_back(ResolveTarget(pair.output.path));
+    } catch (const Failure&) {
+      plan.targets.push_back(pair.output.path); // that image fails when its turn comes
+    }
+  }
+  return plan;
+}
+
+// Inside a worker.
+std::string Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job,
+                 const JobChannel& channel) {
+  const std::string& input = plan.pairs[job].input;
+  try {
+    const auto start = Clock::now();
+    if (!tools)
+      tools = PrepareTools(plan);
+    if (job == 0)
+      for (const std::string& notice : tools->notices)
+        channel.Notice(notice);
+    const AppliedSize size = ApplyOne(plan, *tools, job, channel);
+    const std::chrono::duration<double> seconds = Clock::now() - start;
+    char payload[80];
+    std::snprintf(payload, sizeof payload, "%d %d %.3f", size.width, size.height, seconds.count());
+    return payload;
+  } catch (const Failure&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw Failure(ExitCode::NoMemory, input + ": not enough memory");
+  } catch (const std::exception& error) {
+    throw Failure(ExitCode::Refused, input + ": " + error.what());
+  }
+}
+
+} // namespace
+
+ExitCode Apply(const ApplyOptions& options) {
+  ApplyPlan plan = MakePlan(options);
+  const int numProcessors = NumProcessors();
+  const int numWorkers = static_cast<int>(std::min<size_t>(
+      options.jobs > 0 ? options.jobs : numProcessors, std::max<size_t>(plan.pairs.size(), 1)));
+  plan.threads = std::max(1, numProcessors / numWorkers);
+  SetTemporaryToken(RandomToken());
+
+  Reporter reporter(plan);
+  std::optional<ApplyTools> tools; // each process fills its own copy
+  WorkerPool pool;
+  pool.numJobs = plan.pairs.size();
+  pool.numWorkers = numWorkers;
+  pool.work = [&](size_t job, const JobChannel& channel) {
+    return Work(plan, tools, job, channel);
+  };
+  pool.onProgress = [&](size_t job, double share) { reporter.Progress(job, share); };
+  pool.onNotice = [&](size_t, const std::string& text) { reporter.Notice(text); };
+  pool.onResult = [&](const JobResult& result) { reporter.Result(result); };
+  pool.onDeath = [&](size_t job, pid_t worker) {
+    unlink(TemporaryPath(plan.targets[job], worker).c_str());
+  };
+  if (RunJobs(pool) == PoolEnd::Interrupted) {
+    reporter.Notice("stopped");
+    return ExitCode::Cancelled;
+  }
+  return reporter.Worst();
+}
+
+} // namespace limn

@@ -1,0 +1,30 @@
+// limn apply: lights photographs.
+#pragma once
+
+#include "failure.h"
+
+#include <string>
+#include <vector>
+
+namespace limn {
+
+struct ApplyOptions {
+  std::vector<std::string> images;
+  std::string output;
+  bool isRecursive = false;
+  std::string style;
+  std::vector<std::string> settings;
+  std::string area; // "X,Y,W,H", or empty
+  std::string mask;
+  std::vector<std::string> channels;
+  int jobs = 0; // 0: as many as there are processors
+  bool force = false;
+  bool quiet = false;
+  bool json = false;
+};
+
+// Lights all images and reports each. The highest code of all images, or Cancelled when the user
+// stopped it. Throws Failure for what is wrong with the whole.
+ExitCode Apply(const ApplyOptions& options);
+
+} // namespace limn

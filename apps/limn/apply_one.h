@@ -1,0 +1,42 @@
+// Lighting one photograph from file to file.
+#pragma once
+
+#include "apply.h"
+#include "image_list.h"
+#include "lighting.h"
+#include "worker_pool.h"
+
+#include <string>
+
+namespace limn {
+
+// All that a process needs for any image of the batch.
+struct ApplyPlan {
+  ApplyOptions options;
+  LM_style style;
+  std::optional<Area> area;
+  std::vector<ImagePair> pairs;
+  std::vector<std::string> targets; // where each output really goes; see ResolveTarget
+  int threads = 1;                  // of libvips, in each process
+};
+
+// What is read once in each process, before its first image.
+struct ApplyTools {
+  CVPlugin plugin;
+  Surroundings surroundings;
+  std::vector<std::string> notices; // about mask and channels
+};
+
+// Starts the image library too. Throws Failure.
+ApplyTools PrepareTools(const ApplyPlan& plan);
+
+struct AppliedSize {
+  int width;
+  int height;
+};
+
+// Throws Failure; then the output is as it was.
+AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+                     const JobChannel& channel);
+
+} // namespace limn

@@ -1,0 +1,140 @@
+#include "atomic_file.h"
+
+#include "failure.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace limn {
+namespace {
+
+uint64_t temporaryToken = 0;
+// Fixed storage, because a signal handler reads it.
+char temporaryInProgress[PATH_MAX] = "";
+
+[[noreturn]] void Fail(const std::string& target, int error) {
+  throw Failure(ExitCode::CannotWrite, target + ": " + SystemReason(error));
+}
+
+std::string FolderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
+// A folder that cannot be flushed (some network file systems) still holds the renamed file.
+void FlushFolder(const std::string& target) {
+  const Descriptor folder(open(FolderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder.Number() < 0)
+    return;
+  if (fsync(folder.Number()) != 0 && errno == EIO)
+    Fail(target, EIO);
+}
+
+} // namespace
+
+void SetTemporaryToken(uint64_t token) {
+  temporaryToken = token;
+}
+
+const char* TemporaryInProgress() {
+  return temporaryInProgress;
+}
+
+std::string TemporaryPath(const std::string& target, pid_t process) {
+  char name[64];
+  std::snprintf(name, sizeof name, ".limn-%ld-%016llx.tmp", static_cast<long>(process),
+                static_cast<unsigned long long>(temporaryToken));
+  return (std::filesystem::path(target).parent_path() / name).string();
+}
+
+std::string ResolveTarget(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) {
+    if (errno != ENOENT && errno != ENOTDIR)
+      Fail(path, errno);
+    if (lstat(path.c_str(), &status) == 0)
+      throw Failure(ExitCode::CannotWrite, path + ": is a link to nothing");
+    return path;
+  }
+  if (!S_ISREG(status.st_mode))
+    throw Failure(ExitCode::CannotWrite, path + ": is there already, and is not a regular file");
+  std::error_code error;
+  const std::filesystem::path real = std::filesystem::canonical(path, error);
+  if (error)
+    Fail(path, error.value());
+  return real.string();
+}
+
+AtomicFile::AtomicFile(std::string target, Existing existing)
+    : _target(std::move(target)), _temporary(TemporaryPath(_target, getpid())),
+      _existing(existing) {
+  if (_temporary.size() >= sizeof temporaryInProgress)
+    Fail(_target, ENAMETOOLONG);
+  // Noted before the file exists: removing one that is not there does no harm.
+  std::memcpy(temporaryInProgress, _temporary.c_str(), _temporary.size() + 1);
+  _file = Descriptor(
+      open(_temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  if (_file.Number() < 0) {
+    temporaryInProgress[0] = '\0';
+    Fail(_target, errno);
+  }
+}
+
+AtomicFile::~AtomicFile() {
+  if (!_temporary.empty())
+    unlink(_temporary.c_str());
+  temporaryInProgress[0] = '\0';
+}
+
+void AtomicFile::Write(const void* bytes, size_t size) {
+  const char* next = static_cast<const char*>(bytes);
+  while (size > 0) {
+    const ssize_t written = write(_file.Number(), next, size);
+    if (written < 0 && errno == EINTR)
+      continue;
+    if (written <= 0)
+      Fail(_target, written < 0 ? errno : EIO);
+    next += written;
+    size -= static_cast<size_t>(written);
+  }
+}
+
+void AtomicFile::Commit() {
+  struct stat old {};
+  if (_existing == Existing::Replace && stat(_target.c_str(), &old) == 0 &&
+      fchmod(_file.Number(), old.st_mode & 07777) != 0 && errno != EPERM)
+    Fail(_target, errno);
+  if (fsync(_file.Number()) != 0)
+    Fail(_target, errno);
+  // Some file systems report a full disk only here.
+  if (close(_file.Release()) != 0)
+    Fail(_target, errno);
+  _GiveName();
+  _temporary.clear();
+  temporaryInProgress[0] = '\0';
+  FlushFolder(_target);
+}
+
+void AtomicFile::_GiveName() {
+  if (_existing == Existing::Keep) {
+    if (renameat2(AT_FDCWD, _temporary.c_str(), AT_FDCWD, _target.c_str(), RENAME_NOREPLACE) == 0)
+      return;
+    if (errno == EEXIST)
+      throw Failure(ExitCode::CannotWrite, _target + ": exists already; --force replaces it");
+    if (errno != EINVAL && errno != ENOSYS)
+      Fail(_target, errno);
+    // A file system without that call: the check below can be overtaken, but only just.
+    if (access(_target.c_str(), F_OK) == 0)
+      throw Failure(ExitCode::CannotWrite, _target + ": exists already; --force replaces it");
+  }
+  if (rename(_temporary.c_str(), _target.c_str()) != 0)
+    Fail(_target, errno);
+}
+
+} // namespace limn

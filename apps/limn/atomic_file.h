@@ -1,0 +1,56 @@
+// A file that appears under its name complete, or not at all.
+#pragma once
+
+#include "posix_file.h"
+
+#include <cstdint>
+#include <string>
+#include <sys/types.h>
+
+namespace limn {
+
+enum class Existing { Keep, Replace };
+
+// Marks the temporary files of one run of the command; the same in every process of the run.
+void SetTemporaryToken(uint64_t token);
+
+// The temporary file that process `process` of this run uses for `target`: beside it, so that the
+// rename stays within one file system. A process writes one target at a time.
+std::string TemporaryPath(const std::string& target, pid_t process);
+
+// Where a write to `path` ends up: the file behind a link, or `path` itself when nothing is there.
+// Throws Failure(CannotWrite) when what is there is not a regular file.
+std::string ResolveTarget(const std::string& path);
+
+// The writer goes to a temporary file beside the target. Only Commit gives it the target's name; a
+// writer that is destroyed before leaves the target as it was and removes the temporary file.
+class AtomicFile {
+public:
+  // target: as ResolveTarget gives it. Throws Failure(CannotWrite) naming `target`.
+  AtomicFile(std::string target, Existing existing);
+  AtomicFile(const AtomicFile&) = delete;
+  AtomicFile& operator=(const AtomicFile&) = delete;
+  ~AtomicFile();
+
+  // Open for reading and writing, at the start. Owned by this object.
+  int DescriptorNumber() const { return _file.Number(); }
+  void Write(const void* bytes, size_t size);
+
+  // Flushes the content to the disk, renames, and flushes the folder. With Existing::Keep a file
+  // that has meanwhile appeared under the name is left alone and is a failure. A replaced file's
+  // permissions are kept. Throws Failure(CannotWrite).
+  void Commit();
+
+private:
+  void _GiveName();
+
+  std::string _target;
+  std::string _temporary;
+  Existing _existing;
+  Descriptor _file;
+};
+
+// The temporary file that this process is writing now, or an empty string. For signal handlers.
+const char* TemporaryInProgress();
+
+} // namespace limn

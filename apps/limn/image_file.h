@@ -1,0 +1,46 @@
+// A photograph read from a file, in the form that a document of the editor has: interleaved planes
+// of 8 bits, the first three of them red, green and blue.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+#include <vips/vips8>
+
+namespace limn {
+
+// Neither side of an image may be longer: rectangles have 16-bit sides.
+constexpr int LONGEST_SIDE = 32767;
+
+// A plane of its own: a selection mask or a height map. width * height bytes, no padding.
+struct GreyImage {
+  std::string file;
+  int width = 0;
+  int height = 0;
+  std::vector<uint8_t> pixels;
+};
+
+// numPlanes bytes a pixel (3 or more), width * numPlanes a row, no padding.
+struct Photograph {
+  int width = 0;
+  int height = 0;
+  int numPlanes = 0;
+  std::vector<uint8_t> pixels;
+  vips::VImage metadata;            // one pixel that carries profile, EXIF, resolution …
+  std::vector<std::string> notices; // what reading changed: "16 bits a channel become 8"
+};
+
+// Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
+// their profile to sRGB, more than 8 bits become 8, the orientation is applied; alpha and further
+// channels follow as they are. A file that is cut short or damaged is a Failure(BadInput).
+Photograph ReadPhotograph(const std::string& path);
+
+// Reads an image whose grey values are meant as numbers: no profile is applied, an alpha channel is
+// ignored, more than 8 bits become 8, the orientation is applied. A coloured image is a
+// Failure(BadInput).
+GreyImage ReadGreyImage(const std::string& path, std::vector<std::string>& notices);
+
+// How many planes ReadPhotograph would give, found without decoding the pixels.
+int CountPlanes(const std::string& path);
+
+} // namespace limn

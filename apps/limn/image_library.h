@@ -1,0 +1,34 @@
+// libvips, started once in each process that touches images, and what it has to say.
+#pragma once
+
+#include "failure.h"
+
+#include <string>
+
+namespace limn {
+
+// Starts libvips with `threads` threads, without its operation cache, and with the loaders that are
+// not meant for strangers' files switched off (all but the simple PPM family). Call it in the
+// process that uses it, never before a fork. Throws Failure(Refused).
+// From here on GLib's log does not reach the terminal; see Complaints. When GLib itself cannot get
+// memory the process exits with ExitCode::NoMemory.
+void StartImageLibrary(int threads);
+
+// The warnings that libvips, its loaders and GLib gave since construction, from any thread. A
+// picture made with one of them pending may hold wrong pixels. One object at a time.
+class Complaints {
+public:
+  Complaints();
+  ~Complaints();
+  Complaints(const Complaints&) = delete;
+  Complaints& operator=(const Complaints&) = delete;
+
+  // Throws Failure(code, "FILE: WARNING") with the first warning if there was any.
+  void Check(ExitCode code, const std::string& file) const;
+};
+
+// Turns libvips' error, which it empties, into a failure about `file`: NoMemory when that is what
+// it was, otherwise `code`.
+Failure LibraryFailure(ExitCode code, const std::string& file);
+
+} // namespace limn

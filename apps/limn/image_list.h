@@ -1,0 +1,26 @@
+// From the command line's images and folders to pairs of input and output.
+#pragma once
+
+#include "image_output.h"
+
+#include <string>
+#include <vector>
+
+namespace limn {
+
+struct ImagePair {
+  std::string input;
+  OutputName output;
+};
+
+enum class Folders { Refuse, Walk };
+
+// inputs: files and, with Folders::Walk, folders, whose tree is kept in the output. output: a file
+// with save options when there is one input file, else a folder (that need not exist yet). In a
+// folder, files with an image's extension count, in alphabetical order; links to folders are not
+// followed, and the output folder itself is left out. Throws Failure(WrongUsage), also when two
+// images would be written to one file, and Failure(BadInput) for a folder that cannot be listed.
+std::vector<ImagePair> ListImages(const std::vector<std::string>& inputs, const std::string& output,
+                                  Folders folders);
+
+} // namespace limn

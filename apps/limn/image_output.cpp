@@ -1,0 +1,146 @@
+#include "image_output.h"
+
+#include "failure.h"
+#include "image_library.h"
+#include "metadata.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+namespace limn {
+namespace {
+
+using vips::VImage;
+
+// suffix: by which libvips knows the format, with options that select it.
+struct OutputFormat {
+  std::string_view extension;
+  const char* suffix;
+  const char* options;
+  int maxPlanes;
+};
+
+constexpr int ANY_NUMBER = 1000;
+
+// Formats in one file that hold a photograph. Folders of tiles, tables of numbers and the like are
+// not among them.
+constexpr OutputFormat FORMATS[] = {
+    {".jpg", ".jpg", "", 3},          {".jpeg", ".jpg", "", 3},
+    {".jpe", ".jpg", "", 3},          {".png", ".png", "", 4},
+    {".tif", ".tif", "", ANY_NUMBER}, {".tiff", ".tif", "", ANY_NUMBER},
+    {".webp", ".webp", "", 4},        {".ppm", ".ppm", "", 3},
+    {".pnm", ".ppm", "", 3},          {".heic", ".heic", "", 4},
+    {".heif", ".heif", "", 4},        {".avif", ".heif", "compression=av1", 4},
+    {".jp2", ".jp2", "", ANY_NUMBER}, {".gif", ".gif", "", 4},
+};
+
+const OutputFormat* FindFormat(const std::string& path) {
+  std::string extension = std::filesystem::path(path).extension().string();
+  for (char& letter : extension)
+    letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+  for (const OutputFormat& format : FORMATS)
+    if (extension == format.extension)
+      return &format;
+  return nullptr;
+}
+
+const OutputFormat& FormatOf(const std::string& path) {
+  const OutputFormat* format = FindFormat(path);
+  if (format == nullptr)
+    throw Failure(ExitCode::WrongUsage,
+                  path + ": its extension is not one of a format that limn writes");
+  return *format;
+}
+
+// "[compression=av1,Q=92]" from the format's own options and the user's.
+std::string AllOptions(const OutputFormat& format, const std::string& options) {
+  const std::string users = options.empty() ? "" : options.substr(1, options.size() - 2);
+  const std::string own = format.options;
+  return "[" + own + (own.empty() || users.empty() ? "" : ",") + users + "]";
+}
+
+void DropPlanes(VImage& image, const OutputFormat& format, std::vector<std::string>& notices) {
+  if (image.bands() <= format.maxPlanes)
+    return;
+  const std::string name(format.extension.substr(1));
+  notices.push_back(format.maxPlanes == 3 && image.bands() == 4
+                        ? "its alpha channel is left out, since " + name + " has none"
+                        : "only " + std::to_string(format.maxPlanes) + " of its " +
+                              std::to_string(image.bands()) + " channels are written, since " +
+                              name + " has no more");
+  image = image.extract_band(0, VImage::option()->set("n", format.maxPlanes));
+}
+
+// A JPEG file holds such data in one segment of at most 64 kB.
+void DropLargeMetadata(VImage& image, const OutputFormat& format,
+                       std::vector<std::string>& notices) {
+  constexpr size_t LARGEST = 65000;
+  if (std::string_view(format.suffix) != ".jpg")
+    return;
+  for (const char* field : {VIPS_META_EXIF_NAME, VIPS_META_XMP_NAME, VIPS_META_IPTC_NAME}) {
+    size_t size = 0;
+    if (image.get_typeof(field) == VIPS_TYPE_BLOB)
+      image.get_blob(field, &size);
+    if (size <= LARGEST)
+      continue;
+    image.remove(field);
+    notices.push_back("its " + std::string(field) + " is left out, too large for a jpg file");
+  }
+}
+
+} // namespace
+
+OutputName ParseOutputName(const std::string& text) {
+  const size_t bracket = text.rfind('[');
+  if (text.empty() || text.back() != ']' || bracket == std::string::npos || bracket == 0)
+    return {text, ""};
+  return {text.substr(0, bracket), text.substr(bracket)};
+}
+
+bool IsWritableName(const std::string& path) {
+  return FindFormat(path) != nullptr;
+}
+
+void CheckOutputFormat(const OutputName& name) {
+  const OutputFormat& format = FormatOf(name.path);
+  const Complaints complaints;
+  const char* saver = vips_foreign_find_save_target(format.suffix);
+  if (saver == nullptr)
+    throw Failure(ExitCode::WrongUsage, name.path + ": this libvips cannot write " +
+                                            std::string(format.extension.substr(1)) + " files");
+  const std::unique_ptr<VipsOperation, void (*)(void*)> operation(vips_operation_new(saver),
+                                                                  g_object_unref);
+  if (operation == nullptr ||
+      vips_object_set_from_string(VIPS_OBJECT(operation.get()),
+                                  AllOptions(format, name.options).c_str()) != 0)
+    throw LibraryFailure(ExitCode::WrongUsage, name.path + name.options);
+  complaints.Check(ExitCode::WrongUsage, name.path + name.options);
+}
+
+void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
+                     Existing existing) {
+  const OutputFormat& format = FormatOf(name.path);
+  const Complaints complaints;
+  AtomicFile file(target, existing);
+  try {
+    VImage image = VImage::new_from_memory(photograph.pixels.data(), photograph.pixels.size(),
+                                           photograph.width, photograph.height,
+                                           photograph.numPlanes, VIPS_FORMAT_UCHAR)
+                       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+    DropPlanes(image, format, photograph.notices);
+    image = WithMetadata(image, photograph.metadata);
+    DropLargeMetadata(image, format, photograph.notices);
+    const std::string suffix = format.suffix + AllOptions(format, name.options);
+    image.write_to_target(suffix.c_str(),
+                          vips::VTarget::new_to_descriptor(file.DescriptorNumber()));
+    complaints.Check(ExitCode::CannotWrite, name.path);
+  } catch (const vips::VError&) {
+    throw LibraryFailure(ExitCode::CannotWrite, name.path);
+  }
+  file.Commit();
+}
+
+} // namespace limn

@@ -1,0 +1,44 @@
+// Lights a photograph by running the plug-in on it, as the editor does when it repeats the filter.
+#pragma once
+
+#include "image_file.h"
+
+#include "LM_style.h"
+
+#include <CVFilterSession.h>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace limn {
+
+// Part of an image, in pixels.
+struct Area {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+};
+
+// What to do to a photograph beside the style. Shared by all images of a batch.
+struct Surroundings {
+  std::optional<Area> area;        // none: the whole image
+  std::optional<GreyImage> mask;   // none: everything is selected
+  std::vector<GreyImage> channels; // appended to the image's own
+};
+
+// The plug-in's module: $LIMN_PLUGIN, or lib/limn.so beside the program's folder, or the one that
+// was installed. Throws Failure(Refused) when it cannot be loaded.
+CVPlugin LoadPlugin();
+
+// Lights the photograph in place. file: its name, for messages. progress: gets 0 … 1. Throws
+// Failure: WrongUsage or BadInput when area, mask or channels do not fit, NoMemory, Refused.
+void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings& surroundings,
+                     Photograph& photograph, const std::string& file,
+                     const std::function<void(double)>& progress);
+
+// The name of a channel that an image file becomes: the file's own without folder and extension.
+std::string ChannelName(const std::string& file);
+
+} // namespace limn

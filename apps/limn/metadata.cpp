@@ -1,0 +1,72 @@
+#include "metadata.h"
+
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace limn {
+namespace {
+
+using vips::VImage;
+
+constexpr const char* XMP = VIPS_META_XMP_NAME;
+
+bool IsKept(std::string_view field) {
+  for (const std::string_view whole :
+       {VIPS_META_ICC_NAME, VIPS_META_EXIF_NAME, VIPS_META_XMP_NAME, VIPS_META_IPTC_NAME,
+        VIPS_META_PHOTOSHOP_NAME, VIPS_META_IMAGEDESCRIPTION, VIPS_META_RESOLUTION_UNIT})
+    if (field == whole)
+      return true;
+  // The first holds the EXIF fields one by one; a field that is absent is removed from the EXIF
+  // data on writing.
+  return (field.starts_with("exif-") && field != "exif-ifd0-Orientation") ||
+         field.starts_with("png-comment-");
+}
+
+void CopyFields(VipsImage* from, VipsImage* into) {
+  gchar** fields = vips_image_get_fields(from);
+  for (gchar** field = fields; *field != nullptr; ++field) {
+    GValue value = G_VALUE_INIT;
+    if (!IsKept(*field) || vips_image_get(from, *field, &value) != 0)
+      continue;
+    vips_image_set(into, *field, &value);
+    g_value_unset(&value);
+  }
+  g_strfreev(fields);
+}
+
+// XMP packets repeat the orientation, as an attribute or an element with one digit.
+void ResetXmpOrientation(const VImage& image) {
+  if (image.get_typeof(XMP) != VIPS_TYPE_BLOB)
+    return;
+  size_t size = 0;
+  const char* bytes = static_cast<const char*>(image.get_blob(XMP, &size));
+  std::string packet(bytes, size);
+  for (const char* opening : {"tiff:Orientation=\"", "tiff:Orientation='", "<tiff:Orientation>"})
+    for (size_t at = packet.find(opening); at != std::string::npos; at = packet.find(opening, at)) {
+      at += std::strlen(opening);
+      if (at < packet.size() && packet[at] >= '1' && packet[at] <= '8')
+        packet[at] = '1';
+    }
+  vips_image_set_blob_copy(image.get_image(), XMP, packet.data(), packet.size());
+}
+
+} // namespace
+
+VImage CopyMetadata(const VImage& image) {
+  VImage metadata = VImage::black(1, 1).copy(
+      VImage::option()->set("xres", image.xres())->set("yres", image.yres()));
+  CopyFields(image.get_image(), metadata.get_image());
+  ResetXmpOrientation(metadata);
+  return metadata;
+}
+
+VImage WithMetadata(const VImage& image, const VImage& metadata) {
+  VImage copy =
+      image.copy(VImage::option()->set("xres", metadata.xres())->set("yres", metadata.yres()));
+  CopyFields(metadata.get_image(), copy.get_image());
+  return copy;
+}
+
+} // namespace limn

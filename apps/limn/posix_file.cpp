@@ -1,0 +1,60 @@
+#include "posix_file.h"
+
+#include "failure.h"
+
+#include <cctype>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace limn {
+
+Descriptor::~Descriptor() {
+  if (_number >= 0)
+    close(_number);
+}
+
+std::string SystemReason(int error) {
+  std::string reason = std::generic_category().message(error);
+  if (reason.size() > 1 && std::islower(static_cast<unsigned char>(reason[1])) != 0)
+    reason[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(reason[0])));
+  return reason;
+}
+
+Descriptor OpenRegularFile(const std::string& path) {
+  // Without O_NONBLOCK the open itself would wait for the other end of a pipe.
+  Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (file.Number() < 0)
+    throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
+  struct stat status {};
+  if (fstat(file.Number(), &status) != 0)
+    throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
+  if (S_ISDIR(status.st_mode))
+    throw Failure(ExitCode::BadInput, path + ": is a folder, not a file");
+  if (!S_ISREG(status.st_mode))
+    throw Failure(ExitCode::BadInput, path + ": is not a regular file");
+  return file;
+}
+
+std::vector<uint8_t> ReadSmallFile(const std::string& path, size_t limit) {
+  const Descriptor file = OpenRegularFile(path);
+  std::vector<uint8_t> content;
+  uint8_t piece[16384];
+  for (;;) {
+    const ssize_t got = read(file.Number(), piece, sizeof piece);
+    if (got < 0 && errno == EINTR)
+      continue;
+    if (got < 0)
+      throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
+    if (got == 0)
+      return content;
+    content.insert(content.end(), piece, piece + got);
+    if (content.size() > limit)
+      throw Failure(ExitCode::BadInput,
+                    path + ": is longer than " + std::to_string(limit) + " bytes");
+  }
+}
+
+} // namespace limn

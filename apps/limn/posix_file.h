@@ -1,0 +1,44 @@
+// Files opened with care: what is named may be a pipe, a device or a folder, and may change
+// meanwhile.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace limn {
+
+// Owns a file descriptor; -1 for none.
+class Descriptor {
+public:
+  explicit Descriptor(int number = -1) : _number(number) {}
+  Descriptor(Descriptor&& other) noexcept : _number(std::exchange(other._number, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(_number, other._number);
+    return *this;
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor();
+
+  int Number() const { return _number; }
+  int Release() { return std::exchange(_number, -1); }
+
+private:
+  int _number;
+};
+
+// Opens a regular file for reading. Never blocks on a pipe and never opens a device for use.
+// Throws Failure(BadInput).
+Descriptor OpenRegularFile(const std::string& path);
+
+// The whole content of a regular file of at most `limit` bytes; a longer one is a Failure(BadInput)
+// that says so, found without reading it all.
+std::vector<uint8_t> ReadSmallFile(const std::string& path, size_t limit);
+
+// The system's words for `error`, in the middle of a sentence ("no such file or directory").
+std::string SystemReason(int error);
+
+} // namespace limn

@@ -1,0 +1,59 @@
+#include "report.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+
+namespace limn {
+namespace {
+
+// Length of the UTF-8 character at the start of `text`, or 0 when there is none that may be
+// printed.
+size_t CharacterLength(std::string_view text) {
+  const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
+  const uint8_t first = byte(0);
+  if (first < 0x80)
+    return first < 0x20 || first == 0x7f ? 0 : 1;
+  const size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
+  if (first < 0xc2 || first > 0xf4 || text.size() < length)
+    return 0;
+  for (size_t i = 1; i < length; ++i)
+    if ((byte(i) & 0xc0) != 0x80)
+      return 0;
+  // The control characters above ASCII.
+  return first == 0xc2 && byte(1) < 0xa0 ? 0 : length;
+}
+
+} // namespace
+
+std::string Printable(std::string_view text) {
+  std::string printable;
+  while (!text.empty()) {
+    const size_t length = CharacterLength(text);
+    printable += length == 0 ? std::string_view("?") : text.substr(0, length);
+    text.remove_prefix(std::max<size_t>(length, 1));
+  }
+  return printable;
+}
+
+void PrintProblem(const std::string& sentence) {
+  const std::string line = "limn: " + Printable(sentence) + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void PrintText(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void PrintLine(const std::string& line) {
+  PrintText(line + "\n");
+}
+
+ExitCode FlushedOutput(ExitCode code) {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+    return code;
+  PrintProblem("standard output: cannot be written");
+  return std::max(code, ExitCode::CannotWrite);
+}
+
+} // namespace limn

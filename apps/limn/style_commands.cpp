@@ -1,0 +1,121 @@
+#include "style_commands.h"
+
+#include "atomic_file.h"
+#include "report.h"
+#include "style_source.h"
+
+#include "LM_style_codec.h"
+#include "LM_style_json.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace limn {
+namespace {
+
+std::string Line(const char* name, const std::string& value) {
+  char line[120];
+  std::snprintf(line, sizeof line, "%-15s %s", name, value.c_str());
+  return line;
+}
+
+std::string Color(const LM_color48& color) {
+  return std::to_string(color.component[0]) + ", " + std::to_string(color.component[1]) + ", " +
+         std::to_string(color.component[2]);
+}
+
+std::string Point(const LM_vectori2& point) {
+  return "(" + std::to_string(point.h) + ", " + std::to_string(point.v) + ")";
+}
+
+// Any other code than these two is a spot.
+const char* TypeName(uint16_t type) {
+  return type == LM_STYLE_OMNI ? "omni" : type == LM_STYLE_DIRECTIONAL ? "directional" : "spot";
+}
+
+std::string Relief(const LM_style& style) {
+  if (style.bumpChannel <= 0)
+    return "none";
+  return "channel " + std::to_string(style.bumpChannel) + ", amplitude " +
+         std::to_string(style.bumpAmplitude) +
+         (style.whiteIsHigh != 0 ? ", white is high" : ", black is high");
+}
+
+void PrintLight(const LM_style& style, int index) {
+  const LM_style_light& light = style.lights[index];
+  std::string title = "light " + std::to_string(index);
+  std::string kind = TypeName(light.type);
+  if (light.on != 1)
+    kind += ", off";
+  if (index == style.curLight)
+    kind += ", selected";
+  PrintLine(Line(title.c_str(), kind));
+  PrintLine(Line("  colour", Color(light.color)));
+  PrintLine(Line("  intensity", std::to_string(light.intensity)));
+  if (light.type != LM_STYLE_OMNI && light.type != LM_STYLE_DIRECTIONAL)
+    PrintLine(Line("  spread", std::to_string(light.spread)));
+  PrintLine(Line("  centre", Point(light.center)));
+  if (light.type == LM_STYLE_OMNI)
+    PrintLine(Line("  radius", std::to_string(light.radius)));
+  else
+    PrintLine(Line("  handles", Point(light.handle1) + " " + Point(light.handle2)));
+}
+
+void PrintStyle(const LM_style& style) {
+  PrintLine(Line("exposure", std::to_string(style.exposure)));
+  PrintLine(Line("gloss", std::to_string(style.gloss)));
+  PrintLine(Line("material", std::to_string(style.material)));
+  PrintLine(Line("ambience", std::to_string(style.ambientBrightness)));
+  PrintLine(Line("ambient colour", Color(style.ambientColor)));
+  PrintLine(Line("relief", Relief(style)));
+  PrintLine(Line("world unit", std::to_string(style.worldUnit) + " preview pixels"));
+  for (int index = 0; index < style.lightsRead; ++index)
+    PrintLight(style, index);
+}
+
+} // namespace
+
+ExitCode ShowStyle(const std::string& name, StyleForm form) {
+  const NamedStyle named = FindStyle(name);
+  if (!named.warning.empty())
+    PrintProblem(name + ": " + named.warning);
+  if (form == StyleForm::Json)
+    PrintText(LM_StyleToJson(named.style));
+  else
+    PrintStyle(named.style);
+  return ExitCode::Done;
+}
+
+ExitCode PackStyle(const std::string& jsonFile, const std::string& styleFile, Overwrite overwrite) {
+  const NamedStyle named = ReadStyleFile(jsonFile);
+  if (!named.warning.empty())
+    PrintProblem(jsonFile + ": " + named.warning);
+  const bool isReplacing = overwrite == Overwrite::Yes;
+  const std::string target = ResolveTarget(styleFile);
+  uint8_t bytes[LM_STYLE_MAX_BYTES];
+  const size_t size = LM_EncodeStyle(named.style, bytes);
+  AtomicFile file(target, isReplacing ? Existing::Replace : Existing::Keep);
+  file.Write(bytes, size);
+  file.Commit();
+  return ExitCode::Done;
+}
+
+ExitCode CheckStyles(const std::vector<std::string>& names) {
+  ExitCode worst = ExitCode::Done;
+  for (const std::string& name : names) {
+    try {
+      const NamedStyle named = FindStyle(name);
+      const std::string verdict = named.warning.empty()
+                                      ? "good, " + std::to_string(named.style.lightsRead) +
+                                            (named.style.lightsRead == 1 ? " light" : " lights")
+                                      : named.warning;
+      PrintLine(Printable(name + ": " + verdict));
+    } catch (const Failure& failure) {
+      PrintProblem(failure.what());
+      worst = std::max(worst, failure.Code());
+    }
+  }
+  return worst;
+}
+
+} // namespace limn

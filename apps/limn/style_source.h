@@ -1,0 +1,29 @@
+// Where the command gets styles from: files, in either form, and names.
+#pragma once
+
+#include "LM_style.h"
+
+#include <string>
+#include <vector>
+
+namespace limn {
+
+// A style and what had to be said about it, for instance that its file is cut short after some
+// whole lights; `warning` is empty when there is nothing.
+struct NamedStyle {
+  LM_style style;
+  std::string warning;
+};
+
+// Reads a style file or its JSON form, told apart by their content. Throws Failure(BadInput).
+NamedStyle ReadStyleFile(const std::string& path);
+
+// name: a file, or the name of a style in the user's style folder or among the bundled ones; the
+// first that exists, in this order. An empty name gives the default light settings. Throws
+// Failure(BadInput).
+NamedStyle FindStyle(const std::string& name);
+
+// Applies "KEY=VALUE" settings in order. Throws Failure(WrongUsage).
+void SetFields(LM_style& style, const std::vector<std::string>& settings);
+
+} // namespace limn

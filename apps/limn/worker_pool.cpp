@@ -1,0 +1,299 @@
+#include "worker_pool.h"
+
+#include "atomic_file.h"
+#include "posix_file.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace limn {
+namespace {
+
+enum class Kind : uint32_t { Start, Progress, Notice, Result };
+
+// One message on a socket that keeps messages apart. Both ends are the same program.
+struct Message {
+  Kind kind = Kind::Start;
+  ExitCode code = ExitCode::Done;
+  uint64_t job = 0;
+  double share = 0;
+  uint32_t length = 0;
+  char text[4000] = {};
+};
+
+void SetText(Message& message, const std::string& text) {
+  message.length = static_cast<uint32_t>(std::min(text.size(), sizeof message.text));
+  std::memcpy(message.text, text.data(), message.length);
+}
+
+bool Send(int socket, const Message& message) {
+  const size_t size = offsetof(Message, text) + message.length;
+  for (;;) {
+    if (send(socket, &message, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size))
+      return true;
+    if (errno != EINTR)
+      return false;
+  }
+}
+
+enum class Received { Message, Nothing, End };
+
+Received Receive(int socket, Message& message, int flags) {
+  for (;;) {
+    const ssize_t got = recv(socket, &message, sizeof message, flags);
+    if (got < 0 && errno == EINTR)
+      continue;
+    if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
+      return Received::Nothing;
+    if (got < static_cast<ssize_t>(offsetof(Message, text)) ||
+        message.length > static_cast<size_t>(got) - offsetof(Message, text))
+      return Received::End;
+    return Received::Message;
+  }
+}
+
+// ---- inside a worker ----
+
+void RemoveTemporaryAndLeave(int) {
+  if (TemporaryInProgress()[0] != '\0')
+    unlink(TemporaryInProgress());
+  _exit(static_cast<int>(ExitCode::Cancelled));
+}
+
+// The command itself acts on the user's signals. A worker goes when the command asks it to, or when
+// the command has died.
+void TakeWorkerSignals(pid_t parent) {
+  std::signal(SIGINT, SIG_IGN);
+  std::signal(SIGHUP, SIG_IGN);
+  std::signal(SIGTERM, RemoveTemporaryAndLeave);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  if (getppid() != parent)
+    _exit(static_cast<int>(ExitCode::Cancelled));
+}
+
+Message DoJob(const WorkerPool& pool, size_t job, int socket) {
+  Message result;
+  result.kind = Kind::Result;
+  result.job = job;
+  try {
+    SetText(result, pool.work(job, JobChannel(socket)));
+  } catch (const Failure& failure) {
+    result.code = failure.Code();
+    SetText(result, failure.what());
+  }
+  return result;
+}
+
+[[noreturn]] void ServeJobs(const WorkerPool& pool, int socket, pid_t parent) {
+  TakeWorkerSignals(parent);
+  Message order;
+  while (Receive(socket, order, 0) == Received::Message)
+    if (!Send(socket, DoJob(pool, order.job, socket)))
+      break;
+  _exit(0);
+}
+
+// ---- in the command ----
+
+volatile sig_atomic_t interrupted = 0;
+void NoteInterruption(int) {
+  interrupted = 1;
+}
+
+// Takes the signals only while waiting for news; puts back what was before.
+class Signals {
+public:
+  Signals() {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    struct sigaction action {};
+    action.sa_handler = NoteInterruption;
+    for (int i = 0; i < NUMBER; ++i) {
+      sigaddset(&blocked, SIGNALS[i]);
+      sigaction(SIGNALS[i], nullptr, &_before[i]);
+      // A hang-up that was ignored at the start (nohup) stays ignored.
+      if (_before[i].sa_handler != SIG_IGN)
+        sigaction(SIGNALS[i], &action, nullptr);
+    }
+    sigprocmask(SIG_BLOCK, &blocked, &_maskBefore);
+  }
+  ~Signals() {
+    for (int i = 0; i < NUMBER; ++i)
+      sigaction(SIGNALS[i], &_before[i], nullptr);
+    sigprocmask(SIG_SETMASK, &_maskBefore, nullptr);
+  }
+  Signals(const Signals&) = delete;
+  Signals& operator=(const Signals&) = delete;
+  const sigset_t& MaskBefore() const { return _maskBefore; }
+
+private:
+  static constexpr int NUMBER = 3;
+  static constexpr int SIGNALS[NUMBER] = {SIGINT, SIGTERM, SIGHUP};
+  struct sigaction _before[NUMBER] {};
+  sigset_t _maskBefore{};
+};
+
+struct Worker {
+  pid_t process;
+  Descriptor socket;
+  size_t job;
+};
+
+class Pool {
+public:
+  explicit Pool(const WorkerPool& pool) : _pool(pool) {}
+  ~Pool() { _KillAll(); }
+  Pool(const Pool&) = delete;
+  Pool& operator=(const Pool&) = delete;
+
+  PoolEnd Run() {
+    const Signals signals;
+    while (interrupted == 0) {
+      while (_next < _pool.numJobs && static_cast<int>(_workers.size()) < _pool.numWorkers)
+        _Start();
+      if (_workers.empty())
+        return PoolEnd::AllDone;
+      _Wait(signals);
+    }
+    _KillAll();
+    return PoolEnd::Interrupted;
+  }
+
+private:
+  void _Start() {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0)
+      throw Failure(ExitCode::NoMemory, "cannot start a process: " + SystemReason(errno));
+    Descriptor ours(ends[0]);
+    Descriptor theirs(ends[1]);
+    std::fflush(nullptr); // or the worker's copy of the buffers could be printed too
+    const pid_t parent = getpid();
+    const pid_t process = fork();
+    if (process < 0)
+      throw Failure(ExitCode::NoMemory, "cannot start a process: " + SystemReason(errno));
+    if (process == 0) {
+      // Only its own end: the others' must show their end when the command is gone.
+      for (const Worker& other : _workers)
+        close(other.socket.Number());
+      close(ours.Number());
+      ServeJobs(_pool, theirs.Number(), parent);
+    }
+    _workers.push_back({process, std::move(ours), 0});
+    _Assign(_workers.back());
+  }
+
+  void _Assign(Worker& worker) {
+    Message order;
+    order.job = worker.job = _next++;
+    Send(worker.socket.Number(), order); // a worker that has died is noticed by its closed socket
+  }
+
+  void _Wait(const Signals& signals) {
+    std::vector<pollfd> waits;
+    for (const Worker& worker : _workers)
+      waits.push_back({worker.socket.Number(), POLLIN, 0});
+    if (ppoll(waits.data(), waits.size(), nullptr, &signals.MaskBefore()) < 0)
+      return;
+    for (size_t i = waits.size(); i-- > 0;)
+      if (waits[i].revents != 0 && !_TakeNews(_workers[i]))
+        _workers.erase(_workers.begin() + static_cast<ptrdiff_t>(i));
+  }
+
+  // False when the worker is gone.
+  bool _TakeNews(Worker& worker) {
+    Message news;
+    for (;;) {
+      switch (Receive(worker.socket.Number(), news, MSG_DONTWAIT)) {
+      case Received::Nothing:
+        return true;
+      case Received::End:
+        _Bury(worker);
+        return false;
+      case Received::Message:
+        break;
+      }
+      const std::string text(news.text, news.length);
+      if (news.kind == Kind::Progress)
+        _pool.onProgress(worker.job, news.share);
+      else if (news.kind == Kind::Notice)
+        _pool.onNotice(worker.job, text);
+      else if (!_Finish(worker, {worker.job, news.code, text, false}))
+        return false;
+    }
+  }
+
+  // Gives the worker its next job, or lets it go and answers false.
+  bool _Finish(Worker& worker, const JobResult& result) {
+    _pool.onResult(result);
+    if (_next < _pool.numJobs && interrupted == 0) {
+      _Assign(worker);
+      return true;
+    }
+    worker.socket = Descriptor();
+    waitpid(worker.process, nullptr, 0);
+    return false;
+  }
+
+  void _Bury(Worker& worker) {
+    int status = 0;
+    waitpid(worker.process, &status, 0);
+    _pool.onDeath(worker.job, worker.process);
+    JobResult result{worker.job, ExitCode::Refused, "its process ended unexpectedly", true};
+    if (WIFEXITED(status) && WEXITSTATUS(status) == static_cast<int>(ExitCode::NoMemory))
+      result = {worker.job, ExitCode::NoMemory, "not enough memory", true};
+    else if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
+      result = {worker.job, ExitCode::NoMemory,
+                "its process was killed, as happens when memory runs out", true};
+    else if (WIFSIGNALED(status))
+      result.payload = "its process crashed (signal " + std::to_string(WTERMSIG(status)) + ")";
+    _pool.onResult(result);
+  }
+
+  void _KillAll() {
+    for (const Worker& worker : _workers)
+      kill(worker.process, SIGKILL);
+    for (const Worker& worker : _workers) {
+      waitpid(worker.process, nullptr, 0);
+      _pool.onDeath(worker.job, worker.process);
+    }
+    _workers.clear();
+  }
+
+  const WorkerPool& _pool;
+  std::vector<Worker> _workers;
+  size_t _next = 0;
+};
+
+} // namespace
+
+void JobChannel::Progress(double share) const {
+  Message message;
+  message.kind = Kind::Progress;
+  message.share = share;
+  Send(_socket, message);
+}
+
+void JobChannel::Notice(const std::string& text) const {
+  Message message;
+  message.kind = Kind::Notice;
+  SetText(message, text);
+  Send(_socket, message);
+}
+
+PoolEnd RunJobs(const WorkerPool& pool) {
+  return Pool(pool).Run();
+}
+
+} // namespace limn

@@ -1,0 +1,54 @@
+// Jobs done by forked processes, each of which does one job at a time: a job that crashes, or
+// exhausts memory, fails alone.
+#pragma once
+
+#include "failure.h"
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <sys/types.h>
+
+namespace limn {
+
+// How one job ended. payload: with Done, whatever the job returned; else the sentence of its
+// failure, or, when its process died in the middle, what is known about that.
+struct JobResult {
+  size_t job = 0;
+  ExitCode code = ExitCode::Done;
+  std::string payload;
+  bool hasDied = false;
+};
+
+// What a running job can tell meanwhile, inside its process. Texts are cut to some 4000 bytes.
+class JobChannel {
+public:
+  explicit JobChannel(int socket) : _socket(socket) {}
+  void Progress(double share) const; // 0 … 1
+  void Notice(const std::string& text) const;
+
+private:
+  int _socket;
+};
+
+struct WorkerPool {
+  size_t numJobs = 0;
+  int numWorkers = 1;
+  // In the process. Returns the payload; throws Failure and nothing else.
+  std::function<std::string(size_t job, const JobChannel& channel)> work;
+  // In the calling process, as news arrive.
+  std::function<void(size_t job, double share)> onProgress;
+  std::function<void(size_t job, const std::string& text)> onNotice;
+  std::function<void(const JobResult& result)> onResult;
+  // In the calling process, when process `worker` died inside the job: clears away what it left.
+  std::function<void(size_t job, pid_t worker)> onDeath;
+};
+
+enum class PoolEnd { AllDone, Interrupted };
+
+// Runs all jobs. The calling process must have one thread. On SIGINT, SIGTERM or SIGHUP the
+// processes are killed, onDeath is called for their jobs, and nothing more is started. Throws
+// Failure(NoMemory) when no process can be started.
+PoolEnd RunJobs(const WorkerPool& pool);
+
+} // namespace limn
