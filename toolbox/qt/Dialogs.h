@@ -67,8 +67,8 @@ TB_EXPORT void DrawDialog(DialogPtr dialog);
 TB_EXPORT void UpdateDialog(DialogPtr dialog, RgnHandle updateRegion);
 
 TB_EXPORT int16_t CountDITL(DialogPtr dialog);
-// An item's type; its control, or its UserItemUPP, or null; its rectangle. Any of the three may be
-// null. An item that does not exist has type 0, null and an empty rectangle.
+// An item's type; its control, its UserItemUPP (or null), or its text's handle; its rectangle. Any
+// of the three may be null. An item that does not exist has type 0, null and an empty rectangle.
 TB_EXPORT void GetDialogItem(DialogPtr dialog, int16_t item, int16_t* itemType, Handle* itemHandle,
                              Rect* box);
 // Sets all three. Of a control item the handle is ignored, and the control moves with the
@@ -87,9 +87,10 @@ TB_EXPORT int16_t FindDialogItem(DialogPtr dialog, Point point);
 TB_EXPORT void HideDialogItem(DialogPtr dialog, int16_t item);
 TB_EXPORT void ShowDialogItem(DialogPtr dialog, int16_t item);
 
-// Of text items, by number: what an edit field holds, what a static text says.
-TB_EXPORT void GetDialogItemString(DialogPtr dialog, int16_t item, Str255 text);
-TB_EXPORT void SetDialogItemString(DialogPtr dialog, int16_t item, ConstStr255Param text);
+// What an edit field holds, what a static text says, by the handle that GetDialogItem answered for
+// that item. Another handle has an empty text and is never written to.
+TB_EXPORT void GetDialogItemText(Handle itemHandle, Str255 text);
+TB_EXPORT void SetDialogItemText(Handle itemHandle, ConstStr255Param text);
 // Selects characters from start up to end of an edit field and gives it the keyboard; 0 to 32767
 // selects all.
 TB_EXPORT void SelectDialogItemText(DialogPtr dialog, int16_t item, int16_t start, int16_t end);
@@ -97,15 +98,16 @@ TB_EXPORT void SelectDialogItemText(DialogPtr dialog, int16_t item, int16_t star
 // Draws a button item pressed for an eighth of a second.
 TB_EXPORT void FlashDialogButton(DialogPtr dialog, int16_t item);
 
-// Runs the front dialog until an enabled item is hit, and answers its number. Every event goes to
-// the filter first (null for none): when that answers non-zero the event is done, and if it set
-// *item to a number the loop ends with it. Then: a click in a control tracks it; a click in a user
-// item hits it as the button goes down; Return and Enter press item 1 and Escape and Command-period
-// item 2 where those are enabled buttons; other keys go to the edit field. Closing the window, or
-// the program, hits item 2, or item 1 in a dialog of one button. -1 when no dialog is open.
+// Runs the front dialog until an enabled item is hit, and answers its number.
 //
-// The filter's *item is 0 when it is called. Sliders and other indicators are hit only when their
-// value changed.
+// Every event goes to the filter first (null for none), with *itemHit 0; when that answers non-zero
+// the call ends with the item it set. Else: a click in a control tracks it, and hits it when it is
+// released inside (an indicator: when its value changed; a popup: when something was chosen); a
+// click in another item hits it as the button goes down; Return and Enter press item 1, Escape and
+// Command-period item 2, where those are active buttons. Keys typed into an edit field go to it
+// alone, but for Return, Enter, Escape, Tab and those with Command-period. Closing the window, or
+// the program, hits item 2, or item 1 in a dialog without a button 2, again at every call. -1 when
+// no dialog is open.
 TB_EXPORT void ModalDialog(ModalFilterUPP filter, int16_t* itemHit);
 
 #endif

@@ -1,0 +1,58 @@
+#include "ColorPicker.h"
+
+#include "DialogWindow.h"
+#include "MacStrings.h"
+#include "TextStyle.h"
+#include "ToolboxDesktop.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QPointer>
+#include <algorithm>
+
+namespace {
+
+QColor ToQColor(const RGBColor& color) {
+  return QColor::fromRgba64(color.red, color.green, color.blue);
+}
+
+// Components of 8 bits, as the chooser shows them, widened so that white stays white.
+RGBColor FromQColor(const QColor& color) {
+  return {static_cast<uint16_t>(color.red() * 257), static_cast<uint16_t>(color.green() * 257),
+          static_cast<uint16_t>(color.blue() * 257)};
+}
+
+} // namespace
+
+Boolean GetColor(Point, ConstStr255Param prompt, const RGBColor* inColor, RGBColor* outColor) {
+  if (!TB_HasDesktop())
+    return 0;
+  QWidget* owner = DialogWindow::Of(FrontWindow());
+  // The owner may take the chooser with it, when the program ends meanwhile.
+  const QPointer<QColorDialog> chooser =
+      new QColorDialog(ToQColor(*inColor), owner != nullptr ? owner : QApplication::activeWindow());
+  chooser->setWindowTitle(ToQString(prompt));
+  const bool accepted = chooser->exec() == QDialog::Accepted && chooser != nullptr;
+  if (accepted)
+    *outColor = FromQColor(chooser->selectedColor());
+  delete chooser.data();
+  return accepted ? 1 : 0;
+}
+
+int16_t TB_PickColor(CVColorRequest* request) {
+  if (request == nullptr || request->size != static_cast<int32_t>(sizeof(CVColorRequest)) ||
+      request->requestCode != 0)
+    return paramErr;
+  const auto widen = [](uint16_t component) {
+    return static_cast<uint16_t>(std::min<int>(component, 255) * 257);
+  };
+  const RGBColor from = {widen(request->components[0]), widen(request->components[1]),
+                         widen(request->components[2])};
+  RGBColor picked = from;
+  if (!GetColor(Point{0, 0}, request->prompt, &from, &picked))
+    return CV_RESULT_STOPPED;
+  request->components[0] = picked.red >> 8;
+  request->components[1] = picked.green >> 8;
+  request->components[2] = picked.blue >> 8;
+  return noErr;
+}

@@ -1,0 +1,91 @@
+#include "ControlBlock.h"
+#include "DialogWindow.h"
+#include "Events.h"
+
+namespace {
+
+constexpr intptr_t OWN_ACTION = -1;
+constexpr short FIRST_INDICATOR = inThumb;
+
+intptr_t PackPoint(Point point) {
+  return static_cast<intptr_t>(
+      static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(point.v)) << 16) |
+                           static_cast<uint16_t>(point.h)));
+}
+
+ControlActionProcPtr ActionFor(ControlHandle control, ControlActionProcPtr action) {
+  return reinterpret_cast<intptr_t>(action) == OWN_ACTION ? (**control).contrlAction : action;
+}
+
+short TrackButton(ControlHandle control, short part, ControlActionProcPtr action) {
+  bool inside = true;
+  HiliteControl(control, part);
+  const auto follow = [&] {
+    Point mouse;
+    GetMouse(&mouse);
+    inside = PartAt(control, mouse) == part;
+    HiliteControl(control, inside ? part : short{0});
+  };
+  while (StillDown()) {
+    follow();
+    if (inside && action != nullptr)
+      action(control, part);
+  }
+  follow();
+  HiliteControl(control, 0);
+  return inside ? part : short{0};
+}
+
+// For a definition that leaves dragging to the Control Manager: the indicator moves on release.
+void DragIndicator(ControlHandle control, Point start) {
+  Point mouse = start;
+  do
+    GetMouse(&mouse);
+  while (StillDown());
+  GetMouse(&mouse);
+  SubPt(start, &mouse);
+  SendToControl(control, posCntl, PackPoint(mouse));
+}
+
+} // namespace
+
+short PartAt(ControlHandle control, Point point) {
+  return static_cast<short>(SendToControl(control, testCntl, PackPoint(point)));
+}
+
+short TestControl(ControlHandle control, Point point) {
+  if (control == nullptr || !IsVisible(control) || !IsActive(control))
+    return 0;
+  return PartAt(control, point);
+}
+
+short FindControl(Point point, WindowPtr window, ControlHandle* found) {
+  *found = nullptr;
+  const DialogWindow* owner = DialogWindow::Of(window);
+  if (owner == nullptr)
+    return 0;
+  for (ControlHandle control = owner->controls; control != nullptr;
+       control = (**control).nextControl) {
+    const short part = TestControl(control, point);
+    if (part == 0)
+      continue;
+    *found = control;
+    return part;
+  }
+  return 0;
+}
+
+short TrackControl(ControlHandle control, Point start, ControlActionProcPtr action) {
+  const short part = TestControl(control, start);
+  if (part == 0)
+    return 0;
+  PortScope port((**control).contrlOwner);
+  if (part >= FIRST_INDICATOR) {
+    if (SendToControl(control, dragCntl, part) == 0)
+      DragIndicator(control, start);
+    return part;
+  }
+  if (BlockOf(control).definitionNumber == POPUP_DEFINITION)
+    return TrackPopup(control);
+  return TrackButton(control, part, ActionFor(control, action));
+}

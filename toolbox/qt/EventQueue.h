@@ -1,0 +1,17 @@
+// What the loops of this layer take their events from. Private to this layer.
+#ifndef EVENT_QUEUE_H
+#define EVENT_QUEUE_H
+
+#include "Events.h"
+#include "QDPorts.h"
+
+#include <QPointF>
+
+// The next event and the window it belongs to, waiting up to milliseconds. False, and a null event,
+// when none came.
+bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseconds);
+
+// Of a point on the screen, the square of the port it lies in.
+Point ToLocal(const GrafPort& port, QPointF global);
+
+#endif

@@ -1,0 +1,159 @@
+#include "ControlBlock.h"
+#include "DialogWindow.h"
+#include "EventQueue.h"
+#include "Input.h"
+#include "ModalLoop.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+constexpr int16_t NO_ITEM = 0;
+constexpr int16_t NO_DIALOG = -1;
+constexpr int IDLE_MILLISECONDS = 500;
+constexpr short EVERY_EVENT = everyEvent;
+
+DialogWindow* FrontDialog() {
+  const auto& windows = DialogWindow::All();
+  if (windows.empty())
+    return nullptr;
+  if (FrontWindow() == nullptr)
+    windows.back()->Open();
+  return DialogWindow::Of(FrontWindow());
+}
+
+bool IsActiveButton(const DialogItem* item) {
+  return item != nullptr && item->kind == ItemKind::Button && item->control != nullptr &&
+         IsVisible(item->control) && IsActive(item->control) && (item->type & itemDisable) == 0;
+}
+
+int16_t HitByClosing(const DialogWindow& window) {
+  const DialogItem* item = window.Item(kCancelItem);
+  return item != nullptr && item->kind == ItemKind::Button ? kCancelItem : kOKItem;
+}
+
+int16_t NumberOf(const DialogWindow& window, ControlHandle control) {
+  for (size_t i = 0; i < window.items.size(); ++i) {
+    if (window.items[i]->control == control)
+      return static_cast<int16_t>(i + 1);
+  }
+  return NO_ITEM;
+}
+
+int16_t IfEnabled(const DialogWindow& window, int16_t number) {
+  const DialogItem* item = window.Item(number);
+  return item != nullptr && (item->type & itemDisable) == 0 ? number : NO_ITEM;
+}
+
+int16_t HitControl(const DialogWindow& window, ControlHandle control, Point point) {
+  const int16_t number = NumberOf(window, control);
+  const short before = GetControlValue(control);
+  const short part =
+      TrackControl(control, point, reinterpret_cast<ControlActionProcPtr>(intptr_t{-1}));
+  if (part == 0 || (part >= inThumb && GetControlValue(control) == before))
+    return NO_ITEM;
+  return IfEnabled(window, number);
+}
+
+int16_t HitByMouse(const DialogWindow& window, const EventRecord& event) {
+  PortScope port(window.port());
+  Point point = event.where;
+  GlobalToLocal(&point);
+  ControlHandle control = nullptr;
+  if (FindControl(point, window.port(), &control) != 0)
+    return HitControl(window, control, point);
+  const auto number = static_cast<int16_t>(FindDialogItem(window.port(), point) + 1);
+  const DialogItem* item = window.Item(number);
+  // An inactive control swallows its clicks.
+  return item != nullptr && item->control == nullptr ? IfEnabled(window, number) : NO_ITEM;
+}
+
+int16_t PressButton(const DialogWindow& window, int16_t number) {
+  if (!IsActiveButton(window.Item(number)))
+    return NO_ITEM;
+  FlashDialogButton(window.port(), number);
+  return number;
+}
+
+int16_t HitByKey(DialogWindow& window, const EventRecord& event) {
+  const uint32_t character = event.message & charCodeMask;
+  if (character == kReturnCharCode || character == kEnterCharCode)
+    return PressButton(window, kOKItem);
+  if (character == kEscapeCharCode || (character == '.' && (event.modifiers & cmdKey) != 0))
+    return PressButton(window, kCancelItem);
+  return NO_ITEM;
+}
+
+void UpdateWindow(WindowPtr window) {
+  RgnHandle region = NewRgn();
+  if (region == nullptr)
+    return;
+  const DialogWindow* dialog = DialogWindow::Of(window);
+  RectRgn(region, &window->portRect);
+  if (dialog != nullptr) {
+    const QRect bounds = window->state->update.boundingRect();
+    const Rect rect = ToRect(bounds);
+    RectRgn(region, &rect);
+    window->state->update = QRegion();
+    UpdateDialog(window, region);
+  }
+  DisposeRgn(region);
+}
+
+// What the Dialog Manager itself does with an event.
+int16_t HandleEvent(DialogWindow& window, const EventRecord& event, WindowPtr target) {
+  if (event.what == updateEvt && target != nullptr)
+    UpdateWindow(target);
+  if (target != window.port())
+    return NO_ITEM;
+  if (event.what == mouseDown)
+    return HitByMouse(window, event);
+  if (event.what == keyDown)
+    return HitByKey(window, event);
+  return NO_ITEM;
+}
+
+} // namespace
+
+int16_t RunModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter) {
+  for (;;) {
+    DialogWindow* window = FrontDialog();
+    if (window == nullptr)
+      return NO_DIALOG;
+    if (window->closeRequested())
+      return HitByClosing(*window);
+    EventRecord event;
+    WindowPtr target = nullptr;
+    FetchEvent(EVERY_EVENT, &event, &target, IDLE_MILLISECONDS);
+    // Events of windows further back, released buttons excepted, are not this dialog's.
+    if (target != nullptr && target != window->port() && event.what != updateEvt)
+      continue;
+    int16_t item = NO_ITEM;
+    if (filter != nullptr && filter(window->port(), &event, &item))
+      return item;
+    // The filter may have run loops of its own; the window may be gone.
+    window = DialogWindow::Of(FrontWindow());
+    if (window == nullptr)
+      return NO_DIALOG;
+    if (processEvent != nullptr)
+      processEvent(&event);
+    item = HandleEvent(*window, event, target);
+    if (item != NO_ITEM)
+      return item;
+  }
+}
+
+void ModalDialog(ModalFilterUPP filter, int16_t* itemHit) {
+  *itemHit = RunModalDialog(nullptr, filter);
+}
+
+void FlashDialogButton(DialogPtr dialog, int16_t item) {
+  constexpr uint32_t FLASH_TICKS = 8;
+  const DialogWindow* window = DialogWindow::Of(dialog);
+  const DialogItem* found = window != nullptr ? window->Item(item) : nullptr;
+  if (!IsActiveButton(found))
+    return;
+  HiliteControl(found->control, inButton);
+  Delay(FLASH_TICKS, nullptr);
+  HiliteControl(found->control, 0);
+}

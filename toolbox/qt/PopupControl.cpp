@@ -1,0 +1,100 @@
+#include "ControlBlock.h"
+#include "MenuBlock.h"
+#include "QDShapes.h"
+#include "StyledControl.h"
+
+#include <QStyleOptionComboBox>
+#include <new>
+
+namespace {
+
+struct PopupBlock {
+  PopupPrivateData* master;
+  PopupPrivateData data;
+};
+
+MenuHandle MenuOf(ControlHandle control) {
+  const auto data = reinterpret_cast<PopupPrivateDataHandle>((**control).contrlData);
+  return data != nullptr ? (**data).mHandle : nullptr;
+}
+
+// The minimum names the menu, as in a resource; then the value counts its items.
+void InitPopup(ControlHandle control) {
+  ControlRecord& record = **control;
+  auto* block = new (std::nothrow) PopupBlock{};
+  if (block == nullptr)
+    return;
+  const short menuID = record.contrlMin;
+  static const unsigned char noTitle[] = {0};
+  block->data = {GetMenu(menuID), menuID};
+  if (block->data.mHandle == nullptr)
+    block->data.mHandle = NewMenu(menuID, noTitle);
+  block->master = &block->data;
+  record.contrlData = reinterpret_cast<Handle>(&block->master);
+  record.contrlMax = CountMenuItems(block->data.mHandle);
+  record.contrlMin = record.contrlMax > 0 ? 1 : 0;
+  record.contrlValue = record.contrlMin;
+}
+
+void DisposePopup(ControlHandle control) {
+  DisposeMenu(MenuOf(control));
+  delete reinterpret_cast<PopupBlock*>((**control).contrlData);
+  (**control).contrlData = nullptr;
+}
+
+void DrawPopup(ControlHandle control) {
+  QStyleOptionComboBox option;
+  PrepareOption(control, option);
+  option.currentText = MenuText(MenuOf(control), (**control).contrlValue);
+  option.subControls = QStyle::SC_All;
+  DrawStyled(control, [&](QPainter& painter, const QStyle& style) {
+    style.drawComplexControl(QStyle::CC_ComboBox, &option, &painter);
+    const QRect field =
+        style.subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField);
+    option.currentText =
+        option.fontMetrics.elidedText(option.currentText, Qt::ElideRight, field.width() - 2);
+    style.drawControl(QStyle::CE_ComboBoxLabel, &option, &painter);
+  });
+}
+
+} // namespace
+
+short TrackPopup(ControlHandle control) {
+  const ControlRecord& record = **control;
+  const MenuHandle menu = MenuOf(control);
+  if (CountMenuItems(menu) == 0)
+    return 0;
+  HiliteControl(control, inMenu);
+  const short width = static_cast<short>(record.contrlRect.right - record.contrlRect.left);
+  const short chosen =
+      OpenMenu(menu, record.contrlOwner, Point{record.contrlRect.top, record.contrlRect.left},
+               record.contrlValue, width);
+  HiliteControl(control, 0);
+  if (chosen == 0)
+    return 0;
+  SetControlValue(control, chosen);
+  return inMenu;
+}
+
+int32_t PopupDefinition(short, ControlHandle control, short message, intptr_t param) {
+  switch (message) {
+  case initCntl:
+    InitPopup(control);
+    return 0;
+  case dispCntl:
+    DisposePopup(control);
+    return 0;
+  case drawCntl:
+    if (IsVisible(control)) {
+      EraseRect(&(**control).contrlRect);
+      DrawPopup(control);
+    }
+    return 0;
+  case testCntl:
+    return StandardButtonDefinition(0, control, message, param) != 0 ? inMenu : 0;
+  case calcCntlRgn:
+    return StandardButtonDefinition(0, control, message, param);
+  default:
+    return 0;
+  }
+}

@@ -1,0 +1,89 @@
+// What a port holds behind its public fields. Private to this layer: Qt shows here.
+#ifndef PORT_STATE_H
+#define PORT_STATE_H
+
+#include "QDPorts.h"
+#include "QDRegions.h"
+
+#include <QImage>
+#include <QRegion>
+#include <memory>
+#include <vector>
+
+class DialogWindow;
+
+// One line of a figure being recorded, between the corners of unit squares.
+struct RecordedLine {
+  QPoint from, to;
+};
+
+// What OpenRgn collects until CloseRgn.
+struct Recording {
+  QRegion framed;
+  std::vector<RecordedLine> lines;
+};
+
+// "Device" in a name: in pixels of the image; else in the port's units.
+struct PortState {
+  QImage image; // RGB32, its device pixel ratio set
+  double ratio = 1;
+  QRegion clip;
+  QRegion deviceClip; // clip within the image
+  QRegion picture;    // where a picture was shown: inks are exact there
+  QRegion update;     // what the next update event redraws
+  std::unique_ptr<Recording> recording;
+  DialogWindow* window = nullptr; // null for a port without one
+  bool themed = false;            // inks follow the desktop's palette
+  bool frameInk = false;          // FrameColor(1) is in force
+  GrafPort* port = nullptr;
+  PixMap pixMap{};
+  PixMap* pixMapMaster = nullptr;
+};
+
+// A new port, not current, its image erased. Null when the image cannot be had.
+GrafPort* NewPort(const Rect& bounds, double ratio, bool themed);
+void DisposePort(GrafPort* port);
+// A fresh image for another ratio; the content is erased. False leaves the port as it was.
+bool ResizePortImage(PortState& state, double ratio);
+
+// The current port; never null.
+GrafPort* CurrentPort();
+PortState& CurrentState();
+inline bool CanDraw(const GrafPort* port) {
+  return port->pnVis >= 0;
+}
+
+// First device pixel of the unit column or row. The next one's first pixel ends it.
+int DeviceEdge(const PortState& state, int unit);
+QRect DeviceRect(const PortState& state, const QRect& units);
+QRegion DeviceRegion(const PortState& state, const QRegion& units);
+// A pen's extent: whole pixels, never more than its unit squares have, at least one.
+int DevicePenSize(const PortState& state, int units);
+
+// The squares of a region; none of a null one.
+QRegion RegionSquares(RgnHandle region);
+// Everything there is.
+QRegion WholePlane();
+void SetPortClip(PortState& state, const QRegion& clip);
+// Tells the window that device pixels have changed.
+void MarkDirty(PortState& state, const QRect& device);
+
+// Makes another port current for a scope.
+class PortScope {
+public:
+  explicit PortScope(GrafPort* port);
+  ~PortScope();
+  PortScope(const PortScope&) = delete;
+  PortScope& operator=(const PortScope&) = delete;
+
+private:
+  GrafPort* _saved;
+};
+
+inline QRect ToQRect(const Rect& rect) {
+  return QRect(QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1));
+}
+// Sides beyond 16 bits are cut to them.
+Rect ToRect(const QRect& rect);
+
+#endif

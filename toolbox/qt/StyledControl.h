@@ -1,0 +1,19 @@
+// Drawing controls in the desktop's style, with the port's text settings. Private to this layer.
+#ifndef STYLED_CONTROL_H
+#define STYLED_CONTROL_H
+
+#include "Controls.h"
+
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
+#include <functional>
+
+// Fills in rectangle, palette, font and the states that follow from visibility and highlighting.
+void PrepareOption(ControlHandle control, QStyleOption& option);
+QString ControlText(ControlHandle control);
+// Calls draw with a painter on the current port.
+void DrawStyled(ControlHandle control,
+                const std::function<void(QPainter& painter, const QStyle& style)>& draw);
+
+#endif
