@@ -59,6 +59,19 @@ bool IsNumber(std::string_view text) {
   return error == std::errc() && end == text.data() + text.size();
 }
 
+// "de/anything.json" or "de_AT/anything.json".
+bool IsInLanguage(std::string_view path) {
+  const std::string_view folder = path.substr(0, path.find('/'));
+  auto within = [&](size_t from, char first, char last) {
+    return std::all_of(folder.begin() + from, folder.begin() + from + 2,
+                       [=](char c) { return c >= first && c <= last; });
+  };
+  const bool general = folder.size() == 2 && within(0, 'a', 'z');
+  const bool regional =
+      folder.size() == 5 && within(0, 'a', 'z') && folder[2] == '_' && within(3, 'A', 'Z');
+  return (general || regional) && path.find('/', folder.size() + 1) == std::string_view::npos;
+}
+
 bool IsResourceFile(const json& content) {
   if (!content.is_object()) {
     return false;
@@ -77,10 +90,7 @@ bool IsResourceFile(const json& content) {
 }
 
 bool AddFile(State* state, std::string_view path, std::string_view bytes) {
-  const size_t slash = path.find('/');
-  const bool inLanguage =
-      slash != std::string_view::npos && path.find('/', slash + 1) == std::string_view::npos;
-  if (!inLanguage || !path.ends_with(".json")) {
+  if (!IsInLanguage(path) || !path.ends_with(".json")) {
     state->files.insert_or_assign(std::string(path), std::string(bytes));
     return true;
   }
@@ -88,7 +98,7 @@ bool AddFile(State* state, std::string_view path, std::string_view bytes) {
   if (!IsResourceFile(content)) {
     return false;
   }
-  json& language = state->languages[std::string(path.substr(0, slash))];
+  json& language = state->languages[std::string(path.substr(0, path.find('/')))];
   if (language.is_null()) {
     language = json::object();
   }

@@ -1,6 +1,7 @@
 // The Resource Manager: texts and layouts by type and number, from files that programs carry.
 //
-// A program or plug-in hands in its files once. Files named LANGUAGE/anything.json hold resources:
+// A program or plug-in hands in its files once. Files named LANGUAGE/anything.json, with a
+// language such as "de" or "de_AT", hold resources:
 //
 //   { "STR#": { "141": ["Default"] },
 //     "ALRT": { "16009": { "kind": "stop", "text": "…" } } }

@@ -16,12 +16,11 @@ struct TB_ControlGroup {
 
 // The groups from this process's own up to the outermost one visible. root: prefix of every path
 // read, empty but in tests. Empty where the system has none.
-TB_EXPORT std::vector<TB_ControlGroup> TB_FindControlGroups(const std::string& root);
+std::vector<TB_ControlGroup> TB_FindControlGroups(const std::string& root);
 
 // Bytes that could be used now without swapping: what the machine has available, or less when a
 // control group allows less. File cache counts as free. UINT64_MAX when the system does not say.
-TB_EXPORT uint64_t TB_FreeMemory(const std::string& root,
-                                 const std::vector<TB_ControlGroup>& groups);
+uint64_t TB_FreeMemory(const std::string& root, const std::vector<TB_ControlGroup>& groups);
 
 // Bytes of this process that are in memory now; UINT64_MAX when the system does not say.
 uint64_t TB_ResidentMemory();

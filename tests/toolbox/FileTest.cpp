@@ -1,0 +1,200 @@
+// Opening, reading, writing and replacing files.
+#include "TemporaryFolder.h"
+
+#include <fcntl.h>
+#include <set>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using FileTest = TemporaryFolder;
+
+TEST_F(FileTest, WrittenBytesAreReadBackUpToTheEnd) {
+  int16_t file = 0;
+  int32_t count = 11;
+  ASSERT_EQ(Create("a style"), noErr);
+  ASSERT_EQ(Open("a style", fsRdWrPerm, &file), noErr);
+  EXPECT_EQ(FSWrite(file, &count, "hello world"), noErr);
+  EXPECT_EQ(count, 11);
+  EXPECT_EQ(SetEOF(file, 8), noErr);
+  EXPECT_EQ(FSClose(file), noErr);
+  EXPECT_EQ(ReadFile("a style"), "hello wo");
+
+  ASSERT_EQ(Open("a style", fsRdPerm, &file), noErr);
+  int32_t length = 0;
+  EXPECT_EQ(GetEOF(file, &length), noErr);
+  EXPECT_EQ(length, 8);
+  char buffer[16] = {};
+  EXPECT_EQ(FSRead(file, &(count = 5), buffer), noErr);
+  EXPECT_EQ(FSRead(file, &(count = 5), buffer + 5), eofErr);
+  EXPECT_EQ(count, 3);
+  EXPECT_STREQ(buffer, "hello wo");
+  EXPECT_EQ(FSRead(file, &(count = 1), buffer), eofErr);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(FSRead(file, &(count = -1), buffer), paramErr);
+  EXPECT_EQ(FSWrite(file, &(count = 1), "x"), wrPermErr);
+  EXPECT_EQ(SetEOF(file, 0), wrPermErr);
+  EXPECT_EQ(FSClose(file), noErr);
+}
+
+TEST_F(FileTest, WhatMayBeOpened) {
+  WriteFile("plain", "x");
+  WriteFile("locked", "x");
+  WriteFile("target", "x");
+  chmod((folder / "locked").c_str(), 0444);
+  mkdir((folder / "inner").c_str(), 0777);
+  mkfifo((folder / "pipe").c_str(), 0666);
+  symlink("target", (folder / "link").c_str());
+  symlink("nowhere", (folder / "dangling").c_str());
+  symlink("/dev/null", (folder / "device").c_str());
+  struct Case {
+    const char* name;
+    OSErr reading, writing, either, creating;
+  };
+  const Case cases[] = {
+      {"plain", noErr, noErr, noErr, dupFNErr},
+      {"locked", noErr, permErr, noErr, dupFNErr},
+      {"inner", notAFileErr, notAFileErr, notAFileErr, dupFNErr},
+      {"pipe", notAFileErr, notAFileErr, notAFileErr, dupFNErr},
+      {"link", noErr, permErr, noErr, dupFNErr},
+      {"dangling", fnfErr, permErr, fnfErr, dupFNErr},
+      {"device", notAFileErr, permErr, notAFileErr, dupFNErr},
+      {"missing", fnfErr, fnfErr, fnfErr, noErr},
+      {"", bdNamErr, bdNamErr, bdNamErr, bdNamErr},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(TryOpen(c.name, fsRdPerm), c.reading) << c.name;
+    EXPECT_EQ(TryOpen(c.name, fsWrPerm), c.writing) << c.name;
+    EXPECT_EQ(TryOpen(c.name, fsRdWrPerm), c.writing) << c.name;
+    EXPECT_EQ(TryOpen(c.name, fsCurPerm), c.either) << c.name;
+    EXPECT_EQ(Create(c.name), c.creating) << c.name;
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder / "nowhere"));
+  int16_t file = 0;
+  EXPECT_EQ(HOpen(volume, id, nullptr, fsRdPerm, &file), bdNamErr);
+  EXPECT_EQ(HOpen(volume, 999999, TB_PString("plain"), fsRdPerm, &file), dirNFErr);
+  EXPECT_EQ(HOpen(-7, id, TB_PString("plain"), fsRdPerm, &file), nsvErr);
+}
+
+TEST_F(FileTest, WhatMayBeDeletedOrRenamed) {
+  for (const char* name : {"plain", "locked", "other", "target"}) {
+    WriteFile(name, name);
+  }
+  chmod((folder / "locked").c_str(), 0444);
+  mkdir((folder / "inner").c_str(), 0777);
+  symlink("target", (folder / "link").c_str());
+  EXPECT_EQ(HRename(volume, id, TB_PString("plain"), TB_PString("other")), dupFNErr);
+  EXPECT_EQ(HRename(volume, id, TB_PString("locked"), TB_PString("free")), fLckdErr);
+  EXPECT_EQ(HRename(volume, id, TB_PString("plain"), TB_PString("../plain")), noErr);
+  EXPECT_EQ(ReadFile("..%2Fplain"), "plain");
+  EXPECT_EQ(HDelete(volume, id, TB_PString("locked")), fLckdErr);
+  EXPECT_EQ(HDelete(volume, id, TB_PString("inner")), notAFileErr);
+  EXPECT_EQ(HDelete(volume, id, TB_PString("missing")), fnfErr);
+  EXPECT_EQ(HDelete(volume, id, TB_PString("link")), noErr);
+  EXPECT_EQ(ReadFile("target"), "target");
+  EXPECT_EQ(HDelete(volume, id, TB_PString("../plain")), noErr);
+  EXPECT_FALSE(std::filesystem::exists(folder / "..%2Fplain"));
+}
+
+TEST_F(FileTest, ReplacingKeepsOneCompleteFile) {
+  WriteFile("new", "new");
+  WriteFile("old", "old");
+  WriteFile("locked", "locked");
+  chmod((folder / "locked").c_str(), 0444);
+  symlink("old", (folder / "link").c_str());
+  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("locked")), fLckdErr);
+  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("link")), fLckdErr);
+  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("missing"), TB_PString("old")), fnfErr);
+  EXPECT_EQ(ReadFile("old"), "old");
+  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("old")), noErr);
+  EXPECT_EQ(ReadFile("old"), "new");
+  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("old"), TB_PString("fresh")), noErr);
+  EXPECT_EQ(ListNames(), (std::vector<std::string>{"fresh", "locked"})) << "the link dangles";
+}
+
+TEST_F(FileTest, AReferenceIsGoneAfterItsFile) {
+  WriteFile("a", "x");
+  std::set<int16_t> seen;
+  int32_t count = 1;
+  char byte = 0;
+  for (int i = 0; i < 600; ++i) {
+    int16_t file = 0;
+    ASSERT_EQ(Open("a", fsRdPerm, &file), noErr);
+    ASSERT_TRUE(seen.insert(file).second) << "reference " << file << " given out again";
+    ASSERT_EQ(FSClose(file), noErr);
+    ASSERT_EQ(FSClose(file), rfNumErr);
+    ASSERT_EQ(FSRead(file, &(count = 1), &byte), rfNumErr);
+  }
+  for (int16_t file : {INT16_MIN, -1, 0, 1, 255, 256, INT16_MAX}) {
+    EXPECT_EQ(FSRead(file, &(count = 1), &byte), rfNumErr) << file;
+  }
+}
+
+TEST_F(FileTest, TheTableOfFilesIsBounded) {
+  WriteFile("a", "x");
+  std::vector<int16_t> files;
+  int16_t file = 0;
+  OSErr err = noErr;
+  while (files.size() < 1000 && (err = Open("a", fsRdPerm, &file)) == noErr) {
+    files.push_back(file);
+  }
+  EXPECT_EQ(err, tmfoErr);
+  EXPECT_EQ(file, 0);
+  EXPECT_EQ(files.size(), 256U);
+  for (int16_t open : files) {
+    EXPECT_EQ(FSClose(open), noErr);
+  }
+  EXPECT_EQ(TryOpen("a", fsRdPerm), noErr);
+}
+
+TEST_F(FileTest, AFullDiskIsReported) {
+  // A limit on file sizes stands in for the disk.
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  rlimit tight = before;
+  tight.rlim_cur = 10;
+  const auto handler = signal(SIGXFSZ, SIG_IGN);
+  int16_t file = 0;
+  int32_t count = 16;
+  ASSERT_EQ(Create("a"), noErr);
+  ASSERT_EQ(Open("a", fsWrPerm, &file), noErr);
+  setrlimit(RLIMIT_FSIZE, &tight);
+  const OSErr err = FSWrite(file, &count, "0123456789abcdef");
+  setrlimit(RLIMIT_FSIZE, &before);
+  signal(SIGXFSZ, handler);
+  EXPECT_EQ(err, dskFulErr);
+  EXPECT_EQ(count, 10);
+  EXPECT_EQ(FSClose(file), noErr);
+}
+
+// Saving a file, failed at each of its operations in turn.
+TEST_F(FileTest, EveryOperationCanBeMadeToFail) {
+  auto save = [&]() -> OSErr {
+    int16_t file = 0;
+    int32_t count = 1;
+    if (OSErr err = Create("a")) {
+      return err;
+    }
+    OSErr err = Open("a", fsWrPerm, &file);
+    err = err ? err : FSWrite(file, &count, "x");
+    OSErr closed = FSClose(file);
+    err = err ? err : closed;
+    return err ? err : HDelete(volume, id, TB_PString("a"));
+  };
+  const uint64_t before = TB_FileOperationCount();
+  ASSERT_EQ(save(), noErr);
+  const uint64_t steps = TB_FileOperationCount() - before;
+  EXPECT_EQ(steps, 5U);
+  auto openDescriptors = [] {
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    return std::distance(begin(files), end(files));
+  };
+  const auto descriptors = openDescriptors();
+  for (uint64_t step = 1; step <= steps; ++step) {
+    TB_FailFileOperationAfter(step, ioErr);
+    EXPECT_EQ(save(), ioErr) << "step " << step;
+    std::filesystem::remove(folder / "a");
+  }
+  EXPECT_EQ(save(), noErr) << "a failure happens once";
+  EXPECT_EQ(openDescriptors(), descriptors);
+}

@@ -1,0 +1,91 @@
+// Folders: the default one, creation, look-up and listing.
+#include "TemporaryFolder.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using FolderTest = TemporaryFolder;
+
+TEST_F(FolderTest, AFolderInTheDefaultOneIsMadeOnceAndFound) {
+  EXPECT_EQ(TB_SetDefaultDirectory((folder / "missing").native()), dirNFErr);
+  ASSERT_EQ(TB_SetDefaultDirectory(folder.native() + "/."), noErr);
+  WDPBRec defaults{};
+  Str255 name;
+  defaults.ioNamePtr = name;
+  ASSERT_EQ(PBHGetVol(&defaults, 0), noErr);
+  EXPECT_EQ(defaults.ioWDDirID, id);
+  EXPECT_EQ(TB_StdString(name), folder.filename().native());
+
+  TB_Str255 wanted = TB_PString("Lighting Styles");
+  CInfoPBRec block{};
+  auto lookUp = [&] {
+    block.dirInfo = {noErr, wanted.bytes, defaults.ioWDVRefNum, 0, 0, defaults.ioWDDirID};
+    return PBGetCatInfo(&block, 0);
+  };
+  EXPECT_EQ(lookUp(), fnfErr);
+  int32_t created = 0;
+  ASSERT_EQ(DirCreate(volume, 0, wanted, &created), noErr);
+  EXPECT_EQ(DirCreate(volume, id, wanted, &created), dupFNErr);
+  ASSERT_EQ(lookUp(), noErr);
+  EXPECT_EQ(block.dirInfo.ioFlAttrib & kFolderBit, kFolderBit);
+  EXPECT_EQ(block.dirInfo.ioDrDirID, created);
+  EXPECT_EQ(TB_PathOf(volume, created, TB_PString("a/b")), folder / "Lighting Styles" / "a%2Fb");
+  EXPECT_EQ(TB_PathOf(volume, created, nullptr), folder / "Lighting Styles");
+  EXPECT_EQ(TB_PathOf(volume, 15, nullptr), "");
+
+  WriteFile("Lighting Styles/x", "123");
+  wanted = TB_PString("x");
+  block.hFileInfo = {noErr, wanted.bytes, volume, 0, 0, created, 0};
+  ASSERT_EQ(PBGetCatInfo(&block, 0), noErr);
+  EXPECT_EQ(block.hFileInfo.ioFlAttrib & kFolderBit, 0);
+  EXPECT_EQ(block.hFileInfo.ioFlLgLen, 3);
+}
+
+TEST_F(FolderTest, ListsRegularFilesInAlphabeticalOrder) {
+  for (const char* name : {"zebra", "Élan", "apple", "Zoo", "Apple", "echo", "élan", "100%", "Über",
+                           "%2F", "%41", "needless%2Edot", "line\nbreak", ".hidden", "bad\xff"}) {
+    WriteFile(name, "");
+  }
+  mkdir((folder / "folder").c_str(), 0777);
+  mkfifo((folder / "pipe").c_str(), 0666);
+  symlink("zebra", (folder / "link").c_str());
+  symlink("nowhere", (folder / "dangling").c_str());
+  const std::vector<std::string> names = ListNames();
+  EXPECT_EQ(names, (std::vector<std::string>{"%41", "/", "100%", "Apple", "apple", "echo", "Élan",
+                                             "élan", "link", "Über", "zebra", "Zoo"}));
+  for (const std::string& name : names) {
+    EXPECT_EQ(TryOpen(name, fsRdPerm), noErr) << name;
+  }
+}
+
+TEST_F(FolderTest, AListingShowsEveryChangeAtOnce) {
+  for (int i = 0; i < 20; ++i) {
+    const std::string name = "file" + std::to_string(i);
+    WriteFile(name, "");
+    EXPECT_EQ(ListNames().size(), 1U) << "added by someone else";
+    std::filesystem::remove(folder / name);
+    EXPECT_EQ(ListNames().size(), 0U) << "removed by someone else";
+  }
+  Create("a");
+  EXPECT_EQ(ListNames(), std::vector<std::string>{"a"});
+  HRename(volume, id, TB_PString("a"), TB_PString("b"));
+  EXPECT_EQ(ListNames(), std::vector<std::string>{"b"});
+  HDelete(volume, id, TB_PString("b"));
+  EXPECT_TRUE(ListNames().empty());
+}
+
+TEST_F(FolderTest, APathIsSplitIntoFolderAndName) {
+  mkdir((folder / "inner").c_str(), 0777);
+  int16_t itsVolume = 0;
+  int32_t itsID = 0;
+  Str255 name;
+  ASSERT_EQ(TB_SplitPath(folder.native() + "/inner/../new", &itsVolume, &itsID, name), noErr);
+  EXPECT_EQ(itsID, id);
+  EXPECT_EQ(TB_StdString(name), "new");
+  ASSERT_EQ(TB_SplitPath("/new", &itsVolume, &itsID, name), noErr);
+  EXPECT_EQ(TB_PathOf(itsVolume, itsID, name), "/new");
+  EXPECT_EQ(TB_SplitPath(folder.native() + "/inner/", &itsVolume, &itsID, name), bdNamErr);
+  EXPECT_EQ(TB_SplitPath(folder.native() + "/..", &itsVolume, &itsID, name), bdNamErr);
+  EXPECT_EQ(TB_SplitPath(folder.native() + "/a\nb", &itsVolume, &itsID, name), bdNamErr);
+  EXPECT_EQ(TB_SplitPath(folder.native() + "/missing/x", &itsVolume, &itsID, name), dirNFErr);
+}

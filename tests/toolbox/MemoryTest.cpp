@@ -1,0 +1,198 @@
+// Blocks, handles and the budget they share.
+#include "MacMemory.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+
+class MemoryTest : public testing::Test {
+protected:
+  void SetUp() override { inUse = TB_MemoryInUse(); }
+  void TearDown() override {
+    TB_ResetMemoryBudget();
+    TB_FailAllocationAfter(0);
+    EXPECT_EQ(TB_MemoryInUse(), inUse);
+    EXPECT_EQ(TB_BlocksInUse(), blocks);
+  }
+  // Lets `bytes` more be had.
+  void Allow(uint64_t bytes) const { TB_SetMemoryBudget(TB_MemoryInUse() + bytes); }
+  static Size TotalFree() {
+    Size total = -1;
+    PurgeSpace(&total, nullptr);
+    return total;
+  }
+  uint64_t inUse = 0;
+  uint64_t blocks = TB_BlocksInUse();
+};
+
+TEST_F(MemoryTest, TheBudgetIsExact) {
+  Allow(100000);
+  EXPECT_EQ(MaxBlock(), 100000);
+  EXPECT_EQ(TotalFree(), 100000);
+  EXPECT_EQ(NewPtr(100001), nullptr);
+  EXPECT_EQ(MemError(), memFullErr);
+  Ptr block = NewPtr(60000);
+  ASSERT_NE(block, nullptr);
+  EXPECT_EQ(MemError(), noErr);
+  EXPECT_EQ(TotalFree(), 40000);
+  EXPECT_EQ(TB_MemoryInUse() - inUse, 60000U);
+  Handle handle = NewHandle(40000);
+  ASSERT_NE(handle, nullptr);
+  EXPECT_EQ(MaxMem(nullptr), 0);
+  EXPECT_EQ(NewPtr(1), nullptr);
+  TB_SetMemoryBudget(0);
+  EXPECT_EQ(MaxBlock(), 0) << "more in use than the budget allows";
+  DisposePtr(block);
+  DisposeHandle(handle);
+}
+
+TEST_F(MemoryTest, WithoutABudgetTheSystemDecides) {
+  TB_ResetMemoryBudget();
+  EXPECT_GT(MaxBlock(), 1 << 20);
+  Ptr block = NewPtr(1 << 20);
+  EXPECT_NE(block, nullptr);
+  DisposePtr(block);
+}
+
+TEST_F(MemoryTest, SizesThatCannotBe) {
+  TB_SetMemoryBudget(UINT64_MAX);
+  for (Size size : {Size{-1}, Size{INT32_MIN}, PTRDIFF_MIN, PTRDIFF_MAX, PTRDIFF_MAX - 64}) {
+    EXPECT_EQ(NewPtr(size), nullptr) << size;
+    EXPECT_EQ(NewPtrClear(size), nullptr) << size;
+    EXPECT_EQ(NewHandle(size), nullptr) << size;
+    EXPECT_EQ(NewHandleClear(size), nullptr) << size;
+    EXPECT_EQ(MemError(), memFullErr) << size;
+  }
+}
+
+TEST_F(MemoryTest, BlocksAreAlignedSizedAndCleared) {
+  for (Size size : {0, 1, 15, 4095, 4096, 100000}) {
+    Ptr block = NewPtrClear(size);
+    Handle handle = NewHandleClear(size);
+    ASSERT_TRUE(block && handle && *handle) << size;
+    const uintptr_t alignment = size >= 4096 ? 64 : 16;
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % alignment, 0U) << size;
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(*handle) % alignment, 0U) << size;
+    EXPECT_EQ(GetPtrSize(block), size);
+    EXPECT_EQ(GetHandleSize(handle), size);
+    EXPECT_EQ(std::count(block, block + size, 0), size);
+    EXPECT_EQ(std::count(*handle, *handle + size, 0), size);
+    memset(block, 1, static_cast<size_t>(size));
+    memset(*handle, 1, static_cast<size_t>(size));
+    DisposePtr(block);
+    DisposeHandle(handle);
+  }
+  DisposePtr(nullptr);
+  DisposeHandle(nullptr);
+  EXPECT_EQ(GetPtrSize(nullptr), 0);
+  EXPECT_EQ(GetHandleSize(nullptr), 0);
+  EXPECT_EQ(MemError(), nilHandleErr);
+}
+
+TEST_F(MemoryTest, AHandleKeepsItsContentWhenResized) {
+  Handle handle = NewHandle(5);
+  memcpy(*handle, "light", 5);
+  SetHandleSize(handle, 50000);
+  EXPECT_EQ(GetHandleSize(handle), 50000);
+  EXPECT_EQ(memcmp(*handle, "light", 5), 0);
+  SetHandleSize(handle, 3);
+  EXPECT_EQ(std::string(*handle, 3), "lig");
+  EXPECT_EQ(TB_MemoryInUse() - inUse, 3U);
+
+  HLock(handle);
+  Ptr bytes = *handle;
+  SetHandleSize(handle, 2);
+  EXPECT_EQ(MemError(), noErr);
+  EXPECT_EQ(*handle, bytes) << "a locked block does not move";
+  EXPECT_EQ(TB_MemoryInUse() - inUse, 2U);
+  SetHandleSize(handle, 3);
+  EXPECT_EQ(MemError(), memLockedErr);
+  HUnlock(handle);
+
+  Allow(100);
+  for (Size size : {Size{101}, Size{-1}}) {
+    SetHandleSize(handle, size);
+    EXPECT_EQ(MemError(), memFullErr) << size;
+    EXPECT_EQ(GetHandleSize(handle), 2) << size;
+    EXPECT_EQ(**handle, 'l') << size;
+  }
+  DisposeHandle(handle);
+}
+
+TEST_F(MemoryTest, OnlyPurgeableUnlockedBlocksAreGivenUp) {
+  Allow(40000);
+  Handle kept = NewHandle(10000);
+  Handle locked = NewHandle(10000);
+  Handle purgeable = NewHandle(10000);
+  HPurge(locked);
+  HPurge(purgeable);
+  HLock(locked);
+  EXPECT_EQ(MaxBlock(), 10000);
+  EXPECT_EQ(TotalFree(), 20000);
+  EXPECT_NE(*purgeable, nullptr) << "asking purges nothing";
+  PurgeMem(10000);
+  EXPECT_NE(*purgeable, nullptr) << "there was enough";
+  Ptr block = NewPtr(15000);
+  EXPECT_NE(block, nullptr);
+  EXPECT_EQ(*purgeable, nullptr);
+  EXPECT_EQ(GetHandleSize(purgeable), 0);
+  EXPECT_TRUE(*kept && *locked);
+  SetHandleSize(purgeable, 500);
+  EXPECT_EQ(GetHandleSize(purgeable), 500) << "a purged block can be filled again";
+  EXPECT_EQ(TotalFree(), 5000) << "and is purgeable still";
+
+  HUnlock(locked);
+  HNoPurge(locked);
+  EXPECT_EQ(MaxMem(nullptr), 5000);
+  EXPECT_NE(*locked, nullptr);
+  HPurge(locked);
+  PurgeMem(15000);
+  EXPECT_EQ(MemError(), noErr);
+  EXPECT_EQ(*locked, nullptr);
+  PurgeMem(15001);
+  EXPECT_EQ(MemError(), memFullErr);
+  DisposePtr(block);
+  for (Handle handle : {kept, locked, purgeable}) {
+    DisposeHandle(handle);
+  }
+}
+
+TEST_F(MemoryTest, TheChosenAllocationFailsOnce) {
+  auto allocate = [](int which) {
+    switch (which) {
+    case 0: {
+      Ptr block = NewPtr(8);
+      DisposePtr(block);
+      return block != nullptr;
+    }
+    case 1: {
+      Handle handle = NewHandle(8);
+      DisposeHandle(handle);
+      return handle != nullptr;
+    }
+    default: {
+      Handle handle = NewHandle(0);
+      SetHandleSize(handle, 8);
+      const bool grown = GetHandleSize(handle) == 8;
+      DisposeHandle(handle);
+      return grown;
+    }
+    }
+  };
+  const uint64_t before = TB_AllocationCount();
+  for (uint64_t n = 1; n <= 4; ++n) {
+    TB_FailAllocationAfter(n);
+    // The third case makes two allocations: its block, then its growth.
+    const std::vector<bool> results{allocate(0), allocate(1), n == 3 || allocate(2)};
+    EXPECT_EQ(results, (std::vector<bool>{n != 1, n != 2, n != 4})) << n;
+    TB_FailAllocationAfter(0);
+  }
+  EXPECT_EQ(TB_AllocationCount() - before, 4U * 3 + 2);
+}
+
+TEST_F(MemoryTest, BytesMoveBetweenOverlappingBlocks) {
+  char text[] = "abcdef";
+  BlockMove(text, text + 2, 4);
+  EXPECT_STREQ(text, "ababcd");
+  BlockMove(text, text + 1, -1);
+  EXPECT_STREQ(text, "ababcd");
+}

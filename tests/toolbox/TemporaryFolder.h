@@ -1,0 +1,67 @@
+// A folder of a test's own, and the File Manager's names for it.
+#ifndef TEMPORARY_FOLDER_H
+#define TEMPORARY_FOLDER_H
+
+#include "MacFiles.h"
+#include "MacStrings.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+
+class TemporaryFolder : public testing::Test {
+protected:
+  void SetUp() override {
+    std::string pattern = std::filesystem::temp_directory_path() / "toolbox-XXXXXX";
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+    folder = std::filesystem::canonical(pattern);
+    ASSERT_EQ(TB_DirectoryForPath(folder.native(), &volume, &id), noErr);
+  }
+  void TearDown() override {
+    TB_FailFileOperationAfter(0, noErr);
+    TB_SetDefaultDirectory("");
+    std::filesystem::remove_all(folder);
+  }
+
+  void WriteFile(const std::string& name, const std::string& content) const {
+    std::ofstream(folder / name, std::ios::binary) << content;
+  }
+  std::string ReadFile(const std::string& name) const {
+    std::ifstream file(folder / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  OSErr Create(std::string_view name) const { return HCreate(volume, id, TB_PString(name), 0, 0); }
+  OSErr Open(std::string_view name, int8_t permission, int16_t* file) const {
+    return HOpen(volume, id, TB_PString(name), permission, file);
+  }
+  // The result of opening alone.
+  OSErr TryOpen(std::string_view name, int8_t permission) const {
+    int16_t file = 0;
+    const OSErr err = Open(name, permission, &file);
+    EXPECT_EQ(file > 0, err == noErr) << name;
+    EXPECT_EQ(FSClose(file), err == noErr ? noErr : rfNumErr) << name;
+    return err;
+  }
+  // The names by index, as far as they go.
+  std::vector<std::string> ListNames() const {
+    std::vector<std::string> names;
+    HParamBlockRec block{};
+    Str255 name;
+    for (;;) {
+      block.fileParam = {noErr, name, volume, static_cast<int16_t>(names.size() + 1), 0, id, 0};
+      if (PBHGetFInfo(&block, 0) != noErr) {
+        EXPECT_EQ(block.fileParam.ioResult, fnfErr);
+        return names;
+      }
+      names.push_back(TB_StdString(name));
+    }
+  }
+
+  std::filesystem::path folder;
+  int16_t volume = 0;
+  int32_t id = 0;
+};
+
+#endif
