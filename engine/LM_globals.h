@@ -8,7 +8,7 @@
 #include "LM_light_UI.h"
 #include "LM_parameters.h"
 
-struct DialogRecord;
+struct GrafPort;
 class LM_style_istream;
 class LM_style_ostream;
 
@@ -82,7 +82,7 @@ public:
   float ellipseCos[LM_ELLIPSE_STEPS]; // the unit circle
   float ellipseSin[LM_ELLIPSE_STEPS];
   Handle dialogResource; // while the dialog exists
-  DialogRecord* dialog;
+  GrafPort* dialog;
   LM_light_UI lights[LM_MAX_LIGHTS]; // the first numLights count
   LM_scratch_rows scratch;
   LM_bool bumpTilePending; // the tile's heights are stored, its image is what comes next

@@ -7,8 +7,8 @@
 
 class LM_globals;
 struct GrafPort;
+struct MacRegion;
 struct PixPat;
-struct Region;
 
 // Rectangle with 32-bit sides, in pixels of the preview.
 using VRect = CVRect32;
@@ -77,6 +77,8 @@ public:
                              LM_bool keepDirection, LM_bool keepLength);
 
 private:
+  void _ReshapeSpot(const LM_vectori2& dragged, short handleCode, const LM_vectori2& startHandle1,
+                    const LM_vectori2& startHandle2);
   void _ConvertDirectionalLight(LM_light* out) const;
   void _ConvertSpotLight(LM_light* out, float scale, LM_bool forPreview) const;
   void _BuildSpreadTable(LM_light* out, LM_bool forPreview) const;
@@ -87,14 +89,16 @@ private:
   void _DrawXORDirectional(LM_bool withGrabHandles);
   void _DrawXOROmni(LM_bool withCenter, LM_bool withGrabHandles);
   void _DrawXORSpot(LM_bool withCenter, LM_bool withGrabHandles, LM_globals* owner);
+  void _DrawHandles(PixPat** pattern, LM_bool withGrabHandles);
+  void _DrawXORHandles(LM_bool withCenter, LM_bool withGrabHandles);
   void _DrawCenterHandle(PixPat** pattern);
   void _DrawGrabHandle(short x, short y, PixPat** pattern);
   void _DrawXORCenterHandle(PixPat** pattern);
   void _DrawXORGrabHandle(short x, short y, PixPat** pattern);
   void _DrawEllipse(PixPat** pattern, short mode, LM_globals* owner);
-  short _HitTestDirectionalGrabHandles(Point point, Region** scratch);
-  short _HitTestOmniGrabHandles(Point point, Region** scratch);
-  short _HitTestSpotGrabHandles(Point point, Region** scratch);
+  short _HitTestDirectionalGrabHandles(Point point, MacRegion** scratch);
+  short _HitTestOmniGrabHandles(Point point, MacRegion** scratch);
+  short _HitTestSpotGrabHandles(Point point, MacRegion** scratch);
 };
 
 #endif
