@@ -146,6 +146,12 @@ void EngineRun::Deliver() {
   }
   record.inPixels = input.data();
   record.inRowStride = stride;
+  mask.clear();
+  for (int y = record.maskTileRect.top; y < record.maskTileRect.bottom; ++y)
+    for (int x = record.maskTileRect.left; x < record.maskTileRect.right; ++x)
+      mask.push_back(MaskAt(x, y));
+  record.maskPixels = mask.data();
+  record.maskRowStride = record.maskTileRect.right - record.maskTileRect.left;
   record.outRowStride = scene.width * 3;
   record.outPixels =
       out.data() + record.outTileRect.top * record.outRowStride + record.outTileRect.left * 3;
@@ -191,15 +197,18 @@ bool EngineRun::CollectPreview(int frameSize) {
 
 std::vector<uint8_t> EngineRun::RenderPreview() {
   EXPECT_EQ(LM_ShadePreview(globals.get()), 0);
-  const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
   const auto rowBytes = static_cast<size_t>(globals->previewWidth) * 3;
   std::vector<uint8_t> picture(rowBytes * static_cast<size_t>(globals->previewHeight));
   for (int row = 0; row < globals->previewHeight; ++row) {
-    const uint8_t* source = frame.baseAddress + (globals->previewOffsetY + row) * frame.rowBytes +
-                            globals->previewOffsetX * 3;
+    const uint8_t* source = FramePixel(globals->previewOffsetY + row, globals->previewOffsetX);
     std::memcpy(picture.data() + static_cast<size_t>(row) * rowBytes, source, rowBytes);
   }
   return picture;
+}
+
+const uint8_t* EngineRun::FramePixel(int row, int column) const {
+  const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
+  return frame.baseAddress + row * frame.rowBytes + column * 3;
 }
 
 std::vector<uint8_t> EngineRun::ReferencePreview() const {
@@ -207,6 +216,10 @@ std::vector<uint8_t> EngineRun::ReferencePreview() const {
                                    globals->frameOriginX};
   return ReferenceRenderPreview(scene.settings, geometry, scene.Image(), scene.Heights(),
                                 scene.area, globals->previewScale);
+}
+
+uint8_t MaskAt(int x, int y) {
+  return static_cast<uint8_t>(x * 31 + y * 7 + 1);
 }
 
 void ExpectSamePicture(const std::vector<uint8_t>& expected, const std::vector<uint8_t>& actual,

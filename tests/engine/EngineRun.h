@@ -36,6 +36,8 @@ public:
   bool CollectPreview(int frameSize);
   // The lit preview, packed, at the geometry that CollectPreview chose.
   std::vector<uint8_t> RenderPreview();
+  // The frame map's pixel.
+  const uint8_t* FramePixel(int row, int column) const;
   // What the plain shader makes of it.
   std::vector<uint8_t> ReferencePreview() const;
 
@@ -50,8 +52,12 @@ public:
 
 private:
   const Scene& scene;
-  std::vector<uint8_t> input; // exactly the delivered bytes, so that a stray read is caught
+  // Exactly the delivered bytes, so that a stray read is caught.
+  std::vector<uint8_t> input, mask;
 };
+
+// The selection that a document has when its record says so: any byte for any pixel.
+uint8_t MaskAt(int x, int y);
 
 // Fails the running test with the first differing pixel.
 void ExpectSamePicture(const std::vector<uint8_t>& expected, const std::vector<uint8_t>& actual,

@@ -115,8 +115,12 @@ TEST(PictureLaws, NoLightIsBlack) {
     for (ReferenceLight& light : scene.settings.lights)
       light.on = false;
     ExpectSamePicture(black, Render(scene), scene.width);
-    for (ReferenceLight& light : scene.settings.lights) { // lies in the picture's plane
+    for (ReferenceLight& light : scene.settings.lights) { // of no known type
       light.on = true;
+      light.type = static_cast<int32_t>(seed) - 4 + (seed > 3 ? 3 : 0);
+    }
+    ExpectSamePicture(black, Render(scene), scene.width);
+    for (ReferenceLight& light : scene.settings.lights) { // lies in the picture's plane
       light.type = REFERENCE_OMNI;
       light.radius = 0;
     }

@@ -53,6 +53,30 @@ TEST(Scenes, DegenerateLightsEqualPlainShader) {
   }
 }
 
+// Rectangles that would reach beyond 16 bits when grown for relief.
+TEST(Scenes, PicturesAsLargeAsRectanglesGo) {
+  for (const bool wide : {true, false}) {
+    Scene scene = SmallScene(ReferenceLight{}, false);
+    SceneRandom random(8);
+    scene.settings.lights[0] = MakeLight(random, REFERENCE_SPOT, SceneMood::Usual);
+    scene.settings.ambience = 100;
+    scene.width = wide ? 32767 : 3;
+    scene.height = wide ? 3 : 32767;
+    scene.area =
+        wide ? ReferenceArea{0, 32767 - 70, 3, 32767} : ReferenceArea{32767 - 70, 0, 32767, 3};
+    scene.pixels.clear();
+    for (int i = 0; i < 32767 * 3; ++i) {
+      scene.pixels.insert(scene.pixels.end(), {250, 128, static_cast<uint8_t>(i)});
+      scene.heights.push_back(static_cast<uint8_t>(random.Next()));
+    }
+    SCOPED_TRACE(wide ? "wide" : "tall");
+    EngineRun run(scene);
+    ExpectSamePicture(RenderScene(scene), run.RenderTiles(), scene.width);
+    ASSERT_TRUE(run.CollectPreview(32));
+    ExpectSamePicture(run.ReferencePreview(), run.RenderPreview(), run.globals->previewWidth);
+  }
+}
+
 // Bytes that all machines have to draw. A change here changes what users see of saved styles.
 TEST(Scenes, PicturesAreTheSameOnEveryMachine) {
   static const uint64_t hashes[] = {
