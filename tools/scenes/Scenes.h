@@ -1,0 +1,17 @@
+// The pictures.
+#pragma once
+
+#include "Picture.h"
+#include "Renderer.h"
+
+namespace scenes {
+
+// Lengths are in hands (10 cm).
+Scene StillLife();
+Scene Portrait();
+Scene OldWall();
+Scene Landscape();
+// A drawing, not a rendering; 1200 by 800.
+Bytes LineArt();
+
+} // namespace scenes
