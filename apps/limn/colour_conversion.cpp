@@ -67,7 +67,7 @@ VImage ColourToRgb(const VImage& colour, VipsInterpretation space, const std::st
   const VImage plain = WithoutProfile(colour);
   if (isGrey) {
     const VImage grey = ToBytes(plain, space == VIPS_INTERPRETATION_scRGB ? 255.0 : 1.0);
-    return grey.bandjoin({grey, grey});
+    return VImage::bandjoin({grey, grey, grey});
   }
   notices.emplace_back("its colours become sRGB");
   return ToBytes(plain.colourspace(VIPS_INTERPRETATION_sRGB), 1.0);

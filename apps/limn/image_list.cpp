@@ -82,6 +82,8 @@ std::vector<ImagePair> ListImages(const std::vector<std::string>& inputs, const 
     for (const fs::path& file : WalkFolder(input, target))
       pairs.push_back({file.string(), {(target / file.lexically_relative(input)).string(), ""}});
   }
+  if (pairs.empty())
+    throw Failure(ExitCode::BadInput, inputs.front() + ": holds no image");
   RefuseCollisions(pairs);
   return pairs;
 }

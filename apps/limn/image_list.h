@@ -19,7 +19,8 @@ enum class Folders { Refuse, Walk };
 // with save options when there is one input file, else a folder (that need not exist yet). In a
 // folder, files with an image's extension count, in alphabetical order; links to folders are not
 // followed, and the output folder itself is left out. Throws Failure(WrongUsage), also when two
-// images would be written to one file, and Failure(BadInput) for a folder that cannot be listed.
+// images would be written to one file, and Failure(BadInput) for a folder that cannot be listed and
+// when there is no image at all.
 std::vector<ImagePair> ListImages(const std::vector<std::string>& inputs, const std::string& output,
                                   Folders folders);
 

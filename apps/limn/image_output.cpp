@@ -15,12 +15,15 @@ namespace {
 
 using vips::VImage;
 
-// suffix: by which libvips knows the format, with options that select it.
+enum class Exif { Lost, Kept };
+
+// suffix: by which libvips knows the format. options: that select it there.
 struct OutputFormat {
   std::string_view extension;
   const char* suffix;
   const char* options;
   int maxPlanes;
+  Exif exif;
 };
 
 constexpr int ANY_NUMBER = 1000;
@@ -28,13 +31,20 @@ constexpr int ANY_NUMBER = 1000;
 // Formats in one file that hold a photograph. Folders of tiles, tables of numbers and the like are
 // not among them.
 constexpr OutputFormat FORMATS[] = {
-    {".jpg", ".jpg", "", 3},          {".jpeg", ".jpg", "", 3},
-    {".jpe", ".jpg", "", 3},          {".png", ".png", "", 4},
-    {".tif", ".tif", "", ANY_NUMBER}, {".tiff", ".tif", "", ANY_NUMBER},
-    {".webp", ".webp", "", 4},        {".ppm", ".ppm", "", 3},
-    {".pnm", ".ppm", "", 3},          {".heic", ".heic", "", 4},
-    {".heif", ".heif", "", 4},        {".avif", ".heif", "compression=av1", 4},
-    {".jp2", ".jp2", "", ANY_NUMBER}, {".gif", ".gif", "", 4},
+    {".jpg", ".jpg", "", 3, Exif::Kept},
+    {".jpeg", ".jpg", "", 3, Exif::Kept},
+    {".jpe", ".jpg", "", 3, Exif::Kept},
+    {".png", ".png", "", 4, Exif::Kept},
+    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost},
+    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost},
+    {".webp", ".webp", "", 4, Exif::Kept},
+    {".ppm", ".ppm", "", 3, Exif::Lost},
+    {".pnm", ".ppm", "", 3, Exif::Lost},
+    {".heic", ".heic", "", 4, Exif::Kept},
+    {".heif", ".heif", "", 4, Exif::Kept},
+    {".avif", ".heif", "compression=av1", 4, Exif::Kept},
+    {".jp2", ".jp2", "", ANY_NUMBER, Exif::Lost},
+    {".gif", ".gif", "", 4, Exif::Lost},
 };
 
 const OutputFormat* FindFormat(const std::string& path) {
@@ -74,10 +84,13 @@ void DropPlanes(VImage& image, const OutputFormat& format, std::vector<std::stri
   image = image.extract_band(0, VImage::option()->set("n", format.maxPlanes));
 }
 
-// A JPEG file holds such data in one segment of at most 64 kB.
-void DropLargeMetadata(VImage& image, const OutputFormat& format,
-                       std::vector<std::string>& notices) {
+// Says what libvips does not write, and leaves out what a JPEG file cannot hold: there such data go
+// into one segment of at most 64 kB.
+void DropMetadata(VImage& image, const OutputFormat& format, std::vector<std::string>& notices) {
   constexpr size_t LARGEST = 65000;
+  if (format.exif == Exif::Lost && image.get_typeof(VIPS_META_EXIF_NAME) != 0)
+    notices.push_back("its EXIF data is not written into " +
+                      std::string(format.extension.substr(1)) + " files");
   if (std::string_view(format.suffix) != ".jpg")
     return;
   for (const char* field : {VIPS_META_EXIF_NAME, VIPS_META_XMP_NAME, VIPS_META_IPTC_NAME}) {
@@ -132,7 +145,7 @@ void WritePhotograph(Photograph& photograph, const OutputName& name, const std::
                        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
     DropPlanes(image, format, photograph.notices);
     image = WithMetadata(image, photograph.metadata);
-    DropLargeMetadata(image, format, photograph.notices);
+    DropMetadata(image, format, photograph.notices);
     const std::string suffix = format.suffix + AllOptions(format, name.options);
     image.write_to_target(suffix.c_str(),
                           vips::VTarget::new_to_descriptor(file.DescriptorNumber()));

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <string_view>
 #include <unistd.h>
 
 namespace limn {
@@ -41,20 +42,59 @@ vips::VSource SourceOf(Descriptor opened) {
   return vips::VSource(VIPS_SOURCE(custom));
 }
 
+// A format by the bytes at `offset` of its files. Going by these, and not letting libvips ask each
+// of its loaders, keeps the loaders that are not wanted from so much as looking at a file.
+struct InputFormat {
+  size_t offset;
+  std::string_view magic;
+  vips::VImage (*load)(vips::VSource source, vips::VOption* options);
+};
+
+using namespace std::string_view_literals;
+
+constexpr InputFormat FORMATS[] = {
+    {0, "\xff\xd8\xff"sv, vips::VImage::jpegload_source},
+    {0, "\x89PNG\r\n\x1a\n"sv, vips::VImage::pngload_source},
+    {0, "II*\0"sv, vips::VImage::tiffload_source},
+    {0, "MM\0*"sv, vips::VImage::tiffload_source},
+    {0, "II+\0"sv, vips::VImage::tiffload_source}, // with 64-bit offsets
+    {0, "MM\0+"sv, vips::VImage::tiffload_source},
+    {8, "WEBP"sv, vips::VImage::webpload_source},
+    {0, "P1"sv, vips::VImage::ppmload_source},
+    {0, "P2"sv, vips::VImage::ppmload_source},
+    {0, "P3"sv, vips::VImage::ppmload_source},
+    {0, "P4"sv, vips::VImage::ppmload_source},
+    {0, "P5"sv, vips::VImage::ppmload_source},
+    {0, "P6"sv, vips::VImage::ppmload_source},
+    {0, "GIF8"sv, vips::VImage::gifload_source},
+    {4, "ftyp"sv, vips::VImage::heifload_source},
+};
+
+const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
+  char start[16] = {};
+  const ssize_t got = pread(file.Number(), start, sizeof start, 0);
+  if (got < 0)
+    throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
+  if (got == 0)
+    throw Failure(ExitCode::BadInput, path + ": is empty");
+  const std::string_view bytes(start, static_cast<size_t>(got));
+  for (const InputFormat& format : FORMATS)
+    if (bytes.size() > format.offset && bytes.substr(format.offset).starts_with(format.magic))
+      return format;
+  throw Failure(ExitCode::BadInput,
+                path + ": is not a JPEG, PNG, TIFF, WebP, PPM, GIF, HEIF or AVIF image");
+}
+
 } // namespace
 
 vips::VImage OpenImage(const std::string& path) {
-  const vips::VSource source = SourceOf(OpenRegularFile(path));
-  if (vips_foreign_find_load_source(source.get_source()) == nullptr) {
-    vips_error_clear();
-    throw Failure(ExitCode::BadInput,
-                  path + ": is not an image of a kind that limn reads, or is damaged at its start");
-  }
+  Descriptor file = OpenRegularFile(path);
+  const InputFormat& format = FormatOf(file, path);
   try {
-    vips::VImage image = vips::VImage::new_from_source(source, "",
-                                                       vips::VImage::option()
-                                                           ->set("access", VIPS_ACCESS_SEQUENTIAL)
-                                                           ->set("fail_on", VIPS_FAIL_ON_WARNING));
+    vips::VImage image =
+        format.load(SourceOf(std::move(file)), vips::VImage::option()
+                                                   ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                                                   ->set("fail_on", VIPS_FAIL_ON_WARNING));
     if (image.width() > LONGEST_SIDE || image.height() > LONGEST_SIDE)
       throw Failure(ExitCode::BadInput, path + ": is " + std::to_string(image.width()) + " × " +
                                             std::to_string(image.height()) +

@@ -4,6 +4,8 @@
 #include "report.h"
 #include "style_commands.h"
 
+#include "LM_style_fields.h"
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <functional>
@@ -18,39 +20,55 @@ using limn::ExitCode;
 using Command = std::function<ExitCode()>;
 
 constexpr const char* EXIT_CODES =
-    "Exit codes: 0 done, 1 cancelled, 2 wrong usage, 3 bad input file, 4 could not write,\n"
-    "5 out of memory, 6 refused by the plug-in. A batch ends with the highest of its images.";
+    "Exit codes: 0 done, 1 cancelled, 2 wrong usage, 3 bad input file, 4 could not\n"
+    "write, 5 out of memory, 6 refused by the plug-in. A batch ends with the\n"
+    "highest of its images.";
 
-constexpr const char* APPLY_NOTES =
-    "Settings for --set: exposure, gloss, material, ambientBrightness, ambientColor.0 to .2,\n"
-    "bumpChannel, bumpAmplitude, whiteIsHigh, and for each light from 0: light.0.type (omni,\n"
-    "directional, spot), .on, .intensity, .spread, .color.0 to .2, .center.0 and .1, .handle1.0 "
-    "…,\n"
-    "and .radius. An array can be set whole: --set light.0.color=65535,50000,30000\n"
-    "\n"
-    "Examples:\n"
-    "  limn apply photo.jpg -o lit.jpg\n"
-    "  limn apply --style Dusk --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
-    "  limn apply --channel heights.png --set bumpChannel=4 photo.jpg -o relief.png\n"
-    "  limn apply -r holiday -o lit/ --jobs 4 --json\n";
+// Folds words into lines that fit a narrow terminal.
+std::string Folded(const std::vector<std::string>& words) {
+  constexpr size_t LONGEST_LINE = 76;
+  std::string text = "  ";
+  size_t length = 0;
+  for (const std::string& word : words) {
+    const bool isNewLine = length + word.size() > LONGEST_LINE;
+    if (length > 0)
+      text += isNewLine ? ",\n  " : ", ";
+    text += word;
+    length = (isNewLine ? 0 : length) + word.size() + 2;
+  }
+  return text;
+}
+
+std::string ApplyNotes() {
+  return "Settings for --set, N being a light's number from 0:\n" + Folded(LM_StyleKeys()) +
+         "\nLight types are omni, directional and spot; an array can be set whole:\n"
+         "  --set light.0.color=65535,50000,30000\n"
+         "\n"
+         "Examples:\n"
+         "  limn apply photo.jpg -o lit.jpg\n"
+         "  limn apply --style Dusk --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
+         "  limn apply --channel heights.png --set bumpChannel=4 photo.jpg -o lit.png\n"
+         "  limn apply -r holiday -o lit/ --jobs 4 --json\n\n";
+}
 
 void AddApply(CLI::App& app, Command& command) {
   auto options = std::make_shared<limn::ApplyOptions>();
   CLI::App* apply = app.add_subcommand("apply", "Light photographs and write the results");
-  apply->footer(std::string(APPLY_NOTES) + "\n" + EXIT_CODES);
+  apply->footer(ApplyNotes() + EXIT_CODES);
   apply->add_option("IMAGE", options->images, "Photographs to light, or folders with -r")
       ->required();
   apply
       ->add_option("-o,--output", options->output,
-                   "The file to write, its format by its extension, with libvips' save options in\n"
-                   "brackets (lit.jpg[Q=92]); or a folder, ending in a slash, for several images")
+                   "The file to write, in the format of its extension, with\n"
+                   "libvips' save options in brackets (lit.jpg[Q=92]); or a\n"
+                   "folder, ending in a slash, for several images")
       ->required()
       ->type_name("FILE|FOLDER/");
   apply->add_flag("-r,--recursive", options->isRecursive,
-                  "Light all images in the given folders and keep their tree");
+                  "Light all images in the folders and keep their tree");
   apply
       ->add_option("-s,--style", options->style,
-                   "A style file, its JSON form, or a style's name (default: the default light)")
+                   "A style file, its JSON form, or the name of a style\n(default: Default)")
       ->type_name("NAME|FILE");
   apply->add_option("--set", options->settings, "Change one setting of the style; may be repeated")
       ->type_name("KEY=VALUE")
@@ -58,24 +76,26 @@ void AddApply(CLI::App& app, Command& command) {
   apply->add_option("--area", options->area, "Light only this rectangle, in pixels")
       ->type_name("X,Y,W,H");
   apply
-      ->add_option(
-          "--mask", options->mask,
-          "A grey image of the same size: light fully where it is white, not at all where\n"
-          "it is black")
+      ->add_option("--mask", options->mask,
+                   "A grey image of the same size: light fully where it is\n"
+                   "white, not at all where it is black")
       ->type_name("IMAGE");
   apply
       ->add_option("--channel", options->channels,
-                   "A grey image of the same size, as one more channel of the photograph that a\n"
-                   "style can take its relief from; not written to the output; may be repeated")
+                   "A grey image of the same size, as one more channel that\n"
+                   "a style can take its relief from; not written to the\n"
+                   "output; may be repeated")
       ->type_name("IMAGE")
       ->allow_extra_args(false);
-  apply->add_option("-j,--jobs", options->jobs, "Images to work on at a time (default: processors)")
+  apply
+      ->add_option("-j,--jobs", options->jobs, "Images to work on at a time\n(default: processors)")
       ->type_name("N")
       ->check(CLI::Range(1, 256));
-  apply->add_flag("-f,--force", options->force, "Replace existing outputs, and inputs if asked to");
+  apply->add_flag("-f,--force", options->force,
+                  "Replace existing files, the inputs too if so named");
   apply->add_flag("-q,--quiet", options->quiet, "Print nothing but failures");
   apply->add_flag("--json", options->json,
-                  "Print a line of JSON for each image: input, output, size, seconds");
+                  "Print a line of JSON for each image: input, output,\nsize, seconds");
   apply->callback([options, &command] { command = [options] { return limn::Apply(*options); }; });
 }
 
@@ -84,7 +104,7 @@ void AddChannels(CLI::App& app, Command& command) {
   auto added = std::make_shared<std::vector<std::string>>();
   CLI::App* channels =
       app.add_subcommand("channels", "List an image's channels by number and name");
-  channels->footer("The number is what a style's bumpChannel takes; 0 there means no relief.");
+  channels->footer("A style's bumpChannel takes such a number; 0 there means no relief.");
   channels->add_option("IMAGE", *image, "The image")->required();
   channels->add_option("--channel", *added, "As for limn apply; may be repeated")
       ->type_name("IMAGE")
@@ -101,7 +121,7 @@ void AddStyleShow(CLI::App& style, Command& command) {
   show->add_option("STYLE", *name, "A style file, its JSON form, or a style's name")->required();
   show->add_flag_callback(
       "--json", [form] { *form = limn::StyleForm::Json; },
-      "In the JSON form, which limn style pack and limn apply take");
+      "In the JSON form, which limn style pack and limn apply\ntake");
   show->callback(
       [name, form, &command] { command = [name, form] { return limn::ShowStyle(*name, *form); }; });
 }
@@ -135,6 +155,7 @@ void AddStyleCheck(CLI::App& style, Command& command) {
 void AddStyle(CLI::App& app, Command& command) {
   CLI::App* style = app.add_subcommand("style", "Show, pack and check styles");
   style->require_subcommand(1);
+  style->footer("limn style COMMAND --help tells more about each.");
   AddStyleShow(*style, command);
   AddStylePack(*style, command);
   AddStyleCheck(*style, command);
@@ -154,12 +175,13 @@ ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 ExitCode Run(int argc, char** argv) {
-  CLI::App app(
-      "Limn relights photographs: up to sixteen coloured lights, and relief from any channel.",
-      "limn");
+  CLI::App app("Limn relights photographs, with up to sixteen coloured lights and with relief\n"
+               "from any channel.",
+               "limn");
   app.footer("limn COMMAND --help tells more about each.\n\n" + std::string(EXIT_CODES));
   app.set_version_flag("--version", "limn " LIMN_VERSION);
   app.require_subcommand(1);
+  app.get_formatter()->column_width(24);
   Command command;
   AddApply(app, command);
   AddChannels(app, command);

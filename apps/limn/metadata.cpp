@@ -18,10 +18,7 @@ bool IsKept(std::string_view field) {
         VIPS_META_PHOTOSHOP_NAME, VIPS_META_IMAGEDESCRIPTION, VIPS_META_RESOLUTION_UNIT})
     if (field == whole)
       return true;
-  // The first holds the EXIF fields one by one; a field that is absent is removed from the EXIF
-  // data on writing.
-  return (field.starts_with("exif-") && field != "exif-ifd0-Orientation") ||
-         field.starts_with("png-comment-");
+  return field.starts_with("png-comment-");
 }
 
 void CopyFields(VipsImage* from, VipsImage* into) {
@@ -34,6 +31,10 @@ void CopyFields(VipsImage* from, VipsImage* into) {
     g_value_unset(&value);
   }
   g_strfreev(fields);
+  // Setting the EXIF data has brought its fields along. On writing they decide what of it is kept.
+  vips_image_remove(into, VIPS_META_ORIENTATION);
+  vips_image_remove(into, "exif-ifd0-Orientation");
+  vips_image_remove(into, "jpeg-thumbnail-data");
 }
 
 // XMP packets repeat the orientation, as an attribute or an element with one digit.

@@ -1,15 +1,13 @@
 #include "worker_pool.h"
 
-#include "atomic_file.h"
+#include "job_message.h"
 #include "posix_file.h"
+#include "worker_process.h"
 
 #include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <poll.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,95 +15,6 @@
 
 namespace limn {
 namespace {
-
-enum class Kind : uint32_t { Start, Progress, Notice, Result };
-
-// One message on a socket that keeps messages apart. Both ends are the same program.
-struct Message {
-  Kind kind = Kind::Start;
-  ExitCode code = ExitCode::Done;
-  uint64_t job = 0;
-  double share = 0;
-  uint32_t length = 0;
-  char text[4000] = {};
-};
-
-void SetText(Message& message, const std::string& text) {
-  message.length = static_cast<uint32_t>(std::min(text.size(), sizeof message.text));
-  std::memcpy(message.text, text.data(), message.length);
-}
-
-bool Send(int socket, const Message& message) {
-  const size_t size = offsetof(Message, text) + message.length;
-  for (;;) {
-    if (send(socket, &message, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size))
-      return true;
-    if (errno != EINTR)
-      return false;
-  }
-}
-
-enum class Received { Message, Nothing, End };
-
-Received Receive(int socket, Message& message, int flags) {
-  for (;;) {
-    const ssize_t got = recv(socket, &message, sizeof message, flags);
-    if (got < 0 && errno == EINTR)
-      continue;
-    if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
-      return Received::Nothing;
-    if (got < static_cast<ssize_t>(offsetof(Message, text)) ||
-        message.length > static_cast<size_t>(got) - offsetof(Message, text))
-      return Received::End;
-    return Received::Message;
-  }
-}
-
-// ---- inside a worker ----
-
-void RemoveTemporaryAndLeave(int) {
-  if (TemporaryInProgress()[0] != '\0')
-    unlink(TemporaryInProgress());
-  _exit(static_cast<int>(ExitCode::Cancelled));
-}
-
-// The command itself acts on the user's signals. A worker goes when the command asks it to, or when
-// the command has died.
-void TakeWorkerSignals(pid_t parent) {
-  std::signal(SIGINT, SIG_IGN);
-  std::signal(SIGHUP, SIG_IGN);
-  std::signal(SIGTERM, RemoveTemporaryAndLeave);
-  sigset_t none;
-  sigemptyset(&none);
-  sigprocmask(SIG_SETMASK, &none, nullptr);
-  prctl(PR_SET_PDEATHSIG, SIGTERM);
-  if (getppid() != parent)
-    _exit(static_cast<int>(ExitCode::Cancelled));
-}
-
-Message DoJob(const WorkerPool& pool, size_t job, int socket) {
-  Message result;
-  result.kind = Kind::Result;
-  result.job = job;
-  try {
-    SetText(result, pool.work(job, JobChannel(socket)));
-  } catch (const Failure& failure) {
-    result.code = failure.Code();
-    SetText(result, failure.what());
-  }
-  return result;
-}
-
-[[noreturn]] void ServeJobs(const WorkerPool& pool, int socket, pid_t parent) {
-  TakeWorkerSignals(parent);
-  Message order;
-  while (Receive(socket, order, 0) == Received::Message)
-    if (!Send(socket, DoJob(pool, order.job, socket)))
-      break;
-  _exit(0);
-}
-
-// ---- in the command ----
 
 volatile sig_atomic_t interrupted = 0;
 void NoteInterruption(int) {
@@ -195,7 +104,7 @@ private:
   }
 
   void _Assign(Worker& worker) {
-    Message order;
+    JobMessage order;
     order.job = worker.job = _next++;
     Send(worker.socket.Number(), order); // a worker that has died is noticed by its closed socket
   }
@@ -213,9 +122,9 @@ private:
 
   // False when the worker is gone.
   bool _TakeNews(Worker& worker) {
-    Message news;
+    JobMessage news;
     for (;;) {
-      switch (Receive(worker.socket.Number(), news, MSG_DONTWAIT)) {
+      switch (Receive(worker.socket.Number(), news, Waits::No)) {
       case Received::Nothing:
         return true;
       case Received::End:
@@ -225,9 +134,9 @@ private:
         break;
       }
       const std::string text(news.text, news.length);
-      if (news.kind == Kind::Progress)
+      if (news.kind == JobMessage::Kind::Progress)
         _pool.onProgress(worker.job, news.share);
-      else if (news.kind == Kind::Notice)
+      else if (news.kind == JobMessage::Kind::Notice)
         _pool.onNotice(worker.job, text);
       else if (!_Finish(worker, {worker.job, news.code, text, false}))
         return false;
@@ -277,20 +186,6 @@ private:
 };
 
 } // namespace
-
-void JobChannel::Progress(double share) const {
-  Message message;
-  message.kind = Kind::Progress;
-  message.share = share;
-  Send(_socket, message);
-}
-
-void JobChannel::Notice(const std::string& text) const {
-  Message message;
-  message.kind = Kind::Notice;
-  SetText(message, text);
-  Send(_socket, message);
-}
 
 PoolEnd RunJobs(const WorkerPool& pool) {
   return Pool(pool).Run();

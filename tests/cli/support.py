@@ -1,0 +1,155 @@
+"""Runs the limn command on images that are written here byte by byte, so that what it must make of
+them is known without any image library."""
+
+import os
+import shutil
+import struct
+import subprocess
+import tempfile
+import unittest
+import zlib
+
+LIMN = os.environ.get("LIMN", "limn")
+MISBEHAVING_MODULE = os.environ.get("MISBEHAVING_MODULE", "")
+IS_SANITIZED = bool(os.environ.get("LIMN_SANITIZE"))
+
+
+class Picture:
+    """Interleaved samples of `depth` bits (8 or 16)."""
+
+    def __init__(self, width, height, bands, samples, depth=8):
+        assert len(samples) == width * height * bands
+        self.width, self.height, self.bands = width, height, bands
+        self.samples, self.depth = list(samples), depth
+
+    def packed(self, order):
+        code = "B" if self.depth == 8 else "H"
+        return struct.pack(f"{order}{len(self.samples)}{code}", *self.samples)
+
+    def rows(self):
+        step = self.width * self.bands
+        return [self.samples[at : at + step] for at in range(0, len(self.samples), step)]
+
+
+def pattern(width, height, bands, depth=8, seed=1):
+    """Samples without any regularity that a wrong stride or order could hide behind."""
+    state, samples = seed, []
+    for _ in range(width * height * bands):
+        state = (state * 1103515245 + 12345) % 2**31
+        samples.append(state >> (31 - depth))
+    return Picture(width, height, bands, samples, depth)
+
+
+def filled(width, height, value, bands=1):
+    return Picture(width, height, bands, [value] * (width * height * bands))
+
+
+def smooth(width, height, bands=3, at=0):
+    """Soft slopes, which lossy formats keep well; `at` makes one picture differ from another."""
+    return Picture(width, height, bands, [(3 * x + 2 * y + 50 * band + at) // 4 % 200 + 20
+                                          for y in range(height) for x in range(width)
+                                          for band in range(bands)])
+
+
+def write_pnm(path, picture):
+    kind = {1: "P5", 3: "P6"}[picture.bands]
+    top = 255 if picture.depth == 8 else 65535
+    with open(path, "wb") as file:
+        file.write(f"{kind}\n{picture.width} {picture.height}\n{top}\n".encode())
+        file.write(picture.packed(">"))
+
+
+def write_png(path, picture, extra=b""):
+    def chunk(kind, body):
+        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+
+    color_type = {1: 0, 2: 4, 3: 2, 4: 6}[picture.bands]
+    line = picture.width * picture.bands * picture.depth // 8
+    data = picture.packed(">")
+    rows = b"".join(b"\0" + data[at : at + line] for at in range(0, len(data), line))
+    with open(path, "wb") as file:
+        file.write(b"\x89PNG\r\n\x1a\n")
+        file.write(chunk(b"IHDR", struct.pack(">IIBBBBB", picture.width, picture.height, picture.depth,
+                                              color_type, 0, 0, 0)))
+        file.write(extra + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+def write_tiff(path, picture, photometric=2, orientation=1, fields=()):
+    """photometric: 1 grey, 2 RGB, 5 CMYK. fields: further (tag, type, count, bytes)."""
+    colors = {1: 1, 2: 3, 5: 4}[photometric]
+    data = picture.packed("<")
+    entries = [(256, 4, 1, struct.pack("<I", picture.width)), (257, 4, 1, struct.pack("<I", picture.height)),
+               (258, 3, picture.bands, struct.pack("<H", picture.depth) * picture.bands),
+               (259, 3, 1, struct.pack("<H", 1)), (262, 3, 1, struct.pack("<H", photometric)),
+               (273, 4, 1, struct.pack("<I", 8)), (274, 3, 1, struct.pack("<H", orientation)),
+               (277, 3, 1, struct.pack("<H", picture.bands)), (278, 4, 1, struct.pack("<I", picture.height)),
+               (279, 4, 1, struct.pack("<I", len(data))), *fields]
+    further = picture.bands - colors
+    if further:
+        entries.append((338, 3, further, struct.pack("<H", 0) * further))
+    entries.sort()
+    body = bytearray(data + b"\0" * (len(data) % 2))
+    table = b""
+    for tag, kind, count, value in entries:
+        if len(value) > 4:
+            value, place = struct.pack("<I", 8 + len(body)), value
+            body += place + b"\0" * (len(place) % 2)
+        table += struct.pack("<HHI", tag, kind, count) + value.ljust(4, b"\0")
+    with open(path, "wb") as file:
+        file.write(struct.pack("<2sHI", b"II", 42, 8 + len(body)) + body)
+        file.write(struct.pack("<H", len(entries)) + table + struct.pack("<I", 0))
+
+
+def vips(*arguments):
+    subprocess.run(["vips", *map(str, arguments)], check=True, capture_output=True)
+
+
+def field(path, name):
+    """One header field as libvips prints it, or None."""
+    answer = subprocess.run(["vipsheader", "-f", name, path], capture_output=True, text=True)
+    return answer.stdout.strip() if answer.returncode == 0 else None
+
+
+def read(path):
+    """The samples of an 8-bit image in any format."""
+    vips("copy", path, "read.v")
+    with open("read.v", "rb") as file:
+        content = file.read()
+    os.remove("read.v")
+    width, height, bands = struct.unpack_from("<3I", content, 4)
+    return Picture(width, height, bands, content[64 : 64 + width * height * bands])
+
+
+class LimnTest(unittest.TestCase):
+    """Each test works in a folder of its own, and leaves no temporary file there."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="limn-test-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        before = os.getcwd()
+        os.chdir(self.folder)
+        self.addCleanup(os.chdir, before)
+        os.environ["XDG_DATA_HOME"] = os.path.join(self.folder, "data")
+
+    def limn(self, *arguments, code=0, says="", env=None, **options):
+        """Runs the command; fails unless it exits with `code` and says `says` on standard error."""
+        answer = subprocess.run([LIMN, *map(str, arguments)], capture_output=True, text=True, timeout=120,
+                                env={**os.environ, **(env or {})}, **options)
+        told = f"limn {arguments}: {answer.returncode}\n{answer.stdout}{answer.stderr}"
+        self.assertEqual(answer.returncode, code, told)
+        self.assertIn(says, answer.stderr, told)
+        for line in answer.stderr.splitlines():
+            self.assertTrue(line.startswith("limn: "), told)
+        self.assertNoTemporaries()
+        return answer
+
+    def assertNoTemporaries(self):
+        for folder, _, files in os.walk(self.folder):
+            self.assertFalse([name for name in files if name.startswith(".limn-")], folder)
+
+    def assertSame(self, one, other, note=""):
+        self.assertEqual((one.width, one.height, one.bands), (other.width, other.height, other.bands), note)
+        self.assertTrue(list(one.samples) == list(other.samples), f"{note}: other pixels")
+
+
+main = unittest.main

@@ -1,0 +1,85 @@
+"""A file that is cut short or damaged is refused, and leaves nothing behind."""
+
+import os
+import random
+
+import support
+
+BAD_INPUT = 3
+# Formats that end in bytes which no pixel depends on.
+LOOSE_ENDS = {"png": 30, "webp": 2, "gif": 2, "jpg": 2}
+
+
+class Damage(support.LimnTest):
+    def setUp(self):
+        super().setUp()
+        support.write_pnm("whole.ppm", support.pattern(160, 120, 3))
+
+    def make(self, kind):
+        path = "whole." + kind
+        if kind != "ppm":
+            support.vips("copy", "whole.ppm", path)
+        with open(path, "rb") as file:
+            return file.read()
+
+    def refused(self, content, name, note):
+        with open(name, "wb") as file:
+            file.write(content)
+        with self.subTest(note):
+            answer = self.limn("apply", name, "-o", "out.png", "-f", code=BAD_INPUT, says=name + ": ")
+            self.assertEqual(len(answer.stderr.splitlines()), 1, answer.stderr)
+            self.assertFalse(os.path.exists("out.png"))
+
+    def test_truncated(self):
+        for kind in ["jpg", "png", "tif", "webp", "ppm", "gif", "heic", "avif"]:
+            content = self.make(kind)
+            end = len(content) - LOOSE_ENDS.get(kind, 0)
+            for length in [0, 1, 10, end // 4, end // 2, end * 9 // 10, end - 1]:
+                self.refused(content[:length], "cut." + kind, f"{kind} cut to {length} of {len(content)}")
+
+    def test_compressed_tiff_truncated_inside(self):
+        for compression in ["lzw", "deflate", "jpeg"]:
+            support.vips("copy", "whole.ppm", f"whole.tif[compression={compression}]")
+            with open("whole.tif", "rb") as file:
+                content = bytearray(file.read())
+            content[len(content) // 3 : len(content) // 2] = b"\xff" * (len(content) // 2 - len(content) // 3)
+            self.refused(content, "damaged.tif", compression)
+
+    def test_overwritten_in_the_middle(self):
+        noise = random.Random(5)
+        for kind in ["jpg", "png"]:
+            content = bytearray(self.make(kind))
+            middle = len(content) // 2
+            content[middle : middle + 200] = noise.randbytes(200)
+            self.refused(content, "damaged." + kind, kind)
+
+    def test_not_an_image(self):
+        svg = b'<svg xmlns="http://www.w3.org/2000/svg" width="9" height="9"><rect width="9" height="9"/></svg>'
+        for name, content in [("notes.jpg", b"Dear diary\n" * 50), ("drawing.svg", svg), ("table.csv", b"1,2,3\n4,5,6\n"),
+                              ("wide.ppm", b"P6\n40000 1\n255\n" + b"\0" * 120000),
+                              ("huge.ppm", b"P6\n2000000000 2000000000\n255\n"),
+                              ("flat.ppm", b"P6\n0 5\n255\n"), ("zeros.tif", b"\0" * 500)]:
+            self.refused(content, name, name)
+
+    def test_mask_and_channels_too(self):
+        content = self.make("png")
+        with open("cut.png", "wb") as file:
+            file.write(content[: len(content) // 2])
+        for option in ["--mask", "--channel"]:
+            with self.subTest(option):
+                self.limn("apply", "whole.ppm", option, "cut.png", "-o", "out.png", code=BAD_INPUT, says="cut.png: ")
+                self.assertFalse(os.path.exists("out.png"))
+
+    def test_old_output_survives(self):
+        content = self.make("jpg")
+        with open("cut.jpg", "wb") as file:
+            file.write(content[: len(content) // 2])
+        with open("out.jpg", "wb") as file:
+            file.write(b"old")
+        self.limn("apply", "cut.jpg", "-o", "out.jpg", "--force", code=BAD_INPUT)
+        with open("out.jpg", "rb") as file:
+            self.assertEqual(file.read(), b"old")
+
+
+if __name__ == "__main__":
+    support.main()

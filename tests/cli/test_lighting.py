@@ -1,0 +1,100 @@
+"""Area, mask, relief channels, settings and memory: what the command adds to the plug-in's picture."""
+
+import json
+import os
+import subprocess
+
+import support
+from support import LIMN, Picture
+
+STYLE = {"worldUnit": 140, "exposure": 128, "ambientBrightness": 20, "bumpAmplitude": 200,
+         "lights": [{"type": "omni", "on": True, "color": [65535, 60000, 50000], "intensity": 90,
+                     "center": [-30, -20], "handle1": [20, 0], "handle2": [0, 10], "radius": 60}]}
+
+
+def cut(picture, x, y, width, height):
+    bands = picture.bands
+    return Picture(width, height, bands, [value for row in picture.rows()[y : y + height]
+                                          for value in row[x * bands : (x + width) * bands]])
+
+
+class Lighting(support.LimnTest):
+    def setUp(self):
+        super().setUp()
+        self.image = support.smooth(90, 70)
+        support.write_pnm("in.ppm", self.image)
+        with open("light.json", "w") as file:
+            json.dump(STYLE, file)
+
+    def lit(self, *options, name="in.ppm"):
+        self.limn("apply", name, "-s", "light.json", *options, "-o", "lit.tif", "-f")
+        return support.read("lit.tif")
+
+    def test_area(self):
+        x, y, width, height = 13, 9, 50, 40
+        lit = self.lit("--area", f"{x},{y},{width},{height}")
+        support.write_pnm("cut.ppm", cut(self.image, x, y, width, height))
+        # The area is lit as an image of its own would be, and nothing else changes.
+        self.assertSame(cut(lit, x, y, width, height), self.lit(name="cut.ppm"))
+        for piece in [(0, 0, 90, y), (0, y, x, height), (x + width, y, 90 - x - width, height),
+                      (0, y + height, 90, 70 - y - height)]:
+            self.assertSame(cut(lit, *piece), cut(self.image, *piece), piece)
+
+    def test_mask(self):
+        full = self.lit()
+        levels = [0, 1, 127, 128, 254, 255]
+        mask = Picture(90, 70, 1, [levels[(x + y) % 6] for y in range(70) for x in range(90)])
+        support.write_pnm("mask.pgm", mask)
+        support.write_png("mask.png", Picture(90, 70, 4, [v for m in mask.samples for v in (m, m, m, 0)]))
+        masked = self.lit("--mask", "mask.pgm")
+        self.assertSame(self.lit("--mask", "mask.png"), masked, "a neutral RGB mask")
+        for i, (before, after, got) in enumerate(zip(self.image.samples, full.samples, masked.samples)):
+            expected = before + (after - before) * mask.samples[i // 3] / 255
+            self.assertLessEqual(abs(got - expected), 1, f"sample {i}")
+            if mask.samples[i // 3] in (0, 255):
+                self.assertEqual(got, expected, f"sample {i}")
+
+    def test_relief(self):
+        flat = self.lit()
+        heights = support.pattern(90, 70, 1, seed=7)
+        support.write_pnm("heights.pgm", heights)
+        support.write_pnm("level.pgm", support.filled(90, 70, 77))
+        colors = [self.image.samples[at : at + 3] for at in range(0, len(self.image.samples), 3)]
+        support.write_png("alpha.png", Picture(90, 70, 4, [v for rgb, h in zip(colors, heights.samples) for v in (*rgb, h)]))
+        fourth = ["--set", "bumpChannel=4"]
+        relief = self.lit("--channel", "heights.pgm", *fourth)
+        self.assertFalse(list(relief.samples) == list(flat.samples), "no relief")
+        self.assertSame(self.lit("--channel", "level.pgm", *fourth), flat, "a level height map")
+        second = self.lit("--channel", "level.pgm", "--channel", "heights.pgm", "--set", "bumpChannel=5")
+        self.assertSame(second, relief, "the second channel")
+        lit = self.lit(*fourth, name="alpha.png")
+        self.assertSame(Picture(90, 70, 3, [v for i, v in enumerate(lit.samples) if i % 4 < 3]), relief, "alpha")
+        self.assertEqual(list(lit.samples[3::4]), heights.samples, "alpha is kept")
+        answer = self.limn("apply", "in.ppm", "-s", "light.json", *fourth, "-o", "lit.tif", "-f")
+        self.assertIn("has no channel 4", answer.stderr)
+        self.assertSame(support.read("lit.tif"), flat, "a channel that is not there")
+
+    def test_settings(self):
+        with open("other.json", "w") as file:
+            json.dump({**STYLE, "exposure": 150, "lights": [{**STYLE["lights"][0], "intensity": 40}]}, file)
+        expected = self.lit()
+        changed = self.lit("--set", "exposure=150", "--set", "light.0.intensity=40")
+        self.limn("apply", "in.ppm", "-s", "other.json", "-o", "other.tif")
+        self.assertSame(changed, support.read("other.tif"))
+        self.assertFalse(list(changed.samples) == list(expected.samples))
+
+    def test_memory_of_a_large_photograph(self):
+        if support.IS_SANITIZED:
+            self.skipTest("a sanitizer's own memory would be measured")
+        support.vips("black", "black.v", 6000, 4000, "--bands", 3)
+        support.vips("copy", "black.v", "large.jpg")
+        os.remove("black.v")
+        process = subprocess.Popen([LIMN, "apply", "large.jpg", "-o", "lit.jpg"], stdout=subprocess.DEVNULL)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = 0
+        self.assertEqual(status, 0)
+        self.assertLess(usage.ru_maxrss, 400 * 1024)
+
+
+if __name__ == "__main__":
+    support.main()

@@ -1,0 +1,72 @@
+"""What a photograph says about itself is in the lit one too."""
+
+import base64
+import struct
+
+import support
+
+
+def exif(orientation, make):
+    """An APP1 segment: orientation, maker and resolution (300 dpi)."""
+    make = make.encode() + b"\0"
+    offset = 8 + 2 + 5 * 12 + 4
+    entries = [(0x010F, 2, len(make), offset), (0x0112, 3, 1, orientation),
+               (0x011A, 5, 1, offset + len(make)), (0x011B, 5, 1, offset + len(make)), (0x0128, 3, 1, 2)]
+    table = b"".join(struct.pack("<HHII", *entry) for entry in entries)
+    body = (b"Exif\0\0" + struct.pack("<2sHI", b"II", 42, 8) + struct.pack("<H", len(entries)) + table +
+            struct.pack("<I", 0) + make + struct.pack("<II", 300, 1))
+    return b"\xff\xe1" + struct.pack(">H", len(body) + 2) + body
+
+
+def xmp(text):
+    body = b"http://ns.adobe.com/xap/1.0/\0" + text.encode()
+    return b"\xff\xe1" + struct.pack(">H", len(body) + 2) + body
+
+
+class Metadata(support.LimnTest):
+    def setUp(self):
+        super().setUp()
+        support.write_pnm("in.ppm", support.smooth(40, 30))
+        support.vips("icc_transform", "in.ppm", "plain.jpg", "p3", "--input-profile", "srgb")
+        with open("plain.jpg", "rb") as file:
+            plain = file.read()
+        with open("photo.jpg", "wb") as file:
+            file.write(plain[:2] + exif(6, "Lumen Works") +
+                       xmp('<x:xmpmeta xmlns:x="adobe:ns:meta/" tiff:Orientation="6" note="kept"/>') + plain[2:])
+
+    def test_kept_in_each_format(self):
+        loses = "its EXIF data is not written"
+        for output, says in [("out.jpg", ""), ("out.webp", ""), ("out.png", ""), ("out.tif", loses)]:
+            with self.subTest(output):
+                self.limn("apply", "photo.jpg", "-o", output, says=says)
+                self.assertEqual(support.field(output, "width"), "30")
+                self.assertIn(support.field(output, "orientation"), (None, "1"))
+                self.assertEqual(support.field(output, "icc-profile-data"), support.field("photo.jpg", "icc-profile-data"))
+                if output != "out.webp":  # which has no resolution of its own
+                    self.assertAlmostEqual(float(support.field(output, "xres")), 300 / 25.4, places=1)
+                if not says:
+                    self.assertIn("Lumen Works", support.field(output, "exif-ifd0-Make"))
+                self.limn("apply", output, "-o", "again.jpg", "-f")
+
+    def test_tags_agree_with_the_pixels(self):
+        self.limn("apply", "photo.jpg", "-o", "out.jpg")
+        with open("out.jpg", "rb") as file:
+            content = file.read()
+        self.assertIn(b'tiff:Orientation="1" note="kept"', content)
+        self.assertRegex(support.field("out.jpg", "exif-ifd0-Orientation") or "1 ", "^1 ")
+
+    def test_profile_of_another_space_is_not_kept(self):
+        support.vips("icc_transform", "in.ppm", "ink.jpg", "cmyk", "--input-profile", "srgb")
+        profile = base64.b64decode(support.field("ink.jpg", "icc-profile-data"))
+        support.write_tiff("in.tif", support.smooth(8, 8), fields=[(34675, 7, len(profile), profile)])
+        self.limn("apply", "in.tif", "-o", "out.tif", says="is not one for RGB and is left out")
+        self.assertIsNone(support.field("out.tif", "icc-profile-data"))
+
+    def test_jpeg_without_room_for_the_metadata(self):
+        packet = b"<x:xmpmeta>" + b" " * 70000 + b"</x:xmpmeta>"
+        support.write_tiff("in.tif", support.smooth(8, 8), fields=[(700, 1, len(packet), packet)])
+        self.limn("apply", "in.tif", "-o", "out.jpg", says="too large for a jpg file")
+
+
+if __name__ == "__main__":
+    support.main()

@@ -1,0 +1,137 @@
+"""What becomes of every kind of image on its way to the plug-in and back. A mask that selects nothing
+leaves the lighting out, so the pixels are known."""
+
+import os
+
+import support
+from support import Picture, pattern
+
+
+def high_bytes(picture):
+    return Picture(picture.width, picture.height, picture.bands, [value >> 8 for value in picture.samples])
+
+
+def grey_to_rgb(picture):
+    """Grey three times, then what follows it."""
+    bands = picture.bands
+    pixels = [picture.samples[at : at + bands] for at in range(0, len(picture.samples), bands)]
+    return Picture(picture.width, picture.height, bands + 2,
+                   [value for pixel in pixels for value in pixel[:1] * 3 + pixel[1:]])
+
+
+def upright(picture, orientation):
+    """The picture as it is to be seen; orientations 1 to 8 as EXIF counts them."""
+    bands = picture.bands
+    grid = [[tuple(row[at : at + bands]) for at in range(0, len(row), bands)] for row in picture.rows()]
+    if orientation >= 5:
+        grid = [list(column) for column in zip(*grid)]  # transposed
+    if orientation in (2, 3, 6, 7):
+        grid = [row[::-1] for row in grid]
+    if orientation in (3, 4, 7, 8):
+        grid = grid[::-1]
+    return Picture(len(grid[0]), len(grid), bands, [value for row in grid for pixel in row for value in pixel])
+
+
+class Pixels(support.LimnTest):
+    def converted(self, name, output, width, height, says=""):
+        support.write_pnm("none.pgm", support.filled(width, height, 0))
+        self.limn("apply", name, "--mask", "none.pgm", "-o", output, "-f", says=says)
+        return support.read(output)
+
+    def test_spaces_and_depths(self):
+        grey, grey_alpha, grey16 = pattern(7, 5, 1), pattern(7, 5, 2), pattern(7, 5, 1, 16)
+        rgb, rgba, rgb16, rgba16 = pattern(7, 5, 3), pattern(7, 5, 4), pattern(7, 5, 3, 16), pattern(7, 5, 4, 16)
+        five, five16 = pattern(7, 5, 5), pattern(7, 5, 5, 16)
+        becomes8 = "16 bits a channel become 8"
+        png, tiff, pnm = support.write_png, support.write_tiff, support.write_pnm
+        cases = [
+            ("grey.png", lambda path: png(path, grey), grey_to_rgb(grey), ""),
+            ("grey-alpha.png", lambda path: png(path, grey_alpha), grey_to_rgb(grey_alpha), ""),
+            ("grey16.png", lambda path: png(path, grey16), grey_to_rgb(high_bytes(grey16)), becomes8),
+            ("rgb.png", lambda path: png(path, rgb), rgb, ""),
+            ("rgba.png", lambda path: png(path, rgba), rgba, ""),
+            ("rgb16.png", lambda path: png(path, rgb16), high_bytes(rgb16), becomes8),
+            ("rgba16.png", lambda path: png(path, rgba16), high_bytes(rgba16), becomes8),
+            ("grey.pgm", lambda path: pnm(path, grey), grey_to_rgb(grey), ""),
+            ("rgb.ppm", lambda path: pnm(path, rgb), rgb, ""),
+            ("rgb16.ppm", lambda path: pnm(path, rgb16), high_bytes(rgb16), becomes8),
+            ("grey.tif", lambda path: tiff(path, grey, photometric=1), grey_to_rgb(grey), ""),
+            ("grey and two more.tif", lambda path: tiff(path, rgb, photometric=1), grey_to_rgb(rgb), ""),
+            ("rgba.tif", lambda path: tiff(path, rgba), rgba, ""),
+            ("five.tif", lambda path: tiff(path, five), five, ""),
+            ("five16.tif", lambda path: tiff(path, five16), high_bytes(five16), becomes8),
+        ]
+        for name, write, expected, says in cases:
+            with self.subTest(name):
+                write(name)
+                self.assertSame(self.converted(name, "out.tif", 7, 5, says), expected)
+
+    def test_orientation(self):
+        picture = pattern(7, 5, 4)
+        for orientation in range(1, 9):
+            with self.subTest(orientation):
+                support.write_tiff("turned.tif", picture, orientation=orientation)
+                expected = upright(picture, orientation)
+                result = self.converted("turned.tif", "out.tif", expected.width, expected.height)
+                self.assertSame(result, expected)
+                self.assertIn(support.field("out.tif", "orientation"), (None, "1"))
+
+    def test_cmyk(self):
+        white, black, cyan = [0, 0, 0, 0], [0, 0, 0, 255], [255, 0, 0, 0]
+        support.write_tiff("ink.tif", Picture(3, 1, 4, white + black + cyan), photometric=5)
+        result = self.converted("ink.tif", "out.png", 3, 1, "CMYK becomes sRGB").samples
+        self.assertEqual(len(result), 9)
+        self.assertGreater(min(result[0:3]), 250)
+        self.assertLess(max(result[3:6]), 70)
+        self.assertTrue(result[6] < 60 < 120 < min(result[7:9]), list(result))
+
+    def test_formats_with_fewer_channels(self):
+        five = pattern(7, 5, 5)
+        support.write_tiff("five.tif", five)
+        support.write_png("rgba.png", pattern(7, 5, 4))
+        cases = [("rgba.png", "out.ppm", 3, "its alpha channel is left out, since ppm has none"),
+                 ("rgba.png", "out.jpg", 3, "its alpha channel is left out, since jpg has none"),
+                 ("rgba.png", "out.webp[lossless]", 4, ""),
+                 ("five.tif", "out.png", 4, "only 4 of its 5 channels are written"),
+                 ("five.tif", "out.tif[compression=lzw]", 5, "")]
+        for name, output, bands, says in cases:
+            with self.subTest(name=name, output=output):
+                self.limn("apply", name, "-o", output, "-f", says=says)
+                self.assertEqual(support.field(output.split("[")[0], "bands"), str(bands))
+
+    def test_lossless_formats_agree(self):
+        support.write_pnm("in.ppm", support.smooth(60, 40))
+        self.limn("apply", "in.ppm", "-o", "out.ppm")
+        expected = support.read("out.ppm")
+        self.assertFalse(list(expected.samples) == support.smooth(60, 40).samples, "nothing was lit")
+        for output in ["out.png", "out.tif", "out.tiff[compression=deflate]", "out.webp[lossless]", "out.JP2[lossless]",
+                       "upper.PNG", "a[1].png", "out.pnm"]:
+            with self.subTest(output):
+                self.limn("apply", "in.ppm", "-o", output)
+                path = output if output.endswith("g") else output.split("[")[0]
+                os.rename(path, "got" + os.path.splitext(path)[1].lower())
+                self.assertSame(support.read("got" + os.path.splitext(path)[1].lower()), expected)
+        for name in ["in.png", "in.tif", "in.webp[lossless]", "in[brackets].png"]:
+            with self.subTest(name):
+                support.vips("copy", "in.ppm", "plain" + os.path.splitext(name.replace("[lossless]", ""))[1] +
+                             ("[lossless]" if "lossless" in name else ""))
+                path = name.replace("[lossless]", "")
+                os.rename("plain" + os.path.splitext(path)[1], path)
+                self.limn("apply", path, "-o", "again.ppm", "-f")
+                self.assertSame(support.read("again.ppm"), expected)
+
+    def test_lossy_formats_are_written(self):
+        support.write_pnm("in.ppm", support.smooth(64, 48))
+        self.limn("apply", "in.ppm", "-o", "out.ppm")
+        expected = support.read("out.ppm").samples
+        for output in ["out.jpg[Q=95]", "out.webp[Q=95]", "out.heic[Q=95]", "out.avif[Q=95]"]:
+            with self.subTest(output):
+                self.limn("apply", "in.ppm", "-o", output)
+                got = support.read(output.split("[")[0]).samples
+                self.assertEqual(len(got), len(expected))
+                difference = sum(abs(a - b) for a, b in zip(got, expected)) / len(expected)
+                self.assertLess(difference, 6)
+
+
+if __name__ == "__main__":
+    support.main()
