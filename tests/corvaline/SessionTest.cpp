@@ -74,7 +74,7 @@ TEST_F(Session, AnswersBecomeOutcomes) {
   for (const auto& test : cases) {
     SCOPED_TRACE(testing::Message() << "step " << test.step << " answers " << test.code);
     Plan plan = paintingPlan();
-    const auto answer = [&](int step, std::function<std::int16_t(FilterRecord&)> act) {
+    const auto answer = [&](int step, const std::function<std::int16_t(FilterRecord&)>& act) {
       return [&test, step, act](FilterRecord& record) -> std::int16_t {
         const auto code = act ? act(record) : std::int16_t{0};
         return step == test.step ? test.code : code;
