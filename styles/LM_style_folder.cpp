@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "LM_mac_stream.h"
+#include "LM_style_library.h"
 #include "MacFiles.h"
 #include "MacResources.h"
 #include "MacStrings.h"
@@ -44,6 +45,8 @@ struct FolderFile {
 
 LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID) {
   WDPBRec volume = {};
+  if (LM_StyleLibraryIsMissing())
+    return 0;
   if (PBHGetVol(&volume, 0) != noErr)
     return 0;
   Str255 name;

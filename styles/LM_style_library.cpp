@@ -1,0 +1,100 @@
+#include "LM_style_library.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <pwd.h>
+#include <unistd.h>
+
+#include "LM_mac_stream.h"
+#include "LM_style_seeding.h"
+#include "LM_style_temporary.h"
+#include "MacFiles.h"
+
+namespace {
+
+constexpr std::string_view FOLDER = "limn";
+
+bool libraryIsMissing = false;
+
+// The user's data folder; empty when the user has none.
+std::filesystem::path DataFolder() {
+  // A relative path is to be ignored there.
+  const char* data = std::getenv("XDG_DATA_HOME");
+  if (data != nullptr && data[0] == '/')
+    return data;
+  const char* home = std::getenv("HOME");
+  if (home == nullptr || home[0] != '/') {
+    const passwd* user = getpwuid(getuid());
+    home = user != nullptr ? user->pw_dir : nullptr;
+  }
+  return home != nullptr && home[0] == '/' ? std::filesystem::path(home) / ".local" / "share"
+                                           : std::filesystem::path();
+}
+
+// Makes the folder the default directory. Empty, or why not.
+std::string EnterFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error)
+    return "The folder “" + folder.string() +
+           "” for styles cannot be created: " + error.message() + ".";
+  if (TB_SetDefaultDirectory(folder.string()) != noErr)
+    return "The folder “" + folder.string() + "” for styles cannot be opened.";
+  return {};
+}
+
+std::string EnterLibrary() {
+  const std::filesystem::path data = DataFolder();
+  if (data.empty())
+    return "There is no home folder to keep styles in.";
+  return EnterFolder(data / FOLDER);
+}
+
+} // namespace
+
+bool LM_UseStyleLibrary(std::string& why) {
+  why = EnterLibrary();
+  libraryIsMissing = !why.empty();
+  if (libraryIsMissing)
+    return false;
+  LM_style_place styles = {};
+  WDPBRec library = {};
+  if (PBHGetVol(&library, 0) != noErr || LM_GetStyleFolder(&styles.vRefNum, &styles.dirID) == 0) {
+    libraryIsMissing = true;
+    why = "The style folder in “" + TB_PathOf(0, 0, nullptr) + "” cannot be created.";
+    return false;
+  }
+  const LM_style_place folder = {library.ioWDVRefNum, library.ioWDDirID};
+  LM_SweepTemporaries(folder);
+  LM_SweepTemporaries(styles);
+  why = LM_SeedStyles(folder, styles);
+  return true;
+}
+
+bool LM_StyleLibraryIsMissing() {
+  return libraryIsMissing;
+}
+
+std::string LM_StyleFolderPath() {
+  LM_style_place styles = {};
+  return LM_GetStyleFolder(&styles.vRefNum, &styles.dirID) != 0
+             ? TB_PathOf(styles.vRefNum, styles.dirID, nullptr)
+             : std::string();
+}
+
+LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals) {
+  LM_style_istream old;
+  const bool isStyle = old.Open(name) != 0;
+  old.Close();
+  LM_style_place folder = {};
+  if ((!isStyle && LM_style_istream::Exists(name) != 0) ||
+      LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0)
+    return 0;
+  TB_Str255 temporary = LM_TemporaryName();
+  bool written = LM_SaveStyleDurably(temporary.bytes, globals) != 0;
+  written = written && TB_ReplaceFile(folder.vRefNum, folder.dirID, temporary, name) == noErr;
+  if (!written)
+    HDelete(folder.vRefNum, folder.dirID, temporary);
+  return written ? 1 : 0;
+}

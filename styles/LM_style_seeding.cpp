@@ -1,0 +1,89 @@
+#include "LM_style_seeding.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "LM_gallery.h"
+#include "LM_style_codec.h"
+#include "LM_style_temporary.h"
+#include "MacFiles.h"
+
+namespace {
+
+// The names of the styles written so far, one a line.
+constexpr std::string_view MEMORY = "bundled-styles";
+constexpr int32_t LARGEST_MEMORY = 1 << 20;
+
+std::string ReadFile(const LM_style_place& folder, std::string_view name) {
+  int16_t file = 0;
+  if (HOpen(folder.vRefNum, folder.dirID, TB_PString(name), fsRdPerm, &file) != noErr)
+    return {};
+  int32_t count = 0;
+  if (GetEOF(file, &count) != noErr)
+    count = 0;
+  std::string bytes(static_cast<size_t>(std::clamp(count, 0, LARGEST_MEMORY)), '\0');
+  count = static_cast<int32_t>(bytes.size());
+  FSRead(file, &count, bytes.data());
+  bytes.resize(static_cast<size_t>(count));
+  FSClose(file);
+  return bytes;
+}
+
+std::vector<std::string> Lines(std::string_view text) {
+  std::vector<std::string> lines;
+  while (!text.empty()) {
+    const size_t end = std::min(text.find('\n'), text.size());
+    if (end > 0)
+      lines.emplace_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
+}
+
+// True when the style is there afterwards, written now or a file of the user's own.
+bool Seed(const LM_style_place& styles, const std::string& name) {
+  LM_style style = {};
+  if (!LM_BundledStyle(name, style))
+    return false;
+  uint8_t bytes[LM_STYLE_MAX_BYTES];
+  const size_t size = LM_EncodeStyle(style, bytes);
+  const TB_Str255 temporary = LM_TemporaryName();
+  if (LM_WriteNewFile(styles, temporary, {reinterpret_cast<const char*>(bytes), size}) != noErr)
+    return false;
+  const OSErr renamed = HRename(styles.vRefNum, styles.dirID, temporary, TB_PString(name));
+  if (renamed != noErr)
+    HDelete(styles.vRefNum, styles.dirID, temporary);
+  return renamed == noErr || renamed == dupFNErr;
+}
+
+bool Remember(const LM_style_place& library, const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names)
+    text += name + "\n";
+  const TB_Str255 temporary = LM_TemporaryName();
+  if (LM_WriteNewFile(library, temporary, text) != noErr)
+    return false;
+  if (TB_ReplaceFile(library.vRefNum, library.dirID, temporary, TB_PString(MEMORY)) == noErr)
+    return true;
+  HDelete(library.vRefNum, library.dirID, temporary);
+  return false;
+}
+
+} // namespace
+
+std::string LM_SeedStyles(const LM_style_place& library, const LM_style_place& styles) {
+  std::vector<std::string> known = Lines(ReadFile(library, MEMORY));
+  const size_t before = known.size();
+  std::string why;
+  for (const std::string& name : LM_BundledStyleNames()) {
+    if (std::find(known.begin(), known.end(), name) != known.end())
+      continue;
+    if (Seed(styles, name))
+      known.push_back(name);
+    else
+      why = "The style “" + name + "” could not be added to the style folder.";
+  }
+  if (known.size() != before && !Remember(library, known))
+    why = "The styles added to the style folder could not be remembered.";
+  return why;
+}

@@ -1,0 +1,131 @@
+// The small dialogs of the style menu: asking for a name, and asking whether to replace or delete.
+#include "HostDialogs.h"
+#include "LM_item_drawing.h"
+#include "LM_mac_UI.h"
+#include "LM_mac_stream.h"
+
+namespace {
+
+constexpr int16_t ACCEPT_ITEM = 1; // of the name dialog
+constexpr int16_t DECLINE_ITEM = 1; // of a confirmation: what every key presses
+constexpr int16_t CONFIRM_ITEM = 2;
+constexpr int16_t OUTLINE_ITEM = 3;
+constexpr int16_t NAME_ITEM = 4;
+constexpr int16_t NO_DIALOG = -1;
+
+// A dialog built from a resource that is kept in memory meanwhile.
+class SmallDialog {
+public:
+  explicit SmallDialog(int16_t number)
+      : _resource(GetResource(CV_FOUR_CHARS('D', 'L', 'O', 'G'), number)), _number(number) {
+    if (_resource == nullptr)
+      return;
+    HNoPurge(_resource);
+    CenterDialog(_resource);
+  }
+  SmallDialog(const SmallDialog&) = delete;
+  SmallDialog& operator=(const SmallDialog&) = delete;
+  ~SmallDialog() {
+    if (dialog != nullptr)
+      DisposeDialog(dialog);
+    if (_resource != nullptr)
+      HPurge(_resource);
+  }
+  // Builds it, its default button outlined, not shown yet.
+  bool Build() {
+    dialog = GetNewDialog(_number, nullptr, nullptr);
+    if (dialog == nullptr)
+      return false;
+    LM_UserItemSetDrawProc(dialog, OUTLINE_ITEM, LM_DrawOKOutline);
+    return true;
+  }
+  Handle Resource() const { return _resource; }
+
+  DialogPtr dialog = nullptr;
+
+private:
+  Handle _resource;
+  int16_t _number;
+};
+
+Handle TextHandle(DialogPtr dialog, int16_t item) {
+  int16_t type = 0;
+  Handle handle = nullptr;
+  Rect box;
+  GetDialogItem(dialog, item, &type, &handle, &box);
+  return handle;
+}
+
+bool IsDeclineKey(const EventRecord& event) {
+  const uint32_t character = event.message & charCodeMask;
+  return character == kReturnCharCode || character == kEnterCharCode ||
+         character == kEscapeCharCode || (character == '.' && (event.modifiers & cmdKey) != 0);
+}
+
+// The confirmations' filter, which also notes the item last pressed with the mouse: nothing else,
+// such as the window's closing, may confirm.
+Boolean FilterAndNotePress(DialogPtr dialog, EventRecord* event, int16_t* item) {
+  if (event->what == mouseDown) {
+    GrafPtr before = nullptr;
+    GetPort(&before);
+    SetPort(dialog);
+    Point point = event->where;
+    GlobalToLocal(&point);
+    SetPort(before);
+    SetWRefCon(dialog, FindDialogItem(dialog, point) + 1);
+  } else if (event->what == keyDown || event->what == autoKey) {
+    SetWRefCon(dialog, 0);
+  }
+  return LM_ConfirmDialogFilter(dialog, event, item) != 0 ? 1 : 0;
+}
+
+LM_bool Confirm(int16_t number, ConstStr255Param name) {
+  SmallDialog confirmation(number);
+  if (!confirmation.Build())
+    return 0;
+  static const Str255 empty = {0};
+  ParamText(name, empty, empty, empty);
+  SetWRefCon(confirmation.dialog, 0);
+  ShowWindow(confirmation.dialog);
+  int16_t item = 0;
+  while (item != DECLINE_ITEM && item != CONFIRM_ITEM && item != NO_DIALOG)
+    ModalDialog(FilterAndNotePress, &item);
+  return item == CONFIRM_ITEM && GetWRefCon(confirmation.dialog) == CONFIRM_ITEM ? 1 : 0;
+}
+
+} // namespace
+
+LM_bool LM_AskSaveAsName(FilterRecord* record, StringPtr name) {
+  SmallDialog asking(LM_SAVE_AS_DIALOG);
+  SetUpMoveableModal(asking.Resource(), record->hostSignature);
+  if (!asking.Build())
+    return 0;
+  SetDialogItemText(TextHandle(asking.dialog, NAME_ITEM), name);
+  SelectDialogItemText(asking.dialog, NAME_ITEM, 0, INT16_MAX);
+  ShowWindow(asking.dialog);
+  int16_t item = 0;
+  while (item != ACCEPT_ITEM && item != kCancelItem && item != NO_DIALOG)
+    MoveableModalDialog(record->processEvent, nullptr, &item);
+  if (item != ACCEPT_ITEM)
+    return 0;
+  GetDialogItemText(TextHandle(asking.dialog, NAME_ITEM), name);
+  if (name[0] != 0 && name[1] == '.')
+    name[1] = '*';
+  return 1;
+}
+
+LM_bool LM_ConfirmOverwrite(ConstStr255Param name) {
+  return Confirm(LM_OVERWRITE_DIALOG, name);
+}
+
+LM_bool LM_ConfirmDelete(ConstStr255Param name) {
+  return Confirm(LM_DELETE_DIALOG, name);
+}
+
+LM_bool LM_ConfirmDialogFilter(DialogPtr dialog, EventRecord* event, int16_t* item) {
+  if (event->what != keyDown || !IsDeclineKey(*event))
+    return 0;
+  *item = DECLINE_ITEM;
+  FlashDialogButton(dialog, DECLINE_ITEM);
+  return 1;
+}

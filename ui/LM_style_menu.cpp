@@ -1,0 +1,194 @@
+#include "LM_style_menu.h"
+
+#include <string>
+
+#include "LM_alerts.h"
+#include "LM_mac_stream.h"
+#include "LM_style_library.h"
+#include "MacResources.h"
+#include "MacStrings.h"
+
+namespace {
+
+int16_t ChosenPlace(const LM_style_menu& menu) {
+  return LM_ControlValue(menu.dialog, LM_STYLE_ITEM);
+}
+
+void GetChosenName(const LM_style_menu& menu, Str255 name) {
+  LM_PopupGetItem(menu.dialog, LM_STYLE_ITEM, ChosenPlace(menu), name);
+}
+
+bool SameName(ConstStr255Param a, ConstStr255Param b) {
+  return EqualString(a, b, 0, 0) != 0;
+}
+
+// Delete is for every style but the default one.
+void EnableDeleteForChoice(const LM_style_menu& menu) {
+  Str255 name;
+  GetChosenName(menu, name);
+  const bool deletable = name[0] != 0 && !SameName(name, menu.defaultName);
+  (deletable ? LM_EnableItem : LM_DisableItem)(menu.dialog, LM_DELETE_STYLE_ITEM);
+  LM_ItemForceDraw(menu.dialog, LM_DELETE_STYLE_ITEM);
+}
+
+// Loads the style that the dialog opens with, or else the menu's first one, and answers its place
+// in the menu; 0 when neither loads.
+int16_t LoadOpeningStyle(LM_style_menu& menu) {
+  Str255 name;
+  LM_PStringCopy(name, menu.openingName);
+  if (name[0] != 0 && LM_LoadStyle(name, menu.globals) != 0)
+    return LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name);
+  LM_PopupGetItem(menu.dialog, LM_STYLE_ITEM, 1, name);
+  return name[0] != 0 && LM_LoadStyle(name, menu.globals) != 0 ? int16_t{1} : int16_t{0};
+}
+
+void Choose(const LM_style_menu& menu, int16_t place) {
+  if (place > 0)
+    LM_SetControlValue(menu.dialog, LM_STYLE_ITEM, place);
+}
+
+// Where exactly this name stands in the menu, or one that differs by case and marks; 0 for neither.
+int16_t PlaceOfSavedName(const LM_style_menu& menu, ConstStr255Param name) {
+  const MenuHandle styles = LM_PopupMenu(menu.dialog, LM_STYLE_ITEM);
+  Str255 text;
+  for (int16_t place = styles != nullptr ? CountMenuItems(styles) : int16_t{0}; place > 0;
+       --place) {
+    GetMenuItemText(styles, place, text);
+    if (EqualString(name, text, 1, 1) != 0)
+      return place;
+  }
+  return LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name);
+}
+
+// Asks until there is a name that may be written, or the user gives up.
+bool AskForName(const LM_style_menu& menu, StringPtr name) {
+  while (LM_AskSaveAsName(menu.record, name) != 0) {
+    if (LM_style_istream::Exists(name) == 0)
+      return true;
+    if (LM_ConfirmOverwrite(name) == 0)
+      continue;
+    if (LM_style_ostream::IsLocked(name) == 0)
+      return true;
+    LM_FileSaveLockedError(name);
+  }
+  return false;
+}
+
+void ShowSettings(const LM_style_menu& menu) {
+  LM_SetGlobalsToDialog(menu.dialog, menu.globals);
+  LM_SetCurLightToDialog(menu.dialog, menu.globals);
+  LM_ItemForceDraw(menu.dialog, LM_LIGHT_WELL_ITEM);
+}
+
+} // namespace
+
+LM_bool LM_RebuildStylePopup(DialogPtr dialog, int16_t item) {
+  const MenuHandle menu = LM_PopupMenu(dialog, item);
+  if (menu == nullptr)
+    return 0;
+  LM_PopupClear(dialog, item);
+  Str255 defaultName;
+  GetIndString(defaultName, LM_DEFAULT_STYLE_NAME, 1);
+  LM_style_istream probe;
+  if (probe.Open(defaultName) != 0)
+    AppendMenu(menu, defaultName);
+  probe.Close();
+  for (const std::string& name : LM_StyleNames()) {
+    const TB_Str255 text = TB_PString(name);
+    if (!SameName(text, defaultName))
+      AppendMenu(menu, text);
+  }
+  LM_PopupUseMenuRange(dialog, item);
+  LM_ItemForceDraw(dialog, item);
+  const bool any = CountMenuItems(menu) > 0;
+  (any ? LM_EnableItem : LM_DisableItem)(dialog, LM_DELETE_STYLE_ITEM);
+  LM_ItemForceDraw(dialog, LM_DELETE_STYLE_ITEM);
+  return any ? 1 : 0;
+}
+
+LM_style_menu LM_UseStyleMenu(DialogPtr dialog, LM_globals* globals, FilterRecord* record) {
+  LM_style_menu menu = {dialog, globals, record, {0}, {0}};
+  GetIndString(menu.defaultName, LM_DEFAULT_STYLE_NAME, 1);
+  if (globals->UseCurrentSettings() == 0)
+    LM_PopupGetItem(dialog, LM_STYLE_ITEM, 1, menu.openingName);
+  return menu;
+}
+
+void LM_OpenStyleMenu(LM_style_menu& menu) {
+  LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM);
+  if (menu.globals->UseCurrentSettings() == 0) {
+    menu.globals->SetStyleIndex(LoadOpeningStyle(menu));
+  } else {
+    const MenuHandle styles = LM_PopupMenu(menu.dialog, LM_STYLE_ITEM);
+    const int16_t kept = menu.globals->StyleIndex();
+    if (styles == nullptr || kept < 0 || kept > CountMenuItems(styles))
+      menu.globals->SetStyleIndex(0);
+  }
+  Choose(menu, menu.globals->StyleIndex());
+  EnableDeleteForChoice(menu);
+}
+
+int16_t LM_CheckBumpChannel(DialogPtr dialog, LM_globals* globals) {
+  const ControlHandle popup = LM_ItemControl(dialog, LM_BUMP_CHANNEL_ITEM);
+  const int16_t channel = globals->BumpChannel();
+  if (channel < 0 || popup == nullptr || channel >= GetControlMaximum(popup))
+    globals->SetBumpChannel(0);
+  return LM_CollectRelief(globals);
+}
+
+void LM_RunSaveFlow(LM_style_menu& menu) {
+  Str255 name;
+  GetChosenName(menu, name);
+  if (!AskForName(menu, name))
+    return;
+  const bool listed = LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name) > 0;
+  const LM_bool saved =
+      listed ? LM_ReplaceStyle(name, menu.globals) : LM_SaveStyle(name, menu.globals);
+  if (saved == 0)
+    LM_ShowStyleSaveError();
+  LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM);
+  const int16_t place = PlaceOfSavedName(menu, name);
+  Choose(menu, place);
+  menu.globals->SetStyleIndex(place);
+  EnableDeleteForChoice(menu);
+}
+
+LM_style_outcome LM_RunLoadFlow(LM_style_menu& menu) {
+  const int16_t place = ChosenPlace(menu);
+  if (place == menu.globals->StyleIndex())
+    return {CV_RESULT_OK, false};
+  EnableDeleteForChoice(menu);
+  Str255 name;
+  GetChosenName(menu, name);
+  if (LM_LoadStyle(name, menu.globals) == 0) {
+    LM_ShowStyleLoadError();
+    return {CV_RESULT_OK, false};
+  }
+  menu.globals->SetStyleIndex(place);
+  const int16_t result = LM_CheckBumpChannel(menu.dialog, menu.globals);
+  ShowSettings(menu);
+  return {result, true};
+}
+
+LM_style_outcome LM_RunDeleteFlow(LM_style_menu& menu) {
+  Str255 name;
+  GetChosenName(menu, name);
+  if (LM_style_ostream::IsLocked(name) != 0) {
+    LM_FileDeleteLockedError(name);
+    return {CV_RESULT_OK, false};
+  }
+  if (LM_ConfirmDelete(name) == 0)
+    return {CV_RESULT_OK, false};
+  if (LM_DeleteStyle(name) == 0 && LM_style_istream::Exists(name) != 0) {
+    // A folder that nothing may be removed from locks its files as well.
+    LM_FileDeleteLockedError(name);
+    return {CV_RESULT_OK, false};
+  }
+  menu.globals->Default();
+  if (LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM) != 0)
+    Choose(menu, LoadOpeningStyle(menu));
+  EnableDeleteForChoice(menu);
+  const int16_t result = LM_CheckBumpChannel(menu.dialog, menu.globals);
+  ShowSettings(menu);
+  return {result, true};
+}
