@@ -131,12 +131,14 @@ void EngineRun::Deliver() {
                 wanted.right <= scene.width);
   }
   const int stride = columns * planes + ROW_PADDING;
-  input = std::vector<uint8_t>(static_cast<size_t>(rows * stride - ROW_PADDING));
+  input =
+      std::vector<uint8_t>(static_cast<size_t>(rows) * static_cast<size_t>(stride) - ROW_PADDING);
   for (int row = 0; row < rows; ++row) {
     const int y = std::clamp(wanted.top + row, 0, scene.height - 1);
     for (int column = 0; column < columns; ++column) {
       const int x = std::clamp(wanted.left + column, 0, scene.width - 1);
-      const auto pixel = static_cast<size_t>(y * scene.width + x);
+      const auto pixel =
+          static_cast<size_t>(y) * static_cast<size_t>(scene.width) + static_cast<size_t>(x);
       for (int p = 0; p < planes; ++p) {
         const int plane = record.inFirstPlane + p;
         input[static_cast<size_t>(row * stride + column * planes + p)] =

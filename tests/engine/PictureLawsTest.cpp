@@ -17,7 +17,8 @@ Scene SymmetricScene(uint64_t seed) {
   SceneRandom random(seed);
   scene.width = scene.height = std::min(scene.width, scene.height);
   scene.area = {0, 0, scene.height, scene.width};
-  scene.pixels.resize(static_cast<size_t>(scene.width * scene.height * 3));
+  scene.pixels.resize(size_t{3} * static_cast<size_t>(scene.width) *
+                      static_cast<size_t>(scene.height));
   scene.heights.clear();
   for (ReferenceLight& light : scene.settings.lights)
     light.type = random.Between(REFERENCE_OMNI, REFERENCE_DIRECTIONAL);

@@ -168,7 +168,7 @@ TEST(Preview, UnlitPictureKeepsItsOutlines) {
     scene.width = width;
     scene.height = height;
     scene.area = {0, 0, height, width};
-    scene.pixels.assign(static_cast<size_t>(width * height * 3), 90);
+    scene.pixels.assign(size_t{3} * static_cast<size_t>(width) * static_cast<size_t>(height), 90);
     EngineRun run(scene);
     ASSERT_TRUE(run.CollectPreview(64));
     LM_DrawPreviewFrameToPixelMap(nullptr, run.globals.get());

@@ -1,5 +1,6 @@
 // The engine and the plain shader draw the same bytes, and every machine draws the same.
 #include "EngineRun.h"
+#include "LM_shader.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -50,6 +51,41 @@ TEST(Scenes, DegenerateLightsEqualPlainShader) {
     SCOPED_TRACE("light " + std::to_string(i));
     EngineRun run(scene);
     ExpectSamePicture(RenderScene(scene), run.RenderTiles(), scene.width);
+  }
+}
+
+// The sums themselves: most of their roundings are too fine to show in bytes.
+TEST(Scenes, SumsOfLightEqualPlainShader) {
+  SceneRandom random(21);
+  for (int i = 0; i < 300 && !testing::Test::HasFailure(); ++i) {
+    SCOPED_TRACE("light " + std::to_string(i));
+    const ReferenceLight edited =
+        MakeLight(random, i % 3, i % 5 == 4 ? SceneMood::Wild : SceneMood::Usual);
+    const ReferenceRealLight expected = ReferenceConvert(edited, 140, REFERENCE_TABLE);
+    LM_light light{};
+    ToEngine(edited).ConvertToRealLight(&light, 140, 0);
+    for (int sample = 0; sample < 50; ++sample) {
+      const LM_vector2f place = {static_cast<float>(random.Between(-999, 999)) / 997.0F,
+                                 static_cast<float>(random.Between(-999, 999)) / 997.0F};
+      const ReferenceFacet facet = ReferenceFacets([&](int, int) { return random.Between(0, 60); },
+                                                   0, 0, random.Between(-200, 200))[0];
+      const LM_vector3f normal = {facet.normal.x, facet.normal.y, facet.normal.z};
+      const int32_t weights[] = {16, 0};
+      for (const bool relief : {false, true}) {
+        ReferenceSums sums;
+        LM_color96 diffuse{};
+        LM_color96 specular{};
+        ReferenceAddLight(sums, expected, place.x, place.y, relief ? &facet.normal : nullptr);
+        if (relief)
+          LM_ShadeLightBumps(light, 1, &place, &normal, &diffuse, &specular, weights);
+        else
+          LM_ShadeLight(light, 1, &place, &diffuse, &specular);
+        for (size_t k = 0; k < 3; ++k) {
+          EXPECT_EQ(sums.diffuse[k], diffuse.component[k]) << (relief ? "relief" : "flat");
+          EXPECT_EQ(sums.specular[k], specular.component[k]) << (relief ? "relief" : "flat");
+        }
+      }
+    }
   }
 }
 

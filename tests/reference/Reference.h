@@ -121,6 +121,15 @@ int32_t ReferenceHeight(const ReferenceChannel& channel, int x, int y, int32_t s
 std::vector<ReferenceFacet> ReferenceFacets(const ReferenceChannel& channel, int x, int y,
                                             int32_t scale);
 
+// The light that one sample has received, in plane order.
+struct ReferenceSums {
+  std::array<int32_t, 3> diffuse{}, specular{};
+};
+
+// Adds one light to a sample at (x, y) in shading units. normal: null for a flat surface.
+void ReferenceAddLight(ReferenceSums& sums, const ReferenceRealLight& light, float x, float y,
+                       const ReferenceVector* normal);
+
 // Colour of a sample at (x, y) in shading units. normal: null for a flat surface.
 std::array<uint8_t, 3> ReferenceSample(const ReferenceParameters& parameters, float x, float y,
                                        const ReferenceVector* normal, const uint8_t* source);

@@ -5,10 +5,6 @@
 
 namespace {
 
-struct Sums {
-  std::array<int32_t, 3> diffuse{}, specular{};
-};
-
 // A 32-bit sum that wraps.
 int32_t Wrap(int64_t value) {
   return static_cast<int32_t>(static_cast<uint32_t>(value));
@@ -43,7 +39,7 @@ float Falloff(const ReferenceRealLight& light, float cosine) {
   return light.spreadTable[static_cast<size_t>(std::clamp(index, 0, last))];
 }
 
-void AddFlat(Sums& sums, const ReferenceRealLight& light, float x, float y) {
+void AddFlat(ReferenceSums& sums, const ReferenceRealLight& light, float x, float y) {
   const ReferenceVector l = ToLight(light, x, y);
   const float inverse = InverseLength(l);
   float s = 1.0F;
@@ -65,7 +61,7 @@ void AddFlat(Sums& sums, const ReferenceRealLight& light, float x, float y) {
   Add(sums.specular, light.color, e);
 }
 
-void AddRelief(Sums& sums, const ReferenceRealLight& light, float x, float y,
+void AddRelief(ReferenceSums& sums, const ReferenceRealLight& light, float x, float y,
                const ReferenceVector& n) {
   const ReferenceVector l = ToLight(light, x, y);
   const float inverse = InverseLength(l);
@@ -92,7 +88,7 @@ void AddRelief(Sums& sums, const ReferenceRealLight& light, float x, float y,
 }
 
 // No product here exceeds 64 bits, and wrapping once at the end equals wrapping at every step.
-uint8_t Combine(const ReferenceParameters& p, int k, const Sums& sums, int src) {
+uint8_t Combine(const ReferenceParameters& p, int k, const ReferenceSums& sums, int src) {
   const int64_t lit = int64_t{p.ambient[k]} + sums.diffuse[k];
   const int64_t shine = sums.specular[k] >> 8;
   const int64_t g = p.gloss;
@@ -162,15 +158,19 @@ ReferenceChannel ChannelOf(const ReferenceImage& image, const ReferencePlane& he
 
 } // namespace
 
+void ReferenceAddLight(ReferenceSums& sums, const ReferenceRealLight& light, float x, float y,
+                       const ReferenceVector* normal) {
+  if (normal)
+    AddRelief(sums, light, x, y, *normal);
+  else
+    AddFlat(sums, light, x, y);
+}
+
 std::array<uint8_t, 3> ReferenceSample(const ReferenceParameters& parameters, float x, float y,
                                        const ReferenceVector* normal, const uint8_t* source) {
-  Sums sums;
-  for (const ReferenceRealLight& light : parameters.lights) {
-    if (normal)
-      AddRelief(sums, light, x, y, *normal);
-    else
-      AddFlat(sums, light, x, y);
-  }
+  ReferenceSums sums;
+  for (const ReferenceRealLight& light : parameters.lights)
+    ReferenceAddLight(sums, light, x, y, normal);
   std::array<uint8_t, 3> out{};
   for (int k = 0; k < 3; ++k)
     out[k] = Combine(parameters, k, sums, source[k]);
