@@ -27,7 +27,8 @@ void Arrow(Sheet& sheet, Vec2 from, Vec2 to, float width, Vec3 ink) {
 void Dashes(Sheet& sheet, Vec2 from, Vec2 to, float width, Vec3 ink) {
   const float length = Length(to - from);
   const Vec2 way = (to - from) * (1 / length);
-  for (float at = 0; at < length; at += 14) {
+  for (int i = 0; i < static_cast<int>(length / 14) + 1; ++i) {
+    const float at = 14 * static_cast<float>(i);
     sheet.Draw({from + way * at, from + way * std::min(at + 8, length)}, width, ink);
   }
 }
@@ -69,10 +70,12 @@ void Lamp(Sheet& sheet, Vec2 at) {
 
 void Profiles(Sheet& sheet) {
   const Vec2 lamp = {150, 210};
-  for (float x = 60; x < 760; x += 9) {
+  for (int i = 0; i < 78; ++i) {
+    const float x = 60 + 9 * static_cast<float>(i);
     // Hatching below the profile, each line cut where it meets it.
     Stroke line;
-    for (float step = 0; step < 190; step += 2) {
+    for (int j = 0; j < 95; ++j) {
+      const float step = 2 * static_cast<float>(j);
       const Vec2 p = {x + step * 0.6F, 590 - step};
       if (p.x > 80 && p.x < 720 && p.y > ProfileAt(p.x) + 5) {
         line.push_back(p);
@@ -82,7 +85,8 @@ void Profiles(Sheet& sheet) {
       sheet.Draw(line, 1.1F, BLUE);
     }
   }
-  for (float x = 80; x < 720; x += 2) {
+  for (int i = 0; i < 320; ++i) {
+    const float x = 80 + 2 * static_cast<float>(i);
     const Vec2 p = {x, ProfileAt(x)}, ray = lamp - p;
     const float lit = std::max(0.0F, Dot(NormalAt(x), ray * (1 / Length(ray))));
     sheet.Draw({p, {x + 2, ProfileAt(x + 2)}}, 9 - 7 * lit, INK);

@@ -61,8 +61,9 @@ CellDistances Cells(Vec3 p) {
   const Vec3 base = {std::floor(p.x), std::floor(p.y), std::floor(p.z)};
   CellDistances found = {9, 9, 0};
   for (int i = 0; i < 27; ++i) {
-    const Vec3 cell = base + Vec3{static_cast<float>(i % 3 - 1), static_cast<float>(i / 3 % 3 - 1),
-                                  static_cast<float>(i / 9 - 1)};
+    const int dx = i % 3 - 1, dy = i / 3 % 3 - 1, dz = i / 9 - 1;
+    const Vec3 cell =
+        base + Vec3{static_cast<float>(dx), static_cast<float>(dy), static_cast<float>(dz)};
     const uint32_t id = Hash(static_cast<int32_t>(cell.x), static_cast<int32_t>(cell.y),
                              static_cast<int32_t>(cell.z));
     const Vec3 point = {UnitFloat(id), UnitFloat(Hash(id)), UnitFloat(Hash(id + 1))};

@@ -294,6 +294,7 @@ Film Render(const Scene& scene, const RenderOptions& options) {
     }
   };
   std::vector<std::jthread> workers;
+  workers.reserve(static_cast<size_t>(options.threads));
   for (int i = 0; i < options.threads; ++i) {
     workers.emplace_back(work);
   }

@@ -25,7 +25,8 @@ float Sampled::At(Vec2 p) const {
   };
   const float x = limit((p.x - _low.x) / _step, _values.width);
   const float y = limit((p.y - _low.y) / _step, _values.height);
-  const int column = static_cast<int>(x + 0.5F), row = static_cast<int>(y + 0.5F);
+  const float right = x + 0.5F, below = y + 0.5F;
+  const int column = static_cast<int>(right), row = static_cast<int>(below);
   const auto weights = [](float offset) {
     return Vec3{0.5F * Square(0.5F - offset), 0.75F - Square(offset), 0.5F * Square(0.5F + offset)};
   };
