@@ -56,17 +56,22 @@ static void findColumns(const CVTile& tile, int imageWidth, std::vector<std::siz
     columns[i] = samplePosition(tile.left, static_cast<int>(i), tile.step, imageWidth);
 }
 
-// True when the document's own bytes are what the tile asks for: all channels of a buffer in their
-// order, every pixel, nothing outside.
+// True when a pixel of the tile is the same bytes as a pixel of the buffer it belongs to.
+bool CVTileDelivery::_hasWholePixels(const CVTile& tile) const {
+  return _document.channel(tile.firstChannel).pixelStep ==
+             static_cast<std::size_t>(tile.channels()) &&
+         (tile.firstChannel == 0 || tile.firstChannel >= _document.basePlanes());
+}
+
+// True when the document's own bytes are what the tile asks for: whole pixels, every one of them,
+// and nothing outside the image.
 bool CVTileDelivery::_lendable(const CVTile& tile) const {
-  const auto view = _document.channel(tile.firstChannel);
   const bool inside = tile.top >= 0 && tile.left >= 0 &&
                       tile.top + tile.height <= _document.height() &&
                       tile.left + tile.width <= _document.width();
-  const bool wholePixels = view.pixelStep == static_cast<std::size_t>(tile.channels()) &&
-                           (tile.firstChannel == 0 || tile.firstChannel >= _document.basePlanes());
-  return inside && wholePixels && tile.step == CV_FIXED_ONE &&
-         view.rowStride <= std::numeric_limits<std::int32_t>::max();
+  return inside && tile.step == CV_FIXED_ONE && _hasWholePixels(tile) &&
+         _document.channel(tile.firstChannel).rowStride <=
+             static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
 }
 
 static const std::uint8_t* at(const CVChannelView<const std::uint8_t>& view, int row, int column) {
@@ -136,8 +141,12 @@ static std::uint8_t* rowAt(const CVChannelView<std::uint8_t>& view, int top, int
 }
 
 static void copyRow(const std::uint8_t* source, std::size_t sourceStep, std::uint8_t* dest,
-                    std::size_t destStep, int count) {
-  for (int i = 0; i < count; ++i) {
+                    std::size_t destStep, std::size_t count) {
+  if (sourceStep == 1 && destStep == 1) {
+    std::memcpy(dest, source, count);
+    return;
+  }
+  for (std::size_t i = 0; i < count; ++i) {
     *dest = *source;
     source += sourceStep;
     dest += destStep;
@@ -147,21 +156,26 @@ static void copyRow(const std::uint8_t* source, std::size_t sourceStep, std::uin
 // Fills the output tile with the present content: the document's, and in the filter area the
 // result's.
 void CVTileDelivery::_fillOutput(const CVTile& tile, const CVTile& part) {
-  const CVRect& area = _result.area();
   const std::size_t stride = strideOfCopy(tile);
   const auto channels = static_cast<std::size_t>(tile.channels());
-  findColumns(tile, _document.width(), _columns);
-  for (int i = 0; i < tile.channels(); ++i) {
-    const CVChannelView<std::uint8_t> copy{_outputBuffer.data() + i, stride, channels};
-    if (part.height != tile.height || part.width != tile.width)
+  if (part.height != tile.height || part.width != tile.width) {
+    findColumns(tile, _document.width(), _columns);
+    for (int i = 0; i < tile.channels(); ++i)
       copySamples(_document.channel(tile.firstChannel + i), tile, _document.height(), _columns,
-                  copy);
-    if (part.isEmpty())
-      continue;
+                  {_outputBuffer.data() + i, stride, channels});
+  }
+  if (part.isEmpty())
+    return;
+  const CVRect& area = _result.area();
+  const bool whole = _hasWholePixels(tile); // then a row goes over at once
+  const auto width = static_cast<std::size_t>(part.width);
+  for (int i = 0; i < (whole ? 1 : tile.channels()); ++i) {
+    const CVChannelView<std::uint8_t> copy{_outputBuffer.data() + i, stride, channels};
     const auto present = _result.channel(tile.firstChannel + i);
     for (int row = part.top; row < part.top + part.height; ++row)
-      copyRow(rowAt(present, area.top, area.left, row, part.left), present.pixelStep,
-              rowAt(copy, tile.top, tile.left, row, part.left), channels, part.width);
+      copyRow(rowAt(present, area.top, area.left, row, part.left), whole ? 1 : present.pixelStep,
+              rowAt(copy, tile.top, tile.left, row, part.left), whole ? 1 : channels,
+              whole ? width * channels : width);
   }
 }
 
@@ -221,18 +235,22 @@ void CVTileDelivery::takeOutput() {
   if (part.isEmpty())
     return;
   const auto selection = _document.mask();
+  const bool mixed = selection.data != nullptr;
+  const bool whole = !mixed && _hasWholePixels(tile);
   const std::size_t stride = strideOfCopy(tile);
   const auto channels = static_cast<std::size_t>(tile.channels());
-  for (int i = 0; i < tile.channels(); ++i) {
+  const auto width = static_cast<std::size_t>(part.width);
+  for (int i = 0; i < (whole ? 1 : tile.channels()); ++i) {
     const CVChannelView<std::uint8_t> left{_outputBuffer.data() + i, stride, channels};
     const auto result = _result.channel(tile.firstChannel + i);
     for (int row = part.top; row < part.top + part.height; ++row) {
       const std::uint8_t* source = rowAt(left, tile.top, tile.left, row, part.left);
       std::uint8_t* dest = rowAt(result, area.top, area.left, row, part.left);
-      if (selection.data == nullptr)
-        copyRow(source, channels, dest, result.pixelStep, part.width);
-      else
+      if (mixed)
         mixRow(source, channels, at(selection, row, part.left), dest, result.pixelStep, part.width);
+      else
+        copyRow(source, whole ? 1 : channels, dest, whole ? 1 : result.pixelStep,
+                whole ? width * channels : width);
     }
   }
   _pixelsTaken += std::int64_t{part.height} * part.width;

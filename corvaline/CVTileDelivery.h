@@ -46,6 +46,7 @@ private:
   CVResult _deliverOutput(FilterRecord& record);
   CVResult _deliverMask(FilterRecord& record);
   void _fillOutput(const CVTile& tile, const CVTile& part);
+  bool _hasWholePixels(const CVTile& tile) const;
   bool _lendable(const CVTile& tile) const;
 
   const CVDocument& _document;
