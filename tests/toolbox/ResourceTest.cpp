@@ -31,9 +31,11 @@ protected:
 const TB_EmbeddedFile FILES[] = {
     File("en/a.json", R"({"STR#": {"1": ["one", "two", "three"], "2": ["only"]}})"),
     File("en/b.json", R"({"STR#": {"3": [1, null]},
-                          "DLOG": {"9": {"items": {"1": {"text": "OK", "rect": [1, 2, 3, 4]}}}}})"),
+                          "DLOG": {"9": {"items": [{"number": 2, "text": "No"},
+                                     {"number": 1, "text": "OK", "rect": [1, 2, 3, 4]}]}}})"),
     File("de/a.json", R"({"STR#": {"1": ["eins", null]},
-                          "DLOG": {"9": {"items": {"1": {"text": "Gut"}}}}})"),
+                          "DLOG": {"9": {"items": [{"number": 1, "text": "Gut"},
+                                                               {"number": 3, "text": "Neu"}]}}})"),
     File("icons/128.svg", "<svg/>"),
     File("styles/Dusk.json", "no resource"),
     File("de/flag.svg", "black red gold"),
@@ -56,7 +58,7 @@ TEST_F(ResourceTest, StringsByListAndIndex) {
   EXPECT_EQ(Item(4, 1), "") << "no such list";
   const nlohmann::json* dialog = TB_Resource("DLOG", 9);
   ASSERT_NE(dialog, nullptr);
-  EXPECT_EQ((*dialog)["items"]["1"]["rect"][3], 4);
+  EXPECT_EQ((*dialog)["items"][1]["rect"][3], 4);
   EXPECT_EQ(TB_Resource("DLOG", 10), nullptr);
   EXPECT_EQ(TB_Resource("ALRT", 9), nullptr);
   EXPECT_EQ(TB_ResourceFile("icons/128.svg"), "<svg/>");
@@ -81,9 +83,12 @@ TEST_F(ResourceTest, AnotherLanguageLiesOverEnglish) {
   EXPECT_EQ(Item(1, 2), "two");
   EXPECT_EQ(Item(1, 3), "three");
   EXPECT_EQ(Item(2, 1), "only");
-  const nlohmann::json& button = (*TB_Resource("DLOG", 9))["items"]["1"];
-  EXPECT_EQ(button["text"], "Gut");
-  EXPECT_EQ(button["rect"], (nlohmann::json{1, 2, 3, 4}));
+  const nlohmann::json& items = (*TB_Resource("DLOG", 9))["items"];
+  ASSERT_EQ(items.size(), 3U);
+  EXPECT_EQ(items[0]["text"], "No") << "items are matched by number, not by place";
+  EXPECT_EQ(items[1]["text"], "Gut");
+  EXPECT_EQ(items[1]["rect"], (nlohmann::json{1, 2, 3, 4}));
+  EXPECT_EQ(items[2]["text"], "Neu");
   EXPECT_EQ(TB_ResourceFile("flag.svg"), "black red gold");
   TB_SetLanguage("en");
   EXPECT_EQ(Item(1, 1), "one");

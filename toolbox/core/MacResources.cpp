@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -28,13 +29,37 @@ struct State {
   std::map<std::string, std::string, std::less<>> files; // all but the resource files, by path
   std::map<std::string, json, std::less<>> languages;    // type -> number -> resource
   std::string chosen; // by TB_SetLanguage; empty: by the environment
-  // English with the language in use laid over it; null when it must be made anew.
-  json merged;
+  // English with the language in use laid over it; must be made anew when empty.
+  std::unique_ptr<const json> merged;
 };
 
 State& Shared() {
   static State& state = *new State;
   return state;
+}
+
+// The number of a numbered element of a list, or null.
+const json* NumberOf(const json& element) {
+  if (!element.is_object()) {
+    return nullptr;
+  }
+  auto number = element.find("number");
+  return number != element.end() && number->is_number_integer() ? &*number : nullptr;
+}
+
+// The element of a list that one of an overlying list goes over: that of the same number, else
+// that of the same place. May lie behind the end.
+size_t PlaceOf(const json& list, const json& over, size_t place) {
+  if (const json* number = NumberOf(over)) {
+    for (size_t i = 0; i < list.size(); ++i) {
+      const json* other = NumberOf(list[i]);
+      if (other && *other == *number) {
+        return i;
+      }
+    }
+    return list.size();
+  }
+  return place;
 }
 
 // Lays one value over another: objects member by member, lists element by element; null changes
@@ -46,7 +71,7 @@ void LayOver(json* base, const json& over) {
     }
   } else if (over.is_array() && base->is_array()) {
     for (size_t i = 0; i < over.size(); ++i) {
-      LayOver(&(*base)[i], over[i]);
+      LayOver(&(*base)[PlaceOf(*base, over[i], i)], over[i]);
     }
   } else if (!over.is_null()) {
     *base = over;
@@ -134,16 +159,17 @@ std::string ChooseLanguage(const State& state) {
 
 // All resources in the language in use. The lock is held.
 const json& Merged(State* state) {
-  if (state->merged.is_null()) {
-    state->merged = json::object();
+  if (!state->merged) {
+    auto merged = std::make_unique<json>(json::object());
     for (const std::string& language : {std::string(ENGLISH), ChooseLanguage(*state)}) {
       auto found = state->languages.find(language);
       if (found != state->languages.end()) {
-        LayOver(&state->merged, found->second);
+        LayOver(merged.get(), found->second);
       }
     }
+    state->merged = std::move(merged);
   }
-  return state->merged;
+  return *state->merged;
 }
 
 // A member of an object, or null.
@@ -183,7 +209,7 @@ Boolean TB_UseResources(const TB_EmbeddedFile* files, size_t count) {
     }
   }
   state.sources.push_back({files, count});
-  state.merged = nullptr;
+  state.merged.reset();
   bool allUsed = true;
   for (size_t i = 0; i < count; ++i) {
     const std::string_view bytes(reinterpret_cast<const char*>(files[i].bytes), files[i].size);
@@ -198,14 +224,14 @@ void TB_ForgetResources() {
   state.sources.clear();
   state.files.clear();
   state.languages.clear();
-  state.merged = nullptr;
+  state.merged.reset();
 }
 
 void TB_SetLanguage(std::string_view code) {
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   state.chosen = code;
-  state.merged = nullptr;
+  state.merged.reset();
 }
 
 std::string TB_Language() {

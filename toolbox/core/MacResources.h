@@ -7,8 +7,9 @@
 //     "ALRT": { "16009": { "kind": "stop", "text": "…" } } }
 //
 // a four-character type, then a number, then the resource. "en" is complete. Another language is
-// laid over it: objects member by member, lists element by element, so that a language file holds
-// only what differs and a missing text falls back to English. Other files (pictures) are found by
+// laid over it: objects member by member, lists element by element (elements with a "number" by
+// that number), so that a language file holds only what differs and a missing text, or null, falls
+// back to English. Other files (pictures) are found by
 // their path.
 #ifndef MAC_RESOURCES_H
 #define MAC_RESOURCES_H

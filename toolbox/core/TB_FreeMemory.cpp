@@ -127,11 +127,12 @@ void AddGroups(const std::string& root, bool unified, std::vector<TB_ControlGrou
   if (mount->group != "/") {
     inside = inside.starts_with(mount->group) ? inside.substr(mount->group.size()) : "";
   }
+  const std::string folder = root + mount->point;
   while (inside.size() > 1) {
-    found->push_back({root + mount->point + inside, unified});
+    found->push_back({folder + inside, unified});
     inside.resize(inside.rfind('/') == std::string::npos ? 0 : inside.rfind('/'));
   }
-  found->push_back({root + mount->point, unified});
+  found->push_back({folder, unified});
 }
 
 // Bytes below the group's limit, its file cache counted as free; UINT64_MAX without a limit.
