@@ -60,14 +60,23 @@ Plane<float> Solve(const Plane<float>& source, float pull) {
   return height;
 }
 
-// How much the slopes spread, at every pixel.
+// How much the slopes spread, at every pixel; the surface is level across the picture's edge.
 Plane<float> SpreadOfSlopes(const Film& film) {
   const Plane<Vec2> slopes = Slopes(film);
   Plane<float> spread(slopes.width, slopes.height);
   for (int y = 0; y < spread.height; ++y) {
     for (int x = 0; x < spread.width; ++x) {
-      spread.At(x, y) = 0.5F * (slopes.Nearest(x + 1, y).x - slopes.Nearest(x - 1, y).x +
-                                slopes.Nearest(x, y + 1).y - slopes.Nearest(x, y - 1).y);
+      const Vec2 here = slopes.At(x, y);
+      if (x + 1 < spread.width) {
+        const float right = 0.5F * (here.x + slopes.At(x + 1, y).x);
+        spread.At(x, y) += right;
+        spread.At(x + 1, y) -= right;
+      }
+      if (y + 1 < spread.height) {
+        const float down = 0.5F * (here.y + slopes.At(x, y + 1).y);
+        spread.At(x, y) += down;
+        spread.At(x, y + 1) -= down;
+      }
     }
   }
   return spread;
