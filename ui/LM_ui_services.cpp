@@ -5,10 +5,13 @@
 #include "Cursors.h"
 #include "LM_mac_UI.h"
 #include "LM_style_library.h"
+#include "ToolboxDesktop.h"
 
 namespace {
 
 int16_t Construct(FilterRecord* record, LM_globals* globals) {
+  if (!TB_HasDesktop())
+    return LM_RESULT_NO_DIALOG;
   // Without a style folder the dialog works on, with an empty style menu.
   std::string why;
   LM_UseStyleLibrary(why);
