@@ -20,8 +20,8 @@
 extern "C" {
 #endif
 
-/* A rectangle in image pixels: bottom and right are exclusive. Empty when bottom <= top or
- * right <= left. */
+/* A rectangle in image pixels: bottom and right are exclusive. Empty when bottom == top or
+ * right == left; a host refuses one that is turned inside out. */
 typedef struct CVRect {
   int16_t top, left, bottom, right;
 } CVRect;
