@@ -1,0 +1,276 @@
+// The user's library: seeding it once, listing it, and replacing a style without losing one.
+#include "LM_gallery.h"
+#include "LM_globals.h"
+#include "LM_mac_stream.h"
+#include "LM_style_codec.h"
+#include "LM_style_fields.h"
+#include "LM_style_library.h"
+#include "LimnResources.h"
+#include "MacResources.h"
+#include "TemporaryFolder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class StyleLibrary : public TemporaryFolder {
+protected:
+  void SetUp() override {
+    TemporaryFolder::SetUp();
+    TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
+    setenv("XDG_DATA_HOME", folder.c_str(), 1);
+    settings = LM_NewGlobals();
+    settings->Default();
+  }
+  void TearDown() override {
+    LM_DestroyGlobals(settings);
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+    std::string why;
+    LM_UseStyleLibrary(why); // a failed library must not follow the next test
+    TemporaryFolder::TearDown();
+  }
+  // Uses the library, which must work without a remark.
+  static void Use() {
+    std::string why;
+    ASSERT_TRUE(LM_UseStyleLibrary(why)) << why;
+    ASSERT_EQ(why, "");
+  }
+  std::filesystem::path Style(const std::string& name) const {
+    return folder / "limn" / "Lighting Styles" / name;
+  }
+  std::string Bytes(const std::string& name) const {
+    std::ifstream file(Style(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  void Write(const std::string& name, const std::string& bytes) const {
+    std::filesystem::create_directories(Style(""));
+    std::ofstream(Style(name), std::ios::binary) << bytes;
+  }
+  static std::string StyleBytes(int16_t gloss) {
+    LM_style style = LM_NewStyle();
+    style.gloss = gloss;
+    style.numLights = style.lightsRead = 1;
+    style.lights[0] = LM_NewStyleLight();
+    uint8_t bytes[LM_STYLE_MAX_BYTES];
+    const size_t size = LM_EncodeStyle(style, bytes);
+    return {reinterpret_cast<const char*>(bytes), size};
+  }
+  // Files of the folder whose names begin with a full stop.
+  int HiddenFiles() const {
+    int hidden = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(Style("")))
+      hidden += entry.path().filename().native()[0] == '.';
+    return hidden;
+  }
+  bool Replace(const std::string& name) const {
+    TB_Str255 text = TB_PString(name);
+    return LM_ReplaceStyle(text.bytes, settings) != 0;
+  }
+  LM_globals* settings = nullptr;
+};
+
+TEST_F(StyleLibrary, BeginsWithTheBundledStylesAndTheDefaultOneFirst) {
+  Use();
+  const std::vector<LM_listed_style> styles = LM_ListStyles();
+  const std::vector<std::string> bundled = LM_BundledStyleNames();
+  ASSERT_EQ(styles.size(), bundled.size());
+  EXPECT_EQ(styles[0].name, "Default");
+  for (size_t i = 0; i < styles.size(); ++i) {
+    EXPECT_EQ(styles[i].name, bundled[i]);
+    EXPECT_TRUE(styles[i].loads && styles[i].why.empty()) << styles[i].name;
+  }
+  EXPECT_EQ(LM_StyleFolderPath(), Style("").parent_path().native());
+}
+
+TEST_F(StyleLibrary, ADeletedStyleStaysDeletedAndOnlyNewOnesAreAdded) {
+  Use();
+  std::filesystem::remove(Style("Default"));
+  Use();
+  EXPECT_FALSE(std::filesystem::exists(Style("Default")));
+  // As if an earlier version had known no style but one that the user deleted.
+  std::ofstream(folder / "limn" / "bundled-styles") << "Something Old\n";
+  Write("Default", "mine");
+  Use();
+  EXPECT_EQ(Bytes("Default"), "mine") << "a file of the user's own stays";
+  std::ifstream memory(folder / "limn" / "bundled-styles");
+  std::string first;
+  std::getline(memory, first);
+  EXPECT_EQ(first, "Something Old") << "what was known stays known";
+}
+
+TEST_F(StyleLibrary, SeedingThatFailsAnywhereIsCompletedLater) {
+  uint64_t operations = 1;
+  // The first pass, which fails nothing, counts the operations.
+  for (uint64_t n = 0; n <= operations; ++n) {
+    std::filesystem::remove_all(folder / "limn");
+    std::string why;
+    const uint64_t before = TB_FileOperationCount();
+    TB_FailFileOperationAfter(n, dskFulErr);
+    const bool usable = LM_UseStyleLibrary(why);
+    TB_FailFileOperationAfter(0, noErr);
+    operations = std::max(operations, TB_FileOperationCount() - before);
+    if (!usable || !why.empty()) {
+      ASSERT_GT(why.size(), 20U) << n;
+    }
+    Use();
+    const std::vector<LM_listed_style> styles = LM_ListStyles();
+    ASSERT_EQ(styles.size(), LM_BundledStyleNames().size()) << "operation " << n;
+    for (const LM_listed_style& style : styles)
+      ASSERT_TRUE(style.loads) << style.name << ", operation " << n;
+    ASSERT_EQ(HiddenFiles(), 0) << "operation " << n;
+  }
+  EXPECT_GT(operations, 5 * LM_BundledStyleNames().size());
+}
+
+TEST_F(StyleLibrary, WithoutAFolderEveryOperationFailsAndNothingIsWrittenElsewhere) {
+  std::ofstream(folder / "limn") << "in the way";
+  ASSERT_EQ(TB_SetDefaultDirectory(folder.native()), noErr);
+  std::string why;
+  EXPECT_FALSE(LM_UseStyleLibrary(why));
+  EXPECT_NE(why.find((folder / "limn").native()), std::string::npos) << why;
+  TB_Str255 name = TB_PString("New");
+  EXPECT_EQ(LM_SaveStyle(name.bytes, settings), 0);
+  EXPECT_EQ(LM_LoadStyle(name.bytes, settings), 0);
+  EXPECT_FALSE(Replace("New"));
+  EXPECT_TRUE(LM_ListStyles().empty());
+  EXPECT_EQ(LM_style_istream::IndexedInfo(0, name.bytes), 0);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+  std::filesystem::remove(folder / "limn");
+  Use();
+}
+
+TEST_F(StyleLibrary, ListsWhatTheMenuListsAndTellsWhatWouldNotLoad) {
+  Use();
+  Write("broken", StyleBytes(1).substr(0, 40));
+  Write("foreign.txt", "no style");
+  Write("empty", "");
+  Write("zebra", StyleBytes(2));
+  Write(std::string(40, 'n'), StyleBytes(3));
+  Write(".hidden", StyleBytes(4));
+  std::filesystem::create_directory(Style("folder"));
+  std::vector<std::string> indexed;
+  Str255 name;
+  while (LM_style_istream::IndexedInfo(static_cast<int16_t>(indexed.size()), name) != 0)
+    indexed.push_back(TB_StdString(name));
+  EXPECT_EQ(LM_StyleNames(), indexed);
+  const std::vector<LM_listed_style> styles = LM_ListStyles();
+  ASSERT_EQ(styles.size(), indexed.size());
+  EXPECT_EQ(styles.size(), LM_BundledStyleNames().size() + 2);
+  EXPECT_EQ(styles[0].name, "Default");
+  for (const LM_listed_style& style : styles)
+    EXPECT_EQ(style.loads, style.name != "broken") << style.name;
+  EXPECT_EQ(styles.back().name, "zebra");
+  EXPECT_EQ(styles.back().style.gloss, 2);
+}
+
+TEST_F(StyleLibrary, ListsTenThousandFilesWithinASecond) {
+  Use();
+  const std::string bytes = StyleBytes(5);
+  for (int i = 0; i < 10000; ++i)
+    Write("style " + std::to_string(i), bytes);
+  std::filesystem::last_write_time(Style(""), std::filesystem::file_time_type::clock::now() -
+                                                  std::chrono::seconds(5));
+  const auto start = std::chrono::steady_clock::now();
+  const size_t count = LM_ListStyles().size();
+  const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+  EXPECT_EQ(count, 10000 + LM_BundledStyleNames().size());
+  RecordProperty("milliseconds", static_cast<int>(spent.count() * 1000));
+#ifdef NDEBUG
+  EXPECT_LT(spent.count(), 1.0);
+#endif
+}
+
+TEST_F(StyleLibrary, ReadsAStyleByNameWhateverItsCase) {
+  Use();
+  Write("Warm Évening", StyleBytes(77));
+  LM_style style = {};
+  std::string why;
+  for (const char* name : {"Warm Évening", "warm evening", "WARM ÉVENING"}) {
+    style.gloss = 0;
+    EXPECT_TRUE(LM_ReadLibraryStyle(name, style, why)) << name << ": " << why;
+    EXPECT_EQ(style.gloss, 77) << name;
+  }
+  EXPECT_FALSE(LM_ReadLibraryStyle("../limn", style, why));
+  EXPECT_NE(why.find("../limn"), std::string::npos);
+  Write("Bad", "BB");
+  EXPECT_FALSE(LM_ReadLibraryStyle("Bad", style, why));
+  EXPECT_NE(why.find("Bad"), std::string::npos);
+}
+
+// Fails each file operation of a replacement in turn: the old style or the complete new one.
+TEST_F(StyleLibrary, ReplacingLosesNothingWhateverFails) {
+  Use();
+  const std::string old = StyleBytes(11);
+  settings->gloss = 22;
+  Write("Mine", old);
+  ASSERT_TRUE(Replace("Mine"));
+  const std::string complete = Bytes("Mine");
+  ASSERT_NE(complete, old);
+  uint64_t operations = 1;
+  for (uint64_t n = 0; n <= operations; ++n) {
+    Write("Mine", old);
+    const uint64_t before = TB_FileOperationCount();
+    TB_FailFileOperationAfter(n, n % 2 == 0 ? dskFulErr : ioErr);
+    const bool replaced = Replace("Mine");
+    TB_FailFileOperationAfter(0, noErr);
+    operations = std::max(operations, TB_FileOperationCount() - before);
+    ASSERT_TRUE(Bytes("Mine") == old || Bytes("Mine") == complete) << "operation " << n;
+    ASSERT_EQ(replaced, Bytes("Mine") == complete) << "operation " << n;
+    ASSERT_EQ(HiddenFiles(), 0) << "operation " << n;
+  }
+  EXPECT_GT(operations, 20U) << "writing was reached";
+}
+
+// A process that is killed after each of the file operations in turn.
+TEST_F(StyleLibrary, ReplacingLosesNothingWhenKilled) {
+  Use();
+  const std::string old = StyleBytes(11);
+  settings->gloss = 22;
+  Write("Mine", old);
+  const uint64_t before = TB_FileOperationCount();
+  ASSERT_TRUE(Replace("Mine"));
+  const uint64_t operations = TB_FileOperationCount() - before;
+  const std::string complete = Bytes("Mine");
+  for (int delay = 0; delay < 40; ++delay) {
+    Write("Mine", old);
+    const pid_t child = fork();
+    if (child == 0) {
+      for (;;)
+        Replace("Mine");
+    }
+    usleep(static_cast<useconds_t>(200 + delay * 137));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    const std::string left = Bytes("Mine");
+    ASSERT_TRUE(left == old || left == complete) << "delay " << delay;
+  }
+  EXPECT_GT(operations, 5U);
+  Use();
+  EXPECT_EQ(HiddenFiles(), 0) << "what dead processes left is swept";
+}
+
+TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALink) {
+  Use();
+  Write("notes", "my notes");
+  EXPECT_FALSE(Replace("notes"));
+  EXPECT_EQ(Bytes("notes"), "my notes");
+  WriteFile("outside", StyleBytes(9));
+  std::filesystem::create_symlink(folder / "outside", Style("link"));
+  TB_Str255 link = TB_PString("link");
+  EXPECT_EQ(LM_style_ostream::IsLocked(link.bytes), 1);
+  Replace("link");
+  EXPECT_EQ(ReadFile("outside"), StyleBytes(9)) << "written through the link";
+  // Names that would lead elsewhere stay inside.
+  for (const char* name : {"..", "../up", "a/b", "/etc/x", "\x01\x02", "CON", "\xff\xfe"}) {
+    TB_Str255 text = TB_PString(name);
+    EXPECT_EQ(LM_SaveStyle(text.bytes, settings), 1) << name;
+    EXPECT_EQ(LM_LoadStyle(text.bytes, settings), 1) << name;
+  }
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "limn"), {}), 2);
+}
+
+} // namespace
