@@ -28,7 +28,7 @@ const Recipe RECIPES[] = {
     {"still-life", StillLife, 1800, 1200, 20, {1.15F, 1.4F, 1.05F, 1.2F, 0.10F}, 50},
     {"landscape", Landscape, 1500, 1000, 16, {1.3F, 1.35F, 1.1F, 1.2F, 0.10F}, 0},
     {"texture", OldWall, 1000, 1000, 24, {1.0F, 1.3F, 1.0F, 1.2F, 0.0F}, 60},
-    {"portrait", Portrait, 1000, 1250, 20, {1.0F, 1.3F, 1.0F, 1.2F, 0.10F}, 0},
+    {"portrait", Portrait, 1000, 1250, 20, {1.15F, 1.3F, 1.0F, 1.2F, 0.10F}, 0},
 };
 
 void Draw(const Recipe& recipe, const std::string& folder, RenderOptions options, float scale) {

@@ -43,8 +43,8 @@ float Mouth(Vec3 p, float face) {
   const float bow = 0.022F * Bell(p.x - 0.06F, 0.05F) - 0.012F * Bell(p.x, 0.03F);
   const float line = -0.632F + 0.30F * Square(p.x) - 0.02F * Bell(p.x, 0.08F);
   face = Cut(face, Rod(p, {0, -0.46F, 0.975F}, {0, -0.56F, 0.965F}, 0.012F, 0.02F), 0.06F);
-  const float upper = Rod(p, {0, -0.600F + bow, 0.905F}, {0.175F, -0.624F, 0.805F}, 0.055F, 0.014F);
-  const float lower = Rod(p, {0, -0.690F, 0.885F}, {0.14F, -0.662F, 0.815F}, 0.066F, 0.018F);
+  const float upper = Rod(p, {0, -0.600F + bow, 0.905F}, {0.175F, -0.624F, 0.805F}, 0.062F, 0.016F);
+  const float lower = Rod(p, {0, -0.690F, 0.885F}, {0.14F, -0.662F, 0.815F}, 0.074F, 0.020F);
   face = Join(face, upper, 0.035F);
   face = Join(face, lower, 0.045F);
   const float slit = std::max(std::abs(p.y - line) - 0.004F, std::max(0.78F - p.z, p.x - 0.178F));
@@ -81,9 +81,9 @@ float Hair(Vec3 p, float side) {
   const float wave =
       0.13F * std::sin(p.x * 9 + 2.2F * turn) + 0.05F * Noise({p.x * 3, turn * 4, side});
   const float across = turn * 1.0F + wave * SmoothStep(0.1F, 0.5F, p.x) * 0.7F;
-  const float locks = std::abs(std::sin(across * 15 + 0.8F * Noise({p.x * 2, turn * 2, side + 3})));
+  const float lock = std::sin(across * 15 + 0.8F * Noise({p.x * 2, turn * 2, side + 3}));
   const float strands = std::sin(across * 95 + 3 * Noise(Vec3{p.x, p.y, p.z} * 3));
-  const float carved = 0.055F * std::sqrt(locks) + 0.007F * strands - 0.03F;
+  const float carved = 0.055F * std::pow(lock * lock + 0.004F, 0.25F) + 0.007F * strands - 0.03F;
   const float parting = 0.07F * Bell(p.x, 0.05F);
   return Cut(hair - carved + parting, free, 0.10F);
 }
@@ -164,7 +164,7 @@ Scene Portrait() {
   bust.distance = Bust;
   bust.material = Marble;
   bust.bumps = [](Vec3 p) { return 0.003F * Fractal(p * 14, 4, 0.6F); };
-  bust.caution = 0.6F;
+  bust.caution = 0.5F;
   Shape wall;
   wall.low = {-30, -30, -1};
   wall.high = {30, 30, 0};
