@@ -82,7 +82,7 @@ public:
   }
 
 private:
-  void _Print(nlohmann::ordered_json line) {
+  void _Print(const nlohmann::ordered_json& line) {
     PrintLine(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
     std::fflush(stdout); // a line for each image as it is done, also into a pipe
   }
@@ -128,7 +128,8 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
   plan.options = options;
   plan.area = ParseArea(options.area);
   NamedStyle named = FindStyle(options.style);
-  SetFields(named.style, options.settings);
+  for (const std::string& setting : options.settings)
+    SetField(named.style, setting);
   plan.style = named.style;
   if (!named.warning.empty() && !options.quiet)
     PrintProblem(options.style + ": " + named.warning);

@@ -44,7 +44,7 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
     std::vector<std::string> notices;
     GreyImage grey = ReadGreyImage(file, notices);
     for (const std::string& notice : notices)
-      tools.notices.push_back(file + ": " + notice);
+      tools.notices.push_back(std::string(file).append(": ").append(notice));
     return grey;
   };
   tools.surroundings.area = plan.area;

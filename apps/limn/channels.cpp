@@ -16,14 +16,16 @@ ExitCode PrintChannels(const std::string& image, const std::vector<std::string>&
   CVDocument document;
   if (!document.create(1, 1, CV_MODE_RGB, numPlanes).ok())
     throw Failure(ExitCode::BadInput, image + ": has too many channels");
+  int number = 0;
+  const auto print = [&](const std::string& name) {
+    PrintLine(std::to_string(++number) + "  " + Printable(name));
+  };
+  for (const std::string& file : added)
+    OpenRegularFile(file); // one that is not there is told before anything is printed
   for (int channel = 0; channel < numPlanes; ++channel)
-    names.push_back(document.channelName(channel));
-  for (const std::string& file : added) {
-    OpenRegularFile(file);
-    names.push_back(ChannelName(file));
-  }
-  for (size_t i = 0; i < names.size(); ++i)
-    PrintLine(std::to_string(i + 1) + "  " + Printable(names[i]));
+    print(document.channelName(channel));
+  for (const std::string& file : added)
+    print(ChannelName(file));
   return ExitCode::Done;
 }
 

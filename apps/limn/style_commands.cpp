@@ -73,6 +73,13 @@ void PrintStyle(const LM_style& style) {
     PrintLight(style, index);
 }
 
+std::string Verdict(const NamedStyle& named) {
+  if (!named.warning.empty())
+    return named.warning;
+  const int numLights = named.style.lightsRead;
+  return "good, " + std::to_string(numLights) + (numLights == 1 ? " light" : " lights");
+}
+
 } // namespace
 
 ExitCode ShowStyle(const std::string& name, StyleForm form) {
@@ -104,12 +111,7 @@ ExitCode CheckStyles(const std::vector<std::string>& names) {
   ExitCode worst = ExitCode::Done;
   for (const std::string& name : names) {
     try {
-      const NamedStyle named = FindStyle(name);
-      const std::string verdict = named.warning.empty()
-                                      ? "good, " + std::to_string(named.style.lightsRead) +
-                                            (named.style.lightsRead == 1 ? " light" : " lights")
-                                      : named.warning;
-      PrintLine(Printable(name + ": " + verdict));
+      PrintLine(Printable(std::string(name).append(": ").append(Verdict(FindStyle(name)))));
     } catch (const Failure& failure) {
       PrintProblem(failure.what());
       worst = std::max(worst, failure.Code());

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
+#include <vector>
 
 namespace limn {
 namespace {
@@ -78,16 +79,14 @@ NamedStyle FindStyle(const std::string& name) {
   return bundled;
 }
 
-void SetFields(LM_style& style, const std::vector<std::string>& settings) {
-  for (const std::string& setting : settings) {
-    const size_t equals = setting.find('=');
-    if (equals == std::string::npos)
-      throw Failure(ExitCode::WrongUsage, "--set " + setting + ": is not of the form KEY=VALUE");
-    std::string why;
-    const std::string_view text = setting;
-    if (!LM_SetStyleField(style, text.substr(0, equals), text.substr(equals + 1), why))
-      throw Failure(ExitCode::WrongUsage, "--set " + setting + ": " + why);
-  }
+void SetField(LM_style& style, const std::string& setting) {
+  const size_t equals = setting.find('=');
+  if (equals == std::string::npos)
+    throw Failure(ExitCode::WrongUsage, "--set " + setting + ": is not of the form KEY=VALUE");
+  std::string why;
+  const std::string_view text = setting;
+  if (!LM_SetStyleField(style, text.substr(0, equals), text.substr(equals + 1), why))
+    throw Failure(ExitCode::WrongUsage, "--set " + setting + ": " + why);
 }
 
 } // namespace limn

@@ -23,7 +23,7 @@ NamedStyle ReadStyleFile(const std::string& path);
 // Failure(BadInput).
 NamedStyle FindStyle(const std::string& name);
 
-// Applies "KEY=VALUE" settings in order. Throws Failure(WrongUsage).
-void SetFields(LM_style& style, const std::vector<std::string>& settings);
+// Applies one "KEY=VALUE" setting. Throws Failure(WrongUsage).
+void SetField(LM_style& style, const std::string& setting);
 
 } // namespace limn
