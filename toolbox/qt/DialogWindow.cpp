@@ -215,7 +215,7 @@ void DialogWindow::paintEvent(QPaintEvent* event) {
 
 void DialogWindow::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton)
-    Input::Get()->MousePressed(_port, *event);
+    Input::Get()->MousePressed(_port);
 }
 
 void DialogWindow::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -6,6 +6,7 @@
 #include "MacWindows.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <cstring>
 
@@ -45,7 +46,8 @@ bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseco
   Input* input = Input::Get();
   if (input == nullptr)
     return false;
-  for (int attempt = 0; attempt < 2; ++attempt) {
+  const QDeadlineTimer deadline(milliseconds);
+  for (bool last = false;; last = deadline.hasExpired()) {
     if (const auto queued = input->TakeEvent(mask)) {
       *event = queued->record;
       *window = queued->window;
@@ -56,10 +58,10 @@ bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseco
       *window = updated;
       return true;
     }
-    if (attempt == 0)
-      input->Pump(milliseconds);
+    if (last)
+      return false;
+    input->Pump(static_cast<int>(deadline.remainingTime()));
   }
-  return false;
 }
 
 Boolean StillDown() {

@@ -28,6 +28,15 @@ Point ToPoint(QPointF point) {
   return Point{cut(point.y()), cut(point.x())};
 }
 
+// The event's own global position is rounded; the one within its receiver is not.
+QPointF GlobalPosition(const QObject* receiver, const QMouseEvent& event) {
+  if (receiver->isWidgetType())
+    return static_cast<const QWidget*>(receiver)->mapToGlobal(event.position());
+  if (receiver->isWindowType())
+    return static_cast<const QWindow*>(receiver)->mapToGlobal(event.position());
+  return event.globalPosition();
+}
+
 bool IsTopLevel(const QObject* object) {
   if (!object->isWidgetType())
     return false;
@@ -58,7 +67,7 @@ bool Input::eventFilter(QObject* receiver, QEvent* event) {
   case QEvent::MouseButtonDblClick:
   case QEvent::MouseButtonRelease:
   case QEvent::MouseMove:
-    WatchMouse(*static_cast<QMouseEvent*>(event));
+    WatchMouse(receiver, *static_cast<QMouseEvent*>(event));
     break;
   case QEvent::KeyPress:
   case QEvent::KeyRelease: {
@@ -83,8 +92,8 @@ bool Input::eventFilter(QObject* receiver, QEvent* event) {
   return false;
 }
 
-void Input::WatchMouse(const QMouseEvent& event) {
-  _mouse = event.globalPosition();
+void Input::WatchMouse(const QObject* receiver, const QMouseEvent& event) {
+  _mouse = GlobalPosition(receiver, event);
   SetModifiers(event.modifiers());
   NoteChange();
   if (!event.buttons().testFlag(Qt::LeftButton))
@@ -125,8 +134,7 @@ void Input::Push(uint16_t what, uint32_t message, WindowPtr window) {
   NoteChange();
 }
 
-void Input::MousePressed(WindowPtr window, const QMouseEvent& event) {
-  _mouse = event.globalPosition();
+void Input::MousePressed(WindowPtr window) {
   _buttonDown = true;
   _pressedIn = window;
   Push(mouseDown, 0, window);
@@ -171,9 +179,12 @@ void Input::Pump(int milliseconds) {
   QDeadlineTimer deadline(milliseconds);
   QTimer alarm;
   alarm.setSingleShot(true);
-  alarm.start(milliseconds);
-  while (_changes == before && !deadline.hasExpired())
+  alarm.setTimerType(Qt::PreciseTimer);
+  while (_changes == before && !deadline.hasExpired()) {
+    // Set anew each time: an alarm that rang a moment early must not leave a wait without end.
+    alarm.start(static_cast<int>(deadline.remainingTime()) + 1);
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+  }
 }
 
 const QueuedEvent* Input::PendingRelease() const {
@@ -186,16 +197,23 @@ const QueuedEvent* Input::PendingRelease() const {
 
 std::optional<QueuedEvent> Input::TakeEvent(short mask) {
   _taken.reset();
-  for (auto event = _queue.begin(); event != _queue.end(); ++event) {
-    if (!Matches(mask, event->record.what))
-      continue;
-    const QueuedEvent taken = *event;
-    _queue.erase(event);
-    if (taken.record.what == mouseUp)
-      _taken = taken;
-    return taken;
+  const auto wanted = std::find_if(_queue.begin(), _queue.end(), [&](const QueuedEvent& event) {
+    return Matches(mask, event.record.what);
+  });
+  if (wanted == _queue.end())
+    return std::nullopt;
+  const QueuedEvent taken = *wanted;
+  if (taken.record.what == mouseDown) {
+    // A release before this press, passed over by its mask, would end the drag that starts now.
+    const auto stale = [](const QueuedEvent& event) { return event.record.what == mouseUp; };
+    const auto kept = std::remove_if(_queue.begin(), wanted, stale);
+    _queue.erase(kept, wanted + 1);
+  } else {
+    _queue.erase(wanted);
   }
-  return std::nullopt;
+  if (taken.record.what == mouseUp)
+    _taken = taken;
+  return taken;
 }
 
 void Input::FlushQueue(short mask) {

@@ -34,7 +34,7 @@ public:
   bool eventFilter(QObject* receiver, QEvent* event) override;
 
   // Puts a press into the queue. Releases are put there by the watch itself.
-  void MousePressed(WindowPtr window, const QMouseEvent& event);
+  void MousePressed(WindowPtr window);
   void KeyPressed(WindowPtr window, const QKeyEvent& event);
   // Ends a drag as if the button had been released.
   void AbortDrag();
@@ -58,7 +58,7 @@ public:
 
 private:
   explicit Input(QObject* parent);
-  void WatchMouse(const QMouseEvent& event);
+  void WatchMouse(const QObject* receiver, const QMouseEvent& event);
   void SetModifiers(Qt::KeyboardModifiers modifiers);
   void SetKey(int code, bool down);
   void ReleaseButton();

@@ -75,6 +75,7 @@ short RunMenu(QMenu* built, QPoint place, int item) {
   const QPointer<QMenu> menu = built;
   const QList<QAction*> actions = menu->actions();
   QAction* at = item >= 1 && item <= actions.size() ? actions[item - 1] : nullptr;
+  menu->setActiveAction(at);
   const QAction* chosen = menu->exec(place, at);
   short number = 0;
   if (menu != nullptr && chosen != nullptr)

@@ -1,0 +1,243 @@
+// Controls: what definitions are asked, wrapping them, tracking and values.
+#include "SampleDialog.h"
+#include "ToolboxQtAccess.h"
+
+#include "MacMemory.h"
+#include "MacStrings.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace {
+
+typedef std::vector<std::string> Log;
+
+TEST(Control, ADefinitionIsAskedInOrder) {
+  SliderLog().clear();
+  {
+    SampleDialog sample(SAMPLE_DIALOG, false);
+    EXPECT_EQ(SliderLog(), Log({"init 134 60"}));
+    DrawDialog(sample.dialog);
+    EXPECT_EQ(SliderLog().back(), "draw 0");
+    ControlHandle slider = sample.Control(SLIDER_ITEM);
+    SliderLog().clear();
+    SetControlValue(slider, 70);
+    SetControlValue(slider, 70);
+    SetControlValue(slider, 500);
+    EXPECT_EQ(GetControlValue(slider), 100);
+    SetControlValue(slider, -5);
+    EXPECT_EQ(GetControlValue(slider), 0);
+    EXPECT_EQ(SliderLog(), Log({"draw 129", "draw 129", "draw 129"}));
+
+    SliderLog().clear();
+    HiliteControl(slider, 255);
+    EXPECT_EQ(SliderLog(), Log({"draw 0"}));
+    EXPECT_EQ(TestControl(slider, sample.Middle(SLIDER_ITEM)), 0);
+    ControlHandle found = slider;
+    EXPECT_EQ(FindControl(sample.Middle(SLIDER_ITEM), sample.dialog, &found), 0);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(SliderLog().size(), 1u) << "an inactive control was tested";
+    HiliteControl(slider, 0);
+    SliderLog().clear();
+    EXPECT_EQ(FindControl(Point{-3, 7}, sample.dialog, &found), 0);
+    EXPECT_EQ(SliderLog(), Log({"test 7,-3"}));
+    HideControl(slider);
+    SliderLog().clear();
+    SetControlValue(slider, 33);
+    EXPECT_TRUE(SliderLog().empty()) << "a hidden control was drawn";
+  }
+  EXPECT_EQ(SliderLog().back(), "dispose");
+}
+
+TEST(Control, AnIndicatorIsDraggedByItsDefinition) {
+  SampleDialog sample;
+  const Rect box = sample.Box(SLIDER_ITEM);
+  ToolboxScript script;
+  script.Drag(static_cast<short>(box.left + 90), static_cast<short>(box.top + 12),
+              static_cast<short>(box.right - 6), static_cast<short>(box.top + 200));
+  script.Start();
+  SliderLog().clear();
+  int16_t item = 0;
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, SLIDER_ITEM);
+  EXPECT_EQ(GetControlValue(sample.Control(SLIDER_ITEM)), 100);
+  EXPECT_NE(std::find(SliderLog().begin(), SliderLog().end(), "drag 130"), SliderLog().end());
+  // The same place again changes nothing and hits nothing; the click on OK ends the loop.
+  ToolboxScript again;
+  again.Click(static_cast<short>(box.right - 6), static_cast<short>(box.top + 12));
+  const Point middle = sample.Middle(OK_ITEM);
+  again.Click(middle.h, middle.v).Start();
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, OK_ITEM);
+}
+
+Handle savedDefinition = nullptr;
+int wrappedDraws = 0;
+
+int32_t SmallFontDefinition(short varCode, ControlHandle control, short message, intptr_t param) {
+  wrappedDraws += message == drawCntl ? 1 : 0;
+  TextFont(1);
+  TextSize(9);
+  LoadResource(savedDefinition);
+  EXPECT_EQ(ResError(), noErr);
+  HLock(savedDefinition);
+  const int32_t result = CallControlDefinition(savedDefinition, varCode, control, message, param);
+  HUnlock(savedDefinition);
+  TextSize(0);
+  TextFont(0);
+  return result;
+}
+
+TEST(Control, AWrappedDefinitionIsCalledInItsPlace) {
+  for (int16_t item : {CHECK_ITEM, POPUP_ITEM}) {
+    SampleDialog sample;
+    ControlHandle control = sample.Control(item);
+    const QImage plain = TB_PortImage(sample.dialog);
+    savedDefinition = (**control).contrlDefProc;
+    Handle wrapper = NewControlDefinition(SmallFontDefinition);
+    (**control).contrlDefProc = wrapper;
+    wrappedDraws = 0;
+    Draw1Control(control);
+    EXPECT_EQ(wrappedDraws, 1);
+    EXPECT_NE(TB_PortImage(sample.dialog), plain) << "the text is no smaller";
+    // A purged definition is read again.
+    HPurge(savedDefinition);
+    PurgeMem(MaxMem(nullptr));
+    Draw1Control(control);
+    EXPECT_NE(TestControl(control, sample.Middle(item)), 0);
+    (**control).contrlDefProc = savedDefinition;
+    DisposeHandle(wrapper);
+    Draw1Control(control);
+    EXPECT_EQ(TB_PortImage(sample.dialog), plain) << "the wrapper left something behind";
+  }
+}
+
+TEST(Control, APurgedDefinitionThatIsNotReadAgainDoesNothing) {
+  SampleDialog sample;
+  ControlHandle check = sample.Control(CHECK_ITEM);
+  HPurge((**check).contrlDefProc);
+  PurgeMem(MaxMem(nullptr));
+  if (*(**check).contrlDefProc != nullptr)
+    GTEST_SKIP() << "nothing was purged";
+  Draw1Control(check);
+  EXPECT_EQ(TestControl(check, sample.Middle(CHECK_ITEM)), 0);
+}
+
+TEST(Control, AuxiliaryRecordsLiveWithTheirControl) {
+  SampleDialog sample;
+  AuxCtlHandle record = nullptr;
+  ASSERT_TRUE(GetAuxCtl(sample.Control(CHECK_ITEM), &record));
+  (**record).acRefCon = 42;
+  AuxCtlHandle again = nullptr;
+  GetAuxCtl(sample.Control(CHECK_ITEM), &again);
+  EXPECT_EQ((**again).acRefCon, 42);
+  EXPECT_EQ((**again).acOwner, sample.Control(CHECK_ITEM));
+  EXPECT_FALSE(GetAuxCtl(nullptr, &again));
+}
+
+struct ButtonCase {
+  const char* name;
+  short releaseH, releaseV; // relative to the middle
+  short part;
+};
+
+TEST(Control, AButtonIsHitWhenReleasedInside) {
+  constexpr ButtonCase CASES[] = {
+      {"inside", 3, 2, inButton}, {"outside", 0, 60, 0}, {"far outside", 500, -600, 0}};
+  SampleDialog sample;
+  const Point middle = sample.Middle(CANCEL_ITEM);
+  const QImage plain = TB_PortImage(sample.dialog);
+  for (const ButtonCase& button : CASES) {
+    ToolboxScript script;
+    QImage pressed;
+    script.Press(middle.h, middle.v).MoveTo(static_cast<short>(middle.h + 1), middle.v);
+    script.Wait(30).Call([&] { pressed = TB_PortImage(sample.dialog); });
+    script.Release(static_cast<short>(middle.h + button.releaseH),
+                   static_cast<short>(middle.v + button.releaseV));
+    script.Start();
+    EventRecord event;
+    ASSERT_TRUE(WaitNextEvent(1 << mouseDown, &event, 600, nullptr));
+    EXPECT_EQ(TrackControl(sample.Control(CANCEL_ITEM), middle, nullptr), button.part)
+        << button.name;
+    EXPECT_NE(pressed, plain) << button.name << ": not drawn pressed";
+    EXPECT_EQ(TB_PortImage(sample.dialog), plain) << button.name << ": left pressed";
+  }
+}
+
+TEST(Control, APopupOpensItsMenuAndTakesTheChoice) {
+  SampleDialog sample;
+  ControlHandle popup = sample.Control(POPUP_ITEM);
+  EXPECT_EQ(GetControlValue(popup), 2);
+  EXPECT_EQ(GetControlMaximum(popup), 3);
+  const Point middle = sample.Middle(POPUP_ITEM);
+  ToolboxScript script;
+  script.Click(middle.h, middle.v).Wait(50).ChooseFromMenu(1).Start();
+  int16_t item = 0;
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, POPUP_ITEM);
+  EXPECT_EQ(GetControlValue(popup), 3);
+  // Escape in the menu chooses nothing, and is not the dialog's.
+  const Point okay = sample.Middle(OK_ITEM);
+  ToolboxScript escape;
+  escape.Click(middle.h, middle.v).Wait(50).KeyPress(kEscapeKeyCode).Click(okay.h, okay.v).Start();
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, OK_ITEM);
+  EXPECT_EQ(GetControlValue(popup), 3);
+}
+
+TEST(Control, APopupLivesOnWithoutItsMenu) {
+  SampleDialog sample;
+  ControlHandle popup = sample.Control(POPUP_ITEM);
+  MenuHandle menu = (**reinterpret_cast<PopupPrivateDataHandle>((**popup).contrlData)).mHandle;
+  Str255 text;
+  GetMenuItemText(menu, 3, text);
+  EXPECT_EQ(TB_StdString(text), "Spot & more");
+  for (short item = CountMenuItems(menu); item > 0; --item)
+    DeleteMenuItem(menu, item);
+  AppendMenu(menu, TB_PString("-;(one/1"));
+  EXPECT_EQ(CountMenuItems(menu), 1);
+  GetMenuItemText(menu, 1, text);
+  EXPECT_EQ(TB_StdString(text), "-;(one/1");
+  SetControlMaximum(popup, 1);
+  EXPECT_EQ(GetControlValue(popup), 1);
+  DisposeMenu(menu);
+  Draw1Control(popup);
+  EXPECT_EQ(CountMenuItems(menu), 0);
+  EXPECT_EQ(TrackControl(popup, sample.Middle(POPUP_ITEM), nullptr), 0);
+}
+
+TEST(Control, AMenuResourceFillsAPopup) {
+  SampleDialog sample;
+  const Rect box = {0, 0, 26, 120};
+  ControlHandle popup = NewControl(sample.dialog, &box, nullptr, 1, 0, 140, 0, popupMenuProc, 0);
+  EXPECT_EQ(GetControlMinimum(popup), 1);
+  EXPECT_EQ(GetControlMaximum(popup), 2);
+  DisposeControl(popup);
+  EXPECT_EQ(NewControl(sample.dialog, &box, nullptr, 1, 0, 0, 0, 16 * 77, 0), nullptr);
+}
+
+// Tests that draw through a clip region leave the rest to the next update.
+TEST(Control, WhatAClipHidesIsDrawnLater) {
+  SampleDialog sample;
+  DrawDialog(sample.dialog);
+  SetControlValue(sample.Control(CHECK_ITEM), 0);
+  const QImage expected = TB_PortImage(sample.dialog);
+  SetControlValue(sample.Control(CHECK_ITEM), 1);
+  const Rect corner = {0, 0, 5, 5};
+  RgnHandle saved = NewRgn();
+  GetClip(saved);
+  ClipRect(&corner);
+  SetControlValue(sample.Control(CHECK_ITEM), 0);
+  SetClip(saved);
+  DisposeRgn(saved);
+  EXPECT_NE(TB_PortImage(sample.dialog), expected);
+  const Point okay = sample.Middle(OK_ITEM);
+  ToolboxScript script;
+  script.Wait(30).Click(okay.h, okay.v);
+  script.Start();
+  int16_t item = 0;
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(TB_PortImage(sample.dialog), expected);
+}
+
+} // namespace

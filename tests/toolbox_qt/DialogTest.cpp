@@ -1,0 +1,295 @@
+// Layouts from resources, items, the modal loop and its filter.
+#include "SampleDialog.h"
+#include "ToolboxQtAccess.h"
+
+#include "MacStrings.h"
+#include "ToolboxDesktop.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Dialog, ItemsAreAsTheResourceSays) {
+  SampleDialog sample(SAMPLE_DIALOG, false);
+  EXPECT_EQ(CountDITL(sample.dialog), 10);
+  const int16_t types[] = {4, 4, 0, 0, 5, 7, 7, 8 | 128, 128, 0};
+  for (int16_t item = 1; item <= 10; ++item) {
+    int16_t type = -1;
+    GetDialogItem(sample.dialog, item, &type, nullptr, nullptr);
+    EXPECT_EQ(type, types[item - 1]) << item;
+  }
+  const Rect box = sample.Box(WELL_ITEM);
+  EXPECT_EQ(box.left, 20);
+  EXPECT_EQ(box.top, 230);
+  EXPECT_EQ(box.right, 52);
+  EXPECT_EQ(box.bottom, 262);
+  EXPECT_EQ(GetControlReference(sample.Control(SLIDER_ITEM)), (134 << 16) | 60);
+  for (int16_t none : {0, -1, 11, 32767}) {
+    int16_t type = -1;
+    Handle handle = ItemHandleOf(nullptr);
+    Rect empty = {1, 1, 1, 1};
+    GetDialogItem(sample.dialog, none, &type, &handle, &empty);
+    EXPECT_EQ(type, 0);
+    EXPECT_EQ(handle, nullptr);
+    EXPECT_TRUE(EmptyRect(&empty));
+  }
+}
+
+TEST(Dialog, ALayoutThatMakesNoSenseMakesNoDialog) {
+  UseSampleResources();
+  for (int16_t number = 910; number <= 917; ++number)
+    EXPECT_EQ(GetNewDialog(number, nullptr, nullptr), nullptr) << number;
+}
+
+TEST(Dialog, FindsItemsByNumberNotBySize) {
+  SampleDialog sample(SAMPLE_DIALOG, false);
+  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(WELL_ITEM)), WELL_ITEM - 1);
+  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(DISABLED_ITEM)), DISABLED_ITEM - 1);
+  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(OK_ITEM)), OK_ITEM - 1);
+  EXPECT_EQ(FindDialogItem(sample.dialog, Point{0, 0}), -1);
+  HideDialogItem(sample.dialog, WELL_ITEM);
+  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(WELL_ITEM)), -1);
+}
+
+std::vector<int16_t>& Drawn() {
+  static std::vector<int16_t> drawn;
+  return drawn;
+}
+
+void DrawNoted(DialogPtr dialog, int16_t item) {
+  GrafPtr port;
+  GetPort(&port);
+  EXPECT_EQ(port, dialog);
+  Drawn().push_back(item);
+  Rect box;
+  GetDialogItem(dialog, item, nullptr, nullptr, &box);
+  InsetRect(&box, -3, -3);
+  PaintRect(&box);
+}
+
+void Install(const SampleDialog& sample, int16_t item) {
+  int16_t type;
+  Rect box;
+  GetDialogItem(sample.dialog, item, &type, nullptr, &box);
+  SetDialogItem(sample.dialog, item, type, ItemHandleOf(DrawNoted), &box);
+}
+
+TEST(Dialog, UpdatesDrawOnlyWhatTheRegionTouches) {
+  SampleDialog sample;
+  Install(sample, WELL_ITEM);
+  Install(sample, BOX_ITEM);
+  Drawn().clear();
+  DrawDialog(sample.dialog);
+  EXPECT_EQ(Drawn(), std::vector<int16_t>({WELL_ITEM, BOX_ITEM}));
+  const QImage before = TB_PortImage(sample.dialog);
+  Drawn().clear();
+  RgnHandle region = NewRgn();
+  const Rect box = sample.Box(WELL_ITEM);
+  RectRgn(region, &box);
+  UpdateDialog(sample.dialog, region);
+  DisposeRgn(region);
+  EXPECT_EQ(Drawn()[0], WELL_ITEM);
+  EXPECT_EQ(TB_PortImage(sample.dialog), before) << "an update of a drawn dialog changes nothing";
+}
+
+struct HitCase {
+  const char* name;
+  int16_t clicked;
+  int16_t hit;
+};
+
+TEST(Dialog, ClicksHitEnabledItems) {
+  constexpr HitCase CASES[] = {{"button", CANCEL_ITEM, CANCEL_ITEM},
+                               {"check box", CHECK_ITEM, CHECK_ITEM},
+                               {"user item", WELL_ITEM, WELL_ITEM},
+                               {"a disabled item", DISABLED_ITEM, OK_ITEM},
+                               {"static text", TEXT_ITEM, OK_ITEM}};
+  SampleDialog sample;
+  for (const HitCase& hit : CASES) {
+    // Whatever does not end the loop is followed by a click on OK.
+    const Point place = sample.Middle(hit.clicked);
+    const Point okay = sample.Middle(OK_ITEM);
+    ToolboxScript script;
+    script.Click(place.h, place.v).Click(okay.h, okay.v).Start();
+    int16_t item = 0;
+    ModalDialog(nullptr, &item);
+    EXPECT_EQ(item, hit.hit) << hit.name;
+    while (!script.Done())
+      Delay(1, nullptr);
+    FlushEvents(everyEvent, 0);
+  }
+  EXPECT_EQ(GetControlValue(sample.Control(CHECK_ITEM)), 1) << "a check box is its owner's to set";
+}
+
+TEST(Dialog, AnInactiveControlIsNotHit) {
+  SampleDialog sample;
+  HiliteControl(sample.Control(CANCEL_ITEM), 255);
+  const Point place = sample.Middle(CANCEL_ITEM);
+  ToolboxScript script;
+  script.Click(place.h, place.v).KeyPress(kEscapeKeyCode).KeyPress(kReturnKeyCode).Start();
+  int16_t item = 0;
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, OK_ITEM);
+}
+
+struct KeyCase {
+  const char* name;
+  short code, modifier;
+  int16_t hit;
+};
+
+TEST(Dialog, KeysPressTheButtons) {
+  constexpr KeyCase CASES[] = {{"return", kReturnKeyCode, 0, OK_ITEM},
+                               {"enter", kEnterKeyCode, 0, OK_ITEM},
+                               {"escape", kEscapeKeyCode, 0, CANCEL_ITEM},
+                               {"command-period", 47, kCommandKeyCode, CANCEL_ITEM}};
+  for (int16_t number : {SAMPLE_DIALOG, NAME_DIALOG}) {
+    SampleDialog sample(number);
+    for (const KeyCase& key : CASES) {
+      ToolboxScript script;
+      if (key.modifier != 0)
+        script.KeyDown(key.modifier);
+      script.KeyPress(key.code);
+      if (key.modifier != 0)
+        script.KeyUp(key.modifier);
+      script.Start();
+      int16_t item = 0;
+      ModalDialog(nullptr, &item);
+      EXPECT_EQ(item, key.hit) << number << " " << key.name;
+      while (!script.Done())
+        Delay(1, nullptr);
+    }
+  }
+}
+
+std::vector<uint16_t>& FilteredEvents() {
+  static std::vector<uint16_t> events;
+  return events;
+}
+
+Boolean NoteAndConsumePresses(DialogPtr dialog, EventRecord* event, int16_t* item) {
+  EXPECT_EQ(dialog, FrontWindow());
+  EXPECT_EQ(*item, 0);
+  FilteredEvents().push_back(event->what);
+  if (event->what != mouseDown)
+    return 0;
+  Point place = event->where;
+  GlobalToLocal(&place);
+  *item = static_cast<int16_t>(place.h);
+  return 1;
+}
+
+TEST(Dialog, TheFilterComesFirst) {
+  SampleDialog sample;
+  FilteredEvents().clear();
+  const Point okay = sample.Middle(OK_ITEM);
+  ToolboxScript script;
+  script.Click(okay.h, okay.v).Click(0, 5).KeyPress(kEscapeKeyCode).Start();
+  int16_t item = 0;
+  ModalDialog(NoteAndConsumePresses, &item);
+  EXPECT_EQ(item, okay.h) << "the item the filter set";
+  ModalDialog(NoteAndConsumePresses, &item);
+  EXPECT_EQ(item, 0) << "a consumed event without an item ends the call too";
+  ModalDialog(NoteAndConsumePresses, &item);
+  EXPECT_EQ(item, CANCEL_ITEM) << "what the filter leaves is the dialog's";
+  EXPECT_EQ(FilteredEvents().back(), keyDown);
+}
+
+std::vector<uint16_t>& HostEvents() {
+  static std::vector<uint16_t> events;
+  return events;
+}
+
+TEST(Dialog, AMovableDialogKeepsItsHostAlive) {
+  SampleDialog sample;
+  Handle resource = GetResource(CV_FOUR_CHARS('D', 'L', 'O', 'G'), SAMPLE_DIALOG);
+  ASSERT_NE(resource, nullptr);
+  CenterDialog(resource);
+  EXPECT_TRUE(SetUpMoveableModal(resource, CV_HOST_SIGNATURE));
+  EXPECT_FALSE(SetUpMoveableModal(resource, CV_FOUR_CHARS('n', 'o', 'n', 'e')));
+  EXPECT_EQ(GetResource(CV_FOUR_CHARS('D', 'L', 'O', 'G'), 17), nullptr);
+  EXPECT_EQ(ResError(), resNotFound);
+  HostEvents().clear();
+  ToolboxScript script;
+  script.Wait(700).KeyPress(kReturnKeyCode).Start();
+  int16_t item = 0;
+  const auto note = [](void* event) {
+    HostEvents().push_back(static_cast<EventRecord*>(event)->what);
+  };
+  MoveableModalDialog(note, nullptr, &item);
+  EXPECT_EQ(item, OK_ITEM);
+  EXPECT_NE(std::count(HostEvents().begin(), HostEvents().end(), nullEvent), 0);
+  EXPECT_NE(std::count(HostEvents().begin(), HostEvents().end(), keyDown), 0);
+  ReleaseResource(resource);
+}
+
+TEST(Dialog, ClosingTheWindowCancels) {
+  SampleDialog sample;
+  ToolboxScript script;
+  script.CloseWindow().Start();
+  int16_t item = 0;
+  for (int call = 0; call < 2; ++call) {
+    ModalDialog(nullptr, &item);
+    EXPECT_EQ(item, CANCEL_ITEM);
+  }
+}
+
+TEST(Dialog, AFlashShowsThePressedButton) {
+  SampleDialog sample;
+  const QImage plain = TB_PortImage(sample.dialog);
+  QImage flashed;
+  ToolboxScript script;
+  script.Wait(30).Call([&] { flashed = TB_PortImage(sample.dialog); }).Start();
+  QElapsedTimer elapsed;
+  elapsed.start();
+  FlashDialogButton(sample.dialog, OK_ITEM);
+  EXPECT_GE(elapsed.elapsed(), 100);
+  EXPECT_FALSE(flashed.isNull());
+  EXPECT_NE(flashed, plain);
+  EXPECT_EQ(TB_PortImage(sample.dialog), plain);
+}
+
+TEST(Dialog, AuxiliaryRecordsAndDisposedWindows) {
+  AuxWinHandle record = nullptr;
+  DialogPtr gone = nullptr;
+  {
+    SampleDialog sample;
+    gone = sample.dialog;
+    ASSERT_TRUE(GetAuxWin(sample.dialog, &record));
+    (**record).awRefCon = 4711;
+    AuxWinHandle again = nullptr;
+    GetAuxWin(sample.dialog, &again);
+    EXPECT_EQ((**again).awRefCon, 4711);
+    EXPECT_EQ(FrontWindow(), sample.dialog);
+  }
+  EXPECT_FALSE(GetAuxWin(gone, &record));
+  EXPECT_EQ(FrontWindow(), nullptr);
+  EXPECT_EQ(CountDITL(gone), 0);
+  DrawDialog(gone);
+  DisposeDialog(gone);
+  int16_t item = 0;
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, -1);
+}
+
+TEST(Dialog, AnAlertIsAWindowThatAnyKeyOfItsOwnEnds) {
+  SampleDialog sample;
+  for (short code : {kReturnKeyCode, kEscapeKeyCode}) {
+    QString shown;
+    ToolboxScript script;
+    script.Wait(50).Call([&] {
+      const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      shown = box != nullptr ? box->text() : QString();
+    });
+    script.KeyPress(code).Start();
+    EXPECT_EQ(StopAlert(16009, nullptr), 1);
+    EXPECT_TRUE(shown.contains("Dusk")) << shown.toStdString();
+    while (!script.Done())
+      Delay(1, nullptr);
+  }
+}
+
+} // namespace

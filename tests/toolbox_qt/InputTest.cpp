@@ -1,0 +1,245 @@
+// The mouse and the keys as drags and filters see them.
+#include "SampleDialog.h"
+#include "ToolboxQtAccess.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <ctime>
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr short MOUSE_EVENTS = (1 << mouseDown) | (1 << mouseUp);
+
+// What a drag loop of the usual kind has seen.
+struct Drag {
+  std::vector<Point> places;
+  std::vector<bool> shift;
+  Point last;
+  int rounds = 0;
+};
+
+Drag FollowMouse() {
+  Drag drag;
+  const auto look = [&] {
+    GetMouse(&drag.last);
+    KeyMap keys;
+    GetKeys(keys);
+    if (drag.places.empty() || !EqualPt(drag.places.back(), drag.last)) {
+      drag.places.push_back(drag.last);
+      drag.shift.push_back(KeyIsDown(keys, kShiftKeyCode));
+    }
+  };
+  while (StillDown()) {
+    ++drag.rounds;
+    look();
+  }
+  look();
+  return drag;
+}
+
+// Waits for the press that a script sends.
+void WaitForPress() {
+  EventRecord event;
+  ASSERT_TRUE(WaitNextEvent(1 << mouseDown, &event, 600, nullptr));
+}
+
+TEST(Input, ADragSeesEveryPlaceAndEndsAtTheRelease) {
+  SampleDialog sample;
+  ToolboxScript script;
+  script.Press(30, 40).MoveTo(50, 60).MoveTo(-20, 500).Release(70, 80).MoveTo(10, 10).Start();
+  WaitForPress();
+  const Drag drag = FollowMouse();
+  const std::vector<Point> expected = {{40, 30}, {60, 50}, {500, -20}, {80, 70}};
+  ASSERT_EQ(drag.places.size(), expected.size());
+  for (size_t i = 0; i < expected.size(); ++i)
+    EXPECT_TRUE(EqualPt(drag.places[i], expected[i])) << i;
+  // The mouse goes on; the drag's end stays where it was until the next event is taken.
+  Delay(20, nullptr);
+  Point mouse;
+  GetMouse(&mouse);
+  EXPECT_TRUE(EqualPt(mouse, Point{80, 70}));
+  EventRecord event;
+  while (WaitNextEvent(MOUSE_EVENTS, &event, 0, nullptr)) {
+  }
+  GetMouse(&mouse);
+  EXPECT_TRUE(EqualPt(mouse, Point{10, 10}));
+}
+
+TEST(Input, AClickThatIsOverBeforeTheDragStartsIsStillOne) {
+  SampleDialog sample;
+  ToolboxScript script;
+  script.Click(33, 44).MoveTo(1, 1).Start();
+  while (!script.Done())
+    Delay(2, nullptr);
+  WaitForPress();
+  const Drag drag = FollowMouse();
+  EXPECT_EQ(drag.rounds, 0);
+  EXPECT_TRUE(EqualPt(drag.last, Point{44, 33}));
+}
+
+TEST(Input, KeysAreReadDuringADrag) {
+  SampleDialog sample;
+  ToolboxScript script;
+  script.Press(10, 10).MoveTo(20, 10).KeyDown(kShiftKeyCode).MoveTo(30, 10).Release(30, 11);
+  script.KeyUp(kShiftKeyCode).Start();
+  WaitForPress();
+  const Drag drag = FollowMouse();
+  const std::vector<bool> expected = {false, false, true, true};
+  EXPECT_EQ(drag.shift, expected);
+  while (!script.Done())
+    Delay(2, nullptr);
+}
+
+TEST(Input, AHeldButtonCostsNextToNothing) {
+  SampleDialog sample;
+  ToolboxScript script;
+  script.Press(30, 40).Wait(1200).Release(30, 40).Start();
+  WaitForPress();
+  QElapsedTimer elapsed;
+  elapsed.start();
+  const std::clock_t before = std::clock();
+  const Drag drag = FollowMouse();
+  const double processor = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+  const double seconds = static_cast<double>(elapsed.elapsed()) / 1000;
+  EXPECT_GT(seconds, 1.0);
+  EXPECT_LT(processor / seconds, 0.1);
+  EXPECT_LT(drag.rounds, 200);
+}
+
+struct Ending {
+  const char* name;
+  std::function<void(ToolboxScript&, QWidget&)> end;
+  bool hitsCancel;
+};
+
+const Ending ENDINGS[] = {
+    {"its window closes", [](ToolboxScript& script, QWidget&) { script.CloseWindow(); }, true},
+    {"the host's window closes",
+     [](ToolboxScript& script, QWidget& host) { script.Call([&host] { host.close(); }); }, false},
+    {"the program quits",
+     [](ToolboxScript& script, QWidget&) { script.Call([] { QCoreApplication::quit(); }); }, true},
+};
+
+void ExpectDragEnds(const Ending& ending) {
+  QWidget host;
+  host.show();
+  SampleDialog sample;
+  ToolboxScript script;
+  script.Press(30, 40);
+  ending.end(script, host);
+  script.Start();
+  WaitForPress();
+  QElapsedTimer elapsed;
+  elapsed.start();
+  while (StillDown() && elapsed.elapsed() < 5000) {
+  }
+  EXPECT_LT(elapsed.elapsed(), 5000) << ending.name;
+  if (!ending.hitsCancel)
+    return;
+  int16_t item = 0;
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, CANCEL_ITEM) << ending.name;
+}
+
+TEST(Input, ADragEndsWhen) {
+  for (const Ending& ending : ENDINGS) {
+    // As in a host that runs its own loop of events, which alone can be quit.
+    QTimer::singleShot(0, [&] {
+      ExpectDragEnds(ending);
+      QCoreApplication::exit();
+    });
+    QCoreApplication::exec();
+  }
+}
+
+struct KeyCase {
+  const char* name;
+  short code;
+  short modifier;
+  uint32_t message;
+};
+
+constexpr KeyCase KEYS[] = {
+    {"delete", kDeleteKeyCode, 0, (51 << 8) | 8},
+    {"forward delete", kForwardDeleteKeyCode, 0, (117 << 8) | 127},
+    {"tab", kTabKeyCode, 0, (48 << 8) | 9},
+    {"shift-tab", kTabKeyCode, kShiftKeyCode, (48 << 8) | 9},
+    {"return", kReturnKeyCode, 0, (36 << 8) | 13},
+    {"enter", kEnterKeyCode, 0, (76 << 8) | 3},
+    {"escape", kEscapeKeyCode, 0, (53 << 8) | 27},
+    {"command-period", 47, kCommandKeyCode, (47 << 8) | '.'},
+};
+
+std::vector<EventRecord>& SeenKeys() {
+  static std::vector<EventRecord> seen;
+  return seen;
+}
+
+Boolean KeepKeys(DialogPtr, EventRecord* event, int16_t* item) {
+  if (event->what != keyDown)
+    return 0;
+  SeenKeys().push_back(*event);
+  *item = 77;
+  return 1;
+}
+
+TEST(Input, KeysCarryTheirCodesAndCharacters) {
+  SampleDialog sample;
+  for (const KeyCase& key : KEYS) {
+    SeenKeys().clear();
+    ToolboxScript script;
+    if (key.modifier != 0)
+      script.KeyDown(key.modifier);
+    script.KeyPress(key.code);
+    if (key.modifier != 0)
+      script.KeyUp(key.modifier);
+    script.Start();
+    int16_t item = 0;
+    do
+      ModalDialog(KeepKeys, &item);
+    while (SeenKeys().back().message >> 8 == static_cast<uint32_t>(key.modifier));
+    EXPECT_EQ(item, 77);
+    EXPECT_EQ(SeenKeys().back().message, key.message) << key.name;
+    const bool shift = (SeenKeys().back().modifiers & shiftKey) != 0;
+    const bool command = (SeenKeys().back().modifiers & cmdKey) != 0;
+    EXPECT_EQ(shift, key.modifier == kShiftKeyCode) << key.name;
+    EXPECT_EQ(command, key.modifier == kCommandKeyCode) << key.name;
+    while (!script.Done())
+      Delay(1, nullptr);
+  }
+}
+
+TEST(Input, KeyMapBits) {
+  SampleDialog sample;
+  for (short code : {kCommandKeyCode, kShiftKeyCode, kOptionKeyCode}) {
+    ToolboxScript script;
+    script.KeyDown(code);
+    script.Start();
+    while (!script.Done())
+      Delay(1, nullptr);
+    KeyMap keys;
+    GetKeys(keys);
+    for (short other : {kCommandKeyCode, kShiftKeyCode, kOptionKeyCode})
+      EXPECT_EQ(KeyIsDown(keys, other), other == code) << code << " " << other;
+    ToolboxScript release;
+    release.KeyUp(code).Start();
+    while (!release.Done())
+      Delay(1, nullptr);
+    GetKeys(keys);
+    EXPECT_FALSE(KeyIsDown(keys, code));
+  }
+}
+
+TEST(Input, LocalAndGlobalPointsAreInverse) {
+  SampleDialog sample;
+  for (Point point : {Point{0, 0}, Point{17, 230}, Point{-5, -9}, Point{319, 439}}) {
+    Point there = point;
+    LocalToGlobal(&there);
+    GlobalToLocal(&there);
+    EXPECT_TRUE(EqualPt(there, point)) << point.h << "," << point.v;
+  }
+}
+
+} // namespace

@@ -1,0 +1,154 @@
+// Recording, and points in recorded regions against what the same figures draw.
+#include "SampleDialog.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Figure {
+  const char* name;
+  std::function<void()> frame;
+  std::function<void()> fill; // the squares that belong to the region
+};
+
+Rect Box(short left, short top, short right, short bottom) {
+  return {top, left, bottom, right};
+}
+
+void FrameAll(const std::vector<Rect>& boxes) {
+  for (const Rect& box : boxes)
+    FrameRect(&box);
+}
+
+void Polygon(std::vector<Point> corners) {
+  MoveTo(corners.back().h, corners.back().v);
+  for (const Point& corner : corners)
+    LineTo(corner.h, corner.v);
+}
+
+void PaintRows(const std::vector<std::pair<short, short>>& rows, short top) {
+  for (const auto& [left, right] : rows) {
+    const Rect row = Box(left, top, right, static_cast<short>(top + 1));
+    PaintRect(&row);
+    ++top;
+  }
+}
+
+const Rect HANDLE = {5, 5, 10, 10};
+const Rect OVAL = {4, 3, 11, 10};
+const Rect ELLIPSE = {2, 1, 13, 19};
+
+const Figure FIGURES[] = {
+    {"rectangle", [] { FrameRect(&HANDLE); }, [] { PaintRect(&HANDLE); }},
+    {"oval", [] { FrameOval(&OVAL); }, [] { PaintOval(&OVAL); }},
+    {"wide oval", [] { FrameOval(&ELLIPSE); }, [] { PaintOval(&ELLIPSE); }},
+    {"polygon of a rectangle",
+     [] {
+       Polygon({{0, 0}, {0, 12}, {7, 12}, {7, 0}});
+     },
+     [] {
+       const Rect box = Box(0, 0, 12, 7);
+       PaintRect(&box);
+     }},
+    {"triangle",
+     [] {
+       Polygon({{2, 10}, {8, 16}, {8, 4}});
+     },
+     [] {
+       PaintRows({{9, 10}, {8, 11}, {7, 12}, {6, 13}, {5, 14}, {4, 15}}, 2);
+     }},
+    {"a hole in a rectangle",
+     [] {
+       FrameAll({Box(1, 1, 15, 12), Box(4, 4, 9, 9)});
+     },
+     [] {
+       const Rect outer = Box(1, 1, 15, 12);
+       const Rect inner = Box(4, 4, 9, 9);
+       PaintRect(&outer);
+       EraseRect(&inner);
+     }},
+    {"nothing", [] {}, [] {}},
+};
+
+TEST(Region, RecordsWhatFramesSurround) {
+  for (const Figure& figure : FIGURES) {
+    TestPort port(20, 14);
+    const std::vector<std::string> blank = port.Rows();
+    RgnHandle region = NewRgn();
+    OpenRgn();
+    figure.frame();
+    const Rect all = {0, 0, 14, 20};
+    EraseRect(&all);
+    InvertRect(&all);
+    CloseRgn(region);
+    EXPECT_EQ(port.Rows(), blank) << figure.name << " drew while recording";
+
+    PenNormal();
+    figure.fill();
+    const std::vector<std::string> filled = port.Rows();
+    for (short v = -1; v < 15; ++v) {
+      for (short h = -1; h < 21; ++h) {
+        const bool inPort = v >= 0 && v < 14 && h >= 0 && h < 20;
+        const bool expected =
+            inPort && filled[static_cast<size_t>(v)][static_cast<size_t>(h)] == '#';
+        EXPECT_EQ(PtInRgn(Point{v, h}, region) != 0, expected)
+            << figure.name << " " << h << "," << v;
+      }
+    }
+    DisposeRgn(region);
+  }
+}
+
+TEST(Region, RecordingAtAFractionalRatioIsInUnits) {
+  TestPort port(40, 40, 1.5);
+  RgnHandle region = NewRgn();
+  OpenRgn();
+  FrameOval(&OVAL);
+  CloseRgn(region);
+  const Rect box = (**region).rgnBBox;
+  EXPECT_TRUE(EqualRect(&box, &OVAL));
+  DisposeRgn(region);
+}
+
+TEST(Region, SetArithmetic) {
+  RgnHandle a = NewRgn();
+  RgnHandle b = NewRgn();
+  RgnHandle both = NewRgn();
+  SetRectRgn(a, 0, 0, 10, 10);
+  SetRectRgn(b, 5, 5, 15, 15);
+  SectRgn(a, b, both);
+  EXPECT_TRUE(PtInRgn(Point{5, 5}, both));
+  EXPECT_FALSE(PtInRgn(Point{10, 10}, both));
+  UnionRgn(a, b, both);
+  EXPECT_EQ((**both).rgnBBox.right, 15);
+  XorRgn(a, b, both);
+  EXPECT_FALSE(PtInRgn(Point{7, 7}, both));
+  DiffRgn(a, b, both);
+  EXPECT_TRUE(PtInRgn(Point{0, 9}, both));
+  EXPECT_FALSE(PtInRgn(Point{12, 12}, both));
+  OffsetRgn(a, 5, 5);
+  EXPECT_TRUE(EqualRgn(a, b));
+  SetEmptyRgn(a);
+  EXPECT_TRUE(EmptyRgn(a));
+  EXPECT_FALSE(PtInRgn(Point{0, 0}, nullptr));
+  CopyRgn(b, nullptr);
+  for (RgnHandle region : {a, b, both})
+    DisposeRgn(region);
+}
+
+TEST(Region, ClipComesBack) {
+  TestPort port(6, 3);
+  RgnHandle saved = NewRgn();
+  GetClip(saved);
+  const Rect left = Box(0, 0, 3, 3);
+  ClipRect(&left);
+  PaintRect(&port.port->portRect);
+  EXPECT_EQ(port.Rows()[1], "###...");
+  SetClip(saved);
+  PaintRect(&port.port->portRect);
+  EXPECT_EQ(port.Rows()[1], "######");
+  DisposeRgn(saved);
+}
+
+} // namespace

@@ -1,0 +1,161 @@
+// Exclusive-or figures drawn twice leave no changed pixel, whatever the ratio and the ground.
+#include "SampleDialog.h"
+#include "ToolboxQtAccess.h"
+
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Figure {
+  const char* name;
+  std::function<void()> draw;
+};
+
+void DrawEllipse(double axisH, double axisV, double tilt) {
+  for (int k = 0; k <= 40; ++k) {
+    const double angle = k * 3.14159265358979 / 20;
+    const double along = axisH * std::cos(angle);
+    const double across = axisV * std::sin(angle);
+    const auto h = static_cast<short>(60 + along * std::cos(tilt) - across * std::sin(tilt));
+    const auto v = static_cast<short>(50 + along * std::sin(tilt) + across * std::cos(tilt));
+    if (k == 0)
+      MoveTo(h, v);
+    else
+      LineTo(h, v);
+  }
+}
+
+const Figure FIGURES[] = {
+    {"flat line",
+     [] {
+       MoveTo(3, 40);
+       LineTo(110, 61);
+     }},
+    {"steep line",
+     [] {
+       MoveTo(90, 3);
+       LineTo(61, 97);
+     }},
+    {"horizontal line",
+     [] {
+       MoveTo(5, 33);
+       LineTo(77, 33);
+     }},
+    {"thick line",
+     [] {
+       PenSize(4, 3);
+       MoveTo(10, 80);
+       LineTo(100, 12);
+     }},
+    {"oval",
+     [] {
+       const Rect box = {13, 21, 88, 107};
+       FrameOval(&box);
+     }},
+    {"oval beyond the port",
+     [] {
+       const Rect box = {-40, -30, 88, 207};
+       FrameOval(&box);
+     }},
+    {"small filled oval",
+     [] {
+       const Rect box = {41, 41, 48, 48};
+       PaintOval(&box);
+     }},
+    {"handle",
+     [] {
+       const Rect box = {41, 61, 46, 66};
+       PaintRect(&box);
+     }},
+    {"rounded rectangle",
+     [] {
+       PenSize(3, 3);
+       const Rect box = {11, 15, 60, 90};
+       FrameRoundRect(&box, 16, 16);
+     }},
+    {"ellipse of forty sides", [] { DrawEllipse(45, 20, 0.4); }},
+    {"flat ellipse", [] { DrawEllipse(50, 1, 1.1); }},
+    {"inverted rectangle",
+     [] {
+       const Rect box = {11, 15, 60, 90};
+       InvertRect(&box);
+     }},
+};
+
+void PaintGround() {
+  for (short v = 0; v < 100; v += 2) {
+    for (short h = 0; h < 120; h += 3) {
+      const Rect box = {v, h, static_cast<short>(v + 2), static_cast<short>(h + 3)};
+      PixPatHandle pattern = NewPixPat();
+      const RGBColor color = {static_cast<uint16_t>(h * 541), static_cast<uint16_t>(v * 655),
+                              static_cast<uint16_t>((h * 7 + v * 13) * 97)};
+      MakeRGBPat(pattern, &color);
+      FillCRect(&box, pattern);
+      DisposePixPat(pattern);
+    }
+  }
+}
+
+void SetClipped(bool clipped) {
+  const Rect whole = {0, 0, 100, 120};
+  const Rect inner = {9, 7, 77, 101};
+  ClipRect(clipped ? &inner : &whole);
+}
+
+class Reversible : public testing::TestWithParam<double> {};
+
+TEST_P(Reversible, AFigureDrawnTwiceChangesNothing) {
+  TestPort port(120, 100, GetParam());
+  PaintGround();
+  const QImage before = TB_PortImage(port.port);
+  for (const Figure& figure : FIGURES) {
+    for (bool clipped : {false, true}) {
+      SetClipped(clipped);
+      PenNormal();
+      PenMode(patXor);
+      figure.draw();
+      EXPECT_NE(TB_PortImage(port.port), before) << figure.name << " drew nothing";
+      PenNormal();
+      PenMode(patXor);
+      figure.draw();
+      EXPECT_EQ(TB_PortImage(port.port), before) << figure.name << (clipped ? ", clipped" : "");
+    }
+  }
+}
+
+// A drag: erase, move, draw, many times, and figures that cross each other.
+TEST_P(Reversible, ADragLeavesNoTrace) {
+  TestPort port(120, 100, GetParam());
+  PaintGround();
+  const QImage before = TB_PortImage(port.port);
+  PenMode(patXor);
+  for (int step = 0; step < 60; ++step) {
+    const double tilt = step * 0.13;
+    for (int pass = 0; pass < 2; ++pass) {
+      DrawEllipse(40 + step % 7, 5 + step % 11, tilt);
+      MoveTo(60, 50);
+      LineTo(static_cast<short>(60 + step), static_cast<short>(50 - step / 2));
+    }
+    ASSERT_EQ(TB_PortImage(port.port), before) << "step " << step;
+  }
+}
+
+// Every pixel of an exclusive-or figure is wholly inverted: no half tones at the edges.
+TEST_P(Reversible, EdgesAreHard) {
+  TestPort port(120, 100, GetParam());
+  PenMode(patXor);
+  DrawEllipse(45, 20, 0.4);
+  const QImage image = TB_PortImage(port.port);
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      const QRgb pixel = image.pixel(x, y);
+      ASSERT_TRUE(pixel == 0xFF000000 || pixel == 0xFFFFFFFF) << x << "," << y;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ratios, Reversible, testing::Values(1.0, 1.25, 1.5, 1.75, 2.0, 3.0));
+
+} // namespace
