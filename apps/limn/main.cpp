@@ -46,7 +46,7 @@ std::string ApplyNotes() {
          "\n"
          "Examples:\n"
          "  limn apply photo.jpg -o lit.jpg\n"
-         "  limn apply --style Dusk --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
+         "  limn apply -s 'Evening Lamp' --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
          "  limn apply --channel heights.png --set bumpChannel=4 photo.jpg -o lit.png\n"
          "  limn apply -r holiday -o lit/ --jobs 4 --json\n\n";
 }
