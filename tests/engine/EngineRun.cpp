@@ -141,7 +141,8 @@ void EngineRun::Deliver() {
           static_cast<size_t>(y) * static_cast<size_t>(scene.width) + static_cast<size_t>(x);
       for (int p = 0; p < planes; ++p) {
         const int plane = record.inFirstPlane + p;
-        input[static_cast<size_t>(row * stride + column * planes + p)] =
+        input[static_cast<size_t>(row) * static_cast<size_t>(stride) +
+              static_cast<size_t>(column) * static_cast<size_t>(planes) + static_cast<size_t>(p)] =
             plane < 3 ? scene.pixels[pixel * 3 + static_cast<size_t>(plane)] : scene.heights[pixel];
       }
     }
