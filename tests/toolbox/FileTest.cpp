@@ -130,6 +130,24 @@ TEST_F(FileTest, AReferenceIsGoneAfterItsFile) {
   }
 }
 
+TEST_F(FileTest, AProgramStartedMeanwhileInheritsNoFile) {
+  WriteFile("a", "x");
+  int16_t file = 0;
+  ASSERT_EQ(Open("a", fsRdWrPerm, &file), noErr);
+  int found = 0;
+  for (int descriptor = 3; descriptor < 256; ++descriptor) {
+    struct stat ours;
+    struct stat other;
+    if (fstat(descriptor, &other) == 0 && stat((folder / "a").c_str(), &ours) == 0 &&
+        ours.st_ino == other.st_ino && ours.st_dev == other.st_dev) {
+      ++found;
+      EXPECT_EQ(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+    }
+  }
+  EXPECT_EQ(found, 1);
+  EXPECT_EQ(FSClose(file), noErr);
+}
+
 TEST_F(FileTest, TheTableOfFilesIsBounded) {
   WriteFile("a", "x");
   std::vector<int16_t> files;
