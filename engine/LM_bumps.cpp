@@ -20,14 +20,6 @@ struct ChannelView {
 // Taps of height (x, y) reach from (x + 1, y + 1) to (x + 3, y + 3).
 constexpr int32_t LAST_TAP = 3;
 
-int32_t WeighHeight(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
-                    int32_t scale) {
-  const int32_t sum = 2 * above[0] + 8 * above[1] + 2 * above[2] + 8 * middle[0] + 32 * middle[1] +
-                      8 * middle[2] + 2 * below[0] + 8 * below[1] + 2 * below[2];
-  // 72 weights over 68: the gain is part of the look.
-  return LM_WrapMultiply(sum, scale) / 68;
-}
-
 // A height near the edge of a rectangle that 16-bit sides could not express whole: what is missing
 // lies outside the image, where the last delivered row and column go on.
 int32_t HeightAtEdge(const ChannelView& view, int32_t x, int32_t y, int32_t scale) {
@@ -38,7 +30,7 @@ int32_t HeightAtEdge(const ChannelView& view, int32_t x, int32_t y, int32_t scal
       taps[r][c] = view.first[static_cast<size_t>(row) * view.rowBytes +
                               static_cast<size_t>(std::min(x + 1 + c, view.columns - 1))];
   }
-  return WeighHeight(taps[0], taps[1], taps[2], scale);
+  return LM_WeighHeight(taps[0], taps[1], taps[2], scale);
 }
 
 bool GrowHeights(LM_bump_map& map, uint64_t needed) {
@@ -76,10 +68,18 @@ void LM_SetUpHeightFilter(LM_bump_map* map) {
   std::copy(&WEIGHTS[0][0], &WEIGHTS[0][0] + 25, &map->kernel[0][0]);
 }
 
+int32_t LM_WeighHeight(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
+                       int32_t scale) {
+  const int32_t sum = 2 * above[0] + 8 * above[1] + 2 * above[2] + 8 * middle[0] + 32 * middle[1] +
+                      8 * middle[2] + 2 * below[0] + 8 * below[1] + 2 * below[2];
+  // 72 weights over 68: the gain is part of the look.
+  return LM_WrapMultiply(sum, scale) / 68;
+}
+
 int32_t LM_FilterHeight(const uint8_t* source, uint32_t rowBytes, int32_t scale,
                         [[maybe_unused]] const int32_t kernel[][5]) {
   const uint8_t* above = source + rowBytes + 1;
-  return WeighHeight(above, above + rowBytes, above + 2 * static_cast<size_t>(rowBytes), scale);
+  return LM_WeighHeight(above, above + rowBytes, above + 2 * static_cast<size_t>(rowBytes), scale);
 }
 
 int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals) {

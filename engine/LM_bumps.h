@@ -25,6 +25,10 @@ struct LM_bump_map {
 // Fills the kernel. Once per run, when the height buffer has been allocated.
 void LM_SetUpHeightFilter(LM_bump_map* map);
 
+// The height in the middle of a 3 x 3 block of channel bytes, given by its rows. Wraps at 32 bits.
+int32_t LM_WeighHeight(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
+                       int32_t scale);
+
 // The height in the middle of a 5 x 5 block of channel bytes, `source` its top-left corner. Only
 // the inner 3 x 3 is read, with fixed weights; the kernel is accepted for the callers' sake. Wraps
 // at 32 bits.

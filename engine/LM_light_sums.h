@@ -78,8 +78,10 @@ void LM_MarkLightCachesHot(LM_globals* globals);
 class LM_sample_grid {
 public:
   LM_sample_grid(const FilterRecord* record, const foo* params)
-      : _area(record->filterArea), _tile(record->inTileRect),
-        _width(static_cast<double>(_area.right - _area.left)),
+      : LM_sample_grid(record->filterArea, record->inTileRect, params) {}
+  // Rows and columns are counted from the tile's top-left.
+  LM_sample_grid(const CVRect& area, const CVRect& tile, const foo* params)
+      : _area(area), _tile(tile), _width(static_cast<double>(_area.right - _area.left)),
         _height(static_cast<double>(_area.bottom - _area.top)),
         _factor(static_cast<double>(params->worldScale /
                                     static_cast<float>(_area.right - _area.left))) {}

@@ -1,0 +1,39 @@
+// Views of 8-bit pixels that lie somewhere in an image.
+//
+// A view names the part of the image that its memory holds, in the image's own coordinates, so a
+// strip, a tile and a whole image are all described alike. Nothing is owned. Rows may run upwards
+// (a negative stride); pixels may lie any number of bytes apart.
+#ifndef LM_IMAGE_H
+#define LM_IMAGE_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "CVFilterRecord.h"
+
+// A rectangle with nothing in it, or turned inside out.
+inline bool LM_IsEmpty(const CVRect32& r) {
+  return r.bottom <= r.top || r.right <= r.left;
+}
+inline bool LM_Contains(const CVRect32& outer, const CVRect32& inner) {
+  return inner.top >= outer.top && inner.left >= outer.left && inner.bottom <= outer.bottom &&
+         inner.right <= outer.right;
+}
+
+// Byte: uint8_t, or const uint8_t for pixels that are only read.
+template <class Byte> struct LM_view {
+  Byte* pixels;        // the pixel at (bounds.left, bounds.top), or null for none
+  ptrdiff_t rowStride; // bytes from a pixel to the one below
+  ptrdiff_t pixelStep; // bytes from a pixel to the one on its right
+  CVRect32 bounds;     // what the memory holds
+
+  // The pixel at (x, y) of the image, which has to lie in bounds.
+  Byte* At(int32_t x, int32_t y) const {
+    return pixels + (ptrdiff_t{y} - bounds.top) * rowStride +
+           (ptrdiff_t{x} - bounds.left) * pixelStep;
+  }
+};
+using LM_source_view = LM_view<const uint8_t>;
+using LM_output_view = LM_view<uint8_t>;
+
+#endif

@@ -1,0 +1,74 @@
+// Vector kernels: the plain shader's formulas on rows of pixels, for the instruction sets that this
+// build knows. Which of them runs is decided at run time. Their bytes equal the plain code's for
+// every input that LM_FitsVectors allows; the rest is the plain code's alone.
+#ifndef LM_KERNELS_H
+#define LM_KERNELS_H
+
+#include <cstddef>
+
+#include "LM_types.h"
+
+// Elements that a kernel may read, or overwrite, behind the last one of a row that it is given.
+constexpr int LM_KERNEL_SLACK = 64;
+
+// A light in one row of samples. y is the row's own: from the sample to the light.
+struct LM_kernel_light {
+  float color[LM_PLANES];
+  float x, y, z; // omni and spot: the light's x, and the way to it; directional: the direction
+  float ySquare, zSquare;
+  float inverse;      // directional: of the direction's length
+  float axisX;        // spot
+  float axisY, axisZ; // spot: the axis' y and z, times this light's y and z
+  float cosCutoff, spreadMinCos, spreadScale;
+  const float* spreadTable;
+  float strongest; // the largest product of colour and falloff; infinite when one is no number
+};
+
+// The lights of a job or of one of its rows: omnis, then spots, then directional ones.
+struct LM_kernel_lights {
+  int omnis, spots, directionals;
+  LM_kernel_light light[LM_MAX_LIGHTS];
+  // What every sample has before these lights: ambient light, and what is the same everywhere.
+  int32_t diffuse[LM_PLANES], specular[LM_PLANES];
+
+  int Count() const { return omnis + spots + directionals; }
+};
+
+struct LM_kernel_surface {
+  int32_t gloss, material, exposure;
+};
+
+// The bytes of a row by plane; lit in place.
+struct LM_kernel_planes {
+  uint8_t* plane[LM_PLANES];
+};
+
+// One instruction set's kernels. All rows are n > 0 long and have LM_KERNEL_SLACK more elements.
+// None needs alignment.
+struct LM_kernels {
+  const char* name;
+  // Bytes 0 to 2 of n pixels, `step` bytes apart, to planes; and back, leaving what lies between.
+  // Neither touches a byte beyond the last pixel.
+  void (*split)(const uint8_t* pixels, ptrdiff_t step, int n, const LM_kernel_planes& planes);
+  void (*join)(const LM_kernel_planes& planes, int n, uint8_t* pixels, ptrdiff_t step);
+  // Lights n pixels of a flat surface. x: their places.
+  void (*flat)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
+               int n, const LM_kernel_planes& planes);
+  // The heights of n pixels from three rows of bytes, each starting one pixel to the left.
+  void (*heights)(const uint8_t* const taps[3], int n, int32_t scale, int32_t* heights);
+  // Lights n pixels in relief. heights: three rows, each starting one pixel to the left.
+  void (*relief)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
+                 int n, const int32_t* const heights[3], const LM_kernel_planes& planes);
+  // roots[i] = (float)(1.0 / sqrt((double)values[i])) for values in [2^-96, 2^96]. The estimate
+  // that the processor gives is first made `nudge` times larger, so that a test can show that its
+  // error does not matter; 1 otherwise.
+  void (*reciprocalRoot)(const float* values, int n, float nudge, float* roots);
+};
+
+// The kernels that this processor can run, best first; returns how many were written to `list`,
+// `room` at most. None where the build has no vector library.
+int LM_ListKernels(const LM_kernels** list, int room);
+// The best of them, or null.
+const LM_kernels* LM_BestKernels();
+
+#endif
