@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-#include "LM_types.h"
+#include "LM_light.h"
 
 // Elements that a kernel may read, or overwrite, behind the last one of a row that it is given.
 constexpr int LM_KERNEL_SLACK = 64;
@@ -21,6 +21,7 @@ struct LM_kernel_light {
   float axisY, axisZ; // spot: the axis' y and z, times this light's y and z
   float cosCutoff, spreadMinCos, spreadScale;
   const float* spreadTable;
+  double zWide;    // z
   float strongest; // the largest product of colour and falloff; infinite when one is no number
 };
 

@@ -42,6 +42,7 @@ LM_kernel_light KernelLight(const LM_light& light) {
   out.x = place.x;
   out.y = place.y;
   out.z = place.z;
+  out.zWide = static_cast<double>(place.z);
   out.ySquare = place.y * place.y;
   out.zSquare = place.z * place.z;
   if (directional)

@@ -1,5 +1,7 @@
 #include "RenderRun.h"
 
+#include "LM_render_rows.h"
+
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -96,6 +98,17 @@ void RenderRun::Light(const CVRect32& rect) {
       relief};
   const LM_render_scratch_pointer scratch = LM_NewRenderScratch();
   EXPECT_EQ(LM_RenderRect(_job, views, rect, *scratch), LM_render_result::Done);
+}
+
+int RenderRun::VectorRows() const {
+  LM_kernel_lights row;
+  int count = 0;
+  for (int y = _job.area.top; y < _job.area.bottom; ++y)
+    count +=
+        LM_RowLights(_job, _scene.heights.empty() ? _job.flatLights : _job.reliefLights, y, row)
+            ? 1
+            : 0;
+  return count;
 }
 
 std::vector<uint8_t> RenderRun::Picture() const {

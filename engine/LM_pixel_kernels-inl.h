@@ -1,0 +1,156 @@
+// Bytes in and out: pixels to planes and back, and sums of light to bytes. Compiled once for each
+// instruction set.
+#if defined(LM_PIXEL_KERNELS_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LM_PIXEL_KERNELS_INL_H
+#undef LM_PIXEL_KERNELS_INL_H
+#else
+#define LM_PIXEL_KERNELS_INL_H
+#endif
+
+#include "LM_kernels.h"
+#include "LM_vector_math-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+using PixelTag = hn::CappedTag<uint8_t, 16>;
+
+// With four bytes a pixel the last one is left to the plain loop: its fourth byte may not be there.
+void SplitPlanes(const uint8_t* pixels, ptrdiff_t step, int n, const LM_kernel_planes& planes) {
+  const PixelTag tag;
+  const int lanes = static_cast<int>(hn::Lanes(tag));
+  hn::Vec<PixelTag> v0, v1, v2, v3;
+  int i = 0;
+  for (; step == 3 && i + lanes <= n; i += lanes) {
+    hn::LoadInterleaved3(tag, pixels + ptrdiff_t{i} * 3, v0, v1, v2);
+    hn::StoreU(v0, tag, planes.plane[0] + i);
+    hn::StoreU(v1, tag, planes.plane[1] + i);
+    hn::StoreU(v2, tag, planes.plane[2] + i);
+  }
+  for (; step == 4 && i + lanes < n; i += lanes) {
+    hn::LoadInterleaved4(tag, pixels + ptrdiff_t{i} * 4, v0, v1, v2, v3);
+    hn::StoreU(v0, tag, planes.plane[0] + i);
+    hn::StoreU(v1, tag, planes.plane[1] + i);
+    hn::StoreU(v2, tag, planes.plane[2] + i);
+  }
+  for (; i < n; ++i) {
+    for (int plane = 0; plane < LM_PLANES; ++plane)
+      planes.plane[plane][i] = pixels[i * step + plane];
+  }
+}
+
+void JoinPlanes(const LM_kernel_planes& planes, int n, uint8_t* pixels, ptrdiff_t step) {
+  const PixelTag tag;
+  const int lanes = static_cast<int>(hn::Lanes(tag));
+  const auto plane = [&](int which, int i) { return hn::LoadU(tag, planes.plane[which] + i); };
+  int i = 0;
+  for (; step == 3 && i + lanes <= n; i += lanes)
+    hn::StoreInterleaved3(plane(0, i), plane(1, i), plane(2, i), tag, pixels + ptrdiff_t{i} * 3);
+  for (; step == 4 && i + lanes < n; i += lanes) {
+    uint8_t* out = pixels + ptrdiff_t{i} * 4;
+    hn::Vec<PixelTag> v0, v1, v2, beside;
+    hn::LoadInterleaved4(tag, out, v0, v1, v2, beside);
+    hn::StoreInterleaved4(plane(0, i), plane(1, i), plane(2, i), beside, tag, out);
+  }
+  for (; i < n; ++i) {
+    for (int which = 0; which < LM_PLANES; ++which)
+      pixels[i * step + which] = planes.plane[which][i];
+  }
+}
+
+// One value for each plane. Members and not an array, so that they stay in registers.
+struct PlaneInts {
+  Ints p0, p1, p2;
+};
+HWY_INLINE PlaneInts SetPlanes(const int32_t* values) {
+  return {SetInt(values[0]), SetInt(values[1]), SetInt(values[2])};
+}
+HWY_INLINE PlaneInts LoadPlanes(const LM_kernel_planes& planes, int i) {
+  const ByteTag bytes;
+  const IntTag ints;
+  return {hn::PromoteTo(ints, hn::LoadU(bytes, planes.plane[0] + i)),
+          hn::PromoteTo(ints, hn::LoadU(bytes, planes.plane[1] + i)),
+          hn::PromoteTo(ints, hn::LoadU(bytes, planes.plane[2] + i))};
+}
+// The values are bytes already.
+HWY_INLINE void StorePlanes(const PlaneInts& values, const LM_kernel_planes& planes, int i) {
+  const ByteTag bytes;
+  hn::StoreU(hn::DemoteTo(bytes, values.p0), bytes, planes.plane[0] + i);
+  hn::StoreU(hn::DemoteTo(bytes, values.p1), bytes, planes.plane[1] + i);
+  hn::StoreU(hn::DemoteTo(bytes, values.p2), bytes, planes.plane[2] + i);
+}
+
+// Adds colour times `factor`, each product truncated.
+HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats factor) {
+  sums.p0 = hn::Add(sums.p0, Truncate(hn::Mul(SetFloat(light.color[0]), factor)));
+  sums.p1 = hn::Add(sums.p1, Truncate(hn::Mul(SetFloat(light.color[1]), factor)));
+  sums.p2 = hn::Add(sums.p2, Truncate(hn::Mul(SetFloat(light.color[2]), factor)));
+}
+
+struct LightSums {
+  PlaneInts diffuse, specular;
+};
+
+// The forms of material: light and highlight with the surface's byte, before exposure.
+struct WhiteHighlights {
+  explicit WhiteHighlights(const LM_kernel_surface& surface) : gloss(SetInt(surface.gloss * 255)) {}
+  HWY_INLINE Ints operator()(Ints light, Ints highlight, Ints source) const {
+    return hn::Add(hn::Mul(light, source), hn::Mul(highlight, gloss));
+  }
+  Ints gloss;
+};
+struct ColoredHighlights {
+  explicit ColoredHighlights(const LM_kernel_surface& surface) : gloss(SetInt(surface.gloss)) {}
+  HWY_INLINE Ints operator()(Ints light, Ints highlight, Ints source) const {
+    return hn::Mul(hn::Add(light, hn::Mul(highlight, gloss)), source);
+  }
+  Ints gloss;
+};
+struct BlendedHighlights {
+  explicit BlendedHighlights(const LM_kernel_surface& surface)
+      : gloss(SetInt(surface.gloss)), material(SetInt(surface.material)),
+        white(SetInt((256 - surface.material) * 255)) {}
+  HWY_INLINE Ints operator()(Ints light, Ints highlight, Ints source) const {
+    const Ints color = hn::ShiftRight<8>(hn::Add(hn::Mul(source, material), white));
+    return hn::Add(hn::Mul(light, source), hn::Mul(hn::Mul(highlight, gloss), color));
+  }
+  Ints gloss, material, white;
+};
+
+// Sums of light to bytes. Everything wraps at 32 bits before the last step.
+template <class Form> class Combiner {
+public:
+  explicit Combiner(const LM_kernel_surface& surface)
+      : _form(surface), _exposure(SetInt(surface.exposure)) {}
+  HWY_INLINE PlaneInts operator()(const LightSums& sums, const PlaneInts& source) const {
+    return {_Plane(sums.diffuse.p0, sums.specular.p0, source.p0),
+            _Plane(sums.diffuse.p1, sums.specular.p1, source.p1),
+            _Plane(sums.diffuse.p2, sums.specular.p2, source.p2)};
+  }
+
+private:
+  HWY_INLINE Ints _Plane(Ints light, Ints highlight, Ints source) const {
+    const Ints combined = _form(light, hn::ShiftRight<8>(highlight), source);
+    const Ints value = hn::ShiftRight<15>(hn::Mul(hn::ShiftRight<8>(combined), _exposure));
+    return hn::Min(hn::Max(value, hn::Zero(IntTag())), SetInt(255));
+  }
+  Form _form;
+  Ints _exposure;
+};
+
+// Calls light(combiner) with the combiner of the surface's material.
+template <class Light> HWY_INLINE void WithCombiner(const LM_kernel_surface& surface, Light light) {
+  if (surface.material < 1)
+    light(Combiner<WhiteHighlights>(surface));
+  else if (surface.material > 255)
+    light(Combiner<ColoredHighlights>(surface));
+  else
+    light(Combiner<BlendedHighlights>(surface));
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace
+HWY_AFTER_NAMESPACE();
+
+#endif

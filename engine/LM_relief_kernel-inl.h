@@ -1,0 +1,199 @@
+// Rows in relief: heights from bytes, and light on the facets between them. Compiled once for each
+// instruction set.
+#if defined(LM_RELIEF_KERNEL_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LM_RELIEF_KERNEL_INL_H
+#undef LM_RELIEF_KERNEL_INL_H
+#else
+#define LM_RELIEF_KERNEL_INL_H
+#endif
+
+#include "LM_flat_kernel-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+HWY_INLINE Ints LoadBytes(const uint8_t* bytes) {
+  return hn::PromoteTo(IntTag(), hn::LoadU(ByteTag(), bytes));
+}
+
+void FilterHeights(const uint8_t* const taps[3], int n, int32_t scale, int32_t* heights) {
+  const Doubles gain = hn::Set(DoubleTag(), 68.0);
+  for (int i = 0; i < n; i += Lanes()) {
+    const uint8_t* above = taps[0] + i;
+    const uint8_t* middle = taps[1] + i;
+    const uint8_t* below = taps[2] + i;
+    const Ints corners = hn::Add(hn::Add(LoadBytes(above), LoadBytes(above + 2)),
+                                 hn::Add(LoadBytes(below), LoadBytes(below + 2)));
+    const Ints edges = hn::Add(hn::Add(LoadBytes(above + 1), LoadBytes(below + 1)),
+                               hn::Add(LoadBytes(middle), LoadBytes(middle + 2)));
+    const Ints center = hn::ShiftLeft<4>(LoadBytes(middle + 1));
+    const Ints sum = hn::ShiftLeft<1>(hn::Add(hn::Add(corners, center), hn::ShiftLeft<2>(edges)));
+    // The product wraps. A quotient in double cannot round up to the next integer.
+    const DoublePair wide = Promote(hn::Mul(sum, SetInt(scale)));
+    hn::StoreU(hn::Combine(IntTag(), hn::DemoteTo(HalfIntTag(), hn::Div(wide.high, gain)),
+                           hn::DemoteTo(HalfIntTag(), hn::Div(wide.low, gain))),
+               IntTag(), heights + i);
+  }
+}
+
+struct Gradient {
+  Ints x, y;
+};
+// Of the quad with corners a (top-left), b, c and d, clockwise.
+HWY_INLINE Gradient QuadGradient(Ints a, Ints b, Ints c, Ints d) {
+  const Ints falling = hn::Sub(b, d);
+  const Ints rising = hn::Sub(c, a);
+  return {hn::ShiftRight<1>(hn::Add(falling, rising)), hn::ShiftRight<1>(hn::Sub(falling, rising))};
+}
+
+// One facet of each pixel: its normal, and the view direction (0, 0, 1) mirrored at it.
+struct Facet {
+  Floats x, y, z;
+  Floats mirroredX, mirroredY;
+  DoublePair mirroredZ;
+};
+
+HWY_INLINE Facet FacetOf(const Gradient& gradient) {
+  const DoublePair x = Promote(gradient.x);
+  const DoublePair y = Promote(gradient.y);
+  // Heights stay below 2^25, so the squares are exact and the sum rounds once, to float.
+  const Floats squares = Demote({hn::Add(hn::Mul(x.low, x.low), hn::Mul(y.low, y.low)),
+                                 hn::Add(hn::Mul(x.high, x.high), hn::Mul(y.high, y.high))});
+  const Floats inverse = ReciprocalRoot(hn::Add(squares, SetFloat(16777216.0F)));
+  Facet out;
+  out.x = hn::Mul(hn::ConvertTo(FloatTag(), hn::Neg(gradient.x)), inverse);
+  out.y = hn::Mul(hn::ConvertTo(FloatTag(), gradient.y), inverse);
+  out.z = hn::Mul(SetFloat(4096.0F), inverse);
+  const Floats twice = hn::Mul(SetFloat(2.0F), out.z);
+  out.mirroredX = hn::Mul(twice, out.x);
+  out.mirroredY = hn::Mul(twice, out.y);
+  const DoublePair upwards = Promote(hn::Mul(twice, out.z));
+  const Doubles one = hn::Set(DoubleTag(), 1.0);
+  out.mirroredZ = {hn::Sub(upwards.low, one), hn::Sub(upwards.high, one)};
+  return out;
+}
+
+// A light as the pixels of one vector see it, whatever their facets.
+struct PixelLights {
+  Floats x[LM_MAX_LIGHTS], inverse[LM_MAX_LIGHTS];
+  Floats falloff[LM_MAX_LIGHTS]; // of spots
+};
+
+HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, Floats place, PixelLights& at) {
+  const int local = lights.omnis + lights.spots;
+  for (int k = 0; k < local; ++k) {
+    const LM_kernel_light& light = lights.light[k];
+    at.x[k] = hn::Sub(SetFloat(light.x), place);
+    at.inverse[k] = InverseLength(light, at.x[k]);
+    if (k >= lights.omnis) {
+      const SpotFalloff spot = FalloffAt(light, at.x[k], at.inverse[k]);
+      at.falloff[k] = hn::IfThenElseZero(spot.inside, spot.falloff);
+    }
+  }
+  for (int k = local; k < lights.Count(); ++k) {
+    at.x[k] = SetFloat(lights.light[k].x);
+    at.inverse[k] = SetFloat(lights.light[k].inverse);
+  }
+}
+
+template <bool spot>
+HWY_INLINE void AddFacetLight(LightSums& sums, const LM_kernel_light& light, const Facet& facet,
+                              Floats x, Floats inverse, Floats falloff) {
+  const Floats zero = hn::Zero(FloatTag());
+  const Floats y = SetFloat(light.y);
+  const Floats inPlane = hn::Add(hn::Mul(facet.x, x), hn::Mul(facet.y, y));
+  const Floats facing = hn::Add(inPlane, hn::Mul(facet.z, SetFloat(light.z)));
+  const Floats lit = hn::Max(facing, zero);
+  AddColor(sums.diffuse, light, hn::Mul(spot ? hn::Mul(lit, falloff) : lit, inverse));
+
+  const DoublePair sideways =
+      Promote(hn::Add(hn::Mul(facet.mirroredX, x), hn::Mul(facet.mirroredY, y)));
+  const Doubles z = hn::Set(DoubleTag(), light.zWide);
+  const Floats mirrored = Demote({hn::Add(sideways.low, hn::Mul(facet.mirroredZ.low, z)),
+                                  hn::Add(sideways.high, hn::Mul(facet.mirroredZ.high, z))});
+  const Floats seen = hn::IfThenElseZero(hn::Gt(facing, zero), hn::Max(mirrored, zero));
+  const Floats highlight = hn::Mul(hn::Mul(seen, seen), inverse);
+  AddColor(sums.specular, light, spot ? hn::Mul(highlight, falloff) : highlight);
+}
+
+HWY_INLINE LightSums LightFacet(const LM_kernel_lights& lights, const PixelLights& at,
+                                const Facet& facet) {
+  LightSums sums = {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
+  const Floats all = hn::Zero(FloatTag());
+  int k = 0;
+  for (; k < lights.omnis; ++k)
+    AddFacetLight<false>(sums, lights.light[k], facet, at.x[k], at.inverse[k], all);
+  for (; k < lights.omnis + lights.spots; ++k)
+    AddFacetLight<true>(sums, lights.light[k], facet, at.x[k], at.inverse[k], at.falloff[k]);
+  for (; k < lights.Count(); ++k)
+    AddFacetLight<false>(sums, lights.light[k], facet, at.x[k], at.inverse[k], all);
+  return sums;
+}
+
+// The gradients of the four facets of each pixel.
+struct PixelRelief {
+  Gradient quad[4];
+  bool flat; // all of all pixels
+};
+
+HWY_INLINE PixelRelief ReliefAt(const int32_t* const heights[3], int i) {
+  const IntTag ints;
+  const auto height = [&](int row, int column) {
+    return hn::LoadU(ints, heights[row] + i + column);
+  };
+  const Ints center = height(1, 1);
+  const Ints top = height(0, 1);
+  const Ints left = height(1, 0);
+  const Ints right = height(1, 2);
+  const Ints bottom = height(2, 1);
+  PixelRelief out;
+  out.quad[0] = QuadGradient(height(0, 0), top, center, left);
+  out.quad[1] = QuadGradient(top, height(0, 2), right, center);
+  out.quad[2] = QuadGradient(center, right, height(2, 2), bottom);
+  out.quad[3] = QuadGradient(left, center, bottom, height(2, 0));
+  Ints any = hn::Zero(ints);
+  for (const Gradient& quad : out.quad)
+    any = hn::Or(any, hn::Or(quad.x, quad.y));
+  out.flat = hn::AllTrue(ints, hn::Eq(any, hn::Zero(ints)));
+  return out;
+}
+
+// Four facets of the same weight: flat ones that the plain code merges have the same colour, so the
+// mean is the same.
+template <class Combine>
+HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine, const float* x,
+                          int n, const int32_t* const heights[3], const LM_kernel_planes& planes) {
+  PixelLights at;
+  for (int i = 0; i < n; i += Lanes()) {
+    LookAtLights(lights, hn::LoadU(FloatTag(), x + i), at);
+    const PixelRelief relief = ReliefAt(heights, i);
+    const PlaneInts source = LoadPlanes(planes, i);
+    if (relief.flat) {
+      StorePlanes(combine(LightFacet(lights, at, FacetOf(relief.quad[0])), source), planes, i);
+      continue;
+    }
+    PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
+    for (const Gradient& quad : relief.quad) {
+      const PlaneInts shaded = combine(LightFacet(lights, at, FacetOf(quad)), source);
+      total.p0 = hn::Add(total.p0, shaded.p0);
+      total.p1 = hn::Add(total.p1, shaded.p1);
+      total.p2 = hn::Add(total.p2, shaded.p2);
+    }
+    StorePlanes(
+        {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1), hn::ShiftRight<2>(total.p2)},
+        planes, i);
+  }
+}
+
+void LightRelief(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
+                 int n, const int32_t* const heights[3], const LM_kernel_planes& planes) {
+  WithCombiner(surface,
+               [&](const auto& combine) { ReliefRow(lights, combine, x, n, heights, planes); });
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace
+HWY_AFTER_NAMESPACE();
+
+#endif

@@ -1,0 +1,102 @@
+// The vector kernels one by one, where whole pictures would show too little.
+#include "EngineRun.h"
+#include "LM_bumps.h"
+#include "LM_render_rows.h"
+#include "RenderRun.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::vector<uint8_t> Noise(SceneRandom& random, size_t count) {
+  std::vector<uint8_t> bytes(count);
+  for (uint8_t& byte : bytes)
+    byte = static_cast<uint8_t>(random.Next());
+  return bytes;
+}
+
+// Lights so strong that a change in the last place of a factor changes the picture: the sums wrap
+// many times, and what is left of them meets full exposure.
+void MakeLoud(foo& params, SceneRandom& random) {
+  for (int i = 0; i < LM_LightCount(&params); ++i) {
+    for (int32_t& component : params.lights[i].color.component)
+      component = random.Between(-(1 << 28), 1 << 28);
+  }
+  for (int32_t& component : params.ambient.component)
+    component = static_cast<int32_t>(random.Next());
+  params.exposure = 32767;
+}
+
+} // namespace
+
+TEST(Kernels, LastPlacesOfLightEqualThePlainRows) {
+  SceneRandom random(31);
+  for (uint64_t seed = 0; seed < 60 && !testing::Test::HasFailure(); ++seed) {
+    const Scene scene = SizedScene(200 + seed, 517, 24, seed % 2 == 1);
+    EngineRun settings(scene);
+    foo& params = *settings.Convert(0);
+    MakeLoud(params, random);
+    RenderRun plain(scene, params, {nullptr, 3, 1, false});
+    const CVRect32 all = {0, 0, 24, 517};
+    plain.Light(all);
+    const std::vector<uint8_t> expected = plain.Picture();
+    for (const LM_kernels* kernels : AllKernels()) {
+      if (kernels == nullptr)
+        continue;
+      SCOPED_TRACE(scene.name + " " + std::to_string(seed) + ", " + kernels->name);
+      RenderRun run(scene, params, {kernels, 3, 1, false});
+      EXPECT_GT(run.VectorRows(), 20) << "the plain rows have lit it themselves";
+      run.Light(all);
+      ExpectSamePicture(expected, run.Picture(), scene.width);
+    }
+  }
+}
+
+TEST(Kernels, HeightsWrapAndDivideAsThePlainOnes) {
+  SceneRandom random(7);
+  for (const LM_kernels* kernels : AllKernels()) {
+    if (kernels == nullptr)
+      continue;
+    for (const int32_t scale : {0, 1, -2, 68, 510, -510, 913, 914, 116985, INT32_MAX, INT32_MIN}) {
+      for (const int n : {1, 3, 4, 5, 7, 8, 9, 15, 16, 17, 200}) {
+        const size_t length = static_cast<size_t>(n + 2);
+        const std::vector<uint8_t> bytes = Noise(random, 3 * length + LM_KERNEL_SLACK);
+        const uint8_t* const taps[3] = {&bytes[0], &bytes[length], &bytes[2 * length]};
+        std::vector<int32_t> heights(static_cast<size_t>(n) + LM_KERNEL_SLACK);
+        kernels->heights(taps, n, scale, heights.data());
+        for (int i = 0; i < n; ++i)
+          ASSERT_EQ(heights[static_cast<size_t>(i)],
+                    LM_WeighHeight(taps[0] + i, taps[1] + i, taps[2] + i, scale))
+              << kernels->name << ", scale " << scale << ", " << i << " of " << n;
+      }
+    }
+  }
+}
+
+// Buffers end with the last pixel's third byte, where a sanitizer sees one more touched.
+TEST(Kernels, PlanesAreSplitAndJoinedWithinThePixels) {
+  SceneRandom random(9);
+  std::vector<uint8_t> rows[3];
+  for (std::vector<uint8_t>& row : rows)
+    row.resize(300 + LM_KERNEL_SLACK);
+  const LM_kernel_planes planes = {{rows[0].data(), rows[1].data(), rows[2].data()}};
+  for (const LM_kernels* kernels : AllKernels()) {
+    if (kernels == nullptr)
+      continue;
+    for (const int step : {3, 4, 5}) {
+      for (const int n : {1, 2, 15, 16, 17, 31, 32, 33, 64, 65, 300}) {
+        SCOPED_TRACE(std::string(kernels->name) + ", step " + std::to_string(step));
+        const std::vector<uint8_t> pixels = Noise(random, static_cast<size_t>((n - 1) * step + 3));
+        kernels->split(pixels.data(), step, n, planes);
+        std::vector<uint8_t> expected = Noise(random, pixels.size());
+        std::vector<uint8_t> joined = expected;
+        kernels->join(planes, n, joined.data(), step);
+        for (size_t i = 0; i < pixels.size(); ++i) {
+          if (i % static_cast<size_t>(step) < 3)
+            expected[i] = pixels[i];
+        }
+        ASSERT_EQ(joined, expected) << n << " pixels";
+      }
+    }
+  }
+}
