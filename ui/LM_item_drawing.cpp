@@ -205,10 +205,12 @@ void LM_DrawGroupBox(DialogPtr dialog, int16_t item) {
   const Gap gap = GroupGap(dialog, item);
   const auto right = static_cast<int16_t>(box.right - 1);
   const auto bottom = static_cast<int16_t>(box.bottom - 1);
+  FrameColor(INTERFACE_FRAME);
   MoveTo(gap.start, box.top);
   LineTo(box.left, box.top);
   LineTo(box.left, bottom);
   LineTo(right, bottom);
   LineTo(right, box.top);
   LineTo(gap.end, box.top);
+  RGBForeColor(&LM_BLACK);
 }

@@ -13,10 +13,6 @@ namespace {
 constexpr uint8_t INACTIVE = 255;
 constexpr RGBColor INACTIVE_INK = {0x7FFF, 0x7FFF, 0x7FFF};
 
-LM_slider_type_0* SliderOf(ControlHandle control) {
-  return reinterpret_cast<LM_slider_type_0*>(GetControlReference(control));
-}
-
 int16_t LowWord(intptr_t value) {
   return LM_Cut16(static_cast<int32_t>(value & 0xFFFF));
 }
@@ -47,6 +43,7 @@ void DrawSlider(const LM_slider_type_0& slider, short part) {
 }
 
 RgnHandle RegionIn(intptr_t param) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): messages carry addresses as integers
   return reinterpret_cast<RgnHandle>(param);
 }
 
@@ -58,6 +55,11 @@ void CalcRegions(const LM_slider_type_0& slider, intptr_t param) {
 }
 
 } // namespace
+
+LM_slider_type_0* LM_SliderOf(ControlHandle control) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the reference value is an integer by contract
+  return reinterpret_cast<LM_slider_type_0*>(GetControlReference(control));
+}
 
 LM_slider_type_0* LM_InitControl(short, ControlHandle control) {
   const intptr_t reference = GetControlReference(control);
@@ -108,7 +110,7 @@ int32_t SC_main(short varCode, ControlHandle control, short message, intptr_t pa
     LM_InitControl(varCode, control);
     return 0;
   }
-  LM_slider_type_0* slider = SliderOf(control);
+  LM_slider_type_0* slider = LM_SliderOf(control);
   if (slider == nullptr)
     return 0;
   const LM_port_scope port((**control).contrlOwner);

@@ -13,6 +13,8 @@ int32_t SC_main(short varCode, ControlHandle control, short message, intptr_t pa
 // with its two labels in the high 16 bits and the title's width in the low 16; it becomes the
 // slider, null when memory is short.
 LM_slider_type_0* LM_InitControl(short varCode, ControlHandle control);
+// The slider of a control that SC_main defines, once that was made; null when it could not be.
+LM_slider_type_0* LM_SliderOf(ControlHandle control);
 void LM_DispControl(LM_slider_type_0* slider);
 // Lets the indicator follow the mouse, sideways and along the bar, until the button is released.
 void LM_DragIndicator(LM_slider_type_0* slider);
