@@ -1,0 +1,244 @@
+// Where the handles of lights are drawn, and which of them a click hits.
+#include "LightDialog.h"
+
+#include "LM_light_UI_mac.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr uint32_t GREY = RGB(128, 128, 128);
+constexpr short SIDE = 200;
+
+// A port of its own, on a ground of one colour.
+class Handles : public testing::Test {
+protected:
+  void UsePort(short depth, uint16_t ground) {
+    const Rect bounds = {0, 0, SIDE, SIDE};
+    ASSERT_EQ(NewGWorld(&port, depth, &bounds, nullptr, nullptr, 0), noErr);
+    SetPort(port);
+    const RGBColor color = {ground, ground, ground};
+    const LM_color_pattern pattern(color);
+    FillCRect(&bounds, pattern.handle);
+  }
+  void SetUp() override {
+    UsePort(32, 0);
+    globals.GenerateEllipseCoords();
+    globals.frameOriginX = 10;
+    globals.frameOriginY = 20;
+    globals.previewMaps[LM_FRAME_MAP].bounds = {0, 0, 150, 140};
+    light().color = {{0xFFFF, 0x8000, 0}};
+    light().anchor = {100, 100};
+    light().center = {0, -10}; // drawn at (100, 90)
+    light().handle1 = {30, 16};
+    light().handle2 = {-8, 15};
+    light().radius = 25;
+  }
+  void TearDown() override { DisposeGWorld(port); }
+  LM_light_UI& light() { return globals.lights[0]; }
+
+  GWorldPtr port = nullptr;
+  LM_globals globals;
+};
+
+struct Grab {
+  const char* name;
+  LM_light_type type;
+  short h, v; // of the handle's middle, where it is hit
+  short code;
+  short drawnH, drawnV; // and where it is drawn
+};
+const Grab GRABS[] = {
+    {"directional end", LM_LIGHT_DIRECTIONAL, 130, 106, 2, 130, 106},
+    {"omni left", LM_LIGHT_OMNI, 75, 90, 2, 75, 90},
+    {"omni top", LM_LIGHT_OMNI, 100, 65, 3, 100, 65},
+    {"omni right", LM_LIGHT_OMNI, 125, 90, 4, 124, 90},
+    {"omni bottom", LM_LIGHT_OMNI, 100, 115, 5, 100, 114},
+    {"spot -handle1", LM_LIGHT_SPOT, 70, 74, 2, 70, 74},
+    {"spot -handle2", LM_LIGHT_SPOT, 108, 75, 3, 108, 75},
+    {"spot +handle1", LM_LIGHT_SPOT, 130, 106, 4, 130, 106},
+    {"spot +handle2", LM_LIGHT_SPOT, 92, 105, 5, 92, 105},
+};
+
+TEST_F(Handles, GrabHandlesAreFivePixelsWideAndHitOnlyWhileActive) {
+  for (const Grab& grab : GRABS) {
+    light().type = grab.type;
+    const auto hit = [&](int dh, int dv, LM_bool active) {
+      return light().HitTest(LM_PlaceAt({grab.v, grab.h}, dh, dv), active);
+    };
+    for (int corner : {-2, 2}) {
+      EXPECT_EQ(hit(corner, 2, 1), grab.code) << grab.name;
+      EXPECT_EQ(hit(-2, corner, 1), grab.code) << grab.name;
+    }
+    for (int beyond : {-3, 3}) {
+      EXPECT_EQ(hit(beyond, 0, 1), 0) << grab.name;
+      EXPECT_EQ(hit(0, beyond, 1), 0) << grab.name;
+    }
+    EXPECT_EQ(hit(0, 0, 0), 0) << grab.name << " of an inactive light";
+  }
+}
+
+TEST_F(Handles, AreDrawnWhereTheTableSays) {
+  for (const Grab& grab : GRABS) {
+    const Rect all = port->portRect;
+    EraseRect(&all);
+    light().type = grab.type;
+    light().DrawActive(&globals, 1);
+    for (int dv = -2; dv <= 2; ++dv) {
+      for (int dh = -2; dh <= 2; ++dh)
+        ASSERT_EQ(PixelAt(grab.drawnH + dh, grab.drawnV + dv), GREY) << grab.name;
+    }
+  }
+}
+
+TEST_F(Handles, TheCentreIsARoundSevenPixelsWide) {
+  light().type = LM_LIGHT_SPOT;
+  for (LM_bool active : {0, 1}) {
+    EXPECT_EQ(light().HitTest({90, 100}, active), 1);
+    EXPECT_EQ(light().HitTest({87, 100}, active), 1);
+    EXPECT_EQ(light().HitTest({93, 100}, active), 1);
+    EXPECT_EQ(light().HitTest({87, 97}, active), 0) << "the corner is outside the oval";
+    EXPECT_EQ(light().HitTest({94, 100}, active), 0);
+    EXPECT_EQ(light().HitTest({90, 96}, active), 0);
+  }
+  light().DrawInactive();
+  EXPECT_EQ(PixelAt(100, 90), RGB(255, 128, 0));
+  const LM_color_pattern grey({32768, 32768, 32768});
+  const Rect all = port->portRect;
+  FillCRect(&all, grey.handle);
+  light().DrawInactive();
+  EXPECT_EQ(PixelAt(97, 90), 0U) << "framed in black";
+  EXPECT_EQ(PixelAt(103, 90), 0U);
+  EXPECT_EQ(PixelAt(96, 90), GREY);
+  EXPECT_EQ(PixelAt(104, 90), GREY);
+}
+
+TEST_F(Handles, GrabHandlesComeBeforeTheCentreInTheirOrder) {
+  light().type = LM_LIGHT_OMNI;
+  light().radius = 0;
+  EXPECT_EQ(light().HitTest({90, 100}, 1), 2);
+  EXPECT_EQ(light().HitTest({90, 100}, 0), 1);
+  light().type = LM_LIGHT_SPOT;
+  light().handle2 = light().handle1;
+  EXPECT_EQ(light().HitTest({106, 130}, 1), 4) << "4 is tested before 5";
+  EXPECT_EQ(light().HitTest({74, 70}, 1), 2) << "2 is tested before 3";
+  light().type = 3;
+  EXPECT_EQ(light().HitTest({106, 130}, 1), 0) << "an unknown type has no grab handles";
+  EXPECT_EQ(light().HitTest({90, 100}, 1), 1);
+}
+
+TEST_F(Handles, OutlinesBrightenOrInvertByThePortsDepth) {
+  light().type = LM_LIGHT_DIRECTIONAL;
+  light().handle1 = {60, 0};
+  light().DrawActive(&globals, 0);
+  EXPECT_EQ(PixelAt(120, 90), GREY) << "grey added to black";
+  EXPECT_EQ(PixelAt(160, 90), GREY) << "the end point belongs to the line";
+  EXPECT_EQ(PixelAt(161, 90), 0U);
+  DisposeGWorld(port);
+  UsePort(8, 0);
+  light().DrawActive(&globals, 0);
+  EXPECT_EQ(PixelAt(120, 90), RGB(127, 127, 127)) << "exclusive-or";
+}
+
+TEST_F(Handles, TheEllipseReachesFromAxisToAxis) {
+  light().type = LM_LIGHT_SPOT;
+  light().handle1 = {50, 0};
+  light().handle2 = {0, 20};
+  light()._DrawXORActive(0, 0, &globals);
+  int left = SIDE, top = SIDE, right = 0, bottom = 0;
+  for (int v = 0; v < SIDE; ++v) {
+    for (int h = 0; h < SIDE; ++h) {
+      if (PixelAt(h, v) == 0)
+        continue;
+      left = std::min(left, h);
+      right = std::max(right, h);
+      top = std::min(top, v);
+      bottom = std::max(bottom, v);
+    }
+  }
+  // Corners of the polygon are drawn twice, which takes them away again.
+  EXPECT_NEAR(left, 50, 1);
+  EXPECT_EQ(right, 150);
+  EXPECT_NEAR(top, 70, 1);
+  EXPECT_NEAR(bottom, 110, 1);
+}
+
+TEST_F(Handles, TheSelectedLightIsOnTop) {
+  globals.numLights = 3;
+  globals.curLight = 0;
+  globals.lights[1] = globals.lights[2] = light();
+  light().type = LM_LIGHT_OMNI;
+  globals.lights[1].color = {{0, 0, 0xFFFF}};
+  globals.lights[2].color = {{0, 0xFFFF, 0}};
+  globals.DrawLights();
+  EXPECT_EQ(PixelAt(100, 90), RGB(255, 128, 0));
+  globals.DrawInactiveLights();
+  EXPECT_EQ(PixelAt(100, 90), RGB(0, 255, 0)) << "in the order of their numbers";
+  globals.numLights = 0;
+  globals.DrawLights();
+  EXPECT_EQ(PixelAt(100, 90), RGB(255, 128, 0)) << "without lights the current one is drawn";
+}
+
+TEST_F(Handles, BoundsHoldTheFigure) {
+  const auto bounds = [&](LM_light_type type, LM_vectori2 handle) {
+    light().type = type;
+    light().handle1 = handle;
+    VRect box = {1, 2, 3, 4};
+    light()._CalcBounds(box, &globals);
+    return std::vector<int32_t>{box.top, box.left, box.bottom, box.right};
+  };
+  typedef std::vector<int32_t> Sides;
+  EXPECT_EQ(bounds(LM_LIGHT_DIRECTIONAL, {30, -16}), (Sides{51, 87, 74, 124}));
+  EXPECT_EQ(bounds(LM_LIGHT_DIRECTIONAL, {-30, 16}), (Sides{67, 57, 90, 94}));
+  EXPECT_EQ(bounds(LM_LIGHT_OMNI, {0, 0}), (Sides{43, 63, 98, 118}));
+  EXPECT_EQ(bounds(LM_LIGHT_SPOT, {0, 0}), (Sides{1, 1, 149, 139}));
+  EXPECT_EQ(bounds(static_cast<LM_light_type>(9), {0, 0}), (Sides{1, 2, 3, 4}));
+}
+
+// Style files may hold any coordinates.
+TEST_F(Handles, ExtremePlacesDrawNothingWrongAndUndoThemselves) {
+  const Pixels before = PixelsOf(port->portRect);
+  const LM_vectori2 extremes[] = {{32767, 32767}, {-32768, -32768}, {-32768, 32767}, {0, 0}};
+  for (int type = -1; type <= 3; ++type) {
+    for (const LM_vectori2& place : extremes) {
+      for (const LM_vectori2& handle : extremes) {
+        light().type = type;
+        light().center = place;
+        light().handle1 = handle;
+        light().handle2 = {handle.v, handle.h};
+        light().radius = handle.h;
+        light()._DrawXORActive(1, 1, &globals);
+        light()._DrawXORActive(1, 1, &globals);
+        ASSERT_EQ(PixelsOf(port->portRect), before) << type;
+        light().HitTest({0, 0}, 1);
+        VRect box;
+        light()._CalcBounds(box, &globals);
+      }
+    }
+  }
+  light().center = {32767, 32767};
+  light().DrawActive(&globals, 1);
+}
+
+TEST_F(Handles, DrawingLeavesThePenAsItWas) {
+  const RGBColor black = {0, 0, 0};
+  PenSize(3, 2);
+  PenMode(srcXor);
+  MoveTo(7, 8);
+  for (int type = 0; type <= 2; ++type) {
+    light().type = type;
+    light().DrawActive(&globals, 1);
+    light().DrawInactive();
+    light()._DrawXORActive(1, 1, &globals);
+    PenState pen;
+    GetPenState(&pen);
+    EXPECT_TRUE(pen.pnSize.h == 3 && pen.pnSize.v == 2 && pen.pnMode == srcXor) << type;
+    EXPECT_TRUE(pen.pnLoc.h == 7 && pen.pnLoc.v == 8) << type;
+    RGBColor fore;
+    GetForeColor(&fore);
+    EXPECT_TRUE(fore.red == black.red && fore.green == black.green) << type;
+  }
+}
+
+} // namespace
