@@ -1,5 +1,6 @@
 // Which pixels figures cover at ratio 1, the modes' arithmetic, clipping and text.
 #include "SampleDialog.h"
+#include "ToolboxQtAccess.h"
 
 #include "MacStrings.h"
 
@@ -42,6 +43,22 @@ const Figure FIGURES[] = {
     {"a steep line has one square a row",
      [] { DrawLineFromTo(0, 0, 2, 5); },
      {"#..", "#..", ".#.", ".#.", "..#", "..#"}},
+    {"lines that go on from each other invert their joints once",
+     [] {
+       PenMode(patXor);
+       MoveTo(0, 0);
+       LineTo(2, 0);
+       LineTo(2, 0);
+       LineTo(2, 2);
+     },
+     {"###", "..#", "..#"}},
+    {"lines that merely touch invert the point twice",
+     [] {
+       PenMode(patXor);
+       DrawLineFromTo(0, 0, 2, 0);
+       DrawLineFromTo(2, 0, 2, 2);
+     },
+     {"##.", "..#", "..#"}},
     {"a pen hangs right and down",
      [] {
        PenSize(3, 2);
@@ -206,6 +223,23 @@ TEST(Drawing, UnitSquaresMeetWithoutGapAtEveryRatio) {
       GetCPixel(h, 5, &color);
       ASSERT_EQ(color.red >> 8, (255 + 100) & 255) << "ratio " << ratio << " column " << h;
     }
+  }
+}
+
+TEST(Drawing, FramesWithinFramesLeaveNoGap) {
+  for (double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+    TestPort port(30, 30, ratio);
+    Rect box = Box(5, 5, 25, 25);
+    for (int i = 0; i < 3; ++i) {
+      FrameRect(&box);
+      InsetRect(&box, 1, 1);
+    }
+    const QImage image = TB_PortImage(port.port);
+    const int middle = image.height() / 2;
+    int changes = 0;
+    for (int x = 1; x < image.width(); ++x)
+      changes += image.pixel(x, middle) != image.pixel(x - 1, middle) ? 1 : 0;
+    EXPECT_EQ(changes, 4) << "ratio " << ratio;
   }
 }
 

@@ -21,13 +21,6 @@ std::vector<DialogWindow*>& Windows() {
   return windows;
 }
 
-// The ratio that the environment forces, or 0.
-double ForcedRatio() {
-  bool isNumber = false;
-  const double forced = qEnvironmentVariable("LIMN_SCALE").toDouble(&isNumber);
-  return isNumber && std::isfinite(forced) && forced > 0 ? std::clamp(forced, 1.0, 4.0) : 0;
-}
-
 double RatioFor(double screenRatio) {
   return ForcedRatio() > 0 ? ForcedRatio() : std::max(1.0, screenRatio);
 }
@@ -52,6 +45,12 @@ bool EditField::event(QEvent* event) {
     }
   }
   return QLineEdit::event(event);
+}
+
+double ForcedRatio() {
+  bool isNumber = false;
+  const double forced = qEnvironmentVariable("LIMN_SCALE").toDouble(&isNumber);
+  return isNumber && std::isfinite(forced) && forced > 0 ? std::clamp(forced, 1.0, 4.0) : 0;
 }
 
 double RatioForNewWindow() {

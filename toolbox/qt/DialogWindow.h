@@ -107,6 +107,8 @@ private:
   bool _closeRequested = false;
 };
 
+// The ratio that the environment forces, or 0.
+double ForcedRatio();
 // Of a window about to be made: the ratio its port needs.
 double RatioForNewWindow();
 // A window that waits for an update event, or null.

@@ -13,5 +13,8 @@ bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseco
 
 // Of a point on the screen, the square of the port it lies in.
 Point ToLocal(const GrafPort& port, QPointF global);
+// What a port's points are moved by to become global: its window's place on the screen. Distances
+// stay those of the port, so that no point is lost whatever the window's scale.
+Point GlobalOrigin(const GrafPort& port);
 
 #endif

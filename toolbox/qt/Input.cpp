@@ -1,5 +1,8 @@
 #include "Input.h"
 
+#include "EventQueue.h"
+#include "PortState.h"
+
 #include <QApplication>
 #include <QCursor>
 #include <QDeadlineTimer>
@@ -11,7 +14,6 @@
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -21,11 +23,10 @@ bool Matches(short mask, uint16_t what) {
   return ((mask >> what) & 1) != 0;
 }
 
-Point ToPoint(QPointF point) {
-  const auto cut = [](double value) {
-    return static_cast<int16_t>(std::clamp(std::floor(value), -32768.0, 32767.0));
-  };
-  return Point{cut(point.y()), cut(point.x())};
+Point ToPoint(QPointF global, const GrafPort* port) {
+  Point point = ToLocal(port != nullptr ? *port : *CurrentPort(), global);
+  AddPt(GlobalOrigin(port != nullptr ? *port : *CurrentPort()), &point);
+  return point;
 }
 
 // The event's own global position is rounded; the one within its receiver is not.
@@ -129,7 +130,7 @@ uint16_t Input::Modifiers() const {
 void Input::Push(uint16_t what, uint32_t message, WindowPtr window) {
   if (_queue.size() >= MAX_QUEUED_EVENTS)
     _queue.pop_front();
-  const EventRecord record = {what, message, TickCount(), ToPoint(_mouse), Modifiers()};
+  const EventRecord record = {what, message, TickCount(), ToPoint(_mouse, window), Modifiers()};
   _queue.push_back({record, window, _mouse, _keys});
   NoteChange();
 }

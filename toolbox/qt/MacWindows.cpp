@@ -26,18 +26,17 @@ Point ToLocal(const GrafPort& port, QPointF global) {
   return Point{Cut(std::floor(global.y())), Cut(std::floor(global.x()))};
 }
 
-void GlobalToLocal(Point* point) {
-  *point = ToLocal(*CurrentPort(), QPointF(point->h, point->v));
+Point GlobalOrigin(const GrafPort& port) {
+  const DialogWindow* window = DialogWindow::Of(&port);
+  const QPoint origin = window != nullptr ? window->mapToGlobal(QPoint(0, 0)) : QPoint(0, 0);
+  return Point{Cut(origin.y()), Cut(origin.x())};
 }
 
+void GlobalToLocal(Point* point) {
+  SubPt(GlobalOrigin(*CurrentPort()), point);
+}
 void LocalToGlobal(Point* point) {
-  const DialogWindow* window = DialogWindow::Of(CurrentPort());
-  if (window == nullptr)
-    return;
-  // Rounded up, so that GlobalToLocal comes back to the same square.
-  const QPointF global =
-      window->mapToGlobal(QPointF(0, 0)) + QPointF(point->h, point->v) * window->scale();
-  *point = Point{Cut(std::ceil(global.y())), Cut(std::ceil(global.x()))};
+  AddPt(GlobalOrigin(*CurrentPort()), point);
 }
 
 WindowPtr WindowToUpdate() {

@@ -177,8 +177,12 @@ int32_t PopUpMenuSelect(MenuHandle menu, short top, short left, short item) {
   if (info == nullptr || qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr)
     return 0;
   const short menuID = info->menuID;
-  const short chosen =
-      RunMenu(BuildMenu(*info, DialogWindow::Of(FrontWindow())), QPoint(left, top), item);
+  Point place = {top, left};
+  if (FrontWindow() != nullptr)
+    SubPt(GlobalOrigin(*FrontWindow()), &place);
+  const short chosen = FrontWindow() != nullptr
+                           ? OpenMenu(menu, FrontWindow(), place, item, 0)
+                           : RunMenu(BuildMenu(*info, nullptr), QPoint(left, top), item);
   if (chosen == 0)
     return 0;
   return static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(menuID)) << 16) |

@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QRegion>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class DialogWindow;
@@ -32,6 +33,7 @@ struct PortState {
   QRegion picture;    // where a picture was shown: inks are exact there
   QRegion update;     // what the next update event redraws
   std::unique_ptr<Recording> recording;
+  std::optional<QPoint> lineEnd;  // where a line ended that the next one may go on from
   DialogWindow* window = nullptr; // null for a port without one
   bool themed = false;            // inks follow the desktop's palette
   bool frameInk = false;          // FrameColor(1) is in force
@@ -57,8 +59,9 @@ inline bool CanDraw(const GrafPort* port) {
 int DeviceEdge(const PortState& state, int unit);
 QRect DeviceRect(const PortState& state, const QRect& units);
 QRegion DeviceRegion(const PortState& state, const QRegion& units);
-// A pen's extent: whole pixels, never more than its unit squares have, at least one.
+// A pen's extent: whole pixels, at least one, never more than its unit squares have, or never less.
 int DevicePenSize(const PortState& state, int units);
+int WideDevicePenSize(const PortState& state, int units);
 
 // The squares of a region; none of a null one.
 QRegion RegionSquares(RgnHandle region);

@@ -122,7 +122,8 @@ TB_EXPORT void FrameColor(short number);
 // The colour of one unit square, taken at its top-left device pixel; white outside the port.
 TB_EXPORT void GetCPixel(short h, short v, RGBColor* color);
 
-// Between the current port and the screen. A port without a window lies at the screen's origin.
+// Between the current port and the screen: moved by the place of the port's window, in units of the
+// port. A port without a window lies at the screen's origin.
 TB_EXPORT void LocalToGlobal(Point* point);
 TB_EXPORT void GlobalToLocal(Point* point);
 

@@ -31,9 +31,9 @@ struct Corners {
   double width, height;
 };
 
-Corners DeviceCorners(const PortState& state, const Shape& shape, const QRect& device) {
+Corners DeviceCorners(const PortState& state, const Shape& shape, const QRectF& device) {
   if (shape.figure == Figure::Oval)
-    return {static_cast<double>(device.width()), static_cast<double>(device.height())};
+    return {device.width(), device.height()};
   const QRect whole = DeviceRect(state, shape.box);
   const double insetWidth = whole.width() - device.width();
   const double insetHeight = whole.height() - device.height();
@@ -52,15 +52,15 @@ QRegion HardInside(const PortState& state, const Shape& shape, const QRect& devi
                          static_cast<int>(corners.height + 0.5), rows);
 }
 
-QPainterPath SmoothInside(const PortState& state, const Shape& shape, const QRect& device) {
+QPainterPath SmoothInside(const PortState& state, const Shape& shape, const QRectF& device) {
   QPainterPath path;
   if (device.isEmpty())
     return path;
   const Corners corners = DeviceCorners(state, shape, device);
   if (shape.figure == Figure::Oval)
-    path.addEllipse(QRectF(device));
+    path.addEllipse(device);
   else
-    path.addRoundedRect(QRectF(device), corners.width / 2, corners.height / 2);
+    path.addRoundedRect(device, corners.width / 2, corners.height / 2);
   return path;
 }
 
@@ -101,18 +101,24 @@ void Frame(const Shape& shape) {
     return;
   const Ink ink = PenInk(state, shape.box);
   const QRect outer = DeviceRect(state, shape.box);
-  const int width = DevicePenSize(state, state.port->pen.pnSize.h);
-  const int height = DevicePenSize(state, state.port->pen.pnSize.v);
-  const QRect inner = outer.adjusted(width, height, -width, -height);
+  const Point pen = state.port->pen.pnSize;
   if (IsSmooth(state, shape, ink.mode)) {
+    const double width = std::max<int>(pen.h, 0) * state.ratio;
+    const double height = std::max<int>(pen.v, 0) * state.ratio;
     QPainterPath path = SmoothInside(state, shape, outer);
-    path.addPath(SmoothInside(state, shape, inner));
+    path.addPath(
+        SmoothInside(state, shape, QRectF(outer).adjusted(width, height, -width, -height)));
     path.setFillRule(Qt::OddEvenFill);
     ComposePath(state, path, ink);
-  } else {
-    ComposeRegion(state,
-                  HardInside(state, shape, outer).subtracted(HardInside(state, shape, inner)), ink);
+    return;
   }
+  // Copied frames are as wide as the widest square, so that frames within frames leave no gap.
+  const bool wide = ink.mode == patCopy || ink.mode == srcCopy;
+  const int width = wide ? WideDevicePenSize(state, pen.h) : DevicePenSize(state, pen.h);
+  const int height = wide ? WideDevicePenSize(state, pen.v) : DevicePenSize(state, pen.v);
+  const QRect inner = outer.adjusted(width, height, -width, -height);
+  ComposeRegion(state, HardInside(state, shape, outer).subtracted(HardInside(state, shape, inner)),
+                ink);
 }
 
 void Paint(const Shape& shape) {
@@ -135,8 +141,8 @@ void Invert(const Shape& shape) {
   Fill(shape, Ink{0xFF000000, patXor});
 }
 
-// From corner to corner of the pen, smooth, in device pixels.
-QPainterPath SmoothLine(QPoint from, QPoint to, int thickness) {
+// From the middle of one unit square to that of another, as thick as a square, in device pixels.
+QPainterPath SmoothLine(QPoint from, QPoint to, double thickness) {
   const double half = thickness * 0.5;
   QPainterPath path;
   path.moveTo(from.x() + half, from.y() + half);
@@ -147,10 +153,8 @@ QPainterPath SmoothLine(QPoint from, QPoint to, int thickness) {
   return stroker.createStroke(path);
 }
 
-void DrawLine(PortState& state, QPoint from, QPoint to) {
+void ComposeLine(PortState& state, QPoint from, QPoint to, const Ink& ink) {
   const PenState& pen = state.port->pen;
-  const QRect box = QRect(from, to).normalized().united(QRect(to, from).normalized());
-  const Ink ink = PenInk(state, box.adjusted(0, 0, pen.pnSize.h - 1, pen.pnSize.v - 1));
   const QPoint start(DeviceEdge(state, from.x()), DeviceEdge(state, from.y()));
   const QPoint end(DeviceEdge(state, to.x()), DeviceEdge(state, to.y()));
   const QRect visible = state.deviceClip.boundingRect();
@@ -164,11 +168,27 @@ void DrawLine(PortState& state, QPoint from, QPoint to) {
   }
   const bool slanted = start.x() != end.x() && start.y() != end.y();
   if (slanted && state.ratio > 1 && !NeedsHardEdges(ink.mode)) {
-    ComposePath(state, SmoothLine(start, end, width), ink);
+    ComposePath(state, SmoothLine(start, end, state.ratio), ink);
     return;
   }
   const std::vector<QRect> pixels = LinePixels(start, end, width, visible);
   ComposeRects(state, pixels.data(), pixels.data() + pixels.size(), ink);
+}
+
+void DrawLine(PortState& state, QPoint from, QPoint to) {
+  const PenState& pen = state.port->pen;
+  const QRect box(QPoint(std::min(from.x(), to.x()), std::min(from.y(), to.y())),
+                  QPoint(std::max(from.x(), to.x()) + pen.pnSize.h - 1,
+                         std::max(from.y(), to.y()) + pen.pnSize.v - 1));
+  const Ink ink = PenInk(state, box);
+  const QRegion saved = state.deviceClip;
+  const bool accumulates = NeedsHardEdges(ink.mode) || ink.mode == addOver;
+  if (accumulates && state.lineEnd == from)
+    state.deviceClip -=
+        QRect(DeviceEdge(state, from.x()), DeviceEdge(state, from.y()),
+              DevicePenSize(state, pen.pnSize.h), DevicePenSize(state, pen.pnSize.v));
+  ComposeLine(state, from, to, ink);
+  state.deviceClip = saved;
 }
 
 short Wrapped(int value) {
@@ -179,6 +199,7 @@ short Wrapped(int value) {
 
 void MoveTo(short h, short v) {
   CurrentPort()->pen.pnLoc = {v, h};
+  CurrentState().lineEnd.reset();
 }
 
 void Move(short dh, short dv) {
@@ -197,6 +218,7 @@ void LineTo(short h, short v) {
   if (CanDraw(state.port))
     DrawLine(state, from, to);
   place = {v, h};
+  state.lineEnd = to;
 }
 
 void Line(short dh, short dv) {
