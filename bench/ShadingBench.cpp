@@ -1,12 +1,16 @@
-// The cost of shading alone: nanoseconds per pixel and light on one thread, tile by tile as in a
-// real run.
+// The cost of shading alone, in nanoseconds on one thread: the plain code tile by tile as in a real
+// run, and the whole-image driver with each set of kernels.
 #include "LM_bumps.h"
 #include "LM_memory.h"
+#include "LM_render_rows.h"
 #include "LM_shader.h"
 #include "LM_tiles.h"
 #include "MacMemory.h"
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -113,10 +117,107 @@ void Heights(benchmark::State& state) {
   Report(state, 1.0);
 }
 
+// A part of a large picture, lit by the driver.
+constexpr int COLUMNS = 2000;
+constexpr int ROWS = 48;
+
+class DriverScene {
+public:
+  DriverScene(int32_t type, int lights, bool relief, const LM_kernels* kernels)
+      : _tile(type, lights, false), _image(COLUMNS * ROWS * 3), _heights(COLUMNS * ROWS),
+        _out(_image.size()), _relief(relief), _scratch(LM_NewRenderScratch()) {
+    uint32_t noise = 1;
+    for (uint8_t& byte : _image)
+      byte = static_cast<uint8_t>((noise = noise * 1664525U + 1013904223U) >> 24);
+    for (uint8_t& byte : _heights)
+      byte = static_cast<uint8_t>((noise = noise * 1664525U + 1013904223U) >> 24);
+    foo* params = LM_Parameters(&_tile.record);
+    params->numLights = static_cast<uint16_t>(lights);
+    params->bumpHeight = 256;
+    LM_PrepareRender(*params, {0, 0, ROWS, COLUMNS}, COLUMNS, ROWS, kernels, _job);
+  }
+  void Light() {
+    const CVRect32 all = {0, 0, ROWS, COLUMNS};
+    const LM_source_view heights = {_relief ? _heights.data() : nullptr, COLUMNS, 1, all};
+    LM_RenderRect(
+        _job, {{_image.data(), COLUMNS * 3, 3, all}, {_out.data(), COLUMNS * 3, 3, all}, heights},
+        all, *_scratch);
+    benchmark::DoNotOptimize(_out.data());
+  }
+  // The heights alone.
+  void FillHeights() {
+    const LM_source_view heights = {_heights.data(), COLUMNS, 1, {0, 0, ROWS, COLUMNS}};
+    for (int32_t y = 0; y < ROWS; ++y)
+      LM_FillHeights(_job, heights, {0, y, LM_RENDER_BLOCK}, y == 0, *_scratch);
+  }
+  // The kernels must give what the plain code gives before their time counts.
+  bool EqualsPlain() {
+    Light();
+    const std::vector<uint8_t> vectors = _out;
+    const LM_kernels* kernels = std::exchange(_job.kernels, nullptr);
+    Light();
+    _job.kernels = kernels;
+    return _out == vectors;
+  }
+
+private:
+  TileScene _tile;
+  std::vector<uint8_t> _image, _heights, _out;
+  bool _relief;
+  LM_render_job _job;
+  LM_render_scratch_pointer _scratch;
+};
+
+void Drive(benchmark::State& state, const LM_kernels* kernels, bool relief) {
+  const int lights = static_cast<int>(state.range(1));
+  DriverScene scene(static_cast<int32_t>(state.range(0)), lights, relief, kernels);
+  if (!scene.EqualsPlain()) {
+    state.SkipWithError("not the plain code's bytes");
+    return;
+  }
+  for (auto _ : state)
+    scene.Light();
+  const double pixels = 1.0 * COLUMNS * ROWS;
+  const auto kind = benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert;
+  state.counters["per pixel"] = benchmark::Counter(pixels, kind);
+  if (lights > 0)
+    state.counters["per pixel and light"] = benchmark::Counter(pixels * lights, kind);
+}
+
+void DriveHeights(benchmark::State& state, const LM_kernels* kernels) {
+  DriverScene scene(LM_LIGHT_OMNI, 1, true, kernels);
+  for (auto _ : state)
+    scene.FillHeights();
+  state.counters["per pixel"] = benchmark::Counter(1.0 * LM_RENDER_BLOCK * ROWS,
+                                                   benchmark::Counter::kIsIterationInvariantRate |
+                                                       benchmark::Counter::kInvert);
+}
+
 const std::vector<std::vector<int64_t>> LIGHTS = {
     {LM_LIGHT_OMNI, LM_LIGHT_DIRECTIONAL, LM_LIGHT_SPOT}, {1, 4, 16}};
 BENCHMARK(Flat)->ArgNames({"type", "lights"})->ArgsProduct(LIGHTS);
 BENCHMARK(Relief)->ArgNames({"type", "lights"})->ArgsProduct(LIGHTS);
 BENCHMARK(Heights);
+
+// No light at all shows what the pixels cost by themselves.
+void RegisterDriver(const LM_kernels* kernels) {
+  const std::string name = kernels != nullptr ? kernels->name : "Plain";
+  for (const bool relief : {false, true}) {
+    benchmark::RegisterBenchmark((name + (relief ? "/Relief" : "/Flat")).c_str(), Drive, kernels,
+                                 relief)
+        ->ArgNames({"type", "lights"})
+        ->Args({LM_LIGHT_OMNI, 0})
+        ->ArgsProduct({{LM_LIGHT_OMNI, LM_LIGHT_DIRECTIONAL, LM_LIGHT_SPOT}, {1, 4, 16}});
+  }
+  benchmark::RegisterBenchmark((name + "/Heights").c_str(), DriveHeights, kernels);
+}
+
+const bool registered = [] {
+  const LM_kernels* kernels[16];
+  const int count = LM_ListKernels(kernels, 16);
+  std::for_each(kernels, kernels + count, RegisterDriver);
+  RegisterDriver(nullptr);
+  return true;
+}();
 
 } // namespace

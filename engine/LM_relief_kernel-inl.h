@@ -54,18 +54,22 @@ struct Facet {
   DoublePair mirroredZ;
 };
 
-HWY_INLINE Facet FacetOf(const Gradient& gradient) {
+// The squared length of a normal that is 4096 high.
+HWY_INLINE Floats SquaredNormal(const Gradient& gradient) {
   const DoublePair x = Promote(gradient.x);
   const DoublePair y = Promote(gradient.y);
-  // Heights stay below 2^25, so the squares are exact and the sum rounds once, to float.
-  const Floats squares = Demote({hn::Add(hn::Mul(x.low, x.low), hn::Mul(y.low, y.low)),
-                                 hn::Add(hn::Mul(x.high, x.high), hn::Mul(y.high, y.high))});
-  const Floats inverse = ReciprocalRoot(hn::Add(squares, SetFloat(16777216.0F)));
+  // Heights stay below 2^25, so all is exact, fused or not, until the sum is rounded to float.
+  const Floats squares = Demote({hn::MulAdd(x.low, x.low, hn::Mul(y.low, y.low)),
+                                 hn::MulAdd(x.high, x.high, hn::Mul(y.high, y.high))});
+  return hn::Add(squares, SetFloat(16777216.0F));
+}
+
+HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
   Facet out;
   out.x = hn::Mul(hn::ConvertTo(FloatTag(), hn::Neg(gradient.x)), inverse);
   out.y = hn::Mul(hn::ConvertTo(FloatTag(), gradient.y), inverse);
   out.z = hn::Mul(SetFloat(4096.0F), inverse);
-  const Floats twice = hn::Mul(SetFloat(2.0F), out.z);
+  const Floats twice = hn::Add(out.z, out.z);
   out.mirroredX = hn::Mul(twice, out.x);
   out.mirroredY = hn::Mul(twice, out.y);
   const DoublePair upwards = Promote(hn::Mul(twice, out.z));
@@ -85,7 +89,7 @@ HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, Floats place, Pixel
   for (int k = 0; k < local; ++k) {
     const LM_kernel_light& light = lights.light[k];
     at.x[k] = hn::Sub(SetFloat(light.x), place);
-    at.inverse[k] = InverseLength(light, at.x[k]);
+    at.inverse[k] = ReciprocalRoot(SquaredLength(light, at.x[k]));
     if (k >= lights.omnis) {
       const SpotFalloff spot = FalloffAt(light, at.x[k], at.inverse[k]);
       at.falloff[k] = hn::IfThenElseZero(spot.inside, spot.falloff);
@@ -170,12 +174,19 @@ HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine
     const PixelRelief relief = ReliefAt(heights, i);
     const PlaneInts source = LoadPlanes(planes, i);
     if (relief.flat) {
-      StorePlanes(combine(LightFacet(lights, at, FacetOf(relief.quad[0])), source), planes, i);
+      const Facet level = FacetOf(relief.quad[0], SetFloat(0x1p-12F));
+      StorePlanes(combine(LightFacet(lights, at, level), source), planes, i);
       continue;
     }
+    const FourFloats inverse =
+        ReciprocalRoot(FourFloats{SquaredNormal(relief.quad[0]), SquaredNormal(relief.quad[1]),
+                                  SquaredNormal(relief.quad[2]), SquaredNormal(relief.quad[3])});
+    const Facet facets[4] = {
+        FacetOf(relief.quad[0], inverse.v0), FacetOf(relief.quad[1], inverse.v1),
+        FacetOf(relief.quad[2], inverse.v2), FacetOf(relief.quad[3], inverse.v3)};
     PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
-    for (const Gradient& quad : relief.quad) {
-      const PlaneInts shaded = combine(LightFacet(lights, at, FacetOf(quad)), source);
+    for (const Facet& facet : facets) {
+      const PlaneInts shaded = combine(LightFacet(lights, at, facet), source);
       total.p0 = hn::Add(total.p0, shaded.p0);
       total.p1 = hn::Add(total.p1, shaded.p1);
       total.p2 = hn::Add(total.p2, shaded.p2);

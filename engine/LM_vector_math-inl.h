@@ -65,32 +65,76 @@ HWY_INLINE Floats Demote(const DoublePair& value) {
                      hn::DemoteTo(HalfFloatTag(), value.low));
 }
 
-// (float)(1.0 / sqrt((double)value)), for values in [2^-96, 2^96]; `estimate` is within
-// 1.5 * 2^-12 of it. Elsewhere than on x86 estimates are coarser, so the root is taken in double.
-HWY_INLINE Floats RootFromEstimate(Floats value, Floats estimate) {
+// Four vectors on their way through the same steps, one step for all before the next, so that none
+// waits for another.
+struct FourFloats {
+  Floats v0, v1, v2, v3;
+};
+HWY_INLINE FourFloats Mul(const FourFloats& a, const FourFloats& b) {
+  return {hn::Mul(a.v0, b.v0), hn::Mul(a.v1, b.v1), hn::Mul(a.v2, b.v2), hn::Mul(a.v3, b.v3)};
+}
+HWY_INLINE FourFloats MulAdd(const FourFloats& a, const FourFloats& b, const FourFloats& c) {
+  return {hn::MulAdd(a.v0, b.v0, c.v0), hn::MulAdd(a.v1, b.v1, c.v1), hn::MulAdd(a.v2, b.v2, c.v2),
+          hn::MulAdd(a.v3, b.v3, c.v3)};
+}
+HWY_INLINE FourFloats NegMulAdd(const FourFloats& a, const FourFloats& b, const FourFloats& c) {
+  return {hn::NegMulAdd(a.v0, b.v0, c.v0), hn::NegMulAdd(a.v1, b.v1, c.v1),
+          hn::NegMulAdd(a.v2, b.v2, c.v2), hn::NegMulAdd(a.v3, b.v3, c.v3)};
+}
+HWY_INLINE FourFloats MulSub(const FourFloats& a, const FourFloats& b, const FourFloats& c) {
+  return {hn::MulSub(a.v0, b.v0, c.v0), hn::MulSub(a.v1, b.v1, c.v1), hn::MulSub(a.v2, b.v2, c.v2),
+          hn::MulSub(a.v3, b.v3, c.v3)};
+}
+HWY_INLINE FourFloats ApproximateReciprocalSqrt(const FourFloats& a) {
+  return {hn::ApproximateReciprocalSqrt(a.v0), hn::ApproximateReciprocalSqrt(a.v1),
+          hn::ApproximateReciprocalSqrt(a.v2), hn::ApproximateReciprocalSqrt(a.v3)};
+}
+template <class Vectors> HWY_INLINE Vectors Repeat(float value);
+template <> HWY_INLINE Floats Repeat<Floats>(float value) {
+  return SetFloat(value);
+}
+template <> HWY_INLINE FourFloats Repeat<FourFloats>(float value) {
+  const Floats all = SetFloat(value);
+  return {all, all, all, all};
+}
+
 #if HWY_NATIVE_FMA && HWY_ARCH_X86
+// (float)(1.0 / sqrt((double)value)), for values in [2^-96, 2^96]; `estimate` is within
+// 1.5 * 2^-12 of it.
+template <class Vectors>
+HWY_INLINE Vectors RootFromEstimate(const Vectors& value, const Vectors& estimate) {
+  const Vectors one = Repeat<Vectors>(1.0F);
+  const Vectors half = Repeat<Vectors>(0.5F);
+  const Vectors second = Repeat<Vectors>(0.375F);
   // One step of third order gives the root or one of its two neighbours.
-  const Floats half = SetFloat(0.5F);
-  const Floats second = SetFloat(0.375F);
-  const Floats error = hn::NegMulAdd(hn::Mul(value, estimate), estimate, SetFloat(1.0F));
-  const Floats slope = hn::MulAdd(second, error, half);
-  const Floats near = hn::MulAdd(hn::Mul(estimate, error), slope, estimate);
+  const Vectors error = NegMulAdd(Mul(value, estimate), estimate, one);
+  const Vectors slope = MulAdd(second, error, half);
+  const Vectors near = MulAdd(Mul(estimate, error), slope, estimate);
   // From each of these the same step reaches it: the error is found to twice the precision, and
   // what it makes is added in one rounding.
-  const Floats product = hn::Mul(value, near);
-  const Floats lost = hn::MulSub(value, near, product);
-  const Floats rest = hn::NegMulAdd(lost, near, hn::NegMulAdd(product, near, SetFloat(1.0F)));
-  return hn::MulAdd(hn::Mul(near, rest), hn::MulAdd(second, rest, half), near);
+  const Vectors product = Mul(value, near);
+  const Vectors lost = MulSub(value, near, product);
+  const Vectors rest = NegMulAdd(lost, near, NegMulAdd(product, near, one));
+  return MulAdd(Mul(near, rest), MulAdd(second, rest, half), near);
+}
+template <class Vectors> HWY_INLINE Vectors ReciprocalRoot(const Vectors& value) {
+  return RootFromEstimate(value, ApproximateReciprocalSqrt(value));
+}
 #else
-  (void)estimate;
+// Without a fused multiply-add, or with an estimate that is coarser than on x86, in double.
+HWY_INLINE Floats ReciprocalRoot(Floats value) {
   const DoublePair wide = Promote(value);
   const Doubles one = hn::Set(DoubleTag(), 1.0);
   return Demote({hn::Div(one, hn::Sqrt(wide.low)), hn::Div(one, hn::Sqrt(wide.high))});
+}
+HWY_INLINE Floats RootFromEstimate(Floats value, Floats) {
+  return ReciprocalRoot(value);
+}
+HWY_INLINE FourFloats ReciprocalRoot(const FourFloats& value) {
+  return {ReciprocalRoot(value.v0), ReciprocalRoot(value.v1), ReciprocalRoot(value.v2),
+          ReciprocalRoot(value.v3)};
+}
 #endif
-}
-HWY_INLINE Floats ReciprocalRoot(Floats value) {
-  return RootFromEstimate(value, hn::ApproximateReciprocalSqrt(value));
-}
 
 void ReciprocalRoots(const float* values, int n, float nudge, float* roots) {
   for (int i = 0; i < n; i += Lanes()) {
