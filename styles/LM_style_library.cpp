@@ -37,8 +37,8 @@ std::string EnterFolder(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error)
-    return "The folder “" + folder.string() +
-           "” for styles cannot be created: " + error.message() + ".";
+    return "The folder “" + folder.string() + "” for styles cannot be created: " + error.message() +
+           ".";
   if (TB_SetDefaultDirectory(folder.string()) != noErr)
     return "The folder “" + folder.string() + "” for styles cannot be opened.";
   return {};

@@ -32,12 +32,8 @@ bool ReadBytes(const LM_style_place& folder, ConstStr255Param name, size_t most,
 
 bool BeginsAsStyle(const FileBytes& read) {
   static_assert(LM_STYLE_MAGIC == CV_FOUR_CHARS('C', 'V', 'L', 'M'));
-  static constexpr uint8_t START[IDENTIFYING_BYTES] = {LM_STYLE_SIGNATURE >> 8,
-                                                       LM_STYLE_SIGNATURE & 0xFF,
-                                                       'C',
-                                                       'V',
-                                                       'L',
-                                                       'M'};
+  static constexpr uint8_t START[IDENTIFYING_BYTES] = {
+      LM_STYLE_SIGNATURE >> 8, LM_STYLE_SIGNATURE & 0xFF, 'C', 'V', 'L', 'M'};
   return read.size >= IDENTIFYING_BYTES && std::equal(START, START + IDENTIFYING_BYTES, read.bytes);
 }
 
@@ -113,9 +109,9 @@ bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& wh
   FileBytes content;
   if (!ReadBytes(folder, file, sizeof content.bytes, content)) {
     const std::vector<std::string> names = LM_StyleNames();
-    const auto similar =
-        std::find_if(names.begin(), names.end(),
-                     [&](const std::string& listed) { return SameName(listed, file); });
+    const auto similar = std::find_if(names.begin(), names.end(), [&](const std::string& listed) {
+      return SameName(listed, file);
+    });
     if (similar == names.end() ||
         !ReadBytes(folder, TB_PString(*similar), sizeof content.bytes, content)) {
       why = "There is no style “" + std::string(name) + "”.";

@@ -67,8 +67,7 @@ void LM_PickAmbientColor(DialogPtr dialog, int16_t item, LM_globals* globals) {
 }
 
 void LM_PickLightColor(DialogPtr dialog, int16_t item, LM_globals* globals) {
-  LM_light_UI& light =
-      globals->lights[globals->curLight < LM_MAX_LIGHTS ? globals->curLight : 0];
+  LM_light_UI& light = globals->lights[globals->curLight < LM_MAX_LIGHTS ? globals->curLight : 0];
   if (PickColor(LM_LIGHT_COLOR_PROMPT, light.color, globals) == 0)
     return;
   light.InvalidateCaches();

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr int16_t SMALL_FONT_ITEMS[] = {LM_LIGHT_TYPE_ITEM, LM_BUMP_CHANNEL_ITEM,
-                                        LM_STYLE_ITEM,      LM_LIGHT_ON_ITEM,
+constexpr int16_t SMALL_FONT_ITEMS[] = {LM_LIGHT_TYPE_ITEM,    LM_BUMP_CHANNEL_ITEM,
+                                        LM_STYLE_ITEM,         LM_LIGHT_ON_ITEM,
                                         LM_WHITE_IS_HIGH_ITEM, LM_PREVIEW_ON_ITEM};
 
 Handle SavedDefinition(AuxCtlHandle record) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int16_t ACCEPT_ITEM = 1; // of the name dialog
+constexpr int16_t ACCEPT_ITEM = 1;  // of the name dialog
 constexpr int16_t DECLINE_ITEM = 1; // of a confirmation: what every key presses
 constexpr int16_t CONFIRM_ITEM = 2;
 constexpr int16_t OUTLINE_ITEM = 3;

@@ -39,8 +39,13 @@ void ShowWatch() {
 } // namespace
 
 const LM_dialog_services& LM_DesktopDialogServices() {
-  static const LM_dialog_services services = {
-      Construct,  LM_DoParameterDialog, LM_DisposeParameterDialog, ItemBox, SetItemBox, RedrawItem,
-      ShowWatch, InitCursor};
+  static const LM_dialog_services services = {Construct,
+                                              LM_DoParameterDialog,
+                                              LM_DisposeParameterDialog,
+                                              ItemBox,
+                                              SetItemBox,
+                                              RedrawItem,
+                                              ShowWatch,
+                                              InitCursor};
   return services;
 }
