@@ -54,7 +54,14 @@ struct Facet {
   DoublePair mirroredZ;
 };
 
-// The squared length of a normal that is 4096 high.
+// Gradients up to this one have squares that add up within 32 bits.
+constexpr int32_t GENTLE = 32767;
+
+// The squared length of a normal that is 4096 high, the sum of the squares rounded once.
+HWY_INLINE Floats SquaredGentleNormal(const Gradient& gradient) {
+  const Ints squares = hn::Add(hn::Mul(gradient.x, gradient.x), hn::Mul(gradient.y, gradient.y));
+  return hn::Add(hn::ConvertTo(FloatTag(), squares), SetFloat(16777216.0F));
+}
 HWY_INLINE Floats SquaredNormal(const Gradient& gradient) {
   const DoublePair x = Promote(gradient.x);
   const DoublePair y = Promote(gradient.y);
@@ -78,27 +85,44 @@ HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
   return out;
 }
 
-// A light as the pixels of one vector see it, whatever their facets.
+// The lights as the pixels of one vector see them, whatever their facets: omnis and directional
+// ones, then those spots whose cones reach one of the pixels.
 struct PixelLights {
+  int plain, count;
+  const LM_kernel_light* light[LM_MAX_LIGHTS];
   Floats x[LM_MAX_LIGHTS], inverse[LM_MAX_LIGHTS];
   Floats falloff[LM_MAX_LIGHTS]; // of spots
 };
 
 HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, Floats place, PixelLights& at) {
-  const int local = lights.omnis + lights.spots;
-  for (int k = 0; k < local; ++k) {
-    const LM_kernel_light& light = lights.light[k];
-    at.x[k] = hn::Sub(SetFloat(light.x), place);
-    at.inverse[k] = ReciprocalRoot(SquaredLength(light, at.x[k]));
-    if (k >= lights.omnis) {
-      const SpotFalloff spot = FalloffAt(light, at.x[k], at.inverse[k]);
-      at.falloff[k] = hn::IfThenElseZero(spot.inside, spot.falloff);
-    }
+  int k = 0;
+  const LM_kernel_light* light = lights.light;
+  for (; k < lights.omnis; ++k, ++light) {
+    at.light[k] = light;
+    at.x[k] = hn::Sub(SetFloat(light->x), place);
+    at.inverse[k] = ReciprocalRoot(SquaredLength(*light, at.x[k]));
   }
-  for (int k = local; k < lights.Count(); ++k) {
-    at.x[k] = SetFloat(lights.light[k].x);
-    at.inverse[k] = SetFloat(lights.light[k].inverse);
+  const LM_kernel_light* spot = light;
+  light += lights.spots;
+  for (; k < lights.omnis + lights.directionals; ++k, ++light) {
+    at.light[k] = light;
+    at.x[k] = SetFloat(light->x);
+    at.inverse[k] = SetFloat(light->inverse);
   }
+  at.plain = k;
+  for (const LM_kernel_light* end = spot + lights.spots; spot != end; ++spot) {
+    const Floats x = hn::Sub(SetFloat(spot->x), place);
+    const Floats inverse = ReciprocalRoot(SquaredLength(*spot, x));
+    const SpotFalloff reach = FalloffAt(*spot, x, inverse);
+    if (hn::AllFalse(FloatTag(), reach.inside))
+      continue;
+    at.light[k] = spot;
+    at.x[k] = x;
+    at.inverse[k] = inverse;
+    at.falloff[k] = hn::IfThenElseZero(reach.inside, reach.falloff);
+    ++k;
+  }
+  at.count = k;
 }
 
 template <bool spot>
@@ -124,21 +148,19 @@ HWY_INLINE void AddFacetLight(LightSums& sums, const LM_kernel_light& light, con
 HWY_INLINE LightSums LightFacet(const LM_kernel_lights& lights, const PixelLights& at,
                                 const Facet& facet) {
   LightSums sums = {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
-  const Floats all = hn::Zero(FloatTag());
+  const Floats none = hn::Zero(FloatTag());
   int k = 0;
-  for (; k < lights.omnis; ++k)
-    AddFacetLight<false>(sums, lights.light[k], facet, at.x[k], at.inverse[k], all);
-  for (; k < lights.omnis + lights.spots; ++k)
-    AddFacetLight<true>(sums, lights.light[k], facet, at.x[k], at.inverse[k], at.falloff[k]);
-  for (; k < lights.Count(); ++k)
-    AddFacetLight<false>(sums, lights.light[k], facet, at.x[k], at.inverse[k], all);
+  for (; k < at.plain; ++k)
+    AddFacetLight<false>(sums, *at.light[k], facet, at.x[k], at.inverse[k], none);
+  for (; k < at.count; ++k)
+    AddFacetLight<true>(sums, *at.light[k], facet, at.x[k], at.inverse[k], at.falloff[k]);
   return sums;
 }
 
 // The gradients of the four facets of each pixel.
 struct PixelRelief {
   Gradient quad[4];
-  bool flat; // all of all pixels
+  bool flat, gentle; // all of all pixels
 };
 
 HWY_INLINE PixelRelief ReliefAt(const int32_t* const heights[3], int i) {
@@ -156,11 +178,21 @@ HWY_INLINE PixelRelief ReliefAt(const int32_t* const heights[3], int i) {
   out.quad[1] = QuadGradient(top, height(0, 2), right, center);
   out.quad[2] = QuadGradient(center, right, height(2, 2), bottom);
   out.quad[3] = QuadGradient(left, center, bottom, height(2, 0));
-  Ints any = hn::Zero(ints);
+  Ints steepest = hn::Zero(ints);
   for (const Gradient& quad : out.quad)
-    any = hn::Or(any, hn::Or(quad.x, quad.y));
-  out.flat = hn::AllTrue(ints, hn::Eq(any, hn::Zero(ints)));
+    steepest = hn::Max(steepest, hn::Max(hn::Abs(quad.x), hn::Abs(quad.y)));
+  out.flat = hn::AllTrue(ints, hn::Eq(steepest, hn::Zero(ints)));
+  out.gentle = hn::AllFalse(ints, hn::Gt(steepest, SetInt(GENTLE)));
   return out;
+}
+
+HWY_INLINE FourFloats InverseNormals(const PixelRelief& relief) {
+  const Gradient* quad = relief.quad;
+  if (relief.gentle)
+    return ReciprocalRoot(FourFloats{SquaredGentleNormal(quad[0]), SquaredGentleNormal(quad[1]),
+                                     SquaredGentleNormal(quad[2]), SquaredGentleNormal(quad[3])});
+  return ReciprocalRoot(FourFloats{SquaredNormal(quad[0]), SquaredNormal(quad[1]),
+                                   SquaredNormal(quad[2]), SquaredNormal(quad[3])});
 }
 
 // Four facets of the same weight: flat ones that the plain code merges have the same colour, so the
@@ -178,9 +210,7 @@ HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine
       StorePlanes(combine(LightFacet(lights, at, level), source), planes, i);
       continue;
     }
-    const FourFloats inverse =
-        ReciprocalRoot(FourFloats{SquaredNormal(relief.quad[0]), SquaredNormal(relief.quad[1]),
-                                  SquaredNormal(relief.quad[2]), SquaredNormal(relief.quad[3])});
+    const FourFloats inverse = InverseNormals(relief);
     const Facet facets[4] = {
         FacetOf(relief.quad[0], inverse.v0), FacetOf(relief.quad[1], inverse.v1),
         FacetOf(relief.quad[2], inverse.v2), FacetOf(relief.quad[3], inverse.v3)};
