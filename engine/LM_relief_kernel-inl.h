@@ -85,46 +85,6 @@ HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
   return out;
 }
 
-// The lights as the pixels of one vector see them, whatever their facets: omnis and directional
-// ones, then those spots whose cones reach one of the pixels.
-struct PixelLights {
-  int plain, count;
-  const LM_kernel_light* light[LM_MAX_LIGHTS];
-  Floats x[LM_MAX_LIGHTS], inverse[LM_MAX_LIGHTS];
-  Floats falloff[LM_MAX_LIGHTS]; // of spots
-};
-
-HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, Floats place, PixelLights& at) {
-  int k = 0;
-  const LM_kernel_light* light = lights.light;
-  for (; k < lights.omnis; ++k, ++light) {
-    at.light[k] = light;
-    at.x[k] = hn::Sub(SetFloat(light->x), place);
-    at.inverse[k] = ReciprocalRoot(SquaredLength(*light, at.x[k]));
-  }
-  const LM_kernel_light* spot = light;
-  light += lights.spots;
-  for (; k < lights.omnis + lights.directionals; ++k, ++light) {
-    at.light[k] = light;
-    at.x[k] = SetFloat(light->x);
-    at.inverse[k] = SetFloat(light->inverse);
-  }
-  at.plain = k;
-  for (const LM_kernel_light* end = spot + lights.spots; spot != end; ++spot) {
-    const Floats x = hn::Sub(SetFloat(spot->x), place);
-    const Floats inverse = ReciprocalRoot(SquaredLength(*spot, x));
-    const SpotFalloff reach = FalloffAt(*spot, x, inverse);
-    if (hn::AllFalse(FloatTag(), reach.inside))
-      continue;
-    at.light[k] = spot;
-    at.x[k] = x;
-    at.inverse[k] = inverse;
-    at.falloff[k] = hn::IfThenElseZero(reach.inside, reach.falloff);
-    ++k;
-  }
-  at.count = k;
-}
-
 template <bool spot>
 HWY_INLINE void AddFacetLight(LightSums& sums, const LM_kernel_light& light, const Facet& facet,
                               Floats x, Floats inverse, Floats falloff) {
@@ -145,7 +105,7 @@ HWY_INLINE void AddFacetLight(LightSums& sums, const LM_kernel_light& light, con
   AddColor(sums.specular, light, spot ? hn::Mul(highlight, falloff) : highlight);
 }
 
-HWY_INLINE LightSums LightFacet(const LM_kernel_lights& lights, const PixelLights& at,
+HWY_INLINE LightSums LightFacet(const LM_kernel_lights& lights, const SampleLights& at,
                                 const Facet& facet) {
   LightSums sums = {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
   const Floats none = hn::Zero(FloatTag());
@@ -200,9 +160,12 @@ HWY_INLINE FourFloats InverseNormals(const PixelRelief& relief) {
 template <class Combine>
 HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine, const float* x,
                           int n, const int32_t* const heights[3], const LM_kernel_planes& planes) {
-  PixelLights at;
+  SampleLights fourAt[4];
   for (int i = 0; i < n; i += Lanes()) {
-    LookAtLights(lights, hn::LoadU(FloatTag(), x + i), at);
+    const int v = i / Lanes() % 4;
+    if (v == 0)
+      LookAtLights(lights, x + i, fourAt);
+    const SampleLights& at = fourAt[v];
     const PixelRelief relief = ReliefAt(heights, i);
     const PlaneInts source = LoadPlanes(planes, i);
     if (relief.flat) {

@@ -1,0 +1,121 @@
+// What a row's lights are to its samples, whatever the surface. Compiled once for each instruction
+// set.
+#if defined(LM_LIGHT_KERNELS_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LM_LIGHT_KERNELS_INL_H
+#undef LM_LIGHT_KERNELS_INL_H
+#else
+#define LM_LIGHT_KERNELS_INL_H
+#endif
+
+#include "LM_kernels.h"
+#include "LM_vector_math-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+HWY_INLINE Floats SquaredLength(const LM_kernel_light& light, Floats x) {
+  return hn::Add(hn::Add(hn::Mul(x, x), SetFloat(light.ySquare)), SetFloat(light.zSquare));
+}
+
+// What a spot lets through to each sample: nothing outside its cone.
+struct SpotFalloff {
+  Mask inside;
+  Floats falloff; // anything outside
+};
+HWY_INLINE SpotFalloff FalloffAt(const LM_kernel_light& light, Floats x, Floats inverse) {
+  const Floats inPlane = hn::Add(hn::Mul(SetFloat(light.axisX), x), SetFloat(light.axisY));
+  const Floats along = hn::Add(inPlane, SetFloat(light.axisZ));
+  const Floats cosine = hn::Mul(hn::Neg(along), inverse);
+  const Mask inside = hn::Gt(cosine, SetFloat(light.cosCutoff));
+  if (hn::AllFalse(FloatTag(), inside))
+    return {inside, hn::Zero(FloatTag())};
+  const Floats entry =
+      hn::Mul(hn::Sub(cosine, SetFloat(light.spreadMinCos)), SetFloat(light.spreadScale));
+  // Clamped before it is truncated, which is the same for every number.
+  const Floats last = SetFloat(static_cast<float>(LM_SPREAD_ENTRIES - 1));
+  const Floats clamped = hn::Min(hn::Max(entry, hn::Zero(FloatTag())), last);
+  return {inside, hn::GatherIndex(FloatTag(), light.spreadTable, Truncate(clamped))};
+}
+
+// The lights as the samples of one vector see them: omnis and directional ones, then those spots
+// whose cones reach one of the samples.
+struct SampleLights {
+  int plain, count;
+  const LM_kernel_light* light[LM_MAX_LIGHTS];
+  Floats x[LM_MAX_LIGHTS], inverse[LM_MAX_LIGHTS];
+  Floats falloff[LM_MAX_LIGHTS]; // of spots
+};
+
+HWY_INLINE void AddSpotInReach(const LM_kernel_light& light, Floats x, Floats inverse,
+                               SampleLights& at) {
+  const SpotFalloff reach = FalloffAt(light, x, inverse);
+  if (hn::AllFalse(FloatTag(), reach.inside))
+    return;
+  const int k = at.count++;
+  at.light[k] = &light;
+  at.x[k] = x;
+  at.inverse[k] = inverse;
+  at.falloff[k] = hn::IfThenElseZero(reach.inside, reach.falloff);
+}
+
+// The way from four vectors of samples to a light, and the inverse lengths.
+struct FourWays {
+  FourFloats x, inverse;
+};
+HWY_INLINE FourWays WaysTo(const LM_kernel_light& light, const FourFloats& places) {
+  const Floats x = SetFloat(light.x);
+  const FourFloats ways = {hn::Sub(x, places.v0), hn::Sub(x, places.v1), hn::Sub(x, places.v2),
+                           hn::Sub(x, places.v3)};
+  return {ways,
+          ReciprocalRoot(FourFloats{SquaredLength(light, ways.v0), SquaredLength(light, ways.v1),
+                                    SquaredLength(light, ways.v2), SquaredLength(light, ways.v3)})};
+}
+
+HWY_INLINE void AddPlainLight(const LM_kernel_light& light, Floats x, Floats inverse,
+                              SampleLights& at) {
+  const int k = at.count++;
+  at.light[k] = &light;
+  at.x[k] = x;
+  at.inverse[k] = inverse;
+}
+
+// For four vectors of samples at once, so that their roots do not wait for each other.
+HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, const float* places,
+                             SampleLights* at) {
+  const FloatTag tag;
+  const FourFloats four = {hn::LoadU(tag, places), hn::LoadU(tag, places + Lanes()),
+                           hn::LoadU(tag, places + 2 * Lanes()),
+                           hn::LoadU(tag, places + 3 * Lanes())};
+  const LM_kernel_light* const spots = lights.light + lights.omnis;
+  const LM_kernel_light* const directionals = spots + lights.spots;
+  for (int v = 0; v < 4; ++v)
+    at[v].count = 0;
+  for (const LM_kernel_light* light = lights.light; light != spots; ++light) {
+    const FourWays ways = WaysTo(*light, four);
+    AddPlainLight(*light, ways.x.v0, ways.inverse.v0, at[0]);
+    AddPlainLight(*light, ways.x.v1, ways.inverse.v1, at[1]);
+    AddPlainLight(*light, ways.x.v2, ways.inverse.v2, at[2]);
+    AddPlainLight(*light, ways.x.v3, ways.inverse.v3, at[3]);
+  }
+  for (const LM_kernel_light* light = directionals; light != lights.light + lights.Count();
+       ++light) {
+    for (int v = 0; v < 4; ++v)
+      AddPlainLight(*light, SetFloat(light->x), SetFloat(light->inverse), at[v]);
+  }
+  for (int v = 0; v < 4; ++v)
+    at[v].plain = at[v].count;
+  for (const LM_kernel_light* light = spots; light != directionals; ++light) {
+    const FourWays ways = WaysTo(*light, four);
+    AddSpotInReach(*light, ways.x.v0, ways.inverse.v0, at[0]);
+    AddSpotInReach(*light, ways.x.v1, ways.inverse.v1, at[1]);
+    AddSpotInReach(*light, ways.x.v2, ways.inverse.v2, at[2]);
+    AddSpotInReach(*light, ways.x.v3, ways.inverse.v3, at[3]);
+  }
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace
+HWY_AFTER_NAMESPACE();
+
+#endif
