@@ -226,6 +226,27 @@ TEST(Drawing, UnitSquaresMeetWithoutGapAtEveryRatio) {
   }
 }
 
+// What is drawn goes when its box is erased, whatever the ratio.
+TEST(Drawing, FiguresStayInTheirSquares) {
+  for (double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+    TestPort port(40, 40, ratio);
+    const QImage blank = TB_PortImage(port.port);
+    for (short shift = 0; shift < 4; ++shift) {
+      const Rect box = Box(static_cast<short>(5 + shift), static_cast<short>(6 + shift),
+                           static_cast<short>(16 + shift), static_cast<short>(12 + shift));
+      MoveTo(static_cast<short>(10 + shift), static_cast<short>(6 + shift));
+      DrawPISlider();
+      DrawLineFromTo(box.left, box.top, static_cast<short>(box.right - 1),
+                     static_cast<short>(box.bottom - 1));
+      FrameOval(&box);
+      FrameRoundRect(&box, 5, 5);
+      EXPECT_NE(TB_PortImage(port.port), blank);
+      EraseRect(&box);
+      EXPECT_EQ(TB_PortImage(port.port), blank) << "ratio " << ratio << " shift " << shift;
+    }
+  }
+}
+
 TEST(Drawing, FramesWithinFramesLeaveNoGap) {
   for (double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
     TestPort port(30, 30, ratio);

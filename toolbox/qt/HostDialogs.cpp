@@ -24,7 +24,10 @@ void FillIndicator(PortState& state, Point tip) {
   path.lineTo((h - HALF_WIDTH + 0.5) * ratio, (v + HALF_WIDTH + 0.5) * ratio);
   path.closeSubpath();
   const QRect box(tip.h - HALF_WIDTH, tip.v, 2 * HALF_WIDTH + 1, HALF_WIDTH + 1);
+  const QRegion saved = state.deviceClip;
+  state.deviceClip &= DeviceRect(state, box);
   ComposePath(state, path, Ink{ForegroundInk(state, box), patCopy});
+  state.deviceClip = saved;
 }
 
 } // namespace

@@ -182,6 +182,8 @@ void DrawLine(PortState& state, QPoint from, QPoint to) {
                          std::max(from.y(), to.y()) + pen.pnSize.v - 1));
   const Ink ink = PenInk(state, box);
   const QRegion saved = state.deviceClip;
+  // Smooth edges may not leave the squares that an erasing of the line's box will clear.
+  state.deviceClip &= DeviceRect(state, box);
   const bool accumulates = NeedsHardEdges(ink.mode) || ink.mode == addOver;
   if (accumulates && state.lineEnd == from)
     state.deviceClip -=
