@@ -7,9 +7,7 @@
 #include "LM_tiles.h"
 #include "MacMemory.h"
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -98,21 +96,21 @@ void Report(benchmark::State& state, double lights) {
 
 void Flat(benchmark::State& state) {
   TileScene scene(static_cast<int32_t>(state.range(0)), static_cast<int>(state.range(1)), false);
-  for (auto _ : state)
+  for ([[maybe_unused]] auto _ : state)
     LM_ShadeTile(&scene.record, scene.globals);
   Report(state, static_cast<double>(state.range(1)));
 }
 
 void Relief(benchmark::State& state) {
   TileScene scene(static_cast<int32_t>(state.range(0)), static_cast<int>(state.range(1)), true);
-  for (auto _ : state)
+  for ([[maybe_unused]] auto _ : state)
     LM_ShadeTileWithBumps(&scene.record, &scene.globals->bumpMap, scene.globals);
   Report(state, static_cast<double>(state.range(1)));
 }
 
 void Heights(benchmark::State& state) {
   TileScene scene(LM_LIGHT_OMNI, 1, true);
-  for (auto _ : state)
+  for ([[maybe_unused]] auto _ : state)
     scene.StoreHeights();
   Report(state, 1.0);
 }
@@ -168,29 +166,49 @@ private:
   LM_render_scratch_pointer _scratch;
 };
 
-void Drive(benchmark::State& state, const LM_kernels* kernels, bool relief) {
-  const int lights = static_cast<int>(state.range(1));
-  DriverScene scene(static_cast<int32_t>(state.range(0)), lights, relief, kernels);
+// The kernels of this machine, the best first; behind them null, for the plain rows.
+std::vector<const LM_kernels*> AllKernels() {
+  std::vector<const LM_kernels*> all(16);
+  all.resize(static_cast<size_t>(LM_ListKernels(all.data(), 16)));
+  all.push_back(nullptr);
+  return all;
+}
+const LM_kernels* KernelsOf(benchmark::State& state) {
+  const LM_kernels* kernels = AllKernels().at(static_cast<size_t>(state.range(0)));
+  state.SetLabel(kernels != nullptr ? kernels->name : "plain");
+  return kernels;
+}
+
+void ReportPixels(benchmark::State& state, const char* what, double pixels) {
+  state.counters[what] = benchmark::Counter(pixels, benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
+}
+
+void Drive(benchmark::State& state, bool relief) {
+  const int lights = static_cast<int>(state.range(2));
+  DriverScene scene(static_cast<int32_t>(state.range(1)), lights, relief, KernelsOf(state));
   if (!scene.EqualsPlain()) {
     state.SkipWithError("not the plain code's bytes");
     return;
   }
-  for (auto _ : state)
+  for ([[maybe_unused]] auto _ : state)
     scene.Light();
-  const double pixels = 1.0 * COLUMNS * ROWS;
-  const auto kind = benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert;
-  state.counters["per pixel"] = benchmark::Counter(pixels, kind);
+  ReportPixels(state, "per pixel", 1.0 * COLUMNS * ROWS);
   if (lights > 0)
-    state.counters["per pixel and light"] = benchmark::Counter(pixels * lights, kind);
+    ReportPixels(state, "per pixel and light", 1.0 * COLUMNS * ROWS * lights);
+}
+void DriveFlat(benchmark::State& state) {
+  Drive(state, false);
+}
+void DriveRelief(benchmark::State& state) {
+  Drive(state, true);
 }
 
-void DriveHeights(benchmark::State& state, const LM_kernels* kernels) {
-  DriverScene scene(LM_LIGHT_OMNI, 1, true, kernels);
-  for (auto _ : state)
+void DriveHeights(benchmark::State& state) {
+  DriverScene scene(LM_LIGHT_OMNI, 1, true, KernelsOf(state));
+  for ([[maybe_unused]] auto _ : state)
     scene.FillHeights();
-  state.counters["per pixel"] = benchmark::Counter(1.0 * LM_RENDER_BLOCK * ROWS,
-                                                   benchmark::Counter::kIsIterationInvariantRate |
-                                                       benchmark::Counter::kInvert);
+  ReportPixels(state, "per pixel", 1.0 * LM_RENDER_BLOCK * ROWS);
 }
 
 const std::vector<std::vector<int64_t>> LIGHTS = {
@@ -199,25 +217,17 @@ BENCHMARK(Flat)->ArgNames({"type", "lights"})->ArgsProduct(LIGHTS);
 BENCHMARK(Relief)->ArgNames({"type", "lights"})->ArgsProduct(LIGHTS);
 BENCHMARK(Heights);
 
-// No light at all shows what the pixels cost by themselves.
-void RegisterDriver(const LM_kernels* kernels) {
-  const std::string name = kernels != nullptr ? kernels->name : "Plain";
-  for (const bool relief : {false, true}) {
-    benchmark::RegisterBenchmark((name + (relief ? "/Relief" : "/Flat")).c_str(), Drive, kernels,
-                                 relief)
-        ->ArgNames({"type", "lights"})
-        ->Args({LM_LIGHT_OMNI, 0})
-        ->ArgsProduct({{LM_LIGHT_OMNI, LM_LIGHT_DIRECTIONAL, LM_LIGHT_SPOT}, {1, 4, 16}});
-  }
-  benchmark::RegisterBenchmark((name + "/Heights").c_str(), DriveHeights, kernels);
+std::vector<int64_t> EachKernels() {
+  return benchmark::CreateDenseRange(0, static_cast<int64_t>(AllKernels().size()) - 1, 1);
 }
-
-const bool registered = [] {
-  const LM_kernels* kernels[16];
-  const int count = LM_ListKernels(kernels, 16);
-  std::for_each(kernels, kernels + count, RegisterDriver);
-  RegisterDriver(nullptr);
-  return true;
-}();
+// No light at all shows what the pixels cost by themselves.
+void EachDrive(benchmark::internal::Benchmark* bench) {
+  bench->ArgNames({"kernels", "type", "lights"});
+  for (const int64_t kernels : EachKernels())
+    bench->Args({kernels, LM_LIGHT_OMNI, 0})->ArgsProduct({{kernels}, LIGHTS[0], LIGHTS[1]});
+}
+BENCHMARK(DriveFlat)->Apply(EachDrive);
+BENCHMARK(DriveRelief)->Apply(EachDrive);
+BENCHMARK(DriveHeights)->ArgNames({"kernels"})->ArgsProduct({EachKernels()});
 
 } // namespace

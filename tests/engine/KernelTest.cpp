@@ -59,7 +59,7 @@ TEST(Kernels, HeightsWrapAndDivideAsThePlainOnes) {
       continue;
     for (const int32_t scale : {0, 1, -2, 68, 510, -510, 913, 914, 116985, INT32_MAX, INT32_MIN}) {
       for (const int n : {1, 3, 4, 5, 7, 8, 9, 15, 16, 17, 200}) {
-        const size_t length = static_cast<size_t>(n + 2);
+        const size_t length = static_cast<size_t>(n) + 2;
         const std::vector<uint8_t> bytes = Noise(random, 3 * length + LM_KERNEL_SLACK);
         const uint8_t* const taps[3] = {&bytes[0], &bytes[length], &bytes[2 * length]};
         std::vector<int32_t> heights(static_cast<size_t>(n) + LM_KERNEL_SLACK);
@@ -86,7 +86,8 @@ TEST(Kernels, PlanesAreSplitAndJoinedWithinThePixels) {
     for (const int step : {3, 4, 5}) {
       for (const int n : {1, 2, 15, 16, 17, 31, 32, 33, 64, 65, 300}) {
         SCOPED_TRACE(std::string(kernels->name) + ", step " + std::to_string(step));
-        const std::vector<uint8_t> pixels = Noise(random, static_cast<size_t>((n - 1) * step + 3));
+        const std::vector<uint8_t> pixels =
+            Noise(random, static_cast<size_t>(n - 1) * static_cast<size_t>(step) + 3);
         kernels->split(pixels.data(), step, n, planes);
         std::vector<uint8_t> expected = Noise(random, pixels.size());
         std::vector<uint8_t> joined = expected;

@@ -80,6 +80,7 @@ TEST(Render, ThreadsShareAJob) {
   const std::vector<uint8_t> expected = walk.RenderTiles();
   RenderRun run(scene, *walk.Convert(0), {LM_BestKernels(), 3, 1, false});
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int part = 0; part < 4; ++part)
     threads.emplace_back([&run, part] {
       for (int y = part * 4; y < 64; y += 16)
