@@ -18,22 +18,13 @@ constexpr float ELLIPSE_ANGLE = 0.15707964F;
 LM_globals::LM_globals() {
   // Every field is plain data, so that one sweep gives each a defined value.
   std::memset(static_cast<void*>(this), 0, sizeof *this);
-  ambientColor = {{FULL, FULL, FULL}};
-  gloss = 128;
-  exposure = 128;
-  ambientBrightness = 16;
-  bumpAmplitude = 128;
-  whiteIsHigh = 1;
+  _DefaultSurface();
   previewOn = 1;
   for (LM_light_UI& light : lights)
     light.globals = this;
 }
 
-void LM_globals::operator delete(void* object, [[maybe_unused]] size_t size) {
-  LM_DisposePtr(object);
-}
-
-void LM_globals::Default() {
+void LM_globals::_DefaultSurface() {
   ambientColor = {{FULL, FULL, FULL}};
   material = 0;
   gloss = 128;
@@ -41,6 +32,14 @@ void LM_globals::Default() {
   ambientBrightness = 16;
   bumpAmplitude = 128;
   whiteIsHigh = 1;
+}
+
+void LM_globals::operator delete(void* object, [[maybe_unused]] size_t size) {
+  LM_DisposePtr(object);
+}
+
+void LM_globals::Default() {
+  _DefaultSurface();
   DiffuseSumCacheHot(0);
   SpecularSumCacheHot(0);
   curLight = 0;

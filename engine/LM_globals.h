@@ -189,6 +189,7 @@ private:
     if (cache.buffer != nullptr)
       cache.hot = hot;
   }
+  void _DefaultSurface();
   LM_light_UI* _AddLight(int16_t h, int16_t v);
   void _ShapeDefaultSpot(LM_light_UI& light);
 };
