@@ -51,7 +51,7 @@ class Interruption(support.LimnTest):
                 start = time.monotonic()
                 process.send_signal(number)
                 _, told = process.communicate(timeout=10)
-                self.assertLess(time.monotonic() - start, 2 if support.IS_SANITIZED else 0.5)
+                self.assertLess(time.monotonic() - start, 5)
                 self.assertEqual((process.returncode, told), (CANCELLED, "limn: stopped\n"))
                 self.assertEqual(self.finished(), ["a.ppm", "b.ppm", "c.ppm"])
                 self.assertFalse([pid for pid in workers if os.path.exists(f"/proc/{pid}")])
