@@ -14,6 +14,7 @@ constexpr int LM_KERNEL_SLACK = 64;
 // A light in one row of samples. y is the row's own: from the sample to the light.
 struct LM_kernel_light {
   float color[LM_PLANES];
+  bool gray;     // all planes alike
   float x, y, z; // omni and spot: the light's x, and the way to it; directional: the direction
   float ySquare, zSquare;
   float inverse;      // directional: of the direction's length

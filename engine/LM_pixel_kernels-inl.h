@@ -81,11 +81,13 @@ HWY_INLINE void StorePlanes(const PlaneInts& values, const LM_kernel_planes& pla
   hn::StoreU(hn::DemoteTo(bytes, values.p2), bytes, planes.plane[2] + i);
 }
 
-// Adds colour times `factor`, each product truncated.
+// Adds colour times `factor`, each product truncated. Most lights are white: one product does then.
 HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats factor) {
-  sums.p0 = hn::Add(sums.p0, Truncate(hn::Mul(SetFloat(light.color[0]), factor)));
-  sums.p1 = hn::Add(sums.p1, Truncate(hn::Mul(SetFloat(light.color[1]), factor)));
-  sums.p2 = hn::Add(sums.p2, Truncate(hn::Mul(SetFloat(light.color[2]), factor)));
+  const Ints part = Truncate(hn::Mul(SetFloat(light.color[0]), factor));
+  const bool gray = light.gray;
+  sums.p0 = hn::Add(sums.p0, part);
+  sums.p1 = hn::Add(sums.p1, gray ? part : Truncate(hn::Mul(SetFloat(light.color[1]), factor)));
+  sums.p2 = hn::Add(sums.p2, gray ? part : Truncate(hn::Mul(SetFloat(light.color[2]), factor)));
 }
 
 struct LightSums {

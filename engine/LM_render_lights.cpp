@@ -37,6 +37,7 @@ LM_kernel_light KernelLight(const LM_light& light) {
   LM_kernel_light out = {};
   for (int plane = 0; plane < LM_PLANES; ++plane)
     out.color[plane] = static_cast<float>(light.color.component[plane]);
+  out.gray = out.color[0] == out.color[1] && out.color[0] == out.color[2];
   const bool directional = light.type == LM_LIGHT_DIRECTIONAL;
   const LM_vector3f& place = directional ? light.direction : light.position;
   out.x = place.x;

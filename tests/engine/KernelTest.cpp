@@ -19,8 +19,13 @@ std::vector<uint8_t> Noise(SceneRandom& random, size_t count) {
 // many times, and what is left of them meets full exposure.
 void MakeLoud(foo& params, SceneRandom& random) {
   for (int i = 0; i < LM_LightCount(&params); ++i) {
-    for (int32_t& component : params.lights[i].color.component)
-      component = random.Between(-(1 << 28), 1 << 28);
+    int32_t* color = params.lights[i].color.component;
+    for (int plane = 0; plane < LM_PLANES; ++plane)
+      color[plane] = random.Between(-(1 << 28), 1 << 28);
+    if (random.OneIn(2))
+      color[1] = color[2] = color[0];
+    else if (random.OneIn(3)) // nearly gray
+      color[random.Between(1, 2)] = color[0];
   }
   for (int32_t& component : params.ambient.component)
     component = static_cast<int32_t>(random.Next());
