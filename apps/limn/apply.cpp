@@ -2,17 +2,16 @@
 
 #include "apply_one.h"
 #include "atomic_file.h"
+#include "output_target.h"
 #include "progress_bar.h"
 #include "report.h"
 #include "style_source.h"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <random>
 #include <sched.h>
 #include <unistd.h>
 
@@ -21,36 +20,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// "X,Y,W,H" in whole pixels.
-std::optional<Area> ParseArea(const std::string& text) {
-  if (text.empty())
-    return std::nullopt;
-  int numbers[4] = {};
-  const char* next = text.data();
-  const char* const end = next + text.size();
-  for (int i = 0; i < 4; ++i) {
-    const auto [stop, error] = std::from_chars(next, end, numbers[i]);
-    const bool isSeparated = i == 3 ? stop == end : stop != end && *stop == ',';
-    if (error != std::errc() || !isSeparated || numbers[i] < 0 || numbers[i] > LONGEST_SIDE)
-      throw Failure(ExitCode::WrongUsage,
-                    "--area " + text + ": is not of the form X,Y,WIDTH,HEIGHT in pixels");
-    next = stop + (i < 3 ? 1 : 0);
-  }
-  const Area area{numbers[0], numbers[1], numbers[2], numbers[3]};
-  if (area.width == 0 || area.height == 0)
-    throw Failure(ExitCode::WrongUsage, "--area " + text + ": is empty");
-  return area;
-}
-
 int NumProcessors() {
   cpu_set_t set;
   CPU_ZERO(&set);
   return sched_getaffinity(0, sizeof set, &set) == 0 ? std::max(1, CPU_COUNT(&set)) : 1;
-}
-
-uint64_t RandomToken() {
-  std::random_device device;
-  return (static_cast<uint64_t>(device()) << 32) | device();
 }
 
 // Prints what happens to the images of a batch.
@@ -183,7 +156,7 @@ ExitCode Apply(const ApplyOptions& options) {
   const int numWorkers = static_cast<int>(std::min<size_t>(
       options.jobs > 0 ? options.jobs : numProcessors, std::max<size_t>(plan.pairs.size(), 1)));
   plan.threads = std::max(1, numProcessors / numWorkers);
-  SetTemporaryToken(RandomToken());
+  UseRandomTemporaryToken();
 
   Reporter reporter(plan);
   std::optional<ApplyTools> tools; // each process fills its own copy

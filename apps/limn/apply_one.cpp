@@ -2,9 +2,7 @@
 
 #include "image_library.h"
 #include "image_output.h"
-
-#include <filesystem>
-#include <sys/stat.h>
+#include "output_target.h"
 
 namespace limn {
 namespace {
@@ -12,28 +10,6 @@ namespace {
 // Reading, lighting and writing as shares of the progress.
 constexpr double READ_SHARE = 0.2;
 constexpr double LIT_SHARE = 0.8;
-
-void MakeFolder(const std::string& target) {
-  const std::filesystem::path folder = std::filesystem::path(target).parent_path();
-  std::error_code error;
-  if (!folder.empty() && !std::filesystem::exists(folder, error))
-    std::filesystem::create_directories(folder, error);
-  if (error)
-    throw Failure(ExitCode::CannotWrite, folder.string() + ": " + SystemReason(error.value()));
-}
-
-void CheckTarget(const ApplyPlan& plan, size_t index) {
-  ResolveTarget(plan.pairs[index].output.path); // for its failure
-  struct stat status {};
-  if (plan.options.force || stat(plan.targets[index].c_str(), &status) != 0)
-    return;
-  const std::string& output = plan.pairs[index].output.path;
-  struct stat input {};
-  if (stat(plan.pairs[index].input.c_str(), &input) == 0 && input.st_ino == status.st_ino &&
-      input.st_dev == status.st_dev)
-    throw Failure(ExitCode::CannotWrite, output + ": is the input itself; --force replaces it");
-  throw Failure(ExitCode::CannotWrite, output + ": exists already; --force replaces it");
-}
 
 } // namespace
 
@@ -58,7 +34,8 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
 AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                      const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
-  CheckTarget(plan, index);
+  const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
+  CheckTarget(pair.input, pair.output, existing);
   CheckOutputFormat(pair.output);
   Photograph photograph = ReadPhotograph(pair.input);
   channel.Progress(READ_SHARE);
@@ -71,8 +48,7 @@ AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                     channel.Progress(READ_SHARE + share * (LIT_SHARE - READ_SHARE));
                   });
   MakeFolder(plan.targets[index]);
-  WritePhotograph(photograph, pair.output, plan.targets[index],
-                  plan.options.force ? Existing::Replace : Existing::Keep);
+  WritePhotograph(photograph, pair.output, plan.targets[index], existing);
   for (const std::string& notice : photograph.notices)
     channel.Notice(pair.input + ": " + notice);
   return {photograph.width, photograph.height};

@@ -5,6 +5,7 @@
 #include "LM_parameters.h"
 #include "LM_style_settings.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -24,16 +25,6 @@ void CheckSize(const GreyImage& grey, const Photograph& photograph, const std::s
                                           Size(photograph.width, photograph.height));
 }
 
-CVRect AreaOf(const Surroundings& surroundings, const Photograph& photograph,
-              const std::string& file) {
-  const Area area = surroundings.area.value_or(Area{0, 0, photograph.width, photograph.height});
-  if (area.x > photograph.width - area.width || area.y > photograph.height - area.height)
-    throw Failure(ExitCode::WrongUsage, file + ": the area reaches outside its " +
-                                            Size(photograph.width, photograph.height) + " pixels");
-  return {static_cast<int16_t>(area.y), static_cast<int16_t>(area.x),
-          static_cast<int16_t>(area.y + area.height), static_cast<int16_t>(area.x + area.width)};
-}
-
 ExitCode CodeOf(CVOutcome outcome) {
   switch (outcome) {
   case CVOutcome::Done:
@@ -47,34 +38,6 @@ ExitCode CodeOf(CVOutcome outcome) {
   }
 }
 
-void Check(const CVResult& result, const std::string& file) {
-  if (!result.ok())
-    throw Failure(CodeOf(result.outcome), file + ": " + result.message);
-}
-
-// The document borrows all pixels.
-CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
-                        const std::string& file) {
-  CVDocument document;
-  const size_t rowStride = static_cast<size_t>(photograph.width) * photograph.numPlanes;
-  Check(document.wrap(photograph.pixels.data(), rowStride, photograph.width, photograph.height,
-                      CV_MODE_RGB, photograph.numPlanes),
-        file);
-  for (GreyImage& channel : surroundings.channels) {
-    CheckSize(channel, photograph, file);
-    Check(document.wrapChannel(ChannelName(channel.file), channel.pixels.data(),
-                               static_cast<size_t>(channel.width)),
-          file);
-  }
-  if (surroundings.mask) {
-    CheckSize(*surroundings.mask, photograph, file);
-    Check(
-        document.wrapMask(surroundings.mask->pixels.data(), static_cast<size_t>(photograph.width)),
-        file);
-  }
-  return document;
-}
-
 std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numChannels,
                                     const std::string& file) {
   auto parameters = std::make_unique<foo>();
@@ -84,13 +47,27 @@ std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numC
   return parameters;
 }
 
-void NoteMissingRelief(const LM_style& style, int numChannels, Photograph& photograph) {
-  if (style.bumpChannel != 0 && LM_ChannelOrNone(style.bumpChannel, numChannels) == 0)
-    photograph.notices.push_back("has no channel " + std::to_string(style.bumpChannel) +
-                                 ", so it is lit without the style's relief");
-}
-
 } // namespace
+
+std::optional<Area> ParseArea(const std::string& text) {
+  if (text.empty())
+    return std::nullopt;
+  int numbers[4] = {};
+  const char* next = text.data();
+  const char* const end = next + text.size();
+  for (int i = 0; i < 4; ++i) {
+    const auto [stop, error] = std::from_chars(next, end, numbers[i]);
+    const bool isSeparated = i == 3 ? stop == end : stop != end && *stop == ',';
+    if (error != std::errc() || !isSeparated || numbers[i] < 0 || numbers[i] > LONGEST_SIDE)
+      throw Failure(ExitCode::WrongUsage,
+                    "--area " + text + ": is not of the form X,Y,WIDTH,HEIGHT in pixels");
+    next = stop + (i < 3 ? 1 : 0);
+  }
+  const Area area{numbers[0], numbers[1], numbers[2], numbers[3]};
+  if (area.width == 0 || area.height == 0)
+    throw Failure(ExitCode::WrongUsage, "--area " + text + ": is empty");
+  return area;
+}
 
 CVPlugin LoadPlugin() {
   std::vector<std::string> candidates;
@@ -116,6 +93,49 @@ CVPlugin LoadPlugin() {
   return plugin;
 }
 
+CVRect AreaOf(const Surroundings& surroundings, const Photograph& photograph,
+              const std::string& file) {
+  const Area area = surroundings.area.value_or(Area{0, 0, photograph.width, photograph.height});
+  if (area.x > photograph.width - area.width || area.y > photograph.height - area.height)
+    throw Failure(ExitCode::WrongUsage, file + ": the area reaches outside its " +
+                                            Size(photograph.width, photograph.height) + " pixels");
+  return {static_cast<int16_t>(area.y), static_cast<int16_t>(area.x),
+          static_cast<int16_t>(area.y + area.height), static_cast<int16_t>(area.x + area.width)};
+}
+
+void CheckRun(const CVResult& result, const std::string& file) {
+  if (!result.ok())
+    throw Failure(CodeOf(result.outcome), file + ": " + result.message);
+}
+
+CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
+                        const std::string& file) {
+  CVDocument document;
+  const size_t rowStride = static_cast<size_t>(photograph.width) * photograph.numPlanes;
+  CheckRun(document.wrap(photograph.pixels.data(), rowStride, photograph.width, photograph.height,
+                         CV_MODE_RGB, photograph.numPlanes),
+           file);
+  for (GreyImage& channel : surroundings.channels) {
+    CheckSize(channel, photograph, file);
+    CheckRun(document.wrapChannel(ChannelName(channel.file), channel.pixels.data(),
+                                  static_cast<size_t>(channel.width)),
+             file);
+  }
+  if (surroundings.mask) {
+    CheckSize(*surroundings.mask, photograph, file);
+    CheckRun(
+        document.wrapMask(surroundings.mask->pixels.data(), static_cast<size_t>(photograph.width)),
+        file);
+  }
+  return document;
+}
+
+void NoteMissingRelief(const LM_style& style, int numChannels, Photograph& photograph) {
+  if (style.bumpChannel != 0 && LM_ChannelOrNone(style.bumpChannel, numChannels) == 0)
+    photograph.notices.push_back("has no channel " + std::to_string(style.bumpChannel) +
+                                 ", so it is lit without the style's relief");
+}
+
 std::string ChannelName(const std::string& file) {
   return std::filesystem::path(file).stem().string();
 }
@@ -128,11 +148,11 @@ void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings
   NoteMissingRelief(style, document.channelCount(), photograph);
   const auto parameters = MakeParameters(style, area, document.channelCount(), file);
   CVFilterSession session(plugin);
-  Check(session.setParameters(parameters.get(), sizeof *parameters), file);
+  CheckRun(session.setParameters(parameters.get(), sizeof *parameters), file);
   CVRunOptions options;
   options.dialog = CVDialog::No;
   options.progress = progress;
-  Check(session.run(document, area, options), file);
+  CheckRun(session.run(document, area, options), file);
 }
 
 } // namespace limn

@@ -21,6 +21,9 @@ struct Area {
   int height = 0;
 };
 
+// "X,Y,W,H" in whole pixels; none for an empty text. Throws Failure(WrongUsage).
+std::optional<Area> ParseArea(const std::string& text);
+
 // What to do to a photograph beside the style. Shared by all images of a batch.
 struct Surroundings {
   std::optional<Area> area;        // none: the whole image
@@ -37,6 +40,20 @@ CVPlugin LoadPlugin();
 void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings& surroundings,
                      Photograph& photograph, const std::string& file,
                      const std::function<void(double)>& progress);
+
+// The pieces of that, for other kinds of runs.
+
+// The photograph as the editor's document, with mask and channels. It borrows all pixels. Throws
+// Failure when mask or channels do not fit.
+CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
+                        const std::string& file);
+// The rectangle to filter. Throws Failure(WrongUsage) when it is not inside the photograph.
+CVRect AreaOf(const Surroundings& surroundings, const Photograph& photograph,
+              const std::string& file);
+// Throws what a run's result means as a Failure about `file`.
+void CheckRun(const CVResult& result, const std::string& file);
+// Adds a notice when the style's relief channel is not one of the document's.
+void NoteMissingRelief(const LM_style& style, int numChannels, Photograph& photograph);
 
 // The name of a channel that an image file becomes: the file's own without folder and extension.
 std::string ChannelName(const std::string& file);

@@ -1,6 +1,10 @@
 // limn: lights photographs from the command line.
 #include "apply.h"
 #include "channels.h"
+#include "edit.h"
+#include "edit_options.h"
+#include "library_list.h"
+#include "preview.h"
 #include "report.h"
 #include "style_commands.h"
 
@@ -99,6 +103,42 @@ void AddApply(CLI::App& app, Command& command) {
   apply->callback([options, &command] { command = [options] { return limn::Apply(*options); }; });
 }
 
+void AddPreview(CLI::App& app, Command& command) {
+  auto options = std::make_shared<limn::PreviewOptions>();
+  CLI::App* preview =
+      app.add_subcommand("preview", "Write the picture that the dialog shows of a style");
+  preview->footer("The picture is the dialog's frame, 280 × 280 pixels, the photograph in it.");
+  preview->add_option("IMAGE", options->image, "The photograph")->required();
+  preview->add_option("-o,--output", options->output, "The file to write, as for limn apply")
+      ->required()
+      ->type_name("FILE");
+  preview
+      ->add_option("-s,--style", options->style,
+                   "A style file, its JSON form, or the name of a style\n(default: Default)")
+      ->type_name("NAME|FILE");
+  preview->add_option("--set", options->settings, "As for limn apply")
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);
+  preview->add_option("--area", options->area, "Show only this rectangle, in pixels")
+      ->type_name("X,Y,W,H");
+  preview->add_option("--channel", options->channels, "As for limn apply; may be repeated")
+      ->type_name("IMAGE")
+      ->allow_extra_args(false);
+  preview->add_flag("--unlit", options->isUnlit, "As with the dialog's preview switched off");
+  preview->add_flag("-f,--force", options->force, "Replace an existing file");
+  preview->callback(
+      [options, &command] { command = [options] { return limn::WritePreview(*options); }; });
+}
+
+void AddEdit(CLI::App& app, Command& command, char** argv) {
+  CLI::App* edit =
+      app.add_subcommand("edit", "Set the lights of a photograph by hand, in a window");
+  edit->footer("Cancel writes nothing and exits with 1. The styles that the dialog saves can\n"
+               "be named to limn apply.");
+  limn::AddEditOptions(*edit);
+  edit->callback([argv, &command] { command = [argv]() -> ExitCode { limn::BecomeEdit(argv); }; });
+}
+
 void AddChannels(CLI::App& app, Command& command) {
   auto image = std::make_shared<std::string>();
   auto added = std::make_shared<std::vector<std::string>>();
@@ -152,6 +192,16 @@ void AddStyleCheck(CLI::App& style, Command& command) {
   check->callback([names, &command] { command = [names] { return limn::CheckStyles(*names); }; });
 }
 
+void AddStyles(CLI::App& app, Command& command) {
+  auto form = std::make_shared<limn::ListForm>(limn::ListForm::Names);
+  CLI::App* styles = app.add_subcommand("styles", "List the styles of the library by name");
+  styles->footer("The library is the folder of styles that the dialog saves to and reads.");
+  styles->add_flag_callback(
+      "--json", [form] { *form = limn::ListForm::Json; },
+      "Print a line of JSON for each style: name, origin\n(bundled or user), number of lights");
+  styles->callback([form, &command] { command = [form] { return limn::ListStyles(*form); }; });
+}
+
 void AddStyle(CLI::App& app, Command& command) {
   CLI::App* style = app.add_subcommand("style", "Show, pack and check styles");
   style->require_subcommand(1);
@@ -184,7 +234,10 @@ ExitCode Run(int argc, char** argv) {
   app.get_formatter()->column_width(24);
   Command command;
   AddApply(app, command);
+  AddEdit(app, command, argv);
+  AddPreview(app, command);
   AddChannels(app, command);
+  AddStyles(app, command);
   AddStyle(app, command);
   try {
     app.parse(argc, argv);

@@ -4,12 +4,16 @@
 #include "posix_file.h"
 
 #include "LM_gallery.h"
+#include "LM_mac_stream.h"
 #include "LM_style_codec.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
+#include "LM_style_library.h"
+#include "LimnResources.h"
+#include "MacResources.h"
+#include "MacStrings.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 #include <vector>
@@ -39,21 +43,43 @@ std::string_view TextOf(const std::vector<uint8_t>& bytes) {
   return text;
 }
 
-// The user's style folder, or an empty path when the environment names none.
-fs::path StyleFolder() {
-  const char* data = std::getenv("XDG_DATA_HOME");
-  if (data != nullptr && *data == '/')
-    return fs::path(data) / "limn" / "styles";
-  const char* home = std::getenv("HOME");
-  return home != nullptr && *home == '/' ? fs::path(home) / ".local/share/limn/styles" : fs::path();
-}
-
 bool IsThere(const fs::path& path) {
   std::error_code error;
   return fs::exists(path, error) && !fs::is_directory(path, error);
 }
 
+// A sentence of the library's as one of the command's.
+std::string WithoutStop(std::string sentence) {
+  if (sentence.ends_with('.'))
+    sentence.pop_back();
+  return sentence;
+}
+
+StyleLibrary SetUpLibrary() {
+  TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
+  StyleLibrary library{false, ""};
+  library.isThere = LM_UseStyleLibrary(library.trouble);
+  library.trouble = WithoutStop(library.trouble);
+  return library;
+}
+
+// Whether the library has a file of that name, readable as a style or not.
+bool IsInLibrary(const std::string& name) {
+  TB_Str255 file = TB_PString(name);
+  if (LM_style_istream::Exists(file.bytes) != 0)
+    return true;
+  const std::vector<std::string> names = LM_StyleNames();
+  return std::any_of(names.begin(), names.end(), [&](const std::string& listed) {
+    return EqualString(TB_PString(listed), file, 0, 0) != 0;
+  });
+}
+
 } // namespace
+
+const StyleLibrary& UseStyleLibrary() {
+  static const StyleLibrary library = SetUpLibrary();
+  return library;
+}
 
 NamedStyle ReadStyleFile(const std::string& path) {
   const std::vector<uint8_t> bytes = ReadSmallFile(path, LONGEST_STYLE_FILE);
@@ -67,16 +93,21 @@ NamedStyle ReadStyleFile(const std::string& path) {
 }
 
 NamedStyle FindStyle(const std::string& name) {
-  if (name.find('/') != std::string::npos || IsThere(name))
+  if (IsThere(name))
     return ReadStyleFile(name);
-  const fs::path folder = StyleFolder();
-  if (!name.empty() && !folder.empty() && IsThere(folder / name))
-    return ReadStyleFile((folder / name).string());
-  NamedStyle bundled{};
   const std::string wanted = name.empty() ? DEFAULT_STYLE : name;
-  if (!LM_BundledStyle(wanted, bundled.style))
-    throw Failure(ExitCode::BadInput, wanted + ": there is no such style, nor a file of this name");
-  return bundled;
+  NamedStyle named{};
+  const bool hasLibrary = UseStyleLibrary().isThere;
+  if (hasLibrary && LM_ReadLibraryStyle(wanted, named.style, named.warning))
+    return named;
+  if (hasLibrary && IsInLibrary(wanted))
+    throw Failure(ExitCode::BadInput, wanted + ": " + WithoutStop(named.warning));
+  NamedStyle bundled{};
+  if (LM_BundledStyle(wanted, bundled.style))
+    return bundled;
+  if (name.find('/') != std::string::npos)
+    return ReadStyleFile(name); // for its failure
+  throw Failure(ExitCode::BadInput, wanted + ": there is no such style, nor a file of this name");
 }
 
 void SetField(LM_style& style, const std::string& setting) {

@@ -18,9 +18,19 @@ struct NamedStyle {
 // Reads a style file or its JSON form, told apart by their content. Throws Failure(BadInput).
 NamedStyle ReadStyleFile(const std::string& path);
 
-// name: a file, or the name of a style in the user's style folder or among the bundled ones; the
-// first that exists, in this order. An empty name gives the default light settings. Throws
-// Failure(BadInput).
+// The user's style library, for this process. trouble: why there is none, or which bundled styles
+// could not be added to it; else empty.
+struct StyleLibrary {
+  bool isThere;
+  std::string trouble;
+};
+
+// Sets the library up on the first call, which fills a new user's with the bundled styles.
+const StyleLibrary& UseStyleLibrary();
+
+// name: a file, or the name of a style in the user's library or among the bundled ones; the first
+// that exists, in this order. An empty name means the default style. Without a library there are
+// still the bundled ones. Throws Failure(BadInput).
 NamedStyle FindStyle(const std::string& name);
 
 // Applies one "KEY=VALUE" setting. Throws Failure(WrongUsage).

@@ -45,7 +45,7 @@ class StyleCommand(support.LimnTest):
 
     def test_same_picture_from_every_form(self):
         lights = [(65535, 60000, 40000, 90, 128, 1, 3, 5, 5, 60, 0, 0, 40, 30)]
-        self.write("data/limn/styles/Mine", style_bytes(lights, exposure=128, gloss=90, unit=140, bumpChannel=0))
+        self.write("data/limn/Lighting Styles/Mine", style_bytes(lights, exposure=128, gloss=90, unit=140, bumpChannel=0))
         self.write("mine.json", self.limn("style", "show", "Mine", "--json").stdout.encode())
         self.limn("style", "pack", "mine.json", "-o", "mine")
         support.write_pnm("in.ppm", support.smooth(30, 20))

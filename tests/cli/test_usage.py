@@ -23,6 +23,7 @@ class Usage(support.LimnTest):
         os.mkfifo("pipe.ppm")
         os.symlink("nowhere.ppm", "dangling.ppm")
         os.link("in.ppm", "twin.ppm")
+        self.limn("styles")  # the library is there from here on
         with open("long.style", "wb") as file:
             file.truncate(2**40)
 
@@ -71,6 +72,12 @@ class Usage(support.LimnTest):
             (["apply", "in.ppm", "-o", "dangling.ppm", "--force"], CANNOT_WRITE, "link to nothing"),
             (["apply", "in.ppm", "-o", "in.ppm/out.ppm"], CANNOT_WRITE, "in.ppm"),
             (["apply", "in.ppm", "-o", "/proc/out.ppm"], CANNOT_WRITE, "/proc/out.ppm: "),
+            (["preview", "in.ppm"], USAGE, "--output is required"),
+            (["preview", "in.ppm", "-o", "old.ppm"], CANNOT_WRITE, "old.ppm: exists already"),
+            (["preview", "in.ppm", "-o", "out.csv"], USAGE, "extension"),
+            (["preview", "absent.ppm", "-o", "out.ppm"], BAD_INPUT, "absent.ppm: no such file"),
+            (["preview", "in.ppm", "--area", "9,0,9,9", "-o", "out.ppm"], USAGE, "reaches outside"),
+            (["edit", "in.ppm"], USAGE, "--output is required"),
             (["channels", "absent.ppm"], BAD_INPUT, "no such file"),
             (["channels", "long.style"], BAD_INPUT, "is not a JPEG"),
             (["style"], USAGE, "required"),
@@ -120,7 +127,7 @@ class Usage(support.LimnTest):
 
     def test_help_and_version(self):
         self.assertRegex(self.limn("--version").stdout, r"^limn \d+\.\d+\.\d+\n$")
-        for arguments in [[], ["apply"], ["channels"], ["style"], ["style", "pack"]]:
+        for arguments in [[], ["apply"], ["edit"], ["preview"], ["channels"], ["styles"], ["style"], ["style", "pack"]]:
             lines = self.limn(*arguments, "--help").stdout.splitlines()
             self.assertIn("Usage: ", "".join(lines))
             self.assertLessEqual(max(map(len, lines)), 80)

@@ -1,0 +1,34 @@
+#include "edit_options.h"
+
+namespace limn {
+
+std::shared_ptr<EditOptions> AddEditOptions(CLI::App& command) {
+  auto options = std::make_shared<EditOptions>();
+  command.add_option("IMAGE", options->image, "The photograph to light")->required();
+  command
+      .add_option("-o,--output", options->output,
+                  "The file to write when OK is pressed, in the format\n"
+                  "of its extension, with libvips' save options in\n"
+                  "brackets (lit.jpg[Q=92])")
+      ->required()
+      ->type_name("FILE");
+  command.add_option("--area", options->area, "Light only this rectangle, in pixels")
+      ->type_name("X,Y,W,H");
+  command
+      .add_option("--mask", options->mask,
+                  "A grey image of the same size: light fully where it is\n"
+                  "white, not at all where it is black")
+      ->type_name("IMAGE");
+  command
+      .add_option("--channel", options->channels,
+                  "A grey image of the same size, as one more channel\n"
+                  "that relief can be taken from; may be repeated")
+      ->type_name("IMAGE")
+      ->allow_extra_args(false);
+  command.add_flag("-f,--force", options->force,
+                   "Replace an existing file, the input too if so named");
+  command.add_flag("-q,--quiet", options->quiet, "Print nothing but failures");
+  return options;
+}
+
+} // namespace limn

@@ -1,0 +1,25 @@
+// What limn edit is asked. Two programs read the same command line: limn, which knows mistakes and
+// help without loading the desktop's libraries, and limn-edit, which does the work.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace limn {
+
+struct EditOptions {
+  std::string image;
+  std::string output;
+  std::string area; // "X,Y,W,H", or empty
+  std::string mask;
+  std::vector<std::string> channels;
+  bool force = false;
+  bool quiet = false;
+};
+
+// Adds the arguments to a command. The options are filled by parsing.
+std::shared_ptr<EditOptions> AddEditOptions(CLI::App& command);
+
+} // namespace limn

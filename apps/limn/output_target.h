@@ -1,0 +1,20 @@
+// Where a result may be written.
+#pragma once
+
+#include "image_output.h"
+
+#include <string>
+
+namespace limn {
+
+// Fails (CannotWrite) when the output is there and may not be replaced, is the input itself, or is
+// nothing that can be written to.
+void CheckTarget(const std::string& input, const OutputName& output, Existing existing);
+
+// Makes the folder that `target` lies in, if need be. Throws Failure(CannotWrite).
+void MakeFolder(const std::string& target);
+
+// Marks this run's temporary files; see SetTemporaryToken.
+void UseRandomTemporaryToken();
+
+} // namespace limn

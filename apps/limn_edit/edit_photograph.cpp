@@ -1,0 +1,110 @@
+#include "edit_photograph.h"
+
+#include "run_window.h"
+
+#include "image_library.h"
+#include "lighting.h"
+#include "output_target.h"
+#include "report.h"
+
+#include <ToolboxDesktop.h>
+#include <algorithm>
+#include <future>
+#include <thread>
+
+namespace limn {
+namespace {
+
+// All that is read before the dialog opens.
+struct Sources {
+  Photograph photograph;
+  Surroundings surroundings;
+};
+
+void PrintNotices(const EditOptions& options, const std::string& file,
+                  const std::vector<std::string>& notices) {
+  for (const std::string& notice : options.quiet ? std::vector<std::string>() : notices)
+    PrintProblem(std::string(file).append(": ").append(notice));
+}
+
+GreyImage ReadGrey(const EditOptions& options, const std::string& file) {
+  std::vector<std::string> notices;
+  GreyImage grey = ReadGreyImage(file, notices);
+  PrintNotices(options, file, notices);
+  return grey;
+}
+
+Sources ReadSources(const EditOptions& options) {
+  Sources sources;
+  sources.surroundings.area = ParseArea(options.area);
+  if (!options.mask.empty())
+    sources.surroundings.mask = ReadGrey(options, options.mask);
+  for (const std::string& channel : options.channels)
+    sources.surroundings.channels.push_back(ReadGrey(options, channel));
+  sources.photograph = ReadPhotograph(options.image);
+  return sources;
+}
+
+// The functions of the contract have no argument for whom they work.
+RunWindow* runWindow = nullptr;
+
+int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, int32_t column,
+                   void*) {
+  runWindow->DialogShown();
+  return ShowPixelMap(map, source, row, column);
+}
+
+CVResult RunDialog(const CVPlugin& plugin, CVDocument& document, CVRect area, RunWindow& window) {
+  CVFilterSession session(plugin);
+  CVRunOptions options;
+  options.dialog = CVDialog::Yes;
+  options.services.showPixels = ShowPixels;
+  options.progress = [&](double share) { window.Show(share); };
+  options.cancelled = [&] { return window.IsCancelled(); };
+  runWindow = &window;
+  CVResult result = session.run(document, area, options);
+  runWindow = nullptr;
+  return result;
+}
+
+void WriteResult(const EditOptions& options, Photograph& photograph, const OutputName& output,
+                 Existing existing) {
+  const std::string target = ResolveTarget(output.path);
+  MakeFolder(target);
+  WritePhotograph(photograph, output, target, existing);
+  PrintNotices(options, options.image, photograph.notices);
+}
+
+QString Task(const char* what, const std::string& file) {
+  return QString::fromUtf8(what) + QString::fromStdString(Printable(file)) + QString::fromUtf8("…");
+}
+
+} // namespace
+
+ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
+  const Existing existing = options.force ? Existing::Replace : Existing::Keep;
+  const OutputName output = ParseOutputName(options.output);
+  CheckTarget(options.image, output, existing);
+  UseRandomTemporaryToken();
+  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+  CheckOutputFormat(output);
+  const CVPlugin plugin = LoadPlugin();
+  // The picture is decoded while the desktop starts.
+  std::future<Sources> reading = std::async(std::launch::async, ReadSources, std::cref(options));
+  const bool hasDesktop = TB_StartDesktop(argc, argv);
+  Sources sources = reading.get();
+  if (!hasDesktop)
+    throw Failure(ExitCode::Refused, "there is no display to show the dialog on");
+  CVDocument document = MakeDocument(sources.surroundings, sources.photograph, options.image);
+  const CVRect area = AreaOf(sources.surroundings, sources.photograph, options.image);
+  RunWindow window(Task("Lighting ", options.image));
+  const CVResult result = RunDialog(plugin, document, area, window);
+  if (result.outcome == CVOutcome::Cancelled)
+    return ExitCode::Cancelled;
+  CheckRun(result, options.image);
+  window.ShowWriting(Task("Writing ", output.path));
+  WriteResult(options, sources.photograph, output, existing);
+  return ExitCode::Done;
+}
+
+} // namespace limn
