@@ -1,0 +1,93 @@
+// The view of the image: zoom, pan, and the tools that work on it.
+#pragma once
+
+#include "Brush.h"
+#include "EditorDocument.h"
+#include "ImageLevels.h"
+
+#include <QAbstractScrollArea>
+
+namespace editor {
+
+enum class Tool { Hand, Rectangle, Brush };
+
+// Image coordinates have the image's top-left pixel between 0 and 1. The zoom is in screen pixels
+// (of the device) per image pixel.
+class Canvas : public QAbstractScrollArea {
+  Q_OBJECT
+
+public:
+  static constexpr double MIN_ZOOM = 1.0 / 64, MAX_ZOOM = 32.0;
+  static constexpr int MAX_BRUSH = 2000;
+
+  explicit Canvas(EditorDocument& document, QWidget* parent = nullptr);
+
+  Tool tool() const { return _tool; }
+  void setTool(Tool tool);
+  const Brush& brush() const { return _brush; }
+  void setBrushDiameter(int diameter);
+
+  double zoom() const { return _zoom; }
+  void zoomIn();
+  void zoomOut();
+  void zoomToFit();
+  // Keeps the image point below `anchor` (in the viewport) where it is.
+  void setZoom(double zoom, QPointF anchor);
+  void setZoom(double zoom) { setZoom(zoom, QRectF(viewport()->rect()).center()); }
+
+  // Shows the image as it was opened, without the selection.
+  void showOriginal(bool show);
+  bool showsOriginal() const { return _showsOriginal; }
+
+  QPointF toImage(QPointF viewportPoint) const;
+  QPointF toViewport(QPointF imagePoint) const;
+
+Q_SIGNALS:
+  void zoomChanged();
+  void brushChanged();
+
+protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void scrollContentsBy(int dx, int dy) override;
+
+private:
+  enum class Drag { None, Pan, Rectangle, Brush };
+
+  void _showImage();
+  void _updatePixels(const QRect& area);
+  double _scale() const; // viewport units per image pixel
+  QPointF _origin() const;
+  void _fitScrollBars();
+  void _stepZoom(double factor, QPointF anchor);
+  void _beginStroke(QPointF point, BrushInk ink);
+  void _stroke(QPointF point);
+  QRect _rectangleTo(QPointF imagePoint) const;
+  void _updateCursor();
+  void _paintImage(QPainter& painter) const;
+  void _paintMask(QPainter& painter, const QImage& mask) const;
+  void _paintArea(QPainter& painter, const QRect& area) const;
+  void _paintBrush(QPainter& painter) const;
+  void _paintHint(QPainter& painter) const;
+
+  EditorDocument& _document;
+  ImageLevels _picture, _original;
+  bool _showsOriginal = false;
+  Tool _tool = Tool::Hand;
+  Brush _brush;
+  double _zoom = 1.0;
+  bool _fits = true; // follows the window's size
+  Drag _drag = Drag::None;
+  QPointF _dragStart; // Pan: in the viewport; else in the image
+  QPoint _scrollStart;
+  QPointF _lastPoint; // of a stroke, in the image
+  QPointF _hover{-1, -1};
+  Selection _draft; // while a rectangle or a stroke is being drawn
+};
+
+} // namespace editor

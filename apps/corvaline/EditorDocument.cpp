@@ -1,0 +1,214 @@
+#include "EditorDocument.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace editor {
+namespace {
+
+CVRect ContractRect(const QRect& rect) {
+  return {static_cast<std::int16_t>(rect.y()), static_cast<std::int16_t>(rect.x()),
+          static_cast<std::int16_t>(rect.y() + rect.height()),
+          static_cast<std::int16_t>(rect.x() + rect.width())};
+}
+
+std::string ChannelName(const limn::GreyImage& channel) {
+  return QFileInfo(QFile::decodeName(channel.file.c_str())).completeBaseName().toStdString();
+}
+
+// The bytes of `area` of an image of `width` pixels a row, exchanged with or copied to `bytes`.
+template <typename Row>
+void ForRows(const QRect& area, int width, std::size_t pixelBytes, std::uint8_t* data, Row row) {
+  const std::size_t length = static_cast<std::size_t>(area.width()) * pixelBytes;
+  for (int y = 0; y < area.height(); ++y) {
+    const std::size_t first =
+        static_cast<std::size_t>(area.y() + y) * static_cast<std::size_t>(width) +
+        static_cast<std::size_t>(area.x());
+    row(data + first * pixelBytes, static_cast<std::size_t>(y) * length, length);
+  }
+}
+
+} // namespace
+
+std::size_t EditorDocument::Step::bytes() const {
+  auto sum = static_cast<std::size_t>(selection.mask.sizeInBytes());
+  for (const auto& plane : planes)
+    sum += plane.size();
+  return sum;
+}
+
+void EditorDocument::setImage(OpenedImage image) {
+  _image = std::move(image);
+  _channels.clear();
+  _selection = {};
+  _undo.clear();
+  _redo.clear();
+  _pixelState = _savedState = _lastState = 0;
+  Q_EMIT opened();
+  Q_EMIT selectionChanged();
+  Q_EMIT stateChanged();
+}
+
+QImage EditorDocument::colours(const QRect& area) const {
+  const limn::Photograph& photograph = _image.photograph;
+  QImage image(area.size(), QImage::Format_RGB32);
+  const auto planes = static_cast<std::size_t>(photograph.numPlanes);
+  for (int y = 0; y < image.height(); ++y) {
+    const std::size_t first =
+        static_cast<std::size_t>(area.y() + y) * static_cast<std::size_t>(photograph.width) +
+        static_cast<std::size_t>(area.x());
+    const std::uint8_t* from = photograph.pixels.data() + first * planes;
+    auto* into = reinterpret_cast<QRgb*>(image.scanLine(y));
+    for (int x = 0; x < image.width(); ++x, from += planes)
+      into[x] = qRgb(from[0], from[1], from[2]);
+  }
+  return image;
+}
+
+bool EditorDocument::addChannel(limn::GreyImage channel) {
+  if (QSize(channel.width, channel.height) != size())
+    return false;
+  _channels.push_back(std::move(channel));
+  Q_EMIT stateChanged();
+  return true;
+}
+
+QStringList EditorDocument::channelNames() const {
+  QStringList names;
+  // A document names its own channels; it needs no pixels for that.
+  CVDocument document;
+  if (!isEmpty() && document.create(1, 1, CV_MODE_RGB, _image.photograph.numPlanes).ok())
+    for (int channel = 0; channel < document.channelCount(); ++channel)
+      names << QString::fromStdString(document.channelName(channel));
+  for (const limn::GreyImage& channel : _channels)
+    names << QString::fromStdString(ChannelName(channel));
+  return names;
+}
+
+void EditorDocument::select(Selection selection) {
+  selection.area &= bounds();
+  if (selection == _selection || isEmpty())
+    return;
+  Step step = _stepBack({});
+  _selection = std::move(selection);
+  _record(std::move(step));
+  Q_EMIT selectionChanged();
+  Q_EMIT stateChanged();
+}
+
+QRect EditorDocument::filterArea() const {
+  return _selection.area.isEmpty() ? bounds() : _selection.area;
+}
+
+std::vector<EditorDocument::Buffer> EditorDocument::_buffers() {
+  std::vector<Buffer> buffers{
+      {_image.photograph.pixels.data(), static_cast<std::size_t>(_image.photograph.numPlanes)}};
+  for (limn::GreyImage& channel : _channels)
+    buffers.push_back({channel.pixels.data(), 1});
+  return buffers;
+}
+
+EditorDocument::Step EditorDocument::_stepBack(const QRect& pixelArea) {
+  Step step{pixelArea, {}, _pixelState, _selection};
+  if (pixelArea.isEmpty())
+    return step;
+  for (const Buffer& buffer : _buffers()) {
+    std::vector<std::uint8_t> plane(static_cast<std::size_t>(pixelArea.width()) *
+                                    static_cast<std::size_t>(pixelArea.height()) *
+                                    buffer.pixelBytes);
+    ForRows(pixelArea, size().width(), buffer.pixelBytes, buffer.data,
+            [&](std::uint8_t* row, std::size_t at, std::size_t length) {
+              std::copy_n(row, length, plane.data() + at);
+            });
+    step.planes.push_back(std::move(plane));
+  }
+  return step;
+}
+
+void EditorDocument::_record(Step step) {
+  _redo.clear();
+  _undo.push_back(std::move(step));
+  std::size_t total = 0;
+  for (const Step& kept : _undo)
+    total += kept.bytes();
+  while (_undo.size() > 1 && total > UNDO_BYTES) {
+    total -= _undo.front().bytes();
+    _undo.pop_front();
+  }
+}
+
+void EditorDocument::_exchange(Step& step) {
+  std::swap(step.selection, _selection);
+  std::swap(step.pixelState, _pixelState);
+  const std::vector<Buffer> buffers = _buffers();
+  // Channels that were added since the step are not in it.
+  for (std::size_t i = 0; i < std::min(buffers.size(), step.planes.size()); ++i)
+    ForRows(step.area, size().width(), buffers[i].pixelBytes, buffers[i].data,
+            [&](std::uint8_t* row, std::size_t at, std::size_t length) {
+              std::swap_ranges(row, row + length, step.planes[i].data() + at);
+            });
+}
+
+void EditorDocument::_move(std::deque<Step>& from, std::deque<Step>& to) {
+  if (from.empty())
+    return;
+  Step step = std::move(from.back());
+  from.pop_back();
+  const bool changesPixels = !step.area.isEmpty();
+  const QRect area = step.area;
+  _exchange(step);
+  to.push_back(std::move(step));
+  if (changesPixels)
+    Q_EMIT pixelsChanged(area);
+  Q_EMIT selectionChanged();
+  Q_EMIT stateChanged();
+}
+
+CVResult EditorDocument::_wrap(CVDocument& document, QImage& mask) {
+  limn::Photograph& photograph = _image.photograph;
+  const auto width = static_cast<std::size_t>(photograph.width);
+  CVResult result = document.wrap(
+      photograph.pixels.data(), width * static_cast<std::size_t>(photograph.numPlanes),
+      photograph.width, photograph.height, CV_MODE_RGB, photograph.numPlanes);
+  for (limn::GreyImage& channel : _channels)
+    if (result.ok())
+      result = document.wrapChannel(ChannelName(channel), channel.pixels.data(), width);
+  if (result.ok() && !mask.isNull())
+    result = document.wrapMask(mask.bits(), static_cast<std::size_t>(mask.bytesPerLine()));
+  return result;
+}
+
+CVResult EditorDocument::change(const std::function<CVResult(CVDocument&, CVRect)>& filter) {
+  const QRect area = filterArea();
+  CVResult result = CVGuarded("the filter's run", [&]() -> CVResult {
+    QImage mask = _selection.mask;
+    CVDocument document;
+    if (CVResult wrapped = _wrap(document, mask); !wrapped.ok())
+      return wrapped;
+    Step step = _stepBack(area);
+    CVResult filtered = filter(document, ContractRect(area));
+    if (filtered.ok()) {
+      _pixelState = ++_lastState;
+      _record(std::move(step));
+    }
+    return filtered;
+  });
+  if (result.ok()) {
+    Q_EMIT pixelsChanged(area);
+    Q_EMIT stateChanged();
+  }
+  return result;
+}
+
+void EditorDocument::noteSaved(const QString& path) {
+  _image.path = path;
+  _image.mayBeReplaced = true;
+  _savedState = _pixelState;
+  Q_EMIT stateChanged();
+}
+
+} // namespace editor

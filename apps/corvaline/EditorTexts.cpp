@@ -1,0 +1,51 @@
+#include "EditorTexts.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLibraryInfo>
+
+namespace editor {
+namespace {
+
+QString SystemLocale() {
+  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
+    if (const QString value = qEnvironmentVariable(variable); !value.isEmpty())
+      return value.section('.', 0, 0).section('@', 0, 0);
+  return "en";
+}
+
+QString Language(const QString& locale) {
+  return locale.section('_', 0, 0);
+}
+
+} // namespace
+
+EditorTexts::EditorTexts(const QString& locale) {
+  for (const QString& name : {locale, Language(locale)}) {
+    QFile file(":/texts/" + name + ".json");
+    if (!file.open(QIODevice::ReadOnly))
+      continue;
+    const QJsonObject table = QJsonDocument::fromJson(file.readAll()).object();
+    for (auto entry = table.begin(); entry != table.end(); ++entry)
+      _texts.insert(entry.key(), entry.value().toString());
+    return;
+  }
+}
+
+QString EditorTexts::translate(const char*, const char* source, const char*, int) const {
+  return _texts.value(QString::fromUtf8(source));
+}
+
+void UseSystemLanguage() {
+  const QString locale = SystemLocale();
+  auto* library = new QTranslator(QCoreApplication::instance());
+  if (library->load("qtbase_" + locale, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    QCoreApplication::installTranslator(library);
+  auto* own = new EditorTexts(locale);
+  own->setParent(QCoreApplication::instance());
+  QCoreApplication::installTranslator(own);
+}
+
+} // namespace editor

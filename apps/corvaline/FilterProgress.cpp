@@ -1,0 +1,60 @@
+#include "FilterProgress.h"
+
+#include <QApplication>
+
+namespace editor {
+namespace {
+
+constexpr int STEPS = 1000;
+// A shorter run is not worth a window; events are run this often, in milliseconds.
+constexpr int PATIENCE = 400;
+constexpr int PERIOD = 30;
+
+} // namespace
+
+FilterProgress::FilterProgress(QString title, QWidget* owner)
+    : _title(std::move(title)), _owner(owner) {
+  _sinceStart.start();
+  _sinceEvents.start();
+}
+
+void FilterProgress::show(double share) {
+  if (share <= 0.0)
+    _sinceStart.restart();
+  if (_window != nullptr)
+    _window->setValue(static_cast<int>(share * STEPS));
+  _runEvents();
+}
+
+bool FilterProgress::isCancelled() {
+  _runEvents();
+  return _window != nullptr && _window->wasCanceled();
+}
+
+void FilterProgress::yieldToDialog() {
+  _window.reset();
+  _sinceStart.restart();
+}
+
+void FilterProgress::_runEvents() {
+  if (_sinceEvents.elapsed() < PERIOD)
+    return;
+  const QWidget* modal = QApplication::activeModalWidget();
+  if (modal != nullptr && modal != _window.get())
+    return;
+  if (_window == nullptr && _sinceStart.elapsed() > PATIENCE) {
+    _window =
+        std::make_unique<QProgressDialog>(_title, QProgressDialog::tr("Cancel"), 0, STEPS, _owner);
+    _window->setWindowTitle(_title);
+    _window->setWindowModality(Qt::ApplicationModal);
+    _window->setMinimumDuration(0);
+    _window->setAutoReset(false);
+    _window->show();
+  }
+  // Until there is a window that blocks them, keys and clicks wait.
+  QApplication::processEvents(_window != nullptr ? QEventLoop::AllEvents
+                                                 : QEventLoop::ExcludeUserInputEvents);
+  _sinceEvents.restart();
+}
+
+} // namespace editor

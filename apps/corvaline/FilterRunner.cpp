@@ -1,0 +1,54 @@
+#include "FilterRunner.h"
+
+#include "FilterProgress.h"
+
+#include "ToolboxDesktop.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+namespace editor {
+namespace {
+
+// The functions of the contract have no argument for whom they work.
+FilterProgress* currentProgress = nullptr;
+
+std::int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, std::int32_t row,
+                        std::int32_t column, void*) {
+  if (currentProgress != nullptr)
+    currentProgress->yieldToDialog();
+  return ShowPixelMap(map, source, row, column);
+}
+
+constexpr const char* FILTER_FILE = "limn.so";
+
+} // namespace
+
+CVResult LoadFilter(CVPlugin& plugin) {
+  const QString named = qEnvironmentVariable("CORVALINE_PLUGINS");
+  const QString beside = QCoreApplication::applicationDirPath() + "/../lib";
+  QString folder = named;
+  if (folder.isEmpty())
+    folder = QFile::exists(beside + "/" + FILTER_FILE) ? beside : CORVALINE_PLUGIN_FOLDER;
+  return plugin.load(QFile::encodeName(QDir(folder).absoluteFilePath(FILTER_FILE)).toStdString());
+}
+
+CVResult FilterRunner::run(EditorDocument& document, CVDialog dialog, const QString& title,
+                           QWidget* owner) {
+  FilterProgress progress(title, owner);
+  CVRunOptions options;
+  options.dialog = dialog;
+  options.services.showPixels = ShowPixels;
+  options.progress = [&](double share) { progress.show(share); };
+  options.cancelled = [&] { return progress.isCancelled(); };
+  currentProgress = &progress;
+  _running = true;
+  const CVResult result = document.change(
+      [&](CVDocument& image, CVRect area) { return _session.run(image, area, options); });
+  _running = false;
+  currentProgress = nullptr;
+  return result;
+}
+
+} // namespace editor

@@ -1,0 +1,36 @@
+// The editor's filter: found in the plug-in folder, run on the image.
+#pragma once
+
+#include "EditorDocument.h"
+
+#include "CVFilterSession.h"
+
+#include <QString>
+#include <QWidget>
+
+namespace editor {
+
+// The filter from $CORVALINE_PLUGINS, the lib folder beside the program's own, or the one that was
+// installed. Otherwise than with Done `plugin` is not loaded.
+CVResult LoadFilter(CVPlugin& plugin);
+
+class FilterRunner {
+public:
+  explicit FilterRunner(CVPlugin plugin) : _session(std::move(plugin)) {}
+
+  bool isLoaded() const { return _session.plugin().isLoaded(); }
+  // A run has left parameters to repeat.
+  bool canRepeat() const { return isLoaded() && _session.hasParameters(); }
+
+  // Runs the filter as one step that can be undone. owner: the window to keep alive; it is blocked
+  // meanwhile. title: for the progress.
+  CVResult run(EditorDocument& document, CVDialog dialog, const QString& title, QWidget* owner);
+  CVResult about() { return _session.about(nullptr); }
+  bool isRunning() const { return _running; }
+
+private:
+  CVFilterSession _session;
+  bool _running = false;
+};
+
+} // namespace editor

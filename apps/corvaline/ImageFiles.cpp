@@ -1,0 +1,69 @@
+#include "ImageFiles.h"
+
+#include "atomic_file.h"
+#include "failure.h"
+#include "image_library.h"
+#include "image_output.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QThread>
+
+namespace editor {
+namespace {
+
+std::string Encoded(const QString& path) {
+  return QFile::encodeName(path).toStdString();
+}
+
+// Formats that lose something are written finely; their programs' own default is for the web.
+std::string SaveOptions(const QString& path) {
+  static const QStringList lossy = {"jpg", "jpeg", "jpe", "webp", "heic", "heif", "avif"};
+  return lossy.contains(QFileInfo(path).suffix().toLower()) ? "[Q=92]" : "";
+}
+
+} // namespace
+
+void StartImageFiles() {
+  limn::StartImageLibrary(QThread::idealThreadCount());
+  limn::SetTemporaryToken(QRandomGenerator::system()->generate64());
+}
+
+OpenedImage OpenImageFile(const QString& path) {
+  OpenedImage image{limn::ReadPhotograph(Encoded(path)), path, false};
+  image.mayBeReplaced = image.photograph.notices.empty() && IsWritable(path);
+  return image;
+}
+
+limn::GreyImage OpenChannelFile(const QString& path) {
+  std::vector<std::string> notices;
+  return limn::ReadGreyImage(Encoded(path), notices);
+}
+
+QStringList SaveImageFile(limn::Photograph& photograph, const QString& path) {
+  const limn::OutputName name{Encoded(path), SaveOptions(path)};
+  limn::CheckOutputFormat(name);
+  photograph.notices.clear();
+  limn::WritePhotograph(photograph, name, limn::ResolveTarget(name.path), limn::Existing::Replace);
+  QStringList notices;
+  for (const std::string& notice : photograph.notices)
+    notices << QString::fromStdString(notice);
+  return notices;
+}
+
+QString ReadablePatterns() {
+  return "*.jpg *.jpeg *.jpe *.png *.tif *.tiff *.webp *.heic *.heif *.avif *.jp2 *.gif *.ppm "
+         "*.pgm "
+         "*.pnm";
+}
+
+QString WritablePatterns() {
+  return "*.jpg *.jpeg *.png *.tif *.tiff *.webp *.heic *.avif *.jp2 *.gif *.ppm";
+}
+
+bool IsWritable(const QString& path) {
+  return limn::IsWritableName(Encoded(path));
+}
+
+} // namespace editor

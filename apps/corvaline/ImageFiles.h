@@ -1,0 +1,35 @@
+// Opening and saving images, in the words of the desktop.
+#pragma once
+
+#include "image_file.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace editor {
+
+// A photograph and where it came from. mayBeReplaced: writing it to `path` loses nothing that the
+// file held: its format can be written and reading it changed nothing.
+struct OpenedImage {
+  limn::Photograph photograph;
+  QString path;
+  bool mayBeReplaced = false;
+};
+
+// Starts libvips, once in the program, before the others are used. Throws limn::Failure.
+void StartImageFiles();
+
+// All of these throw limn::Failure, whose sentence names the file.
+OpenedImage OpenImageFile(const QString& path);
+limn::GreyImage OpenChannelFile(const QString& path);
+// Replaces what is at `path`, which keeps its old content until the new one is complete. Its
+// extension decides the format. Answers what the format could not hold, a sentence each.
+QStringList SaveImageFile(limn::Photograph& photograph, const QString& path);
+
+// For file dialogs: patterns of files that can be opened, and that can be written.
+QString ReadablePatterns();
+QString WritablePatterns();
+// Whether an image can be written under this name, going by its extension.
+bool IsWritable(const QString& path);
+
+} // namespace editor

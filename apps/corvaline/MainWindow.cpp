@@ -1,0 +1,154 @@
+#include "MainWindow.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QTimer>
+
+namespace editor {
+namespace {
+
+// Shows the original while it is held down.
+constexpr Qt::Key ORIGINAL_KEY = Qt::Key_O;
+
+bool IsPlain(const QKeyEvent& event) {
+  return event.key() == ORIGINAL_KEY && event.modifiers() == Qt::NoModifier;
+}
+
+} // namespace
+
+MainWindow::MainWindow(CVPlugin plugin)
+    : _filter(std::move(plugin)), _canvas(new Canvas(_document, this)) {
+  setAcceptDrops(true);
+  setCentralWidget(_canvas);
+  _makeFileMenu();
+  _makeEditMenu();
+  _makeViewMenu();
+  _makeFilterMenu();
+  _makeToolBar();
+  _makeStatusBar();
+  _useIcons();
+  connect(&_document, &EditorDocument::stateChanged, this, &MainWindow::_showState);
+  connect(_canvas, &Canvas::zoomChanged, this, &MainWindow::_showZoom);
+  _showState();
+  resize(1100, 760);
+  _canvas->setFocus();
+}
+
+void MainWindow::_showState() {
+  const bool hasImage = !_document.isEmpty();
+  const QString name = QFileInfo(_document.image().path).fileName();
+  setWindowTitle(hasImage ? name + "[*] – Corvaline" : QString("Corvaline"));
+  setWindowModified(_document.isModified());
+  for (QAction* action : std::as_const(_imageActions))
+    action->setEnabled(hasImage);
+  _undo->setEnabled(_document.canUndo());
+  _redo->setEnabled(_document.canRedo());
+  _lighting->setEnabled(hasImage && _filter.isLoaded());
+  _repeat->setEnabled(hasImage && _filter.canRepeat());
+  const QStringList channels = _document.channelNames();
+  _imageFacts->setText(hasImage ? tr("%1 × %2 pixels, %3 channels")
+                                      .arg(_document.size().width())
+                                      .arg(_document.size().height())
+                                      .arg(channels.size())
+                                : QString());
+  _imageFacts->setToolTip(channels.join("\n"));
+  _showZoom();
+}
+
+void MainWindow::_showZoom() {
+  _zoomFact->setText(_document.isEmpty()
+                         ? QString()
+                         : tr("%1 %").arg(locale().toString(_canvas->zoom() * 100, 'g', 3)));
+}
+
+bool MainWindow::runFilter(CVDialog dialog) {
+  if (_document.isEmpty() || _filter.isRunning() || !_filter.isLoaded())
+    return false;
+  const CVResult result = _filter.run(_document, dialog, tr("Lighting"), this);
+  _showState();
+  // Who cancelled knows, and who was told by the filter need not be told again.
+  if (!result.ok() && result.outcome != CVOutcome::Cancelled &&
+      result.outcome != CVOutcome::Stopped)
+    _complain(tr("The image could not be lit."), QString::fromStdString(result.message));
+  return result.ok();
+}
+
+void MainWindow::selectAll() {
+  _document.select({_document.bounds(), {}});
+}
+
+void MainWindow::deselect() {
+  _document.select({});
+}
+
+void MainWindow::_complain(const QString& what, const QString& why) {
+  QMessageBox box(QMessageBox::Warning, "Corvaline", what, QMessageBox::Ok, this);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(why);
+  box.exec();
+}
+
+bool MainWindow::_mayLose() {
+  if (!_document.isModified())
+    return true;
+  QMessageBox box(QMessageBox::Question, "Corvaline",
+                  tr("Save the changes to “%1”?").arg(QFileInfo(_document.image().path).fileName()),
+                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(tr("Without saving they are lost."));
+  box.setDefaultButton(QMessageBox::Save);
+  switch (box.exec()) {
+  case QMessageBox::Save:
+    return save();
+  case QMessageBox::Discard:
+    return true;
+  default:
+    return false;
+  }
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  event->setAccepted(!_filter.isRunning() && _mayLose());
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  const QList<QUrl> urls = event->mimeData()->urls();
+  if (!urls.isEmpty() && urls.first().isLocalFile())
+    event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QString path = event->mimeData()->urls().value(0).toLocalFile();
+  event->acceptProposedAction();
+  // The program that the picture comes from must not wait for our questions.
+  QTimer::singleShot(0, this, [this, path] { open(path); });
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+  if (IsPlain(*event) && !_document.isEmpty())
+    _original->setChecked(true);
+  else
+    QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::keyReleaseEvent(QKeyEvent* event) {
+  if (event->key() != ORIGINAL_KEY)
+    QMainWindow::keyReleaseEvent(event);
+  else if (!event->isAutoRepeat())
+    _original->setChecked(false);
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && _original != nullptr)
+    _useIcons();
+  // The key may be let go where it is not seen.
+  if (event->type() == QEvent::ActivationChange && _original != nullptr && !isActiveWindow())
+    _original->setChecked(false);
+}
+
+} // namespace editor

@@ -1,0 +1,83 @@
+// The editor's window: one image, its menus and its tool bar.
+#pragma once
+
+#include "Canvas.h"
+#include "EditorDocument.h"
+#include "FilterRunner.h"
+#include "RecentFiles.h"
+
+#include <QKeySequence>
+#include <QLabel>
+#include <QMainWindow>
+#include <QSpinBox>
+
+namespace editor {
+
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+
+public:
+  // plugin: the filter; when it is not loaded its menu entries are disabled.
+  explicit MainWindow(CVPlugin plugin);
+
+  // These tell the user what went wrong and answer whether it went well. Opening asks first what to
+  // do with unsaved changes.
+  bool open(const QString& path);
+  bool saveTo(const QString& path);
+  bool loadChannel(const QString& path);
+  // Lighting… with Yes, Repeat with No.
+  bool runFilter(CVDialog dialog);
+
+  EditorDocument& document() { return _document; }
+  Canvas& canvas() { return *_canvas; }
+
+public Q_SLOTS:
+  void chooseAndOpen();
+  void chooseAndLoadChannel();
+  bool save();
+  bool saveAs();
+  void selectAll();
+  void deselect();
+
+protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+private:
+  enum class Needs { Nothing, Image };
+
+  template <typename Slot>
+  QAction* _add(QMenu* menu, const QString& icon, const QString& text,
+                const QList<QKeySequence>& shortcuts, const QString& tip, Needs needs, Slot slot);
+  QAction* _addTool(QMenu* menu, const QString& icon, const QString& text, const char* key,
+                    const QString& tip, Tool tool);
+  void _makeFileMenu();
+  void _makeEditMenu();
+  void _makeViewMenu();
+  void _makeFilterMenu();
+  void _makeToolBar();
+  void _makeStatusBar();
+  void _showState();
+  void _showZoom();
+  void _useIcons();
+  bool _mayLose(); // asks about unsaved changes; true to go on
+  void _complain(const QString& what, const QString& why);
+  QString _folder() const;
+
+  EditorDocument _document;
+  FilterRunner _filter;
+  Canvas* _canvas;
+  RecentFiles* _recent = nullptr;
+  QList<QAction*> _imageActions; // those that need an image
+  QAction *_open = nullptr, *_save = nullptr, *_undo = nullptr, *_redo = nullptr;
+  QAction *_lighting = nullptr, *_repeat = nullptr, *_original = nullptr, *_fit = nullptr;
+  QList<QAction*> _tools;
+  QSpinBox* _brushSize = nullptr;
+  QLabel *_imageFacts = nullptr, *_zoomFact = nullptr;
+};
+
+} // namespace editor

@@ -1,0 +1,178 @@
+// The window's menus, tool bar and status bar.
+#include "MainWindow.h"
+
+#include "ThemeIcons.h"
+
+#include <QActionGroup>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolBar>
+
+namespace editor {
+namespace {
+
+constexpr int BRUSH_STEP_PERCENT = 20;
+
+using Keys = QList<QKeySequence>;
+
+int Larger(int diameter) {
+  return diameter + 1 + diameter * BRUSH_STEP_PERCENT / 100;
+}
+
+int Smaller(int diameter) {
+  return diameter - 1 - diameter * BRUSH_STEP_PERCENT / 120;
+}
+
+} // namespace
+
+template <typename Slot>
+QAction* MainWindow::_add(QMenu* menu, const QString& icon, const QString& text,
+                          const QList<QKeySequence>& shortcuts, const QString& tip, Needs needs,
+                          Slot slot) {
+  QAction* action = menu->addAction(text);
+  action->setObjectName(icon);
+  action->setShortcuts(shortcuts);
+  action->setStatusTip(tip);
+  const QString keys = shortcuts.isEmpty()
+                           ? QString()
+                           : " (" + shortcuts.first().toString(QKeySequence::NativeText) + ")";
+  action->setToolTip(tip + keys);
+  connect(action, &QAction::triggered, this, slot);
+  if (needs == Needs::Image)
+    _imageActions << action;
+  return action;
+}
+
+void MainWindow::_makeFileMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&File"));
+  _open = _add(menu, "open", tr("&Open…"), {QKeySequence::Open}, tr("Open an image"),
+               Needs::Nothing, &MainWindow::chooseAndOpen);
+  _recent = new RecentFiles(tr("Open &Recent"), menu);
+  menu->addMenu(_recent);
+  connect(_recent, &RecentFiles::chosen, this, &MainWindow::open, Qt::QueuedConnection);
+  menu->addSeparator();
+  _save =
+      _add(menu, "save", tr("&Save"), {QKeySequence::Save},
+           tr("Save the image with what its file says about it"), Needs::Image, &MainWindow::save);
+  _add(menu, "", tr("Save &As…"), {QKeySequence("Ctrl+Shift+S")},
+       tr("Save the image under another name or in another format"), Needs::Image,
+       &MainWindow::saveAs);
+  menu->addSeparator();
+  _add(menu, "", tr("&Quit"), {QKeySequence("Ctrl+Q")}, tr("Close the editor"), Needs::Nothing,
+       &MainWindow::close);
+}
+
+void MainWindow::_makeEditMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Edit"));
+  _undo = _add(menu, "undo", tr("&Undo"), QKeySequence::keyBindings(QKeySequence::Undo),
+               tr("Take the last change back"), Needs::Nothing, [this] { _document.undo(); });
+  _redo = _add(menu, "redo", tr("&Redo"), {QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")},
+               tr("Make the change again that was taken back"), Needs::Nothing,
+               [this] { _document.redo(); });
+  menu->addSeparator();
+  _add(menu, "", tr("Select &All"), {QKeySequence::SelectAll}, tr("Select the whole image"),
+       Needs::Image, &MainWindow::selectAll);
+  _add(menu, "", tr("&Deselect"), {QKeySequence("Ctrl+D")},
+       tr("Remove the rectangle and the painted mask"), Needs::Image, &MainWindow::deselect);
+  menu->addSeparator();
+  _add(menu, "", tr("Load &Channel…"), {QKeySequence("Ctrl+Shift+C")},
+       tr("Load a grey image as a further channel, such as the heights of a relief"), Needs::Image,
+       &MainWindow::chooseAndLoadChannel);
+  menu->addSeparator();
+  auto* group = new QActionGroup(this);
+  for (QAction* action :
+       {_addTool(menu, "hand", tr("&Hand"), "H", tr("Move the view by dragging"), Tool::Hand),
+        _addTool(menu, "rectangle", tr("&Rectangle"), "M",
+                 tr("Select a rectangle; a click removes it"), Tool::Rectangle),
+        _addTool(menu, "brush", tr("&Brush"), "B",
+                 tr("Paint what is selected; with Alt or Ctrl take away"), Tool::Brush)})
+    group->addAction(action);
+  _tools.first()->setChecked(true);
+  _add(menu, "", tr("&Larger Brush"), {QKeySequence("]"), QKeySequence(".")},
+       tr("Make the brush larger"), Needs::Image,
+       [this] { _canvas->setBrushDiameter(Larger(_canvas->brush().diameter)); });
+  _add(menu, "", tr("S&maller Brush"), {QKeySequence("["), QKeySequence(",")},
+       tr("Make the brush smaller"), Needs::Image,
+       [this] { _canvas->setBrushDiameter(Smaller(_canvas->brush().diameter)); });
+}
+
+QAction* MainWindow::_addTool(QMenu* menu, const QString& icon, const QString& text,
+                              const char* key, const QString& tip, Tool tool) {
+  QAction* action = _add(menu, icon, text, {QKeySequence(key)}, tip, Needs::Image,
+                         [this, tool] { _canvas->setTool(tool); });
+  action->setCheckable(true);
+  _tools << action;
+  return action;
+}
+
+void MainWindow::_makeViewMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&View"));
+  _add(menu, "", tr("Zoom &In"), {QKeySequence("Ctrl++"), QKeySequence("Ctrl+=")},
+       tr("Show the image larger"), Needs::Image, [this] { _canvas->zoomIn(); });
+  _add(menu, "", tr("Zoom &Out"), {QKeySequence("Ctrl+-")}, tr("Show the image smaller"),
+       Needs::Image, [this] { _canvas->zoomOut(); });
+  _fit = _add(menu, "fit", tr("&Fit to Window"), {QKeySequence("Ctrl+0")},
+              tr("Show the whole image"), Needs::Image, [this] { _canvas->zoomToFit(); });
+  _add(menu, "", tr("&Actual Size"), {QKeySequence("Ctrl+1")},
+       tr("Show each pixel of the image as one of the screen"), Needs::Image,
+       [this] { _canvas->setZoom(1.0); });
+  menu->addSeparator();
+  // The key works while it is held, so it is no shortcut; the menu shows it as one.
+  _original =
+      _add(menu, "original", tr("&Before") + "\tO", {},
+           tr("Show the image as it was opened; hold O for a short look"), Needs::Image, [] {});
+  _original->setCheckable(true);
+  connect(_original, &QAction::toggled, _canvas, &Canvas::showOriginal);
+}
+
+void MainWindow::_makeFilterMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("Fi&lter"));
+  _repeat = _add(menu, "repeat", tr("&Repeat"), {QKeySequence("Ctrl+F")},
+                 tr("Light the image again with the same settings"), Needs::Nothing,
+                 [this] { runFilter(CVDialog::No); });
+  menu->addSeparator();
+  _lighting =
+      _add(menu, "lighting", tr("&Lighting…"), {QKeySequence("Ctrl+L")},
+           tr("Put lights on the image"), Needs::Nothing, [this] { runFilter(CVDialog::Yes); });
+}
+
+void MainWindow::_makeToolBar() {
+  QToolBar* bar = addToolBar(tr("Tools"));
+  bar->setMovable(false);
+  bar->setContextMenuPolicy(Qt::PreventContextMenu);
+  bar->setIconSize({24, 24});
+  bar->addActions({_open, _save});
+  bar->addSeparator();
+  bar->addActions({_undo, _redo});
+  bar->addSeparator();
+  bar->addActions(_tools);
+  _brushSize = new QSpinBox(bar);
+  _brushSize->setRange(1, Canvas::MAX_BRUSH);
+  _brushSize->setValue(_canvas->brush().diameter);
+  _brushSize->setSuffix(tr(" px"));
+  _brushSize->setToolTip(tr("Diameter of the brush ([ and ])"));
+  _brushSize->setAccessibleName(tr("Diameter of the brush"));
+  bar->addWidget(_brushSize);
+  connect(_brushSize, &QSpinBox::valueChanged, _canvas, &Canvas::setBrushDiameter);
+  connect(_canvas, &Canvas::brushChanged, this,
+          [this] { _brushSize->setValue(_canvas->brush().diameter); });
+  bar->addSeparator();
+  bar->addActions({_fit, _original});
+  bar->addSeparator();
+  bar->addActions({_lighting, _repeat});
+}
+
+void MainWindow::_makeStatusBar() {
+  _imageFacts = new QLabel(this);
+  _zoomFact = new QLabel(this);
+  statusBar()->addPermanentWidget(_imageFacts);
+  statusBar()->addPermanentWidget(_zoomFact);
+}
+
+void MainWindow::_useIcons() {
+  for (QAction* action : findChildren<QAction*>())
+    if (!action->objectName().isEmpty())
+      action->setIcon(ThemeIcon(action->objectName(), palette()));
+}
+
+} // namespace editor

@@ -1,0 +1,159 @@
+// Opening and saving from the window.
+#include "MainWindow.h"
+
+#include "failure.h"
+
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QStandardPaths>
+#include <QStatusBar>
+
+#include <new>
+
+namespace editor {
+namespace {
+
+constexpr int NOTICE_MILLISECONDS = 8000;
+
+// Waits for something short with the pointer saying so.
+class Busy {
+public:
+  Busy() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~Busy() { QGuiApplication::restoreOverrideCursor(); }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+};
+
+// The sentence of what `work` failed with; empty when it did not.
+template <typename Work> QString Problem(Work work) {
+  try {
+    const Busy busy;
+    work();
+    return {};
+  } catch (const limn::Failure& failure) {
+    return QString::fromStdString(failure.what());
+  } catch (const std::bad_alloc&) {
+    return MainWindow::tr("There is not enough memory.");
+  }
+}
+
+QString Joined(const std::vector<std::string>& notices) {
+  QStringList list;
+  for (const std::string& notice : notices)
+    list << QString::fromStdString(notice);
+  return list.join("; ");
+}
+
+} // namespace
+
+QString MainWindow::_folder() const {
+  if (!_document.isEmpty())
+    return QFileInfo(_document.image().path).absolutePath();
+  const QStringList recent = RecentFiles::files();
+  return recent.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
+                          : QFileInfo(recent.first()).absolutePath();
+}
+
+bool MainWindow::open(const QString& path) {
+  if (_filter.isRunning() || !_mayLose())
+    return false;
+  const QString problem = Problem([&] {
+    OpenedImage image = OpenImageFile(path);
+    _document.setImage(std::move(image));
+  });
+  if (!problem.isEmpty()) {
+    _recent->remove(path);
+    _complain(tr("The image could not be opened."), problem);
+    return false;
+  }
+  _recent->add(path);
+  const QString notices = Joined(_document.image().photograph.notices);
+  if (!notices.isEmpty())
+    statusBar()->showMessage(QFileInfo(path).fileName() + ": " + notices, NOTICE_MILLISECONDS);
+  return true;
+}
+
+bool MainWindow::saveTo(const QString& path) {
+  if (_document.isEmpty())
+    return false;
+  QStringList notices;
+  const QString problem =
+      IsWritable(path)
+          ? Problem([&] { notices = SaveImageFile(_document.photograph(), path); })
+          : tr("%1: choose a name that ends in .jpg, .png, .tif or another known format").arg(path);
+  if (!problem.isEmpty()) {
+    _complain(tr("The image could not be saved."), problem);
+    return false;
+  }
+  _document.noteSaved(path);
+  _recent->add(path);
+  notices.prepend(tr("Saved %1").arg(QFileInfo(path).fileName()));
+  statusBar()->showMessage(notices.join("; "), NOTICE_MILLISECONDS);
+  return true;
+}
+
+bool MainWindow::loadChannel(const QString& path) {
+  if (_document.isEmpty())
+    return false;
+  QString problem = Problem([&] {
+    limn::GreyImage channel = OpenChannelFile(path);
+    const QSize size(channel.width, channel.height);
+    if (!_document.addChannel(std::move(channel)))
+      throw limn::Failure(limn::ExitCode::BadInput,
+                          tr("%1: is %2 × %3 pixels, and the image is %4 × %5")
+                              .arg(path)
+                              .arg(size.width())
+                              .arg(size.height())
+                              .arg(_document.size().width())
+                              .arg(_document.size().height())
+                              .toStdString());
+  });
+  if (!problem.isEmpty())
+    _complain(tr("The channel could not be loaded."), problem);
+  else
+    statusBar()->showMessage(tr("Channel %1 is now “%2”")
+                                 .arg(_document.channelNames().size())
+                                 .arg(_document.channelNames().last()),
+                             NOTICE_MILLISECONDS);
+  return problem.isEmpty();
+}
+
+static QString imageFilter() {
+  return MainWindow::tr("Images") + " (" + ReadablePatterns() + ");;" +
+         MainWindow::tr("All files") + " (*)";
+}
+
+void MainWindow::chooseAndOpen() {
+  const QString path =
+      QFileDialog::getOpenFileName(this, tr("Open an image"), _folder(), imageFilter());
+  if (!path.isEmpty())
+    open(path);
+}
+
+void MainWindow::chooseAndLoadChannel() {
+  const QString path =
+      QFileDialog::getOpenFileName(this, tr("Load a grey image"), _folder(), imageFilter());
+  if (!path.isEmpty())
+    loadChannel(path);
+}
+
+bool MainWindow::save() {
+  if (!_document.isEmpty() && !_document.image().mayBeReplaced)
+    return saveAs();
+  return saveTo(_document.image().path);
+}
+
+bool MainWindow::saveAs() {
+  if (_document.isEmpty())
+    return false;
+  const QFileInfo old(_document.image().path);
+  const QString suffix = IsWritable(old.filePath()) ? old.suffix() : "png";
+  QFileDialog dialog(this, tr("Save the image as"), _folder(),
+                     tr("Images") + " (" + WritablePatterns() + ")");
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix(suffix);
+  dialog.selectFile(old.completeBaseName() + "." + suffix);
+  return dialog.exec() == QDialog::Accepted && saveTo(dialog.selectedFiles().value(0));
+}
+
+} // namespace editor

@@ -1,0 +1,80 @@
+#include "EditorRun.h"
+
+#include "ToolboxScript.h"
+
+#include "Events.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QTest>
+#include <QTimer>
+
+EditorRun::EditorRun() {
+  CVPlugin plugin;
+  const CVResult loaded = editor::LoadFilter(plugin);
+  EXPECT_TRUE(loaded.ok()) << loaded.message;
+  window = std::make_unique<editor::MainWindow>(plugin);
+  window->resize(500, 400);
+  window->show();
+}
+
+QString EditorRun::makePicture(const QString& name, int planes) const {
+  std::vector<uint8_t> bytes;
+  for (int y = 0; y < HEIGHT; ++y)
+    for (int x = 0; x < WIDTH; ++x)
+      for (int plane = 0; plane < planes; ++plane)
+        bytes.push_back(plane == 3 ? 255 : static_cast<uint8_t>(60 + x + y / 2 + plane * 17));
+  const auto tags = vips::VImage::option()
+                        ->set("interpretation", VIPS_INTERPRETATION_sRGB)
+                        ->set("xres", 11.811)
+                        ->set("yres", 11.811);
+  vips::VImage image = vips::VImage::new_from_memory(bytes.data(), bytes.size(), WIDTH, HEIGHT,
+                                                     planes, VIPS_FORMAT_UCHAR)
+                           .copy(tags);
+  image.set("exif-ifd0-Artist", "Ada (Ada, ASCII, 4 components, 4 bytes)");
+  image.write_to_file(pathTo(name).toLocal8Bit().constData());
+  return pathTo(name);
+}
+
+void EditorRun::open(const QString& path) {
+  ASSERT_TRUE(window->open(path));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  QApplication::processEvents();
+}
+
+bool EditorRun::lightWithDialog() {
+  ToolboxScript script;
+  script.Wait(50).KeyPress(kReturnKeyCode);
+  // The script's keys go to the window in front, so it starts when the dialog is there.
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+    if (QApplication::activeModalWidget() == nullptr)
+      return;
+    poll.stop();
+    script.Start();
+  });
+  poll.start(10);
+  return window->runFilter(CVDialog::Yes);
+}
+
+void EditorRun::answerNext(QMessageBox::StandardButton button) {
+  QTimer::singleShot(0, window.get(), [this, button] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    ++questions;
+    ASSERT_NE(box->button(button), nullptr);
+    box->button(button)->click();
+  });
+}
+
+QAction* EditorRun::action(const QString& text) const {
+  for (QAction* found : window->findChildren<QAction*>())
+    if (found->text().remove('&').section('\t', 0, 0) == text)
+      return found;
+  ADD_FAILURE() << "no entry " << text.toStdString();
+  return nullptr;
+}
+
+QPoint EditorRun::at(int x, int y) const {
+  return window->canvas().toViewport(QPointF(x + 0.5, y + 0.5)).toPoint();
+}

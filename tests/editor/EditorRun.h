@@ -1,0 +1,38 @@
+// A window of the editor on a small picture, with a folder of its own.
+#pragma once
+
+#include "MainWindow.h"
+
+#include <QAbstractButton>
+#include <QMessageBox>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+class EditorRun : public testing::Test {
+protected:
+  static constexpr int WIDTH = 90, HEIGHT = 60;
+
+  EditorRun();
+
+  QString pathTo(const QString& name) const { return _folder.filePath(name); }
+  // Writes a picture of WIDTH × HEIGHT with an artist and a resolution.
+  QString makePicture(const QString& name, int planes = 3) const;
+  // Opens a window with the picture and waits until it is laid out.
+  void open(const QString& path);
+  // Runs the filter through its real dialog, which gets Return.
+  bool lightWithDialog();
+
+  // The button that the next question gets; it must be asked before the check ends.
+  void answerNext(QMessageBox::StandardButton button);
+  int questions = 0; // asked so far
+
+  const std::vector<uint8_t>& pixels() { return window->document().photograph().pixels; }
+  QAction* action(const QString& text) const;
+  QPoint at(int x, int y) const; // of the image, in the viewport
+
+  std::unique_ptr<editor::MainWindow> window;
+
+private:
+  QTemporaryDir _folder;
+};

@@ -1,0 +1,160 @@
+// Opening, saving, and what happens to changes that were not saved.
+#include "EditorRun.h"
+
+#include <QDir>
+#include <QDropEvent>
+#include <QFile>
+#include <QMimeData>
+#include <QTest>
+
+namespace {
+
+QByteArray Content(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+struct Metadata {
+  std::string artist;
+  double resolution = 0;
+};
+
+Metadata MetadataOf(const QString& path) {
+  limn::Photograph photograph = editor::OpenImageFile(path).photograph;
+  Metadata found{"", photograph.metadata.xres()};
+  if (photograph.metadata.get_typeof("exif-ifd0-Artist") != 0)
+    found.artist = photograph.metadata.get_string("exif-ifd0-Artist");
+  return found;
+}
+
+} // namespace
+
+TEST_F(EditorRun, SavingKeepsPixelsAndMetadata) {
+  for (const char* name : {"copy.png", "copy.jpg", "copy.webp"}) {
+    SCOPED_TRACE(name);
+    open(makePicture("picture.jpg"));
+    const std::vector<uint8_t> before = pixels();
+    const Metadata metadata = MetadataOf(pathTo("picture.jpg"));
+    ASSERT_NE(metadata.artist.find("Ada"), std::string::npos);
+    ASSERT_TRUE(window->saveTo(pathTo(name)));
+    EXPECT_EQ(window->document().image().path, pathTo(name));
+    const Metadata kept = MetadataOf(pathTo(name));
+    EXPECT_EQ(kept.artist, metadata.artist);
+    EXPECT_NEAR(kept.resolution, metadata.resolution, 0.05);
+    if (QString(name).endsWith(".png")) {
+      EXPECT_EQ(editor::OpenImageFile(pathTo(name)).photograph.pixels, before);
+    }
+  }
+}
+
+TEST_F(EditorRun, FilesThatLoseSomethingAreNotReplacedUnasked) {
+  EXPECT_TRUE(editor::OpenImageFile(makePicture("plain.png")).mayBeReplaced);
+  EXPECT_TRUE(editor::OpenImageFile(makePicture("alpha.png", 4)).mayBeReplaced);
+  QFile pixmap(pathTo("deep.ppm"));
+  ASSERT_TRUE(pixmap.open(QIODevice::WriteOnly));
+  pixmap.write("P6 1 1 65535\n\1\2\3\4\5\6");
+  pixmap.close();
+  EXPECT_FALSE(editor::OpenImageFile(pathTo("deep.ppm")).mayBeReplaced);
+}
+
+TEST_F(EditorRun, WhatCannotBeOpenedOrSavedLeavesTheImage) {
+  const QString picture = makePicture("picture.png");
+  open(picture);
+  const std::vector<uint8_t> before = pixels();
+  QFile broken(pathTo("broken.png"));
+  ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+  broken.write(Content(picture).left(200));
+  broken.close();
+  for (const QString& path : {pathTo("missing.png"), pathTo("broken.png"), pathTo("")}) {
+    SCOPED_TRACE(path.toStdString());
+    answerNext(QMessageBox::Ok);
+    EXPECT_FALSE(window->open(path));
+    answerNext(QMessageBox::Ok);
+    EXPECT_FALSE(window->loadChannel(path));
+  }
+  for (const QString& path : {pathTo("no/such/folder.png"), pathTo("name.txt"), pathTo("name")}) {
+    SCOPED_TRACE(path.toStdString());
+    answerNext(QMessageBox::Ok);
+    EXPECT_FALSE(window->saveTo(path));
+  }
+  EXPECT_EQ(questions, 9);
+  EXPECT_EQ(pixels(), before);
+  EXPECT_EQ(window->document().image().path, picture);
+  EXPECT_FALSE(editor::RecentFiles::files().contains(pathTo("broken.png")));
+  EXPECT_EQ(editor::RecentFiles::files().first(), picture);
+}
+
+TEST_F(EditorRun, ChangesAreNotLostWithoutAQuestion) {
+  const QString picture = makePicture("picture.png");
+  const QString other = makePicture("other.png");
+  open(picture);
+  const QByteArray original = Content(picture);
+  window->document().select({QRect(0, 0, 10, 10), {}});
+  EXPECT_TRUE(window->close()) << "a selection is no change of the image";
+  EXPECT_EQ(questions, 0);
+  window->show();
+
+  ASSERT_TRUE(lightWithDialog());
+  EXPECT_TRUE(window->isWindowModified());
+  answerNext(QMessageBox::Cancel);
+  EXPECT_FALSE(window->close());
+  answerNext(QMessageBox::Cancel);
+  EXPECT_FALSE(window->open(other));
+  EXPECT_EQ(window->document().image().path, picture);
+  EXPECT_EQ(Content(picture), original);
+  answerNext(QMessageBox::Save);
+  EXPECT_TRUE(window->open(other));
+  EXPECT_NE(Content(picture), original);
+  EXPECT_EQ(window->document().image().path, other);
+  EXPECT_EQ(questions, 3);
+
+  ASSERT_TRUE(window->runFilter(CVDialog::No));
+  const QByteArray untouched = Content(other);
+  answerNext(QMessageBox::Discard);
+  EXPECT_TRUE(window->close());
+  EXPECT_EQ(Content(other), untouched);
+  EXPECT_EQ(questions, 4);
+}
+
+TEST_F(EditorRun, APictureCanBeDropped) {
+  const QString picture = makePicture("picture.png");
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(picture)});
+  QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(window.get(), &enter);
+  ASSERT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(window.get(), &drop);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window->document().image().path, picture);
+}
+
+TEST_F(EditorRun, RecentFilesAreFewAndWithoutRepetition) {
+  for (int round = 0; round < 2; ++round)
+    for (int i = 0; i < editor::RecentFiles::MOST + 2; ++i)
+      open(makePicture(QString("%1.png").arg(i)));
+  QStringList expected;
+  for (int i = editor::RecentFiles::MOST + 1; i >= 2; --i)
+    expected << pathTo(QString("%1.png").arg(i));
+  EXPECT_EQ(editor::RecentFiles::files(), expected);
+}
+
+TEST_F(EditorRun, ChannelsMustFitTheImage) {
+  open(makePicture("picture.png"));
+  QFile heights(pathTo("heights.pgm"));
+  ASSERT_TRUE(heights.open(QIODevice::WriteOnly));
+  heights.write("P5 90 60 255\n" + QByteArray(WIDTH * HEIGHT, 'a'));
+  heights.close();
+  ASSERT_TRUE(window->loadChannel(pathTo("heights.pgm")));
+  EXPECT_EQ(window->document().channelNames(), QStringList({"Red", "Green", "Blue", "heights"}));
+  EXPECT_FALSE(window->document().isModified());
+
+  QFile small(pathTo("small.pgm"));
+  ASSERT_TRUE(small.open(QIODevice::WriteOnly));
+  small.write("P5 1 1 255\na");
+  small.close();
+  answerNext(QMessageBox::Ok);
+  EXPECT_FALSE(window->loadChannel(pathTo("small.pgm")));
+  EXPECT_EQ(questions, 1);
+  EXPECT_EQ(window->document().channelNames().size(), 4);
+}
