@@ -1,8 +1,8 @@
 // The bytes of style files, read and written through the codec and through the streams.
 #include "LM_globals.h"
 #include "LM_mac_stream.h"
-#include "LM_preview_geometry.h"
 #include "LM_memory.h"
+#include "LM_preview_geometry.h"
 #include "LM_style_settings.h"
 #include "LimnResources.h"
 #include "MacResources.h"
