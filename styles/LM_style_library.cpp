@@ -1,6 +1,5 @@
 #include "LM_style_library.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <pwd.h>

@@ -79,8 +79,9 @@ LM_bool TrackSlider(DialogPtr dialog, Point point, bool& tracked) {
   if (!tracked)
     return 0;
   const int16_t before = GetControlValue(control);
-  // The slider's own action, as the control has it.
-  TrackControl(control, point, reinterpret_cast<ControlActionProcPtr>(intptr_t{-1}));
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): -1 stands for the control's own action
+  const auto action = reinterpret_cast<ControlActionProcPtr>(intptr_t{-1});
+  TrackControl(control, point, action);
   return GetControlValue(control) != before ? 1 : 0;
 }
 

@@ -61,6 +61,7 @@ LM_globals* LM_GlobalsOfDialog(DialogPtr dialog) {
   AuxWinHandle record = nullptr;
   if (dialog == nullptr || GetAuxWin(dialog, &record) == 0)
     return nullptr;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the reference field is an integer by contract
   return reinterpret_cast<LM_globals*>((*record)->awRefCon);
 }
 

@@ -11,6 +11,7 @@ constexpr int16_t SMALL_FONT_ITEMS[] = {LM_LIGHT_TYPE_ITEM,    LM_BUMP_CHANNEL_I
                                         LM_WHITE_IS_HIGH_ITEM, LM_PREVIEW_ON_ITEM};
 
 Handle SavedDefinition(AuxCtlHandle record) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the reference field is an integer by contract
   return reinterpret_cast<Handle>((*record)->acRefCon);
 }
 
