@@ -1,0 +1,190 @@
+"""limn edit from outside: real windows, a mouse and a keyboard."""
+
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+from screen import Screen, wait_for
+
+LIMN = os.environ["LIMN"]
+PROJECT = os.environ["PROJECT"]
+PHOTOGRAPH = f"{PROJECT}/resources/photos/still-life.jpg"
+HEIGHTS = f"{PROJECT}/resources/photos/still-life-height.png"
+STYLE = "A light by hand"  # right behind the default style
+OK, CANCEL, SAVE, WORK_AREA, LIGHT_TYPE, RELIEF, GLOSS, STYLES, WELL, BIN = 1, 2, 4, 6, 11, 12, 13, 20, 21, 22
+
+with open(f"{PROJECT}/resources/en/dialogs.json") as file:
+    ITEMS = {item["number"]: item for item in json.load(file)["DLOG"]["16000"]["items"]}
+
+
+def middle(item):
+    left, top, width, height = ITEMS[item]["box"]
+    return left + width // 2, top + height // 2
+
+
+class Edit(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="edit-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        os.environ["XDG_DATA_HOME"] = os.path.join(self.folder, "data")
+        self.screen = Screen()
+        self.addCleanup(self.screen.close)
+        self.process = None
+        self.addCleanup(self.finish_process)
+        self.origin = (0, 0)
+
+    def finish_process(self):
+        if self.process is not None:
+            if self.process.poll() is None:
+                self.screen.save_picture(f"{tempfile.gettempdir()}/desktop-edit-failure.ppm")
+                self.process.kill()
+            self.process.communicate()
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def start(self, *command):
+        self.process = subprocess.Popen(list(command), env=self.screen.environment(), stdout=subprocess.PIPE,
+                                        stderr=subprocess.PIPE, text=True)
+        self.open_dialog()
+
+    def open_dialog(self):
+        self.origin = self.screen.window("Lighting")
+
+    def end(self, code, says=""):
+        told, problems = self.process.communicate(timeout=60)
+        self.assertEqual((self.process.returncode, says in problems), (code, True), problems)
+        return told
+
+    def limn(self, *arguments):
+        answer = subprocess.run([LIMN, *arguments], capture_output=True, text=True, timeout=60)
+        self.assertEqual(answer.returncode, 0, answer.stderr)
+        return answer.stdout
+
+    def style(self, name):
+        return json.loads(self.limn("style", "show", name, "--json"))
+
+    # Places are in the dialog.
+
+    def at(self, place):
+        return [self.origin[0] + place[0], self.origin[1] + place[1]]
+
+    def move_words(self, place):
+        return ["mousemove", *self.at(place)]
+
+    def press_item(self, item):
+        self.screen.xdotool(*self.move_words(middle(item)), "click", 1)
+
+    def drag(self, what, start, end):
+        between = ((start[0] + end[0]) // 2, (start[1] + end[1]) // 2)
+        self.screen.changes(f"pressing {what}", *self.move_words(start), "mousedown", 1, *self.move_words(between))
+        self.screen.xdotool(*self.move_words(end))
+        self.screen.settle()
+        self.screen.xdotool("mouseup", 1)
+        self.screen.settle()
+
+    def choose(self, item, *keys):
+        """Opens a popup, walks through it, and takes what is reached."""
+        self.screen.changes(f"popup {item}", *self.move_words(middle(item)), "click", 1)
+        for key in keys:
+            self.screen.changes(f"{key} in popup {item}", "key", key)
+        self.screen.changes(f"choosing in popup {item}", "key", "Return")
+
+    @staticmethod
+    def body(light):
+        """Where a light is in the dialog: the frame's middle is the origin of lights."""
+        x, y = middle(WORK_AREA)
+        return x + light["center"][0], y + light["center"][1]
+
+    def save_style(self, name):
+        self.press_item(SAVE)
+        x, y = self.screen.window("Save Style")
+        self.screen.xdotool("mousemove", x + 100, y + 20)
+        self.screen.changes("typing", "key", "ctrl+a", "type", name)
+        self.screen.xdotool("key", "Return")
+        self.screen.wait_until_gone("Save Style")
+        wait_for("no style file", lambda: os.path.exists(self.path(f"data/limn/Lighting Styles/{name}")))
+        self.screen.settle()
+
+    def test_lighting_by_hand(self):
+        self.start(LIMN, "edit", PHOTOGRAPH, "--channel", HEIGHTS, "-o", self.path("lit.png"))
+        first = self.style("Default")["lights"][0]
+        start = self.body(first)
+        moved = (start[0] + 30, start[1] + 24)
+        self.drag("the light", start, moved)
+        handle = (moved[0] + first["handle1"][0], moved[1] + first["handle1"][1])
+        self.drag("a handle", handle, (handle[0] + 20, handle[1] + 12))
+        self.drag("the well", middle(WELL), (60, 80))
+        self.screen.xdotool("keydown", "alt")
+        self.drag("a copy", (60, 80), (250, 60))
+        self.screen.xdotool("keyup", "alt")
+        self.drag("the new light", (60, 80), middle(BIN))
+        self.screen.changes("selecting the copy", *self.move_words((250, 60)), "click", 1)
+        self.choose(LIGHT_TYPE, "Up")  # the spotlight becomes an omni light
+        self.choose(RELIEF, *["Down"] * 4)
+        left, top, width, height = ITEMS[GLOSS]["box"]
+        self.drag("the gloss", self.gloss_knob(), (left + width - 60, self.gloss_knob()[1]))
+        self.save_style(STYLE)
+
+        style = self.style(STYLE)
+        self.assertEqual([light["type"] for light in style["lights"]], ["spot", "omni"])
+        self.assertEqual([self.body(light) for light in style["lights"]], [moved, (250, 60)])
+        self.assertNotEqual(style["lights"][0]["handle1"], first["handle1"])
+        self.assertEqual(style["bumpChannel"], 4)
+        self.assertGreater(style["gloss"], 150)
+
+        # Another style and back: what is lit is what the file says.
+        self.assertEqual(self.limn("styles").splitlines()[:2], ["Default", STYLE])
+        self.choose(STYLES, "Up")
+        self.choose(STYLES, "Down")
+        self.press_item(OK)
+        self.assertEqual(self.end(0), "")
+        self.limn("apply", PHOTOGRAPH, "--channel", HEIGHTS, "-s", STYLE, "-o", self.path("applied.png"), "-q")
+        with open(self.path("lit.png"), "rb") as lit, open(self.path("applied.png"), "rb") as applied:
+            self.assertTrue(lit.read() == applied.read(), "limn edit and limn apply differ")
+
+    def gloss_knob(self):
+        """The indicator's place, which stands for the default style's gloss."""
+        left, top, width, height = ITEMS[GLOSS]["box"]
+        start = left + ITEMS[GLOSS]["refCon"][1]
+        return start + (left + width - start) * self.style("Default")["gloss"] // 255, top + 18
+
+    def test_cancel(self):
+        self.start(LIMN, "edit", PHOTOGRAPH, "-o", self.path("lit.png"))
+        self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", "Escape")
+        self.end(1)
+        self.assertFalse(os.path.exists(self.path("lit.png")))
+
+    def test_cancel_restores_the_settings_of_the_run_before(self):
+        self.start(os.environ["SEVERAL_RUNS"], os.environ["LIMN_MODULE"], "ask", "ask", "repeat", "ask")
+        light = self.body(self.style("Default")["lights"][0])
+        moved = (light[0] + 30, light[1] - 20)
+        self.drag("the light", light, moved)
+        self.press_item(OK)
+        outcomes = [self.process.stdout.readline().split()]
+        self.open_dialog()
+        self.drag("the light again", moved, (70, 230))
+        self.drag("the well", middle(WELL), (200, 100))
+        self.press_item(CANCEL)
+        outcomes += [self.process.stdout.readline().split() for _ in range(2)]
+        self.open_dialog()
+        self.press_item(OK)
+        outcomes.append(self.end(0).split())
+        self.assertEqual([outcome for outcome, _ in outcomes], ["done", "cancelled", "done", "done"])
+        lit, untouched, repeated, again = [pixels for _, pixels in outcomes]
+        self.assertNotEqual(lit, untouched)
+        self.assertEqual((repeated, again), (lit, lit))
+
+    def test_without_a_display(self):
+        environment = {name: value for name, value in os.environ.items()
+                       if name not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
+        answer = subprocess.run([LIMN, "edit", PHOTOGRAPH, "-o", self.path("lit.png")], env=environment,
+                                capture_output=True, text=True, timeout=60)
+        self.assertEqual((answer.returncode, answer.stderr), (6, "limn: there is no display to show the dialog on\n"))
+
+
+if __name__ == "__main__":
+    unittest.main()
