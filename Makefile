@@ -32,7 +32,7 @@ deps: ## Install the Debian packages that building and testing need
 	@scripts/deps
 
 test-sanitize: ## Build with the address and undefined-behaviour sanitizers and run the tests
-	cmake --preset sanitize
+	cmake --preset sanitize $(SANITIZE_OPTIONS)
 	cmake --build --preset sanitize -j $(JOBS)
 	cd build-sanitize && ctest --output-on-failure -j $(JOBS)
 

@@ -14,6 +14,10 @@ set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/static)
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib:$ORIGIN")
 
+# The compiler's usual choice of speed; the sanitizers want line numbers and quick builds.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
+
 option(LIMN_APPS "Build the programs that need libvips and CLI11" ON)
 option(LIMN_QT "Build what needs Qt: the dialog and the desktop host" ON)
 option(LIMN_TESTS "Build the tests" ON)
