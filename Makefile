@@ -20,7 +20,7 @@ demo: ## Light the bundled photograph and say where the picture is
 	@echo "Lit: $(DEMO)/still-life.jpg   (from resources/photos/still-life.jpg)"
 
 test: deps build ## Build and run every test
-	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS) $(CTEST_OPTIONS)
 
 TESTS ?= ON
 build: ## Build programs into build/bin, modules and libraries into build/lib
