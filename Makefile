@@ -44,8 +44,9 @@ test-portable: ## Run the tests with 32-bit pointers, and on an emulated 32-bit 
 	cmake --build --preset big-endian -j $(JOBS)
 	cd build-big-endian && ctest --output-on-failure -j $(JOBS)
 
-bench: build ## Measure the shading: nanoseconds per pixel and light
+bench: build ## Measure the shading and the preview
 	$(BUILD)/bin/bench_shading
+	$(BUILD)/bin/bench_preview
 
 SOURCES := $(shell git ls-files '*.h' '*.hpp' '*.c' '*.cpp')
 format: ## Format every source file
