@@ -237,6 +237,43 @@ TEST(Dialog, ClosingTheWindowCancels) {
   }
 }
 
+TEST(Dialog, ACentredDialogOpensOverTheWindowInFront) {
+  UseSampleResources();
+  QWidget host;
+  host.setGeometry(30, 40, 700, 500);
+  host.show();
+  host.activateWindow();
+  Delay(4, nullptr);
+  for (bool centred : {true, false}) {
+    Handle resource = GetResource(CV_FOUR_CHARS('D', 'L', 'O', 'G'), NAME_DIALOG);
+    if (centred)
+      CenterDialog(resource);
+    SampleDialog sample(NAME_DIALOG);
+    const QPoint offset =
+        TB_PortWindow(sample.dialog)->geometry().center() - host.geometry().center();
+    EXPECT_EQ(std::abs(offset.x()) <= 2 && std::abs(offset.y()) <= 2, centred);
+    ReleaseResource(resource);
+  }
+}
+
+TEST(Dialog, AClipLeftBehindDoesNotStopUpdates) {
+  SampleDialog sample;
+  Install(sample, WELL_ITEM);
+  const Rect corner = {0, 0, 5, 5};
+  ClipRect(&corner);
+  Drawn().clear();
+  const Rect box = sample.Box(WELL_ITEM);
+  InvalRect(&box);
+  const Point okay = sample.Middle(OK_ITEM);
+  ToolboxScript script;
+  script.Wait(200).Click(okay.h, okay.v).Start();
+  int16_t item = 0;
+  ModalDialog(nullptr, &item);
+  EXPECT_EQ(item, OK_ITEM);
+  EXPECT_GE(Drawn().size(), 1u);
+  EXPECT_LE(Drawn().size(), 3u) << "the same update again and again";
+}
+
 TEST(Dialog, AFlashShowsThePressedButton) {
   SampleDialog sample;
   const QImage plain = TB_PortImage(sample.dialog);

@@ -146,10 +146,13 @@ void ExpectDragEnds(const Ending& ending) {
 TEST(Input, ADragEndsWhen) {
   for (const Ending& ending : ENDINGS) {
     // As in a host that runs its own loop of events, which alone can be quit.
-    QTimer::singleShot(0, [&] {
+    QTimer start;
+    start.setSingleShot(true);
+    QObject::connect(&start, &QTimer::timeout, [&] {
       ExpectDragEnds(ending);
       QCoreApplication::exit();
     });
+    start.start(0);
     QCoreApplication::exec();
   }
 }

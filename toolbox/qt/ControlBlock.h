@@ -23,6 +23,9 @@ inline ControlBlock& BlockOf(ControlHandle control) {
 constexpr short STANDARD_BUTTON_DEFINITION = 0;
 constexpr short POPUP_DEFINITION = 63;
 
+// Stands for a control's own action procedure.
+constexpr intptr_t OWN_ACTION = -1;
+
 // Null for a number or name that nobody registered.
 ControlDefProcPtr FindControlDefinition(short number);
 // -1 for none.

@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr intptr_t OWN_ACTION = -1;
 constexpr short FIRST_INDICATOR = inThumb;
 
 intptr_t PackPoint(Point point) {

@@ -6,6 +6,7 @@
 #include <QCursor>
 #include <QPixmap>
 #include <QScreen>
+#include <cmath>
 #include <map>
 #include <memory>
 
@@ -36,7 +37,7 @@ bool HasDesktop() {
 
 QCursor CursorFromPicture(const ResourcePicture& picture) {
   const double ratio = qGuiApp->devicePixelRatio();
-  const int side = static_cast<int>(picture.size * ratio + 0.5);
+  const int side = static_cast<int>(std::lround(picture.size * ratio));
   QPixmap pixmap = QPixmap::fromImage(DrawResourcePicture(picture, QSize(side, side), false));
   if (pixmap.isNull())
     return QCursor(Qt::ArrowCursor);

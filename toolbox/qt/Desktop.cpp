@@ -38,6 +38,6 @@ bool TB_StartDesktop(int& argc, char** argv) {
 }
 
 void TB_RunEvents(int milliseconds) {
-  if (Input* input = Input::Get())
-    input->Pump(milliseconds);
+  if (Input::Get() != nullptr)
+    QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
 }

@@ -5,6 +5,7 @@
 #include "ResourceJson.h"
 
 #include <algorithm>
+#include <set>
 
 namespace {
 
@@ -130,7 +131,20 @@ bool ReadItems(const nlohmann::json& list, std::vector<ItemTemplate>& items) {
   return true;
 }
 
+std::set<int16_t>& DialogsToCentre() {
+  static std::set<int16_t> dialogs;
+  return dialogs;
+}
+
 } // namespace
+
+void CentreNextDialog(int16_t dialogID) {
+  DialogsToCentre().insert(dialogID);
+}
+
+bool TakeCentring(int16_t dialogID) {
+  return DialogsToCentre().erase(dialogID) != 0;
+}
 
 std::optional<DialogTemplate> LoadDialogTemplate(int16_t dialogID) {
   const nlohmann::json* resource = TB_Resource("DLOG", dialogID);

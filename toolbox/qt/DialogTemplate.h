@@ -23,4 +23,8 @@ struct DialogTemplate {
 // Nothing when there is no such resource or it makes no sense.
 std::optional<DialogTemplate> LoadDialogTemplate(int16_t dialogID);
 
+// The next dialog made from that resource opens in the middle. Asked once per dialog made.
+void CentreNextDialog(int16_t dialogID);
+bool TakeCentring(int16_t dialogID);
+
 #endif

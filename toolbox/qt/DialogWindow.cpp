@@ -138,7 +138,8 @@ void DialogWindow::Open() {
   if (_open)
     return;
   QWidget* owner = QApplication::activeWindow();
-  MoveToMiddle();
+  if (centred)
+    MoveToMiddle();
   _open = true;
   winId();
   if (owner != nullptr && windowHandle() != nullptr)

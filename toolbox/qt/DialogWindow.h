@@ -86,7 +86,7 @@ public:
   AuxWinRec auxiliary{};
   AuxWinRec* auxiliaryMaster = nullptr;
   intptr_t refCon = 0;
-  bool centred = false;
+  bool centred = false; // opens in the middle of what is in front then
 
 protected:
   bool event(QEvent* event) override;

@@ -84,6 +84,7 @@ DialogPtr GetNewDialog(int16_t dialogID, void*, WindowPtr) {
   if (port == nullptr)
     return nullptr;
   auto* window = new DialogWindow(port);
+  window->centred = TakeCentring(dialogID);
   window->setWindowTitle(QString::fromStdString(dialog->title));
   if (!AddItems(*window, *dialog)) {
     DisposeDialog(port);

@@ -10,9 +10,10 @@
 
 namespace {
 
-bool IsSet(const char* name) {
+// Empty when it is not set.
+std::string Environment(const char* name) {
   const char* value = std::getenv(name);
-  return value != nullptr && *value != '\0';
+  return value != nullptr ? value : "";
 }
 
 bool Connects(const std::string& path, bool abstract) {
@@ -46,9 +47,10 @@ bool ReachesX(const std::string& display) {
 } // namespace
 
 bool CanReachDisplay() {
-  if (IsSet("QT_QPA_PLATFORM") && std::strncmp(std::getenv("QT_QPA_PLATFORM"), "xcb", 3) != 0)
+  const std::string platform = Environment("QT_QPA_PLATFORM");
+  if (!platform.empty() && platform.compare(0, 3, "xcb") != 0)
     return true;
-  if (IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM"))
+  if (platform.empty() && !Environment("WAYLAND_DISPLAY").empty())
     return true;
-  return IsSet("DISPLAY") && ReachesX(std::getenv("DISPLAY"));
+  return ReachesX(Environment("DISPLAY"));
 }

@@ -1,12 +1,10 @@
 #include "HostDialogs.h"
 
+#include "DialogTemplate.h"
+#include "Ink.h"
 #include "ModalLoop.h"
 #include "QDShapes.h"
-
-#include "Ink.h"
-
-// The dialog resource behind a handle of GetResource, or INT16_MIN.
-int16_t ResourceNumber(Handle resource, OSType type);
+#include "ResourceHandles.h"
 
 namespace {
 
@@ -32,7 +30,11 @@ void FillIndicator(PortState& state, Point tip) {
 
 } // namespace
 
-void CenterDialog(Handle) {}
+void CenterDialog(Handle dialogResource) {
+  const int16_t number = ResourceNumber(dialogResource, DIALOG_TYPE);
+  if (number != INT16_MIN)
+    CentreNextDialog(number);
+}
 
 Boolean SetUpMoveableModal(Handle dialogResource, OSType hostSignature) {
   return hostSignature == CV_HOST_SIGNATURE &&

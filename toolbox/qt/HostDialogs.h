@@ -16,10 +16,10 @@ TB_EXPORT void ReleaseResource(Handle resource);
 TB_EXPORT OSErr ResError();
 
 // The dialog made next from this resource ('DLOG') opens in the middle of the window that is active
-// then. Dialogs open there anyway unless the desktop places windows itself.
+// when it is shown, or of the screen. Other dialogs open where the desktop puts them.
 TB_EXPORT void CenterDialog(Handle dialogResource);
-// The dialog made next from this resource is a movable one of this host. False for another host's
-// signature.
+// Whether this resource ('DLOG') makes a movable modal dialog of the host with that signature: all
+// dialogs can be moved here, so it only has to be a dialog, and the host Corvaline.
 TB_EXPORT Boolean SetUpMoveableModal(Handle dialogResource, OSType hostSignature);
 // ModalDialog, which also calls processEvent (null for none) with each event that the filter did
 // not consume, and now and then with a null event, so that a host's windows stay alive.

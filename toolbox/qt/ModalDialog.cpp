@@ -4,7 +4,7 @@
 #include "Input.h"
 #include "ModalLoop.h"
 
-#include <QCoreApplication>
+#include <bit>
 
 namespace {
 
@@ -48,8 +48,7 @@ int16_t IfEnabled(const DialogWindow& window, int16_t number) {
 int16_t HitControl(const DialogWindow& window, ControlHandle control, Point point) {
   const int16_t number = NumberOf(window, control);
   const short before = GetControlValue(control);
-  const short part =
-      TrackControl(control, point, reinterpret_cast<ControlActionProcPtr>(intptr_t{-1}));
+  const short part = TrackControl(control, point, std::bit_cast<ControlActionProcPtr>(OWN_ACTION));
   if (part == 0 || (part >= inThumb && GetControlValue(control) == before))
     return NO_ITEM;
   return IfEnabled(window, number);
@@ -84,25 +83,24 @@ int16_t HitByKey(DialogWindow& window, const EventRecord& event) {
   return NO_ITEM;
 }
 
+// Whatever clip region the program has left: what it hid would ask for an update again and again.
 void UpdateWindow(WindowPtr window) {
+  PortState& state = *window->state;
   RgnHandle region = NewRgn();
   if (region == nullptr)
     return;
-  const DialogWindow* dialog = DialogWindow::Of(window);
-  RectRgn(region, &window->portRect);
-  if (dialog != nullptr) {
-    const QRect bounds = window->state->update.boundingRect();
-    const Rect rect = ToRect(bounds);
-    RectRgn(region, &rect);
-    window->state->update = QRegion();
-    UpdateDialog(window, region);
-  }
+  const Rect rect = ToRect(state.update.boundingRect());
+  RectRgn(region, &rect);
+  const QRegion saved = state.clip;
+  SetPortClip(state, WholePlane());
+  UpdateDialog(window, region);
+  SetPortClip(state, saved);
   DisposeRgn(region);
 }
 
 // What the Dialog Manager itself does with an event.
 int16_t HandleEvent(DialogWindow& window, const EventRecord& event, WindowPtr target) {
-  if (event.what == updateEvt && target != nullptr)
+  if (event.what == updateEvt && DialogWindow::Of(target) != nullptr)
     UpdateWindow(target);
   if (target != window.port())
     return NO_ITEM;
@@ -151,7 +149,7 @@ void FlashDialogButton(DialogPtr dialog, int16_t item) {
   constexpr uint32_t FLASH_TICKS = 8;
   const DialogWindow* window = DialogWindow::Of(dialog);
   const DialogItem* found = window != nullptr ? window->Item(item) : nullptr;
-  if (!IsActiveButton(found))
+  if (found == nullptr || !IsActiveButton(found))
     return;
   HiliteControl(found->control, inButton);
   Delay(FLASH_TICKS, nullptr);

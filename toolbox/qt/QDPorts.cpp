@@ -159,12 +159,12 @@ GrafPort* NewPort(const Rect& bounds, double ratio, bool themed) {
 }
 
 void DisposePort(GrafPort* port) {
-  if (LivePorts().erase(port) == 0)
+  if (port == nullptr || LivePorts().erase(port) == 0)
     return;
+  const std::unique_ptr<PortState> state(port->state);
+  const std::unique_ptr<GrafPort> gone(port);
   if (Current() == port)
     Current() = nullptr;
-  delete port->state;
-  delete port;
 }
 
 PortScope::PortScope(GrafPort* port) : _saved(CurrentPort()) {

@@ -4,6 +4,7 @@
 #include "Raster.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -48,8 +49,8 @@ QRegion HardInside(const PortState& state, const Shape& shape, const QRect& devi
     return QRegion(device);
   const QRect rows = state.deviceClip.boundingRect();
   const Corners corners = DeviceCorners(state, shape, device);
-  return RoundRectPixels(device, static_cast<int>(corners.width + 0.5),
-                         static_cast<int>(corners.height + 0.5), rows);
+  return RoundRectPixels(device, static_cast<int>(std::lround(corners.width)),
+                         static_cast<int>(std::lround(corners.height)), rows);
 }
 
 QPainterPath SmoothInside(const PortState& state, const Shape& shape, const QRectF& device) {

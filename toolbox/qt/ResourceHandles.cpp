@@ -3,6 +3,7 @@
 #include "ControlBlock.h"
 #include "MacMemory.h"
 #include "MacResources.h"
+#include "ResourceHandles.h"
 
 #include <cstring>
 #include <map>

@@ -3,6 +3,7 @@
 #include "StyledControl.h"
 
 #include <QStyleOptionButton>
+#include <bit>
 
 namespace {
 
@@ -47,7 +48,7 @@ int32_t StandardButtonDefinition(short varCode, ControlHandle control, short mes
       return 0;
     return varCode == CHECK_BOX || varCode == RADIO_BUTTON ? inCheckBox : inButton;
   case calcCntlRgn:
-    RectRgn(reinterpret_cast<RgnHandle>(param), &(**control).contrlRect);
+    RectRgn(std::bit_cast<RgnHandle>(param), &(**control).contrlRect);
     return 0;
   default:
     return 0;
