@@ -19,6 +19,8 @@ void RunWindow::_Open() {
   _window->setMinimumWidth(360);
   _window->setAutoReset(false);
   _window->setAutoClose(false);
+  // Escape only hides a window that is not active yet.
+  QObject::connect(_window.get(), &QDialog::rejected, _window.get(), &QProgressDialog::cancel);
   _window->show();
 }
 

@@ -158,6 +158,17 @@ class Edit(unittest.TestCase):
         self.end(1)
         self.assertFalse(os.path.exists(self.path("lit.png")))
 
+    def test_a_long_run_can_be_cancelled(self):
+        with open(self.path("large.ppm"), "wb") as large:
+            large.write(b"P6\n6000 4000\n255\n" + bytes(range(240)) * (6000 * 4000 * 3 // 240))
+        self.start(LIMN, "edit", self.path("large.ppm"), "-o", self.path("lit.ppm"))
+        self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", "Return")
+        # Without a window manager keys go to the window under the mouse.
+        name = wait_for("no progress", lambda: self.screen.find("Limn"))
+        self.screen.xdotool("mousemove", "--window", name, 20, 20, "key", "Escape")
+        self.end(1)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["data", "large.ppm"])
+
     def test_cancel_restores_the_settings_of_the_run_before(self):
         self.start(os.environ["SEVERAL_RUNS"], os.environ["LIMN_MODULE"], "ask", "ask", "repeat", "ask")
         light = self.body(self.style("Default")["lights"][0])
