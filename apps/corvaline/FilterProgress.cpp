@@ -21,8 +21,9 @@ FilterProgress::FilterProgress(QString title, QWidget* owner)
 void FilterProgress::show(double share) {
   if (share <= 0.0)
     _sinceStart.restart();
+  _steps = static_cast<int>(share * STEPS);
   if (_window != nullptr)
-    _window->setValue(static_cast<int>(share * STEPS));
+    _window->setValue(_steps);
   _runEvents();
 }
 
@@ -49,7 +50,10 @@ void FilterProgress::_runEvents() {
     _window->setWindowModality(Qt::ApplicationModal);
     _window->setMinimumDuration(0);
     _window->setAutoReset(false);
+    // Escape only hides a window that is not active yet.
+    QObject::connect(_window.get(), &QDialog::rejected, _window.get(), &QProgressDialog::cancel);
     _window->show();
+    _window->setValue(_steps);
   }
   // Until there is a window that blocks them, keys and clicks wait.
   QApplication::processEvents(_window != nullptr ? QEventLoop::AllEvents

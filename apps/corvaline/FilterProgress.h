@@ -29,6 +29,7 @@ private:
   QString _title;
   QWidget* _owner;
   std::unique_ptr<QProgressDialog> _window; // null until it is worth showing
+  int _steps = 0;
   QElapsedTimer _sinceStart, _sinceEvents;
 };
 

@@ -44,7 +44,7 @@ CVResult FilterRunner::run(EditorDocument& document, CVDialog dialog, const QStr
   options.cancelled = [&] { return progress.isCancelled(); };
   currentProgress = &progress;
   _running = true;
-  const CVResult result = document.change(
+  CVResult result = document.change(
       [&](CVDocument& image, CVRect area) { return _session.run(image, area, options); });
   _running = false;
   currentProgress = nullptr;
