@@ -56,7 +56,7 @@ format-check:
 	clang-format-14 --dry-run -Werror $(SOURCES)
 
 lint: build ## Run clang-tidy over every source file
-	scripts/lint $(BUILD)
+	scripts/lint $(BUILD) $(LINT_FOLDERS)
 
 install: ## Install below PREFIX (default /usr/local), inside DESTDIR if given
 	cmake --install $(BUILD) --prefix $(or $(PREFIX),/usr/local)

@@ -210,6 +210,8 @@ void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* resu
     made->SetUseCurrentSettings(0);
   }
   LM_SetConstants();
+  // The contract's slot is an integer as wide as a pointer.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
   LM_globals* globals = reinterpret_cast<LM_globals*>(*data);
   FilterRecord* filter = static_cast<FilterRecord*>(record);
   switch (selector) {
