@@ -101,8 +101,8 @@ void LM_UserItemSetDrawProc(DialogPtr dialog, int16_t item, UserItemUPP procedur
 
 MenuHandle LM_PopupMenu(DialogPtr dialog, int16_t item) {
   const ControlHandle control = LM_ItemControl(dialog, item);
-  if (control == nullptr || (*control)->contrlData == nullptr ||
-      GetHandleSize((*control)->contrlData) < static_cast<Size>(sizeof(PopupPrivateData)))
+  // The definition's own data: no block of the Memory Manager, so it has no size to ask for.
+  if (control == nullptr || (*control)->contrlData == nullptr)
     return nullptr;
   return (*reinterpret_cast<PopupPrivateDataHandle>((*control)->contrlData))->mHandle;
 }
