@@ -10,9 +10,14 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/static)
-# Programs find the toolbox library and the plug-in beside themselves, wherever the tree is moved to.
+# Programs find the toolbox library and the plug-in by the way from their own folder, wherever the tree is
+# moved to, built or installed. What only our programs load is installed into a folder of its own.
+include(GNUInstallDirs)
+set(LIMN_PRIVATE_LIBDIR ${CMAKE_INSTALL_LIBDIR}/limn)
+file(RELATIVE_PATH LIMN_WAY_TO_PRIVATE_LIBDIR
+  /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${LIMN_PRIVATE_LIBDIR})
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib:$ORIGIN")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/${LIMN_WAY_TO_PRIVATE_LIBDIR}:$ORIGIN/../lib") # installed, built
 
 # The compiler's usual choice of speed; the sanitizers want line numbers and quick builds.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
@@ -44,6 +49,12 @@ if(LIMN_SANITIZE)
   add_compile_options(-fsanitize=${LIMN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${LIMN_SANITIZE})
 endif()
+
+# limn_install_private(TARGETS...): modules and libraries that only our programs load.
+function(limn_install_private)
+  set_target_properties(${ARGN} PROPERTIES INSTALL_RPATH "$ORIGIN:$ORIGIN/..")
+  install(TARGETS ${ARGN} LIBRARY DESTINATION ${LIMN_PRIVATE_LIBDIR})
+endfunction()
 
 # limn_folder(NAME SOURCES... LINK targets...): the static library of one source folder. Its headers are
 # found only by those who link it, so a forbidden include does not compile.

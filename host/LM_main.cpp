@@ -1,6 +1,7 @@
 // The module's one exported symbol.
 #include <dlfcn.h>
 #include <string>
+#include <string_view>
 
 #include "CVFilterRecord.h"
 #include "LM_entry.h"
@@ -13,21 +14,22 @@ namespace {
 
 // The part of the plug-in that has the dialog, and with it the desktop's libraries, which take
 // longer to load than lighting a small picture takes: only an interactive run loads it.
-constexpr const char* DIALOG_MODULE = "/limn/dialog.so";
+constexpr const char* DIALOG_MODULES[] = {"/dialog.so", "/limn/dialog.so"}; // installed, built
 constexpr const char* DIALOG_ENTRY = "LM_dialog_main";
 
-// The entry of the module with the dialog, below this one's folder; null when there is none.
+// The entry of the module with the dialog, in or below this one's folder; null when there is none.
 CVFilterEntry LoadDialogModule() noexcept {
   try {
     Dl_info self = {};
     if (dladdr(reinterpret_cast<void*>(&LM_main), &self) == 0 || self.dli_fname == nullptr)
       return nullptr;
-    std::string path = self.dli_fname;
-    path.erase(path.rfind('/') == std::string::npos ? 0 : path.rfind('/'));
-    path = (path.empty() ? "." : path) + DIALOG_MODULE;
-    void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    return module != nullptr ? reinterpret_cast<CVFilterEntry>(dlsym(module, DIALOG_ENTRY))
-                             : nullptr;
+    const std::string_view path = self.dli_fname;
+    const size_t slash = path.rfind('/');
+    const std::string folder(slash == std::string_view::npos ? "." : path.substr(0, slash));
+    for (const char* name : DIALOG_MODULES)
+      if (void* module = dlopen((folder + name).c_str(), RTLD_NOW | RTLD_LOCAL); module != nullptr)
+        return reinterpret_cast<CVFilterEntry>(dlsym(module, DIALOG_ENTRY));
+    return nullptr;
   } catch (...) {
     return nullptr;
   }

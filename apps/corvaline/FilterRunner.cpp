@@ -26,11 +26,12 @@ constexpr const char* FILTER_FILE = "limn.so";
 } // namespace
 
 CVResult LoadFilter(CVPlugin& plugin) {
-  const QString named = qEnvironmentVariable("CORVALINE_PLUGINS");
-  const QString beside = QCoreApplication::applicationDirPath() + "/../lib";
-  QString folder = named;
-  if (folder.isEmpty())
-    folder = QFile::exists(beside + "/" + FILTER_FILE) ? beside : CORVALINE_PLUGIN_FOLDER;
+  QString folder = qEnvironmentVariable("CORVALINE_PLUGINS");
+  if (folder.isEmpty()) {
+    const QDir own(QCoreApplication::applicationDirPath());
+    const QString installed = own.filePath(CORVALINE_PLUGIN_FOLDER);
+    folder = QFile::exists(installed + "/" + FILTER_FILE) ? installed : own.filePath("../lib");
+  }
   return plugin.load(QFile::encodeName(QDir(folder).absoluteFilePath(FILTER_FILE)).toStdString());
 }
 

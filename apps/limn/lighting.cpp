@@ -75,9 +75,9 @@ CVPlugin LoadPlugin() {
     candidates.emplace_back(named);
   } else {
     std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    candidates.push_back((program.parent_path().parent_path() / "lib" / "limn.so").string());
-    candidates.emplace_back(LIMN_PLUGIN_FOLDER "/limn.so");
+    const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    for (const char* way : {LIMN_PLUGIN_FOLDER, "../lib"}) // installed, built
+      candidates.push_back((folder / way / "limn.so").lexically_normal().string());
   }
   CVPlugin plugin;
   CVResult result;

@@ -31,8 +31,8 @@ struct Surroundings {
   std::vector<GreyImage> channels; // appended to the image's own
 };
 
-// The plug-in's module: $LIMN_PLUGIN, or lib/limn.so beside the program's folder, or the one that
-// was installed. Throws Failure(Refused) when it cannot be loaded.
+// The plug-in's module: $LIMN_PLUGIN, or the one that was installed or built together with the
+// program. Throws Failure(Refused) when it cannot be loaded.
 CVPlugin LoadPlugin();
 
 // Lights the photograph in place. file: its name, for messages. progress: gets 0 … 1. Throws
