@@ -21,6 +21,7 @@
 #include "LM_flat_kernel-inl.h"
 #include "LM_pixel_kernels-inl.h"
 #include "LM_relief_kernel-inl.h"
+#include "LM_sum_kernel-inl.h"
 #include "LM_vector_math-inl.h"
 #endif
 
@@ -36,6 +37,7 @@ const LM_kernels* TargetKernels() {
                                      LightFlat,
                                      FilterHeights,
                                      LightRelief,
+                                     SumLights,
                                      ReciprocalRoots};
   return &kernels;
 }

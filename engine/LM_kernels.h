@@ -45,8 +45,21 @@ struct LM_kernel_planes {
   uint8_t* plane[LM_PLANES];
 };
 
-// One instruction set's kernels. All rows are n > 0 long and have LM_KERNEL_SLACK more elements.
-// None needs alignment.
+// Where what one light gives to each sample is kept; null where it is not.
+struct LM_kernel_part {
+  LM_color96 *diffuse, *specular;
+};
+
+// Samples of one row, and their sums of light so far. normals: null for a flat surface.
+struct LM_kernel_samples {
+  const LM_vector2f* positions;
+  const LM_vector3f* normals;
+  int count;
+  LM_color96 *diffuse, *specular;
+};
+
+// One instruction set's kernels. All rows but samples are n > 0 long and have LM_KERNEL_SLACK more
+// elements. None needs alignment.
 struct LM_kernels {
   const char* name;
   // Bytes 0 to 2 of n pixels, `step` bytes apart, to planes; and back, leaving what lies between.
@@ -61,6 +74,9 @@ struct LM_kernels {
   // Lights n pixels in relief. heights: three rows, each starting one pixel to the left.
   void (*relief)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
                  int n, const int32_t* const heights[3], const LM_kernel_planes& planes);
+  // Adds the lights to the samples' sums, and stores each light's part; parts go with the lights.
+  void (*sum)(const LM_kernel_lights& lights, const LM_kernel_part* parts,
+              const LM_kernel_samples& samples);
   // roots[i] = (float)(1.0 / sqrt((double)values[i])) for values in [2^-96, 2^96]. The estimate
   // that the processor gives is first made `nudge` times larger, so that a test can show that its
   // error does not matter; 1 otherwise.

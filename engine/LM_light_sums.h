@@ -36,6 +36,8 @@ inline void LM_AddLight(LM_color96& sum, const LM_color96& color, float factor) 
 }
 
 void LM_ClearSums(LM_color96* sums, int n);
+// Adds n sums to others, which must not overlap them.
+void LM_AddSums(const LM_color96* part, int n, LM_color96* sums);
 
 // Fills the sums of n samples with all lights of the block, through each light's caches where it
 // has them. shade(light, diffuse, specular) adds one light.
@@ -55,14 +57,8 @@ void LM_SumLights(const foo* params, int n, LM_color96* diffuseSum, LM_color96* 
       LM_ClearSums(light.specularCache, n);
       shade(light, light.diffuseCache, light.specularCache);
     }
-    for (int i = 0; i < n; ++i) {
-      for (int plane = 0; plane < LM_PLANES; ++plane) {
-        diffuseSum[i].component[plane] =
-            LM_WrapAdd(diffuseSum[i].component[plane], light.diffuseCache[i].component[plane]);
-        specularSum[i].component[plane] =
-            LM_WrapAdd(specularSum[i].component[plane], light.specularCache[i].component[plane]);
-      }
-    }
+    LM_AddSums(light.diffuseCache, n, diffuseSum);
+    LM_AddSums(light.specularCache, n, specularSum);
   }
 }
 

@@ -71,17 +71,22 @@ HWY_INLINE Floats SquaredNormal(const Gradient& gradient) {
   return hn::Add(squares, SetFloat(16777216.0F));
 }
 
+// What follows from a facet's normal.
+HWY_INLINE void CompleteFacet(Facet& facet) {
+  const Floats twice = hn::Add(facet.z, facet.z);
+  facet.mirroredX = hn::Mul(twice, facet.x);
+  facet.mirroredY = hn::Mul(twice, facet.y);
+  const DoublePair upwards = Promote(hn::Mul(twice, facet.z));
+  const Doubles one = hn::Set(DoubleTag(), 1.0);
+  facet.mirroredZ = {hn::Sub(upwards.low, one), hn::Sub(upwards.high, one)};
+}
+
 HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
   Facet out;
   out.x = hn::Mul(hn::ConvertTo(FloatTag(), hn::Neg(gradient.x)), inverse);
   out.y = hn::Mul(hn::ConvertTo(FloatTag(), gradient.y), inverse);
   out.z = hn::Mul(SetFloat(4096.0F), inverse);
-  const Floats twice = hn::Add(out.z, out.z);
-  out.mirroredX = hn::Mul(twice, out.x);
-  out.mirroredY = hn::Mul(twice, out.y);
-  const DoublePair upwards = Promote(hn::Mul(twice, out.z));
-  const Doubles one = hn::Set(DoubleTag(), 1.0);
-  out.mirroredZ = {hn::Sub(upwards.low, one), hn::Sub(upwards.high, one)};
+  CompleteFacet(out);
   return out;
 }
 

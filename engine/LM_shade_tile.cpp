@@ -2,6 +2,7 @@
 #include "LM_host_services.h"
 #include "LM_light_sums.h"
 #include "LM_shader.h"
+#include "LM_vector_sums.h"
 
 namespace {
 
@@ -40,6 +41,8 @@ void LM_ShadeTile(FilterRecord* record, LM_globals* globals) {
     return;
   const LM_sample_grid grid(record, params);
   FlatRows rows(*globals);
+  // Only a preview keeps its sums: a run without caches stays with the plain shader.
+  const LM_vector_sums vectors(params, true, rows.keepSums ? LM_BestKernels() : nullptr);
   const uint8_t* in = record->inPixels;
   uint8_t* out = record->outPixels;
   for (int row = 0; row < tile.rows; ++row) {
@@ -49,8 +52,10 @@ void LM_ShadeTile(FilterRecord* record, LM_globals* globals) {
       for (int column = 0; column < tile.columns; ++column)
         rows.positions[column] = {grid.X(column), y};
     }
+    const bool summed = rows.sumsReady || vectors.Sum(tile.columns, rows.positions, nullptr,
+                                                      rows.diffuse, rows.specular);
     LM_Shade(params, static_cast<unsigned short>(tile.columns), rows.positions, in, rows.diffuse,
-             rows.specular, rows.sumsReady ? 1 : 0, out, globals);
+             rows.specular, summed ? 1 : 0, out, globals);
     in += record->inRowStride;
     out += record->outRowStride;
     rows.NextRow(tile.columns);

@@ -6,6 +6,7 @@
 #include "LM_host_services.h"
 #include "LM_light_sums.h"
 #include "LM_shader.h"
+#include "LM_vector_sums.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ public:
   }
   LM_color96* Diffuse() const { return _scratch.sums.diffuseSums; }
   LM_color96* Specular() const { return _scratch.sums.specularSums; }
-  LM_bool SumsReady() const { return 0; }
+  LM_bool MakeSums(uint32_t) { return 0; }
   void NextRun(uint32_t, uint32_t) {}
 
 private:
@@ -34,8 +35,8 @@ private:
 // The preview's storage: every array in its cache where that exists, run behind run.
 class PreviewRows {
 public:
-  PreviewRows(const LM_bump_map* map, LM_globals& g)
-      : _map(map), _globals(g),
+  PreviewRows(const LM_bump_map* map, const foo* params, LM_globals& g)
+      : _map(map), _globals(g), _vectors(params, false, LM_BestKernels()),
         _samplesReady(g.UsePosCache() == 1 && g.UseNormCache() == 1 && g.UseWeightCache() == 1 &&
                       g.UseBaseCache() == 1 && g.UseSampleCountCache() == 1 &&
                       g.PosCacheHot() == 1 && g.NormCacheHot() == 1 && g.WeightCacheHot() == 1 &&
@@ -66,7 +67,12 @@ public:
   const LM_facet_rows& Facets() const { return _rows; }
   LM_color96* Diffuse() const { return _diffuse; }
   LM_color96* Specular() const { return _specular; }
-  LM_bool SumsReady() const { return _sumsReady ? 1 : 0; }
+  LM_bool MakeSums(uint32_t samples) {
+    return _sumsReady || _vectors.Sum(static_cast<int>(samples), _rows.positions, _rows.normals,
+                                      _diffuse, _specular)
+               ? 1
+               : 0;
+  }
 
   void NextRun(uint32_t samples, uint32_t pixels) {
     if (_globals.UsePosCache())
@@ -101,6 +107,7 @@ public:
 private:
   const LM_bump_map* _map;
   LM_globals& _globals;
+  LM_vector_sums _vectors;
   bool _samplesReady, _keepSums, _sumsReady, _positionsReady;
   LM_facet_rows _rows;
   uint32_t* _counts;
@@ -125,9 +132,10 @@ void ShadeRows(FilterRecord* record, const LM_tile_size& tile, foo* params, LM_g
       const LM_pixel_run run = {static_cast<uint32_t>(row), first, pixels, in + offset};
       const uint32_t count = rows.MakeRun(run, grid, y);
       const LM_facet_rows& facets = rows.Facets();
+      const LM_bool summed = rows.MakeSums(count);
       uint8_t* shaded = globals->scratch.colors.shaded;
       LM_ShadeBumps(params, static_cast<unsigned short>(count), facets.positions, facets.normals,
-                    facets.base, rows.Diffuse(), rows.Specular(), rows.SumsReady(), shaded, globals,
+                    facets.base, rows.Diffuse(), rows.Specular(), summed, shaded, globals,
                     facets.weights);
       LM_BlendFacets(shaded, facets.weights, pixels, out + offset);
       rows.NextRun(count, pixels);
@@ -154,7 +162,7 @@ void LM_ShadePreviewTileWithBumps(FilterRecord* record, LM_bump_map* map, LM_glo
   foo* params = LM_Parameters(record);
   if (tile.rows == 0 || params == nullptr || !LM_HoldsHeights(map, tile.columns, tile.rows))
     return;
-  PreviewRows rows(map, *globals);
+  PreviewRows rows(map, params, *globals);
   ShadeRows(record, tile, params, globals, rows);
   rows.MarkReady();
 }

@@ -1,9 +1,14 @@
 // The vector kernels one by one, where whole pictures would show too little.
 #include "EngineRun.h"
 #include "LM_bumps.h"
+#include "LM_light_sums.h"
 #include "LM_render_rows.h"
+#include "LM_shader.h"
+#include "LM_vector_sums.h"
 #include "RenderRun.h"
 
+#include <array>
+#include <cstring>
 #include <gtest/gtest.h>
 
 namespace {
@@ -31,6 +36,53 @@ void MakeLoud(foo& params, SceneRandom& random) {
     component = static_cast<int32_t>(random.Next());
   params.exposure = 32767;
 }
+
+// A row of samples with its sums, and caches for every second light.
+struct KeptSamples {
+  KeptSamples(int n, bool flat, SceneRandom& random)
+      : positions(static_cast<size_t>(n)), normals(flat ? 0 : static_cast<size_t>(n)) {
+    for (size_t i = 0; i < positions.size(); ++i)
+      positions[i] = {-1.0F + static_cast<float>(i / 3) * 0.007F, 0.3F};
+    for (LM_vector3f& normal : normals)
+      normal = random.OneIn(4)
+                   ? LM_FacetNormal(0, 0)
+                   : LM_FacetNormal(random.Between(-9000, 9000), random.Between(-9000, 9000));
+    sums.resize(positions.size() * 2 * (1 + LM_MAX_LIGHTS));
+  }
+
+  // Sums the block's lights by vectors, or plainly. False when vectors refuse.
+  bool Sum(foo& params, const LM_kernels* kernels, bool plain) {
+    const size_t n = positions.size();
+    LM_color96* diffuse = sums.data();
+    LM_color96* specular = diffuse + n;
+    for (size_t j = 0; j < LM_MAX_LIGHTS; j += 2) {
+      params.lights[j].diffuseCache = specular + n * (1 + j);
+      params.lights[j].specularCache = specular + n * (2 + j);
+    }
+    const int count = static_cast<int>(n);
+    if (!plain)
+      return LM_vector_sums(&params, normals.empty(), kernels)
+          .Sum(count, positions.data(), normals.empty() ? nullptr : normals.data(), diffuse,
+               specular);
+    std::vector<int32_t> weights;
+    for (size_t i = 0; i < n; ++i)
+      weights.insert(weights.end(), {4, 0});
+    LM_SumLights(&params, count, diffuse, specular,
+                 [&](const LM_light& light, LM_color96* toDiffuse, LM_color96* toSpecular) {
+                   if (normals.empty())
+                     LM_ShadeLight(light, static_cast<unsigned short>(count), positions.data(),
+                                   toDiffuse, toSpecular);
+                   else
+                     LM_ShadeLightBumps(light, static_cast<uint32_t>(count), positions.data(),
+                                        normals.data(), toDiffuse, toSpecular, weights.data());
+                 });
+    return true;
+  }
+
+  std::vector<LM_vector2f> positions;
+  std::vector<LM_vector3f> normals;
+  std::vector<LM_color96> sums; // of all, then the caches
+};
 
 } // namespace
 
@@ -104,6 +156,42 @@ TEST(Kernels, PlanesAreSplitAndJoinedWithinThePixels) {
             expected[i] = pixels[i];
         }
         ASSERT_EQ(joined, expected) << n << " pixels";
+      }
+    }
+  }
+}
+
+// Cold, and with half of the caches hot while the lights have changed.
+TEST(Kernels, KeptSumsEqualThePlainOnes) {
+  SceneRandom random(12);
+  for (uint64_t seed = 0; seed < 42; ++seed) {
+    const Scene scene = SizedScene(300 + seed, 64, 64, true);
+    EngineRun settings(scene);
+    foo& params = *settings.Convert(seed % 2 == 0 ? 1 : 0);
+    MakeLoud(params, random);
+    const KeptSamples samples(std::array{1, 7, 15, 16, 17, 33, 900}[seed % 7], seed % 3 == 0,
+                              random);
+    KeptSamples plain = samples;
+    foo changed = params;
+    for (LM_light& light : changed.lights) {
+      light.position.z += 0.25F;
+      light.diffuseCacheHot = light.specularCacheHot = random.OneIn(2) ? 1 : 0;
+    }
+    plain.Sum(params, nullptr, true);
+    KeptSamples plainHot = plain;
+    plainHot.Sum(changed, nullptr, true);
+    for (const LM_kernels* kernels : AllKernels()) {
+      KeptSamples fast = samples;
+      const bool done = fast.Sum(params, kernels, false);
+      EXPECT_EQ(done, kernels != nullptr) << scene.name;
+      for (const KeptSamples* expected : {&plain, &plainHot}) {
+        if (done) {
+          ASSERT_EQ(std::memcmp(fast.sums.data(), expected->sums.data(),
+                                fast.sums.size() * sizeof(LM_color96)),
+                    0)
+              << scene.name << " " << seed << ", " << kernels->name;
+        }
+        fast.Sum(changed, kernels, false);
       }
     }
   }
