@@ -1,5 +1,7 @@
 #include "CVTileDelivery.h"
 
+#include "CVMix.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -220,8 +222,7 @@ CVResult CVTileDelivery::deliver(FilterRecord& record) {
 static void mixRow(const std::uint8_t* left, std::size_t leftStep, const std::uint8_t* selection,
                    std::uint8_t* result, std::size_t resultStep, int count) {
   for (int i = 0; i < count; ++i) {
-    const unsigned share = selection[i];
-    *result = static_cast<std::uint8_t>((*result * (255 - share) + *left * share + 127) / 255);
+    *result = CVMixSelected(*result, *left, selection[i]);
     left += leftStep;
     result += resultStep;
   }

@@ -18,6 +18,7 @@ struct ApplyOptions {
   std::string mask;
   std::vector<std::string> channels;
   int jobs = 0; // 0: as many as there are processors
+  bool isThroughPlugin = false;
   bool force = false;
   bool quiet = false;
   bool json = false;

@@ -2,6 +2,7 @@
 
 #include "image_library.h"
 #include "image_output.h"
+#include "lit_image.h"
 #include "output_target.h"
 
 namespace limn {
@@ -15,7 +16,9 @@ constexpr double LIT_SHARE = 0.8;
 
 ApplyTools PrepareTools(const ApplyPlan& plan) {
   StartImageLibrary(plan.threads);
-  ApplyTools tools{LoadPlugin(), {}, {}};
+  ApplyTools tools;
+  if (plan.options.isThroughPlugin)
+    tools.plugin = LoadPlugin();
   const auto readGrey = [&](const std::string& file) {
     std::vector<std::string> notices;
     GreyImage grey = ReadGreyImage(file, notices);
@@ -31,16 +34,79 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
   return tools;
 }
 
-AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
-                     const JobChannel& channel) {
+namespace {
+
+// A grey image as one band, its pixels borrowed.
+vips::VImage BandOf(GreyImage& grey) {
+  return vips::VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
+                                       grey.height, 1, VIPS_FORMAT_UCHAR);
+}
+
+LitSettings SettingsFor(const ApplyPlan& plan, Surroundings& surroundings) {
+  LitSettings settings;
+  settings.style = plan.style;
+  if (const auto& area = surroundings.area)
+    settings.area = LitArea{area->x, area->y, area->width, area->height};
+  for (GreyImage& channel : surroundings.channels)
+    settings.channels.push_back(BandOf(channel));
+  if (surroundings.mask)
+    settings.mask = BandOf(*surroundings.mask);
+  return settings;
+}
+
+// Tells libvips' progress, in whole percents.
+struct ProgressTeller {
+  const JobChannel& channel;
+  int told = 0;
+
+  static void Tell(VipsImage*, VipsProgress* progress, ProgressTeller* teller) {
+    if (progress->percent <= teller->told)
+      return;
+    teller->told = progress->percent;
+    teller->channel.Progress(progress->percent / 100.0);
+  }
+};
+
+// Decodes, lights and writes a few rows at a time.
+AppliedSize LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+                           const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
   const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
-  CheckTarget(pair.input, pair.output, existing);
-  CheckOutputFormat(pair.output);
+  const Complaints complaints;
+  ProgressTeller teller{channel};
+  try {
+    OpenedPhotograph opened = OpenPhotograph(pair.input);
+    const int width = opened.planes.width();
+    const int height = opened.planes.height();
+    CheckSurroundings(tools.surroundings, width, height, pair.input);
+    NoteMissingRelief(plan.style,
+                      opened.planes.bands() + static_cast<int>(tools.surroundings.channels.size()),
+                      opened.notices);
+    LitSettings settings = SettingsFor(plan, tools.surroundings);
+    settings.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
+    const vips::VImage lit = LitImage(opened.planes, settings);
+    vips_image_set_progress(lit.get_image(), TRUE);
+    g_signal_connect(lit.get_image(), "eval", G_CALLBACK(ProgressTeller::Tell), &teller);
+    MakeFolder(plan.targets[index]);
+    WriteImage({lit, opened.metadata, pair.input, settings.hasSourceFailed}, pair.output,
+               plan.targets[index], existing, complaints, opened.notices);
+    for (const std::string& notice : opened.notices)
+      channel.Notice(pair.input + ": " + notice);
+    return {width, height};
+  } catch (const vips::VError&) {
+    throw LibraryFailure(ExitCode::BadInput, pair.input);
+  }
+}
+
+// Decodes the whole image, has the plug-in light it, and writes it.
+AppliedSize LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+                               const JobChannel& channel) {
+  const ImagePair& pair = plan.pairs[index];
+  const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
   Photograph photograph = ReadPhotograph(pair.input);
   channel.Progress(READ_SHARE);
   double told = 0;
-  LightPhotograph(tools.plugin, plan.style, tools.surroundings, photograph, pair.input,
+  LightPhotograph(*tools.plugin, plan.style, tools.surroundings, photograph, pair.input,
                   [&](double share) {
                     if (share < told + 0.01)
                       return;
@@ -52,6 +118,17 @@ AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   for (const std::string& notice : photograph.notices)
     channel.Notice(pair.input + ": " + notice);
   return {photograph.width, photograph.height};
+}
+
+} // namespace
+
+AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+                     const JobChannel& channel) {
+  const ImagePair& pair = plan.pairs[index];
+  CheckTarget(pair.input, pair.output, plan.options.force ? Existing::Replace : Existing::Keep);
+  CheckOutputFormat(pair.output);
+  return tools.plugin ? LightThroughPlugin(plan, tools, index, channel)
+                      : LightInPassing(plan, tools, index, channel);
 }
 
 } // namespace limn

@@ -6,6 +6,7 @@
 #include "lighting.h"
 #include "worker_pool.h"
 
+#include <optional>
 #include <string>
 
 namespace limn {
@@ -22,7 +23,7 @@ struct ApplyPlan {
 
 // What is read once in each process, before its first image.
 struct ApplyTools {
-  CVPlugin plugin;
+  std::optional<CVPlugin> plugin; // none: the lighting is done here
   Surroundings surroundings;
   std::vector<std::string> notices; // about mask and channels
 };

@@ -13,11 +13,13 @@ namespace {
 
 using vips::VImage;
 
-// Decodes, and turns the picture the way up that its orientation tag asks for.
-std::vector<uint8_t> Decode(const VImage& image) {
-  // Turning reads the rows in another order than the decoder gives them.
-  const VImage upright =
-      vips_image_get_orientation(image.get_image()) > 1 ? image.copy_memory().autorot() : image;
+// The way up that its orientation tag asks for. Turning reads the rows in another order than the
+// decoder gives them, so a picture that has to be turned is decoded here.
+VImage Upright(const VImage& image) {
+  return vips_image_get_orientation(image.get_image()) > 1 ? image.copy_memory().autorot() : image;
+}
+
+std::vector<uint8_t> Decode(const VImage& upright) {
   const size_t numPixels = static_cast<size_t>(upright.width()) * upright.height();
   std::vector<uint8_t> pixels(numPixels * upright.bands());
   const VImage memory =
@@ -25,10 +27,6 @@ std::vector<uint8_t> Decode(const VImage& image) {
                               upright.bands(), VIPS_FORMAT_UCHAR);
   upright.write(memory);
   return pixels;
-}
-
-bool SwapsSides(const VImage& image) {
-  return vips_image_get_orientation_swap(image.get_image()) != FALSE;
 }
 
 void NotePages(const VImage& image, std::vector<std::string>& notices) {
@@ -66,17 +64,26 @@ std::vector<uint8_t> NeutralPlane(const std::vector<uint8_t>& pixels, size_t num
 
 } // namespace
 
+OpenedPhotograph OpenPhotograph(const std::string& path) {
+  OpenedPhotograph opened;
+  const VImage image = OpenImage(path);
+  NotePages(image, opened.notices);
+  const VImage planes = ToRgbPlanes(image, opened.notices);
+  opened.metadata = CopyMetadata(planes);
+  opened.planes = Upright(planes);
+  return opened;
+}
+
 Photograph ReadPhotograph(const std::string& path) {
   return Guarded(path, [&] {
+    OpenedPhotograph opened = OpenPhotograph(path);
     Photograph photograph;
-    const VImage image = OpenImage(path);
-    NotePages(image, photograph.notices);
-    const VImage planes = ToRgbPlanes(image, photograph.notices);
-    photograph.metadata = CopyMetadata(planes);
-    photograph.numPlanes = planes.bands();
-    photograph.width = SwapsSides(planes) ? planes.height() : planes.width();
-    photograph.height = SwapsSides(planes) ? planes.width() : planes.height();
-    photograph.pixels = Decode(planes);
+    photograph.metadata = opened.metadata;
+    photograph.notices = std::move(opened.notices);
+    photograph.numPlanes = opened.planes.bands();
+    photograph.width = opened.planes.width();
+    photograph.height = opened.planes.height();
+    photograph.pixels = Decode(opened.planes);
     return photograph;
   });
 }
@@ -84,13 +91,13 @@ Photograph ReadPhotograph(const std::string& path) {
 GreyImage ReadGreyImage(const std::string& path, std::vector<std::string>& notices) {
   return Guarded(path, [&] {
     const VImage image = OpenImage(path);
-    const VImage planes = ToPlainPlanes(image, notices);
+    const VImage planes = Upright(ToPlainPlanes(image, notices));
     if (planes.bands() == 4)
       throw Failure(ExitCode::BadInput, path + ": is a CMYK image where a grey one is needed");
     GreyImage grey;
     grey.file = path;
-    grey.width = SwapsSides(planes) ? planes.height() : planes.width();
-    grey.height = SwapsSides(planes) ? planes.width() : planes.height();
+    grey.width = planes.width();
+    grey.height = planes.height();
     grey.pixels = Decode(planes);
     if (planes.bands() == 3)
       grey.pixels = NeutralPlane(grey.pixels, 3, path);

@@ -30,6 +30,18 @@ struct Photograph {
   std::vector<std::string> notices; // what reading changed: "16 bits a channel become 8"
 };
 
+// A photograph whose pixels have not been read yet.
+struct OpenedPhotograph {
+  vips::VImage planes;              // upright; the first three red, green and blue, all of 8 bits
+  vips::VImage metadata;            // as Photograph's
+  std::vector<std::string> notices; // likewise
+};
+
+// Reads the header. The pixels are decoded once, from top to bottom, when asked for; what is wrong
+// with them shows then, as an error or a warning of libvips. Throws Failure or vips::VError. The
+// caller holds Complaints.
+OpenedPhotograph OpenPhotograph(const std::string& path);
+
 // Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
 // their profile to sRGB, more than 8 bits become 8, the orientation is applied; alpha and further
 // channels follow as they are. A file that is cut short or damaged is a Failure(BadInput).

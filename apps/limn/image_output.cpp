@@ -133,27 +133,40 @@ void CheckOutputFormat(const OutputName& name) {
   complaints.Check(ExitCode::WrongUsage, name.path + name.options);
 }
 
-void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
-                     Existing existing) {
+void WriteImage(const WrittenImage& image, const OutputName& name, const std::string& target,
+                Existing existing, const Complaints& complaints,
+                std::vector<std::string>& notices) {
   const OutputFormat& format = FormatOf(name.path);
-  const Complaints complaints;
   AtomicFile file(target, existing);
   try {
-    VImage image = VImage::new_from_memory(photograph.pixels.data(), photograph.pixels.size(),
-                                           photograph.width, photograph.height,
-                                           photograph.numPlanes, VIPS_FORMAT_UCHAR)
-                       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
-    DropPlanes(image, format, photograph.notices);
-    image = WithMetadata(image, photograph.metadata);
-    DropMetadata(image, format, photograph.notices);
+    VImage planes =
+        image.planes.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+    DropPlanes(planes, format, notices);
+    planes = WithMetadata(planes, image.metadata);
+    DropMetadata(planes, format, notices);
     const std::string suffix = format.suffix + AllOptions(format, name.options);
-    image.write_to_target(suffix.c_str(),
-                          vips::VTarget::new_to_descriptor(file.DescriptorNumber()));
-    complaints.Check(ExitCode::CannotWrite, name.path);
+    planes.write_to_target(suffix.c_str(),
+                           vips::VTarget::new_to_descriptor(file.DescriptorNumber()));
   } catch (const vips::VError&) {
-    throw LibraryFailure(ExitCode::CannotWrite, name.path);
+    throw image.hasSourceFailed != nullptr && *image.hasSourceFailed
+        ? LibraryFailure(ExitCode::BadInput, image.source)
+        : LibraryFailure(ExitCode::CannotWrite, name.path);
   }
+  if (image.source.empty())
+    complaints.Check(ExitCode::CannotWrite, name.path);
+  else
+    complaints.Check(ExitCode::BadInput, image.source);
   file.Commit();
+}
+
+void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
+                     Existing existing) {
+  const Complaints complaints;
+  const VImage planes =
+      VImage::new_from_memory(photograph.pixels.data(), photograph.pixels.size(), photograph.width,
+                              photograph.height, photograph.numPlanes, VIPS_FORMAT_UCHAR);
+  WriteImage({planes, photograph.metadata, "", nullptr}, name, target, existing, complaints,
+             photograph.notices);
 }
 
 } // namespace limn

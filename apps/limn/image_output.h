@@ -3,7 +3,10 @@
 
 #include "atomic_file.h"
 #include "image_file.h"
+#include "image_library.h"
 
+#include <atomic>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,6 +24,21 @@ bool IsWritableName(const std::string& path);
 
 // Fails when the format or its options do not exist (WrongUsage), before any work is done.
 void CheckOutputFormat(const OutputName& name);
+
+// An image to be written, which may still have to be decoded and lit while it is.
+struct WrittenImage {
+  vips::VImage planes;
+  vips::VImage metadata; // as Photograph's
+  std::string source;    // the file that its pixels come from, or empty when they are all there
+  std::shared_ptr<std::atomic<bool>> hasSourceFailed; // by then; null without a source
+};
+
+// Writes the image, with its metadata, to `target` (as ResolveTarget gives it). Channels that the
+// format cannot hold are left out, which is added to `notices`. The old file, if any, stays until
+// the new one is complete. Throws Failure: CannotWrite, NoMemory, or BadInput about the source. The
+// caller holds `complaints` since before the source was opened.
+void WriteImage(const WrittenImage& image, const OutputName& name, const std::string& target,
+                Existing existing, const Complaints& complaints, std::vector<std::string>& notices);
 
 // Writes the photograph, with its metadata, to `target` (as ResolveTarget gives it). Channels that
 // the format cannot hold are left out, which is added to the photograph's notices. The old file, if

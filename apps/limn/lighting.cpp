@@ -18,11 +18,10 @@ std::string Size(int width, int height) {
   return std::to_string(width) + " × " + std::to_string(height);
 }
 
-void CheckSize(const GreyImage& grey, const Photograph& photograph, const std::string& file) {
-  if (grey.width != photograph.width || grey.height != photograph.height)
+void CheckSize(const GreyImage& grey, int width, int height, const std::string& file) {
+  if (grey.width != width || grey.height != height)
     throw Failure(ExitCode::BadInput, grey.file + ": is " + Size(grey.width, grey.height) +
-                                          " pixels, and " + file + " is " +
-                                          Size(photograph.width, photograph.height));
+                                          " pixels, and " + file + " is " + Size(width, height));
 }
 
 ExitCode CodeOf(CVOutcome outcome) {
@@ -93,12 +92,11 @@ CVPlugin LoadPlugin() {
   return plugin;
 }
 
-CVRect AreaOf(const Surroundings& surroundings, const Photograph& photograph,
-              const std::string& file) {
-  const Area area = surroundings.area.value_or(Area{0, 0, photograph.width, photograph.height});
-  if (area.x > photograph.width - area.width || area.y > photograph.height - area.height)
-    throw Failure(ExitCode::WrongUsage, file + ": the area reaches outside its " +
-                                            Size(photograph.width, photograph.height) + " pixels");
+CVRect AreaOf(const Surroundings& surroundings, int width, int height, const std::string& file) {
+  const Area area = surroundings.area.value_or(Area{0, 0, width, height});
+  if (area.x > width - area.width || area.y > height - area.height)
+    throw Failure(ExitCode::WrongUsage,
+                  file + ": the area reaches outside its " + Size(width, height) + " pixels");
   return {static_cast<int16_t>(area.y), static_cast<int16_t>(area.x),
           static_cast<int16_t>(area.y + area.height), static_cast<int16_t>(area.x + area.width)};
 }
@@ -106,6 +104,15 @@ CVRect AreaOf(const Surroundings& surroundings, const Photograph& photograph,
 void CheckRun(const CVResult& result, const std::string& file) {
   if (!result.ok())
     throw Failure(CodeOf(result.outcome), file + ": " + result.message);
+}
+
+void CheckSurroundings(const Surroundings& surroundings, int width, int height,
+                       const std::string& file) {
+  AreaOf(surroundings, width, height, file);
+  for (const GreyImage& channel : surroundings.channels)
+    CheckSize(channel, width, height, file);
+  if (surroundings.mask)
+    CheckSize(*surroundings.mask, width, height, file);
 }
 
 CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
@@ -116,13 +123,13 @@ CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
                          CV_MODE_RGB, photograph.numPlanes),
            file);
   for (GreyImage& channel : surroundings.channels) {
-    CheckSize(channel, photograph, file);
+    CheckSize(channel, photograph.width, photograph.height, file);
     CheckRun(document.wrapChannel(ChannelName(channel.file), channel.pixels.data(),
                                   static_cast<size_t>(channel.width)),
              file);
   }
   if (surroundings.mask) {
-    CheckSize(*surroundings.mask, photograph, file);
+    CheckSize(*surroundings.mask, photograph.width, photograph.height, file);
     CheckRun(
         document.wrapMask(surroundings.mask->pixels.data(), static_cast<size_t>(photograph.width)),
         file);
@@ -130,10 +137,10 @@ CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
   return document;
 }
 
-void NoteMissingRelief(const LM_style& style, int numChannels, Photograph& photograph) {
+void NoteMissingRelief(const LM_style& style, int numChannels, std::vector<std::string>& notices) {
   if (style.bumpChannel != 0 && LM_ChannelOrNone(style.bumpChannel, numChannels) == 0)
-    photograph.notices.push_back("has no channel " + std::to_string(style.bumpChannel) +
-                                 ", so it is lit without the style's relief");
+    notices.push_back("has no channel " + std::to_string(style.bumpChannel) +
+                      ", so it is lit without the style's relief");
 }
 
 std::string ChannelName(const std::string& file) {
@@ -143,9 +150,9 @@ std::string ChannelName(const std::string& file) {
 void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings& surroundings,
                      Photograph& photograph, const std::string& file,
                      const std::function<void(double)>& progress) {
-  const CVRect area = AreaOf(surroundings, photograph, file);
+  const CVRect area = AreaOf(surroundings, photograph.width, photograph.height, file);
   CVDocument document = MakeDocument(surroundings, photograph, file);
-  NoteMissingRelief(style, document.channelCount(), photograph);
+  NoteMissingRelief(style, document.channelCount(), photograph.notices);
   const auto parameters = MakeParameters(style, area, document.channelCount(), file);
   CVFilterSession session(plugin);
   CheckRun(session.setParameters(parameters.get(), sizeof *parameters), file);

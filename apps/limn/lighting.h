@@ -47,13 +47,15 @@ void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings
 // Failure when mask or channels do not fit.
 CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
                         const std::string& file);
-// The rectangle to filter. Throws Failure(WrongUsage) when it is not inside the photograph.
-CVRect AreaOf(const Surroundings& surroundings, const Photograph& photograph,
-              const std::string& file);
+// The rectangle to filter. Throws Failure(WrongUsage) when it is not inside the image.
+CVRect AreaOf(const Surroundings& surroundings, int width, int height, const std::string& file);
 // Throws what a run's result means as a Failure about `file`.
 void CheckRun(const CVResult& result, const std::string& file);
 // Adds a notice when the style's relief channel is not one of the document's.
-void NoteMissingRelief(const LM_style& style, int numChannels, Photograph& photograph);
+void NoteMissingRelief(const LM_style& style, int numChannels, std::vector<std::string>& notices);
+// Throws Failure when area, mask or channels do not fit an image of that size.
+void CheckSurroundings(const Surroundings& surroundings, int width, int height,
+                       const std::string& file);
 
 // The name of a channel that an image file becomes: the file's own without folder and extension.
 std::string ChannelName(const std::string& file);

@@ -95,6 +95,9 @@ void AddApply(CLI::App& app, Command& command) {
       ->add_option("-j,--jobs", options->jobs, "Images to work on at a time\n(default: processors)")
       ->type_name("N")
       ->check(CLI::Range(1, 256));
+  apply->add_flag("--through-plugin", options->isThroughPlugin,
+                  "Have the plug-in light the whole image in memory, as the\neditor does; the "
+                  "result is the same");
   apply->add_flag("-f,--force", options->force,
                   "Replace existing files, the inputs too if so named");
   apply->add_flag("-q,--quiet", options->quiet, "Print nothing but failures");

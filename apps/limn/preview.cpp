@@ -59,11 +59,11 @@ ExitCode WritePreview(const PreviewOptions& options) {
   Photograph photograph = ReadPhotograph(options.image);
   CVDocument document = MakeDocument(surroundings, photograph, options.image);
   if (!options.isUnlit)
-    NoteMissingRelief(named.style, document.channelCount(), photograph);
+    NoteMissingRelief(named.style, document.channelCount(), photograph.notices);
   PrintNotices(options.image, photograph.notices);
   FramePicture frame =
-      DrawFrame(document, AreaOf(surroundings, photograph, options.image), named.style,
-                options.isUnlit ? Light::Off : Light::On, options.image);
+      DrawFrame(document, AreaOf(surroundings, photograph.width, photograph.height, options.image),
+                named.style, options.isUnlit ? Light::Off : Light::On, options.image);
   WriteFrame(std::move(frame), output, existing);
   return ExitCode::Done;
 }

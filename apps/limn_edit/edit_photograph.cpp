@@ -96,7 +96,8 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   if (!hasDesktop)
     throw Failure(ExitCode::Refused, "there is no display to show the dialog on");
   CVDocument document = MakeDocument(sources.surroundings, sources.photograph, options.image);
-  const CVRect area = AreaOf(sources.surroundings, sources.photograph, options.image);
+  const CVRect area = AreaOf(sources.surroundings, sources.photograph.width,
+                             sources.photograph.height, options.image);
   RunWindow window(Task("Lighting ", options.image));
   const CVResult result = RunDialog(plugin, document, area, window);
   if (result.outcome == CVOutcome::Cancelled)

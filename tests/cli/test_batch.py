@@ -52,7 +52,7 @@ class Batch(support.LimnTest):
         codes = {"bad.png": 3, "crash.ppm": 6, "taken.ppm": 4, "absent.ppm": 3}
         for jobs in [1, 4]:
             with self.subTest(jobs=jobs):
-                answer = self.limn("apply", *images, "-o", "out/", "--jobs", jobs, "--json", code=6,
+                answer = self.limn("apply", "--through-plugin", *images, "-o", "out/", "--jobs", jobs, "--json", code=6,
                                    env={"LIMN_PLUGIN": support.MISBEHAVING_MODULE})
                 lines = [json.loads(line) for line in answer.stdout.splitlines()]
                 self.assertEqual(sorted(line["input"] for line in lines), sorted(images))

@@ -34,7 +34,7 @@ class Interruption(support.LimnTest):
         """Three finished images, and one on which the plug-in never ends."""
         for name, width in [("a.ppm", 9), ("b.ppm", 9), ("c.ppm", 9), ("stuck.ppm", 4)]:
             support.write_pnm(name, support.smooth(width, 4))
-        process = self.start("apply", "a.ppm", "b.ppm", "c.ppm", "stuck.ppm", "-o", "out/", "--jobs", 1,
+        process = self.start("apply", "--through-plugin", "a.ppm", "b.ppm", "c.ppm", "stuck.ppm", "-o", "out/", "--jobs", 1,
                              env={"LIMN_PLUGIN": support.MISBEHAVING_MODULE})
         wait_for(lambda: os.path.exists("out/c.ppm"))
         time.sleep(0.2)

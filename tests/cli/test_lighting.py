@@ -74,6 +74,25 @@ class Lighting(support.LimnTest):
         self.assertIn("has no channel 4", answer.stderr)
         self.assertSame(support.read("lit.tif"), flat, "a channel that is not there")
 
+    def test_plugin_lights_the_same(self):
+        support.write_pnm("heights.pgm", support.pattern(90, 70, 1, seed=7))
+        support.write_pnm("mask.pgm", support.pattern(90, 70, 1, seed=8))
+        support.write_png("alpha.png", support.pattern(90, 70, 4, seed=9))
+        support.write_tiff("turned.tif", support.pattern(90, 70, 3, seed=10), orientation=6)
+        support.write_pnm("wide.ppm", support.pattern(2100, 40, 3, seed=11))
+        surroundings = ["--area", "7,3,71,60", "--mask", "mask.pgm", "--channel", "heights.pgm"]
+        for image in ["in.ppm", "alpha.png", "turned.tif", "wide.ppm"]:
+            for style in ["Default", "Evening Lamp", "light.json"]:
+                for channel, options in [(0, []), (2, []), (4, ["--channel", "heights.pgm"]), (0, surroundings),
+                                         (4, surroundings)]:
+                    if options and image in ("turned.tif", "wide.ppm"):
+                        continue
+                    with self.subTest(image, style=style, channel=channel, options=options):
+                        run = ["apply", image, "-s", style, "--set", f"bumpChannel={channel}", *options, "-qf", "-o"]
+                        self.limn(*run, "here.tif")
+                        self.limn(*run, "there.tif", "--through-plugin")
+                        self.assertSame(support.read("here.tif"), support.read("there.tif"))
+
     def test_settings(self):
         with open("other.json", "w") as file:
             json.dump({**STYLE, "exposure": 150, "lights": [{**STYLE["lights"][0], "intensity": 40}]}, file)

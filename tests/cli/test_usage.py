@@ -121,9 +121,10 @@ class Usage(support.LimnTest):
                                   (9, 0, "")]:
             with self.subTest(width=width):
                 support.write_pnm("narrow.ppm", support.smooth(width, 4))
-                self.limn("apply", "narrow.ppm", "-o", "out.ppm", code=code, says=says, env=env)
+                self.limn("apply", "--through-plugin", "narrow.ppm", "-o", "out.ppm", code=code, says=says, env=env)
                 self.assertEqual(os.path.exists("out.ppm"), code == 0)
-        self.limn("apply", "in.ppm", "-o", "new.ppm", code=REFUSED, says="nowhere.so", env={"LIMN_PLUGIN": "nowhere.so"})
+        self.limn("apply", "--through-plugin", "in.ppm", "-o", "new.ppm", code=REFUSED, says="nowhere.so",
+                  env={"LIMN_PLUGIN": "nowhere.so"})
 
     def test_help_and_version(self):
         self.assertRegex(self.limn("--version").stdout, r"^limn \d+\.\d+\.\d+\n$")

@@ -1,0 +1,234 @@
+#include "lit_image.h"
+
+#include "CVMix.h"
+#include "LM_parameters.h"
+#include "LM_render.h"
+#include "LM_style_settings.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace limn {
+namespace {
+
+using vips::VImage;
+
+constexpr int NUM_LIT = 3;
+constexpr int LONGEST_SIDE = 32767; // rectangles have 16-bit sides
+
+// What all threads share, read only.
+struct Lighting {
+  LM_render_job job;
+  // The images, the lit one first; null where there is none. Owned by the output image.
+  VipsImage* images[4] = {};
+  int reliefImage = -1; // which of them has the relief, or -1
+  int reliefBand = 0;
+  int maskImage = -1;
+  std::shared_ptr<std::atomic<bool>> hasSourceFailed;
+};
+
+// What one thread works with.
+struct Worker {
+  VipsRegion* regions[3] = {};
+  LM_render_scratch_pointer scratch;
+};
+
+int StopWorker(void* sequence, void*, void*) {
+  std::unique_ptr<Worker> worker(static_cast<Worker*>(sequence));
+  for (VipsRegion*& region : worker->regions)
+    VIPS_UNREF(region);
+  return 0;
+}
+
+void* StartWorker(VipsImage*, void* shared, void*) {
+  const Lighting& lighting = *static_cast<const Lighting*>(shared);
+  auto* worker = new (std::nothrow) Worker;
+  if (worker != nullptr)
+    worker->scratch = LM_NewRenderScratch();
+  if (worker == nullptr || worker->scratch == nullptr) {
+    delete worker;
+    vips_error("limn", "out of memory");
+    return nullptr;
+  }
+  for (int i = 0; lighting.images[i] != nullptr; ++i) {
+    worker->regions[i] = vips_region_new(lighting.images[i]);
+    if (worker->regions[i] == nullptr) {
+      StopWorker(worker, nullptr, nullptr);
+      return nullptr;
+    }
+  }
+  return worker;
+}
+
+CVRect32 ToRect(const VipsRect& rect) {
+  return {rect.top, rect.left, rect.top + rect.height, rect.left + rect.width};
+}
+
+// The part of the rectangle that is to be lit; may be empty.
+CVRect32 LitPart(const Lighting& lighting, const VipsRect& rect) {
+  const CVRect& area = lighting.job.area;
+  const CVRect32 wanted = ToRect(rect);
+  return {std::max<int32_t>(wanted.top, area.top), std::max<int32_t>(wanted.left, area.left),
+          std::min<int32_t>(wanted.bottom, area.bottom),
+          std::min<int32_t>(wanted.right, area.right)};
+}
+
+// What is needed of image `number` for the rectangle.
+VipsRect NeededOf(const Lighting& lighting, int number, const VipsRect& rect) {
+  if (number != lighting.reliefImage)
+    return rect;
+  VipsRect needed = rect;
+  vips_rect_marginadjust(&needed, LM_RELIEF_REACH);
+  const VipsRect all = {0, 0, lighting.job.imageWidth, lighting.job.imageHeight};
+  vips_rect_intersectrect(&needed, &all, &needed);
+  return needed;
+}
+
+template <class Byte> LM_view<Byte> ViewOf(VipsRegion* region, int band) {
+  return {VIPS_REGION_ADDR(region, region->valid.left, region->valid.top) + band,
+          static_cast<ptrdiff_t>(VIPS_REGION_LSKIP(region)), region->im->Bands,
+          ToRect(region->valid)};
+}
+
+void MixRow(const VipsPel* before, const VipsPel* selection, VipsPel* lit, int bands, int width) {
+  for (int x = 0; x < width; ++x, before += bands, lit += bands)
+    for (int band = 0; band < NUM_LIT; ++band)
+      lit[band] = CVMixSelected(before[band], lit[band], selection[x]);
+}
+
+void Mix(const Worker& worker, int maskImage, VipsRegion* output, const CVRect32& part) {
+  for (int y = part.top; y < part.bottom; ++y)
+    MixRow(VIPS_REGION_ADDR(worker.regions[0], part.left, y),
+           VIPS_REGION_ADDR(worker.regions[maskImage], part.left, y),
+           VIPS_REGION_ADDR(output, part.left, y), output->im->Bands, part.right - part.left);
+}
+
+void CopyRows(VipsRegion* from, VipsRegion* into) {
+  const VipsRect& rect = into->valid;
+  const size_t length = VIPS_REGION_SIZEOF_LINE(into);
+  for (int y = rect.top; y < rect.top + rect.height; ++y)
+    std::memcpy(VIPS_REGION_ADDR(into, rect.left, y), VIPS_REGION_ADDR(from, rect.left, y), length);
+}
+
+// Has every image's pixels made that the rectangle needs, or only the lit image's.
+bool Fetch(const Lighting& lighting, Worker& worker, const VipsRect& rect, bool firstOnly) {
+  for (int i = 0; lighting.images[i] != nullptr && (i == 0 || !firstOnly); ++i) {
+    const VipsRect needed = NeededOf(lighting, i, rect);
+    if (vips_region_prepare(worker.regions[i], &needed) == 0)
+      continue;
+    if (i == 0 && lighting.hasSourceFailed != nullptr)
+      *lighting.hasSourceFailed = true;
+    return false;
+  }
+  return true;
+}
+
+int Light(VipsRegion* output, void* sequence, void*, void* shared, gboolean*) {
+  const Lighting& lighting = *static_cast<const Lighting*>(shared);
+  Worker& worker = *static_cast<Worker*>(sequence);
+  const CVRect32 part = LitPart(lighting, output->valid);
+  if (!Fetch(lighting, worker, output->valid, LM_IsEmpty(part)))
+    return -1;
+  if (LM_IsEmpty(part))
+    return vips_region_region(output, worker.regions[0], &output->valid, output->valid.left,
+                              output->valid.top);
+  const int64_t numLit = int64_t{part.right - part.left} * (part.bottom - part.top);
+  if (output->im->Bands != NUM_LIT || numLit != int64_t{output->valid.width} * output->valid.height)
+    CopyRows(worker.regions[0], output);
+  LM_render_views views = {};
+  views.source = ViewOf<const uint8_t>(worker.regions[0], 0);
+  views.output = ViewOf<uint8_t>(output, 0);
+  if (lighting.reliefImage >= 0)
+    views.relief = ViewOf<const uint8_t>(worker.regions[lighting.reliefImage], lighting.reliefBand);
+  const LM_render_result result = LM_RenderRect(lighting.job, views, part, *worker.scratch);
+  if (result != LM_render_result::Done) {
+    vips_error("limn", "%s", LM_RenderMessage(result));
+    return -1;
+  }
+  if (lighting.maskImage >= 0)
+    Mix(worker, lighting.maskImage, output, part);
+  return 0;
+}
+
+[[noreturn]] void Refuse(const char* sentence) {
+  vips_error("limn", "%s", sentence);
+  throw vips::VError();
+}
+
+void CheckPlane(const VImage& plane, const VImage& image, const char* sentence) {
+  if (plane.bands() != 1 || plane.format() != VIPS_FORMAT_UCHAR || plane.width() != image.width() ||
+      plane.height() != image.height())
+    Refuse(sentence);
+}
+
+LitArea AreaOf(const VImage& image, const LitSettings& settings) {
+  const LitArea area = settings.area.value_or(LitArea{0, 0, image.width(), image.height()});
+  if (area.x < 0 || area.y < 0 || area.width <= 0 || area.height <= 0 ||
+      area.width > image.width() - area.x || area.height > image.height() - area.y)
+    Refuse("the area reaches outside the image");
+  return area;
+}
+
+void Prepare(Lighting& lighting, const VImage& image, const LitSettings& settings) {
+  const LitArea area = AreaOf(image, settings);
+  const int numChannels = image.bands() + static_cast<int>(settings.channels.size());
+  const auto params = std::make_unique<foo>();
+  const CVRect rect = {static_cast<int16_t>(area.y), static_cast<int16_t>(area.x),
+                       static_cast<int16_t>(area.y + area.height),
+                       static_cast<int16_t>(area.x + area.width)};
+  if (!LM_ParametersFromStyle(settings.style, area.width, area.height, numChannels, params.get()) ||
+      LM_PrepareRender(*params, rect, image.width(), image.height(), LM_BestKernels(),
+                       lighting.job) != LM_render_result::Done)
+    Refuse("out of memory");
+  lighting.hasSourceFailed = settings.hasSourceFailed;
+  int numImages = 1;
+  lighting.images[0] = image.get_image();
+  const int channel = LM_ChannelOrNone(params->bumpChannel, numChannels) - 1;
+  if (channel >= image.bands()) {
+    const VImage& relief = settings.channels[static_cast<size_t>(channel - image.bands())];
+    CheckPlane(relief, image, "the relief is not one 8-bit band of the image's size");
+    lighting.reliefImage = numImages;
+    lighting.images[numImages++] = relief.get_image();
+  } else if (channel >= 0) {
+    lighting.reliefImage = 0;
+    lighting.reliefBand = channel;
+  }
+  if (settings.mask) {
+    CheckPlane(*settings.mask, image, "the mask is not one 8-bit band of the image's size");
+    lighting.maskImage = numImages;
+    lighting.images[numImages] = settings.mask->get_image();
+  }
+}
+
+void Release(void* lighting) {
+  std::unique_ptr<Lighting> owned(static_cast<Lighting*>(lighting));
+  for (VipsImage* image : owned->images)
+    if (image != nullptr)
+      g_object_unref(image);
+}
+
+} // namespace
+
+VImage LitImage(const VImage& image, const LitSettings& settings) {
+  if (image.format() != VIPS_FORMAT_UCHAR || image.bands() < NUM_LIT ||
+      vips_image_get_coding(image.get_image()) != VIPS_CODING_NONE)
+    Refuse("the image does not have 8-bit red, green and blue");
+  if (image.width() > LONGEST_SIDE || image.height() > LONGEST_SIDE)
+    Refuse("a side of the image has more than 32767 pixels");
+  auto owned = std::make_unique<Lighting>();
+  Prepare(*owned, image, settings);
+  Lighting* const lighting = owned.get();
+  VipsImage* const output = vips_image_new();
+  const VImage result(output);
+  for (VipsImage* input : lighting->images)
+    if (input != nullptr)
+      g_object_ref(input);
+  g_object_set_data_full(G_OBJECT(output), "limn-lighting", owned.release(), Release);
+  if (vips_image_pipeline_array(output, VIPS_DEMAND_STYLE_FATSTRIP, lighting->images) != 0 ||
+      vips_image_generate(output, StartWorker, Light, StopWorker, lighting, lighting) != 0)
+    throw vips::VError();
+  return result;
+}
+
+} // namespace limn

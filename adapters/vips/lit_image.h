@@ -1,0 +1,38 @@
+// Lighting as a step of a libvips pipeline: pixels are lit when somebody asks for them, on as many
+// threads as libvips uses, and only the rows around them are in memory.
+#pragma once
+
+#include "LM_style.h"
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <vector>
+#include <vips/vips8>
+
+namespace limn {
+
+// A rectangle of an image, in pixels.
+struct LitArea {
+  int x, y, width, height;
+};
+
+struct LitSettings {
+  LM_style style;
+  std::optional<LitArea> area; // none: the whole image
+  // Channels behind the image's own bands, for the style's relief: one 8-bit band each, of the
+  // image's size. Only the one that the style names is ever read.
+  std::vector<vips::VImage> channels;
+  // The selection, one 8-bit band of the image's size; a null image: everything is selected.
+  std::optional<vips::VImage> mask;
+  // Becomes true when the image's own pixels cannot be had, which libvips' error does not tell from
+  // what goes wrong behind the lighting. May be null.
+  std::shared_ptr<std::atomic<bool>> hasSourceFailed;
+};
+
+// The image, of 8-bit bands of which the first three are red, green and blue, with those three lit
+// in the area. Gives the bytes that the plug-in gives. Nothing is computed here; the images are
+// kept alive by the result. Throws vips::VError with a sentence when something does not fit.
+vips::VImage LitImage(const vips::VImage& image, const LitSettings& settings);
+
+} // namespace limn
