@@ -2,6 +2,8 @@
 
 #include "apply_one.h"
 #include "atomic_file.h"
+#include "image_shard.h"
+#include "name_list.h"
 #include "output_target.h"
 #include "progress_bar.h"
 #include "report.h"
@@ -24,6 +26,11 @@ int NumProcessors() {
   cpu_set_t set;
   CPU_ZERO(&set);
   return sched_getaffinity(0, sizeof set, &set) == 0 ? std::max(1, CPU_COUNT(&set)) : 1;
+}
+
+void PrintJson(const nlohmann::ordered_json& line) {
+  PrintLine(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+  std::fflush(stdout); // a line for each image as it is done, also into a pipe
 }
 
 // Prints what happens to the images of a batch.
@@ -55,11 +62,6 @@ public:
   }
 
 private:
-  void _Print(const nlohmann::ordered_json& line) {
-    PrintLine(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
-    std::fflush(stdout); // a line for each image as it is done, also into a pipe
-  }
-
   void _Done(const JobResult& result) {
     const ImagePair& pair = _plan.pairs[result.job];
     int width = 0;
@@ -67,10 +69,10 @@ private:
     double seconds = 0;
     std::sscanf(result.payload.c_str(), "%d %d %lf", &width, &height, &seconds);
     if (_plan.options.json) {
-      _Print({{"input", pair.input},
-              {"output", pair.output.path},
-              {"size", {width, height}},
-              {"seconds", seconds}});
+      PrintJson({{"input", pair.input},
+                 {"output", pair.output.path},
+                 {"size", {width, height}},
+                 {"seconds", seconds}});
     } else if (!_plan.options.quiet) {
       char figures[80];
       std::snprintf(figures, sizeof figures, " (%d × %d, %.2f s)", width, height, seconds);
@@ -84,10 +86,10 @@ private:
         result.hasDied ? pair.input + ": " + result.payload : result.payload;
     PrintProblem(sentence);
     if (_plan.options.json)
-      _Print({{"input", pair.input},
-              {"output", pair.output.path},
-              {"error", sentence},
-              {"code", static_cast<int>(result.code)}});
+      PrintJson({{"input", pair.input},
+                 {"output", pair.output.path},
+                 {"error", sentence},
+                 {"code", static_cast<int>(result.code)}});
     _worst = std::max(_worst, result.code);
   }
 
@@ -95,6 +97,17 @@ private:
   ProgressBar _bar;
   ExitCode _worst = ExitCode::Done;
 };
+
+// What to light, before any look at what is there already.
+std::vector<ImagePair> Pairs(const ApplyOptions& options) {
+  const Shard shard = ParseShard(options.shard);
+  ImageNames names{options.images, {}};
+  if (!options.listFile.empty())
+    names.listed = ReadNameList(options.listFile, options.isListNul ? '\0' : '\n');
+  return OfShard(
+      ListImages(names, options.output, options.isRecursive ? Folders::Walk : Folders::Refuse),
+      shard);
+}
 
 ApplyPlan MakePlan(const ApplyOptions& options) {
   ApplyPlan plan;
@@ -111,8 +124,7 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
     OpenRegularFile(options.mask);
   for (const std::string& channel : options.channels)
     OpenRegularFile(channel);
-  plan.pairs = ListImages(options.images, options.output,
-                          options.isRecursive ? Folders::Walk : Folders::Refuse);
+  plan.pairs = Pairs(options);
   for (const ImagePair& pair : plan.pairs) {
     try {
       plan.targets.push_back(ResolveTarget(pair.output.path));
@@ -121,6 +133,28 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
     }
   }
   return plan;
+}
+
+// Takes images whose output is there out of the plan, and tells of them.
+void SkipExisting(ApplyPlan& plan) {
+  std::vector<ImagePair> pairs;
+  std::vector<std::string> targets;
+  for (size_t i = 0; i < plan.pairs.size(); ++i) {
+    if (access(plan.targets[i].c_str(), F_OK) != 0) {
+      pairs.push_back(std::move(plan.pairs[i]));
+      targets.push_back(std::move(plan.targets[i]));
+    } else if (plan.options.json) {
+      PrintJson({{"input", plan.pairs[i].input},
+                 {"output", plan.pairs[i].output.path},
+                 {"skipped", true}});
+    }
+  }
+  const size_t numSkipped = plan.pairs.size() - pairs.size();
+  if (numSkipped > 0 && !plan.options.json && !plan.options.quiet)
+    PrintProblem(std::to_string(numSkipped) + " of " + std::to_string(plan.pairs.size()) +
+                 " images are skipped: their output is there already");
+  plan.pairs = std::move(pairs);
+  plan.targets = std::move(targets);
 }
 
 // Inside a worker.
@@ -152,6 +186,8 @@ std::string Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t
 
 ExitCode Apply(const ApplyOptions& options) {
   ApplyPlan plan = MakePlan(options);
+  if (options.isSkippingExisting)
+    SkipExisting(plan);
   const int numProcessors = NumProcessors();
   const int numWorkers = static_cast<int>(std::min<size_t>(
       options.jobs > 0 ? options.jobs : numProcessors, std::max<size_t>(plan.pairs.size(), 1)));

@@ -10,8 +10,12 @@ namespace limn {
 
 struct ApplyOptions {
   std::vector<std::string> images;
+  std::string listFile; // names more of them; "-" is standard input; or empty
+  bool isListNul = false;
   std::string output;
   bool isRecursive = false;
+  std::string shard; // "I/N", or empty
+  bool isSkippingExisting = false;
   std::string style;
   std::vector<std::string> settings;
   std::string area; // "X,Y,W,H", or empty

@@ -52,38 +52,50 @@ void RefuseCollisions(const std::vector<ImagePair>& pairs) {
   }
 }
 
-std::vector<ImagePair> ListOne(const std::string& input, const std::string& output) {
-  return {{input, ParseOutputName(output)}};
+// The name below the output folder of an image that a list names.
+fs::path PlaceOf(const fs::path& listed) {
+  const fs::path place = listed.lexically_normal();
+  const bool isBelow = place.is_relative() && !place.empty() && *place.begin() != "..";
+  return isBelow ? place : place.filename();
+}
+
+// Adds what one name stands for. place: where it goes below the output folder; a folder's content
+// goes right into that of a named one.
+void AddName(const std::string& name, const fs::path& target, const fs::path& place,
+             Folders folders, std::vector<ImagePair>& pairs) {
+  if (!IsFolder(name)) {
+    pairs.push_back({name, {(target / place).string(), ""}});
+    return;
+  }
+  if (folders == Folders::Refuse)
+    throw Failure(ExitCode::WrongUsage, name + ": is a folder; -r lights all images in it");
+  for (const fs::path& file : WalkFolder(name, target))
+    pairs.push_back({file.string(), {(target / file.lexically_relative(name)).string(), ""}});
 }
 
 } // namespace
 
-std::vector<ImagePair> ListImages(const std::vector<std::string>& inputs, const std::string& output,
+std::vector<ImagePair> ListImages(const ImageNames& names, const std::string& output,
                                   Folders folders) {
   if (output.empty())
     throw Failure(ExitCode::WrongUsage, "the output has no name");
-  const bool hasFolder = std::any_of(inputs.begin(), inputs.end(), IsFolder);
+  const bool hasFolder = std::any_of(names.given.begin(), names.given.end(), IsFolder);
   const bool isIntoFolder = output.back() == '/' || IsFolder(output) || hasFolder;
-  if (inputs.size() > 1 && !isIntoFolder)
+  if ((names.given.size() > 1 || names.listed) && !isIntoFolder)
     throw Failure(ExitCode::WrongUsage,
                   output + ": must be a folder for several images; end it with a slash");
   if (!isIntoFolder)
-    return ListOne(inputs.front(), output);
+    return {{names.given.front(), ParseOutputName(output)}};
 
   std::vector<ImagePair> pairs;
-  const fs::path target = output;
-  for (const std::string& input : inputs) {
-    if (!IsFolder(input)) {
-      pairs.push_back({input, {(target / fs::path(input).filename()).string(), ""}});
-      continue;
-    }
-    if (folders == Folders::Refuse)
-      throw Failure(ExitCode::WrongUsage, input + ": is a folder; -r lights all images in it");
-    for (const fs::path& file : WalkFolder(input, target))
-      pairs.push_back({file.string(), {(target / file.lexically_relative(input)).string(), ""}});
-  }
+  for (const std::string& name : names.given)
+    AddName(name, output, fs::path(name).filename(), folders, pairs);
+  for (const std::string& name : names.listed.value_or(std::vector<std::string>()))
+    AddName(name, output, PlaceOf(name), folders, pairs);
   if (pairs.empty())
-    throw Failure(ExitCode::BadInput, inputs.front() + ": holds no image");
+    throw Failure(ExitCode::BadInput, names.given.empty()
+                                          ? "the list names no image"
+                                          : names.given.front() + ": holds no image");
   RefuseCollisions(pairs);
   return pairs;
 }

@@ -3,6 +3,7 @@
 
 #include "image_output.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,13 +16,20 @@ struct ImagePair {
 
 enum class Folders { Refuse, Walk };
 
-// inputs: files and, with Folders::Walk, folders, whose tree is kept in the output. output: a file
+struct ImageNames {
+  std::vector<std::string> given;
+  // From a list, which always goes into a folder: a relative name that stays below the current
+  // folder keeps its folders there, any other is written under its last part.
+  std::optional<std::vector<std::string>> listed;
+};
+
+// names: files and, with Folders::Walk, folders, whose tree is kept in the output. output: a file
 // with save options when there is one input file, else a folder (that need not exist yet). In a
 // folder, files with an image's extension count, in alphabetical order; links to folders are not
 // followed, and the output folder itself is left out. Throws Failure(WrongUsage), also when two
 // images would be written to one file, and Failure(BadInput) for a folder that cannot be listed and
 // when there is no image at all.
-std::vector<ImagePair> ListImages(const std::vector<std::string>& inputs, const std::string& output,
+std::vector<ImagePair> ListImages(const ImageNames& names, const std::string& output,
                                   Folders folders);
 
 } // namespace limn

@@ -127,7 +127,7 @@ class Usage(support.LimnTest):
                   env={"LIMN_PLUGIN": "nowhere.so"})
 
     def test_help_and_version(self):
-        self.assertRegex(self.limn("--version").stdout, r"^limn \d+\.\d+\.\d+\n$")
+        self.assertRegex(self.limn("--version").stdout, r"^limn \d+\.\d+\.\d+ \(vectors: \w+\)\n$")
         for arguments in [[], ["apply"], ["edit"], ["preview"], ["channels"], ["styles"], ["style"], ["style", "pack"]]:
             lines = self.limn(*arguments, "--help").stdout.splitlines()
             self.assertIn("Usage: ", "".join(lines))

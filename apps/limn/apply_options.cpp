@@ -1,0 +1,132 @@
+#include "command_line.h"
+
+#include "apply.h"
+
+#include "LM_style_fields.h"
+
+#include <memory>
+#include <vector>
+
+namespace limn {
+namespace {
+
+// Folds words into lines that fit a narrow terminal.
+std::string Folded(const std::vector<std::string>& words) {
+  constexpr size_t LONGEST_LINE = 76;
+  std::string text = "  ";
+  size_t length = 0;
+  for (const std::string& word : words) {
+    const bool isNewLine = length + word.size() > LONGEST_LINE;
+    if (length > 0)
+      text += isNewLine ? ",\n  " : ", ";
+    text += word;
+    length = (isNewLine ? 0 : length) + word.size() + 2;
+  }
+  return text;
+}
+
+std::string ApplyNotes() {
+  return "Settings for --set, N being a light's number from 0:\n" + Folded(LM_StyleKeys()) +
+         "\nLight types are omni, directional and spot; an array can be set whole:\n"
+         "  --set light.0.color=65535,50000,30000\n"
+         "\n"
+         "Examples:\n"
+         "  limn apply photo.jpg -o lit.jpg\n"
+         "  limn apply -s 'Evening Lamp' --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
+         "  limn apply --channel heights.png --set bumpChannel=4 photo.jpg -o lit.png\n"
+         "  limn apply -r holiday -o lit/ --skip-existing --json\n\n";
+}
+
+constexpr const char* MANY_IMAGES =
+    "Many images: names in a --from-file list keep their folders below the output, if\n"
+    "they are relative. --shard I/N sorts the outputs by name and takes the I-th of\n"
+    "every N, so that N runs with the same images do them all, each once, wherever\n"
+    "they run and whatever is already written.\n\n";
+
+void AddInputs(CLI::App& apply, ApplyOptions& options) {
+  apply.add_option("IMAGE", options.images, "Photographs to light, or folders with -r");
+  apply
+      .add_option("--from-file", options.listFile,
+                  "A file with more names of photographs, one a line;\n"
+                  "- for standard input")
+      ->type_name("LIST|-");
+  apply.add_flag("-0,--null", options.isListNul, "Names in the list end in a NUL byte");
+  apply.add_flag("-r,--recursive", options.isRecursive,
+                 "Light all images in the folders and keep their tree");
+  apply
+      .add_option("--shard", options.shard,
+                  "Light only the I-th of every N images, I from 1 to N;\nsee below")
+      ->type_name("I/N");
+}
+
+void AddOutput(CLI::App& apply, ApplyOptions& options) {
+  apply
+      .add_option("-o,--output", options.output,
+                  "The file to write, in the format of its extension, with\n"
+                  "libvips' save options in brackets (lit.jpg[Q=92]); or a\n"
+                  "folder, ending in a slash, for several images")
+      ->required()
+      ->type_name("FILE|FOLDER/");
+  CLI::Option* const force = apply.add_flag("-f,--force", options.force,
+                                            "Replace existing files, the inputs too if so named");
+  apply
+      .add_flag("--skip-existing", options.isSkippingExisting,
+                "Leave out images whose output is there already: goes\non with a batch that was "
+                "stopped")
+      ->excludes(force);
+}
+
+void AddLighting(CLI::App& apply, ApplyOptions& options) {
+  apply
+      .add_option("-s,--style", options.style,
+                  "A style file, its JSON form, or the name of a style\n(default: Default)")
+      ->type_name("NAME|FILE");
+  apply.add_option("--set", options.settings, "Change one setting of the style; may be repeated")
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);
+  apply.add_option("--area", options.area, "Light only this rectangle, in pixels")
+      ->type_name("X,Y,W,H");
+  apply
+      .add_option("--mask", options.mask,
+                  "A grey image of the same size: light fully where it is\n"
+                  "white, not at all where it is black")
+      ->type_name("IMAGE");
+  apply
+      .add_option("--channel", options.channels,
+                  "A grey image of the same size, as one more channel that\n"
+                  "a style can take its relief from; not written to the\n"
+                  "output; may be repeated")
+      ->type_name("IMAGE")
+      ->allow_extra_args(false);
+}
+
+void AddRunning(CLI::App& apply, ApplyOptions& options) {
+  apply.add_option("-j,--jobs", options.jobs, "Images to work on at a time\n(default: processors)")
+      ->type_name("N")
+      ->check(CLI::Range(1, 256));
+  apply.add_flag("--through-plugin", options.isThroughPlugin,
+                 "Have the plug-in light the whole image in memory, as the\neditor does; the "
+                 "result is the same");
+  apply.add_flag("-q,--quiet", options.quiet, "Print nothing but failures");
+  apply.add_flag("--json", options.json,
+                 "Print a line of JSON for each image: input, output,\nsize, seconds");
+}
+
+} // namespace
+
+void AddApply(CLI::App& app, Command& command) {
+  auto options = std::make_shared<ApplyOptions>();
+  CLI::App* apply = app.add_subcommand("apply", "Light photographs and write the results");
+  apply->footer(ApplyNotes() + MANY_IMAGES + EXIT_CODES);
+  AddInputs(*apply, *options);
+  AddOutput(*apply, *options);
+  AddLighting(*apply, *options);
+  AddRunning(*apply, *options);
+  apply->callback([options, &command] {
+    if (options->images.empty() && options->listFile.empty())
+      throw CLI::RequiredError("IMAGE or --from-file");
+    command = [options] { return Apply(*options); };
+  });
+}
+
+} // namespace limn

@@ -1,0 +1,104 @@
+#include "command_line.h"
+
+#include "channels.h"
+#include "describe_options.h"
+#include "edit.h"
+#include "edit_options.h"
+#include "preview.h"
+#include "report.h"
+
+#include "LM_kernels.h"
+#include "LM_style_fields.h"
+
+#include <memory>
+#include <vector>
+
+namespace limn {
+
+const char* const EXIT_CODES =
+    "Exit codes: 0 done, 1 cancelled, 2 wrong usage, 3 bad input file, 4 could not\n"
+    "write, 5 out of memory, 6 refused by the plug-in. A batch ends with the\n"
+    "highest of its images.";
+
+namespace {
+
+void AddPreview(CLI::App& app, Command& command) {
+  auto options = std::make_shared<PreviewOptions>();
+  CLI::App* preview =
+      app.add_subcommand("preview", "Write the picture that the dialog shows of a style");
+  preview->footer("The picture is the dialog's frame, 280 × 280 pixels, the photograph in it.");
+  preview->add_option("IMAGE", options->image, "The photograph")->required();
+  preview->add_option("-o,--output", options->output, "The file to write, as for limn apply")
+      ->required()
+      ->type_name("FILE");
+  preview
+      ->add_option("-s,--style", options->style,
+                   "A style file, its JSON form, or the name of a style\n(default: Default)")
+      ->type_name("NAME|FILE");
+  preview->add_option("--set", options->settings, "As for limn apply")
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);
+  preview->add_option("--area", options->area, "Show only this rectangle, in pixels")
+      ->type_name("X,Y,W,H");
+  preview->add_option("--channel", options->channels, "As for limn apply; may be repeated")
+      ->type_name("IMAGE")
+      ->allow_extra_args(false);
+  preview->add_flag("--unlit", options->isUnlit, "As with the dialog's preview switched off");
+  preview->add_flag("-f,--force", options->force, "Replace an existing file");
+  preview->callback(
+      [options, &command] { command = [options] { return WritePreview(*options); }; });
+}
+
+void AddEdit(CLI::App& app, Command& command, char** argv) {
+  CLI::App* edit =
+      app.add_subcommand("edit", "Set the lights of a photograph by hand, in a window");
+  edit->footer("Cancel writes nothing and exits with 1. The styles that the dialog saves can\n"
+               "be named to limn apply.");
+  AddEditOptions(*edit);
+  edit->callback([argv, &command] { command = [argv]() -> ExitCode { BecomeEdit(argv); }; });
+}
+
+void AddChannels(CLI::App& app, Command& command) {
+  auto image = std::make_shared<std::string>();
+  auto added = std::make_shared<std::vector<std::string>>();
+  CLI::App* channels =
+      app.add_subcommand("channels", "List an image's channels by number and name");
+  channels->footer("A style's bumpChannel takes such a number; 0 there means no relief.");
+  channels->add_option("IMAGE", *image, "The image")->required();
+  channels->add_option("--channel", *added, "As for limn apply; may be repeated")
+      ->type_name("IMAGE")
+      ->allow_extra_args(false);
+  channels->callback([image, added, &command] {
+    command = [image, added] { return PrintChannels(*image, *added); };
+  });
+}
+
+// The vector code that this processor gets, or that there is none for it.
+std::string Version() {
+  const LM_kernels* const kernels = LM_BestKernels();
+  return std::string("limn " LIMN_VERSION " (vectors: ") +
+         (kernels != nullptr ? kernels->name : "none") + ")";
+}
+
+} // namespace
+
+std::unique_ptr<CLI::App> MakeCommandLine(Command& command, char** argv) {
+  auto app = std::make_unique<CLI::App>(
+      "Limn relights photographs, with up to sixteen coloured lights and with relief\n"
+      "from any channel.",
+      "limn");
+  app->footer("limn COMMAND --help tells more about each.\n\n" + std::string(EXIT_CODES));
+  app->set_version_flag("--version", Version);
+  app->require_subcommand(1);
+  app->get_formatter()->column_width(24);
+  AddApply(*app, command);
+  AddEdit(*app, command, argv);
+  AddPreview(*app, command);
+  AddChannels(*app, command);
+  AddStyles(*app, command);
+  AddStyle(*app, command);
+  AddDescription(*app, LIMN_VERSION, LM_StyleKeys());
+  return app;
+}
+
+} // namespace limn
