@@ -5,9 +5,8 @@
 
 #include "LM_gallery.h"
 #include "LM_mac_stream.h"
-#include "LM_style_codec.h"
+#include "LM_style_bytes.h"
 #include "LM_style_fields.h"
-#include "LM_style_json.h"
 #include "LM_style_library.h"
 #include "LimnResources.h"
 #include "MacResources.h"
@@ -23,25 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Far above what sixteen lights need in JSON, far below what could hurt.
-constexpr size_t LONGEST_STYLE_FILE = 1 << 20;
-
 constexpr const char* DEFAULT_STYLE = "Default";
-
-bool IsJson(const std::vector<uint8_t>& bytes) {
-  const auto first = std::find_if(bytes.begin(), bytes.end(), [](uint8_t byte) {
-    return byte != ' ' && byte != '\t' && byte != '\n' && byte != '\r';
-  });
-  // A byte order mark may stand before the text.
-  return first != bytes.end() && (*first == '{' || *first == 0xef);
-}
-
-std::string_view TextOf(const std::vector<uint8_t>& bytes) {
-  std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  if (text.starts_with("\xef\xbb\xbf"))
-    text.remove_prefix(3);
-  return text;
-}
 
 bool IsThere(const fs::path& path) {
   std::error_code error;
@@ -82,12 +63,9 @@ const StyleLibrary& UseStyleLibrary() {
 }
 
 NamedStyle ReadStyleFile(const std::string& path) {
-  const std::vector<uint8_t> bytes = ReadSmallFile(path, LONGEST_STYLE_FILE);
+  const std::vector<uint8_t> bytes = ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
   NamedStyle named{};
-  const bool isRead = IsJson(bytes)
-                          ? LM_StyleFromJson(TextOf(bytes), named.style, named.warning)
-                          : LM_DecodeStyle(bytes.data(), bytes.size(), named.style, named.warning);
-  if (!isRead)
+  if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning))
     throw Failure(ExitCode::BadInput, path + ": " + named.warning);
   return named;
 }
