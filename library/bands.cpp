@@ -1,0 +1,136 @@
+#include "bands.h"
+
+#include "guard.h"
+
+#include <algorithm>
+#include <atomic>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace limn {
+namespace {
+
+// Small enough for a prompt stop and an even share, large enough that neither the start of a band
+// nor that of a thread counts.
+constexpr int32_t BAND_PIXELS = 1 << 16;
+constexpr int32_t LEAST_BAND_ROWS = 16;
+constexpr int MOST_THREADS = 256;
+
+class BandLoop {
+public:
+  BandLoop(Rows rows, int32_t width, const LightRows& light)
+      : _light(light), _rows(rows), _bandRows(std::max(BAND_PIXELS / width, LEAST_BAND_ROWS)),
+        _next(rows.first) {}
+
+  int Bands() const { return (_rows.last - _rows.first + _bandRows - 1) / _bandRows; }
+
+  // Lights the next band. False when there is none, or when all shall stop.
+  bool LightNext(LM_render_scratch& scratch) {
+    if (_stop.load(std::memory_order_relaxed))
+      return false;
+    const int32_t first = _next.fetch_add(_bandRows, std::memory_order_relaxed);
+    if (first >= _rows.last)
+      return false;
+    const int32_t last = std::min(first + _bandRows, _rows.last);
+    _light({first, last}, scratch);
+    _done.fetch_add(last - first, std::memory_order_relaxed);
+    return true;
+  }
+
+  void Stop() { _stop.store(true, std::memory_order_relaxed); }
+  double Done() const {
+    return static_cast<double>(_done.load(std::memory_order_relaxed)) / (_rows.last - _rows.first);
+  }
+
+private:
+  const LightRows& _light;
+  Rows _rows;
+  int32_t _bandRows;
+  std::atomic<int32_t> _next;
+  std::atomic<int32_t> _done = 0;
+  std::atomic<bool> _stop = false;
+};
+
+// Ends the loop and waits for its threads, however the scope is left.
+class Workers {
+public:
+  explicit Workers(BandLoop& loop) : _loop(loop) {}
+  ~Workers() {
+    _loop.Stop();
+    Join();
+  }
+  Workers(const Workers&) = delete;
+  Workers& operator=(const Workers&) = delete;
+
+  // One more thread for the loop; false when the system grants none.
+  bool Add(LM_render_scratch& scratch) {
+    try {
+      _threads.emplace_back([this, &scratch] {
+        while (_loop.LightNext(scratch)) {
+        }
+      });
+      return true;
+    } catch (const std::system_error&) {
+      return false;
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+  }
+  void Join() {
+    for (std::thread& thread : _threads)
+      thread.join();
+    _threads.clear();
+  }
+
+private:
+  BandLoop& _loop;
+  std::vector<std::thread> _threads;
+};
+
+int ThreadsFor(const limn_options& options, int bands) {
+  const int wanted =
+      options.threads > 0
+          ? options.threads
+          : static_cast<int>(std::min<unsigned>(std::thread::hardware_concurrency(), MOST_THREADS));
+  return std::clamp(wanted, 1, std::min(bands, MOST_THREADS));
+}
+
+bool WantsStop(const limn_options& options, double done) {
+  if (options.progress == nullptr)
+    return false;
+  try {
+    return options.progress(done, options.user) != 0;
+  } catch (...) {
+    throw Failure{LIMN_FAILED, "the progress function threw an exception"};
+  }
+}
+
+void NeedGoing(const limn_options& options, double done) {
+  if (WantsStop(options, done))
+    throw Failure{LIMN_CANCELLED, "the lighting was cancelled"};
+}
+
+} // namespace
+
+void LightInBands(Rows rows, int32_t width, const limn_options& options, const LightRows& light) {
+  BandLoop loop(rows, width, light);
+  std::vector<LM_render_scratch_pointer> scratch;
+  for (int i = ThreadsFor(options, loop.Bands()); i > 0; --i) {
+    scratch.push_back(LM_NewRenderScratch());
+    if (scratch.back() == nullptr)
+      throw std::bad_alloc();
+  }
+  NeedGoing(options, 0);
+  Workers workers(loop);
+  for (size_t i = 1; i < scratch.size() && workers.Add(*scratch[i]); ++i) {
+  }
+  while (loop.LightNext(*scratch[0])) {
+    if (loop.Done() < 1)
+      NeedGoing(options, loop.Done());
+  }
+  workers.Join();
+  WantsStop(options, 1); // too late to stop
+}
+
+} // namespace limn

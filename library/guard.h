@@ -1,0 +1,63 @@
+// The border between C++ and C: failures are thrown behind it and reported in front of it.
+#pragma once
+
+#include "limn.h"
+
+#include <cfenv>
+#include <new>
+#include <string>
+
+namespace limn {
+
+// Ends a call of the library with this code and sentence.
+struct Failure {
+  limn_result code;
+  std::string text;
+};
+
+// Fills the caller's error, cut between characters where it is full. error: may be null.
+void Report(limn_error* error, limn_result code, const char* text) noexcept;
+
+// Floating point as the arithmetic is defined on, whatever the calling program has set: rounded to
+// nearest, with subnormal numbers. Ends with the caller's own.
+class FloatingPoint {
+public:
+  FloatingPoint() {
+    std::fegetenv(&_callers);
+    std::fesetenv(FE_DFL_ENV);
+  }
+  ~FloatingPoint() { std::fesetenv(&_callers); }
+  FloatingPoint(const FloatingPoint&) = delete;
+  FloatingPoint& operator=(const FloatingPoint&) = delete;
+
+private:
+  std::fenv_t _callers;
+};
+
+// Runs `work` and turns what it throws into the call's error.
+template <class Work> limn_result Guard(limn_error* error, Work work) noexcept {
+  try {
+    const FloatingPoint floatingPoint;
+    work();
+    Report(error, LIMN_OK, "");
+    return LIMN_OK;
+  } catch (const Failure& failure) {
+    Report(error, failure.code, failure.text.c_str());
+    return failure.code;
+  } catch (const std::bad_alloc&) {
+    Report(error, LIMN_NO_MEMORY, "there is not enough memory");
+    return LIMN_NO_MEMORY;
+  } catch (...) {
+    Report(error, LIMN_FAILED, "the library failed");
+    return LIMN_FAILED;
+  }
+}
+
+// Throws LIMN_BAD_ARGUMENT about a pointer that is null; `name` is the argument's.
+void NeedPointer(const void* pointer, const char* name);
+
+// Writes text as the C interface hands it out: cut where `room` is full, ending with a zero, the
+// whole length returned.
+size_t CopyText(const std::string& text, char* buffer, size_t room) noexcept;
+
+} // namespace limn

@@ -1,0 +1,128 @@
+#include "bands.h"
+#include "guard.h"
+#include "picture.h"
+#include "settings.h"
+
+#include "LM_render.h"
+#include "LM_style_settings.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+struct limn_lighting {
+  LM_render_job job;
+  limn::Format format;
+  int ownRelief; // the picture's channel that the style takes as relief, from 1, or 0
+};
+
+namespace limn {
+namespace {
+
+std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn_picture* picture) {
+  NeedPointer(settings, "settings");
+  NeedPointer(picture, "picture");
+  const Format format = FormatOf(*picture);
+  const LM_style& style = settings->style;
+  if (style.lightsRead == 0)
+    throw Failure{LIMN_BAD_STYLE, "the style holds no light"};
+  const auto params = std::make_unique<foo>();
+  const CVRect32& area = format.area;
+  if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top,
+                              format.channels, params.get()))
+    throw std::bad_alloc();
+  auto lighting = std::make_unique<limn_lighting>();
+  lighting->format = format;
+  lighting->ownRelief = params->bumpChannel;
+  const CVRect narrow = {static_cast<int16_t>(area.top), static_cast<int16_t>(area.left),
+                         static_cast<int16_t>(area.bottom), static_cast<int16_t>(area.right)};
+  // The area was checked, so that there can be but one reason.
+  if (LM_PrepareRender(*params, narrow, format.width, format.height, LM_BestKernels(),
+                       lighting->job) != LM_render_result::Done)
+    throw std::bad_alloc();
+  return lighting;
+}
+
+// The relief that the area needs, moved to where no output is written. The view leads there.
+std::unique_ptr<uint8_t[]> CopyRelief(const Format& format, LM_source_view& relief) {
+  const CVRect32& area = format.area;
+  const CVRect32 rect = {std::max(area.top - LM_RELIEF_REACH, 0),
+                         std::max(area.left - LM_RELIEF_REACH, 0),
+                         std::min(area.bottom + LM_RELIEF_REACH, format.height),
+                         std::min(area.right + LM_RELIEF_REACH, format.width)};
+  const size_t width = static_cast<size_t>(rect.right - rect.left);
+  std::unique_ptr<uint8_t[]> copy(new uint8_t[width * static_cast<size_t>(rect.bottom - rect.top)]);
+  uint8_t* out = copy.get();
+  for (int32_t y = rect.top; y < rect.bottom; ++y) {
+    const uint8_t* in = relief.At(rect.left, y);
+    for (size_t x = 0; x < width; ++x, in += relief.pixelStep)
+      *out++ = *in;
+  }
+  relief = {copy.get(), static_cast<ptrdiff_t>(width), 1, rect};
+  return copy;
+}
+
+void CopyRows(const Format& format, const Pixels& pixels, Rows rows) {
+  const size_t bytes = static_cast<size_t>(format.width) * static_cast<size_t>(format.channels);
+  for (int32_t y = rows.first; y < rows.last; ++y)
+    std::memcpy(pixels.output.At(0, y), pixels.source.At(0, y), bytes);
+}
+
+void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_options& options) {
+  const Format& format = lighting.format;
+  if (!(FormatOf(picture) == format))
+    throw Failure{LIMN_BAD_ARGUMENT,
+                  "picture: its size, channels or area are not those of the lighting"};
+  Pixels pixels = PixelsOf(picture, format, lighting.ownRelief);
+  std::unique_ptr<uint8_t[]> relief;
+  if (pixels.reliefIsInOutput)
+    relief = CopyRelief(format, pixels.relief);
+  const LM_render_views views = {pixels.source, pixels.output, pixels.relief};
+  const CVRect32& area = format.area;
+  const bool isWhole =
+      area.top == 0 && area.left == 0 && area.bottom == format.height && area.right == format.width;
+  const bool copies = !pixels.inPlace && (format.channels > 3 || !isWhole);
+  const Rows rows = copies ? Rows{0, format.height} : Rows{area.top, area.bottom};
+  LightInBands(rows, format.width, options, [&](Rows band, LM_render_scratch& scratch) {
+    if (copies)
+      CopyRows(format, pixels, band);
+    LM_RenderRect(
+        lighting.job, views,
+        {std::max(band.first, area.top), area.left, std::min(band.last, area.bottom), area.right},
+        scratch);
+  });
+}
+
+} // namespace
+} // namespace limn
+
+using limn::Guard;
+using limn::NeedPointer;
+
+limn_lighting* limn_prepare(const limn_settings* settings, const limn_picture* picture,
+                            limn_error* error) {
+  limn_lighting* lighting = nullptr;
+  Guard(error, [&] { lighting = limn::Prepare(settings, picture).release(); });
+  return lighting;
+}
+
+limn_result limn_run(const limn_lighting* lighting, const limn_picture* picture,
+                     const limn_options* options, limn_error* error) {
+  return Guard(error, [&] {
+    NeedPointer(lighting, "lighting");
+    NeedPointer(picture, "picture");
+    limn::Run(*lighting, *picture, options == nullptr ? limn_options{} : *options);
+  });
+}
+
+limn_result limn_light(const limn_settings* settings, const limn_picture* picture,
+                       const limn_options* options, limn_error* error) {
+  return Guard(error, [&] {
+    const auto lighting = limn::Prepare(settings, picture);
+    limn::Run(*lighting, *picture, options == nullptr ? limn_options{} : *options);
+  });
+}
+
+void limn_lighting_free(limn_lighting* lighting) {
+  delete lighting;
+}

@@ -1,0 +1,375 @@
+// The C library as its users have it: through limn.h and the shared library alone.
+#include "FailingAllocation.h"
+
+#include <limn.h>
+
+#include <atomic>
+#include <cfenv>
+#include <cstdlib>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int WIDTH = 300;
+constexpr int HEIGHT = 260; // several bands
+constexpr uint8_t BESIDE = 0xA7;
+
+// Three lights, of every type, and relief from the green channel.
+constexpr const char* STYLE = R"({"bumpChannel": 2, "gloss": 180, "material": 100, "lights": [
+  {"type": "omni", "center": [20, -30], "color": [65535, 30000, 9000]},
+  {"type": "spot", "center": [-40, 30], "intensity": 90}, {"type": "directional"}]})";
+
+using Settings = std::unique_ptr<limn_settings, decltype(&limn_settings_free)>;
+using Lighting = std::unique_ptr<limn_lighting, decltype(&limn_lighting_free)>;
+using Bytes = std::vector<uint8_t>;
+
+Settings MakeSettings(const char* json = STYLE) {
+  return {limn_settings_from_json(json, nullptr), limn_settings_free};
+}
+
+Bytes Noise(size_t size) {
+  Bytes bytes(size);
+  uint32_t state = 7;
+  for (uint8_t& byte : bytes)
+    byte = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
+  return bytes;
+}
+
+limn_picture Packed(uint8_t* pixels) {
+  limn_picture picture = {};
+  picture.width = WIDTH;
+  picture.height = HEIGHT;
+  picture.channels = 3;
+  picture.source = picture.output = pixels;
+  return picture;
+}
+
+// The noise picture lit in place, in the plainest way: the measure of all others.
+Bytes Plain(limn_area area = {}) {
+  Bytes pixels = Noise(WIDTH * HEIGHT * 3);
+  limn_picture picture = Packed(pixels.data());
+  picture.area = area;
+  const limn_options options = {1, nullptr, nullptr};
+  limn_error error;
+  EXPECT_EQ(limn_light(MakeSettings().get(), &picture, &options, &error), LIMN_OK) << error.text;
+  return pixels;
+}
+
+// One way to lay out the pixels in memory.
+struct Layout {
+  const char* name;
+  int channels;
+  int gap; // bytes between rows
+  bool upwards, separate, sideBySide;
+  int reliefStep; // 0: the style's own channel; below 0: mirrored rows
+  limn_area area;
+};
+constexpr limn_area PART = {70, 40, 100, 200};
+const Layout LAYOUTS[] = {
+    {"in place", 3, 0, false, false, false, 0, {}},
+    {"with alpha", 4, 0, false, false, false, 0, {}},
+    {"many channels, gaps", 6, 11, false, false, false, 0, {}},
+    {"upwards", 4, 5, true, false, false, 0, {}},
+    {"another buffer", 3, 0, false, true, false, 0, {}},
+    {"another buffer with alpha", 5, 2, true, true, false, 0, {}},
+    {"side by side", 4, 0, false, true, true, 0, {}},
+    {"relief plane", 3, 0, false, false, false, 1, {}},
+    {"relief plane with steps", 4, 0, false, true, false, 3, {}},
+    {"relief plane backwards", 3, 1, false, false, false, -2, {}},
+    {"an area", 4, 3, false, false, false, 0, PART},
+    {"an area, another buffer", 3, 3, false, true, false, 1, PART},
+};
+
+// The noise picture in some layout: every byte that is not a pixel's first three is BESIDE.
+class LaidOut {
+public:
+  explicit LaidOut(const Layout& layout) : _layout(layout) {
+    const int rowBytes = WIDTH * layout.channels + layout.gap;
+    const ptrdiff_t stride = layout.sideBySide ? 2 * rowBytes : rowBytes;
+    _source.assign(static_cast<size_t>(stride * HEIGHT), BESIDE);
+    if (layout.separate && !layout.sideBySide)
+      _output.assign(_source.size(), 1);
+    const ptrdiff_t first = layout.upwards ? stride * (HEIGHT - 1) : 0;
+    picture = Packed(_source.data() + first);
+    picture.channels = layout.channels;
+    picture.source_stride = picture.output_stride = layout.upwards ? -stride : stride;
+    if (layout.separate)
+      picture.output = layout.sideBySide ? _source.data() + rowBytes : _output.data() + first;
+    picture.area = layout.area;
+    Fill();
+  }
+
+  // What the caller sees as the lit picture, with the bytes beside checked.
+  Bytes Result() const {
+    Bytes out;
+    for (int i = 0; i < WIDTH * HEIGHT * _layout.channels; ++i) {
+      const int x = i % (WIDTH * _layout.channels);
+      const uint8_t byte =
+          picture.output[i / (WIDTH * _layout.channels) * picture.output_stride + x];
+      if (x % _layout.channels < 3)
+        out.push_back(byte);
+      else if (byte != BESIDE)
+        ADD_FAILURE() << "byte " << i << " beside the colours is " << int{byte};
+    }
+    return out;
+  }
+
+  limn_picture picture;
+
+private:
+  void Fill() {
+    const Bytes noise = Noise(WIDTH * HEIGHT * 3);
+    const ptrdiff_t step = _layout.reliefStep;
+    _relief.assign(static_cast<size_t>(WIDTH * HEIGHT * std::abs(step)), 0);
+    if (step != 0) {
+      picture.relief = _relief.data() + (step < 0 ? (WIDTH - 1) * -step : 0);
+      picture.relief_step = step;
+      picture.relief_stride = WIDTH * std::abs(step);
+    }
+    uint8_t* source = const_cast<uint8_t*>(picture.source);
+    for (int i = 0; i < WIDTH * HEIGHT; ++i) {
+      const int x = i % WIDTH;
+      const int y = i / WIDTH;
+      std::copy_n(&noise[static_cast<size_t>(i) * 3], 3,
+                  source + y * picture.source_stride + x * _layout.channels);
+      if (step != 0)
+        const_cast<uint8_t*>(picture.relief)[y * picture.relief_stride + x * step] =
+            noise[static_cast<size_t>(i) * 3 + 1];
+    }
+  }
+
+  Layout _layout;
+  Bytes _source, _output, _relief;
+};
+
+TEST(Library, LightsEveryLayoutAlike) {
+  for (const Layout& layout : LAYOUTS) {
+    const Bytes expected = Plain(layout.area);
+    for (const int threads : {0, 1, 3, 1 << 30}) {
+      LaidOut pixels(layout);
+      const limn_options options = {threads, nullptr, nullptr};
+      limn_error error;
+      EXPECT_EQ(limn_light(MakeSettings().get(), &pixels.picture, &options, &error), LIMN_OK)
+          << layout.name << ": " << error.text;
+      EXPECT_TRUE(pixels.Result() == expected) << layout.name << ", " << threads << " threads";
+    }
+  }
+}
+
+TEST(Library, RefusesWhatCannotBe) {
+  const std::pair<const char*, std::function<void(limn_picture&)>> cases[] = {
+      {"width: 0 ", [](limn_picture& p) { p.width = 0; }},
+      {"height: -1 ", [](limn_picture& p) { p.height = -1; }},
+      {"width: 32768 ", [](limn_picture& p) { p.width = 32768; }},
+      {"channels: 2 ", [](limn_picture& p) { p.channels = 2; }},
+      {"source: it is a null", [](limn_picture& p) { p.source = nullptr; }},
+      {"output: it is a null", [](limn_picture& p) { p.output = nullptr; }},
+      {"source: rows of 900 bytes overlap", [](limn_picture& p) { p.source_stride = 899; }},
+      {"output: rows of 900 bytes overlap", [](limn_picture& p) { p.output_stride = -1; }},
+      {"source: -", [](limn_picture& p) { p.source_stride = PTRDIFF_MIN; }},
+      {"output: ", [](limn_picture& p) { p.output_stride = PTRDIFF_MAX / 2; }},
+      {"output: its rows", [](limn_picture& p) { p.output_stride = PTRDIFF_MIN / 2 / 260; }},
+      {"relief: ", [](limn_picture& p) { p.relief = p.source, p.relief_stride = PTRDIFF_MIN; }},
+      {"relief: ", [](limn_picture& p) { p.relief = p.source, p.relief_step = PTRDIFF_MAX; }},
+      {"shares bytes", [](limn_picture& p) { p.output += 3; }},
+      {"shares bytes", [](limn_picture& p) { p.source += 900 * 259; }},
+      {"area.width: 0 ",
+       [](limn_picture& p) {
+         p.area = {1, 0, 0, 0};
+       }},
+      {"area.x: 300 ",
+       [](limn_picture& p) {
+         p.area = {300, 0, 1, 1};
+       }},
+      {"area.height: 2147483647 ",
+       [](limn_picture& p) {
+         p.area = {0, 9, 1, INT32_MAX};
+       }},
+      {"area.y: -",
+       [](limn_picture& p) {
+         p.area = {0, INT32_MIN, 1, 1};
+       }},
+  };
+  const Bytes before = Noise(WIDTH * HEIGHT * 3);
+  for (const auto& [text, change] : cases) {
+    Bytes pixels = before;
+    limn_picture picture = Packed(pixels.data());
+    change(picture);
+    limn_error error;
+    EXPECT_EQ(limn_light(MakeSettings().get(), &picture, nullptr, &error), LIMN_BAD_ARGUMENT);
+    EXPECT_EQ(error.code, LIMN_BAD_ARGUMENT);
+    EXPECT_NE(std::string(error.text).find(text), std::string::npos) << text << ": " << error.text;
+    EXPECT_TRUE(pixels == before) << text;
+  }
+  EXPECT_EQ(limn_light(nullptr, nullptr, nullptr, nullptr), LIMN_BAD_ARGUMENT);
+  EXPECT_EQ(limn_run(nullptr, nullptr, nullptr, nullptr), LIMN_BAD_ARGUMENT);
+  EXPECT_EQ(limn_settings_load(nullptr, nullptr), nullptr);
+  EXPECT_EQ(limn_settings_copy(nullptr, nullptr), nullptr);
+  EXPECT_EQ(limn_settings_json(nullptr, nullptr, 9), 0U);
+  limn_settings_free(nullptr);
+  limn_lighting_free(nullptr);
+}
+
+TEST(Library, SaysWhatIsWrongWithAStyle) {
+  limn_error error;
+  const std::pair<const char*, limn_result> files[] = {{"/nowhere/at all", LIMN_CANNOT_READ},
+                                                       {"/tmp", LIMN_CANNOT_READ},
+                                                       {"/dev/zero", LIMN_CANNOT_READ},
+                                                       {"/proc/self/status", LIMN_BAD_STYLE}};
+  for (const auto& [path, code] : files) {
+    EXPECT_EQ(limn_settings_load(path, &error), nullptr) << path;
+    EXPECT_EQ(error.code, code) << path;
+    EXPECT_EQ(std::string(error.text).rfind(std::string(path) + ": ", 0), 0U) << error.text;
+  }
+  for (const char* text : {"", "{", "[]", "{}", R"({"gloss": 70000})", R"({"lights": []})"}) {
+    EXPECT_EQ(limn_settings_from_json(text, &error), nullptr) << text;
+    EXPECT_EQ(error.code, LIMN_BAD_STYLE) << text;
+    EXPECT_NE(error.text[0], '\0') << text;
+  }
+  EXPECT_EQ(limn_settings_bundled("No Such Style", &error), nullptr);
+  // As much of a name as fits, and no half character.
+  std::string longName;
+  for (int i = 0; i < 300; ++i)
+    longName += "ö";
+  EXPECT_EQ(limn_settings_load(longName.c_str(), &error), nullptr);
+  EXPECT_EQ(std::string(error.text), longName.substr(0, 506));
+}
+
+TEST(Library, SetsFieldsAndTellsThem) {
+  Settings settings = MakeSettings();
+  const auto json = [](const limn_settings* of) {
+    std::string text(limn_settings_json(of, nullptr, 0) + 1, '?');
+    limn_settings_json(of, text.data(), text.size());
+    return text;
+  };
+  limn_error error;
+  EXPECT_EQ(limn_settings_set(settings.get(), "light.3.type", "omni", &error), LIMN_OK);
+  const std::string whole = json(settings.get());
+  EXPECT_EQ(
+      json(Settings(limn_settings_from_json(whole.c_str(), nullptr), limn_settings_free).get()),
+      whole);
+  EXPECT_EQ(json(Settings(limn_settings_copy(settings.get(), nullptr), limn_settings_free).get()),
+            whole);
+  for (const auto& [key, value] : {std::pair{"glos", "1"},
+                                   {"gloss", "x"},
+                                   {"gloss", "99999"},
+                                   {"light.7.type", "omni"},
+                                   {"ambientColor", "1,2,70000"}}) {
+    EXPECT_EQ(limn_settings_set(settings.get(), key, value, &error), LIMN_BAD_ARGUMENT) << key;
+    EXPECT_EQ(json(settings.get()), whole) << key << " left something changed";
+  }
+  char cut[5];
+  EXPECT_EQ(limn_settings_json(settings.get(), cut, sizeof cut), whole.size() - 1);
+  EXPECT_EQ(std::string(cut), whole.substr(0, 4));
+  EXPECT_GT(limn_bundled_name(0, cut, sizeof cut), 0U);
+  EXPECT_EQ(limn_bundled_name(9999, cut, sizeof cut), 0U);
+}
+
+struct Progress {
+  std::thread::id caller = std::this_thread::get_id();
+  double last = -1;
+  double stopAt = 2;
+  bool throws = false;
+  static int Told(double done, void* user) {
+    Progress& self = *static_cast<Progress*>(user);
+    EXPECT_EQ(std::this_thread::get_id(), self.caller);
+    EXPECT_GE(done, self.last);
+    EXPECT_LE(done, 1);
+    self.last = done;
+    if (self.throws && done > 0)
+      throw std::runtime_error("not from C");
+    return done >= self.stopAt ? 1 : 0;
+  }
+};
+
+TEST(Library, TellsProgressAndStops) {
+  struct Case {
+    double stopAt;
+    bool throws;
+    limn_result result;
+    bool touched;
+  };
+  const Bytes before = Noise(WIDTH * HEIGHT * 3);
+  for (const Case& c : {Case{2, false, LIMN_OK, true}, Case{0, false, LIMN_CANCELLED, false},
+                        Case{0.1, false, LIMN_CANCELLED, true}, Case{2, true, LIMN_FAILED, true}}) {
+    Bytes pixels = before;
+    limn_picture picture = Packed(pixels.data());
+    Progress progress;
+    progress.stopAt = c.stopAt;
+    progress.throws = c.throws;
+    const limn_options options = {1, Progress::Told, &progress};
+    limn_error error;
+    EXPECT_EQ(limn_light(MakeSettings().get(), &picture, &options, &error), c.result);
+    EXPECT_EQ(pixels != before, c.touched);
+    EXPECT_EQ(progress.last == 1, c.result == LIMN_OK);
+  }
+}
+
+// Rounding and subnormals as some programs set them change nothing, and stay as they are.
+TEST(Library, HasItsOwnFloatingPoint) {
+  const Bytes expected = Plain();
+  std::fesetround(FE_UPWARD);
+  const Bytes upward = Plain();
+  EXPECT_EQ(std::fegetround(), FE_UPWARD);
+  std::fesetround(FE_TONEAREST);
+  EXPECT_TRUE(upward == expected);
+}
+
+TEST(Library, LeavesTheOutputWhenMemoryIsShort) {
+  const Bytes before = Noise(WIDTH * HEIGHT * 3);
+  const Bytes expected = Plain();
+  Settings settings = MakeSettings();
+  limn_result result = LIMN_NO_MEMORY;
+  int failures = 0;
+  for (int n = 0; n < 100; ++n) {
+    Bytes pixels = before;
+    const limn_picture picture = Packed(pixels.data());
+    const limn_options options = {2, nullptr, nullptr};
+    limn_error error;
+    FailAllocationAfter(n);
+    Settings copy(limn_settings_from_json(STYLE, &error), limn_settings_free);
+    result = copy == nullptr ? error.code : limn_light(copy.get(), &picture, &options, &error);
+    FailAllocationAfter(-1);
+    // Where only a further thread could not be had, the work is done without it.
+    EXPECT_TRUE(result == LIMN_OK || result == LIMN_NO_MEMORY) << error.text;
+    EXPECT_TRUE(pixels == (result == LIMN_OK ? expected : before)) << "allocation " << n;
+    failures += result == LIMN_NO_MEMORY ? 1 : 0;
+  }
+  EXPECT_EQ(result, LIMN_OK);
+  EXPECT_GT(failures, 5);
+}
+
+TEST(Library, ServesSeveralThreadsAtOnce) {
+  const Bytes expected = Plain();
+  Settings settings = MakeSettings();
+  const limn_picture format = Packed(nullptr);
+  Lighting lighting(limn_prepare(settings.get(), &format, nullptr), limn_lighting_free);
+  ASSERT_NE(lighting, nullptr);
+  std::vector<std::thread> threads;
+  std::atomic<int> same = 0;
+  for (int i = 0; i < 6; ++i)
+    threads.emplace_back([&, i] {
+      Bytes pixels = Noise(WIDTH * HEIGHT * 3);
+      const limn_picture picture = Packed(pixels.data());
+      if (i % 2 == 0)
+        limn_run(lighting.get(), &picture, nullptr, nullptr);
+      else
+        limn_light(settings.get(), &picture, nullptr, nullptr);
+      same += pixels == expected ? 1 : 0;
+    });
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(same, 6);
+  limn_picture other = format;
+  other.width = WIDTH - 1;
+  limn_error error;
+  EXPECT_EQ(limn_run(lighting.get(), &other, nullptr, &error), LIMN_BAD_ARGUMENT);
+}
+
+} // namespace
