@@ -10,10 +10,11 @@
 
 namespace {
 
-// What the filter may read: `columns` x `rows` bytes from `first`, a row every `rowBytes`.
+// What the filter may read: `columns` x `rows` bytes from `first`, a row every `rowBytes`, which
+// may run upwards.
 struct ChannelView {
   const uint8_t* first;
-  uint32_t rowBytes;
+  ptrdiff_t rowBytes;
   int32_t columns, rows;
 };
 
@@ -27,8 +28,7 @@ int32_t HeightAtEdge(const ChannelView& view, int32_t x, int32_t y, int32_t scal
   for (int r = 0; r < 3; ++r) {
     const int32_t row = std::min(y + 1 + r, view.rows - 1);
     for (int c = 0; c < 3; ++c)
-      taps[r][c] = view.first[static_cast<size_t>(row) * view.rowBytes +
-                              static_cast<size_t>(std::min(x + 1 + c, view.columns - 1))];
+      taps[r][c] = view.first[row * view.rowBytes + std::min(x + 1 + c, view.columns - 1)];
   }
   return LM_WeighHeight(taps[0], taps[1], taps[2], scale);
 }
@@ -51,8 +51,8 @@ bool GrowHeights(LM_bump_map& map, uint64_t needed) {
 ChannelView DeliveredView(const FilterRecord& record, const LM_globals& globals) {
   const CVPixelMap& preview = globals.previewMaps[LM_BUMP_PREVIEW_MAP];
   const CVRect& tile = record.inTileRect;
-  ChannelView view = {record.inPixels, static_cast<uint32_t>(record.inRowStride),
-                      tile.right - tile.left, tile.bottom - tile.top};
+  ChannelView view = {record.inPixels, record.inRowStride, tile.right - tile.left,
+                      tile.bottom - tile.top};
   if (record.inPixels == preview.baseAddress && preview.baseAddress != nullptr) {
     view.columns = preview.bounds.right + 2 * LM_BUMP_MARGIN;
     view.rows = preview.bounds.bottom + 2 * LM_BUMP_MARGIN;
@@ -98,11 +98,12 @@ int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals) {
       wanted.right != record->inTileRect.right || wanted.bottom != record->inTileRect.bottom;
   for (int32_t y = 0; y < rows; ++y) {
     int32_t* out = map.heights + static_cast<size_t>(y) * map.width;
-    const uint8_t* source = view.first + static_cast<size_t>(y) * view.rowBytes;
+    const uint8_t* source = view.first + (y + 1) * view.rowBytes + 1;
     const int32_t whole = y + LAST_TAP < view.rows ? std::min(columns, view.columns - LAST_TAP) : 0;
     int32_t x = 0;
     for (; x < whole; ++x)
-      out[x] = LM_FilterHeight(source + x, view.rowBytes, map.scale, map.kernel);
+      out[x] = LM_WeighHeight(source + x, source + x + view.rowBytes,
+                              source + x + 2 * view.rowBytes, map.scale);
     for (; x < columns; ++x)
       out[x] = cutShort ? HeightAtEdge(view, x, y, map.scale) : 0;
   }

@@ -40,8 +40,8 @@ void LM_globals::operator delete(void* object, [[maybe_unused]] size_t size) {
 
 void LM_globals::Default() {
   _DefaultSurface();
-  DiffuseSumCacheHot(0);
-  SpecularSumCacheHot(0);
+  // The relief's normals too, which depend on its height and direction.
+  InvalidateCaches();
   curLight = 0;
   numLights = 1;
   LM_light_UI& light = lights[0];

@@ -45,16 +45,29 @@ void BeginRealWalk(FilterRecord* record, LM_globals* g, foo* params) {
   ReportTiles(record, g);
 }
 
+// True when the host has delivered all three planes of the tile, and as much room for the output.
+bool TileIsDelivered(const FilterRecord* record) {
+  const CVRect& in = record->inTileRect;
+  const CVRect& out = record->outTileRect;
+  const int32_t rows = in.bottom - in.top;
+  const int32_t columns = in.right - in.left;
+  return rows > 0 && columns > 0 && out.bottom - out.top >= rows &&
+         out.right - out.left >= columns &&
+         record->inLastPlane - record->inFirstPlane == LM_PLANES - 1;
+}
+
 int16_t ContinueRealWalk(FilterRecord* record, LM_globals* g) {
   if (g->walkHasRelief == 0) {
-    LM_ShadeTile(record, g);
+    if (TileIsDelivered(record))
+      LM_ShadeTile(record, g);
     LM_SetNextRealTileRects(record, g);
     ++g->tilesDone;
     ReportTiles(record, g);
     return CV_RESULT_OK;
   }
   if (g->bumpTilePending == 1) {
-    LM_ShadeTileWithBumps(record, &g->bumpMap, g);
+    if (TileIsDelivered(record))
+      LM_ShadeTileWithBumps(record, &g->bumpMap, g);
     LM_SetNextRealTileRects(record, g);
     const CVRect& next = record->inTileRect;
     // The walk's end is an empty request, which must stay empty.
