@@ -5,7 +5,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test build deps test-sanitize test-portable bench lint format format-check install clean
+.PHONY: help demo test build deps test-sanitize test-portable fuzz bench lint format format-check install clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -43,6 +43,9 @@ test-portable: ## Run the tests with 32-bit pointers, and on an emulated 32-bit 
 	cmake --preset big-endian
 	cmake --build --preset big-endian -j $(JOBS)
 	cd build-big-endian && ctest --output-on-failure -j $(JOBS)
+
+fuzz: deps ## Let every fuzzer search for TIME seconds, or RUNS executions
+	scripts/fuzz $(FUZZERS)
 
 bench: build ## Measure the shading and the preview
 	$(BUILD)/bin/bench_shading

@@ -28,6 +28,7 @@ option(LIMN_QT "Build what needs Qt: the dialog and the desktop host" ON)
 option(LIMN_TESTS "Build the tests" ON)
 option(LIMN_BENCH "Build the benchmarks" ON)
 option(LIMN_WERROR "Treat warnings as errors" OFF)
+option(LIMN_FUZZ "Build the fuzzers to search for inputs (clang), not to replay the saved ones" OFF)
 set(LIMN_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
 
 find_program(LIMN_CCACHE ccache)
@@ -48,6 +49,10 @@ if(LIMN_SANITIZE)
   # Unsigned arithmetic is meant to wrap; everything that undefined behaviour covers is an error.
   add_compile_options(-fsanitize=${LIMN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${LIMN_SANITIZE})
+endif()
+
+if(LIMN_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link -g1)
 endif()
 
 # limn_install_private(TARGETS...): modules and libraries that only our programs load.
