@@ -59,9 +59,8 @@ inline bool CanDraw(const GrafPort* port) {
 int DeviceEdge(const PortState& state, int unit);
 QRect DeviceRect(const PortState& state, const QRect& units);
 QRegion DeviceRegion(const PortState& state, const QRegion& units);
-// A pen's extent: whole pixels, at least one, never more than its unit squares have, or never less.
+// A pen's extent: whole pixels, at least one, never more than its unit squares have.
 int DevicePenSize(const PortState& state, int units);
-int WideDevicePenSize(const PortState& state, int units);
 
 // The squares of a region; none of a null one.
 QRegion RegionSquares(RgnHandle region);

@@ -97,10 +97,6 @@ int DevicePenSize(const PortState& state, int units) {
   return std::max(1, static_cast<int>(std::floor(units * state.ratio + 1e-6)));
 }
 
-int WideDevicePenSize(const PortState& state, int units) {
-  return units <= 0 ? 0 : static_cast<int>(std::ceil(units * state.ratio - 1e-6));
-}
-
 QRegion WholePlane() {
   return QRegion(QRect(QPoint(-32768, -32768), QPoint(32767, 32767)));
 }

@@ -103,21 +103,23 @@ void Frame(const Shape& shape) {
   const Ink ink = PenInk(state, shape.box);
   const QRect outer = DeviceRect(state, shape.box);
   const Point pen = state.port->pen.pnSize;
+  // Just the pen's squares, so that frames within frames meet.
+  const int penWidth = std::max<int>(pen.h, 0);
+  const int penHeight = std::max<int>(pen.v, 0);
+  const QRect exact =
+      DeviceRect(state, shape.box.adjusted(penWidth, penHeight, -penWidth, -penHeight));
   if (IsSmooth(state, shape, ink.mode)) {
-    const double width = std::max<int>(pen.h, 0) * state.ratio;
-    const double height = std::max<int>(pen.v, 0) * state.ratio;
     QPainterPath path = SmoothInside(state, shape, outer);
-    path.addPath(
-        SmoothInside(state, shape, QRectF(outer).adjusted(width, height, -width, -height)));
+    path.addPath(SmoothInside(state, shape, exact));
     path.setFillRule(Qt::OddEvenFill);
     ComposePath(state, path, ink);
     return;
   }
-  // Copied frames are as wide as the widest square, so that frames within frames leave no gap.
-  const bool wide = ink.mode == patCopy || ink.mode == srcCopy;
-  const int width = wide ? WideDevicePenSize(state, pen.h) : DevicePenSize(state, pen.h);
-  const int height = wide ? WideDevicePenSize(state, pen.v) : DevicePenSize(state, pen.v);
-  const QRect inner = outer.adjusted(width, height, -width, -height);
+  // Figures that come and go are as wide on all sides, and fine.
+  const bool copied = ink.mode == patCopy || ink.mode == srcCopy;
+  const int width = DevicePenSize(state, pen.h);
+  const int height = DevicePenSize(state, pen.v);
+  const QRect inner = copied ? exact : outer.adjusted(width, height, -width, -height);
   ComposeRegion(state, HardInside(state, shape, outer).subtracted(HardInside(state, shape, inner)),
                 ink);
 }
