@@ -1,0 +1,219 @@
+/* Limn as a frei0r filter: lights every frame with one style.
+ *
+ * What cannot be done, for instance with a style that is not there, leaves the frames as they are
+ * and is told on standard error, once for each setting of the parameters: a player shall go on. */
+#include <frei0r.h>
+#include <limn.h>
+#include <math.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+enum { STYLE = 0, FIRST_SLIDER = 1, SLIDERS = 5, PARAMETERS = FIRST_SLIDER + SLIDERS };
+
+typedef struct Slider {
+  const char* name;
+  const char* explanation;
+  const char* key; /* of limn_settings_set */
+  int range;       /* what 1 stands for, less `offset` */
+  int offset;
+} Slider;
+
+static const Slider SLIDER[SLIDERS] = {
+    {"gloss", "How glossy the surface is, 0 to 1; below 0: the style's own", "gloss", 255, 0},
+    {"material", "From white highlights to coloured ones, 0 to 1; below 0: the style's own",
+     "material", 256, 0},
+    {"exposure", "Exposure, 0 to 1; below 0: the style's own", "exposure", 255, 0},
+    {"ambience", "Light from everywhere, 0 to 1; below 0: the style's own", "ambientBrightness",
+     254, 127},
+    {"relief", "Height of the relief, 0 to 1; below 0: the style's own", "bumpAmplitude", 255, 0}};
+
+typedef struct Filter {
+  unsigned int width, height;
+  char* style; /* a file, or the name of a bundled style; never null */
+  double slider[SLIDERS];
+  limn_lighting* lighting; /* null: not prepared, or it cannot be */
+  int isPrepared;          /* whether `lighting` is that of the parameters */
+  int hasComplained;       /* since then */
+} Filter;
+
+static void Complain(Filter* filter, const char* text) {
+  if (!filter->hasComplained)
+    fprintf(stderr, "limn: %s; the frames stay as they are\n", text);
+  filter->hasComplained = 1;
+}
+
+static void Forget(Filter* filter) {
+  limn_lighting_free(filter->lighting);
+  filter->lighting = NULL;
+  filter->isPrepared = 0;
+  filter->hasComplained = 0;
+}
+
+static char* CopyOf(const char* text) {
+  const size_t size = strlen(text) + 1;
+  char* copy = malloc(size);
+  if (copy != NULL)
+    memcpy(copy, text, size);
+  return copy;
+}
+
+/* A file that cannot be read may be the name of a bundled style. When it is neither, the file's
+ * error says more about a path, and the style's about a name. */
+static limn_settings* FindStyle(const char* style, limn_error* error) {
+  limn_error notBundled;
+  limn_settings* settings;
+  if (style[0] == '\0')
+    return limn_settings_new(error);
+  settings = limn_settings_load(style, error);
+  if (settings != NULL || error->code != LIMN_CANNOT_READ)
+    return settings;
+  settings = limn_settings_bundled(style, &notBundled);
+  if (settings != NULL || strpbrk(style, "/.") == NULL)
+    *error = notBundled;
+  return settings;
+}
+
+static int SetSliders(const Filter* filter, limn_settings* settings, limn_error* error) {
+  for (int i = 0; i < SLIDERS; ++i) {
+    char value[16];
+    if (!(filter->slider[i] >= 0))
+      continue;
+    snprintf(value, sizeof value, "%d",
+             (int)floor(fmin(filter->slider[i], 1) * SLIDER[i].range + 0.5) - SLIDER[i].offset);
+    if (limn_settings_set(settings, SLIDER[i].key, value, error) != LIMN_OK)
+      return 0;
+  }
+  return 1;
+}
+
+static limn_picture PictureOf(const Filter* filter) {
+  limn_picture picture;
+  memset(&picture, 0, sizeof picture);
+  /* A size that is too large is refused when it is prepared. */
+  picture.width = filter->width <= INT32_MAX ? (int32_t)filter->width : INT32_MAX;
+  picture.height = filter->height <= INT32_MAX ? (int32_t)filter->height : INT32_MAX;
+  picture.channels = 4;
+  return picture;
+}
+
+static void Prepare(Filter* filter) {
+  limn_error error;
+  limn_settings* settings = FindStyle(filter->style, &error);
+  filter->isPrepared = 1;
+  if (settings != NULL && SetSliders(filter, settings, &error)) {
+    const limn_picture picture = PictureOf(filter);
+    filter->lighting = limn_prepare(settings, &picture, &error);
+  }
+  limn_settings_free(settings);
+  if (filter->lighting == NULL)
+    Complain(filter, error.text);
+}
+
+int f0r_init(void) {
+  return 1;
+}
+
+void f0r_deinit(void) {}
+
+void f0r_get_plugin_info(f0r_plugin_info_t* info) {
+  info->name = "Limn";
+  info->author = "The Limn authors";
+  info->plugin_type = F0R_PLUGIN_TYPE_FILTER;
+  info->color_model = F0R_COLOR_MODEL_RGBA8888;
+  info->frei0r_version = FREI0R_MAJOR_VERSION;
+  info->major_version = 0;
+  info->minor_version = 1;
+  info->num_params = PARAMETERS;
+  info->explanation = "Lights the picture anew with lamps, spotlights and suns";
+}
+
+void f0r_get_param_info(f0r_param_info_t* info, int index) {
+  if (index == STYLE) {
+    info->name = "style";
+    info->type = F0R_PARAM_STRING;
+    info->explanation = "A style file, or the name of a bundled style";
+  } else if (index >= FIRST_SLIDER && index < PARAMETERS) {
+    info->name = SLIDER[index - FIRST_SLIDER].name;
+    info->type = F0R_PARAM_DOUBLE;
+    info->explanation = SLIDER[index - FIRST_SLIDER].explanation;
+  }
+}
+
+f0r_instance_t f0r_construct(unsigned int width, unsigned int height) {
+  Filter* filter = calloc(1, sizeof *filter);
+  if (filter == NULL)
+    return NULL;
+  filter->width = width;
+  filter->height = height;
+  filter->style = CopyOf("Default");
+  for (int i = 0; i < SLIDERS; ++i)
+    filter->slider[i] = -1;
+  if (filter->style == NULL) {
+    free(filter);
+    return NULL;
+  }
+  return filter;
+}
+
+void f0r_destruct(f0r_instance_t instance) {
+  Filter* filter = instance;
+  if (filter == NULL)
+    return;
+  Forget(filter);
+  free(filter->style);
+  free(filter);
+}
+
+/* Hosts set every parameter again for every frame: only a new value is a change. */
+void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index) {
+  Filter* filter = instance;
+  if (filter == NULL || param == NULL)
+    return;
+  if (index == STYLE) {
+    const char* style = *(const f0r_param_string*)param;
+    char* copy;
+    if (style == NULL || strcmp(style, filter->style) == 0 || (copy = CopyOf(style)) == NULL)
+      return;
+    free(filter->style);
+    filter->style = copy;
+    Forget(filter);
+  } else if (index >= FIRST_SLIDER && index < PARAMETERS) {
+    const double given = *(const f0r_param_double*)param;
+    const double value = given >= 0 ? fmin(given, 1) : -1; /* neither for what is no number */
+    if (value == filter->slider[index - FIRST_SLIDER])
+      return;
+    filter->slider[index - FIRST_SLIDER] = value;
+    Forget(filter);
+  }
+}
+
+/* The string stays the filter's. */
+void f0r_get_param_value(f0r_instance_t instance, f0r_param_t param, int index) {
+  Filter* filter = instance;
+  if (filter == NULL || param == NULL)
+    return;
+  if (index == STYLE)
+    *(f0r_param_string*)param = filter->style;
+  else if (index >= FIRST_SLIDER && index < PARAMETERS)
+    *(f0r_param_double*)param = filter->slider[index - FIRST_SLIDER];
+}
+
+void f0r_update(f0r_instance_t instance, double time, const uint32_t* inframe, uint32_t* outframe) {
+  Filter* filter = instance;
+  limn_error error;
+  limn_picture picture;
+  (void)time;
+  if (filter == NULL || inframe == NULL || outframe == NULL)
+    return;
+  if (!filter->isPrepared)
+    Prepare(filter);
+  picture = PictureOf(filter);
+  picture.source = (const uint8_t*)inframe;
+  picture.output = (uint8_t*)outframe;
+  if (filter->lighting != NULL && limn_run(filter->lighting, &picture, NULL, &error) == LIMN_OK)
+    return;
+  if (filter->lighting != NULL)
+    Complain(filter, error.text);
+  memmove(outframe, inframe, (size_t)filter->width * filter->height * sizeof *inframe);
+}
