@@ -226,15 +226,17 @@ TEST(Dialog, AMovableDialogKeepsItsHostAlive) {
   ReleaseResource(resource);
 }
 
-TEST(Dialog, ClosingTheWindowCancels) {
+TEST(Dialog, ClosingTheWindowCancelsAtOnce) {
   SampleDialog sample;
   ToolboxScript script;
-  script.CloseWindow().Start();
+  QElapsedTimer sinceClosing;
+  script.Wait(100).Call([&] { sinceClosing.start(); }).CloseWindow().Start();
   int16_t item = 0;
   for (int call = 0; call < 2; ++call) {
     ModalDialog(nullptr, &item);
     EXPECT_EQ(item, CANCEL_ITEM);
   }
+  EXPECT_LT(sinceClosing.elapsed(), 250);
 }
 
 TEST(Dialog, ACentredDialogOpensOverTheWindowInFront) {

@@ -8,7 +8,7 @@
 #include <QPointF>
 
 // The next event and the window it belongs to, waiting up to milliseconds. False, and a null event,
-// when none came.
+// when none came or the front window has been closed.
 bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseconds);
 
 // Of a point on the screen, the square of the port it lies in.

@@ -38,6 +38,12 @@ void PumpNowAndThen(Input& input) {
   input.Pump(0);
 }
 
+// A closed window sends no event; the loop that runs it is to look.
+bool FrontIsClosed() {
+  const DialogWindow* front = DialogWindow::Of(FrontWindow());
+  return front != nullptr && front->closeRequested();
+}
+
 } // namespace
 
 bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseconds) {
@@ -58,7 +64,7 @@ bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseco
       *window = updated;
       return true;
     }
-    if (last)
+    if (last || FrontIsClosed())
       return false;
     input->Pump(static_cast<int>(deadline.remainingTime()));
   }
