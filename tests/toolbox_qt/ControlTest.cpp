@@ -5,6 +5,8 @@
 #include "MacMemory.h"
 #include "MacStrings.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -183,6 +185,26 @@ TEST(Control, APopupOpensItsMenuAndTakesTheChoice) {
   ModalDialog(nullptr, &item);
   EXPECT_EQ(item, OK_ITEM);
   EXPECT_EQ(GetControlValue(popup), 3);
+}
+
+TEST(Control, HomeAndEndChooseAPopupsFirstAndLastItem) {
+  SampleDialog sample;
+  ControlHandle popup = sample.Control(POPUP_ITEM);
+  const Point middle = sample.Middle(POPUP_ITEM);
+  for (const auto& [key, value] : {std::pair(Qt::Key_End, 3), std::pair(Qt::Key_Home, 1)}) {
+    ToolboxScript script;
+    const auto press = [pressed = key] {
+      for (const int code : {static_cast<int>(pressed), static_cast<int>(Qt::Key_Return)}) {
+        QKeyEvent event(QEvent::KeyPress, code, Qt::NoModifier);
+        if (QWidget* menu = QApplication::activePopupWidget())
+          QCoreApplication::sendEvent(menu, &event);
+      }
+    };
+    script.Click(middle.h, middle.v).Wait(50).Call(press).Start();
+    int16_t item = 0;
+    ModalDialog(nullptr, &item);
+    EXPECT_EQ(GetControlValue(popup), value);
+  }
 }
 
 TEST(Control, APopupLivesOnWithoutItsMenu) {

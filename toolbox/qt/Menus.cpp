@@ -10,6 +10,7 @@
 #include "TextStyle.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPointer>
 #include <algorithm>
@@ -60,8 +61,25 @@ MenuItem* ItemOf(MenuHandle menu, int item) {
   return &info->items[static_cast<size_t>(item - 1)];
 }
 
+// Home and End choose the first and the last item; of themselves they only scroll a long menu.
+class PopupMenu : public QMenu {
+public:
+  using QMenu::QMenu;
+
+protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    QMenu::keyPressEvent(event);
+    QList<QAction*> choices = actions();
+    choices.removeIf([](const QAction* action) { return !action->isEnabled(); });
+    if (event->key() == Qt::Key_Home && !choices.isEmpty())
+      setActiveAction(choices.first());
+    else if (event->key() == Qt::Key_End && !choices.isEmpty())
+      setActiveAction(choices.last());
+  }
+};
+
 QMenu* BuildMenu(const MenuInfo& info, QWidget* parent) {
-  auto* menu = new QMenu(parent);
+  QMenu* menu = new PopupMenu(parent);
   for (const MenuItem& item : info.items) {
     QAction* action =
         menu->addAction(QString::fromStdString(item.text).replace('&', QLatin1String("&&")));
