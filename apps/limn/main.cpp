@@ -2,8 +2,6 @@
 #include "command_line.h"
 #include "report.h"
 
-#include <new>
-
 namespace {
 
 using limn::ExitCode;
@@ -35,17 +33,5 @@ ExitCode Run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-  ExitCode code = ExitCode::Refused;
-  try {
-    code = Run(argc, argv);
-  } catch (const limn::Failure& failure) {
-    limn::PrintProblem(failure.what());
-    code = failure.Code();
-  } catch (const std::bad_alloc&) {
-    limn::PrintProblem("not enough memory");
-    code = ExitCode::NoMemory;
-  } catch (const std::exception& error) {
-    limn::PrintProblem(error.what());
-  }
-  return static_cast<int>(code);
+  return limn::ReportedExit([&] { return Run(argc, argv); });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <new>
 
 namespace limn {
 namespace {
@@ -54,6 +55,22 @@ ExitCode FlushedOutput(ExitCode code) {
     return code;
   PrintProblem("standard output: cannot be written");
   return std::max(code, ExitCode::CannotWrite);
+}
+
+int ReportedExit(const std::function<ExitCode()>& run) {
+  ExitCode code = ExitCode::Refused;
+  try {
+    code = run();
+  } catch (const Failure& failure) {
+    PrintProblem(failure.what());
+    code = failure.Code();
+  } catch (const std::bad_alloc&) {
+    PrintProblem("not enough memory");
+    code = ExitCode::NoMemory;
+  } catch (const std::exception& error) {
+    PrintProblem(error.what());
+  }
+  return static_cast<int>(code);
 }
 
 } // namespace limn

@@ -4,6 +4,7 @@
 
 #include "failure.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -22,5 +23,8 @@ void PrintLine(const std::string& line);
 
 // Flushes standard output. A full disk or a closed pipe behind it turns `code` into CannotWrite.
 ExitCode FlushedOutput(ExitCode code);
+
+// What main ends with: runs the program, and prints whatever it throws as a problem.
+int ReportedExit(const std::function<ExitCode()>& run);
 
 } // namespace limn

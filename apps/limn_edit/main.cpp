@@ -5,7 +5,6 @@
 #include "report.h"
 
 #include <csignal>
-#include <new>
 #include <unistd.h>
 
 namespace {
@@ -47,17 +46,5 @@ ExitCode Run(int& argc, char** argv) {
 
 int main(int argc, char** argv) {
   TakeSignals();
-  ExitCode code = ExitCode::Refused;
-  try {
-    code = Run(argc, argv);
-  } catch (const limn::Failure& failure) {
-    limn::PrintProblem(failure.what());
-    code = failure.Code();
-  } catch (const std::bad_alloc&) {
-    limn::PrintProblem("not enough memory");
-    code = ExitCode::NoMemory;
-  } catch (const std::exception& error) {
-    limn::PrintProblem(error.what());
-  }
-  return static_cast<int>(code);
+  return limn::ReportedExit([&] { return Run(argc, argv); });
 }
