@@ -7,7 +7,11 @@
 #include "output_target.h"
 #include "report.h"
 
-#include <ToolboxDesktop.h>
+#include "LimnResources.h"
+#include "MacResources.h"
+#include "MacStrings.h"
+#include "ToolboxDesktop.h"
+
 #include <algorithm>
 #include <future>
 #include <thread>
@@ -75,8 +79,19 @@ void WriteResult(const EditOptions& options, Photograph& photograph, const Outpu
   PrintNotices(options, options.image, photograph.notices);
 }
 
-QString Task(const char* what, const std::string& file) {
-  return QString::fromUtf8(what) + QString::fromStdString(Printable(file)) + QString::fromUtf8("…");
+// The list of strings that this window's texts are in, and their places there.
+constexpr int16_t TEXTS = 156;
+enum Text : int16_t { LIGHTING = 1, WRITING, CANCEL };
+
+// In the user's language, with ^0 as it stands there.
+QString TextOf(Text text) {
+  Str255 string;
+  GetIndString(string, TEXTS, text);
+  return QString::fromStdString(TB_StdString(string));
+}
+
+QString Task(Text text, const std::string& file) {
+  return TextOf(text).replace(QStringLiteral("^0"), QString::fromStdString(Printable(file)));
 }
 
 } // namespace
@@ -98,12 +113,13 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   CVDocument document = MakeDocument(sources.surroundings, sources.photograph, options.image);
   const CVRect area = AreaOf(sources.surroundings, sources.photograph.width,
                              sources.photograph.height, options.image);
-  RunWindow window(Task("Lighting ", options.image));
+  TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
+  RunWindow window(Task(LIGHTING, options.image), TextOf(CANCEL));
   const CVResult result = RunDialog(plugin, document, area, window);
   if (result.outcome == CVOutcome::Cancelled)
     return ExitCode::Cancelled;
   CheckRun(result, options.image);
-  window.ShowWriting(Task("Writing ", output.path));
+  window.ShowWriting(Task(WRITING, output.path));
   WriteResult(options, sources.photograph, output, existing);
   return ExitCode::Done;
 }

@@ -13,7 +13,7 @@ constexpr int PERIOD = 30;
 } // namespace
 
 void RunWindow::_Open() {
-  _window = std::make_unique<QProgressDialog>(_task, QProgressDialog::tr("Cancel"), 0, STEPS);
+  _window = std::make_unique<QProgressDialog>(_task, _cancel, 0, STEPS);
   _window->setWindowTitle(QStringLiteral("Limn"));
   _window->setMinimumDuration(0);
   _window->setMinimumWidth(360);

@@ -11,7 +11,8 @@ namespace limn {
 // Opens its window when the work takes longer than a moment.
 class RunWindow {
 public:
-  explicit RunWindow(QString task) : _task(std::move(task)) {}
+  // task: what is being done; cancel: what its button says.
+  RunWindow(QString task, QString cancel) : _task(std::move(task)), _cancel(std::move(cancel)) {}
 
   // The plug-in's dialog is up: what follows its end is the run.
   void DialogShown() { _hasDialogShown = true; }
@@ -25,6 +26,7 @@ private:
   void _Open();
 
   QString _task;
+  QString _cancel;
   bool _hasDialogShown = false;
   std::unique_ptr<QProgressDialog> _window;
   QElapsedTimer _sinceStart;
