@@ -80,13 +80,12 @@ void MainWindow::_makeEditMenu() {
        &MainWindow::chooseAndLoadChannel);
   menu->addSeparator();
   auto* group = new QActionGroup(this);
-  for (QAction* action :
-       {_addTool(menu, "hand", tr("&Hand"), "H", tr("Move the view by dragging"), Tool::Hand),
-        _addTool(menu, "rectangle", tr("&Rectangle"), "M",
-                 tr("Select a rectangle; a click removes it"), Tool::Rectangle),
-        _addTool(menu, "brush", tr("&Brush"), "B",
-                 tr("Paint what is selected; with Alt or Ctrl take away"), Tool::Brush)})
-    group->addAction(action);
+  group->addAction(
+      _addTool(menu, "hand", tr("&Hand"), "H", tr("Move the view by dragging"), Tool::Hand));
+  group->addAction(_addTool(menu, "rectangle", tr("&Rectangle"), "M",
+                            tr("Select a rectangle; a click removes it"), Tool::Rectangle));
+  group->addAction(_addTool(menu, "brush", tr("&Brush"), "B",
+                            tr("Paint what is selected; with Alt or Ctrl take away"), Tool::Brush));
   _tools.first()->setChecked(true);
   _add(menu, "", tr("&Larger Brush"), {QKeySequence("]"), QKeySequence(".")},
        tr("Make the brush larger"), Needs::Image,
