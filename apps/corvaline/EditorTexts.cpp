@@ -38,6 +38,14 @@ QString EditorTexts::translate(const char*, const char* source, const char*, int
   return _texts.value(QString::fromUtf8(source));
 }
 
+QString TranslatedProblem(const QString& sentence) {
+  const qsizetype colon = sentence.lastIndexOf(QStringLiteral(": "));
+  if (colon < 0)
+    return sentence;
+  const QByteArray reason = sentence.mid(colon + 2).toUtf8();
+  return sentence.left(colon + 2) + QCoreApplication::translate("", reason.constData());
+}
+
 void UseSystemLanguage() {
   const QString locale = SystemLocale();
   auto* library = new QTranslator(QCoreApplication::instance());

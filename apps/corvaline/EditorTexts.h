@@ -22,6 +22,10 @@ private:
   QHash<QString, QString> _texts;
 };
 
+// "FILE: what is wrong with it" with the part behind the name in the user's language, where the
+// table has it; the reasons of the image library stay as they are.
+QString TranslatedProblem(const QString& sentence);
+
 // Installs the texts for the language of LC_ALL, LC_MESSAGES or LANG in the application.
 void UseSystemLanguage();
 

@@ -1,6 +1,8 @@
 // Opening and saving from the window.
 #include "MainWindow.h"
 
+#include "EditorTexts.h"
+
 #include "failure.h"
 
 #include <QFileDialog>
@@ -31,7 +33,7 @@ template <typename Work> QString Problem(Work work) {
     work();
     return {};
   } catch (const limn::Failure& failure) {
-    return QString::fromStdString(failure.what());
+    return TranslatedProblem(QString::fromStdString(failure.what()));
   } catch (const std::bad_alloc&) {
     return MainWindow::tr("There is not enough memory.");
   }

@@ -1,10 +1,13 @@
 // Every text of the editor has its translation, with the same places to fill in.
 #include "EditorTexts.h"
+#include "ImageFiles.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QSet>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -50,6 +53,32 @@ TEST(EditorTexts, GermanIsComplete) {
     EXPECT_EQ(Places(entry.key()), Places(entry.value())) << entry.key().toStdString();
     EXPECT_FALSE(entry.value().isEmpty()) << entry.key().toStdString();
   }
+}
+
+TEST(EditorTexts, WhatIsWrongWithAFileIsSaidInGerman) {
+  editor::EditorTexts german("de");
+  QCoreApplication::installTranslator(&german);
+  const struct {
+    QString english, german;
+  } cases[] = {
+      {"/a: b/c.jpg: is empty", "/a: b/c.jpg: ist leer"},
+      {"c.jpg: VipsJpeg: premature end", "c.jpg: VipsJpeg: premature end"},
+      {"no file named", "no file named"},
+  };
+  for (const auto& problem : cases)
+    EXPECT_EQ(editor::TranslatedProblem(problem.english), problem.german);
+  // Reasons are looked up as they are thrown: a reworded one must take its German with it.
+  QTemporaryDir folder;
+  for (const QString& name : {folder.path(), folder.filePath("none.jpg")}) {
+    try {
+      editor::OpenImageFile(name);
+      ADD_FAILURE() << name.toStdString();
+    } catch (const std::exception& error) {
+      const QString sentence = QString::fromUtf8(error.what());
+      EXPECT_NE(editor::TranslatedProblem(sentence), sentence) << error.what();
+    }
+  }
+  QCoreApplication::removeTranslator(&german);
 }
 
 TEST(EditorTexts, AnUnknownLanguageStaysEnglish) {
