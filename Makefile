@@ -5,7 +5,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test build deps test-sanitize test-portable fuzz bench lint format format-check install clean
+.PHONY: help demo test build deps test-sanitize test-portable fuzz bench bench-peers plots lint format format-check install clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -50,6 +50,12 @@ fuzz: deps ## Let every fuzzer search for TIME seconds, or RUNS executions
 bench: build ## Measure the shading and the preview
 	$(BUILD)/bin/bench_shading
 	$(BUILD)/bin/bench_preview
+
+bench-peers: build ## Time limn apply beside other programs, and lights beside theirs
+	bench/peers $(LIMN)
+
+plots: build ## Measure and draw what docs/performance.md shows
+	bench/plot $(BUILD)/bin/bench_shading docs/pictures/cost-of-lights.svg
 
 SOURCES := $(shell git ls-files '*.h' '*.hpp' '*.c' '*.cpp')
 format: ## Format every source file
