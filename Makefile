@@ -5,7 +5,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test build deps test-sanitize test-portable fuzz bench bench-peers plots lint format format-check install clean
+.PHONY: help demo test test-deep build deps test-sanitize test-portable fuzz bench bench-peers plots lint format format-check install clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -20,11 +20,14 @@ demo: ## Light the bundled photograph and say where the picture is
 	@echo "Lit: $(DEMO)/still-life.jpg   (from resources/photos/still-life.jpg)"
 
 test: deps build ## Build and run every test
-	cd $(BUILD) && ctest --output-on-failure -j $(JOBS) $(CTEST_OPTIONS)
+	scripts/run-tests $(BUILD) -j $(JOBS) $(CTEST_OPTIONS)
+
+test-deep: deps build ## The long runs: far more of what `make test` tries for a moment
+	scripts/run-tests $(BUILD) -C Deep -L deep $(CTEST_OPTIONS)
 
 TESTS ?= ON
 build: ## Build programs into build/bin, modules and libraries into build/lib
-	@cmake --preset release -DLIMN_TESTS=$(TESTS) -DLIMN_BENCH=$(TESTS) > $(BUILD).log 2>&1 || { cat $(BUILD).log; exit 1; }
+	@cmake --preset release -DLIMN_TESTS=$(TESTS) -DLIMN_BENCH=$(TESTS) > $(BUILD).log 2>&1 || { cat $(BUILD).log; rm $(BUILD).log; exit 1; }
 	@mkdir -p $(BUILD) && mv $(BUILD).log $(BUILD)/configure.log
 	@cmake --build --preset release -j $(JOBS)
 

@@ -69,3 +69,18 @@ function(limn_folder name)
   target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${ARG_LINK})
 endfunction()
+
+# limn_counted_test(NAME name QUICK words... DEEP words... COMMAND words...): one command as two tests.
+# `name` adds the QUICK words to the command and belongs to every run; `deep.name` adds the DEEP words and
+# runs with `ctest -C Deep -L deep` only. Either prints lines "counted: ..." of what it reached.
+function(limn_counted_test)
+  cmake_parse_arguments(ARG "" "NAME;TIMEOUT" "QUICK;DEEP;COMMAND;ENVIRONMENT" ${ARGN})
+  add_test(NAME ${ARG_NAME} COMMAND ${ARG_COMMAND} ${ARG_QUICK})
+  add_test(NAME deep.${ARG_NAME} CONFIGURATIONS Deep COMMAND ${ARG_COMMAND} ${ARG_DEEP})
+  set_tests_properties(${ARG_NAME} PROPERTIES TIMEOUT 300 ENVIRONMENT "${ARG_ENVIRONMENT}")
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 7200)
+  endif()
+  set_tests_properties(deep.${ARG_NAME} PROPERTIES LABELS deep TIMEOUT ${ARG_TIMEOUT}
+    ENVIRONMENT "${ARG_ENVIRONMENT}")
+endfunction()
