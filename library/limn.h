@@ -34,7 +34,7 @@ extern "C" {
 #endif
 
 /* The version of this header; limn_version() is that of the library. */
-#define LIMN_VERSION "0.1.0"
+#define LIMN_VERSION "1.0.0"
 
 /* Limits of a picture: pixels along a side, and bytes a pixel. */
 #define LIMN_LONGEST_SIDE 32767
@@ -59,7 +59,7 @@ typedef struct limn_error {
 
 /* ---- The library ---- */
 
-/* "0.1.0". */
+/* "1.0.0". */
 LIMN_API const char* limn_version(void);
 
 /* The vector instructions that this processor's lighting runs on, such as "AVX2"; "plain" without
