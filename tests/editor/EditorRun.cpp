@@ -44,16 +44,8 @@ void EditorRun::open(const QString& path) {
 
 bool EditorRun::lightWithDialog() {
   ToolboxScript script;
-  script.Wait(50).KeyPress(kReturnKeyCode);
-  // The script's keys go to the window in front, so it starts when the dialog is there.
-  QTimer poll;
-  QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
-    if (QApplication::activeModalWidget() == nullptr)
-      return;
-    poll.stop();
-    script.Start();
-  });
-  poll.start(10);
+  script.AwaitDialog().Wait(50).KeyPress(kReturnKeyCode);
+  script.Start();
   return window->runFilter(CVDialog::Yes);
 }
 

@@ -11,7 +11,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QStyleFactory>
-#include <QTimer>
 
 #include <cstdio>
 
@@ -42,17 +41,11 @@ void Settle() {
 bool Light(editor::MainWindow& window, const QString& picture) {
   bool saved = false;
   ToolboxScript script;
-  script.Wait(700)
+  script.AwaitDialog()
+      .Wait(700)
       .Call([&] { saved = QApplication::activeModalWidget()->grab().save(picture); })
       .KeyPress(kReturnKeyCode);
-  QTimer poll;
-  QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
-    if (QApplication::activeModalWidget() == nullptr)
-      return;
-    poll.stop();
-    script.Start();
-  });
-  poll.start(20);
+  script.Start();
   return window.runFilter(CVDialog::Yes) && saved;
 }
 

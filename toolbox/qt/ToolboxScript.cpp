@@ -48,6 +48,7 @@ struct ToolboxScript::State {
   QTimer timer;
   QElapsedTimer waiting;
   int waitMilliseconds = 0;
+  bool awaitsDialog = false;
   Qt::KeyboardModifiers modifiers;
   bool buttonDown = false;
   QPointer<QWidget> pressed;
@@ -61,6 +62,9 @@ void ToolboxScript::State::RunStep() {
   if (waitMilliseconds > 0 && waiting.elapsed() < waitMilliseconds)
     return;
   waitMilliseconds = 0;
+  if (awaitsDialog && QApplication::activeModalWidget() == nullptr)
+    return;
+  awaitsDialog = false;
   if (steps.empty()) {
     timer.stop();
     return;
@@ -182,6 +186,11 @@ ToolboxScript& ToolboxScript::CloseWindow() {
     if (DialogWindow* window = DialogWindow::Of(FrontWindow()))
       window->close();
   });
+}
+
+ToolboxScript& ToolboxScript::AwaitDialog() {
+  State* state = _state.get();
+  return Call([=] { state->awaitsDialog = true; });
 }
 
 ToolboxScript& ToolboxScript::Wait(int milliseconds) {
