@@ -25,6 +25,10 @@ public:
   // Runs the filter as one step that can be undone. owner: the window to keep alive; it is blocked
   // meanwhile. title: for the progress.
   CVResult run(EditorDocument& document, CVDialog dialog, const QString& title, QWidget* owner);
+  // Makes these the parameters to repeat.
+  CVResult setParameters(const void* bytes, std::size_t size) {
+    return _session.setParameters(bytes, size);
+  }
   CVResult about() { return _session.about(nullptr); }
   bool isRunning() const { return _running; }
 

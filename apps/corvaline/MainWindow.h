@@ -11,6 +11,8 @@
 #include <QMainWindow>
 #include <QSpinBox>
 
+struct LM_style;
+
 namespace editor {
 
 class MainWindow : public QMainWindow {
@@ -27,6 +29,10 @@ public:
   bool loadChannel(const QString& path);
   // Lighting… with Yes, Repeat with No.
   bool runFilter(CVDialog dialog);
+  // Lights the image with a style, as choosing it in the dialog and OK would. name: a style file,
+  // its JSON form, or a style's name.
+  bool applyStyle(const LM_style& style);
+  bool applyStyle(const QString& name);
 
   EditorDocument& document() { return _document; }
   Canvas& canvas() { return *_canvas; }

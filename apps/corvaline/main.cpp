@@ -1,4 +1,5 @@
 // corvaline: a small image editor around a filter plug-in.
+#include "EditorOptions.h"
 #include "EditorTexts.h"
 #include "ImageFiles.h"
 #include "MainWindow.h"
@@ -7,69 +8,61 @@
 #include "failure.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QIcon>
 #include <QMessageBox>
+#include <QTimer>
 
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
-constexpr const char* USAGE =
-    "usage: corvaline [IMAGE]\n"
-    "\n"
-    "Opens an image to light it. --version shows the version, --help this text.\n";
-
-constexpr int WRONG_USAGE = 2;
 constexpr int REFUSED = 6;
 
-// The exit code of a command line that opens no window, or -1.
-int AnswerWithoutWindow(int argc, char** argv) {
-  for (int i = 1; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
-      return std::fputs(USAGE, stdout) < 0 ? 1 : 0;
-    if (std::strcmp(argv[i], "--version") == 0)
-      return std::puts("corvaline " LIMN_VERSION) < 0 ? 1 : 0;
-  }
-  return -1;
+// What the command line asks for, once the window stands.
+void Begin(editor::MainWindow& window, const editor::EditorOptions& options) {
+  if (!options.image.empty())
+    window.open(QFile::decodeName(options.image.c_str()));
+  else if (!options.style.empty())
+    window.chooseAndOpen();
+  if (!options.style.empty())
+    window.applyStyle(QFile::decodeName(options.style.c_str()));
+  if (options.dialog)
+    window.runFilter(CVDialog::Yes);
 }
 
-int RunEditor(const QString& path) {
+int RunEditor(const editor::EditorOptions& options) {
   CVPlugin plugin;
   const CVResult loaded = editor::LoadFilter(plugin);
   editor::MainWindow window(plugin);
   window.show();
   if (!loaded.ok())
     QMessageBox::warning(&window, "Corvaline", QString::fromStdString(loaded.message));
-  if (!path.isEmpty())
-    window.open(path);
+  // The dialog runs events of its own, and needs the window on the screen below it.
+  QTimer::singleShot(0, &window, [&] { Begin(window, options); });
   return QApplication::exec();
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-  if (const int code = AnswerWithoutWindow(argc, argv); code >= 0)
-    return code;
-  if (!TB_StartDesktop(argc, argv)) {
+  editor::EditorOptions options;
+  if (const auto code = editor::ReadEditorOptions(argc, argv, options))
+    return *code;
+  // The editor's arguments are not the desktop's.
+  static int desktopArgc = 1;
+  if (!TB_StartDesktop(desktopArgc, argv)) {
     std::fputs("corvaline: there is no screen to open a window on\n", stderr);
     return REFUSED;
   }
-  const QStringList arguments = QApplication::arguments().mid(1);
-  const bool wrongOption =
-      !arguments.isEmpty() && arguments.first().startsWith('-') && arguments.first() != "--";
-  const QStringList images = arguments.mid(arguments.value(0) == "--" ? 1 : 0);
-  if (wrongOption || images.size() > 1) {
-    std::fputs(USAGE, stderr);
-    return WRONG_USAGE;
-  }
   QApplication::setApplicationName("Corvaline");
   QApplication::setOrganizationName("Corvaline");
+  QApplication::setDesktopFileName("corvaline");
   QApplication::setWindowIcon(QIcon(":/icons/corvaline.svg"));
   editor::UseSystemLanguage();
   try {
     editor::StartImageFiles();
-    return RunEditor(images.value(0));
+    return RunEditor(options);
   } catch (const limn::Failure& failure) {
     std::fprintf(stderr, "corvaline: %s\n", failure.what());
     return static_cast<int>(failure.Code());

@@ -1,6 +1,9 @@
 // The real plug-in in the editor: its dialog, its repetition, and how a run is cut short.
 #include "EditorRun.h"
 
+#include "lighting.h"
+#include "style_source.h"
+
 #include <QApplication>
 #include <QProgressDialog>
 #include <QTest>
@@ -46,6 +49,28 @@ TEST_F(EditorRun, RepeatDoesWhatTheDialogDid) {
   EXPECT_EQ(action("Repeat")->shortcut(), QKeySequence("Ctrl+F"));
   action("Repeat")->trigger();
   EXPECT_EQ(pixels(), first);
+}
+
+TEST_F(EditorRun, AStyleDoesWhatTheCommandDoes) {
+  open(makePicture("picture.png"));
+  const std::vector<uint8_t> before = pixels();
+  CVPlugin plugin;
+  ASSERT_TRUE(editor::LoadFilter(plugin).ok());
+  limn::Photograph lit = editor::OpenImageFile(pathTo("picture.png")).photograph;
+  limn::Surroundings surroundings;
+  limn::LightPhotograph(plugin, limn::FindStyle("Campfire").style, surroundings, lit, "", {});
+
+  ASSERT_TRUE(window->applyStyle("Campfire"));
+  EXPECT_EQ(pixels(), lit.pixels);
+  action("Undo")->trigger();
+  EXPECT_EQ(pixels(), before);
+  action("Repeat")->trigger();
+  EXPECT_EQ(pixels(), lit.pixels);
+
+  answerNext(QMessageBox::Ok);
+  EXPECT_FALSE(window->applyStyle("no such style"));
+  EXPECT_EQ(questions, 1);
+  EXPECT_EQ(pixels(), lit.pixels);
 }
 
 TEST_F(EditorRun, TheFilterKeepsToAreaAndMask) {
