@@ -45,6 +45,23 @@ if(LIMN_WERROR)
 endif()
 add_link_options(-Wl,--as-needed)
 
+# What makes a fault of ours harder to use for someone else; tests/deep/test_hardening.py reads it back from the
+# built files.
+include(CheckPIESupported)
+check_pie_supported()
+include(CheckCXXCompilerFlag)
+foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+  string(MAKE_C_IDENTIFIER "LIMN_HAS${flag}" has)
+  check_cxx_compiler_flag("-Werror ${flag}" ${has})
+  if(${has})
+    add_compile_options(${flag})
+  endif()
+endforeach()
+if(NOT LIMN_SANITIZE) # the sanitizers watch the plain functions
+  add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
+add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+
 if(LIMN_SANITIZE)
   # Unsigned arithmetic is meant to wrap; everything that undefined behaviour covers is an error.
   add_compile_options(-fsanitize=${LIMN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
