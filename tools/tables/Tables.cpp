@@ -51,7 +51,7 @@ void PrintSpreads(const std::vector<int>& spreads) {
     light.spread = static_cast<int16_t>(spreads[i]);
     light.ConvertToRealLight(&lights[i], PREVIEW_PIXELS, 0);
   }
-  for (int entry = LM_SPREAD_ENTRIES - 1; entry >= 0; entry = entry > 7 ? entry - 7 : entry - 1) {
+  for (int entry = LM_SPREAD_ENTRIES - 1; entry >= 0; entry -= entry > 960 || entry < 8 ? 1 : 8) {
     const double cosine =
         lights[0].spreadMinCos + entry / static_cast<double>(lights[0].spreadScale);
     std::printf("%.3f", std::acos(std::min(1.0, cosine)) * DEGREES);
