@@ -2,39 +2,23 @@
  *
  * What cannot be done, for instance with a style that is not there, leaves the frames as they are
  * and is told on standard error, once for each setting of the parameters: a player shall go on. */
+#include "style_sliders.h"
+
 #include <frei0r.h>
 #include <limn.h>
-#include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
-enum { STYLE = 0, FIRST_SLIDER = 1, SLIDERS = 5, PARAMETERS = FIRST_SLIDER + SLIDERS };
-
-typedef struct Slider {
-  const char* name;
-  const char* explanation;
-  const char* key; /* of limn_settings_set */
-  int range;       /* what 1 stands for, less `offset` */
-  int offset;
-} Slider;
-
-static const Slider SLIDER[SLIDERS] = {
-    {"gloss", "How glossy the surface is, 0 to 1; below 0: the style's own", "gloss", 255, 0},
-    {"material", "From white highlights to coloured ones, 0 to 1; below 0: the style's own",
-     "material", 256, 0},
-    {"exposure", "Exposure, 0 to 1; below 0: the style's own", "exposure", 255, 0},
-    {"ambience", "Light from everywhere, 0 to 1; below 0: the style's own", "ambientBrightness",
-     254, 127},
-    {"relief", "Height of the relief, 0 to 1; below 0: the style's own", "bumpAmplitude", 255, 0}};
+enum { STYLE = 0, FIRST_SLIDER = 1, PARAMETERS = FIRST_SLIDER + STYLE_SLIDERS };
 
 typedef struct Filter {
   unsigned int width, height;
-  char* style; /* a file, or the name of a bundled style; never null */
-  double slider[SLIDERS];
-  limn_lighting* lighting; /* null: not prepared, or it cannot be */
-  int isPrepared;          /* whether `lighting` is that of the parameters */
-  int hasComplained;       /* since then */
+  char* style;                  /* a file, or the name of a bundled style; never null */
+  double slider[STYLE_SLIDERS]; /* as of StyleSliderValue */
+  limn_lighting* lighting;      /* null: not prepared, or it cannot be */
+  int isPrepared;               /* whether `lighting` is that of the parameters */
+  int hasComplained;            /* since then */
 } Filter;
 
 static void Complain(Filter* filter, const char* text) {
@@ -58,35 +42,6 @@ static char* CopyOf(const char* text) {
   return copy;
 }
 
-/* A file that cannot be read may be the name of a bundled style. When it is neither, the file's
- * error says more about a path, and the style's about a name. */
-static limn_settings* FindStyle(const char* style, limn_error* error) {
-  limn_error notBundled;
-  limn_settings* settings;
-  if (style[0] == '\0')
-    return limn_settings_new(error);
-  settings = limn_settings_load(style, error);
-  if (settings != NULL || error->code != LIMN_CANNOT_READ)
-    return settings;
-  settings = limn_settings_bundled(style, &notBundled);
-  if (settings != NULL || strpbrk(style, "/.") == NULL)
-    *error = notBundled;
-  return settings;
-}
-
-static int SetSliders(const Filter* filter, limn_settings* settings, limn_error* error) {
-  for (int i = 0; i < SLIDERS; ++i) {
-    char value[16];
-    if (!(filter->slider[i] >= 0))
-      continue;
-    snprintf(value, sizeof value, "%d",
-             (int)floor(fmin(filter->slider[i], 1) * SLIDER[i].range + 0.5) - SLIDER[i].offset);
-    if (limn_settings_set(settings, SLIDER[i].key, value, error) != LIMN_OK)
-      return 0;
-  }
-  return 1;
-}
-
 static limn_picture PictureOf(const Filter* filter) {
   limn_picture picture;
   memset(&picture, 0, sizeof picture);
@@ -99,9 +54,9 @@ static limn_picture PictureOf(const Filter* filter) {
 
 static void Prepare(Filter* filter) {
   limn_error error;
-  limn_settings* settings = FindStyle(filter->style, &error);
+  limn_settings* settings = LoadStyle(filter->style, filter->slider, &error);
   filter->isPrepared = 1;
-  if (settings != NULL && SetSliders(filter, settings, &error)) {
+  if (settings != NULL) {
     const limn_picture picture = PictureOf(filter);
     filter->lighting = limn_prepare(settings, &picture, &error);
   }
@@ -132,11 +87,11 @@ void f0r_get_param_info(f0r_param_info_t* info, int index) {
   if (index == STYLE) {
     info->name = "style";
     info->type = F0R_PARAM_STRING;
-    info->explanation = "A style file, or the name of a bundled style";
+    info->explanation = STYLE_EXPLANATION;
   } else if (index >= FIRST_SLIDER && index < PARAMETERS) {
-    info->name = SLIDER[index - FIRST_SLIDER].name;
+    info->name = STYLE_SLIDER[index - FIRST_SLIDER].name;
     info->type = F0R_PARAM_DOUBLE;
-    info->explanation = SLIDER[index - FIRST_SLIDER].explanation;
+    info->explanation = STYLE_SLIDER[index - FIRST_SLIDER].explanation;
   }
 }
 
@@ -146,9 +101,9 @@ f0r_instance_t f0r_construct(unsigned int width, unsigned int height) {
     return NULL;
   filter->width = width;
   filter->height = height;
-  filter->style = CopyOf("Default");
-  for (int i = 0; i < SLIDERS; ++i)
-    filter->slider[i] = -1;
+  filter->style = CopyOf(STYLE_DEFAULT);
+  for (int i = 0; i < STYLE_SLIDERS; ++i)
+    filter->slider[i] = STYLE_SLIDER_DEFAULT;
   if (filter->style == NULL) {
     free(filter);
     return NULL;
@@ -179,8 +134,7 @@ void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index) 
     filter->style = copy;
     Forget(filter);
   } else if (index >= FIRST_SLIDER && index < PARAMETERS) {
-    const double given = *(const f0r_param_double*)param;
-    const double value = given >= 0 ? fmin(given, 1) : -1; /* neither for what is no number */
+    const double value = StyleSliderValue(*(const f0r_param_double*)param);
     if (value == filter->slider[index - FIRST_SLIDER])
       return;
     filter->slider[index - FIRST_SLIDER] = value;

@@ -1,4 +1,4 @@
-"""The frei0r filter in ffmpeg: its frames are the bytes that the command makes of the same picture."""
+"""The frei0r filter in ffmpeg and melt: its frames are the bytes that the command makes of the same picture."""
 
 import ctypes
 import json
@@ -6,19 +6,15 @@ import os
 import subprocess
 
 import support
-from support import LimnTest
+from adapter_cases import CASES, NO_STYLES, AdapterTest
 
 FILTER = os.environ["LIMN_FREI0R"]
 WIDTH, HEIGHT = 64, 48
-STYLE = {"gloss": 200, "material": 90, "bumpChannel": 2, "lights": [
-    {"type": "omni", "center": [20, -30], "color": [65535, 30000, 9000]}, {"type": "spot", "intensity": 90}]}
 
 
-class Frei0r(LimnTest):
+class Frei0r(AdapterTest):
     def setUp(self):
         super().setUp()
-        with open("style.json", "w", encoding="utf-8") as file:
-            json.dump(STYLE, file)
         self.picture = support.pattern(WIDTH, HEIGHT, 4)
         support.write_png("in.png", self.picture)
 
@@ -33,26 +29,46 @@ class Frei0r(LimnTest):
         return answer.stdout, answer.stderr.decode()
 
     def test_frames_are_those_of_the_command(self):
-        for parameters, style, changes in (
-                ("style.json", "style.json", []),
-                ("Raking Light", "Raking Light", []),
-                ("", "Default", []),
-                ("style.json|0.5|0.25|1|0|0.2", "style.json",
-                 ["gloss=128", "material=64", "exposure=255", "ambientBrightness=-127", "bumpAmplitude=51"]),
-                ("style.json|-1|nan|7|1", "style.json", ["exposure=255", "ambientBrightness=127"])):
-            options = [word for change in changes for word in ("--set", change)]
-            self.limn("apply", "--quiet", "--force", "--style", style, *options, "in.png", "-o", "out.png")
-            expected = bytes(support.read("out.png").samples)
-            self.assertNotEqual(expected, bytes(self.picture.samples))
+        for style, sliders, changes in (*CASES, ("style.json", (0.5, "nan", 7, -1), ("exposure=255", "ambientBrightness=-127"))):
+            parameters = "|".join(map(str, (style, *sliders)))
             frames, said = self.frames(parameters, 2)
             self.assertEqual(said, "")
-            self.assertTrue(frames == 2 * expected, f"{parameters}: other pixels")
+            self.assertTrue(frames == 2 * bytes(self.lit("in.png", style, changes).samples), f"{parameters}: other pixels")
+
+    def test_melt_cuts_the_same_frames(self):
+        """Square pixels and the picture's own size, so that melt has nothing to scale."""
+        with open("profile", "w", encoding="utf-8") as file:
+            file.write(f"description=Small\nwidth={WIDTH}\nheight={HEIGHT}\nframe_rate_num=25\nframe_rate_den=1\nprogressive=1\n"
+                       f"sample_aspect_num=1\nsample_aspect_den=1\ndisplay_aspect_num={WIDTH}\n"
+                       f"display_aspect_den={HEIGHT}\ncolorspace=709\n")
+        support.write_png("opaque.png", support.pattern(WIDTH, HEIGHT, 3))
+        style, sliders, changes = CASES[-1]
+        values = [f"{number}={value}" for number, value in enumerate((style, *sliders))]
+        subprocess.run(["melt", "-silent", "-profile", "profile", "opaque.png", "out=1", "-attach", "frei0r.limn", *values,
+                        "-consumer", "avformat:melt.raw", "f=rawvideo", "vcodec=rawvideo", "pix_fmt=rgba",
+                        "mlt_image_format=rgba", "an=1", "real_time=-1"], check=True, capture_output=True, timeout=100,
+                       env={**os.environ, "MLT_FREI0R_PLUGIN_PATH": os.path.dirname(FILTER)})
+        rows = self.lit("opaque.png", style, changes).samples
+        expected = b"".join(bytes(rows[at : at + 3]) + b"\xff" for at in range(0, len(rows), 3))
+        with open("melt.raw", "rb") as file:
+            self.assertTrue(file.read() == 2 * expected, "other pixels")
+
+    def test_keeps_up_with_video(self):
+        """1080p30 with four lights on two cores: by processor time, which other programs' work does not stretch."""
+        with open("four.json", "w", encoding="utf-8") as file:
+            json.dump({"gloss": 200, "lights": [{"type": "omni"}, {"type": "spot"}, {"type": "directional"},
+                                                {"type": "omni", "center": [60, 40]}]}, file)
+        frames, cores, before = 60, 2, os.times()
+        subprocess.run(["ffmpeg", "-nostdin", "-v", "error", "-f", "lavfi", "-i", "color=gray:size=1920x1080:rate=30",
+                        "-frames:v", str(frames), "-vf", "format=rgba,frei0r=limn:four.json", "-f", "null", "-"],
+                       check=True, timeout=100, env={**os.environ, "FREI0R_PATH": os.path.dirname(FILTER)})
+        after = os.times()
+        seconds = after.children_user + after.children_system - before.children_user - before.children_system
+        print(f"counted: frames of 1080p lit in a second of two cores {cores * frames / seconds:.0f}")
+        self.assertLess(seconds, cores * frames / 30)
 
     def test_bad_styles_leave_the_frames_and_say_so_once(self):
-        with open("broken.json", "w", encoding="utf-8") as file:
-            file.write('{"lights": 7')
-        os.mkdir("folder")
-        for style in ("no.json", "No Such Style", "broken.json", "folder", "%s%n"):
+        for style in NO_STYLES:
             frames, said = self.frames(style, 3)
             self.assertTrue(frames == bytes(self.picture.samples) * 3, f"{style}: other pixels")
             self.assertEqual(said.count("limn: "), 1, f"{style}: {said}")
@@ -83,7 +99,7 @@ class Frei0r(LimnTest):
         self.assertEqual(lit(filter_, pixels), first)
         library.f0r_set_param_value(filter_, ctypes.byref(ctypes.c_double(0.1)), 3)
         self.assertNotEqual(lit(filter_, pixels), first)
-        library.f0r_set_param_value(filter_, ctypes.byref(ctypes.c_double(-1)), 3)
+        library.f0r_set_param_value(filter_, ctypes.byref(ctypes.c_double(0.5)), 3)
         self.assertEqual(lit(filter_, pixels), first)
         library.f0r_destruct(filter_)
         for width, height in (0, 0), (0, 2**32 - 1), (40000, 1):

@@ -1,0 +1,217 @@
+/* Limn as the GEGL operation limn:light: lights the whole picture with one style, with heights for
+ * relief on the second input if there is one.
+ *
+ * What cannot be done, for instance with a style that is not there, leaves the picture as it is and
+ * is told as a warning: GEGL's operations have no other way to fail. */
+#include "style_sliders.h"
+
+#include <gegl-plugin.h>
+#include <limn.h>
+
+typedef struct LightOperation {
+  GeglOperationComposer parent;
+  char* style; /* never null */
+  double slider[STYLE_SLIDERS];
+} LightOperation;
+
+typedef struct LightOperationClass {
+  GeglOperationComposerClass parent;
+} LightOperationClass;
+
+enum { STYLE = 1, FIRST_SLIDER = 2 }; /* numbers of properties */
+
+static GeglOperationClass* parentClass; /* of the one class that a module registers */
+
+/* Pixels of a picture in memory, and the settings to light them with. */
+typedef struct Work {
+  limn_settings* settings;
+  guchar* pixels;
+  guchar* heights; /* null: none are given */
+} Work;
+
+static int HasPixels(const GeglRectangle* box) {
+  return box != NULL && box->width > 0 && box->height > 0 && !gegl_rectangle_is_infinite_plane(box);
+}
+
+/* The picture's bounds, or what is asked for where it has none: a picture without end stays as it
+ * is. */
+static GeglRectangle WholePicture(GeglOperation* operation, const GeglRectangle* asked) {
+  const GeglRectangle* box = gegl_operation_source_get_bounding_box(operation, "input");
+  return HasPixels(box) ? *box : *asked;
+}
+
+/* Light falls on the whole picture: where it stands depends on the picture's size. */
+static GeglRectangle CachedRegion(GeglOperation* operation, const GeglRectangle* asked) {
+  return WholePicture(operation, asked);
+}
+
+static GeglRectangle RequiredForOutput(GeglOperation* operation, const char* pad,
+                                       const GeglRectangle* asked) {
+  (void)pad;
+  return WholePicture(operation, asked);
+}
+
+static GeglRectangle InvalidatedByChange(GeglOperation* operation, const char* pad,
+                                         const GeglRectangle* changed) {
+  (void)pad;
+  return WholePicture(operation, changed);
+}
+
+/* The second input does not make the picture larger. */
+static GeglRectangle BoundingBox(GeglOperation* operation) {
+  const GeglRectangle* box = gegl_operation_source_get_bounding_box(operation, "input");
+  return box != NULL ? *box : *GEGL_RECTANGLE(0, 0, 0, 0);
+}
+
+/* Bytes in the picture's own colour space, so that a file's bytes are lit, as the command does. */
+static void Prepare(GeglOperation* operation) {
+  const Babl* source = gegl_operation_get_source_format(operation, "input");
+  const int hasAlpha = source == NULL || babl_format_has_alpha(source);
+  const Babl* space = source != NULL ? babl_format_get_space(source) : NULL;
+  const Babl* format = babl_format_with_space(hasAlpha ? "R'G'B'A u8" : "R'G'B' u8", space);
+  gegl_operation_set_format(operation, "input", format);
+  gegl_operation_set_format(operation, "output", format);
+  gegl_operation_set_format(operation, "aux", babl_format("Y' u8"));
+}
+
+static guchar* BytesOf(GeglBuffer* buffer, const GeglRectangle* box, const Babl* format) {
+  const gsize row = (gsize)box->width * (gsize)babl_format_get_bytes_per_pixel(format);
+  guchar* bytes = g_try_malloc_n((gsize)box->height, row);
+  if (bytes != NULL)
+    gegl_buffer_get(buffer, box, 1.0, format, bytes, GEGL_AUTO_ROWSTRIDE, GEGL_ABYSS_CLAMP);
+  return bytes;
+}
+
+/* Whether the work's pixels are lit. */
+static int Light(const LightOperation* self, GeglBuffer* input, GeglBuffer* aux,
+                 const GeglRectangle* box, const Babl* format, Work* work, limn_error* error) {
+  limn_picture picture = {0};
+  work->settings = LoadStyle(self->style, self->slider, error);
+  if (work->settings == NULL)
+    return 0;
+  work->pixels = BytesOf(input, box, format);
+  if (aux != NULL)
+    work->heights = BytesOf(aux, box, babl_format("Y' u8"));
+  if (work->pixels == NULL || (aux != NULL && work->heights == NULL)) {
+    error->code = LIMN_NO_MEMORY;
+    g_strlcpy(error->text, "not enough memory", sizeof error->text);
+    return 0;
+  }
+  picture.width = box->width;
+  picture.height = box->height;
+  picture.channels = babl_format_get_bytes_per_pixel(format);
+  picture.source = picture.output = work->pixels;
+  picture.relief = work->heights;
+  return limn_light(work->settings, &picture, NULL, error) == LIMN_OK;
+}
+
+static gboolean Process(GeglOperation* operation, GeglBuffer* input, GeglBuffer* aux,
+                        GeglBuffer* output, const GeglRectangle* asked, int level) {
+  const Babl* format = gegl_operation_get_format(operation, "output");
+  const GeglRectangle* box = gegl_operation_source_get_bounding_box(operation, "input");
+  Work work = {0};
+  limn_error error;
+  (void)level;
+  if (input == NULL)
+    return TRUE;
+  if (HasPixels(box) &&
+      Light((const LightOperation*)operation, input, aux, box, format, &work, &error)) {
+    gegl_buffer_set(output, box, 0, format, work.pixels, GEGL_AUTO_ROWSTRIDE);
+  } else {
+    if (HasPixels(box))
+      g_warning("limn:light: %s; the picture stays as it is", error.text);
+    gegl_buffer_copy(input, asked, GEGL_ABYSS_NONE, output, asked);
+  }
+  limn_settings_free(work.settings);
+  g_free(work.pixels);
+  g_free(work.heights);
+  return TRUE;
+}
+
+static void SetProperty(GObject* object, guint property, const GValue* value, GParamSpec* spec) {
+  LightOperation* self = (LightOperation*)object;
+  if (property == STYLE) {
+    const char* style = g_value_get_string(value);
+    g_free(self->style);
+    self->style = g_strdup(style != NULL ? style : "");
+  } else if (property >= FIRST_SLIDER && property < FIRST_SLIDER + STYLE_SLIDERS) {
+    self->slider[property - FIRST_SLIDER] = StyleSliderValue(g_value_get_double(value));
+  } else {
+    G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec);
+  }
+}
+
+static void GetProperty(GObject* object, guint property, GValue* value, GParamSpec* spec) {
+  const LightOperation* self = (const LightOperation*)object;
+  if (property == STYLE)
+    g_value_set_string(value, self->style);
+  else if (property >= FIRST_SLIDER && property < FIRST_SLIDER + STYLE_SLIDERS)
+    g_value_set_double(value, self->slider[property - FIRST_SLIDER]);
+  else
+    G_OBJECT_WARN_INVALID_PROPERTY_ID(object, property, spec);
+}
+
+static void Finalize(GObject* object) {
+  g_free(((LightOperation*)object)->style);
+  G_OBJECT_CLASS(parentClass)->finalize(object);
+}
+
+/* GEGL sets every property to its default when it makes an operation. */
+static void InstallProperties(GObjectClass* object) {
+  const GParamFlags flags = G_PARAM_READWRITE | G_PARAM_CONSTRUCT | GEGL_PARAM_PAD_INPUT;
+  g_object_class_install_property(
+      object, STYLE,
+      g_param_spec_string("style", "Style", STYLE_EXPLANATION, STYLE_DEFAULT, flags));
+  for (int i = 0; i < STYLE_SLIDERS; ++i) {
+    const StyleSlider* slider = &STYLE_SLIDER[i];
+    char* label = g_strdup_printf("%c%s", g_ascii_toupper(slider->name[0]), slider->name + 1);
+    g_object_class_install_property(object, (guint)(FIRST_SLIDER + i),
+                                    gegl_param_spec_double(slider->name, label, slider->explanation,
+                                                           0, 1, STYLE_SLIDER_DEFAULT, 0, 1, 1,
+                                                           flags));
+    g_free(label);
+  }
+}
+
+static void InitializeClass(gpointer klass, gpointer data) {
+  GeglOperationClass* operation = GEGL_OPERATION_CLASS(klass);
+  (void)data;
+  parentClass = g_type_class_peek_parent(klass);
+  G_OBJECT_CLASS(klass)->set_property = SetProperty;
+  G_OBJECT_CLASS(klass)->get_property = GetProperty;
+  G_OBJECT_CLASS(klass)->finalize = Finalize;
+  InstallProperties(G_OBJECT_CLASS(klass));
+  operation->prepare = Prepare;
+  operation->get_bounding_box = BoundingBox;
+  operation->get_cached_region = CachedRegion;
+  operation->get_required_for_output = RequiredForOutput;
+  operation->get_invalidated_by_change = InvalidatedByChange;
+  operation->threaded = FALSE; /* the library starts threads of its own */
+  operation->opencl_support = FALSE;
+  GEGL_OPERATION_COMPOSER_CLASS(klass)->process = Process;
+  gegl_operation_class_set_keys(operation, "name", "limn:light", "title", "Limn", "categories",
+                                "light", "description",
+                                "Lights the picture anew with lamps, spotlights and suns; heights "
+                                "for relief on the second input",
+                                NULL);
+}
+
+/* The functions that GEGL looks for in a module. */
+const GeglModuleInfo* gegl_module_query(GTypeModule* module);
+gboolean gegl_module_register(GTypeModule* module);
+
+const GeglModuleInfo* gegl_module_query(GTypeModule* module) {
+  static const GeglModuleInfo info = {GEGL_MODULE_ABI_VERSION};
+  (void)module;
+  return &info;
+}
+
+gboolean gegl_module_register(GTypeModule* module) {
+  static const GTypeInfo info = {
+      .class_size = sizeof(LightOperationClass),
+      .class_init = InitializeClass,
+      .instance_size = sizeof(LightOperation),
+  };
+  return g_type_module_register_type(module, GEGL_TYPE_OPERATION_COMPOSER, "LimnLightOperation",
+                                     &info, 0) != 0;
+}
