@@ -94,6 +94,7 @@ std::unique_ptr<CLI::App> MakeCommandLine(Command& command, char** argv) {
   AddApply(*app, command);
   AddEdit(*app, command, argv);
   AddPreview(*app, command);
+  AddSheet(*app, command);
   AddChannels(*app, command);
   AddStyles(*app, command);
   AddStyle(*app, command);

@@ -20,6 +20,7 @@ std::unique_ptr<CLI::App> MakeCommandLine(Command& command, char** argv);
 
 // The parts of that.
 void AddApply(CLI::App& app, Command& command);
+void AddSheet(CLI::App& app, Command& command);
 void AddStyles(CLI::App& app, Command& command);
 void AddStyle(CLI::App& app, Command& command);
 

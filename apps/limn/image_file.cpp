@@ -64,9 +64,9 @@ std::vector<uint8_t> NeutralPlane(const std::vector<uint8_t>& pixels, size_t num
 
 } // namespace
 
-OpenedPhotograph OpenPhotograph(const std::string& path) {
+OpenedPhotograph OpenPhotograph(const std::string& path, int shrink) {
   OpenedPhotograph opened;
-  const VImage image = OpenImage(path);
+  const VImage image = OpenImage(path, shrink);
   NotePages(image, opened.notices);
   const VImage planes = ToRgbPlanes(image, opened.notices);
   opened.metadata = CopyMetadata(planes);

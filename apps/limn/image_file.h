@@ -38,9 +38,9 @@ struct OpenedPhotograph {
 };
 
 // Reads the header. The pixels are decoded once, from top to bottom, when asked for; what is wrong
-// with them shows then, as an error or a warning of libvips. Throws Failure or vips::VError. The
-// caller holds Complaints.
-OpenedPhotograph OpenPhotograph(const std::string& path);
+// with them shows then, as an error or a warning of libvips. shrink: as for OpenImage. Throws
+// Failure or vips::VError. The caller holds Complaints.
+OpenedPhotograph OpenPhotograph(const std::string& path, int shrink = 1);
 
 // Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
 // their profile to sRGB, more than 8 bits become 8, the orientation is applied; alpha and further

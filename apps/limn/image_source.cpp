@@ -87,14 +87,16 @@ const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
 
 } // namespace
 
-vips::VImage OpenImage(const std::string& path) {
+vips::VImage OpenImage(const std::string& path, int shrink) {
   Descriptor file = OpenRegularFile(path);
   const InputFormat& format = FormatOf(file, path);
   try {
-    vips::VImage image =
-        format.load(SourceOf(std::move(file)), vips::VImage::option()
-                                                   ->set("access", VIPS_ACCESS_SEQUENTIAL)
-                                                   ->set("fail_on", VIPS_FAIL_ON_WARNING));
+    auto* options = vips::VImage::option()
+                        ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                        ->set("fail_on", VIPS_FAIL_ON_WARNING);
+    if (format.load == vips::VImage::jpegload_source)
+      options->set("shrink", shrink);
+    const vips::VImage image = format.load(SourceOf(std::move(file)), options);
     if (image.width() > LONGEST_SIDE || image.height() > LONGEST_SIDE)
       throw Failure(ExitCode::BadInput, path + ": is " + std::to_string(image.width()) + " × " +
                                             std::to_string(image.height()) +

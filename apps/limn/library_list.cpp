@@ -27,17 +27,6 @@ bool IsAsBundled(const LM_listed_style& listed) {
   return LM_BundledStyle(listed.name, bundled) && IsSame(listed.style, bundled);
 }
 
-// What there is without a library.
-std::vector<LM_listed_style> BundledStyles() {
-  std::vector<LM_listed_style> styles;
-  for (const std::string& name : LM_BundledStyleNames()) {
-    LM_listed_style listed{name, false, "", {}};
-    listed.loads = LM_BundledStyle(name, listed.style);
-    styles.push_back(std::move(listed));
-  }
-  return styles;
-}
-
 void PrintAsJson(const LM_listed_style& listed) {
   const nlohmann::ordered_json line = {{"name", listed.name},
                                        {"origin", IsAsBundled(listed) ? "bundled" : "user"},
@@ -51,7 +40,7 @@ ExitCode ListStyles(ListForm form) {
   const StyleLibrary& library = UseStyleLibrary();
   if (!library.trouble.empty())
     PrintProblem(library.trouble);
-  for (const LM_listed_style& listed : library.isThere ? LM_ListStyles() : BundledStyles()) {
+  for (const LM_listed_style& listed : AllStyles()) {
     if (!listed.loads)
       PrintProblem(std::string(listed.name).append(": ").append(listed.why));
     else if (form == ListForm::Json)

@@ -1,10 +1,10 @@
 #include "style_source.h"
 
 #include "failure.h"
-#include "posix_file.h"
 
 #include "LM_gallery.h"
 #include "LM_mac_stream.h"
+#include "LM_small_file.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 #include "LM_style_library.h"
@@ -62,9 +62,23 @@ const StyleLibrary& UseStyleLibrary() {
   return library;
 }
 
+std::vector<LM_listed_style> AllStyles() {
+  if (UseStyleLibrary().isThere)
+    return LM_ListStyles();
+  std::vector<LM_listed_style> styles;
+  for (const std::string& name : LM_BundledStyleNames()) {
+    LM_listed_style listed{name, false, "", {}};
+    listed.loads = LM_BundledStyle(name, listed.style);
+    styles.push_back(std::move(listed));
+  }
+  return styles;
+}
+
 NamedStyle ReadStyleFile(const std::string& path) {
-  const std::vector<uint8_t> bytes = ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
   NamedStyle named{};
+  std::vector<uint8_t> bytes;
+  if (!LM_ReadSmallFile(path, LM_LONGEST_STYLE_FILE, bytes, named.warning))
+    throw Failure(ExitCode::BadInput, path + ": " + named.warning);
   if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning))
     throw Failure(ExitCode::BadInput, path + ": " + named.warning);
   return named;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "LM_style.h"
+#include "LM_style_library.h"
 
 #include <string>
 #include <vector>
@@ -27,6 +28,9 @@ struct StyleLibrary {
 
 // Sets the library up on the first call, which fills a new user's with the bundled styles.
 const StyleLibrary& UseStyleLibrary();
+
+// All styles of the library, those that cannot be read too; without a library the bundled ones.
+std::vector<LM_listed_style> AllStyles();
 
 // name: a file, or the name of a style in the user's library or among the bundled ones; the first
 // that exists, in this order. An empty name means the default style. Without a library there are

@@ -1,0 +1,112 @@
+#include "reduced_photograph.h"
+
+#include "failure.h"
+#include "image_file.h"
+#include "image_library.h"
+#include "image_source.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+namespace limn {
+namespace {
+
+using vips::VImage;
+
+// From this orientation tag on, width and height change places.
+constexpr int FIRST_TURNED = 5;
+
+VImage Resized(const VImage& image, const ReducedPhotograph& to) {
+  return image.resize(
+      static_cast<double>(to.width) / image.width(),
+      VImage::option()->set("vscale", static_cast<double>(to.height) / image.height()));
+}
+
+// How much smaller a JPEG may be decoded so that there is still enough for the reduction.
+int ShrinkFor(const ReducedPhotograph& photograph) {
+  int shrink = 8;
+  while (shrink > 1 && std::max(photograph.fullWidth, photograph.fullHeight) / shrink <
+                           std::max(photograph.width, photograph.height))
+    shrink /= 2;
+  return shrink;
+}
+
+VImage ProfileOf(const VImage& image) {
+  VImage pixel = VImage::black(1, 1);
+  if (image.get_typeof(VIPS_META_ICC_NAME) != 0) {
+    size_t size = 0;
+    const void* profile = image.get_blob(VIPS_META_ICC_NAME, &size);
+    vips_image_set_blob_copy(pixel.get_image(), VIPS_META_ICC_NAME, profile, size);
+  }
+  return pixel;
+}
+
+// A grey image as a plane of the reduction.
+VImage ReadChannel(const std::string& path, const ReducedPhotograph& photograph,
+                   const std::string& photographPath, std::vector<std::string>& notices) {
+  std::vector<std::string> own;
+  GreyImage grey = ReadGreyImage(path, own);
+  for (const std::string& notice : own)
+    notices.push_back(std::string(path).append(": ").append(notice));
+  if (grey.width != photograph.fullWidth || grey.height != photograph.fullHeight)
+    throw Failure(ExitCode::BadInput, path + ": has another size than " + photographPath);
+  const VImage full = VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
+                                              grey.height, 1, VIPS_FORMAT_UCHAR);
+  return Resized(full, photograph).copy_memory();
+}
+
+std::vector<uint8_t> Pixels(const VImage& image) {
+  std::vector<uint8_t> pixels(static_cast<size_t>(image.width()) * image.height() * image.bands());
+  const VImage memory = VImage::new_from_memory(pixels.data(), pixels.size(), image.width(),
+                                                image.height(), image.bands(), VIPS_FORMAT_UCHAR);
+  image.write(memory);
+  return pixels;
+}
+
+void MeasurePhotograph(const std::string& path, ReducedPhotograph& photograph) {
+  const VImage image = OpenImage(path);
+  photograph.fullWidth = image.width();
+  photograph.fullHeight = image.height();
+  if (vips_image_get_orientation(image.get_image()) >= FIRST_TURNED)
+    std::swap(photograph.fullWidth, photograph.fullHeight);
+}
+
+} // namespace
+
+void FitReduction(ReducedPhotograph& photograph, int longestSide) {
+  const double scale = std::min(1.0, static_cast<double>(longestSide) /
+                                         std::max(photograph.fullWidth, photograph.fullHeight));
+  photograph.width = std::max(1, static_cast<int>(std::lround(photograph.fullWidth * scale)));
+  photograph.height = std::max(1, static_cast<int>(std::lround(photograph.fullHeight * scale)));
+}
+
+ReadReduction ReadReducedPhotograph(const std::string& path,
+                                    const std::vector<std::string>& channels, int longestSide) {
+  ReadReduction read;
+  ReducedPhotograph& photograph = read.photograph;
+  try {
+    VImage planes;
+    {
+      const Complaints complaints;
+      MeasurePhotograph(path, photograph);
+      FitReduction(photograph, longestSide);
+      const OpenedPhotograph opened = OpenPhotograph(path, ShrinkFor(photograph));
+      read.notices = opened.notices;
+      read.metadata = ProfileOf(opened.metadata);
+      planes = Resized(opened.planes, photograph).copy_memory();
+      complaints.Check(ExitCode::BadInput, path);
+    }
+    for (const std::string& channel : channels)
+      planes = planes.bandjoin(ReadChannel(channel, photograph, path, read.notices));
+    photograph.numPlanes = planes.bands();
+    photograph.pixels = Pixels(planes);
+  } catch (const vips::VError&) {
+    throw LibraryFailure(ExitCode::BadInput, path);
+  } catch (const std::bad_alloc&) {
+    throw Failure(ExitCode::NoMemory, path + ": not enough memory");
+  }
+  return read;
+}
+
+} // namespace limn

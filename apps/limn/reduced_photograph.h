@@ -1,0 +1,38 @@
+// A photograph made small while it is read: all that a thumbnail needs of it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+#include <vips/vips8>
+
+namespace limn {
+
+// numPlanes bytes a pixel, the first three red, green and blue, then alpha and further channels;
+// width * numPlanes a row, no padding.
+struct ReducedPhotograph {
+  int fullWidth = 0; // of the photograph itself, upright
+  int fullHeight = 0;
+  int width = 0;
+  int height = 0;
+  int numPlanes = 0;
+  std::vector<uint8_t> pixels;
+};
+
+// A photograph reduced, and what goes with it.
+struct ReadReduction {
+  ReducedPhotograph photograph;
+  vips::VImage metadata;            // one pixel with the photograph's colour profile, if any
+  std::vector<std::string> notices; // as Photograph's
+};
+
+// The size at which neither side is longer than `longestSide`; never larger than the full one.
+void FitReduction(ReducedPhotograph& photograph, int longestSide);
+
+// Reads a photograph as ReadPhotograph does, with its longer side reduced to `longestSide`. A JPEG
+// is decoded no larger than needed. channels: files of grey images of the photograph's full size,
+// which become further planes. Throws Failure.
+ReadReduction ReadReducedPhotograph(const std::string& path,
+                                    const std::vector<std::string>& channels, int longestSide);
+
+} // namespace limn

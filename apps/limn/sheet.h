@@ -1,0 +1,26 @@
+// limn sheet: all styles on one page, each on the user's photograph.
+#pragma once
+
+#include "failure.h"
+
+#include <string>
+#include <vector>
+
+namespace limn {
+
+struct SheetOptions {
+  std::string image;
+  std::string output;
+  std::vector<std::string> styles; // none: all of the library
+  std::vector<std::string> channels;
+  int columns = 0; // 0: as many as make a page of a photograph's shape
+  int size = 240;  // the longer side of a picture, in pixels
+  bool force = false;
+  bool quiet = false;
+  bool json = false;
+};
+
+// Writes a contact sheet: the photograph as it is, then under each style. Throws Failure.
+ExitCode WriteSheet(const SheetOptions& options);
+
+} // namespace limn

@@ -1,0 +1,47 @@
+#include "command_line.h"
+
+#include "sheet.h"
+
+#include <memory>
+
+namespace limn {
+
+void AddSheet(CLI::App& app, Command& command) {
+  auto options = std::make_shared<SheetOptions>();
+  CLI::App* sheet =
+      app.add_subcommand("sheet", "Show all styles on a photograph, on one labelled page");
+  sheet->footer("The first picture is the photograph as it is. The name below a picture is the\n"
+                "one to give limn apply --style.\n\n"
+                "  limn sheet photo.jpg -o sheet.png\n"
+                "  limn sheet -s Campfire -s 'Golden Hour' --size 600 photo.jpg -o two.png\n\n" +
+                std::string(EXIT_CODES));
+  sheet->add_option("IMAGE", options->image, "The photograph")->required();
+  sheet->add_option("-o,--output", options->output, "The file to write, as for limn apply")
+      ->required()
+      ->type_name("FILE");
+  sheet
+      ->add_option("-s,--style", options->styles,
+                   "A style file, its JSON form, or the name of a style;\nmay be repeated "
+                   "(default: all of the library)")
+      ->type_name("NAME|FILE")
+      ->allow_extra_args(false);
+  sheet
+      ->add_option("--columns", options->columns, "Pictures side by side (default: by their shape)")
+      ->type_name("N")
+      ->check(CLI::Range(1, 100));
+  sheet
+      ->add_option("--size", options->size,
+                   "The longer side of a picture, in pixels\n(default: 240)")
+      ->type_name("PX")
+      ->check(CLI::Range(48, 2048));
+  sheet->add_option("--channel", options->channels, "As for limn apply; may be repeated")
+      ->type_name("IMAGE")
+      ->allow_extra_args(false);
+  sheet->add_flag("-f,--force", options->force, "Replace an existing file");
+  sheet->add_flag("-q,--quiet", options->quiet, "Print nothing but failures");
+  sheet->add_flag("--json", options->json,
+                  "Print a line of JSON: input, output, size, styles,\nseconds");
+  sheet->callback([options, &command] { command = [options] { return WriteSheet(*options); }; });
+}
+
+} // namespace limn

@@ -1,0 +1,65 @@
+#include "thumbnail.h"
+
+#include "LM_render.h"
+#include "LM_style_settings.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+namespace limn {
+namespace {
+
+constexpr int NUM_LIT = 3;
+
+LM_source_view PlanesFrom(const ReducedPhotograph& photograph, int plane, const CVRect32& bounds) {
+  const ptrdiff_t step = photograph.numPlanes;
+  return {photograph.pixels.data() + plane, photograph.width * step, step, bounds};
+}
+
+// Heights of fewer pixels are less far apart for the same slope.
+void FitRelief(foo& params, const ReducedPhotograph& photograph) {
+  const double share = static_cast<double>(photograph.width) / photograph.fullWidth;
+  params.bumpHeight = static_cast<int32_t>(std::lround(params.bumpHeight * share));
+}
+
+} // namespace
+
+std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_style& style) {
+  const std::unique_ptr<foo> params(new (std::nothrow) foo);
+  const std::unique_ptr<LM_render_job> job(new (std::nothrow) LM_render_job);
+  const LM_render_scratch_pointer scratch = LM_NewRenderScratch();
+  if (params == nullptr || job == nullptr || scratch == nullptr ||
+      !LM_ParametersFromStyle(style, photograph.fullWidth, photograph.fullHeight,
+                              photograph.numPlanes, params.get()))
+    return {};
+  FitRelief(*params, photograph);
+  const CVRect area = {0, 0, static_cast<int16_t>(photograph.height),
+                       static_cast<int16_t>(photograph.width)};
+  const CVRect32 whole = {0, 0, photograph.height, photograph.width};
+  if (LM_PrepareRender(*params, area, photograph.width, photograph.height, LM_BestKernels(),
+                       *job) != LM_render_result::Done)
+    return {};
+  std::vector<uint8_t> lit(static_cast<size_t>(photograph.width) * photograph.height * NUM_LIT);
+  LM_render_views views = {};
+  views.source = PlanesFrom(photograph, 0, whole);
+  views.output = {lit.data(), ptrdiff_t{photograph.width} * NUM_LIT, NUM_LIT, whole};
+  if (params->bumpChannel > 0)
+    views.relief = PlanesFrom(photograph, params->bumpChannel - 1, whole);
+  if (LM_RenderRect(*job, views, whole, *scratch) != LM_render_result::Done)
+    return {};
+  return lit;
+}
+
+std::vector<uint8_t> UnlitThumbnail(const ReducedPhotograph& photograph) {
+  std::vector<uint8_t> colours;
+  const auto step = static_cast<size_t>(photograph.numPlanes);
+  colours.reserve(photograph.pixels.size() / step * NUM_LIT);
+  for (size_t at = 0; at + NUM_LIT <= photograph.pixels.size(); at += step)
+    for (size_t plane = 0; plane < NUM_LIT; ++plane)
+      colours.push_back(photograph.pixels[at + plane]);
+  return colours;
+}
+
+} // namespace limn

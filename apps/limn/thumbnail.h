@@ -1,0 +1,21 @@
+// A style shown on a reduced photograph.
+#pragma once
+
+#include "reduced_photograph.h"
+
+#include "LM_style.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace limn {
+
+// The reduced photograph lit as the whole one would be: red, green and blue, width * 3 bytes a row.
+// Lights fall where they fall on the photograph at its full size, and relief is as steep as there.
+// Empty when memory is short. Safe on any thread.
+std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_style& style);
+
+// The same without light.
+std::vector<uint8_t> UnlitThumbnail(const ReducedPhotograph& photograph);
+
+} // namespace limn
