@@ -1,9 +1,9 @@
 #include "settings.h"
 
 #include "guard.h"
-#include "small_file.h"
 
 #include "LM_gallery.h"
+#include "LM_small_file.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
@@ -56,7 +56,10 @@ limn_settings* limn_settings_load(const char* path, limn_error* error) {
   limn_settings* settings = nullptr;
   Guard(error, [&] {
     NeedPointer(path, "path");
-    const std::vector<uint8_t> bytes = limn::ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
+    std::vector<uint8_t> bytes;
+    std::string why;
+    if (!LM_ReadSmallFile(path, LM_LONGEST_STYLE_FILE, bytes, why))
+      throw Failure{LIMN_CANNOT_READ, std::string(path) + ": " + why};
     settings = SettingsOfBytes(path, bytes.data(), bytes.size());
   });
   return settings;

@@ -5,14 +5,14 @@
 #include "lit_image.h"
 
 #include "LM_gallery.h"
+#include "LM_small_file.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 
-#include <fstream>
-#include <iterator>
 #include <new>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -38,29 +38,18 @@ G_DEFINE_TYPE(Operation, limn_operation, VIPS_TYPE_OPERATION)
   throw vips::VError();
 }
 
-bool ReadFile(const char* name, std::string& content) {
-  std::ifstream file(name, std::ios::binary);
-  if (!file)
-    return false;
-  content.resize(LM_LONGEST_STYLE_FILE + 1);
-  file.read(content.data(), static_cast<std::streamsize>(content.size()));
-  content.resize(static_cast<size_t>(file.gcount()));
-  return !file.bad() && content.size() <= LM_LONGEST_STYLE_FILE;
-}
-
 // A file, or else one of the bundled styles.
 LM_style StyleOf(const char* name) {
   LM_style style{};
-  std::string content;
+  std::vector<uint8_t> content;
   std::string why;
-  if (name != nullptr && ReadFile(name, content)) {
-    const auto* bytes = reinterpret_cast<const uint8_t*>(content.data());
-    if (!LM_StyleFromBytes(bytes, content.size(), style, why))
+  if (name != nullptr && LM_ReadSmallFile(name, LM_LONGEST_STYLE_FILE, content, why)) {
+    if (!LM_StyleFromBytes(content.data(), content.size(), style, why))
       Refuse(std::string(name) + ": " + why);
     return style;
   }
   if (!LM_BundledStyle(name != nullptr ? name : "Default", style))
-    Refuse(std::string(name) + ": is neither a style's file nor the name of a bundled style");
+    Refuse(std::string(name) + ": is neither the name of a bundled style nor its file: " + why);
   return style;
 }
 

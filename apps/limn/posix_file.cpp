@@ -38,23 +38,4 @@ Descriptor OpenRegularFile(const std::string& path) {
   return file;
 }
 
-std::vector<uint8_t> ReadSmallFile(const std::string& path, size_t limit) {
-  const Descriptor file = OpenRegularFile(path);
-  std::vector<uint8_t> content;
-  uint8_t piece[16384];
-  for (;;) {
-    const ssize_t got = read(file.Number(), piece, sizeof piece);
-    if (got < 0 && errno == EINTR)
-      continue;
-    if (got < 0)
-      throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
-    if (got == 0)
-      return content;
-    content.insert(content.end(), piece, piece + got);
-    if (content.size() > limit)
-      throw Failure(ExitCode::BadInput,
-                    path + ": is longer than " + std::to_string(limit) + " bytes");
-  }
-}
-
 } // namespace limn

@@ -2,11 +2,8 @@
 // meanwhile.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace limn {
 
@@ -33,10 +30,6 @@ private:
 // Opens a regular file for reading. Never blocks on a pipe and never opens a device for use.
 // Throws Failure(BadInput).
 Descriptor OpenRegularFile(const std::string& path);
-
-// The whole content of a regular file of at most `limit` bytes; a longer one is a Failure(BadInput)
-// that says so, found without reading it all.
-std::vector<uint8_t> ReadSmallFile(const std::string& path, size_t limit);
 
 // The system's words for `error`, in the middle of a sentence ("no such file or directory").
 std::string SystemReason(int error);
