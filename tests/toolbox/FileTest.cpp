@@ -44,9 +44,9 @@ TEST_F(FileTest, WhatMayBeOpened) {
   chmod((folder / "locked").c_str(), 0444);
   mkdir((folder / "inner").c_str(), 0777);
   mkfifo((folder / "pipe").c_str(), 0666);
-  symlink("target", (folder / "link").c_str());
-  symlink("nowhere", (folder / "dangling").c_str());
-  symlink("/dev/null", (folder / "device").c_str());
+  std::filesystem::create_symlink("target", folder / "link");
+  std::filesystem::create_symlink("nowhere", folder / "dangling");
+  std::filesystem::create_symlink("/dev/null", folder / "device");
   struct Case {
     const char* name;
     OSErr reading, writing, either, creating;
@@ -82,7 +82,7 @@ TEST_F(FileTest, WhatMayBeDeletedOrRenamed) {
   }
   chmod((folder / "locked").c_str(), 0444);
   mkdir((folder / "inner").c_str(), 0777);
-  symlink("target", (folder / "link").c_str());
+  std::filesystem::create_symlink("target", folder / "link");
   EXPECT_EQ(HRename(volume, id, TB_PString("plain"), TB_PString("other")), dupFNErr);
   EXPECT_EQ(HRename(volume, id, TB_PString("locked"), TB_PString("free")), fLckdErr);
   EXPECT_EQ(HRename(volume, id, TB_PString("plain"), TB_PString("../plain")), noErr);
@@ -101,7 +101,7 @@ TEST_F(FileTest, ReplacingKeepsOneCompleteFile) {
   WriteFile("old", "old");
   WriteFile("locked", "locked");
   chmod((folder / "locked").c_str(), 0444);
-  symlink("old", (folder / "link").c_str());
+  std::filesystem::create_symlink("old", folder / "link");
   EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("locked")), fLckdErr);
   EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("link")), fLckdErr);
   EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("missing"), TB_PString("old")), fnfErr);

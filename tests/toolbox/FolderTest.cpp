@@ -50,8 +50,8 @@ TEST_F(FolderTest, ListsRegularFilesInAlphabeticalOrder) {
   }
   mkdir((folder / "folder").c_str(), 0777);
   mkfifo((folder / "pipe").c_str(), 0666);
-  symlink("zebra", (folder / "link").c_str());
-  symlink("nowhere", (folder / "dangling").c_str());
+  std::filesystem::create_symlink("zebra", folder / "link");
+  std::filesystem::create_symlink("nowhere", folder / "dangling");
   const std::vector<std::string> names = ListNames();
   EXPECT_EQ(names, (std::vector<std::string>{"%41", "/", "100%", "Apple", "apple", "echo", "Élan",
                                              "élan", "link", "Über", "zebra", "Zoo"}));
