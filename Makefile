@@ -5,7 +5,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test test-deep build deps test-sanitize test-portable fuzz bench bench-peers plots lint format format-check install clean
+.PHONY: help demo test test-deep build deps test-sanitize test-portable fuzz bench bench-peers plots docs-pictures lint format format-check install clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -59,6 +59,9 @@ bench-peers: build ## Time limn apply beside other programs, and lights beside t
 
 plots: build ## Measure and draw what docs/performance.md shows
 	bench/plot $(BUILD)/bin/bench_shading docs/pictures/cost-of-lights.svg
+
+docs-pictures: build ## Draw the pictures of docs/ again, as their pages say
+	scripts/docs --build $(BUILD)
 
 SOURCES := $(shell git ls-files '*.h' '*.hpp' '*.c' '*.cpp')
 format: ## Format every source file

@@ -1,8 +1,9 @@
 """The pages of the documentation, read for what is run and drawn in them.
 
   ```sh               a block of commands that a reader can type; run one page after the other block by block,
-                      in a folder that holds the bundled photographs, `photo.jpg` and a folder `holiday`
-  <!-- not run: WHY -->  before a block: it needs a screen, an installation or minutes
+                      in a folder that holds the bundled photographs, `photo.jpg` and a folder `photos`
+  <!-- not run: WHY -->  before a block: it needs a screen, an installation or minutes; so do blocks that call
+                         one of ELSEWHERE
   <!-- file: NAME -->    before a block of another kind: saved under that name, for the commands after it
 """
 
@@ -20,9 +21,11 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 PHOTOS = os.path.join(ROOT, "resources/photos")
 PAGES = [os.path.join(ROOT, "README.md"), *sorted(glob.glob(os.path.join(ROOT, "docs/*.md")))]
 
+# Programs that have tests of their own, where Limn is run by them.
+ELSEWHERE = re.compile(r"^(sudo|ffmpeg|melt|gegl|sbatch|parallel)\b", re.MULTILINE)
 # What is to be made is checked to be there, and not made.
 PRELUDE = f'make() {{ command make -n -C "{ROOT}" "$@" > make.out 2>&1 || {{ cat make.out; return 1; }}; }}\n'
-PIECE = re.compile(r"^<!-- (?P<kind>strip|pair|one|plot) (?P<name>[\w./-]+?)(?::(?P<words>[^>]*))?-->$"
+PIECE = re.compile(r"^<!-- (?P<kind>strip|pair|one|plot) (?P<name>[\w./-]+)(?::(?P<words>[^>]*?))? -->$"
                    r"|(?:^<!-- (?P<mark>not run|file): (?P<note>[^>]*?) -->\n)?"
                    r"^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.MULTILINE | re.DOTALL)
 
@@ -44,7 +47,7 @@ class Block:
     at: int
 
     def is_run(self):
-        return self.language == "sh" and self.mark != "not run"
+        return self.language == "sh" and self.mark != "not run" and not ELSEWHERE.search(self.text)
 
     def run(self):
         """In the current folder. Throws CalledProcessError with what was said."""
@@ -92,14 +95,16 @@ def working_folder(build, photos=PHOTOS):
     folder, before, environment = tempfile.mkdtemp(prefix="limn-docs-"), os.getcwd(), dict(os.environ)
     try:
         os.makedirs(f"{folder}/resources")
-        os.makedirs(f"{folder}/holiday/lake")
+        os.makedirs(f"{folder}/photos/lake")
         os.symlink(build, f"{folder}/build")
         os.symlink(photos, f"{folder}/resources/photos")
         for photo in os.listdir(photos):
             shutil.copy(f"{photos}/{photo}", folder)
         shutil.copy(f"{photos}/still-life.jpg", f"{folder}/photo.jpg")
-        shutil.copy(f"{photos}/portrait.jpg", f"{folder}/holiday")
-        shutil.copy(f"{photos}/landscape.jpg", f"{folder}/holiday/lake")
+        shutil.copy(f"{photos}/portrait.jpg", f"{folder}/photos")
+        shutil.copy(f"{photos}/landscape.jpg", f"{folder}/photos/lake")
+        with open(f"{folder}/last-time", "w", encoding="utf-8"):
+            os.utime(f"{folder}/last-time", (0, 0))
         os.environ.update(PATH=f"{build}/bin:{os.environ['PATH']}", XDG_DATA_HOME=f"{folder}/.data",
                           LC_ALL="C.UTF-8")
         os.chdir(folder)
