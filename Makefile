@@ -22,7 +22,9 @@ demo: ## Light the bundled photograph and say where the picture is
 test: deps build ## Build and run every test
 	scripts/run-tests $(BUILD) -j $(JOBS) $(CTEST_OPTIONS)
 
-test-deep: deps build ## The long runs: far more of what `make test` tries for a moment
+test-deep: ## The long runs: far more of what `make test` tries for a moment
+	@scripts/deps deep
+	@$(MAKE) --no-print-directory build
 	scripts/run-tests $(BUILD) -C Deep -L deep $(CTEST_OPTIONS)
 
 TESTS ?= ON

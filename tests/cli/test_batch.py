@@ -2,6 +2,7 @@
 
 import json
 import os
+import shutil
 
 import support
 
@@ -77,6 +78,68 @@ class Batch(support.LimnTest):
         support.write_pnm("-r.ppm", support.smooth(5, 4))
         self.limn("apply", "-o", "dash/", "--", "-r.ppm")
         self.assertEqual(os.listdir("dash"), ["-r.ppm"])
+
+    def test_lists_of_names(self):
+        odd = [b"plain.ppm", b"deep/er/b.ppm", b" lead and trail .ppm", b"-r.ppm", "\u00e9 \u00fc.ppm".encode(), b"{}.ppm",
+               b"caf\xe9.ppm", b"quo'te\".ppm", b"back\\slash.ppm", b"./dot/../dotted.ppm", b"../outside.ppm"]
+        places = [b"dotted.ppm" if b"dot/" in name else name.removeprefix(b"../") for name in odd]
+        os.makedirs("here/deep/er")
+        os.mkdir("here/dot")
+        for name in [*odd, b"new\nline.ppm"]:
+            support.write_pnm(b"here/" + name, support.smooth(6, 5))
+        os.chdir("here")
+        for end, options, further in ((b"\n", [], []), (b"\0", ["--null"], [b"new\nline.ppm"])):
+            for last in end, b"":
+                with open("list", "wb") as file:
+                    file.write(end.join([*odd, b"", *further]) + last)
+                for source in "list", "-":
+                    with self.subTest(end=end, last=last, source=source), open("list", "rb") as file:
+                        self.limn("apply", "--from-file", source, *options, "-q", "-o", "../lit/", stdin=file)
+                        self.assertEqual(sorted(map(os.fsencode, self.found("../lit"))), sorted(places + further))
+                        shutil.rmtree("../lit")
+        os.chdir("..")
+
+    def test_bad_lists(self):
+        support.write_pnm("a.ppm", support.smooth(6, 5))
+        for text, options, code, says in (
+                (None, [], 3, "list: no such file"), (b"\n\n", [], 3, "names no image"),
+                (b"a.ppm\0a.ppm\0", [], 3, "holds a NUL byte"), (b"a.ppm\n" + b"x" * 5000, [], 3, "list: name 2 is longer"),
+                (b"a.ppm\n./a.ppm\n", [], 2, "would both be written to"), (b"absent.ppm\na.ppm\n", [], 3, "absent.ppm"),
+                (b"a.ppm\n", ["--null"], 2, "a.ppm"), (b".\n", [], 2, "is a folder")):
+            with self.subTest(text=text):
+                if text is not None:
+                    with open("list", "wb") as file:
+                        file.write(text)
+                self.limn("apply", "--from-file", "list", *options, "-o", "lit/", code=code, says=says)
+                self.assertEqual(os.path.exists("lit/a.ppm"), b"absent" in (text or b""))
+                shutil.rmtree("lit", ignore_errors=True)
+
+    def test_shards(self):
+        names = self.tree()
+        for name in "0.ppm", "deep/z.ppm", "~.ppm":
+            support.write_pnm("in/" + name, support.smooth(8, 8))
+            names.append(name)
+
+        def taken(index, count, *images, again="-f"):
+            answer = self.limn("apply", *(images or ("-r", "in")), "-o", "out/", again, "--json", "--shard", f"{index}/{count}")
+            lines = [json.loads(line) for line in answer.stdout.splitlines()]
+            return sorted(line["output"].removeprefix("out/") for line in lines if "skipped" not in line)
+
+        for count in 1, 2, 3, len(names), 9:
+            shards = [taken(index, count) for index in range(1, count + 1)]
+            self.assertEqual(sorted(sum(shards, [])), sorted(names), count)
+            self.assertLessEqual(max(map(len, shards)) - min(map(len, shards)), 1, count)
+        # Named in another order, and with some of the outputs there: the same shares.
+        flat = [name for name in names if "/" not in name]
+        first = taken(1, 2, *("in/" + name for name in flat))
+        self.assertEqual(taken(1, 2, *("in/" + name for name in reversed(flat))), first)
+        os.remove("out/" + first[1])
+        self.assertEqual(taken(1, 2, *("in/" + name for name in flat), again="--skip-existing"), [first[1]])
+        # What comes in between two rounds is lit in the second, once.
+        support.write_pnm("in/m.ppm", support.smooth(8, 8))
+        self.assertEqual(sum([taken(index, 3, again="--skip-existing") for index in (1, 2, 3)], []), ["m.ppm"])
+        for wrong in "0/4", "5/4", "1", "1/0", "-1/2", "1/4x", "/", "1/", "+1/2", "18446744073709551617/1":
+            self.limn("apply", "-r", "in", "-o", "out/", "--shard", wrong, code=2, says="is not of the form I/N")
 
     def test_empty_folder(self):
         os.mkdir("in")
