@@ -42,7 +42,9 @@ std::vector<SheetStyle> StylesOf(const SheetOptions& options) {
     const NamedStyle named = FindStyle(name);
     if (!named.warning.empty())
       Note(options, std::string(name).append(": ").append(named.warning));
-    styles.push_back({std::filesystem::path(name).filename().string(), named.style});
+    const std::filesystem::path path(name);
+    const auto shown = path.extension() == ".json" ? path.stem() : path.filename();
+    styles.push_back({shown.string(), named.style});
   }
   if (!options.styles.empty())
     return styles;
