@@ -21,13 +21,24 @@ bool IsKept(std::string_view field) {
   return field.starts_with("png-comment-");
 }
 
+// Bytes are copied: some loaders of libvips hand out their own, which go away with them.
+void SetField(VipsImage* into, const char* field, GValue& value) {
+  if (G_VALUE_TYPE(&value) != VIPS_TYPE_BLOB) {
+    vips_image_set(into, field, &value);
+    return;
+  }
+  size_t size = 0;
+  const void* bytes = vips_value_get_blob(&value, &size);
+  vips_image_set_blob_copy(into, field, bytes, size);
+}
+
 void CopyFields(VipsImage* from, VipsImage* into) {
   gchar** fields = vips_image_get_fields(from);
   for (gchar** field = fields; *field != nullptr; ++field) {
     GValue value = G_VALUE_INIT;
     if (!IsKept(*field) || vips_image_get(from, *field, &value) != 0)
       continue;
-    vips_image_set(into, *field, &value);
+    SetField(into, *field, value);
     g_value_unset(&value);
   }
   g_strfreev(fields);
