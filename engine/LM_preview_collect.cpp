@@ -149,6 +149,15 @@ Reduction Delivered(const uint8_t* source, int32_t rowBytes, const CVRect& tile,
   return {source, rowBytes, rows, columns, rows, columns, pixelBytes, PreviewStep(g)};
 }
 
+// Tiles that a walk visits between two sides.
+int64_t TilesAlong(int32_t first, int32_t last, int32_t edge) {
+  return std::max<int64_t>((int64_t{last} - first + edge - 1) / edge, 1);
+}
+
+int64_t TilesOf(const CVRect& area, int32_t edge) {
+  return TilesAlong(area.left, area.right, edge) * TilesAlong(area.top, area.bottom, edge);
+}
+
 void ReduceMask(const FilterRecord* record, const LM_globals* g, int32_t row, int32_t column,
                 int32_t firstRow) {
   const CVPixelMap& frame = g->previewMaps[LM_FRAME_MAP];
@@ -221,7 +230,8 @@ int16_t LM_GetPreviewBumpPixelMap(LM_globals* globals) {
   const CVRect area = record->filterArea;
   LM_SetFirstPreviewTileRects(record, globals);
   globals->previewComplete = 0;
-  while (globals->previewComplete == 0) {
+  // Counted, since a host that writes other rectangles could keep the walk from its end.
+  for (int64_t left = TilesOf(area, globals->tileSize); left > 0; --left) {
     LM_PreviewToBumpRects(record, globals);
     const int16_t result = record->nextTile();
     if (result != CV_RESULT_OK) {
@@ -231,7 +241,10 @@ int16_t LM_GetPreviewBumpPixelMap(LM_globals* globals) {
     LM_CalcTileBumpPreview(record, globals);
     LM_BumpToPreviewRects(record, globals);
     LM_SetNextPreviewTileRects(record, globals);
+    if (globals->previewComplete == 1)
+      break;
   }
+  globals->previewComplete = 1;
   record->filterArea = area;
   return CV_RESULT_OK;
 }
