@@ -82,8 +82,12 @@ int LM_ListKernels(const LM_kernels** list, int room) {
 }
 
 const LM_kernels* LM_BestKernels() {
-  const LM_kernels* best = nullptr;
-  LM_ListKernels(&best, 1);
-  return best;
+  // Asking the processor takes longer than lighting a small tile, above all in a virtual machine.
+  static const LM_kernels* const kept = [] {
+    const LM_kernels* best = nullptr;
+    LM_ListKernels(&best, 1);
+    return best;
+  }();
+  return kept;
 }
 #endif
