@@ -17,8 +17,9 @@
 
 namespace {
 
-constexpr ptrdiff_t LARGEST_BUFFER = 1 << 18;
+constexpr ptrdiff_t LARGEST_BUFFER = 1 << 13; // what is larger only takes longer
 constexpr int MOST_STEPS = 60;
+constexpr int MOST_TILES = 2000; // that the host delivers when asked, before it refuses
 
 // Exactly the bytes that a rectangle and its stride speak of, so that a stray access is seen.
 class Pixels {
@@ -33,8 +34,9 @@ public:
       return nullptr;
     const auto size = static_cast<size_t>(rowBytes + reach);
     _bytes = std::make_unique<uint8_t[]>(size);
-    for (size_t i = 0; i < size; ++i)
-      _bytes[i] = static_cast<uint8_t>(i * fill);
+    std::memset(_bytes.get(), fill, size);
+    for (size_t i = 0; i < size; i += 7)
+      _bytes[i] = static_cast<uint8_t>(i * 5);
     return _bytes.get() + (stride < 0 ? reach : 0);
   }
 
@@ -49,6 +51,7 @@ struct Host {
   Pixels in, out, mask;
   int16_t channels = 4;
   int untilCancel = 0;
+  int tilesLeft = MOST_TILES;
 };
 Host* host = nullptr;
 GrafPort* const FAKE_DIALOG = reinterpret_cast<GrafPort*>(&host);
@@ -96,6 +99,8 @@ uint8_t TestCancel() {
 }
 void Progress(int32_t, int32_t) {}
 int16_t NextTile() {
+  if (--host->tilesLeft < 0)
+    return CV_RESULT_NO_MEMORY;
   Deliver();
   return AnyResult();
 }
@@ -155,6 +160,16 @@ constexpr LM_dialog_services DIALOG = {
     ConstructDialog, RunDialog, DisposeDialog, ItemBox, [](LM_globals*, int16_t, const Rect&) {},
     RedrawItem,      [] {},     [] {}};
 
+foo* WholeParameters() {
+  static foo params;
+  LM_style style = LM_NewStyle();
+  style.lightsRead = style.numLights = 1;
+  style.lights[0] = LM_NewStyleLight();
+  style.lights[0].type = LM_LIGHT_SPOT;
+  LM_ParametersFromStyle(style, 30, 20, 5, &params);
+  return &params;
+}
+
 // A parameter block as kept from a run, then spoilt.
 void KeepParameters(FuzzInput& input) {
   FilterRecord& record = host->record;
@@ -163,12 +178,10 @@ void KeepParameters(FuzzInput& input) {
   record.savedParams = NewHandleClear(whole ? static_cast<Size>(sizeof(foo)) : input.Byte());
   if (!whole)
     return;
-  LM_style style = LM_NewStyle();
-  style.lightsRead = style.numLights = 1;
-  style.lights[0] = LM_NewStyleLight();
-  style.lights[0].type = input.Byte();
-  style.bumpChannel = static_cast<int16_t>(input.Below(6));
-  LM_ParametersFromStyle(style, 30, 20, 5, reinterpret_cast<foo*>(*record.savedParams));
+  static foo* const params = WholeParameters();
+  params->lights[0].type = input.Byte();
+  params->bumpChannel = static_cast<int16_t>(input.Below(6));
+  std::memcpy(*record.savedParams, params, sizeof *params);
   for (int i = input.Below(4); i > 0; --i)
     (*record.savedParams)[static_cast<uint16_t>(input.Short()) % sizeof(foo)] =
         static_cast<char>(input.Byte());
@@ -240,7 +253,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   here.input = &input;
   here.record.testCancel = TestCancel;
   here.record.reportProgress = Progress;
-  here.record.filterArea = {0, 0, static_cast<int16_t>(input.Byte()), 30};
+  here.record.filterArea = {0, 0, static_cast<int16_t>(input.Byte() % 100), 30};
   here.record.hostSignature = CV_HOST_SIGNATURE;
   here.record.colorMode = CV_MODE_RGB;
   here.record.showPixels = ShowPixels;

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int MOST_STEPS = 24;
+constexpr int MOST_STEPS = 20;
 constexpr int16_t HEIGHT_CHANNEL = 4;
 
 ReferencePoint Point(const LM_vectori2& vector) {
@@ -153,7 +153,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::vector<uint8_t> heights = scene.heights;
   EngineRun run(scene);
   LM_globals& globals = *run.globals;
-  Check(run.CollectPreview(8 + input.Below(8)), "a preview can be set up");
+  Check(run.CollectPreview(6 + input.Below(7)), "a preview can be set up");
   globals.Default();
   for (int step = 0; step < MOST_STEPS && !input.Empty(); ++step) {
     const int kind = input.Below(16);
