@@ -20,6 +20,20 @@ OSErr Result(bool done) {
   return done ? noErr : TB_ErrorFor(errno);
 }
 
+// Repeats a call of the system that a signal interrupts.
+template <typename Call> int Uninterrupted(Call call) {
+  for (;;) {
+    const int result = call();
+    if (result >= 0 || errno != EINTR) {
+      return result;
+    }
+  }
+}
+
+int OpenFile(const std::string& path, int flags) {
+  return Uninterrupted([&] { return open(path.c_str(), flags | OPEN_FLAGS, 0666); });
+}
+
 // Whether what lies there may be opened: regular, and for writing neither a link nor locked.
 OSErr CheckOpenable(const struct stat& status, bool writing) {
   if (writing && S_ISLNK(status.st_mode)) {
@@ -44,7 +58,7 @@ OSErr OpenPlace(const std::string& path, int8_t permission, int16_t* refNum) {
                      : permission == fsWrPerm ? O_WRONLY | O_NOFOLLOW
                                               : O_RDWR | O_NOFOLLOW;
   auto file = std::make_shared<TB_OpenFile>(-1, writing);
-  file->descriptor = open(path.c_str(), access | OPEN_FLAGS);
+  file->descriptor = OpenFile(path, access);
   if (file->descriptor < 0) {
     return errno == EROFS ? permErr : TB_ErrorFor(errno);
   }
@@ -87,11 +101,11 @@ template <typename Step> OSErr MoveBytes(int32_t wanted, int32_t* moved, Step st
 
 bool FlushDescriptor(int descriptor) {
   // Some file systems cannot flush a folder, and say so with EINVAL.
-  return fsync(descriptor) == 0 || errno == EINVAL;
+  return Uninterrupted([=] { return fsync(descriptor); }) == 0 || errno == EINVAL;
 }
 
 OSErr FlushPath(const std::string& path, int flags) {
-  const int descriptor = open(path.c_str(), flags | O_RDONLY | OPEN_FLAGS);
+  const int descriptor = OpenFile(path, flags | O_RDONLY);
   if (descriptor < 0) {
     return TB_ErrorFor(errno);
   }
@@ -179,8 +193,7 @@ OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStr255Param name, OSType, OST
     if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place)) {
       return err;
     }
-    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | OPEN_FLAGS;
-    const int descriptor = open(place.path.c_str(), flags, 0666);
+    const int descriptor = OpenFile(place.path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
     if (descriptor < 0) {
       return TB_ErrorFor(errno);
     }
@@ -311,7 +324,8 @@ OSErr SetEOF(int16_t refNum, int32_t length) {
       if (length < 0) {
         return paramErr;
       }
-      return file.writable ? Result(ftruncate(file.descriptor, length) == 0) : wrPermErr;
+      const auto cut = [&] { return ftruncate(file.descriptor, length); };
+      return file.writable ? Result(Uninterrupted(cut) == 0) : wrPermErr;
     });
   });
 }
