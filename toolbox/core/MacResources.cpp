@@ -23,14 +23,34 @@ struct Source {
   size_t count;
 };
 
+// Takes a value's children apart one by one: its own destructor allocates to do so, and ends the
+// program where it cannot.
+void Empty(json* value) {
+  if (value->is_structured()) {
+    for (json& child : *value) {
+      Empty(&child);
+    }
+    value->clear();
+  }
+}
+
+// A value that can be released when memory has run out.
+struct Document {
+  Document() = default;
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+  ~Document() { Empty(&value); }
+  json value;
+};
+
 struct State {
   std::mutex mutex;
   std::vector<Source> sources;
-  std::map<std::string, std::string, std::less<>> files; // all but the resource files, by path
-  std::map<std::string, json, std::less<>> languages;    // type -> number -> resource
+  std::map<std::string, std::string, std::less<>> files;  // all but the resource files, by path
+  std::map<std::string, Document, std::less<>> languages; // type -> number -> resource
   std::string chosen; // by TB_SetLanguage; empty: by the environment
   // English with the language in use laid over it; must be made anew when empty.
-  std::unique_ptr<const json> merged;
+  std::unique_ptr<const Document> merged;
 };
 
 State& Shared() {
@@ -63,8 +83,12 @@ size_t PlaceOf(const json& list, const json& over, size_t place) {
 }
 
 // Lays one value over another: objects member by member, lists element by element; null changes
-// nothing.
+// nothing. Copies no more than a single value or a text at once, for Document's sake.
 void LayOver(json* base, const json& over) {
+  if (over.is_structured() && over.type() != base->type()) {
+    Empty(base);
+    *base = json(over.type());
+  }
   if (over.is_object() && base->is_object()) {
     for (const auto& [key, value] : over.items()) {
       LayOver(&(*base)[key], value);
@@ -74,6 +98,7 @@ void LayOver(json* base, const json& over) {
       LayOver(&(*base)[PlaceOf(*base, over[i], i)], over[i]);
     }
   } else if (!over.is_null()) {
+    Empty(base);
     *base = over;
   }
 }
@@ -114,21 +139,33 @@ bool IsResourceFile(const json& content) {
   return true;
 }
 
+// Makes an object of null. Left to operator[], that would end half made when memory runs out.
+void NeedObject(json* value) {
+  if (value->is_null()) {
+    *value = json::object();
+  }
+}
+
 bool AddFile(State* state, std::string_view path, std::string_view bytes) {
   if (!IsInLanguage(path) || !path.ends_with(".json")) {
     state->files.insert_or_assign(std::string(path), std::string(bytes));
     return true;
   }
-  json content = json::parse(bytes, nullptr, false);
-  if (!IsResourceFile(content)) {
+  Document content;
+  nlohmann::detail::json_sax_dom_parser<json> builder(content.value, false);
+  if (!json::sax_parse(bytes, &builder) || !IsResourceFile(content.value)) {
     return false;
   }
-  json& language = state->languages[std::string(path.substr(0, path.find('/')))];
-  if (language.is_null()) {
-    language = json::object();
-  }
-  for (const auto& [type, resources] : content.items()) {
-    language[type].update(resources);
+  json* language = &state->languages[std::string(path.substr(0, path.find('/')))].value;
+  NeedObject(language);
+  for (auto type = content.value.begin(); type != content.value.end(); ++type) {
+    json* known = &(*language)[type.key()];
+    NeedObject(known);
+    for (auto resource = type->begin(); resource != type->end(); ++resource) {
+      json* place = &(*known)[resource.key()];
+      Empty(place);
+      *place = std::move(*resource);
+    }
   }
   return true;
 }
@@ -160,16 +197,16 @@ std::string ChooseLanguage(const State& state) {
 // All resources in the language in use. The lock is held.
 const json& Merged(State* state) {
   if (!state->merged) {
-    auto merged = std::make_unique<json>(json::object());
+    auto merged = std::make_unique<Document>();
     for (const std::string& language : {std::string(ENGLISH), ChooseLanguage(*state)}) {
       auto found = state->languages.find(language);
       if (found != state->languages.end()) {
-        LayOver(merged.get(), found->second);
+        LayOver(&merged->value, found->second.value);
       }
     }
     state->merged = std::move(merged);
   }
-  return *state->merged;
+  return state->merged->value;
 }
 
 // A member of an object, or null.
@@ -208,13 +245,14 @@ Boolean TB_UseResources(const TB_EmbeddedFile* files, size_t count) {
       return 1;
     }
   }
-  state.sources.push_back({files, count});
   state.merged.reset();
   bool allUsed = true;
   for (size_t i = 0; i < count; ++i) {
     const std::string_view bytes(reinterpret_cast<const char*>(files[i].bytes), files[i].size);
     allUsed = AddFile(&state, files[i].path, bytes) && allUsed;
   }
+  // Noted at the end: what ran out of memory on the way is tried again.
+  state.sources.push_back({files, count});
   return allUsed;
 }
 
