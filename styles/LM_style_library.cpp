@@ -50,6 +50,25 @@ std::string EnterLibrary() {
   return EnterFolder(data / FOLDER);
 }
 
+// True when it is certain that nothing has that name.
+bool IsFree(const LM_style_place& folder, StringPtr name) {
+  HParamBlockRec block = {};
+  block.fileParam.ioNamePtr = name;
+  block.fileParam.ioVRefNum = folder.vRefNum;
+  block.fileParam.ioDirID = folder.dirID;
+  return PBHGetFInfo(&block, 0) == fnfErr;
+}
+
+// Writes the settings to a temporary file, which place(its name) then makes the style.
+template <class Place>
+LM_bool SaveThrough(const LM_style_place& folder, LM_globals* globals, Place place) {
+  TB_Str255 temporary = LM_TemporaryName();
+  if (LM_SaveStyleDurably(temporary.bytes, globals) != 0 && place(temporary) == noErr)
+    return 1;
+  HDelete(folder.vRefNum, folder.dirID, temporary);
+  return 0;
+}
+
 } // namespace
 
 bool LM_UseStyleLibrary(std::string& why) {
@@ -87,13 +106,19 @@ LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals) {
   const bool isStyle = old.Open(name) != 0;
   old.Close();
   LM_style_place folder = {};
-  if ((!isStyle && LM_style_istream::Exists(name) != 0) ||
-      LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0)
+  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0 || (!isStyle && !IsFree(folder, name)))
     return 0;
-  TB_Str255 temporary = LM_TemporaryName();
-  bool written = LM_SaveStyleDurably(temporary.bytes, globals) != 0;
-  written = written && TB_ReplaceFile(folder.vRefNum, folder.dirID, temporary, name) == noErr;
-  if (!written)
-    HDelete(folder.vRefNum, folder.dirID, temporary);
-  return written ? 1 : 0;
+  return SaveThrough(folder, globals, [&](ConstStr255Param temporary) {
+    return TB_ReplaceFile(folder.vRefNum, folder.dirID, temporary, name);
+  });
+}
+
+LM_bool LM_AddStyle(StringPtr name, LM_globals* globals) {
+  TB_CutPString(name, LM_MAX_STYLE_NAME);
+  LM_style_place folder = {};
+  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0)
+    return 0;
+  return SaveThrough(folder, globals, [&](ConstStr255Param temporary) {
+    return HRename(folder.vRefNum, folder.dirID, temporary, name);
+  });
 }

@@ -54,4 +54,8 @@ bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& wh
 // touched: false then, and when anything fails.
 LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals);
 
+// Adds a style to the folder: the complete one, or none. False when the name is taken or anything
+// fails.
+LM_bool LM_AddStyle(StringPtr name, LM_globals* globals);
+
 #endif

@@ -4,8 +4,13 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <filesystem>
+#include <ctime>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -15,10 +20,10 @@ namespace {
 
 constexpr std::string_view PREFIX = ".limn-";
 // A file of this age belongs to no write that is going on, whatever its process number says.
-constexpr std::chrono::hours OLDEST{1};
+constexpr time_t OLDEST = 3600;
 
-bool IsLeftOver(const std::filesystem::directory_entry& entry) {
-  const std::string name = entry.path().filename().string();
+bool IsLeftOver(int folder, const char* file) {
+  const std::string_view name = file;
   if (!name.starts_with(PREFIX))
     return false;
   int32_t process = 0;
@@ -28,9 +33,9 @@ bool IsLeftOver(const std::filesystem::directory_entry& entry) {
     return false;
   if (kill(process, 0) != 0 && errno == ESRCH)
     return true;
-  std::error_code error;
-  const auto written = entry.last_write_time(error);
-  return !error && std::filesystem::file_time_type::clock::now() - written > OLDEST;
+  struct stat status {};
+  return fstatat(folder, file, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         time(nullptr) - status.st_mtime > OLDEST;
 }
 
 } // namespace
@@ -43,16 +48,18 @@ TB_Str255 LM_TemporaryName() {
 }
 
 void LM_SweepTemporaries(const LM_style_place& folder) {
-  std::error_code error;
   const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
-  std::vector<std::filesystem::path> leftOver;
-  for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
-       entry.increment(error)) {
-    if (IsLeftOver(*entry))
-      leftOver.push_back(entry->path());
+  // Not by the C++ library's iterator, which ends the program when memory runs out.
+  const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(path.c_str()), closedir);
+  if (open == nullptr)
+    return;
+  std::vector<std::string> leftOver;
+  while (const dirent* entry = readdir(open.get())) {
+    if (IsLeftOver(dirfd(open.get()), entry->d_name))
+      leftOver.emplace_back(entry->d_name);
   }
-  for (const std::filesystem::path& file : leftOver)
-    std::filesystem::remove(file, error);
+  for (const std::string& file : leftOver)
+    unlinkat(dirfd(open.get()), file.c_str(), 0);
 }
 
 OSErr LM_WriteNewFile(const LM_style_place& folder, ConstStr255Param name, std::string_view bytes) {

@@ -143,7 +143,7 @@ void LM_RunSaveFlow(LM_style_menu& menu) {
     return;
   const bool listed = LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name) > 0;
   const LM_bool saved =
-      listed ? LM_ReplaceStyle(name, menu.globals) : LM_SaveStyle(name, menu.globals);
+      listed ? LM_ReplaceStyle(name, menu.globals) : LM_AddStyle(name, menu.globals);
   if (saved == 0)
     LM_ShowStyleSaveError();
   LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM);
