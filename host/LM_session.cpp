@@ -1,5 +1,8 @@
 #include "LM_session.h"
 
+#include <cstring>
+#include <utility>
+
 #include "LM_alerts.h"
 #include "LM_constants.h"
 #include "LM_dialog_services.h"
@@ -10,6 +13,7 @@
 #include "LM_style_settings.h"
 #include "LM_tiles.h"
 #include "MacDialogs.h"
+#include "MacMemory.h"
 
 namespace {
 
@@ -106,20 +110,37 @@ int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g, foo* par
   return result;
 }
 
+// Runs the dialog on default settings. Its previews write to the parameter block, which is as it
+// was when the dialog is cancelled: the host may repeat the filter with it.
+int16_t RunFirstDialog(FilterRecord* record, LM_globals* g, foo* params) {
+  foo* backup = static_cast<foo*>(LM_NewPtr(sizeof(foo)));
+  if (backup == nullptr)
+    return CV_RESULT_NO_MEMORY;
+  std::memcpy(backup, params, sizeof *backup);
+  const int16_t result = LM_DialogServices()->run(record, g);
+  if (result != CV_RESULT_OK)
+    std::memcpy(params, backup, sizeof *backup);
+  LM_DisposePtr(backup);
+  return result;
+}
+
 int16_t RunDialog(FilterRecord* record, LM_globals* g) {
-  if (record->savedParams == nullptr) {
+  const bool isNew = record->savedParams == nullptr;
+  if (isNew)
     record->savedParams = LM_NewParameters();
-    if (record->savedParams == nullptr)
-      return CV_RESULT_NO_MEMORY;
-  }
+  if (record->savedParams == nullptr)
+    return CV_RESULT_NO_MEMORY;
   foo* params = LM_Parameters(record);
   if (params == nullptr)
     return CV_RESULT_STOPPED;
   const int16_t result = g->UseCurrentSettings() == 1
                              ? RunDialogOnCurrentSettings(record, g, params)
-                             : LM_DialogServices()->run(record, g);
-  if (result != CV_RESULT_OK)
+                             : RunFirstDialog(record, g, params);
+  if (result != CV_RESULT_OK) {
+    if (isNew)
+      DisposeHandle(std::exchange(record->savedParams, nullptr));
     return result;
+  }
   g->dialogPending = 0;
   g->ConvertToParameters(params, 0);
   BeginRealWalk(record, g, params);
