@@ -154,4 +154,29 @@ TEST_F(HostContract, ReliefAtTheLargestImageEqualsTheSamePixelsElsewhere) {
   EXPECT_EQ(rightmost[0], rightmost[1]);
 }
 
+TEST(HostFault, HostThatDeliversOtherRectanglesDoesNoHarm) {
+  ScriptedHost host(100, 100);
+  host.KeepParameters(OneLight(true));
+  ASSERT_EQ(host.Call(CV_SEL_START), CV_RESULT_OK);
+  std::vector<uint8_t> pixels(100 * 100 * 4, 9);
+  const auto deliver = [&](CVRect rect) {
+    host.record.inTileRect = rect;
+    host.record.outTileRect = rect;
+    host.record.inPixels = pixels.data();
+    host.record.outPixels = pixels.data();
+    host.record.inRowStride = host.record.outRowStride = 300;
+  };
+  // A small channel tile, then an image tile that its heights do not cover.
+  deliver({0, 0, 8, 8});
+  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  deliver({0, 0, 64, 64});
+  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  EXPECT_EQ(pixels, std::vector<uint8_t>(pixels.size(), 9)) << "shaded without heights";
+  // Turned inside out, and with nothing delivered.
+  deliver({50, 50, 10, 10});
+  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  host.record.inPixels = nullptr;
+  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+}
+
 } // namespace

@@ -1,6 +1,4 @@
 // The C library as its users have it: through limn.h and the shared library alone.
-#include "FailingAllocation.h"
-
 #include <limn.h>
 
 #include <atomic>
@@ -319,30 +317,6 @@ TEST(Library, HasItsOwnFloatingPoint) {
   EXPECT_EQ(std::fegetround(), FE_UPWARD);
   std::fesetround(FE_TONEAREST);
   EXPECT_TRUE(upward == expected);
-}
-
-TEST(Library, LeavesTheOutputWhenMemoryIsShort) {
-  const Bytes before = Noise(WIDTH * HEIGHT * 3);
-  const Bytes expected = Plain();
-  Settings settings = MakeSettings();
-  limn_result result = LIMN_NO_MEMORY;
-  int failures = 0;
-  for (int n = 0; n < 100; ++n) {
-    Bytes pixels = before;
-    const limn_picture picture = Packed(pixels.data());
-    const limn_options options = {2, nullptr, nullptr};
-    limn_error error;
-    FailAllocationAfter(n);
-    Settings copy(limn_settings_from_json(STYLE, &error), limn_settings_free);
-    result = copy == nullptr ? error.code : limn_light(copy.get(), &picture, &options, &error);
-    FailAllocationAfter(-1);
-    // Where only a further thread could not be had, the work is done without it.
-    EXPECT_TRUE(result == LIMN_OK || result == LIMN_NO_MEMORY) << error.text;
-    EXPECT_TRUE(pixels == (result == LIMN_OK ? expected : before)) << "allocation " << n;
-    failures += result == LIMN_NO_MEMORY ? 1 : 0;
-  }
-  EXPECT_EQ(result, LIMN_OK);
-  EXPECT_GT(failures, 5);
 }
 
 TEST(Library, ServesSeveralThreadsAtOnce) {

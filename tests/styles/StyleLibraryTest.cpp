@@ -101,31 +101,6 @@ TEST_F(StyleLibrary, ADeletedStyleStaysDeletedAndOnlyNewOnesAreAdded) {
   EXPECT_EQ(first, "Something Old") << "what was known stays known";
 }
 
-TEST_F(StyleLibrary, SeedingThatFailsAnywhereIsCompletedLater) {
-  uint64_t operations = 1;
-  // The first pass, which fails nothing, counts the operations.
-  // Past the first styles only some are failed, a stride that meets every step of a style.
-  for (uint64_t n = 0; n <= operations; n += n < 20 ? 1 : 29) {
-    std::filesystem::remove_all(folder / "limn");
-    std::string why;
-    const uint64_t before = TB_FileOperationCount();
-    TB_FailFileOperationAfter(n, dskFulErr);
-    const bool usable = LM_UseStyleLibrary(why);
-    TB_FailFileOperationAfter(0, noErr);
-    operations = std::max(operations, TB_FileOperationCount() - before);
-    if (!usable || !why.empty()) {
-      ASSERT_GT(why.size(), 20U) << n;
-    }
-    Use();
-    const std::vector<LM_listed_style> styles = LM_ListStyles();
-    ASSERT_EQ(styles.size(), LM_BundledStyleNames().size()) << "operation " << n;
-    for (const LM_listed_style& style : styles)
-      ASSERT_TRUE(style.loads) << style.name << ", operation " << n;
-    ASSERT_EQ(HiddenFiles(), 0) << "operation " << n;
-  }
-  EXPECT_GT(operations, 5 * LM_BundledStyleNames().size());
-}
-
 TEST_F(StyleLibrary, WithoutAFolderEveryOperationFailsAndNothingIsWrittenElsewhere) {
   std::ofstream(folder / "limn") << "in the way";
   ASSERT_EQ(TB_SetDefaultDirectory(folder.native()), noErr);
@@ -201,31 +176,6 @@ TEST_F(StyleLibrary, ReadsAStyleByNameWhateverItsCase) {
   Write("Bad", "BB");
   EXPECT_FALSE(LM_ReadLibraryStyle("Bad", style, why));
   EXPECT_NE(why.find("Bad"), std::string::npos);
-}
-
-// Fails each file operation of a replacement in turn: the old style or the complete new one.
-TEST_F(StyleLibrary, ReplacingLosesNothingWhateverFails) {
-  Use();
-  const std::string old = StyleBytes(11);
-  settings->gloss = 22;
-  Write("Mine", old);
-  ASSERT_TRUE(Replace("Mine"));
-  const std::string complete = Bytes("Mine");
-  ASSERT_NE(complete, old);
-  uint64_t operations = 1;
-  // Past the first styles only some are failed, a stride that meets every step of a style.
-  for (uint64_t n = 0; n <= operations; n += n < 20 ? 1 : 29) {
-    Write("Mine", old);
-    const uint64_t before = TB_FileOperationCount();
-    TB_FailFileOperationAfter(n, n % 2 == 0 ? dskFulErr : ioErr);
-    const bool replaced = Replace("Mine");
-    TB_FailFileOperationAfter(0, noErr);
-    operations = std::max(operations, TB_FileOperationCount() - before);
-    ASSERT_TRUE(Bytes("Mine") == old || Bytes("Mine") == complete) << "operation " << n;
-    ASSERT_EQ(replaced, Bytes("Mine") == complete) << "operation " << n;
-    ASSERT_EQ(HiddenFiles(), 0) << "operation " << n;
-  }
-  EXPECT_GT(operations, 20U) << "writing was reached";
 }
 
 // A process that is killed after each of the file operations in turn.
