@@ -5,6 +5,7 @@
   <!-- not run: WHY -->  before a block: it needs a screen, an installation or minutes; so do blocks that call
                          one of ELSEWHERE
   <!-- file: NAME -->    before a block of another kind: saved under that name, for the commands after it
+  <!-- said -->          before a block of another kind: what the commands before it print
 """
 
 import contextlib
@@ -26,7 +27,7 @@ ELSEWHERE = re.compile(r"^(sudo|ffmpeg|melt|gegl|sbatch|parallel)\b", re.MULTILI
 # What is to be made is checked to be there, and not made.
 PRELUDE = f'make() {{ command make -n -C "{ROOT}" "$@" > make.out 2>&1 || {{ cat make.out; return 1; }}; }}\n'
 PIECE = re.compile(r"^<!-- (?P<kind>strip|pair|one|plot) (?P<name>[\w./-]+)(?::(?P<words>[^>]*?))? -->$"
-                   r"|(?:^<!-- (?P<mark>not run|file): (?P<note>[^>]*?) -->\n)?"
+                   r"|(?:^<!-- (?P<mark>not run|file|said)(?:: (?P<note>[^>]*?))? -->\n)?"
                    r"^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.MULTILINE | re.DOTALL)
 
 
@@ -50,13 +51,14 @@ class Block:
         return self.language == "sh" and self.mark != "not run" and not ELSEWHERE.search(self.text)
 
     def run(self):
-        """In the current folder. Throws CalledProcessError with what was said."""
+        """In the current folder. What it printed, or null. Throws CalledProcessError."""
         if self.mark == "file":
             with open(self.note, "w", encoding="utf-8") as file:
                 file.write(self.text)
-        elif self.is_run():
-            subprocess.run(["sh", "-eu"], input=PRELUDE + self.text, check=True, text=True, timeout=300,
-                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        if not self.is_run():
+            return None
+        return subprocess.run(["sh", "-eu"], input=PRELUDE + self.text, check=True, text=True, timeout=300,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
 
 
 class Page:
@@ -97,15 +99,18 @@ def working_folder(build, photos=PHOTOS):
         os.makedirs(f"{folder}/resources")
         os.makedirs(f"{folder}/photos/lake")
         os.symlink(build, f"{folder}/build")
+        for part in ("contrib", "host", "library"):
+            os.symlink(f"{ROOT}/{part}", f"{folder}/{part}")
         os.symlink(photos, f"{folder}/resources/photos")
         for photo in os.listdir(photos):
             shutil.copy(f"{photos}/{photo}", folder)
         shutil.copy(f"{photos}/still-life.jpg", f"{folder}/photo.jpg")
+        subprocess.run(["vips", "copy", f"{photos}/still-life.jpg", f"{folder}/photo.png[compression=1]"], check=True)
         shutil.copy(f"{photos}/portrait.jpg", f"{folder}/photos")
         shutil.copy(f"{photos}/landscape.jpg", f"{folder}/photos/lake")
         with open(f"{folder}/last-time", "w", encoding="utf-8"):
             os.utime(f"{folder}/last-time", (0, 0))
-        os.environ.update(PATH=f"{build}/bin:{os.environ['PATH']}", XDG_DATA_HOME=f"{folder}/.data",
+        os.environ.update(PATH=f"{build}/bin:{os.environ['PATH']}", HOME=folder, XDG_DATA_HOME=f"{folder}/.data",
                           LC_ALL="C.UTF-8")
         os.chdir(folder)
         yield folder

@@ -1,7 +1,9 @@
 """The plots of the documentation, drawn by gnuplot from what limn_tables and limn make."""
 
+import os
 import subprocess
 
+SCREENSHOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../docs/pictures/lighting-en-light.png")
 SPREADS = (0, 64, 128, 192, 255)
 RADII = (10, 20, 40, 80, 140)
 COLOURS = ("#7a3b00", "#c06a00", "#e0a800", "#6a9f3a", "#2a6f97")
@@ -39,7 +41,7 @@ def plot_spread(target, tables):
 
 def plot_omni(target, tables):
     gnuplot(target, "640,380", block("d", table(tables, "omni", *RADII)),
-            "set xlabel 'distance from the centre, 128 being half the width of the picture'",
+            "set xlabel 'distance from the centre; the edge of a picture is near 125 from its middle'",
             "set ylabel 'light on the picture'", "set xrange [-140:140]", "set yrange [0:1.05]",
             "set key outside right title 'radius'", "plot " + curves(RADII))
 
@@ -100,3 +102,19 @@ def plot_relief(target, tables):
             "set xlabel 'pixels from left to right; the sun stands on the left'",
             f"plot $l using 1:3 with lines dt 2 lc rgb '#888888', $l using 1:2 with lines lw 2 lc rgb '{COLOURS[1]}'",
             "unset multiplot")
+
+
+DIALOG_PARTS = ((16, 16), (16, 306), (256, 306), (312, 26), (312, 150), (312, 306), (16, 372), (312, 406))
+
+
+def plot_dialog(target, _tables):
+    """The screenshot of the dialog with a number at each of its parts."""
+    marks = "".join(f'<circle cx="{x}" cy="{y}" r="10" fill="#b3261e" stroke="white" stroke-width="2"/>'
+                    f'<text x="{x}" y="{y + 4.5}" fill="white">{number}</text>'
+                    for number, (x, y) in enumerate(DIALOG_PARTS, 1))
+    with open("marks.svg", "w", encoding="utf-8") as file:
+        file.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="640" height="434" font-size="13" '
+                   f'font-family="sans-serif" font-weight="bold" text-anchor="middle">{marks}</svg>')
+    for words in (["composite2", SCREENSHOT, "marks.svg", "marked.v", "over"],
+                  ["flatten", "marked.v", "flat.v"], ["copy", "flat.v", target + "[palette,strip]"]):
+        subprocess.run(["vips", *words], check=True, capture_output=True)

@@ -58,10 +58,13 @@ class Docs(unittest.TestCase):
         count = 0
         for page in map(Page, PAGES):
             with working_folder(BUILD, photos):
+                said = ""
                 for block in page.blocks():
                     with self.subTest(page=page.name, block=block.text):
                         try:
-                            block.run()
+                            if block.mark == "said":
+                                self.assertEqual(said, block.text, page.name)
+                            said = block.run() or said
                         except subprocess.CalledProcessError as error:
                             self.fail(f"{page.name}:\n{block.text}\n{error.output}")
                     count += len(re.findall(r"^[^#\s].*[^\\]$", block.text, re.MULTILINE)) if block.is_run() else 0
