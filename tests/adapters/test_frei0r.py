@@ -3,10 +3,12 @@
 import ctypes
 import json
 import os
+import re
 import subprocess
+from xml.etree import ElementTree
 
 import support
-from adapter_cases import CASES, NO_STYLES, AdapterTest
+from adapter_cases import CASES, NO_STYLES, SLIDERS, AdapterTest
 
 FILTER = os.environ["LIMN_FREI0R"]
 WIDTH, HEIGHT = 64, 48
@@ -107,6 +109,16 @@ class Frei0r(AdapterTest):
             pixels = pixels[: 4 * width * height]
             self.assertEqual(lit(filter_, pixels), pixels)
             library.f0r_destruct(filter_)
+
+    def test_editors_know_the_parameters(self):
+        """As melt lists them, for the editors that are built on it, and as Kdenlive's description has them."""
+        listed = subprocess.run(["melt", "-query", "filter=frei0r.limn"], check=True, capture_output=True, text=True,
+                                env={**os.environ, "MLT_FREI0R_PLUGIN_PATH": os.path.dirname(FILTER)}).stdout
+        listed = re.findall(r"- identifier: (\d)\n    title: (\w+)\n.*?default: (\S+)\n", listed, re.DOTALL)
+        self.assertEqual([float(default) for _, _, default in listed[1:]], [0.5] * len(SLIDERS))
+        effect = ElementTree.parse(os.path.join(os.path.dirname(__file__), "../../contrib/kdenlive/limn.xml")).getroot()
+        self.assertEqual([(one.get("name"), one.find("name").text.lower(), one.get("default"))
+                          for one in effect.iter("parameter")], listed)
 
     def test_exports_the_contract_alone(self):
         symbols = subprocess.run(["nm", "-D", "--defined-only", "--format=posix", FILTER], check=True,

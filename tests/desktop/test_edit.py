@@ -158,6 +158,17 @@ class Edit(unittest.TestCase):
         self.end(1)
         self.assertFalse(os.path.exists(self.path("lit.png")))
 
+    def test_in_place_for_photo_managers(self):
+        shutil.copy(PHOTOGRAPH, self.path("photo.jpg"))
+        os.environ["PATH"] = f"{os.path.dirname(LIMN)}:{os.environ['PATH']}"
+        self.limn("apply", self.path("photo.jpg"), "-o", self.path("lit.jpg"))
+        for key, expected in ("Escape", PHOTOGRAPH), ("Return", self.path("lit.jpg")):
+            self.start(f"{PROJECT}/contrib/photo-managers/limn-in-place", self.path("photo.jpg"))
+            self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", key)
+            self.end(0)
+            with open(self.path("photo.jpg"), "rb") as photo, open(expected, "rb") as wanted:
+                self.assertTrue(photo.read() == wanted.read(), key)
+
     def test_a_long_run_can_be_cancelled(self):
         with open(self.path("large.ppm"), "wb") as large:
             large.write(b"P6\n6000 4000\n255\n" + bytes(range(240)) * (6000 * 4000 * 3 // 240))
