@@ -12,8 +12,11 @@ namespace {
 class Descriptor {
 public:
   // Without O_NONBLOCK the open itself would wait for the other end of a pipe.
-  explicit Descriptor(const char* path)
-      : _number(open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
+  explicit Descriptor(const char* path) {
+    do
+      _number = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    while (_number < 0 && errno == EINTR);
+  }
   ~Descriptor() {
     if (_number >= 0)
       close(_number);
@@ -23,7 +26,7 @@ public:
   int Number() const { return _number; }
 
 private:
-  int _number;
+  int _number = -1;
 };
 
 // The system's words for its last error, in the middle of a sentence.
