@@ -25,7 +25,8 @@ std::string SystemReason(int error) {
 
 Descriptor OpenRegularFile(const std::string& path) {
   // Without O_NONBLOCK the open itself would wait for the other end of a pipe.
-  Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  Descriptor file(Uninterrupted(
+      [&] { return open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
   if (file.Number() < 0)
     throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
   struct stat status {};

@@ -27,6 +27,15 @@ private:
   int _number;
 };
 
+// Repeats a call of the system that a signal interrupts.
+template <class Call> auto Uninterrupted(Call call) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0 || errno != EINTR)
+      return result;
+  }
+}
+
 // Opens a regular file for reading. Never blocks on a pipe and never opens a device for use.
 // Throws Failure(BadInput).
 Descriptor OpenRegularFile(const std::string& path);
