@@ -23,7 +23,7 @@ PHOTOS = os.path.join(ROOT, "resources/photos")
 PAGES = [os.path.join(ROOT, "README.md"), *sorted(glob.glob(os.path.join(ROOT, "docs/*.md")))]
 
 # Programs that have tests of their own, where Limn is run by them.
-ELSEWHERE = re.compile(r"^(sudo|ffmpeg|melt|gegl|sbatch|parallel)\b", re.MULTILINE)
+ELSEWHERE = re.compile(r"^(sudo|ffmpeg|melt|gegl|vips limn|sbatch|parallel)\b", re.MULTILINE)
 # What is to be made is checked to be there, and not made.
 PRELUDE = f'make() {{ command make -n -C "{ROOT}" "$@" > make.out 2>&1 || {{ cat make.out; return 1; }}; }}\n'
 PIECE = re.compile(r"^<!-- (?P<kind>strip|pair|one|plot) (?P<name>[\w./-]+)(?::(?P<words>[^>]*?))? -->$"
