@@ -1,6 +1,7 @@
 #include "atomic_file.h"
 
 #include "failure.h"
+#include "temporary_sweep.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -13,6 +14,8 @@
 
 namespace limn {
 namespace {
+
+constexpr int MOST_ATTEMPTS = 100;
 
 uint64_t temporaryToken = 0;
 // Fixed storage, because a signal handler reads it.
@@ -29,10 +32,12 @@ std::string FolderOf(const std::string& path) {
 
 // A folder that cannot be flushed (some network file systems) still holds the renamed file.
 void FlushFolder(const std::string& target) {
-  const Descriptor folder(open(FolderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const std::string path = FolderOf(target);
+  const Descriptor folder(
+      Uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   if (folder.Number() < 0)
     return;
-  if (fsync(folder.Number()) != 0 && errno == EIO)
+  if (Uninterrupted([&] { return fsync(folder.Number()); }) != 0 && errno == EIO)
     Fail(target, EIO);
 }
 
@@ -78,11 +83,20 @@ AtomicFile::AtomicFile(std::string target, Existing existing)
     Fail(_target, ENAMETOOLONG);
   // Noted before the file exists: removing one that is not there does no harm.
   std::memcpy(temporaryInProgress, _temporary.c_str(), _temporary.size() + 1);
-  _file = Descriptor(
-      open(_temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  SweepTemporaries(FolderOf(_target));
+  for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
+    constexpr int FLAGS = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    _file = Descriptor(Uninterrupted([&] { return open(_temporary.c_str(), FLAGS, 0666); }));
+    if (_file.Number() < 0 || HoldTemporary(_file.Number()))
+      break;
+    unlink(_temporary.c_str()); // another run's sweep was quicker
+    errno = EAGAIN;
+    _file = Descriptor();
+  }
   if (_file.Number() < 0) {
+    const int error = errno;
     temporaryInProgress[0] = '\0';
-    Fail(_target, errno);
+    Fail(_target, error);
   }
 }
 
@@ -110,10 +124,13 @@ void AtomicFile::Commit() {
   if (_existing == Existing::Replace && stat(_target.c_str(), &old) == 0 &&
       fchmod(_file.Number(), old.st_mode & 07777) != 0 && errno != EPERM)
     Fail(_target, errno);
-  if (fsync(_file.Number()) != 0)
+  if (Uninterrupted([&] { return fsync(_file.Number()); }) != 0)
     Fail(_target, errno);
-  // Some file systems report a full disk only here.
-  if (close(_file.Release()) != 0)
+  // Some file systems report a full disk only when a descriptor is closed. Ours stays open, and the
+  // file with it held against sweeping, until it has its name.
+  const int second = fcntl(_file.Number(), F_DUPFD_CLOEXEC, 0);
+  // An interrupted close has closed it all the same.
+  if (second < 0 || (close(second) != 0 && errno != EINTR))
     Fail(_target, errno);
   _GiveName();
   _temporary.clear();

@@ -1,6 +1,7 @@
 // limn: lights photographs from the command line.
 #include "command_line.h"
 #include "report.h"
+#include "termination.h"
 
 namespace {
 
@@ -33,5 +34,6 @@ ExitCode Run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+  limn::EndCleanlyOnSignals();
   return limn::ReportedExit([&] { return Run(argc, argv); });
 }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <new>
+#include <poll.h>
+#include <unistd.h>
 
 namespace limn {
 namespace {
@@ -51,7 +53,10 @@ void PrintLine(const std::string& line) {
 }
 
 ExitCode FlushedOutput(ExitCode code) {
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+  pollfd output{STDOUT_FILENO, POLLOUT, 0};
+  if (code == ExitCode::Cancelled && poll(&output, 1, 0) == 0)
+    _exit(static_cast<int>(code));
+  if ((std::fflush(stdout) == 0 && std::ferror(stdout) == 0) || code == ExitCode::Cancelled)
     return code;
   PrintProblem("standard output: cannot be written");
   return std::max(code, ExitCode::CannotWrite);

@@ -22,6 +22,8 @@ void PrintText(const std::string& text);
 void PrintLine(const std::string& line);
 
 // Flushes standard output. A full disk or a closed pipe behind it turns `code` into CannotWrite.
+// After Cancelled nobody is waited for: where output cannot be written at once, the process ends
+// here.
 ExitCode FlushedOutput(ExitCode code);
 
 // What main ends with: runs the program, and prints whatever it throws as a problem.

@@ -21,22 +21,21 @@ void NoteInterruption(int) {
   interrupted = 1;
 }
 
-// Takes the signals only while waiting for news; puts back what was before.
+// Takes the signals only while waiting for news or telling them; puts back what was before.
 class Signals {
 public:
   Signals() {
-    sigset_t blocked;
-    sigemptyset(&blocked);
+    sigemptyset(&_taken);
     struct sigaction action {};
     action.sa_handler = NoteInterruption;
     for (int i = 0; i < NUMBER; ++i) {
-      sigaddset(&blocked, SIGNALS[i]);
+      sigaddset(&_taken, SIGNALS[i]);
       sigaction(SIGNALS[i], nullptr, &_before[i]);
       // A hang-up that was ignored at the start (nohup) stays ignored.
       if (_before[i].sa_handler != SIG_IGN)
         sigaction(SIGNALS[i], &action, nullptr);
     }
-    sigprocmask(SIG_BLOCK, &blocked, &_maskBefore);
+    sigprocmask(SIG_BLOCK, &_taken, &_maskBefore);
   }
   ~Signals() {
     for (int i = 0; i < NUMBER; ++i)
@@ -46,11 +45,18 @@ public:
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
   const sigset_t& MaskBefore() const { return _maskBefore; }
+  // Where the command may have to wait for whoever reads its output, a signal ends the waiting.
+  template <class Telling> void Let(Telling tell) const {
+    sigprocmask(SIG_SETMASK, &_maskBefore, nullptr);
+    tell();
+    sigprocmask(SIG_BLOCK, &_taken, nullptr);
+  }
 
 private:
   static constexpr int NUMBER = 3;
   static constexpr int SIGNALS[NUMBER] = {SIGINT, SIGTERM, SIGHUP};
   struct sigaction _before[NUMBER] {};
+  sigset_t _taken{};
   sigset_t _maskBefore{};
 };
 
@@ -68,13 +74,12 @@ public:
   Pool& operator=(const Pool&) = delete;
 
   PoolEnd Run() {
-    const Signals signals;
     while (interrupted == 0) {
       while (_next < _pool.numJobs && static_cast<int>(_workers.size()) < _pool.numWorkers)
         _Start();
       if (_workers.empty())
         return PoolEnd::AllDone;
-      _Wait(signals);
+      _Wait();
     }
     _KillAll();
     return PoolEnd::Interrupted;
@@ -109,11 +114,11 @@ private:
     Send(worker.socket.Number(), order); // a worker that has died is noticed by its closed socket
   }
 
-  void _Wait(const Signals& signals) {
+  void _Wait() {
     std::vector<pollfd> waits;
     for (const Worker& worker : _workers)
       waits.push_back({worker.socket.Number(), POLLIN, 0});
-    if (ppoll(waits.data(), waits.size(), nullptr, &signals.MaskBefore()) < 0)
+    if (ppoll(waits.data(), waits.size(), nullptr, &_signals.MaskBefore()) < 0)
       return;
     for (size_t i = waits.size(); i-- > 0;)
       if (waits[i].revents != 0 && !_TakeNews(_workers[i]))
@@ -135,9 +140,9 @@ private:
       }
       const std::string text(news.text, news.length);
       if (news.kind == JobMessage::Kind::Progress)
-        _pool.onProgress(worker.job, news.share);
+        _signals.Let([&] { _pool.onProgress(worker.job, news.share); });
       else if (news.kind == JobMessage::Kind::Notice)
-        _pool.onNotice(worker.job, text);
+        _signals.Let([&] { _pool.onNotice(worker.job, text); });
       else if (!_Finish(worker, {worker.job, news.code, text, false}))
         return false;
     }
@@ -145,7 +150,7 @@ private:
 
   // Gives the worker its next job, or lets it go and answers false.
   bool _Finish(Worker& worker, const JobResult& result) {
-    _pool.onResult(result);
+    _signals.Let([&] { _pool.onResult(result); });
     if (_next < _pool.numJobs && interrupted == 0) {
       _Assign(worker);
       return true;
@@ -167,7 +172,7 @@ private:
                 "its process was killed, as happens when memory runs out", true};
     else if (WIFSIGNALED(status))
       result.payload = "its process crashed (signal " + std::to_string(WTERMSIG(status)) + ")";
-    _pool.onResult(result);
+    _signals.Let([&] { _pool.onResult(result); });
   }
 
   void _KillAll() {
@@ -180,6 +185,7 @@ private:
     _workers.clear();
   }
 
+  const Signals _signals;
   const WorkerPool& _pool;
   std::vector<Worker> _workers;
   size_t _next = 0;

@@ -1,7 +1,7 @@
 #include "worker_process.h"
 
-#include "atomic_file.h"
 #include "job_message.h"
+#include "termination.h"
 
 #include <csignal>
 #include <sys/prctl.h>
@@ -9,12 +9,6 @@
 
 namespace limn {
 namespace {
-
-void RemoveTemporaryAndLeave(int) {
-  if (TemporaryInProgress()[0] != '\0')
-    unlink(TemporaryInProgress());
-  _exit(static_cast<int>(ExitCode::Cancelled));
-}
 
 // The command itself acts on the user's signals. A worker goes when the command asks it to, or when
 // the command has died.
@@ -40,6 +34,9 @@ JobMessage DoJob(const WorkerPool& pool, size_t job, int socket) {
   } catch (const Failure& failure) {
     result.code = failure.Code();
     result.SetText(failure.what());
+  } catch (const std::exception&) { // of a failure that could not be worded
+    result.code = ExitCode::NoMemory;
+    result.SetText("not enough memory");
   }
   return result;
 }

@@ -1,28 +1,12 @@
 // limn-edit: what `limn edit` becomes.
 #include "edit_photograph.h"
 
-#include "atomic_file.h"
 #include "report.h"
-
-#include <csignal>
-#include <unistd.h>
+#include "termination.h"
 
 namespace {
 
 using limn::ExitCode;
-
-void RemoveTemporaryAndLeave(int) {
-  if (limn::TemporaryInProgress()[0] != '\0')
-    unlink(limn::TemporaryInProgress());
-  _exit(static_cast<int>(ExitCode::Cancelled));
-}
-
-void TakeSignals() {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-    if (std::signal(signal, RemoveTemporaryAndLeave) == SIG_IGN)
-      std::signal(signal, SIG_IGN); // a hang-up that was ignored at the start stays ignored
-  std::signal(SIGXFSZ, SIG_IGN);    // a limit on file sizes is a failed write like any other
-}
 
 ExitCode Run(int& argc, char** argv) {
   CLI::App app("Set the lights of a photograph by hand, in a window", "limn edit");
@@ -45,6 +29,6 @@ ExitCode Run(int& argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-  TakeSignals();
+  limn::EndCleanlyOnSignals();
   return limn::ReportedExit([&] { return Run(argc, argv); });
 }

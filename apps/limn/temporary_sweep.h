@@ -1,0 +1,17 @@
+// Temporary files that runs left behind when they were killed, or when the power failed.
+#pragma once
+
+#include <string>
+
+namespace limn {
+
+// Marks an open file as one that is being written, for as long as it is open; false when it is
+// being swept this moment, or has been. A file system without locks marks nothing and sweeps
+// nothing.
+bool HoldTemporary(int descriptor);
+
+// Removes the temporary files of dead runs from a folder. Once for each folder and process; what
+// cannot be removed stays.
+void SweepTemporaries(const std::string& folder);
+
+} // namespace limn
