@@ -3,6 +3,7 @@
 
 #include "failure.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ struct ApplyOptions {
   std::string area; // "X,Y,W,H", or empty
   std::string mask;
   std::vector<std::string> channels;
+  uint64_t maxPixels = 0; // 0: the usual limits
   int jobs = 0; // 0: as many as there are processors
   bool isThroughPlugin = false;
   bool force = false;

@@ -15,7 +15,7 @@ constexpr double LIT_SHARE = 0.8;
 } // namespace
 
 ApplyTools PrepareTools(const ApplyPlan& plan) {
-  StartImageLibrary(plan.threads);
+  StartImageLibrary(plan.threads, {plan.options.maxPixels, MAX_PIXELS_ADVICE});
   ApplyTools tools;
   if (plan.options.isThroughPlugin)
     tools.plugin = LoadPlugin();

@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include "apply.h"
+#include "max_pixels_option.h"
 
 #include "LM_style_fields.h"
 
@@ -79,7 +80,7 @@ void AddOutput(CLI::App& apply, ApplyOptions& options) {
 void AddLighting(CLI::App& apply, ApplyOptions& options) {
   apply
       .add_option("-s,--style", options.style,
-                  "A style file, its JSON form, or the name of a style\n(default: Default)")
+                  "A style file, its JSON form, the JSON itself, or the\nname of a style (default: Default)")
       ->type_name("NAME|FILE");
   apply.add_option("--set", options.settings, "Change one setting of the style; may be repeated")
       ->type_name("KEY=VALUE")
@@ -104,6 +105,7 @@ void AddRunning(CLI::App& apply, ApplyOptions& options) {
   apply.add_option("-j,--jobs", options.jobs, "Images to work on at a time\n(default: processors)")
       ->type_name("N")
       ->check(CLI::Range(1, 256));
+  AddMaxPixels(apply, options.maxPixels);
   apply.add_flag("--through-plugin", options.isThroughPlugin,
                  "Have the plug-in light the whole image in memory, as the\neditor does; the "
                  "result is the same");

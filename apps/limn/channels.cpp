@@ -8,8 +8,9 @@
 
 namespace limn {
 
-ExitCode PrintChannels(const std::string& image, const std::vector<std::string>& added) {
-  StartImageLibrary(1);
+ExitCode PrintChannels(const std::string& image, const std::vector<std::string>& added,
+                       uint64_t maxPixels) {
+  StartImageLibrary(1, {maxPixels, MAX_PIXELS_ADVICE});
   const int numPlanes = CountPlanes(image);
   std::vector<std::string> names;
   // A document names its own channels; it needs no pixels for that.

@@ -4,6 +4,7 @@
 #include "describe_options.h"
 #include "edit.h"
 #include "edit_options.h"
+#include "max_pixels_option.h"
 #include "preview.h"
 #include "report.h"
 
@@ -33,7 +34,7 @@ void AddPreview(CLI::App& app, Command& command) {
       ->type_name("FILE");
   preview
       ->add_option("-s,--style", options->style,
-                   "A style file, its JSON form, or the name of a style\n(default: Default)")
+                   "A style file, its JSON form, the JSON itself, or the\nname of a style (default: Default)")
       ->type_name("NAME|FILE");
   preview->add_option("--set", options->settings, "As for limn apply")
       ->type_name("KEY=VALUE")
@@ -43,6 +44,7 @@ void AddPreview(CLI::App& app, Command& command) {
   preview->add_option("--channel", options->channels, "As for limn apply; may be repeated")
       ->type_name("IMAGE")
       ->allow_extra_args(false);
+  AddMaxPixels(*preview, options->maxPixels);
   preview->add_flag("--unlit", options->isUnlit, "As with the dialog's preview switched off");
   preview->add_flag("-f,--force", options->force, "Replace an existing file");
   preview->callback(
@@ -54,8 +56,10 @@ void AddEdit(CLI::App& app, Command& command, char** argv) {
       app.add_subcommand("edit", "Set the lights of a photograph by hand, in a window");
   edit->footer("Cancel writes nothing and exits with 1. The styles that the dialog saves can\n"
                "be named to limn apply.");
-  AddEditOptions(*edit);
-  edit->callback([argv, &command] { command = [argv]() -> ExitCode { BecomeEdit(argv); }; });
+  // Read again by limn-edit; kept because parsing fills them.
+  const auto options = AddEditOptions(*edit);
+  edit->callback(
+      [argv, options, &command] { command = [argv]() -> ExitCode { BecomeEdit(argv); }; });
 }
 
 void AddChannels(CLI::App& app, Command& command) {
@@ -68,8 +72,10 @@ void AddChannels(CLI::App& app, Command& command) {
   channels->add_option("--channel", *added, "As for limn apply; may be repeated")
       ->type_name("IMAGE")
       ->allow_extra_args(false);
-  channels->callback([image, added, &command] {
-    command = [image, added] { return PrintChannels(*image, *added); };
+  auto maxPixels = std::make_shared<uint64_t>(0);
+  AddMaxPixels(*channels, *maxPixels);
+  channels->callback([image, added, maxPixels, &command] {
+    command = [image, added, maxPixels] { return PrintChannels(*image, *added, *maxPixels); };
   });
 }
 

@@ -1,5 +1,7 @@
 #include "edit_options.h"
 
+#include "max_pixels_option.h"
+
 namespace limn {
 
 std::shared_ptr<EditOptions> AddEditOptions(CLI::App& command) {
@@ -25,6 +27,15 @@ std::shared_ptr<EditOptions> AddEditOptions(CLI::App& command) {
                   "that relief can be taken from; may be repeated")
       ->type_name("IMAGE")
       ->allow_extra_args(false);
+  command
+      .add_option("-s,--style", options->style,
+                  "The lights to begin with: a style file, its JSON form,\n"
+                  "the JSON itself, or the name of a style")
+      ->type_name("NAME|FILE");
+  command.add_flag("--print-command", options->printCommand,
+                   "Print the limn apply command that makes the same file\n"
+                   "again, byte for byte");
+  AddMaxPixels(command, options->maxPixels);
   command.add_flag("-f,--force", options->force,
                    "Replace an existing file, the input too if so named");
   command.add_flag("-q,--quiet", options->quiet, "Print nothing but failures");

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,6 +16,9 @@ struct EditOptions {
   std::string area; // "X,Y,W,H", or empty
   std::string mask;
   std::vector<std::string> channels;
+  std::string style; // to begin with; empty: the default one
+  bool printCommand = false;
+  uint64_t maxPixels = 0; // as for limn apply
   bool force = false;
   bool quiet = false;
 };

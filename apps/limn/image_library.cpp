@@ -11,6 +11,7 @@
 namespace limn {
 namespace {
 
+SizeLimit sizeLimit;
 std::mutex logLock;
 std::string firstWarning;
 
@@ -54,7 +55,8 @@ std::string Sentence(std::string text) {
 
 } // namespace
 
-void StartImageLibrary(int threads) {
+void StartImageLibrary(int threads, const SizeLimit& limit) {
+  sizeLimit = limit;
   g_log_set_default_handler(KeepWarning, nullptr);
   if (vips_init("limn") != 0)
     throw Failure(ExitCode::Refused, "libvips does not start: " + Sentence(vips_error_buffer()));
@@ -65,6 +67,10 @@ void StartImageLibrary(int threads) {
   vips_operation_block_set("VipsForeignLoadPpm", FALSE);
   // A table of numbers in a text file is no photograph.
   vips_operation_block_set("VipsForeignLoadMatrix", TRUE);
+}
+
+const SizeLimit& ImageSizeLimit() {
+  return sizeLimit;
 }
 
 Complaints::Complaints() {
@@ -86,7 +92,8 @@ void Complaints::Check(ExitCode code, const std::string& file) const {
 Failure LibraryFailure(ExitCode code, const std::string& file) {
   const std::string text = vips_error_buffer();
   vips_error_clear();
-  for (const char* words : {"out of memory", "Out of memory", "Insufficient memory", "alloc"})
+  for (const char* words :
+       {"out of memory", "Out of memory", "Insufficient memory", "alloc", "creating thread"})
     if (text.find(words) != std::string::npos)
       return {ExitCode::NoMemory, file + ": not enough memory"};
   std::string sentence = Sentence(text);

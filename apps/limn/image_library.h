@@ -3,16 +3,30 @@
 
 #include "failure.h"
 
+#include <cstdint>
 #include <string>
 
 namespace limn {
+
+// How large an image may be. pixels: 0 for limits that no photograph reaches, lower ones where a
+// format has to be decoded whole. advice: what a message about the limit ends with.
+struct SizeLimit {
+  uint64_t pixels = 0;
+  const char* advice = "";
+};
+
+// The advice of the commands that take the option.
+constexpr const char* MAX_PIXELS_ADVICE = "; --max-pixels sets another limit";
 
 // Starts libvips with `threads` threads, without its operation cache, and with the loaders that are
 // not meant for strangers' files switched off (all but the simple PPM family). Call it in the
 // process that uses it, never before a fork. Throws Failure(Refused).
 // From here on GLib's log does not reach the terminal; see Complaints. When GLib itself cannot get
 // memory the process exits with ExitCode::NoMemory.
-void StartImageLibrary(int threads);
+void StartImageLibrary(int threads, const SizeLimit& limit = {});
+
+// What StartImageLibrary was given.
+const SizeLimit& ImageSizeLimit();
 
 // The warnings that libvips, its loaders and GLib gave since construction, from any thread. A
 // picture made with one of them pending may hold wrong pixels. One object at a time.

@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string_view>
+#include <unistd.h>
 
 namespace limn {
 namespace {
@@ -34,6 +36,8 @@ constexpr int ANY_NUMBER = 1000;
 // own in two thirds of the time.
 constexpr const char* JPEG_DEFAULTS = "Q=90,subsample-mode=on";
 constexpr const char* PNG_DEFAULTS = "compression=1,filter=sub";
+// Without libvips' comment that tells the time: the same picture gives the same bytes.
+constexpr const char* PPM_DEFAULTS = "strip";
 
 // Formats in one file that hold a photograph. Folders of tiles, tables of numbers and the like are
 // not among them.
@@ -45,8 +49,8 @@ constexpr OutputFormat FORMATS[] = {
     {".tif", ".tif", "", ANY_NUMBER, Exif::Lost},
     {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost},
     {".webp", ".webp", "", 4, Exif::Kept},
-    {".ppm", ".ppm", "", 3, Exif::Lost},
-    {".pnm", ".ppm", "", 3, Exif::Lost},
+    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost},
+    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost},
     {".heic", ".heic", "", 4, Exif::Kept},
     {".heif", ".heif", "", 4, Exif::Kept},
     {".avif", ".heif", "compression=av1", 4, Exif::Kept},
@@ -111,6 +115,33 @@ void DropMetadata(VImage& image, const OutputFormat& format, std::vector<std::st
   }
 }
 
+// The search for a GIF's colours does not fail when memory runs short, it settles for worse ones.
+// So there has to be enough before it starts.
+void NeedRoomForColours(const VImage& image, const std::string& path) {
+  constexpr size_t BYTES_A_PIXEL = 32;
+  constexpr size_t BESIDE = 128 << 20;
+  const size_t numPixels = static_cast<size_t>(image.width()) * image.height();
+  const std::unique_ptr<void, void (*)(void*)> room(std::malloc(numPixels * BYTES_A_PIXEL + BESIDE),
+                                                    std::free);
+  if (room == nullptr)
+    throw Failure(ExitCode::NoMemory, path + ": not enough memory");
+}
+
+// libvips' GIF writer can also end well without having written all, or anything. Reads the file
+// back.
+bool IsWholeGif(int descriptor, const VImage& image) {
+  try {
+    lseek(descriptor, 0, SEEK_SET);
+    const VImage written =
+        VImage::gifload_source(vips::VSource::new_from_descriptor(descriptor),
+                               VImage::option()->set("fail_on", VIPS_FAIL_ON_WARNING));
+    return written.width() == image.width() && written.height() == image.height() &&
+           written.avg() >= 0;
+  } catch (const vips::VError&) {
+    return false;
+  }
+}
+
 } // namespace
 
 OutputName ParseOutputName(const std::string& text) {
@@ -144,6 +175,9 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
                 Existing existing, const Complaints& complaints,
                 std::vector<std::string>& notices) {
   const OutputFormat& format = FormatOf(name.path);
+  const bool isGif = std::string_view(format.suffix) == ".gif";
+  if (isGif)
+    NeedRoomForColours(image.planes, name.path);
   AtomicFile file(target, existing);
   try {
     VImage planes =
@@ -163,6 +197,8 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
     complaints.Check(ExitCode::CannotWrite, name.path);
   else
     complaints.Check(ExitCode::BadInput, image.source);
+  if (isGif && !IsWholeGif(file.DescriptorNumber(), image.planes))
+    throw Failure(ExitCode::NoMemory, name.path + ": not enough memory");
   file.Commit();
 }
 

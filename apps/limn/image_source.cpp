@@ -1,8 +1,8 @@
 #include "image_source.h"
 
 #include "failure.h"
-#include "image_file.h"
 #include "image_library.h"
+#include "input_limits.h"
 #include "posix_file.h"
 
 #include <cerrno>
@@ -16,11 +16,7 @@ namespace {
 // Reading through these, and not through a mapping, makes a file that shrinks meanwhile a short
 // read and not a fault.
 gint64 ReadPiece(VipsSourceCustom*, void* buffer, gint64 length, Descriptor* file) {
-  for (;;) {
-    const ssize_t got = read(file->Number(), buffer, static_cast<size_t>(length));
-    if (got >= 0 || errno != EINTR)
-      return got;
-  }
+  return Uninterrupted([=] { return read(file->Number(), buffer, static_cast<size_t>(length)); });
 }
 
 gint64 Seek(VipsSourceCustom*, gint64 offset, int whence, Descriptor* file) {
@@ -48,6 +44,7 @@ struct InputFormat {
   size_t offset;
   std::string_view magic;
   vips::VImage (*load)(vips::VSource source, vips::VOption* options);
+  Decoding decoding = Decoding::ByRows;
 };
 
 using namespace std::string_view_literals;
@@ -59,25 +56,33 @@ constexpr InputFormat FORMATS[] = {
     {0, "MM\0*"sv, vips::VImage::tiffload_source},
     {0, "II+\0"sv, vips::VImage::tiffload_source}, // with 64-bit offsets
     {0, "MM\0+"sv, vips::VImage::tiffload_source},
-    {8, "WEBP"sv, vips::VImage::webpload_source},
+    {8, "WEBP"sv, vips::VImage::webpload_source, Decoding::Whole},
     {0, "P1"sv, vips::VImage::ppmload_source},
     {0, "P2"sv, vips::VImage::ppmload_source},
     {0, "P3"sv, vips::VImage::ppmload_source},
     {0, "P4"sv, vips::VImage::ppmload_source},
     {0, "P5"sv, vips::VImage::ppmload_source},
     {0, "P6"sv, vips::VImage::ppmload_source},
-    {0, "GIF8"sv, vips::VImage::gifload_source},
-    {4, "ftyp"sv, vips::VImage::heifload_source},
+    {0, "GIF8"sv, vips::VImage::gifload_source, Decoding::Whole},
+    {4, "ftyp"sv, vips::VImage::heifload_source, Decoding::Whole},
 };
 
 const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
   char start[16] = {};
-  const ssize_t got = pread(file.Number(), start, sizeof start, 0);
-  if (got < 0)
-    throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
-  if (got == 0)
+  size_t size = 0;
+  while (size < sizeof start) {
+    const ssize_t got = Uninterrupted([&] {
+      return pread(file.Number(), start + size, sizeof start - size, static_cast<off_t>(size));
+    });
+    if (got < 0)
+      throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
+    if (got == 0)
+      break;
+    size += static_cast<size_t>(got);
+  }
+  if (size == 0)
     throw Failure(ExitCode::BadInput, path + ": is empty");
-  const std::string_view bytes(start, static_cast<size_t>(got));
+  const std::string_view bytes(start, size);
   for (const InputFormat& format : FORMATS)
     if (bytes.size() > format.offset && bytes.substr(format.offset).starts_with(format.magic))
       return format;
@@ -90,17 +95,18 @@ const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
 vips::VImage OpenImage(const std::string& path, int shrink) {
   Descriptor file = OpenRegularFile(path);
   const InputFormat& format = FormatOf(file, path);
+  CheckContent(file.Number(), format.decoding, path);
+  const int64_t length = lseek(file.Number(), 0, SEEK_END);
+  lseek(file.Number(), 0, SEEK_SET);
+  const bool isShrunk = format.load == vips::VImage::jpegload_source;
   try {
     auto* options = vips::VImage::option()
                         ->set("access", VIPS_ACCESS_SEQUENTIAL)
                         ->set("fail_on", VIPS_FAIL_ON_WARNING);
-    if (format.load == vips::VImage::jpegload_source)
+    if (isShrunk)
       options->set("shrink", shrink);
     const vips::VImage image = format.load(SourceOf(std::move(file)), options);
-    if (image.width() > LONGEST_SIDE || image.height() > LONGEST_SIDE)
-      throw Failure(ExitCode::BadInput, path + ": is " + std::to_string(image.width()) + " × " +
-                                            std::to_string(image.height()) +
-                                            " pixels, and no side may have more than 32767");
+    CheckPixels(image, isShrunk ? shrink : 1, format.decoding, length, path);
     return image;
   } catch (const vips::VError&) {
     throw LibraryFailure(ExitCode::BadInput, path);

@@ -53,7 +53,8 @@ ExitCode WritePreview(const PreviewOptions& options) {
   if (!named.warning.empty())
     PrintProblem(options.style + ": " + named.warning);
   CheckTarget(options.image, output, existing);
-  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
+                    {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
   Surroundings surroundings = ReadSurroundings(options);
   Photograph photograph = ReadPhotograph(options.image);

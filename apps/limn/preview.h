@@ -3,6 +3,7 @@
 
 #include "failure.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct PreviewOptions {
   std::vector<std::string> settings;
   std::string area; // "X,Y,W,H", or empty
   std::vector<std::string> channels;
+  uint64_t maxPixels = 0; // as for limn apply
   bool isUnlit = false;
   bool force = false;
 };

@@ -2,17 +2,21 @@
 
 #include "run_window.h"
 
+#include "apply_command.h"
 #include "image_library.h"
 #include "lighting.h"
 #include "output_target.h"
 #include "report.h"
+#include "style_source.h"
 
+#include "LM_style_json.h"
 #include "LimnResources.h"
 #include "MacResources.h"
 #include "MacStrings.h"
 #include "ToolboxDesktop.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <future>
 #include <thread>
 
@@ -58,8 +62,7 @@ int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, i
   return ShowPixelMap(map, source, row, column);
 }
 
-CVResult RunDialog(const CVPlugin& plugin, CVDocument& document, CVRect area, RunWindow& window) {
-  CVFilterSession session(plugin);
+CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, RunWindow& window) {
   CVRunOptions options;
   options.dialog = CVDialog::Yes;
   options.services.showPixels = ShowPixels;
@@ -77,6 +80,23 @@ void WriteResult(const EditOptions& options, Photograph& photograph, const Outpu
   MakeFolder(target);
   WritePhotograph(photograph, output, target, existing);
   PrintNotices(options, options.image, photograph.notices);
+}
+
+// Has the plug-in's dialog begin with the style.
+void BeginWithStyle(const EditOptions& options) {
+  const NamedStyle named = FindStyle(options.style);
+  if (!named.warning.empty())
+    PrintNotices(options, options.style, {named.warning});
+  setenv("LIMN_STYLE", LM_StyleToJson(named.style).c_str(), 1);
+}
+
+void PrintCommand(const EditOptions& options, const std::vector<uint8_t>& block, CVRect area) {
+  const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
+  if (style)
+    PrintLine(CommandLine({*style, options.image, options.output, options.area, options.mask,
+                           options.channels, options.force}));
+  else
+    PrintProblem(options.image + ": no style lights it exactly like this, so there is no command");
 }
 
 // The list of strings that this window's texts are in, and their places there.
@@ -100,8 +120,11 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   const Existing existing = options.force ? Existing::Replace : Existing::Keep;
   const OutputName output = ParseOutputName(options.output);
   CheckTarget(options.image, output, existing);
+  if (!options.style.empty())
+    BeginWithStyle(options);
   UseRandomTemporaryToken();
-  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
+                    {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
   const CVPlugin plugin = LoadPlugin();
   // The picture is decoded while the desktop starts.
@@ -115,13 +138,16 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
                              sources.photograph.height, options.image);
   TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
   RunWindow window(Task(LIGHTING, options.image), TextOf(CANCEL));
-  const CVResult result = RunDialog(plugin, document, area, window);
+  CVFilterSession session(plugin);
+  const CVResult result = RunDialog(session, document, area, window);
   if (result.outcome == CVOutcome::Cancelled)
     return ExitCode::Cancelled;
   CheckRun(result, options.image);
   window.ShowWriting(Task(WRITING, output.path));
   WriteResult(options, sources.photograph, output, existing);
-  return ExitCode::Done;
+  if (options.printCommand)
+    PrintCommand(options, session.parameters(), area);
+  return FlushedOutput(ExitCode::Done);
 }
 
 } // namespace limn
