@@ -76,6 +76,8 @@ class Docs(unittest.TestCase):
         names = QUICK_PICTURES if DEPTH == "quick" else []
         subprocess.run([sys.executable, os.path.join(ROOT, "scripts/docs"), "--build", BUILD, "--out", out, *names],
                        check=True, stdout=subprocess.DEVNULL)
+        if DEPTH == "deep" and os.path.exists(os.path.join(BUILD, "bin/editor_screenshots")):
+            subprocess.run([os.path.join(ROOT, "scripts/screenshots"), BUILD, out], check=True)
         drawn = [os.path.relpath(os.path.join(folder, file), out)
                  for folder, _, files in os.walk(out) for file in files]
         self.assertTrue(set(names) <= set(drawn), drawn)
