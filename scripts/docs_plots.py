@@ -1,5 +1,6 @@
 """The plots of the documentation, drawn by gnuplot from what limn_tables and limn make."""
 
+import math
 import os
 import subprocess
 
@@ -37,6 +38,24 @@ def plot_spread(target, tables):
             "set xlabel 'degrees from the axis of the spotlight'", "set ylabel 'part of the light that is left'",
             "set xrange [0:50]", "set xtics 5", "set yrange [0:1.05]", "set key outside right title 'spread'",
             "plot " + curves(SPREADS))
+
+
+def plot_spot(target, tables):
+    """The lamps of three ellipses from the side: the axis, and the cone down to the picture."""
+    lines = ["set multiplot layout 3,1", "unset key", "unset ytics", "unset grid", "set border 1", "set xtics 30 nomirror",
+             "set xrange [-140:140]", "set yrange [0:96]", "set lmargin 3", "set rmargin 3", "set size ratio -1"]
+    for second, x, height, right, up in table(tables, "spot", 90, 30, 60, 90):
+        fall = math.atan2(up, right)
+        near, far = (x - height / math.tan(fall + turn) for turn in (-math.pi / 4, math.pi / 4))
+        tip = height * 0.3
+        lines += ["unset arrow", "unset label", f"set label 'second axis {second:g}' at -138,84",
+                  f"set object 1 polygon from {x},{height} to {near},0 to {far},0 to {x},{height} "
+                  "fillcolor rgb '#fdf0c4' fillstyle solid noborder",
+                  f"set arrow from {x},{height} to {x - (height - tip) / math.tan(fall)},{tip} head filled size 4,20 "
+                  f"lw 1.5 lc rgb '{COLOURS[1]}'",
+                  "set arrow from -90,0 to 90,0 nohead lw 5 lc rgb '#e0a800'",
+                  f"plot '-' using 1:2 with points pt 7 ps 1.3 lc rgb '{COLOURS[0]}'", f"{x} {height}", "e"]
+    gnuplot(target, "640,720", *lines, "unset multiplot")
 
 
 def plot_omni(target, tables):

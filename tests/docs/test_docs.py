@@ -19,7 +19,7 @@ BUILD = os.environ["BUILD"]
 DEPTH = sys.argv.pop() if sys.argv[-1] in ("quick", "deep") else "quick"
 # Each of another kind, and quickly drawn.
 QUICK_PICTURES = ["settings/radius.jpg", "lights/spread.svg", "recipes/catch-light.jpg"]
-NEAR = 2.0  # mean difference of a byte that another JPEG decoder or font may make
+NEAR = 1.0  # mean difference of a byte that another JPEG decoder or font may make
 
 
 def anchors(text):

@@ -84,6 +84,21 @@ void PrintDirectional() {
   }
 }
 
+void PrintSpots(int first, const std::vector<int>& seconds) {
+  LM_light_UI light = WhiteLight(LM_LIGHT_SPOT);
+  for (const int second : seconds) {
+    light.handle1 = {static_cast<int16_t>(-first), 0};
+    light.handle2 = {0, static_cast<int16_t>(second)};
+    LM_light converted;
+    light.ConvertToRealLight(&converted, PREVIEW_PIXELS, 0);
+    std::printf("%d %.3f %.3f %.4f %.4f\n", second,
+                static_cast<double>(converted.position.x) * PREVIEW_PIXELS,
+                static_cast<double>(converted.position.z) * PREVIEW_PIXELS,
+                static_cast<double>(converted.direction.x),
+                static_cast<double>(converted.direction.z));
+  }
+}
+
 void PrintHeights(int amplitude, const std::vector<int>& values) {
   // Every row of the channel is the same, and its ends are repeated, as a host does.
   const std::size_t count = values.size();
@@ -107,10 +122,12 @@ int main(int count, char** words) {
     PrintOmnis(numbers);
   else if (std::strcmp(what, "directional") == 0)
     PrintDirectional();
+  else if (std::strcmp(what, "spot") == 0 && numbers.size() > 1)
+    PrintSpots(numbers[0], {numbers.begin() + 1, numbers.end()});
   else if (std::strcmp(what, "height") == 0 && numbers.size() > 1)
     PrintHeights(numbers[0], {numbers.begin() + 1, numbers.end()});
   else {
-    std::fprintf(stderr, "usage: limn_tables spread|omni|directional|height NUMBER...\n");
+    std::fprintf(stderr, "usage: limn_tables spread|omni|directional|spot|height NUMBER...\n");
     return 2;
   }
   return 0;
