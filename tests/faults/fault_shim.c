@@ -50,6 +50,25 @@ __attribute__((constructor)) static void TakePlan(void) {
   fault_plan = page;
 }
 
+/* A preloaded plan begins with main: what fails before it, in the set-up of libraries, ends in the
+ * system's way. */
+static int (*program)(int, char**, char**);
+static int CountedMain(int count, char** words, char** environment) {
+  if (fault_plan != NULL)
+    fault_plan->paused = 0;
+  return program(count, words, environment);
+}
+__attribute__((visibility("default"))) int __libc_start_main(int (*start)(int, char**, char**),
+                                                             int count, char** words,
+                                                             void (*init)(void), void (*fini)(void),
+                                                             void (*end)(void), void* stack) {
+  int (*next)(int (*)(int, char**, char**), int, char**, void (*)(void), void (*)(void),
+              void (*)(void), void*);
+  *(void**)&next = dlsym(RTLD_NEXT, "__libc_start_main");
+  program = start;
+  return next(CountedMain, count, words, init, fini, end, stack);
+}
+
 /* Counts one operation; true when it is to fail. */
 static int Strikes(void) {
   if (__atomic_load_n(&fault_plan->paused, __ATOMIC_RELAXED) != 0)
