@@ -1,6 +1,8 @@
 #include "LM_session.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "LM_alerts.h"
@@ -10,6 +12,8 @@
 #include "LM_memory.h"
 #include "LM_preview.h"
 #include "LM_shader.h"
+#include "LM_style.h"
+#include "LM_style_json.h"
 #include "LM_style_settings.h"
 #include "LM_tiles.h"
 #include "MacDialogs.h"
@@ -110,6 +114,19 @@ int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g, foo* par
   return result;
 }
 
+// A program may name the lights that a first dialog begins with, as a style's JSON in the
+// environment's LIMN_STYLE. They are then the settings, as if an earlier run had left them.
+void UseNamedStyle(LM_globals* g) {
+  const char* json = std::getenv("LIMN_STYLE");
+  LM_style style;
+  std::string why;
+  if (json == nullptr || !LM_StyleFromJson(json, style, why))
+    return;
+  g->Default();
+  if (LM_ApplyStyle(style, *g))
+    g->SetUseCurrentSettings(1);
+}
+
 // Runs the dialog on default settings. Its previews write to the parameter block, which is as it
 // was when the dialog is cancelled: the host may repeat the filter with it.
 int16_t RunFirstDialog(FilterRecord* record, LM_globals* g, foo* params) {
@@ -133,6 +150,8 @@ int16_t RunDialog(FilterRecord* record, LM_globals* g) {
   foo* params = LM_Parameters(record);
   if (params == nullptr)
     return CV_RESULT_STOPPED;
+  if (g->UseCurrentSettings() == 0)
+    UseNamedStyle(g);
   const int16_t result = g->UseCurrentSettings() == 1
                              ? RunDialogOnCurrentSettings(record, g, params)
                              : RunFirstDialog(record, g, params);

@@ -80,7 +80,8 @@ void AddOutput(CLI::App& apply, ApplyOptions& options) {
 void AddLighting(CLI::App& apply, ApplyOptions& options) {
   apply
       .add_option("-s,--style", options.style,
-                  "A style file, its JSON form, the JSON itself, or the\nname of a style (default: Default)")
+                  "A style file, its JSON form, the JSON itself, or the\nname of a style (default: "
+                  "Default)")
       ->type_name("NAME|FILE");
   apply.add_option("--set", options.settings, "Change one setting of the style; may be repeated")
       ->type_name("KEY=VALUE")

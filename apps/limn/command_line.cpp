@@ -34,7 +34,8 @@ void AddPreview(CLI::App& app, Command& command) {
       ->type_name("FILE");
   preview
       ->add_option("-s,--style", options->style,
-                   "A style file, its JSON form, the JSON itself, or the\nname of a style (default: Default)")
+                   "A style file, its JSON form, the JSON itself, or the\nname of a style "
+                   "(default: Default)")
       ->type_name("NAME|FILE");
   preview->add_option("--set", options->settings, "As for limn apply")
       ->type_name("KEY=VALUE")

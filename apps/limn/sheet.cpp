@@ -42,7 +42,7 @@ std::vector<SheetStyle> StylesOf(const SheetOptions& options) {
     const NamedStyle named = FindStyle(name);
     if (!named.warning.empty())
       Note(options, std::string(name).append(": ").append(named.warning));
-    const std::filesystem::path path(name);
+    const std::filesystem::path path(IsJson(name) ? "Style" : name);
     const auto shown = path.extension() == ".json" ? path.stem() : path.filename();
     styles.push_back({shown.string(), named.style});
   }

@@ -20,9 +20,10 @@ void AddSheet(CLI::App& app, Command& command) {
       ->required()
       ->type_name("FILE");
   sheet
-      ->add_option("-s,--style", options->styles,
-                   "A style file, its JSON form, or the name of a style;\nmay be repeated "
-                   "(default: all of the library)")
+      ->add_option(
+          "-s,--style", options->styles,
+          "A style file, its JSON form, the JSON itself, or the\nname of a style; may be repeated "
+          "(default: all of the library)")
       ->type_name("NAME|FILE")
       ->allow_extra_args(false);
   sheet

@@ -7,6 +7,7 @@
 #include "LM_small_file.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
+#include "LM_style_json.h"
 #include "LM_style_library.h"
 #include "LimnResources.h"
 #include "MacResources.h"
@@ -84,11 +85,21 @@ NamedStyle ReadStyleFile(const std::string& path) {
   return named;
 }
 
+bool IsJson(const std::string& name) {
+  return name.starts_with('{');
+}
+
 NamedStyle FindStyle(const std::string& name) {
+  NamedStyle named{};
+  if (IsJson(name)) {
+    std::string why;
+    if (!LM_StyleFromJson(name, named.style, why))
+      throw Failure(ExitCode::BadInput, "the style's JSON: " + why);
+    return named;
+  }
   if (IsThere(name))
     return ReadStyleFile(name);
   const std::string wanted = name.empty() ? DEFAULT_STYLE : name;
-  NamedStyle named{};
   const bool hasLibrary = UseStyleLibrary().isThere;
   if (hasLibrary && LM_ReadLibraryStyle(wanted, named.style, named.warning))
     return named;

@@ -32,7 +32,10 @@ const StyleLibrary& UseStyleLibrary();
 // All styles of the library, those that cannot be read too; without a library the bundled ones.
 std::vector<LM_listed_style> AllStyles();
 
-// name: a file, or the name of a style in the user's library or among the bundled ones; the first
+// Whether the name is a style itself, as JSON.
+bool IsJson(const std::string& name);
+
+// name: a style as JSON, a file, or the name of a style in the user's library or among the bundled ones; the first
 // that exists, in this order. An empty name means the default style. Without a library there are
 // still the bundled ones. Throws Failure(BadInput).
 NamedStyle FindStyle(const std::string& name);

@@ -26,7 +26,7 @@ void FitRelief(foo& params, const ReducedPhotograph& photograph) {
 
 } // namespace
 
-std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_style& style) {
+std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_style& style) try {
   const std::unique_ptr<foo> params(new (std::nothrow) foo);
   const std::unique_ptr<LM_render_job> job(new (std::nothrow) LM_render_job);
   const LM_render_scratch_pointer scratch = LM_NewRenderScratch();
@@ -50,6 +50,8 @@ std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_
   if (LM_RenderRect(*job, views, whole, *scratch) != LM_render_result::Done)
     return {};
   return lit;
+} catch (const std::bad_alloc&) {
+  return {};
 }
 
 std::vector<uint8_t> UnlitThumbnail(const ReducedPhotograph& photograph) {

@@ -1,0 +1,79 @@
+#include "apply_command.h"
+
+#include "LM_parameters.h"
+#include "LM_style_fields.h"
+#include "LM_style_json.h"
+#include "LM_style_of_parameters.h"
+
+#include <cstring>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace limn {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+void DropDefaults(Json& settings, const Json& defaults) {
+  for (const auto& [key, value] : defaults.items())
+    if (key != "lights" && settings.contains(key) && settings[key] == value)
+      settings.erase(key);
+}
+
+// A file name that is not taken for an option.
+std::string FileWord(const std::string& name) {
+  return ShellWord(name.starts_with('-') ? "./" + name : name);
+}
+
+} // namespace
+
+std::string ShortJson(const LM_style& style) {
+  LM_style least = LM_NewStyle();
+  least.lights[0] = LM_NewStyleLight();
+  least.lightsRead = least.numLights = 1;
+  const Json defaults = Json::parse(LM_StyleToJson(least));
+  Json settings = Json::parse(LM_StyleToJson(style));
+  DropDefaults(settings, defaults);
+  for (Json& light : settings["lights"])
+    DropDefaults(light, defaults["lights"][0]);
+  return settings.dump();
+}
+
+std::string ShellWord(const std::string& word) {
+  constexpr const char* PLAIN = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                                "_-./,:=+@%";
+  if (!word.empty() && word.find_first_not_of(PLAIN) == std::string::npos)
+    return word;
+  std::string quoted = "'";
+  for (const char letter : word)
+    quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+  return quoted + "'";
+}
+
+std::string CommandLine(const ApplyCommand& command) {
+  std::string line = "limn apply " + FileWord(command.image) + " -o " + FileWord(command.output);
+  if (command.force)
+    line += " --force";
+  if (!command.area.empty())
+    line += " --area " + ShellWord(command.area);
+  if (!command.mask.empty())
+    line += " --mask " + FileWord(command.mask);
+  for (const std::string& channel : command.channels)
+    line += " --channel " + FileWord(channel);
+  return line + " --style " + ShellWord(ShortJson(command.style));
+}
+
+std::optional<LM_style> StyleOfBlock(const std::vector<uint8_t>& block, int areaWidth,
+                                     int areaHeight) {
+  if (block.size() < sizeof(foo))
+    return std::nullopt;
+  const auto params = std::make_unique<foo>();
+  std::memcpy(params.get(), block.data(), sizeof *params);
+  LM_style style;
+  if (params->magic != LM_PARAMS_MAGIC || params->version != LM_PARAMS_VERSION ||
+      !LM_StyleOfParameters(*params, areaWidth, areaHeight, style))
+    return std::nullopt;
+  return style;
+}
+
+} // namespace limn

@@ -1,0 +1,40 @@
+// A run of the filter told as a command line.
+#pragma once
+
+#include "lighting.h"
+
+#include "LM_style.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+struct foo;
+
+namespace limn {
+
+struct ApplyCommand {
+  LM_style style;
+  std::string image;
+  std::string output; // as for limn apply, with its options
+  std::string area;   // "X,Y,W,H", or empty
+  std::string mask;   // or empty
+  std::vector<std::string> channels;
+  bool force = false;
+};
+
+// The command, for a shell. It names the files as they are named here, and holds the whole style.
+std::string CommandLine(const ApplyCommand& command);
+
+// A style as JSON on one line, settings left out that a new style or light has anyway.
+std::string ShortJson(const LM_style& style);
+
+// One word for a shell, quoted if need be.
+std::string ShellWord(const std::string& word);
+
+// The style of a parameter block as a filter session keeps it, of a filter area of that size. None
+// when the bytes are no such block.
+std::optional<LM_style> StyleOfBlock(const std::vector<uint8_t>& block, int areaWidth,
+                                     int areaHeight);
+
+} // namespace limn
