@@ -16,7 +16,7 @@ import support
 COUNT, WITH_SLURM = int(sys.argv[1]), "slurm" in sys.argv[2:]
 ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), "../.."))
 STYLE = "Evening Lamp"
-WRITERS = {".png": support.write_png, ".tif": support.write_tiff}
+WRITERS = {".ppm": support.write_pnm, ".png": support.write_png, ".tif": support.write_tiff}
 DAMAGES = [lambda content: b"", lambda content: content[:40], lambda content: b"no image at all",
            lambda content: bytes(len(content))]
 
@@ -37,8 +37,8 @@ class ManyImages(support.LimnTest):
         super().setUp()
         self.good, self.bad = [], []
         for index in range(COUNT):
-            kind = list(WRITERS)[index % 2]
-            name = f"{'may' if index % 3 else 'june/week ' + str(index % 5)}/{index:04}{kind}"
+            kind = list(WRITERS)[index % 3]
+            name = f"{'may' if index % 4 else 'june/week ' + str(index % 5)}/{index:04}{kind}"
             os.makedirs(os.path.dirname("photos/" + name), exist_ok=True)
             WRITERS[kind]("photos/" + name, support.smooth(24 + index % 9, 20, at=index))
             if index % 20 == 7:
