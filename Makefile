@@ -5,7 +5,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test test-deep build deps test-sanitize test-portable fuzz bench bench-peers plots docs-pictures lint format format-check install clean
+.PHONY: help demo test test-deep build deps test-sanitize test-portable test-machines fuzz bench bench-peers plots docs-pictures lint format format-check install deb clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -22,10 +22,11 @@ demo: ## Light the bundled photograph and say where the picture is
 test: deps build ## Build and run every test
 	scripts/run-tests $(BUILD) -j $(JOBS) $(CTEST_OPTIONS)
 
-test-deep: ## The long runs: far more of what `make test` tries for a moment
+test-deep: ## The long runs: far more of what `make test` tries for a moment; then every machine
 	@scripts/deps deep
 	@$(MAKE) --no-print-directory build
 	scripts/run-tests $(BUILD) -C Deep -L deep $(CTEST_OPTIONS)
+	@$(MAKE) --no-print-directory test-machines
 
 TESTS ?= ON
 build: ## Build programs into build/bin, modules and libraries into build/lib
@@ -42,12 +43,11 @@ test-sanitize: ## Build with the address and undefined-behaviour sanitizers and 
 	cd build-sanitize && ctest --output-on-failure -j $(JOBS)
 
 test-portable: ## Run the tests with 32-bit pointers, and on an emulated 32-bit big-endian machine
-	cmake --preset 32-bit
-	cmake --build --preset 32-bit -j $(JOBS)
-	cd build-32-bit && ctest --output-on-failure -j $(JOBS)
-	cmake --preset big-endian
-	cmake --build --preset big-endian -j $(JOBS)
-	cd build-big-endian && ctest --output-on-failure -j $(JOBS)
+	scripts/test-machines 32-bit big-endian
+
+test-machines: build ## The same, and with clang, the thread sanitizer, valgrind and emulated 64-bit Arm
+	@scripts/deps deep
+	scripts/test-machines
 
 fuzz: deps ## Let every fuzzer search for TIME seconds, or RUNS executions
 	scripts/fuzz $(FUZZERS)
@@ -77,6 +77,10 @@ lint: build ## Run clang-tidy over every source file
 
 install: ## Install below PREFIX (default /usr/local), inside DESTDIR if given
 	cmake --install $(BUILD) --prefix $(or $(PREFIX),/usr/local)
+
+deb: ## Build Debian packages into build-deb, and check them
+	@scripts/deps deb
+	scripts/deb build-deb
 
 clean: ## Remove everything that was built
 	rm -rf build build-*

@@ -29,7 +29,8 @@ TEST(LongPluginRuns, MemoryDoesNotGrow) {
     host.cancelAfter = cancelled ? 0 : -1;
     host.out.assign(host.out.size(), 0);
     const int16_t result = host.Run(); // a picture of one tile is done before anyone can cancel
-    ASSERT_TRUE(result == CV_RESULT_OK || (cancelled && result == CV_RESULT_STOPPED)) << "run " << i;
+    ASSERT_TRUE(result == CV_RESULT_OK || (cancelled && result == CV_RESULT_STOPPED))
+        << "run " << i;
     host.requests.clear();
     if (i == 0)
       blocks = TB_BlocksInUse();

@@ -62,7 +62,8 @@ void ToolboxScript::State::RunStep() {
   if (waitMilliseconds > 0 && waiting.elapsed() < waitMilliseconds)
     return;
   waitMilliseconds = 0;
-  if (awaitsDialog && QApplication::activeModalWidget() == nullptr)
+  if (awaitsDialog && QApplication::activeModalWidget() == nullptr &&
+      QApplication::activePopupWidget() == nullptr)
     return;
   awaitsDialog = false;
   if (steps.empty()) {
