@@ -63,6 +63,7 @@ plots: build ## Measure and draw what docs/performance.md shows
 	bench/plot $(BUILD)/bin/bench_shading docs/pictures/cost-of-lights.svg
 
 docs-pictures: build ## Draw the pictures of docs/ again, as their pages say
+	scripts/screenshots $(BUILD)
 	scripts/docs --build $(BUILD)
 
 SOURCES := $(shell git ls-files '*.h' '*.hpp' '*.c' '*.cpp')
