@@ -62,6 +62,7 @@ bool IsFree(const LM_style_place& folder, StringPtr name) {
 // Writes the settings to a temporary file, which place(its name) then makes the style.
 template <class Place>
 LM_bool SaveThrough(const LM_style_place& folder, LM_globals* globals, Place place) {
+  const LM_folder_use use(folder);
   TB_Str255 temporary = LM_TemporaryName();
   if (LM_SaveStyleDurably(temporary.bytes, globals) != 0 && place(temporary) == noErr)
     return 1;

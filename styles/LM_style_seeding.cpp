@@ -47,6 +47,7 @@ bool Seed(const LM_style_place& styles, const std::string& name) {
     return false;
   uint8_t bytes[LM_STYLE_MAX_BYTES];
   const size_t size = LM_EncodeStyle(style, bytes);
+  const LM_folder_use use(styles);
   const TB_Str255 temporary = LM_TemporaryName();
   if (LM_WriteNewFile(styles, temporary, {reinterpret_cast<const char*>(bytes), size}) != noErr)
     return false;
@@ -60,6 +61,7 @@ bool Remember(const LM_style_place& library, const std::vector<std::string>& nam
   std::string text;
   for (const std::string& name : names)
     text += name + "\n";
+  const LM_folder_use use(library);
   const TB_Str255 temporary = LM_TemporaryName();
   if (LM_WriteNewFile(library, temporary, text) != noErr)
     return false;

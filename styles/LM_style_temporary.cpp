@@ -1,16 +1,13 @@
 #include "LM_style_temporary.h"
 
-#include <atomic>
 #include <cerrno>
-#include <charconv>
-#include <csignal>
-#include <ctime>
-#include <dirent.h>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
 #include <fcntl.h>
-#include <memory>
+#include <filesystem>
 #include <string>
-#include <string_view>
-#include <sys/stat.h>
+#include <sys/file.h>
 #include <unistd.h>
 #include <vector>
 
@@ -19,47 +16,60 @@
 namespace {
 
 constexpr std::string_view PREFIX = ".limn-";
-// A file of this age belongs to no write that is going on, whatever its process number says.
-constexpr time_t OLDEST = 3600;
+constexpr std::string_view OTHERS = ".tmp"; // the command's, which it looks after itself
+// How long a writer waits for a sweep, which takes a moment, in steps of a millisecond.
+constexpr int PATIENCE = 1000;
 
-bool IsLeftOver(int folder, const char* file) {
-  const std::string_view name = file;
-  if (!name.starts_with(PREFIX))
-    return false;
-  int32_t process = 0;
-  const char* end = name.data() + name.size();
-  const auto number = std::from_chars(name.data() + PREFIX.size(), end, process);
-  if (number.ec != std::errc() || number.ptr == end || *number.ptr != '-' || process <= 0)
-    return false;
-  if (kill(process, 0) != 0 && errno == ESRCH)
-    return true;
-  struct stat status {};
-  return fstatat(folder, file, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-         time(nullptr) - status.st_mtime > OLDEST;
+int OpenFolder(const LM_style_place& folder) {
+  const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
+  return path.empty() ? -1 : open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
 } // namespace
 
+LM_folder_use::LM_folder_use(const LM_style_place& folder) : _descriptor(OpenFolder(folder)) {
+  for (int i = 0; i < PATIENCE && _descriptor >= 0 && flock(_descriptor, LOCK_SH | LOCK_NB) != 0 &&
+                  (errno == EWOULDBLOCK || errno == EINTR);
+       ++i)
+    usleep(1000);
+}
+
+LM_folder_use::~LM_folder_use() {
+  if (_descriptor >= 0)
+    close(_descriptor);
+}
+
 TB_Str255 LM_TemporaryName() {
-  static std::atomic<uint32_t> count{0};
-  std::string name(PREFIX);
-  name += std::to_string(getpid()) + "-" + std::to_string(++count);
+  // What a process number would not give: processes of other containers and machines may have the
+  // same one.
+  uint64_t number = 0;
+  if (getentropy(&number, sizeof number) != 0)
+    number = static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()) ^
+             static_cast<uint64_t>(getpid()) << 40;
+  char name[32];
+  std::snprintf(name, sizeof name, ".limn-%016llx", static_cast<unsigned long long>(number));
   return TB_PString(name);
 }
 
 void LM_SweepTemporaries(const LM_style_place& folder) {
-  const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
-  // Not by the C++ library's iterator, which ends the program when memory runs out.
-  const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(path.c_str()), closedir);
-  if (open == nullptr)
+  const int descriptor = OpenFolder(folder);
+  if (descriptor < 0)
     return;
-  std::vector<std::string> leftOver;
-  while (const dirent* entry = readdir(open.get())) {
-    if (IsLeftOver(dirfd(open.get()), entry->d_name))
-      leftOver.emplace_back(entry->d_name);
+  // Nobody writes while this is held, so every temporary file is one that was given up.
+  if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
+    std::error_code error;
+    const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
+    std::vector<std::filesystem::path> found;
+    for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
+         entry.increment(error)) {
+      const std::string name = entry->path().filename().native();
+      if (name.starts_with(PREFIX) && !name.ends_with(OTHERS))
+        found.push_back(entry->path());
+    }
+    for (const std::filesystem::path& file : found)
+      unlink(file.c_str());
   }
-  for (const std::string& file : leftOver)
-    unlinkat(dirfd(open.get()), file.c_str(), 0);
+  close(descriptor);
 }
 
 OSErr LM_WriteNewFile(const LM_style_place& folder, ConstStr255Param name, std::string_view bytes) {

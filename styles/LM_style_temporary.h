@@ -12,10 +12,24 @@ struct LM_style_place {
   int32_t dirID;
 };
 
-// A hidden name that no other file of this or any other running process has.
+// Keeps a folder from being swept, from before a temporary file is made until it has its own name.
+// Where the file system has no locks, nothing is ever swept either.
+class LM_folder_use {
+public:
+  explicit LM_folder_use(const LM_style_place& folder);
+  ~LM_folder_use();
+  LM_folder_use(const LM_folder_use&) = delete;
+  LM_folder_use& operator=(const LM_folder_use&) = delete;
+
+private:
+  int _descriptor;
+};
+
+// A hidden name that nothing else has, in a folder in use.
 TB_Str255 LM_TemporaryName();
 
-// Removes the files of that kind that runs which ended left behind.
+// Removes the temporary files that killed processes left behind. Leaves the folder alone while
+// anybody writes to it: a later call finds them too.
 void LM_SweepTemporaries(const LM_style_place& folder);
 
 // Writes a new file and brings its content to the disk. A failure leaves no file behind.
