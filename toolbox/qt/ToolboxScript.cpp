@@ -49,6 +49,7 @@ struct ToolboxScript::State {
   QElapsedTimer waiting;
   int waitMilliseconds = 0;
   bool awaitsDialog = false;
+  bool awaitsMenu = false;
   Qt::KeyboardModifiers modifiers;
   bool buttonDown = false;
   QPointer<QWidget> pressed;
@@ -62,10 +63,10 @@ void ToolboxScript::State::RunStep() {
   if (waitMilliseconds > 0 && waiting.elapsed() < waitMilliseconds)
     return;
   waitMilliseconds = 0;
-  if (awaitsDialog && QApplication::activeModalWidget() == nullptr &&
-      QApplication::activePopupWidget() == nullptr)
+  if ((awaitsDialog && QApplication::activeModalWidget() == nullptr) ||
+      (awaitsMenu && QApplication::activePopupWidget() == nullptr))
     return;
-  awaitsDialog = false;
+  awaitsDialog = awaitsMenu = false;
   if (steps.empty()) {
     timer.stop();
     return;
@@ -192,6 +193,11 @@ ToolboxScript& ToolboxScript::CloseWindow() {
 ToolboxScript& ToolboxScript::AwaitDialog() {
   State* state = _state.get();
   return Call([=] { state->awaitsDialog = true; });
+}
+
+ToolboxScript& ToolboxScript::AwaitMenu() {
+  State* state = _state.get();
+  return Call([=] { state->awaitsMenu = true; });
 }
 
 ToolboxScript& ToolboxScript::Wait(int milliseconds) {

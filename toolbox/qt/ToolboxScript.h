@@ -42,8 +42,10 @@ public:
   // Closes the front window, as its title bar's button does.
   ToolboxScript& CloseWindow();
   ToolboxScript& Wait(int milliseconds);
-  // The next step runs once a modal window or a menu is open, however long that takes.
+  // The next step runs once a modal window is open, however long that takes.
   ToolboxScript& AwaitDialog();
+  // The same for a menu.
+  ToolboxScript& AwaitMenu();
   // Runs something between two steps, such as a check or a screenshot.
   ToolboxScript& Call(std::function<void()> action);
 
