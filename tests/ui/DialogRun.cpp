@@ -59,17 +59,22 @@ void Deliver() {
 
 int16_t NextTile() {
   Deliver();
-  return host.answers->nextTile;
+  const int16_t trouble = host.answers->trouble(HostService::NextTile);
+  return trouble != 0 ? trouble : host.answers->nextTile;
 }
 
 int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, int32_t column,
                    void*) {
   ++host.answers->shown;
+  if (const int16_t trouble = host.answers->trouble(HostService::ShowPixels))
+    return trouble;
   return ShowPixelMap(map, source, row, column);
 }
 
 int16_t QueryProperty(uint32_t, uint32_t key, int32_t index, int32_t* value, CVHandle* handle) {
   const HostAnswers& answers = *host.answers;
+  if (const int16_t trouble = answers.trouble(HostService::QueryProperty))
+    return trouble;
   if (key == CV_PROPERTY_NUM_CHANNELS) {
     *value = static_cast<int32_t>(answers.channels.size());
     return answers.numChannels;
@@ -86,6 +91,8 @@ int16_t PickColor(CVColorRequest* request) {
   HostAnswers& answers = *host.answers;
   answers.asked = *request;
   answers.prompt = TB_StdString(request->prompt);
+  if (const int16_t trouble = answers.trouble(HostService::PickColor))
+    return trouble;
   request->components[0] = 1;
   request->components[1] = 200;
   request->components[2] = 999;

@@ -12,8 +12,12 @@
 #include <string>
 #include <vector>
 
+enum class HostService { NextTile, ShowPixels, QueryProperty, PickColor };
+
 // What the host answers, and what it was asked.
 struct HostAnswers {
+  // Asked at each call of a service: the error to answer, 0 for none.
+  std::function<int16_t(HostService)> trouble = [](HostService) { return int16_t{0}; };
   std::vector<std::string> channels = {"Red", "Green", "Blue", "Height"};
   int16_t nextTile = 0; // result codes
   int16_t numChannels = 0;
