@@ -73,6 +73,7 @@ bool EditorDocument::addChannel(limn::GreyImage channel) {
   if (QSize(channel.width, channel.height) != size())
     return false;
   _channels.push_back(std::move(channel));
+  Q_EMIT channelsChanged();
   Q_EMIT stateChanged();
   return true;
 }
@@ -87,6 +88,13 @@ QStringList EditorDocument::channelNames() const {
   for (const limn::GreyImage& channel : _channels)
     names << QString::fromStdString(ChannelName(channel));
   return names;
+}
+
+std::vector<std::string> EditorDocument::channelFiles() const {
+  std::vector<std::string> files;
+  for (const limn::GreyImage& channel : _channels)
+    files.push_back(channel.file);
+  return files;
 }
 
 void EditorDocument::select(Selection selection) {

@@ -4,6 +4,7 @@
 #include "ImageFiles.h"
 
 #include "CVDocument.h"
+#include "reduced_photograph.h"
 
 #include <QImage>
 #include <QObject>
@@ -44,10 +45,16 @@ public:
   // `area` of the pixels in 32-bit colour; alpha and further channels are not shown.
   QImage colours(const QRect& area) const;
 
+  // `area` of the image and of its further channels, its longer side reduced to `longestSide`.
+  // Looks at some pixels only, so that it takes a few milliseconds for an image of any size.
+  limn::ReducedPhotograph reduced(const QRect& area, int longestSide) const;
+
   // Appends a channel for filters to read. It is not written with the image. False when its sides
   // are not the image's.
   bool addChannel(limn::GreyImage channel);
   QStringList channelNames() const;
+  // The files of the appended channels.
+  std::vector<std::string> channelFiles() const;
 
   const Selection& selection() const { return _selection; }
   // As one step that can be undone; `area` is cut to the image.
@@ -75,6 +82,7 @@ Q_SIGNALS:
   void opened();
   void pixelsChanged(const QRect& area);
   void selectionChanged();
+  void channelsChanged();
   // Modification, steps, channels or name.
   void stateChanged();
 

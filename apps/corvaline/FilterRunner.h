@@ -29,6 +29,8 @@ public:
   CVResult setParameters(const void* bytes, std::size_t size) {
     return _session.setParameters(bytes, size);
   }
+  // The parameters of the last run.
+  std::vector<std::uint8_t> parameters() const { return _session.parameters(); }
   CVResult about() { return _session.about(nullptr); }
   bool isRunning() const { return _running; }
 

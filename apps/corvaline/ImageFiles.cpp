@@ -17,17 +17,17 @@ std::string Encoded(const QString& path) {
   return QFile::encodeName(path).toStdString();
 }
 
-// Formats that lose something are written finely; their programs' own default is for the web.
-std::string SaveOptions(const QString& path) {
-  static const QStringList lossy = {"jpg", "jpeg", "jpe", "webp", "heic", "heif", "avif"};
-  return lossy.contains(QFileInfo(path).suffix().toLower()) ? "[Q=92]" : "";
-}
-
 } // namespace
 
 void StartImageFiles() {
   limn::StartImageLibrary(QThread::idealThreadCount());
   limn::SetTemporaryToken(QRandomGenerator::system()->generate64());
+}
+
+// Formats that lose something are written finely; their programs' own default is for the web.
+std::string SaveOptions(const QString& path) {
+  static const QStringList lossy = {"jpg", "jpeg", "jpe", "webp", "heic", "heif", "avif"};
+  return lossy.contains(QFileInfo(path).suffix().toLower()) ? "[Q=92]" : "";
 }
 
 OpenedImage OpenImageFile(const QString& path) {

@@ -26,6 +26,9 @@ limn::GreyImage OpenChannelFile(const QString& path);
 // extension decides the format. Answers what the format could not hold, a sentence each.
 QStringList SaveImageFile(limn::Photograph& photograph, const QString& path);
 
+// libvips' save options, in brackets, with which images are written under such a name.
+std::string SaveOptions(const QString& path);
+
 // For file dialogs: patterns of files that can be opened, and that can be written.
 QString ReadablePatterns();
 QString WritablePatterns();

@@ -48,6 +48,7 @@ void MainWindow::_showState() {
   _undo->setEnabled(_document.canUndo());
   _redo->setEnabled(_document.canRedo());
   _lighting->setEnabled(hasImage && _filter.isLoaded());
+  _copyCommand->setEnabled(hasImage && _lastRun.has_value());
   _repeat->setEnabled(hasImage && _filter.canRepeat());
   const QStringList channels = _document.channelNames();
   _imageFacts->setText(hasImage ? tr("%1 × %2 pixels, %3 channels")
@@ -68,7 +69,10 @@ void MainWindow::_showZoom() {
 bool MainWindow::runFilter(CVDialog dialog) {
   if (_document.isEmpty() || _filter.isRunning() || !_filter.isLoaded())
     return false;
+  const CommandFacts facts = _commandFacts();
   const CVResult result = _filter.run(_document, dialog, tr("Lighting"), this);
+  if (result.ok())
+    _lastRun = facts;
   _showState();
   // Who cancelled knows, and who was told by the filter need not be told again.
   if (!result.ok() && result.outcome != CVOutcome::Cancelled &&

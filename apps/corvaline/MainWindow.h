@@ -5,11 +5,14 @@
 #include "EditorDocument.h"
 #include "FilterRunner.h"
 #include "RecentFiles.h"
+#include "StylePanel.h"
 
 #include <QKeySequence>
 #include <QLabel>
 #include <QMainWindow>
 #include <QSpinBox>
+
+#include <optional>
 
 struct LM_style;
 
@@ -33,15 +36,22 @@ public:
   // its JSON form, or a style's name.
   bool applyStyle(const LM_style& style);
   bool applyStyle(const QString& name);
+  // Puts the limn apply command on the clipboard that does what the last run of the filter did.
+  // maskPath: where to write the mask that it needs if one was painted.
+  bool copyCommand(const QString& maskPath);
 
   EditorDocument& document() { return _document; }
   Canvas& canvas() { return *_canvas; }
+  StylePanel& styles() { return *_styles; }
+  // Shows the panel of styles unless the user closed it the last time. Closed until then.
+  void restorePanels();
 
 public Q_SLOTS:
   void chooseAndOpen();
   void chooseAndLoadChannel();
   bool save();
   bool saveAs();
+  void chooseAndCopyCommand();
   void selectAll();
   void deselect();
 
@@ -56,6 +66,17 @@ protected:
 private:
   enum class Needs { Nothing, Image };
 
+  // What a run of the filter depends on beside its parameters.
+  struct CommandFacts {
+    QString path;
+    QRect area; // of the image; the whole of it
+    bool isWhole;
+    QImage mask;
+    std::vector<std::string> channels;
+    bool wasModified; // the image was no longer that of the file
+  };
+  CommandFacts _commandFacts() const;
+
   template <typename Slot>
   QAction* _add(QMenu* menu, const QString& icon, const QString& text,
                 const QList<QKeySequence>& shortcuts, const QString& tip, Needs needs, Slot slot);
@@ -65,6 +86,7 @@ private:
   void _makeEditMenu();
   void _makeViewMenu();
   void _makeFilterMenu();
+  void _makeStylePanel(QMenu* menu);
   void _makeToolBar();
   void _makeStatusBar();
   void _showState();
@@ -77,12 +99,15 @@ private:
   EditorDocument _document;
   FilterRunner _filter;
   Canvas* _canvas;
+  StylePanel* _styles = nullptr;
   RecentFiles* _recent = nullptr;
   QList<QAction*> _imageActions; // those that need an image
   QAction *_open = nullptr, *_save = nullptr, *_undo = nullptr, *_redo = nullptr;
   QAction *_lighting = nullptr, *_repeat = nullptr, *_original = nullptr, *_fit = nullptr;
+  QAction* _copyCommand = nullptr;
   QList<QAction*> _tools;
   QSpinBox* _brushSize = nullptr;
+  std::optional<CommandFacts> _lastRun;
   QLabel *_imageFacts = nullptr, *_zoomFact = nullptr;
 };
 

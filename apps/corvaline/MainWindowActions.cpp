@@ -70,6 +70,10 @@ void MainWindow::_makeEditMenu() {
                tr("Make the change again that was taken back"), Needs::Nothing,
                [this] { _document.redo(); });
   menu->addSeparator();
+  _copyCommand = _add(menu, "", tr("&Copy Command"), {QKeySequence("Ctrl+Alt+C")},
+                      tr("Copy the limn apply command that lights the image like this again"),
+                      Needs::Nothing, &MainWindow::chooseAndCopyCommand);
+  menu->addSeparator();
   _add(menu, "", tr("Select &All"), {QKeySequence::SelectAll}, tr("Select the whole image"),
        Needs::Image, &MainWindow::selectAll);
   _add(menu, "", tr("&Deselect"), {QKeySequence("Ctrl+D")},
@@ -122,6 +126,8 @@ void MainWindow::_makeViewMenu() {
            tr("Show the image as it was opened; hold O for a short look"), Needs::Image, [] {});
   _original->setCheckable(true);
   connect(_original, &QAction::toggled, _canvas, &Canvas::showOriginal);
+  menu->addSeparator();
+  _makeStylePanel(menu);
 }
 
 void MainWindow::_makeFilterMenu() {

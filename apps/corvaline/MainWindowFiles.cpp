@@ -61,6 +61,7 @@ bool MainWindow::open(const QString& path) {
     return false;
   const QString problem = Problem([&] {
     OpenedImage image = OpenImageFile(path);
+    _lastRun.reset();
     _document.setImage(std::move(image));
   });
   if (!problem.isEmpty()) {

@@ -10,8 +10,37 @@
 #include "LM_style_settings.h"
 
 #include <QFile>
+#include <QMenu>
+#include <QSettings>
 
 namespace editor {
+
+static constexpr const char* PANEL_SETTING = "stylePanel";
+
+void MainWindow::_makeStylePanel(QMenu* menu) {
+  _styles = new StylePanel(_document, this);
+  addDockWidget(Qt::RightDockWidgetArea, _styles);
+  _styles->hide();
+  QAction* toggle = _styles->toggleViewAction();
+  toggle->setText(tr("&Styles"));
+  toggle->setShortcut(Qt::Key_F9);
+  toggle->setStatusTip(tr("Show what each style makes of the image; a click lights it"));
+  menu->addAction(toggle);
+  connect(toggle, &QAction::toggled, this, [this](bool isShown) {
+    if (!isVisible())
+      return;
+    QSettings().setValue(PANEL_SETTING, isShown);
+    if (isShown)
+      _styles->list().setFocus();
+    else
+      _canvas->setFocus();
+  });
+  connect(_styles, &StylePanel::chosen, this, qOverload<const LM_style&>(&MainWindow::applyStyle));
+}
+
+void MainWindow::restorePanels() {
+  _styles->setVisible(QSettings().value(PANEL_SETTING, true).toBool());
+}
 
 bool MainWindow::applyStyle(const LM_style& style) {
   if (_document.isEmpty() || _filter.isRunning() || !_filter.isLoaded())

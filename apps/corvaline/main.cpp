@@ -35,6 +35,7 @@ int RunEditor(const editor::EditorOptions& options) {
   CVPlugin plugin;
   const CVResult loaded = editor::LoadFilter(plugin);
   editor::MainWindow window(plugin);
+  window.restorePanels();
   window.show();
   if (!loaded.ok())
     QMessageBox::warning(&window, "Corvaline", QString::fromStdString(loaded.message));

@@ -1,0 +1,86 @@
+// The last run of the filter as a command for the terminal.
+#include "MainWindow.h"
+
+#include "apply_command.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QStatusBar>
+
+namespace editor {
+namespace {
+
+constexpr int NOTICE_MILLISECONDS = 8000;
+
+std::string Encoded(const QString& path) {
+  return QFile::encodeName(path).toStdString();
+}
+
+// Where the command writes: beside the image, never over it, and as the editor would.
+std::string OutputFor(const QFileInfo& image) {
+  const QString suffix = IsWritable(image.filePath()) ? image.suffix() : "png";
+  const QString path = image.absolutePath() + "/" + image.completeBaseName() + "-lit." + suffix;
+  return Encoded(path) + SaveOptions(path);
+}
+
+std::string AreaWords(const QRect& area) {
+  return std::to_string(area.x()) + "," + std::to_string(area.y()) + "," +
+         std::to_string(area.width()) + "," + std::to_string(area.height());
+}
+
+} // namespace
+
+MainWindow::CommandFacts MainWindow::_commandFacts() const {
+  return {_document.image().path,
+          _document.filterArea(),
+          _document.filterArea() == _document.bounds(),
+          _document.selection().mask,
+          _document.channelFiles(),
+          _document.isModified()};
+}
+
+bool MainWindow::copyCommand(const QString& maskPath) {
+  if (!_lastRun)
+    return false;
+  const CommandFacts& run = *_lastRun;
+  const QString title = tr("The command could not be copied.");
+  const auto style = limn::StyleOfBlock(_filter.parameters(), run.area.width(), run.area.height());
+  if (!style) {
+    _complain(title, tr("No style lights the image exactly like this."));
+    return false;
+  }
+  if (!run.mask.isNull() && !run.mask.save(maskPath, "PNG")) {
+    _complain(title, tr("The mask could not be saved."));
+    return false;
+  }
+  const QFileInfo image(run.path);
+  QGuiApplication::clipboard()->setText(QFile::decodeName(
+      limn::CommandLine({*style, Encoded(image.absoluteFilePath()), OutputFor(image),
+                         run.isWhole ? "" : AreaWords(run.area),
+                         run.mask.isNull() ? "" : Encoded(maskPath), run.channels, false})
+          .c_str()));
+  statusBar()->showMessage(
+      run.wasModified
+          ? tr("Copied the command of the last step; the image was no longer that of its file")
+          : tr("Copied the command"),
+      NOTICE_MILLISECONDS);
+  return true;
+}
+
+void MainWindow::chooseAndCopyCommand() {
+  QString maskPath;
+  if (_lastRun && !_lastRun->mask.isNull()) {
+    const QFileInfo image(_lastRun->path);
+    maskPath = QFileDialog::getSaveFileName(
+        this, tr("Save the mask as"),
+        image.absolutePath() + "/" + image.completeBaseName() + "-mask.png", "PNG (*.png)");
+    if (maskPath.isEmpty())
+      return;
+  }
+  copyCommand(maskPath);
+}
+
+} // namespace editor

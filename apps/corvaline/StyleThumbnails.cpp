@@ -1,0 +1,54 @@
+#include "StyleThumbnails.h"
+
+#include "thumbnail.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace editor {
+
+QImage ThumbnailImage(const limn::ReducedPhotograph& photograph,
+                      const std::vector<std::uint8_t>& pixels) {
+  QImage image(photograph.width, photograph.height, QImage::Format_RGB888);
+  const auto rowBytes = static_cast<std::size_t>(photograph.width) * 3;
+  if (image.isNull() || pixels.size() < rowBytes * static_cast<std::size_t>(photograph.height))
+    return {};
+  for (int y = 0; y < photograph.height; ++y)
+    std::copy_n(pixels.data() + static_cast<std::size_t>(y) * rowBytes, rowBytes,
+                image.scanLine(y));
+  return image;
+}
+
+StyleThumbnails::StyleThumbnails(QObject* parent) : QObject(parent) {
+  _pool.setMaxThreadCount(1);
+}
+
+StyleThumbnails::~StyleThumbnails() {
+  cancel();
+  _pool.waitForDone();
+}
+
+void StyleThumbnails::make(limn::ReducedPhotograph photograph, std::vector<LM_style> styles) {
+  const int turn = ++_turn;
+  const auto tell = [this, turn](auto signal) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, turn, signal] {
+          if (turn == _turn)
+            signal();
+        },
+        Qt::QueuedConnection);
+  };
+  _pool.start([this, turn, tell, photograph = std::move(photograph), styles = std::move(styles)] {
+    for (std::size_t i = 0; i < styles.size(); ++i) {
+      if (turn != _turn)
+        return;
+      const QImage picture = ThumbnailImage(photograph, limn::LitThumbnail(photograph, styles[i]));
+      if (!picture.isNull())
+        tell([this, i, picture] { Q_EMIT made(static_cast<int>(i), picture); });
+    }
+    tell([this] { Q_EMIT finished(); });
+  });
+}
+
+} // namespace editor

@@ -1,0 +1,42 @@
+// Pictures of styles on a photograph, made on another thread while the window goes on.
+#pragma once
+
+#include "reduced_photograph.h"
+
+#include "LM_style.h"
+
+#include <QImage>
+#include <QObject>
+#include <QThreadPool>
+
+#include <atomic>
+#include <vector>
+
+namespace editor {
+
+// The picture of a reduced photograph's pixels: red, green and blue, width * 3 bytes a row.
+QImage ThumbnailImage(const limn::ReducedPhotograph& photograph,
+                      const std::vector<std::uint8_t>& pixels);
+
+class StyleThumbnails : public QObject {
+  Q_OBJECT
+
+public:
+  explicit StyleThumbnails(QObject* parent);
+  ~StyleThumbnails() override; // waits for the one picture at work
+
+  // Makes the pictures of all styles, in their order. Those asked for before are forgotten.
+  void make(limn::ReducedPhotograph photograph, std::vector<LM_style> styles);
+  void cancel() { ++_turn; }
+
+Q_SIGNALS:
+  // On the window's thread. A style whose picture could not be made is passed over.
+  void made(int index, const QImage& picture);
+  void finished();
+
+private:
+  std::atomic<int> _turn{0}; // what is made for an earlier one is not wanted any more
+  QThreadPool _pool;
+};
+
+} // namespace editor
