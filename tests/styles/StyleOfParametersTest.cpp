@@ -61,7 +61,7 @@ LM_style_light RandomLight(Dice& dice) {
 } // namespace
 
 TEST(StyleOfParameters, FindsWhateverTheDialogMakes) {
-  for (unsigned seed = 0; seed < 120; ++seed) {
+  for (unsigned seed = 0; seed < 60; ++seed) {
     Dice dice(seed);
     LM_style style = LM_NewStyle();
     style.ambientColor = dice.color();
