@@ -110,7 +110,10 @@ class Edit(unittest.TestCase):
         self.screen.settle()
 
     def test_lighting_by_hand(self):
-        self.start(LIMN, "edit", PHOTOGRAPH, "--channel", HEIGHTS, "-o", self.path("lit.png"))
+        with open(self.path("mask, half.pgm"), "wb") as mask:
+            mask.write(b"P5\n1800 1200\n255\n" + bytes(at * 255 // 1799 for at in range(1800)) * 1200)
+        around = ["--channel", HEIGHTS, "--mask", self.path("mask, half.pgm"), "--area", "100,50,1500,1100"]
+        self.start(LIMN, "edit", PHOTOGRAPH, *around, "--print-command", "-o", self.path("lit.png"))
         first = self.style("Default")["lights"][0]
         start = self.body(first)
         moved = (start[0] + 30, start[1] + 24)
@@ -141,10 +144,24 @@ class Edit(unittest.TestCase):
         self.choose(STYLES, "Up")
         self.choose(STYLES, "Down")
         self.press_item(OK)
+        command = self.end(0)
+        self.limn("apply", PHOTOGRAPH, *around, "-s", STYLE, "-o", self.path("applied.png"), "-q")
+        self.assertSameFiles("lit.png", "applied.png")
+        os.rename(self.path("lit.png"), self.path("by hand.png"))
+        subprocess.run(["sh", "-c", command], check=True, capture_output=True, timeout=60,
+                       env={**os.environ, "PATH": f"{os.path.dirname(LIMN)}:{os.environ['PATH']}"})
+        self.assertSameFiles("lit.png", "by hand.png")
+
+    def test_beginning_with_a_style(self):
+        self.start(LIMN, "edit", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("lit.png"))
+        self.press_item(OK)
         self.assertEqual(self.end(0), "")
-        self.limn("apply", PHOTOGRAPH, "--channel", HEIGHTS, "-s", STYLE, "-o", self.path("applied.png"), "-q")
-        with open(self.path("lit.png"), "rb") as lit, open(self.path("applied.png"), "rb") as applied:
-            self.assertTrue(lit.read() == applied.read(), "limn edit and limn apply differ")
+        self.limn("apply", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("applied.png"), "-q")
+        self.assertSameFiles("lit.png", "applied.png")
+
+    def assertSameFiles(self, one, other):
+        with open(self.path(one), "rb") as first, open(self.path(other), "rb") as second:
+            self.assertTrue(first.read() == second.read(), f"{one} and {other} differ")
 
     def gloss_knob(self):
         """The indicator's place, which stands for the default style's gloss."""
