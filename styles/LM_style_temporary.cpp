@@ -4,9 +4,11 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
-#include <filesystem>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <sys/file.h>
 #include <unistd.h>
 #include <vector>
@@ -22,7 +24,13 @@ constexpr int PATIENCE = 1000;
 
 int OpenFolder(const LM_style_place& folder) {
   const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
-  return path.empty() ? -1 : open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (path.empty())
+    return -1;
+  int descriptor = -1;
+  do
+    descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  while (descriptor < 0 && errno == EINTR);
+  return descriptor;
 }
 
 } // namespace
@@ -52,24 +60,20 @@ TB_Str255 LM_TemporaryName() {
 }
 
 void LM_SweepTemporaries(const LM_style_place& folder) {
-  const int descriptor = OpenFolder(folder);
-  if (descriptor < 0)
-    return;
+  const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
+  // Not by the C++ library's iterator, which ends the program when memory runs out.
+  const std::unique_ptr<DIR, int (*)(DIR*)> listed(opendir(path.c_str()), closedir);
   // Nobody writes while this is held, so every temporary file is one that was given up.
-  if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
-    std::error_code error;
-    const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
-    std::vector<std::filesystem::path> found;
-    for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
-         entry.increment(error)) {
-      const std::string name = entry->path().filename().native();
-      if (name.starts_with(PREFIX) && !name.ends_with(OTHERS))
-        found.push_back(entry->path());
-    }
-    for (const std::filesystem::path& file : found)
-      unlink(file.c_str());
+  if (listed == nullptr || flock(dirfd(listed.get()), LOCK_EX | LOCK_NB) != 0)
+    return;
+  std::vector<std::string> found;
+  while (const dirent* entry = readdir(listed.get())) {
+    const std::string_view name = entry->d_name;
+    if (name.starts_with(PREFIX) && !name.ends_with(OTHERS))
+      found.emplace_back(name);
   }
-  close(descriptor);
+  for (const std::string& name : found)
+    unlinkat(dirfd(listed.get()), name.c_str(), 0);
 }
 
 OSErr LM_WriteNewFile(const LM_style_place& folder, ConstStr255Param name, std::string_view bytes) {
