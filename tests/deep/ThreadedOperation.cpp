@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-// The locks of GLib and libvips are not seen, so nor must be what they do between them.
+// What others' libraries do by themselves is theirs; see SeenLocks.cpp for what they do for us.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() {
   return "ignore_noninstrumented_modules=1";
 }
