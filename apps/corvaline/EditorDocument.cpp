@@ -48,6 +48,7 @@ void EditorDocument::setImage(OpenedImage image) {
   _undo.clear();
   _redo.clear();
   _pixelState = _savedState = _lastState = 0;
+  _position = ++_lastPosition;
   Q_EMIT opened();
   Q_EMIT selectionChanged();
   Q_EMIT stateChanged();
@@ -121,7 +122,7 @@ std::vector<EditorDocument::Buffer> EditorDocument::_buffers() {
 }
 
 EditorDocument::Step EditorDocument::_stepBack(const QRect& pixelArea) {
-  Step step{pixelArea, {}, _pixelState, _selection};
+  Step step{pixelArea, {}, _pixelState, _selection, _position};
   if (pixelArea.isEmpty())
     return step;
   for (const Buffer& buffer : _buffers()) {
@@ -139,6 +140,7 @@ EditorDocument::Step EditorDocument::_stepBack(const QRect& pixelArea) {
 
 void EditorDocument::_record(Step step) {
   _redo.clear();
+  _position = ++_lastPosition;
   _undo.push_back(std::move(step));
   std::size_t total = 0;
   for (const Step& kept : _undo)
@@ -152,6 +154,7 @@ void EditorDocument::_record(Step step) {
 void EditorDocument::_exchange(Step& step) {
   std::swap(step.selection, _selection);
   std::swap(step.pixelState, _pixelState);
+  std::swap(step.position, _position);
   const std::vector<Buffer> buffers = _buffers();
   // Channels that were added since the step are not in it.
   for (std::size_t i = 0; i < std::min(buffers.size(), step.planes.size()); ++i)

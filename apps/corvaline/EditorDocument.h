@@ -68,6 +68,8 @@ public:
 
   bool canUndo() const { return !_undo.empty(); }
   bool canRedo() const { return !_redo.empty(); }
+  // A number of its own for each point of this history: the same again after going back to it.
+  int position() const { return _position; }
   void undo() { _move(_undo, _redo); }
   void redo() { _move(_redo, _undo); }
 
@@ -94,6 +96,7 @@ private:
     std::vector<std::vector<std::uint8_t>> planes;
     int pixelState = 0;
     Selection selection;
+    int position = 0;
     std::size_t bytes() const;
   };
   struct Buffer {
@@ -115,6 +118,8 @@ private:
   int _pixelState = 0; // a number of its own for each content the pixels ever had
   int _savedState = 0;
   int _lastState = 0;
+  int _position = 0;
+  int _lastPosition = 0;
 };
 
 } // namespace editor

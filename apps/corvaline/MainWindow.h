@@ -87,6 +87,7 @@ private:
   void _makeViewMenu();
   void _makeFilterMenu();
   void _makeStylePanel(QMenu* menu);
+  void _tryStyle(const LM_style& style);
   void _makeToolBar();
   void _makeStatusBar();
   void _showState();

@@ -35,11 +35,24 @@ void MainWindow::_makeStylePanel(QMenu* menu) {
     else
       _canvas->setFocus();
   });
-  connect(_styles, &StylePanel::chosen, this, qOverload<const LM_style&>(&MainWindow::applyStyle));
+  connect(_styles, &StylePanel::chosen, this, &MainWindow::_tryStyle);
 }
 
 void MainWindow::restorePanels() {
   _styles->setVisible(QSettings().value(PANEL_SETTING, true).toBool());
+}
+
+// Another style in place of the one before, for who looks for one.
+void MainWindow::_tryStyle(const LM_style& style) {
+  if (_filter.isRunning())
+    return;
+  const bool replaces = _styles->isTried();
+  if (replaces)
+    _document.undo();
+  if (applyStyle(style))
+    _styles->noteTried();
+  else if (replaces)
+    _document.redo();
 }
 
 bool MainWindow::applyStyle(const LM_style& style) {

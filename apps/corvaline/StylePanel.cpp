@@ -63,12 +63,15 @@ StylePanel::StylePanel(const EditorDocument& document, QWidget* parent)
   _delay.setSingleShot(true);
   _delay.setInterval(DELAY);
   connect(&_delay, &QTimer::timeout, this, &StylePanel::_refresh);
-  connect(&_document, &EditorDocument::opened, this, &StylePanel::_refreshSoon);
-  connect(&_document, &EditorDocument::pixelsChanged, this, &StylePanel::_refreshSoon);
-  connect(&_document, &EditorDocument::selectionChanged, this, &StylePanel::_refreshSoon);
-  connect(&_document, &EditorDocument::channelsChanged, this, &StylePanel::_refreshSoon);
+  connect(&_document, &EditorDocument::opened, &_delay, qOverload<>(&QTimer::start));
+  connect(&_document, &EditorDocument::pixelsChanged, &_delay, qOverload<>(&QTimer::start));
+  connect(&_document, &EditorDocument::selectionChanged, &_delay, qOverload<>(&QTimer::start));
+  connect(&_document, &EditorDocument::channelsChanged, this, [this] {
+    _pictured = _tried = NEVER;
+    _delay.start();
+  });
   connect(_thumbnails, &StyleThumbnails::made, this, &StylePanel::_setPicture);
-  connect(_thumbnails, &StyleThumbnails::finished, this, [this] { _upToDate = true; });
+  connect(_thumbnails, &StyleThumbnails::finished, this, [this] { _areMade = true; });
   connect(_list, &StyleList::chosen, this, [this](int row) {
     // Held by value: the image changes below, and with it the list.
     const LM_style style = _styles[static_cast<std::size_t>(row)];
@@ -76,15 +79,16 @@ StylePanel::StylePanel(const EditorDocument& document, QWidget* parent)
   });
 }
 
-void StylePanel::showEvent(QShowEvent* event) {
-  QDockWidget::showEvent(event);
-  if (!_upToDate)
-    _refreshSoon();
+bool StylePanel::_isPictured() const {
+  return _document.position() == _pictured || isTried();
 }
 
-void StylePanel::_refreshSoon() {
-  _upToDate = false;
-  _thumbnails->cancel();
+bool StylePanel::isUpToDate() const {
+  return _areMade && _isPictured();
+}
+
+void StylePanel::showEvent(QShowEvent* event) {
+  QDockWidget::showEvent(event);
   _delay.start();
 }
 
@@ -110,12 +114,16 @@ void StylePanel::_readStyles() {
 }
 
 void StylePanel::_refresh() {
-  if (!isVisible())
+  if (!isVisible() || _isPictured())
     return;
+  _thumbnails->cancel();
+  _areMade = false;
   if (_document.isEmpty()) {
     _list->clear();
     return;
   }
+  _pictured = _document.position();
+  _tried = NEVER;
   const auto side = static_cast<int>(PICTURE * devicePixelRatioF());
   limn::ReducedPhotograph photograph = _document.reduced(_document.filterArea(), side);
   _readStyles();

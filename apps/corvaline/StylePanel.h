@@ -29,7 +29,8 @@ protected:
 };
 
 // Makes its pictures again when the image, its channels or the selected area have changed, a moment
-// later and only while it is to be seen.
+// later and only while it is to be seen. While styles are tried one after the other they stay
+// pictures of the image without any.
 class StylePanel : public QDockWidget {
   Q_OBJECT
 
@@ -37,8 +38,12 @@ public:
   StylePanel(const EditorDocument& document, QWidget* parent);
 
   StyleList& list() { return *_list; }
-  // The pictures are those of the present image.
-  bool isUpToDate() const { return _upToDate; }
+  // All pictures are made, of the present image, or of the one that the present style was tried on.
+  bool isUpToDate() const;
+  // The image is the one of the pictures in a style that was chosen here: it can be undone for
+  // another one.
+  bool isTried() const { return _document.position() == _tried; }
+  void noteTried() { _tried = _document.position(); }
 
 Q_SIGNALS:
   void chosen(const LM_style& style);
@@ -47,7 +52,7 @@ protected:
   void showEvent(QShowEvent* event) override;
 
 private:
-  void _refreshSoon();
+  bool _isPictured() const;
   void _refresh();
   void _readStyles();
   void _setPicture(int row, const QImage& picture);
@@ -57,7 +62,10 @@ private:
   StyleThumbnails* _thumbnails;
   QTimer _delay;
   std::vector<LM_style> _styles; // a row each
-  bool _upToDate = false;
+  static constexpr int NEVER = -1;
+  int _pictured = NEVER; // the position in the document's history that the pictures are of
+  int _tried = NEVER;    // the one behind it, where a style was chosen
+  bool _areMade = false;
 };
 
 } // namespace editor

@@ -60,6 +60,25 @@ TEST_F(StylePanelRun, AChosenStyleGivesWhatItsPictureShows) {
     ASSERT_TRUE(awaitPictures());
     EXPECT_EQ(list.currentRow(), row);
   }
+  // One tried after another replaces it.
+  const QImage shown = Shown(*window, 3);
+  for (const int row : {5, 4, 3}) {
+    list.setCurrentRow(row);
+    QTest::keyClick(&list, Qt::Key_Return);
+    QTest::qWait(200);
+    EXPECT_TRUE(window->styles().isUpToDate());
+  }
+  EXPECT_EQ(Shown(*window, 3), shown) << "still of the image without a style";
+  EXPECT_TRUE(ShowsDocument(*window, shown));
+  action("Undo")->trigger();
+  EXPECT_EQ(pixels(), before);
+  EXPECT_FALSE(window->document().canUndo());
+  action("Redo")->trigger();
+  window->document().select({QRect(1, 1, 50, 50), {}});
+  list.setCurrentRow(5);
+  QTest::keyClick(&list, Qt::Key_Return);
+  action("Undo")->trigger();
+  EXPECT_TRUE(ShowsDocument(*window, shown)) << "what is selected anew is lit anew";
   QTest::keyClick(&list, Qt::Key_M);
   EXPECT_EQ(window->canvas().tool(), editor::Tool::Rectangle) << "letters are the window's";
 }
