@@ -89,10 +89,14 @@ private:
   enum class Place { Outside, Style, Lights, Light, Array };
   static constexpr size_t LONGEST_KEY = 40;
 
-  // The parser's message without its own error number.
+  // The parser's message without its own error number, and without what it read last where that is
+  // more than a line.
   static std::string Sentence(std::string_view message) {
+    constexpr size_t LONGEST = 240;
     const size_t end = message.find("] ");
-    return std::string(end == std::string_view::npos ? message : message.substr(end + 2));
+    message.remove_prefix(end == std::string_view::npos ? 0 : end + 2);
+    return std::string(
+        message.substr(0, message.size() > LONGEST ? message.find("; last read") : message.size()));
   }
 
   std::string Path() const {

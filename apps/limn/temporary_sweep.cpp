@@ -4,8 +4,9 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
-#include <filesystem>
+#include <memory>
 #include <set>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -16,9 +17,11 @@ namespace limn {
 namespace {
 
 bool IsTemporaryName(const std::string& name) {
+  int token = 0;
+  int ending = 0;
   int end = 0;
-  return std::sscanf(name.c_str(), ".limn-%*[0-9]-%*16[0-9a-f].tmp%n", &end) == 0 && end > 0 &&
-         static_cast<size_t>(end) == name.size();
+  std::sscanf(name.c_str(), ".limn-%*[0-9]-%n%*16[0-9a-f]%n.tmp%n", &token, &ending, &end);
+  return ending - token == 16 && end > 0 && static_cast<size_t>(end) == name.size();
 }
 
 // Going by a lock, and not by the process number in the name, holds for processes of other machines
@@ -50,13 +53,12 @@ void SweepTemporaries(const std::string& folder) {
   static std::set<std::string> swept;
   if (!swept.insert(folder).second)
     return;
+  // Not by the C++ library's iterator, which ends the program when memory runs out.
+  const std::unique_ptr<DIR, int (*)(DIR*)> listed(opendir(folder.c_str()), closedir);
   std::vector<std::string> found;
-  std::error_code error;
-  const std::filesystem::directory_iterator end;
-  for (std::filesystem::directory_iterator entry(folder, error); !error && entry != end;
-       entry.increment(error))
-    if (IsTemporaryName(entry->path().filename().string()))
-      found.push_back(entry->path().string());
+  while (const dirent* entry = listed != nullptr ? readdir(listed.get()) : nullptr)
+    if (IsTemporaryName(entry->d_name))
+      found.push_back(folder + "/" + entry->d_name);
   for (const std::string& path : found)
     RemoveUnlessHeld(path);
 }
