@@ -11,8 +11,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -57,13 +55,6 @@ protected:
     uint8_t bytes[LM_STYLE_MAX_BYTES];
     const size_t size = LM_EncodeStyle(style, bytes);
     return {reinterpret_cast<const char*>(bytes), size};
-  }
-  // Files of the folder whose names begin with a full stop.
-  int HiddenFiles() const {
-    int hidden = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(Style("")))
-      hidden += entry.path().filename().native()[0] == '.';
-    return hidden;
   }
   bool Replace(const std::string& name) const {
     TB_Str255 text = TB_PString(name);
@@ -176,34 +167,6 @@ TEST_F(StyleLibrary, ReadsAStyleByNameWhateverItsCase) {
   Write("Bad", "BB");
   EXPECT_FALSE(LM_ReadLibraryStyle("Bad", style, why));
   EXPECT_NE(why.find("Bad"), std::string::npos);
-}
-
-// A process that is killed after each of the file operations in turn.
-TEST_F(StyleLibrary, ReplacingLosesNothingWhenKilled) {
-  Use();
-  const std::string old = StyleBytes(11);
-  settings->gloss = 22;
-  Write("Mine", old);
-  const uint64_t before = TB_FileOperationCount();
-  ASSERT_TRUE(Replace("Mine"));
-  const uint64_t operations = TB_FileOperationCount() - before;
-  const std::string complete = Bytes("Mine");
-  for (int delay = 0; delay < 40; ++delay) {
-    Write("Mine", old);
-    const pid_t child = fork();
-    if (child == 0) {
-      for (;;)
-        Replace("Mine");
-    }
-    usleep(static_cast<useconds_t>(200 + delay * 137));
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-    const std::string left = Bytes("Mine");
-    ASSERT_TRUE(left == old || left == complete) << "delay " << delay;
-  }
-  EXPECT_GT(operations, 5U);
-  Use();
-  EXPECT_EQ(HiddenFiles(), 0) << "what dead processes left is swept";
 }
 
 TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALink) {

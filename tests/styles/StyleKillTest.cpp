@@ -1,0 +1,135 @@
+// Saving a style while processes are killed, and while others save, read and sweep: every read sees
+// a whole style, and every save that is let be succeeds.
+#include "LM_globals.h"
+#include "LM_style_codec.h"
+#include "LM_style_fields.h"
+#include "LM_style_library.h"
+#include "LimnResources.h"
+#include "MacResources.h"
+#include "MacStrings.h"
+#include "TemporaryFolder.h"
+
+#include <csignal>
+#include <cstdio>
+#include <random>
+#include <string_view>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+bool isDeep = false;
+
+class StyleKill : public TemporaryFolder {
+protected:
+  void SetUp() override {
+    TemporaryFolder::SetUp();
+    TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
+    setenv("XDG_DATA_HOME", folder.c_str(), 1);
+    settings = LM_NewGlobals();
+    settings->Default();
+    UseLibrary();
+    for (std::string& bytes : whole) {
+      ++settings->gloss;
+      ASSERT_TRUE(Save());
+      bytes = Saved();
+    }
+    ASSERT_NE(whole[0], whole[1]);
+  }
+  void TearDown() override {
+    LM_DestroyGlobals(settings);
+    TemporaryFolder::TearDown();
+  }
+  static void UseLibrary() {
+    std::string why;
+    ASSERT_TRUE(LM_UseStyleLibrary(why)) << why;
+  }
+  bool Save() const {
+    TB_Str255 name = TB_PString("Mine");
+    return LM_ReplaceStyle(name.bytes, settings) != 0;
+  }
+  std::string Saved() const {
+    std::ifstream file(folder / "limn" / "Lighting Styles" / "Mine", std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  bool IsWhole(const std::string& bytes) const { return bytes == whole[0] || bytes == whole[1]; }
+  int HiddenFiles() const {
+    int hidden = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder / "limn/Lighting Styles"))
+      hidden += entry.path().filename().native()[0] == '.';
+    return hidden;
+  }
+  // A process that saves the two styles in turn, `times` of them; it ends with 0 when all
+  // succeeded.
+  pid_t StartSaver(int times) const {
+    const pid_t process = fork();
+    if (process != 0)
+      return process;
+    const int16_t gloss = settings->gloss;
+    bool isSaved = true;
+    for (int i = 0; i < times && isSaved; ++i) {
+      settings->gloss = static_cast<int16_t>(gloss - i % 2);
+      isSaved = Save();
+    }
+    _exit(isSaved ? 0 : 1);
+  }
+  static int EndOf(pid_t process) {
+    int status = -1;
+    waitpid(process, &status, 0);
+    return status;
+  }
+
+  LM_globals* settings = nullptr;
+  std::string whole[2];
+};
+
+TEST_F(StyleKill, KilledAtAnyMoment) {
+  const int moments = isDeep ? 200 : 40;
+  std::mt19937 random(5);
+  int left = 0;
+  for (int i = 0; i < moments; ++i) {
+    const pid_t saver = StartSaver(1'000'000);
+    usleep(static_cast<useconds_t>(random() % 6000));
+    kill(saver, SIGKILL);
+    EndOf(saver);
+    ASSERT_TRUE(IsWhole(Saved())) << i;
+    left = std::max(left, HiddenFiles());
+  }
+  EXPECT_GT(left, 0) << "no moment in the middle of a save was met";
+  UseLibrary();
+  EXPECT_EQ(HiddenFiles(), 0) << "what dead processes left is swept";
+  std::printf("counted: saves killed %d\n", moments);
+}
+
+TEST_F(StyleKill, TwoSavingAtOnceBesideReadersAndSweepers) {
+  const int times = isDeep ? 10000 : 300;
+  const pid_t savers[2] = {StartSaver(times), StartSaver(times)};
+  const pid_t sweeper = fork();
+  if (sweeper == 0) {
+    std::string why;
+    while (LM_UseStyleLibrary(why))
+      usleep(500);
+    _exit(1);
+  }
+  int reads = 0;
+  int status[2] = {};
+  for (int i = 0; i < 2; ++i)
+    for (; waitpid(savers[i], &status[i], WNOHANG) == 0; ++reads)
+      ASSERT_TRUE(IsWhole(Saved()));
+  kill(sweeper, SIGKILL);
+  EXPECT_TRUE(WIFSIGNALED(EndOf(sweeper)));
+  EXPECT_EQ(status[0], 0);
+  EXPECT_EQ(status[1], 0);
+  UseLibrary();
+  EXPECT_EQ(HiddenFiles(), 0);
+  std::printf("counted: saves by each of two processes %d\ncounted: reads beside them %d\n", times,
+              reads);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  isDeep = argc > 1 && std::string_view(argv[1]) == "deep";
+  return RUN_ALL_TESTS();
+}
