@@ -60,7 +60,7 @@ bool MainWindow::copyCommand(const QString& maskPath) {
   QGuiApplication::clipboard()->setText(QFile::decodeName(
       limn::CommandLine({*style, Encoded(image.absoluteFilePath()), OutputFor(image),
                          run.isWhole ? "" : AreaWords(run.area),
-                         run.mask.isNull() ? "" : Encoded(maskPath), run.channels, false})
+                         run.mask.isNull() ? "" : Encoded(maskPath), run.channels})
           .c_str()));
   statusBar()->showMessage(
       run.wasModified

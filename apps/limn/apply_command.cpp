@@ -60,6 +60,8 @@ std::string CommandLine(const ApplyCommand& command) {
     line += " --mask " + FileWord(command.mask);
   for (const std::string& channel : command.channels)
     line += " --channel " + FileWord(channel);
+  if (command.maxPixels != 0)
+    line += " --max-pixels " + std::to_string(command.maxPixels);
   return line + " --style " + ShellWord(ShortJson(command.style));
 }
 

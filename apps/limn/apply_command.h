@@ -5,6 +5,7 @@
 
 #include "LM_style.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,6 +21,7 @@ struct ApplyCommand {
   std::string area;   // "X,Y,W,H", or empty
   std::string mask;   // or empty
   std::vector<std::string> channels;
+  uint64_t maxPixels = 0; // 0: not named
   bool force = false;
 };
 

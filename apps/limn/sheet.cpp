@@ -183,7 +183,8 @@ ExitCode WriteSheet(const SheetOptions& options) {
   const std::vector<SheetStyle> styles = StylesOf(options);
   CheckTarget(options.image, output, existing);
   UseRandomTemporaryToken();
-  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
+                    {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
   const ReadReduction read = ReadReducedPhotograph(options.image, options.channels, options.size);
   for (const std::string& notice : read.notices)

@@ -3,6 +3,7 @@
 
 #include "failure.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct SheetOptions {
   std::vector<std::string> channels;
   int columns = 0; // 0: as many as make a page of a photograph's shape
   int size = 240;  // the longer side of a picture, in pixels
+  uint64_t maxPixels = 0; // as for limn apply
   bool force = false;
   bool quiet = false;
   bool json = false;

@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "max_pixels_option.h"
 #include "sheet.h"
 
 #include <memory>
@@ -38,6 +39,7 @@ void AddSheet(CLI::App& app, Command& command) {
   sheet->add_option("--channel", options->channels, "As for limn apply; may be repeated")
       ->type_name("IMAGE")
       ->allow_extra_args(false);
+  AddMaxPixels(*sheet, options->maxPixels);
   sheet->add_flag("-f,--force", options->force, "Replace an existing file");
   sheet->add_flag("-q,--quiet", options->quiet, "Print nothing but failures");
   sheet->add_flag("--json", options->json,

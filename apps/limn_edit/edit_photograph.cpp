@@ -94,7 +94,7 @@ void PrintCommand(const EditOptions& options, const std::vector<uint8_t>& block,
   const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
   if (style)
     PrintLine(CommandLine({*style, options.image, options.output, options.area, options.mask,
-                           options.channels, options.force}));
+                           options.channels, options.maxPixels, options.force}));
   else
     PrintProblem(options.image + ": no style lights it exactly like this, so there is no command");
 }

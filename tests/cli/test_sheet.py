@@ -89,6 +89,8 @@ class Sheet(support.LimnTest):
             (["in.ppm", "-o", "a.nonsense"], 2, "a.nonsense"),
             (["none.jpg", "-o", "a.png"], 3, "none.jpg: "),
             (["in.ppm", "-o", "a.png", "-s", "No such style"], 3, "No such style: "),
+            (["in.ppm", "-o", "a.png", "--max-pixels", "5000"], 3, "--max-pixels"),
+            (["in.ppm", "-o", "a.png", "-s", '{"lights": 3}'], 3, "the style's JSON: lights: "),
             (["in.ppm", "-o", "a.png", "--size", "9"], 2, "--size"),
             (["in.ppm", "-o", "a.png", "--channel", "small.pgm"], 3, "small.pgm: "),
             (["wide.ppm", "-o", "a.png", "--size", "2048", "--columns", "31"], 2, "would be"),
