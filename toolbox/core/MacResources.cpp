@@ -85,7 +85,8 @@ size_t PlaceOf(const json& list, const json& over, size_t place) {
 // Lays one value over another: objects member by member, lists element by element; null changes
 // nothing. Copies no more than a single value or a text at once, for Document's sake.
 void LayOver(json* base, const json& over) {
-  if (over.is_structured() && over.type() != base->type()) {
+  const bool isCopy = over.is_structured() && over.type() != base->type();
+  if (isCopy) {
     Empty(base);
     *base = json(over.type());
   }
@@ -95,7 +96,7 @@ void LayOver(json* base, const json& over) {
     }
   } else if (over.is_array() && base->is_array()) {
     for (size_t i = 0; i < over.size(); ++i) {
-      LayOver(&(*base)[PlaceOf(*base, over[i], i)], over[i]);
+      LayOver(&(*base)[isCopy ? i : PlaceOf(*base, over[i], i)], over[i]);
     }
   } else if (!over.is_null()) {
     Empty(base);
