@@ -3,6 +3,7 @@
 #include "LM_alerts.h"
 #include "LM_drawing_scopes.h"
 #include "LM_item_drawing.h"
+#include "LM_keyboard.h"
 #include "LM_light_UI_mac.h"
 #include "LM_mac_UI.h"
 #include "LM_preview.h"
@@ -163,7 +164,11 @@ LM_bool LM_DialogFilter(DialogPtr dialog, EventRecord* event, int16_t* item) {
 }
 
 Boolean LM_DialogFilterProc(DialogPtr dialog, EventRecord* event, int16_t* item) {
-  return LM_DialogFilter(dialog, event, item) != 0 ? 1 : 0;
+  if (LM_DialogFilter(dialog, event, item) != 0)
+    return 1;
+  if (LM_globals* globals = LM_GlobalsOfDialog(dialog))
+    LM_DragByKey(dialog, globals, *event);
+  return 0;
 }
 
 void LM_AddNewLight(DialogPtr dialog, LM_globals* globals, LM_bool copy) {

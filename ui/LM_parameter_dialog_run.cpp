@@ -2,6 +2,7 @@
 #include "Cursors.h"
 #include "HostDialogs.h"
 #include "LM_drawing_scopes.h"
+#include "LM_keyboard.h"
 #include "LM_mac_UI.h"
 #include "LM_preview.h"
 #include "LM_style_menu.h"
@@ -32,7 +33,7 @@ struct ItemAction {
 constexpr ItemAction ACTIONS[] = {
     {LM_AMBIENT_COLOR_ITEM, LM_PickAmbientColor}, {LM_LIGHT_COLOR_ITEM, LM_PickLightColor},
     {LM_LIGHT_ON_ITEM, LM_DoLightCheckBox},       {LM_WHITE_IS_HIGH_ITEM, LM_DoBumpCheckBox},
-    {LM_PREVIEW_ON_ITEM, LM_DoPreviewCheckBox},
+    {LM_PREVIEW_ON_ITEM, LM_DoPreviewCheckBox},   {LM_LIGHT_WELL_ITEM, LM_PullLightByKey},
 };
 
 // Does what a hit item that changes settings stands for. True when there is such an item.

@@ -2,6 +2,7 @@
 
 #include "ControlBlock.h"
 #include "DialogWindow.h"
+#include "ItemAccess.h"
 #include "MacStrings.h"
 #include "QDShapes.h"
 
@@ -177,8 +178,11 @@ void SetControlValue(ControlHandle control, short value) {
   const short before = (**control).contrlValue;
   (**control).contrlValue = value;
   KeepValueInside(control);
-  if ((**control).contrlValue != before)
-    DrawControlPart(control, inThumb);
+  if ((**control).contrlValue == before)
+    return;
+  DrawControlPart(control, inThumb);
+  if (DialogWindow* owner = DialogWindow::Of((**control).contrlOwner))
+    TellValueChange(*owner, control);
 }
 
 void SetControlMinimum(ControlHandle control, short minimum) {

@@ -97,6 +97,8 @@ bool ReadItem(const nlohmann::json& json, ItemTemplate& item) {
   item.item.type = static_cast<int16_t>(kind->type | (enabled ? 0 : itemDisable));
   item.item.title = StringMember(json, "title");
   item.item.name = StringMember(json, "name");
+  item.item.isDecoration = kind->kind == ItemKind::UserItem && !enabled;
+  item.item.isPicture = StringMember(json, "role") == "picture";
   item.item.hidden = BoolMember(json, "hidden", false);
   item.item.small = BoolMember(json, "small", false);
   item.item.align = AlignmentOf(StringMember(json, "align"));

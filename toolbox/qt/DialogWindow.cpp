@@ -1,6 +1,8 @@
 #include "DialogWindow.h"
 
 #include "Input.h"
+#include "ItemAccess.h"
+#include "ItemFocus.h"
 #include "TextStyle.h"
 
 #include <QApplication>
@@ -10,6 +12,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QStyleOptionFocusRect>
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
@@ -71,6 +74,7 @@ DialogWindow::DialogWindow(GrafPort* port)
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   FitToScale();
+  OfferDialogsToAssistance();
   Windows().push_back(this);
 }
 
@@ -211,6 +215,20 @@ void DialogWindow::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   painter.setClipRegion(event->region());
   painter.drawImage(QPointF(0, 0), view);
+  DrawFocus(painter);
+}
+
+void DialogWindow::DrawFocus(QPainter& painter) const {
+  const DialogItem* item = Item(focusedItem);
+  if (item == nullptr || item->edit != nullptr || !IsUsable(*item))
+    return;
+  QStyleOptionFocusRect option;
+  option.initFrom(this);
+  const QRectF box(ToQRect(item->box));
+  option.rect = QRectF(box.topLeft() * _scale, box.size() * _scale).toAlignedRect();
+  option.state |= QStyle::State_KeyboardFocusChange | QStyle::State_HasFocus;
+  option.backgroundColor = palette().color(QPalette::Window);
+  style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }
 
 void DialogWindow::mousePressEvent(QMouseEvent* event) {
@@ -223,7 +241,8 @@ void DialogWindow::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void DialogWindow::keyPressEvent(QKeyEvent* event) {
-  Input::Get()->KeyPressed(_port, *event);
+  if (!TakeFocusKey(*this, *event))
+    Input::Get()->KeyPressed(_port, *event);
   event->accept();
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 class DialogWindow;
+class QPainter;
 
 // A real edit field. Keys that belong to the dialog go to the queue of events.
 class EditField : public QLineEdit {
@@ -44,6 +45,8 @@ struct DialogItem {
   std::string title; // of a static text, what it says; ^0 to ^3 not yet filled in
   std::string name;  // what the item is called where it shows no title
   bool hidden = false;
+  bool isDecoration = false; // a user item that is not for clicking
+  bool isPicture = false;    // a user item that shows something
   bool small = false;
   Qt::Alignment align = Qt::AlignLeft;
   UserItemUPP draw = nullptr;
@@ -86,6 +89,7 @@ public:
   AuxWinRec auxiliary{};
   AuxWinRec* auxiliaryMaster = nullptr;
   intptr_t refCon = 0;
+  int focusedItem = 0;  // has the keyboard; see ItemFocus.h
   bool centred = false; // opens in the middle of what is in front then
 
 protected:
@@ -100,6 +104,7 @@ protected:
 private:
   void FitToScale();
   void MoveToMiddle();
+  void DrawFocus(QPainter& painter) const;
 
   GrafPort* _port;
   double _scale = 1;

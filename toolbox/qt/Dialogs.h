@@ -24,6 +24,7 @@
 //   enabled           false: clicks are not reported. Static texts are so unless they say true
 //   hidden            true: not drawn until ShowDialogItem
 //   name              what the item is called where a title is not drawn (user items, popups)
+//   role              "picture": a user item that shows something, and is not pressed
 //   small             true: a static text in font 1, size 9
 //   align             of a static text: left, center or right
 // Unknown members are ignored. Texts have ^0 to ^3 replaced when they are drawn. Another language's
@@ -105,9 +106,11 @@ TB_EXPORT void FlashDialogButton(DialogPtr dialog, int16_t item);
 // released inside (an indicator: when its value changed; a popup: when something was chosen); a
 // click in another item hits it as the button goes down; Return and Enter press item 1, Escape and
 // Command-period item 2, where those are active buttons. Keys typed into an edit field go to it
-// alone, but for Return, Enter, Escape, Tab and those with Command-period. Closing the window, or
-// the program, hits item 2, or item 1 in a dialog without a button 2, again at every call. -1 when
-// no dialog is open.
+// alone, but for Return, Enter, Escape, Tab and those with Command-period. F6, and Tab where the
+// filter leaves it, give the keyboard to the next item, with Shift to the one before; there Space
+// hits it, and arrow keys, Page Up, Page Down, Home and End change a control that has a range and
+// hit it. Assistive programs hit items in the same way. Closing the window, or the program, hits
+// item 2, or item 1 in a dialog without a button 2, again at every call. -1 when no dialog is open.
 TB_EXPORT void ModalDialog(ModalFilterUPP filter, int16_t* itemHit);
 
 #endif

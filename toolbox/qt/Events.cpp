@@ -119,6 +119,18 @@ Boolean WaitNextEvent(short eventMask, EventRecord* event, uint32_t sleepTicks, 
   return FetchEvent(eventMask, event, &window, Milliseconds(sleepTicks)) ? 1 : 0;
 }
 
+void TB_PostDrag(GrafPort* window, Point from, Point to) {
+  const DialogWindow* owner = DialogWindow::Of(window);
+  Input* input = Input::Get();
+  if (owner == nullptr || input == nullptr)
+    return;
+  const auto global = [&](Point point) {
+    const QPointF middle(point.h + 0.5, point.v + 0.5);
+    return owner->mapToGlobal(middle * owner->scale());
+  };
+  input->PostDrag(window, global(from), global(to));
+}
+
 void FlushEvents(short whichMask, short) {
   if (Input* input = Input::Get())
     input->FlushQueue(whichMask);

@@ -8,6 +8,8 @@
 
 #include "MacTypes.h"
 
+struct GrafPort;
+
 enum {
   nullEvent = 0,
   mouseDown = 1,
@@ -46,6 +48,10 @@ enum {
   kOptionKeyCode = 58,
   kEnterKeyCode = 76,
   kForwardDeleteKeyCode = 117,
+  kLeftArrowKeyCode = 123,
+  kRightArrowKeyCode = 124,
+  kDownArrowKeyCode = 125,
+  kUpArrowKeyCode = 126,
   kEnterCharCode = 3,
   kReturnCharCode = 13,
   kEscapeCharCode = 27
@@ -76,6 +82,10 @@ TB_EXPORT Boolean Button();
 // In the current port's coordinates.
 TB_EXPORT void GetMouse(Point* mouse);
 TB_EXPORT void GetKeys(KeyMap keys);
+
+// Puts a drag into the queue, from one point of the window's port to another, as if the mouse had
+// made it with no key held: for programs that can be used without a mouse.
+TB_EXPORT void TB_PostDrag(GrafPort* window, Point from, Point to);
 
 // Takes the next event, waiting up to sleepTicks for it. False, and a null event, when none came.
 TB_EXPORT Boolean WaitNextEvent(short eventMask, EventRecord* event, uint32_t sleepTicks,

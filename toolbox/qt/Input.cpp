@@ -149,6 +149,23 @@ void Input::ReleaseButton() {
   _pressedIn = nullptr;
 }
 
+void Input::RequestItem(WindowPtr window, uint16_t what, int item, short value) {
+  const uint32_t message = static_cast<uint32_t>(item) << 16 | static_cast<uint16_t>(value);
+  Push(what, message, window);
+}
+
+void Input::PostDrag(WindowPtr window, QPointF from, QPointF to) {
+  const QPointF mouse = _mouse;
+  const KeyStates keys = _keys;
+  _keys.fill(0);
+  _mouse = from;
+  Push(mouseDown, 0, window);
+  _mouse = to;
+  Push(mouseUp, 0, window);
+  _mouse = mouse;
+  _keys = keys;
+}
+
 void Input::AbortDrag() {
   ReleaseButton();
   NoteChange();

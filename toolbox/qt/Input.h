@@ -36,6 +36,10 @@ public:
   // Puts a press into the queue. Releases are put there by the watch itself.
   void MousePressed(WindowPtr window);
   void KeyPressed(WindowPtr window, const QKeyEvent& event);
+  // Puts an event of this layer's own into the queue.
+  void RequestItem(WindowPtr window, uint16_t what, int item, short value);
+  // Puts a press and its release into the queue, between two global points, no key held.
+  void PostDrag(WindowPtr window, QPointF from, QPointF to);
   // Ends a drag as if the button had been released.
   void AbortDrag();
   // Drops what is queued for a window that goes away.

@@ -2,6 +2,7 @@
 #include "DialogWindow.h"
 #include "EventQueue.h"
 #include "Input.h"
+#include "ItemFocus.h"
 #include "ModalLoop.h"
 
 #include <bit>
@@ -10,6 +11,7 @@ namespace {
 
 constexpr int16_t NO_ITEM = 0;
 constexpr int16_t NO_DIALOG = -1;
+constexpr uint32_t TAB = 9;
 constexpr int IDLE_MILLISECONDS = 500;
 constexpr short EVERY_EVENT = everyEvent;
 
@@ -80,7 +82,38 @@ int16_t HitByKey(DialogWindow& window, const EventRecord& event) {
     return PressButton(window, kOKItem);
   if (character == kEscapeCharCode || (character == '.' && (event.modifiers & cmdKey) != 0))
     return PressButton(window, kCancelItem);
+  if (character == TAB) {
+    const bool back = (event.modifiers & shiftKey) != 0;
+    MoveItemFocus(window, back ? FocusStep::Backwards : FocusStep::Forwards);
+  }
   return NO_ITEM;
+}
+
+// An item that is used without the mouse.
+int16_t HitByRequest(const DialogWindow& window, const EventRecord& event) {
+  const auto number = static_cast<int16_t>(event.message >> 16);
+  const auto value = static_cast<int16_t>(event.message & 0xFFFF);
+  const DialogItem* item = window.Item(number);
+  if (item == nullptr || !IsUsable(*item))
+    return NO_ITEM;
+  PortScope port(window.port());
+  if (event.what == ITEM_CHANGED) {
+    const short before = GetControlValue(item->control);
+    SetControlValue(item->control, value);
+    return GetControlValue(item->control) != before ? number : NO_ITEM;
+  }
+  switch (item->kind) {
+  case ItemKind::Button:
+    return PressButton(window, number);
+  case ItemKind::Popup:
+    return TrackPopup(item->control) != 0 ? number : NO_ITEM;
+  case ItemKind::CheckBox:
+  case ItemKind::RadioButton:
+  case ItemKind::UserItem:
+    return number;
+  default:
+    return NO_ITEM;
+  }
 }
 
 // Whatever clip region the program has left: what it hid would ask for an update again and again.
@@ -127,6 +160,12 @@ int16_t RunModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter) {
     if (target != nullptr && target != window->port() && event.what != updateEvt)
       continue;
     int16_t item = NO_ITEM;
+    if (event.what == ITEM_PRESSED || event.what == ITEM_CHANGED) {
+      item = HitByRequest(*window, event);
+      if (item != NO_ITEM)
+        return item;
+      continue;
+    }
     if (filter != nullptr && filter(window->port(), &event, &item))
       return item;
     // The filter may have run loops of its own; the window may be gone.

@@ -1,0 +1,134 @@
+// The parameter dialog without a mouse, and for who cannot see it.
+#include "DialogRun.h"
+
+#include "Events.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWidget>
+#include <map>
+
+namespace {
+
+QWidget* Window() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (widget->isVisible() && widget->windowTitle() == "Lighting")
+      return widget;
+  }
+  return nullptr;
+}
+
+// The dialog's items as a screen reader lists them.
+std::map<QString, QAccessibleInterface*> Items() {
+  std::map<QString, QAccessibleInterface*> items;
+  QAccessibleInterface* dialog = QAccessible::queryAccessibleInterface(Window());
+  for (int i = 0; dialog != nullptr && i < dialog->childCount(); ++i)
+    items.emplace(dialog->child(i)->text(QAccessible::Name), dialog->child(i));
+  return items;
+}
+
+void Act(const char* name, const QString& action) {
+  QAccessibleInterface* item = Items().at(name);
+  ASSERT_TRUE(item->actionInterface()->actionNames().contains(action)) << name;
+  item->actionInterface()->doAction(action);
+}
+
+void PressKey(int key) {
+  QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+  QApplication::sendEvent(Window(), &event);
+}
+
+const QString PRESS = QAccessibleActionInterface::pressAction();
+const QString TOGGLE = QAccessibleActionInterface::toggleAction();
+const QString FOCUS = QAccessibleActionInterface::setFocusAction();
+
+struct Told {
+  const char* name;
+  QAccessible::Role role;
+  const char* value;
+};
+
+TEST_F(DialogRun, EveryItemTellsItsNameRoleAndValue) {
+  const Told wanted[] = {{"OK", QAccessible::Button, ""},
+                         {"Save style", QAccessible::Button, ""},
+                         {"Colour of this light", QAccessible::Button, ""},
+                         {"Switched on", QAccessible::CheckBox, ""},
+                         {"Kind of light", QAccessible::ComboBox, "Omni light"},
+                         {"Style", QAccessible::ComboBox, "Default"},
+                         {"Gloss", QAccessible::Slider, "77"},
+                         {"Lights", QAccessible::Graphic, ""},
+                         {"Colour", QAccessible::StaticText, ""}};
+  RunAndCancel([&](ToolboxScript& script) {
+    script.Call([&] {
+      LM_SetControlValue(Dialog(), LM_GLOSS_ITEM, 77);
+      LM_SetControlValue(Dialog(), LM_LIGHT_TYPE_ITEM, 2);
+      const auto items = Items();
+      EXPECT_EQ(items.count(""), 0U);
+      EXPECT_EQ(items.count("Default button"), 0U) << "decoration";
+      for (const Told& told : wanted) {
+        SCOPED_TRACE(told.name);
+        ASSERT_EQ(items.count(told.name), 1U);
+        QAccessibleInterface* item = items.at(told.name);
+        EXPECT_EQ(item->role(), told.role);
+        EXPECT_EQ(item->text(QAccessible::Value), told.value);
+        EXPECT_TRUE(item->isValid());
+        QAccessibleInterface* dialog = item->parent();
+        EXPECT_TRUE(dialog->rect().contains(item->rect()));
+        EXPECT_EQ(dialog->child(dialog->indexOfChild(item)), item);
+      }
+      EXPECT_TRUE(items.at("Delete style")->state().disabled);
+      EXPECT_TRUE(items.at("Switched on")->state().checked);
+      EXPECT_EQ(items.at("Gloss")->valueInterface()->maximumValue(), 255);
+    });
+  });
+}
+
+TEST_F(DialogRun, ItemsAreUsedWithoutAMouse) {
+  RunAndCancel([&](ToolboxScript& script) {
+    script.Call([&] { Items().at("Gloss")->valueInterface()->setCurrentValue(40); })
+        .Call([&] { EXPECT_EQ(Globals()->gloss, 40); })
+        .Call([&] { Act("Gloss", FOCUS); })
+        .KeyPress(kRightArrowKeyCode)
+        .Call([&] { EXPECT_EQ(Globals()->gloss, 41); })
+        .Call([&] { PressKey(Qt::Key_End); })
+        .Call([&] { EXPECT_EQ(Globals()->gloss, 255); })
+        .Call([&] { PressKey(Qt::Key_F6); })
+        .Call([&] { EXPECT_TRUE(Items().at("Material")->state().focused); })
+        .Call([&] { Act("Switched on", TOGGLE); })
+        .Call([&] { EXPECT_NE(Globals()->lights[0].on, 1); })
+        .Call([&] { Act("Switched on", FOCUS); })
+        .Call([&] { PressKey(Qt::Key_Space); })
+        .Call([&] { EXPECT_EQ(Globals()->lights[0].on, 1); })
+        .Call([&] { Act("Kind of light", FOCUS); })
+        .Call([&] { PressKey(Qt::Key_Home); })
+        .Call([&] { EXPECT_EQ(Globals()->lights[0].type, LM_LIGHT_DIRECTIONAL); });
+  });
+}
+
+TEST_F(DialogRun, LightsAreMovedAndAddedWithoutAMouse) {
+  LM_vectori2 before = {};
+  int lights = 0;
+  RunAndCancel([&](ToolboxScript& script) {
+    script.Call([&] {
+      UseLights(2);
+      before = Globals()->lights[0].center;
+      lights = Globals()->numLights;
+    });
+    script.KeyPress(kDownArrowKeyCode).KeyPress(kLeftArrowKeyCode);
+    script.KeyDown(kShiftKeyCode).KeyPress(kRightArrowKeyCode).KeyUp(kShiftKeyCode);
+    script.Call([&] {
+      const LM_vectori2 wanted = {static_cast<int16_t>(before.h + 9),
+                                  static_cast<int16_t>(before.v + 1)};
+      EXPECT_TRUE(Globals()->lights[0].center == wanted);
+      before.h = Globals()->lights[0].radius;
+    });
+    script.KeyDown(kOptionKeyCode).KeyPress(kRightArrowKeyCode).KeyUp(kOptionKeyCode);
+    script.Call([&] { EXPECT_EQ(Globals()->lights[0].radius, before.h + 1); })
+        .Call([&] { Act("Light well", PRESS); })
+        .Wait(100)
+        .Call([&] { EXPECT_EQ(Globals()->numLights, lights + 1); });
+  });
+}
+
+} // namespace
