@@ -1,0 +1,97 @@
+"""The Debian packages: built and checked as `make deb` does, installed in a fresh Debian, used there, removed."""
+
+import glob
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+import support
+from fresh_system import FreshSystem
+
+PROJECT = os.environ["PROJECT"]
+# Packages that are there already are taken as they are.
+PACKAGES = os.environ.get("LIMN_PACKAGES") or os.path.join(os.environ["BUILD"], "packages")
+NAMES = {"limn", "corvaline", "liblimn0", "liblimn-dev", "limn-adapters"}
+STYLE = "Evening Lamp"
+
+
+class Packages(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        if not os.environ.get("LIMN_PACKAGES"):
+            subprocess.run([PROJECT + "/scripts/deb", PACKAGES], check=True)
+        cls.folder = tempfile.mkdtemp(prefix="limn-packages-")
+        cls.addClassCleanup(shutil.rmtree, cls.folder)
+        cls.system = FreshSystem(cls.folder)
+        cls.addClassCleanup(cls.system.close)
+        for package in glob.glob(PACKAGES + "/*.deb"):
+            shutil.copy(package, cls.system.path("/root"))
+        support.write_pnm(cls.system.path("/root/photo.ppm"), support.smooth(160, 120))
+        shutil.copy(PROJECT + "/library/examples/light.c", cls.system.path("/root"))
+
+    def content(self, inside):
+        with open(self.system.path(inside), "rb") as file:
+            return file.read()
+
+    def limn(self, *words):
+        return self.system.run("limn", *words)
+
+    def test_1_are_all_there(self):
+        built = {os.path.basename(path).split("_")[0] for path in glob.glob(PACKAGES + "/*.deb")}
+        self.assertEqual(built, NAMES)
+
+    def test_2_the_command_alone(self):
+        self.system.install(*self.files("limn"))
+        self.assertRegex(self.limn("--version"), r"^limn \d+\.\d+\.\d+ \(vectors: \w+\)\n$")
+        self.limn("apply", "--quiet", "-s", STYLE, "/root/photo.ppm", "-o", "/root/lit.ppm")
+        self.limn("apply", "--quiet", "--through-plugin", "-s", STYLE, "/root/photo.ppm", "-o", "/root/plugin.ppm")
+        here = os.path.join(self.folder, "root/here.ppm")
+        subprocess.run([support.LIMN, "apply", "--quiet", "-s", STYLE, self.system.path("/root/photo.ppm"), "-o", here],
+                       check=True)
+        self.assertEqual(self.content("/root/lit.ppm"), self.content("/root/here.ppm"))
+        self.assertEqual(self.content("/root/plugin.ppm"), self.content("/root/here.ppm"))
+        with self.assertRaisesRegex(RuntimeError, "the dialog is not installed"):
+            self.limn("edit", "/root/photo.ppm", "-o", "/root/edited.ppm")
+
+    def test_3_the_library(self):
+        self.system.install(*self.files("liblimn0", "liblimn-dev"), "gcc", "libc6-dev", "pkg-config")
+        self.system.run("sh", "-c", "cd /root && gcc light.c $(pkg-config --cflags --libs limn) -o light")
+        self.system.run("/root/light", STYLE, "/root/photo.ppm", "/root/library.ppm")
+        self.assertEqual(self.content("/root/library.ppm"), self.content("/root/here.ppm"))
+
+    def test_4_other_programs(self):
+        self.system.install(*self.files("limn-adapters"), "libvips-tools", "ffmpeg", "gegl")
+        self.system.run("vips", "limn", "/root/photo.ppm", "/root/vips.ppm", "--style", STYLE)
+        self.assertEqual(self.content("/root/vips.ppm"), self.content("/root/here.ppm"))
+        self.system.run("ffmpeg", "-v", "error", "-i", "/root/photo.ppm", "-vf", f"frei0r=limn:{STYLE}", "-pix_fmt",
+                        "rgb24", "/root/ffmpeg.ppm")
+        self.assertEqual(self.content("/root/ffmpeg.ppm"), self.content("/root/here.ppm"))
+        self.assertIn("limn:light", self.system.run("gegl", "--list-all"))
+
+    def test_5_the_editor(self):
+        self.system.install(*self.files("corvaline"), "desktop-file-utils", "shared-mime-info", "xdg-utils", "man-db")
+        self.assertIn("1.", self.system.run("corvaline", "--version"))
+        self.limn("style", "show", STYLE, "--json")
+        [style] = glob.glob(self.system.path("/root/.local/share/limn/*/" + STYLE))
+        shutil.copy(style, self.system.path("/root/a style"))
+        self.assertEqual(self.system.run("xdg-mime", "query", "filetype", "/root/a style").strip(),
+                         "application/x-limn-style")
+        self.system.run("update-desktop-database")
+        handlers = self.content("/usr/share/applications/mimeinfo.cache").decode()
+        self.assertIn("application/x-limn-style=limn-style.desktop", handlers)
+        for page in "limn", "corvaline", "limn-style":
+            self.assertTrue(glob.glob(self.system.path(f"/usr/share/man/man?/{page}.?.gz")), page)
+
+    def test_6_leave_nothing(self):
+        self.system.run("apt-get", "purge", "-qy", *NAMES)
+        left = self.system.run("find", "/usr", "/etc", "-name", "*limn*", "-o", "-name", "*corvaline*").split()
+        self.assertEqual(left, [])
+
+    def files(self, *names):
+        return ["/root/" + os.path.basename(path) for name in names for path in glob.glob(f"{PACKAGES}/{name}_*.deb")]
+
+
+if __name__ == "__main__":
+    support.main()
