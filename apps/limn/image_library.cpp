@@ -92,6 +92,9 @@ void Complaints::Check(ExitCode code, const std::string& file) const {
 Failure LibraryFailure(ExitCode code, const std::string& file) {
   const std::string text = vips_error_buffer();
   vips_error_clear();
+  // What libheif calls an allocation error when it declines to allocate.
+  if (const size_t limit = text.find("Security limit"); limit != std::string::npos)
+    return {code, file + ": " + Sentence(text.substr(limit))};
   for (const char* words :
        {"out of memory", "Out of memory", "Insufficient memory", "alloc", "creating thread"})
     if (text.find(words) != std::string::npos)

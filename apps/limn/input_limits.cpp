@@ -56,6 +56,59 @@ void CheckPngTexts(int descriptor, const std::string& path) {
   }
 }
 
+// A TIFF's numbers, in the byte order that it begins with.
+class TiffNumbers {
+public:
+  explicit TiffNumbers(int descriptor) : _descriptor(descriptor) {
+    char start[4] = {};
+    _isTiff = pread(descriptor, start, sizeof start, 0) == sizeof start &&
+              (std::memcmp(start, "II", 2) == 0 || std::memcmp(start, "MM", 2) == 0);
+    _isBigEndian = start[0] == 'M';
+    _isLong = start[_isBigEndian ? 3 : 2] == '+';
+  }
+  bool IsTiff() const { return _isTiff; }
+  bool IsLong() const { return _isLong; } // with 64-bit offsets
+  // 0 behind the file's end.
+  uint64_t At(uint64_t place, int size) const {
+    unsigned char bytes[8] = {};
+    if (place > INT64_MAX - sizeof bytes ||
+        pread(_descriptor, bytes, static_cast<size_t>(size), static_cast<off_t>(place)) != size)
+      return 0;
+    uint64_t number = 0;
+    for (int i = 0; i < size; ++i)
+      number = number << 8 | bytes[_isBigEndian ? i : size - 1 - i];
+    return number;
+  }
+
+private:
+  int _descriptor;
+  bool _isTiff;
+  bool _isBigEndian;
+  bool _isLong;
+};
+
+// Where the pixels are, which the decoder checks against the image's size.
+bool IsPlaceOfPixels(uint64_t tag) {
+  return tag == 273 || tag == 279 || tag == 324 || tag == 325;
+}
+
+// No value of the first page, a profile or a text, may be longer than a photograph's are.
+void CheckTiffValues(int descriptor, const std::string& path) {
+  constexpr uint64_t MOST_VALUES = 32 << 20; // of whatever size, in one tag
+  const TiffNumbers numbers(descriptor);
+  if (!numbers.IsTiff())
+    return;
+  const bool isLong = numbers.IsLong();
+  const uint64_t page = numbers.At(isLong ? 8 : 4, isLong ? 8 : 4);
+  const uint64_t numTags = std::min<uint64_t>(numbers.At(page, isLong ? 8 : 2), UINT16_MAX);
+  for (uint64_t i = 0; i < numTags; ++i) {
+    const uint64_t entry = page + (isLong ? 8 + 20 * i : 2 + 12 * i);
+    if (!IsPlaceOfPixels(numbers.At(entry, 2)) &&
+        numbers.At(entry + 4, isLong ? 8 : 4) > MOST_VALUES)
+      throw Failure(ExitCode::BadInput, path + ": holds more data beside its pixels than is read");
+  }
+}
+
 bool IsDecodedWhole(const vips::VImage& image, Decoding decoding) {
   return decoding == Decoding::Whole || image.get_typeof("interlaced") != 0 ||
          vips_image_get_orientation(image.get_image()) > 1;
@@ -74,6 +127,7 @@ void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
   if (pread(descriptor, start, sizeof start, 0) == sizeof start &&
       std::memcmp(start, "\x89PNG", sizeof start) == 0)
     CheckPngTexts(descriptor, path);
+  CheckTiffValues(descriptor, path);
 }
 
 void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64_t fileLength,

@@ -10,7 +10,8 @@ namespace limn {
 enum class Decoding { ByRows, Whole };
 
 // Before libvips looks at the file. Throws Failure(BadInput) for a file that would have to be read
-// whole and is longer than a photograph can be, and for a PNG whose texts would fill the memory.
+// whole and is longer than a photograph can be, and for a PNG or TIFF whose texts and profiles
+// would fill the memory.
 void CheckContent(int descriptor, Decoding decoding, const std::string& path);
 
 // After its header is read: throws Failure(BadInput) when the image has more pixels than

@@ -72,7 +72,8 @@ def bombs():
     yield "", "profile.png", png(9, 9, (b"iCCP", b"x\0\0" + zlib.compress(bytes(3 * 10**8), 9)))
     yield "", "strip.tif", tiff(30000, 30000)
     yield "", "tile.tif", tiff(9, 9, (322, 4, 1, 32000), (323, 4, 1, 32000), (324, 4, 1, 8), (325, 4, 1, 100))
-    yield "", "profile.tif", tiff(9, 9, (34675, 7, 0x7FFFFFFF, 8))
+    yield "beside its pixels", "profile.tif", tiff(9, 9, (34675, 7, 0x7FFFFFFF, 8))
+    yield "beside its pixels", "texts.tif", tiff(9, 9, (700, 1, 10**9, 8))
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
 
 
@@ -107,6 +108,18 @@ class Surroundings(support.LimnTest):
         for name, start in [("long.webp", webp(9, 9)), ("long.gif", gif(9, 9))]:
             sparse(name, 3 << 30, start)
             self.measured("apply", name, "-o", "out.png", code=BAD_INPUT, says="is longer than")
+        support.write_pnm("s.ppm", support.smooth(160, 120))
+        for kind, options, mark in [("jpg", "[interlace]", b"\xff\xc2"), ("heic", "", b"ispe"), ("avif", "", b"ispe")]:
+            for side in [14000, 30000]:
+                support.vips("copy", "s.ppm", "s." + kind + options)
+                with open("s." + kind, "rb") as file:
+                    content = bytearray(file.read())
+                at = content.index(mark) + (5 if kind == "jpg" else 8)
+                sides = struct.pack(">HH" if kind == "jpg" else ">II", side, side)
+                content[at : at + len(sides)] = sides
+                put("grown." + kind, content)
+                self.measured("apply", "grown." + kind, "-o", "out.png", code=BAD_INPUT, says=f"{side}")
+                number += 1
         print(f"counted: bombs refused {number + 2}")
 
     def test_max_pixels(self):
