@@ -5,7 +5,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test test-deep build deps test-sanitize test-portable test-machines fuzz bench bench-peers plots docs-pictures lint format format-check install deb clean
+.PHONY: help demo test test-deep build deps test-sanitize test-portable test-machines fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -51,6 +51,9 @@ test-machines: build ## The same, and with clang, the thread sanitizer, valgrind
 
 fuzz: deps ## Let every fuzzer search for TIME seconds, or RUNS executions
 	scripts/fuzz $(FUZZERS)
+
+fuzz-quick: deps ## The same for a few seconds each, from one seed
+	TIME=10 SEED=1 scripts/fuzz $(FUZZERS)
 
 bench: build ## Measure the shading and the preview
 	$(BUILD)/bin/bench_shading
