@@ -26,14 +26,13 @@ class FreshSystem:
             for path in glob.glob("/etc/apt/" + pattern):
                 shutil.copy(path, folder + path)
         shutil.copy("/etc/resolv.conf", folder + "/etc/resolv.conf")
-        self.mounts = []
-        for place in "proc", "dev":
-            subprocess.run(["mount", "--bind", "/" + place, f"{folder}/{place}"], check=True)
-            self.mounts.append(f"{folder}/{place}")
+        subprocess.run(["mount", "-t", "proc", "proc", folder + "/proc"], check=True)
 
     def close(self):
-        for place in self.mounts:
-            subprocess.run(["umount", "--lazy", place], check=True)
+        """Removes it all, and nothing beyond it."""
+        os.chdir("/")
+        subprocess.run(["umount", self.folder + "/proc"], check=False)
+        subprocess.run(["rm", "-rf", "--one-file-system", self.folder], check=False)
 
     def run(self, *words, **options):
         environment = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/root",
