@@ -177,7 +177,7 @@ CVResult CVFilterRun::_walk() {
 
 CVResult CVFilterRun::execute() noexcept {
   // What throws on the way is the memory of a message, or a function of the caller's.
-  const auto guarded = [this](auto work) noexcept -> CVResult {
+  const auto guarded = [](auto work) noexcept -> CVResult {
     try {
       return work();
     } catch (const std::bad_alloc&) {
