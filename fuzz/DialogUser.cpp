@@ -93,8 +93,12 @@ void DialogUser::ActByInput() {
     const QString text{QLatin1Char(static_cast<char>(_input->Byte()))};
     return SendKey(text.toUpper()[0].unicode(), text);
   }
-  default:
-    SendKey(KEYS[_input->Byte() % std::size(KEYS)]);
+  default: {
+    const int key = KEYS[_input->Byte() % std::size(KEYS)];
+    const bool ends = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+    if (!ends || Front() != _first || MayEnd())
+      SendKey(key);
+  }
   }
 }
 
@@ -109,7 +113,7 @@ void DialogUser::Move() {
     _place = QPoint(WORK_AREA_MIDDLE.h + (h - 128) / 2, WORK_AREA_MIDDLE.v + (v - 128) / 2);
   else if (kind == 2)
     _place = QPoint(h * 3 - 40, v * 2 - 40);
-  else
+  else if (h % LM_STYLE_TITLE_ITEM >= LM_CANCEL_ITEM || MayEnd()) // 0 and 1: OK and Cancel
     _place = PlaceInItem(h, v);
 }
 
