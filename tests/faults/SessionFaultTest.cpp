@@ -33,7 +33,7 @@ enum Service { NEXT_TILE, QUERY_PROPERTY, SHOW_PIXELS, PICK_COLOR, TEST_CANCEL, 
 const char* const SERVICE_NAMES[] = {"nextTile", "queryProperty", "showPixels", "colorPicker",
                                      "testCancel"};
 constexpr int16_t TROUBLE = -4321;
-constexpr int ROWS = 23; // no divisor of a tile's
+constexpr int ROWS = 89; // no divisor of a tile's, so that every row of one has its turn
 
 struct {
   Service service;
