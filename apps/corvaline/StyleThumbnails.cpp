@@ -21,6 +21,20 @@ QImage ThumbnailImage(const limn::ReducedPhotograph& photograph,
 
 StyleThumbnails::StyleThumbnails(QObject* parent) : QObject(parent) {
   _pool.setMaxThreadCount(1);
+  connect(
+      this, &StyleThumbnails::madeFor, this,
+      [this](int turn, int index, const QImage& picture) {
+        if (turn == _turn)
+          Q_EMIT made(index, picture);
+      },
+      Qt::QueuedConnection);
+  connect(
+      this, &StyleThumbnails::finishedFor, this,
+      [this](int turn) {
+        if (turn == _turn)
+          Q_EMIT finished();
+      },
+      Qt::QueuedConnection);
 }
 
 StyleThumbnails::~StyleThumbnails() {
@@ -30,24 +44,15 @@ StyleThumbnails::~StyleThumbnails() {
 
 void StyleThumbnails::make(limn::ReducedPhotograph photograph, std::vector<LM_style> styles) {
   const int turn = ++_turn;
-  const auto tell = [this, turn](auto signal) {
-    QMetaObject::invokeMethod(
-        this,
-        [this, turn, signal] {
-          if (turn == _turn)
-            signal();
-        },
-        Qt::QueuedConnection);
-  };
-  _pool.start([this, turn, tell, photograph = std::move(photograph), styles = std::move(styles)] {
+  _pool.start([this, turn, photograph = std::move(photograph), styles = std::move(styles)] {
     for (std::size_t i = 0; i < styles.size(); ++i) {
       if (turn != _turn)
         return;
       const QImage picture = ThumbnailImage(photograph, limn::LitThumbnail(photograph, styles[i]));
       if (!picture.isNull())
-        tell([this, i, picture] { Q_EMIT made(static_cast<int>(i), picture); });
+        Q_EMIT madeFor(turn, static_cast<int>(i), picture);
     }
-    tell([this] { Q_EMIT finished(); });
+    Q_EMIT finishedFor(turn);
   });
 }
 

@@ -33,6 +33,9 @@ Q_SIGNALS:
   // On the window's thread. A style whose picture could not be made is passed over.
   void made(int index, const QImage& picture);
   void finished();
+  // On the other thread.
+  void madeFor(int turn, int index, const QImage& picture);
+  void finishedFor(int turn);
 
 private:
   std::atomic<int> _turn{0}; // what is made for an earlier one is not wanted any more
