@@ -21,12 +21,14 @@
 
 namespace {
 
-constexpr double UNIT = LM_FRAME_SIZE / 2;
+constexpr double UNIT = LM_FRAME_SIZE / 2.0;
 constexpr int AMBIENT_SCALE = 64;
 constexpr int MOST = INT16_MAX;
 constexpr int FULL = 65535;
 
 template <class Plain> bool SameBits(const Plain& one, const Plain& other) {
+  // Two zeros may shade differently, and a value that is no number shades as itself.
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
   return std::memcmp(&one, &other, sizeof one) == 0;
 }
 
