@@ -23,7 +23,7 @@ struct ApplyOptions {
   std::string mask;
   std::vector<std::string> channels;
   uint64_t maxPixels = 0; // 0: the usual limits
-  int jobs = 0; // 0: as many as there are processors
+  int jobs = 0;           // 0: as many as there are processors
   bool isThroughPlugin = false;
   bool force = false;
   bool quiet = false;

@@ -14,8 +14,8 @@ struct SheetOptions {
   std::string output;
   std::vector<std::string> styles; // none: all of the library
   std::vector<std::string> channels;
-  int columns = 0; // 0: as many as make a page of a photograph's shape
-  int size = 240;  // the longer side of a picture, in pixels
+  int columns = 0;        // 0: as many as make a page of a photograph's shape
+  int size = 240;         // the longer side of a picture, in pixels
   uint64_t maxPixels = 0; // as for limn apply
   bool force = false;
   bool quiet = false;

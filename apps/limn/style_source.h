@@ -35,9 +35,9 @@ std::vector<LM_listed_style> AllStyles();
 // Whether the name is a style itself, as JSON.
 bool IsJson(const std::string& name);
 
-// name: a style as JSON, a file, or the name of a style in the user's library or among the bundled ones; the first
-// that exists, in this order. An empty name means the default style. Without a library there are
-// still the bundled ones. Throws Failure(BadInput).
+// name: a style as JSON, a file, or the name of a style in the user's library or among the bundled
+// ones; the first that exists, in this order. An empty name means the default style. Without a
+// library there are still the bundled ones. Throws Failure(BadInput).
 NamedStyle FindStyle(const std::string& name);
 
 // Applies one "KEY=VALUE" setting. Throws Failure(WrongUsage).

@@ -10,9 +10,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+// Each look at what leaked takes a tenth of a second, and so does each process on an emulated
+// machine.
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/lsan_interface.h>
-constexpr bool IS_SLOW = true; // a tenth of a second for each look at what leaked
+constexpr bool IS_SLOW = true;
+#elif defined(LIMN_EMULATED)
+constexpr bool IS_SLOW = true;
 #else
 constexpr bool IS_SLOW = false;
 #endif

@@ -33,7 +33,8 @@ enum Service { NEXT_TILE, QUERY_PROPERTY, SHOW_PIXELS, PICK_COLOR, TEST_CANCEL, 
 const char* const SERVICE_NAMES[] = {"nextTile", "queryProperty", "showPixels", "colorPicker",
                                      "testCancel"};
 constexpr int16_t TROUBLE = -4321;
-constexpr int ROWS = 89; // no divisor of a tile's, so that every row of one has its turn
+constexpr int ROWS =
+    89; // between two rows at which the user cancels; shares no factor with a tile's
 
 struct {
   Service service;
