@@ -33,8 +33,10 @@ set(LIMN_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize="
 
 find_program(LIMN_CCACHE ccache)
 if(LIMN_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${LIMN_CCACHE})
-  set(CMAKE_C_COMPILER_LAUNCHER ${LIMN_CCACHE})
+  # With names below a base folder, one checkout finds what another compiled.
+  set(launcher ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${LIMN_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+  set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
 endif()
 
 # Output bytes depend on every single rounding: products and sums are never fused.
