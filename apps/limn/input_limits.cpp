@@ -3,8 +3,10 @@
 #include "failure.h"
 #include "image_file.h"
 #include "image_library.h"
+#include "posix_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -36,8 +38,9 @@ int64_t TextOf(const char (&type)[4], int64_t length) {
   return std::min(LONGEST_TEXT, isDeflated ? length * DEFLATE_GROWTH : length);
 }
 
-// Adds up the texts in front of the pixels.
-void CheckPngTexts(int descriptor, const std::string& path) {
+// Adds up the texts in front of the pixels. A chunk that claims more than there is would be given
+// the memory that it claims.
+void CheckPngTexts(int descriptor, int64_t fileLength, const std::string& path) {
   struct {
     unsigned char length[4];
     char type[4];
@@ -49,6 +52,8 @@ void CheckPngTexts(int descriptor, const std::string& path) {
                            chunk.length[2] << 8 | chunk.length[3];
     if (std::memcmp(chunk.type, "IDAT", sizeof chunk.type) == 0)
       return;
+    if (length > fileLength - at)
+      throw Failure(ExitCode::BadInput, path + ": ends before its pixels");
     text += TextOf(chunk.type, length);
     if (text > MOST_TEXT || i == MOST_CHUNKS)
       throw Failure(ExitCode::BadInput, path + ": holds more text beside its pixels than is read");
@@ -118,15 +123,16 @@ bool IsDecodedWhole(const vips::VImage& image, Decoding decoding) {
 
 void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
   struct stat status {};
-  if (decoding == Decoding::Whole && fstat(descriptor, &status) == 0 &&
-      status.st_size > LONGEST_WHOLE_FILE)
+  if (fstat(descriptor, &status) != 0)
+    throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
+  if (decoding == Decoding::Whole && status.st_size > LONGEST_WHOLE_FILE)
     throw Failure(ExitCode::BadInput, path + ": is longer than " +
                                           std::to_string(LONGEST_WHOLE_FILE) +
                                           " bytes, the most of its format that is read");
   char start[4] = {};
   if (pread(descriptor, start, sizeof start, 0) == sizeof start &&
       std::memcmp(start, "\x89PNG", sizeof start) == 0)
-    CheckPngTexts(descriptor, path);
+    CheckPngTexts(descriptor, status.st_size, path);
   CheckTiffValues(descriptor, path);
 }
 
