@@ -148,5 +148,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   inputIsThere.release();
   inputIsDone.acquire();
+  input = nullptr;
   return 0;
 }
