@@ -51,6 +51,8 @@ LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID) {
     return 0;
   Str255 name;
   GetIndString(name, STYLE_FOLDER_NAME_LIST, 1);
+  if (name[0] == 0) // there was no memory for it, and no name means the folder above
+    return 0;
   *vRefNum = volume.ioWDVRefNum;
   if (LookUpFolder(*vRefNum, volume.ioWDDirID, name, dirID))
     return 1;

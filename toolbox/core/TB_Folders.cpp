@@ -106,12 +106,13 @@ int32_t TB_FolderID(const std::string& path) {
   }
   State& state = Shared();
   std::lock_guard lock(state.mutex);
-  auto [known, isNew] = state.ids.try_emplace(path, 0);
-  if (isNew) {
-    state.paths.push_back(path);
-    known->second = FIRST_ID + static_cast<int32_t>(state.paths.size() - 1);
+  const auto known = state.ids.find(path);
+  if (known != state.ids.end()) {
+    return known->second;
   }
-  return known->second;
+  // In this order no number without a folder stays behind when memory runs out.
+  state.paths.push_back(path);
+  return state.ids[path] = FIRST_ID + static_cast<int32_t>(state.paths.size() - 1);
 }
 
 OSErr TB_FolderPath(int16_t vRefNum, int32_t dirID, std::string* path) {
