@@ -16,6 +16,8 @@ constexpr unsigned LM_MAX_STYLE_NAME = 31;
 
 // Finds the style folder, in the default directory, and creates it if it is not there.
 LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID);
+// The same, and why not: memFullErr for want of memory, anything else for want of the folder.
+OSErr LM_FindStyleFolder(int16_t* vRefNum, int32_t* dirID);
 
 // Writes one style file. Open, write, Close; one file in a stream's life at a time.
 class LM_style_ostream {

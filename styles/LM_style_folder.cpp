@@ -11,15 +11,17 @@ namespace {
 
 constexpr int16_t STYLE_FOLDER_NAME_LIST = 138;
 
-bool LookUpFolder(int16_t vRefNum, int32_t parent, StringPtr name, int32_t* dirID) {
+OSErr LookUpFolder(int16_t vRefNum, int32_t parent, StringPtr name, int32_t* dirID) {
   CInfoPBRec block = {};
   block.hFileInfo.ioNamePtr = name;
   block.hFileInfo.ioVRefNum = vRefNum;
   block.hFileInfo.ioDirID = parent;
-  if (PBGetCatInfo(&block, 0) != noErr || (block.hFileInfo.ioFlAttrib & kFolderBit) == 0)
-    return false;
+  if (const OSErr result = PBGetCatInfo(&block, 0); result != noErr)
+    return result;
+  if ((block.hFileInfo.ioFlAttrib & kFolderBit) == 0)
+    return dirNFErr;
   *dirID = block.hFileInfo.ioDirID;
-  return true;
+  return noErr;
 }
 
 // A named file of the style folder.
@@ -43,23 +45,28 @@ struct FolderFile {
 
 } // namespace
 
-LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID) {
+OSErr LM_FindStyleFolder(int16_t* vRefNum, int32_t* dirID) {
   WDPBRec volume = {};
   if (LM_StyleLibraryIsMissing())
-    return 0;
-  if (PBHGetVol(&volume, 0) != noErr)
-    return 0;
+    return dirNFErr;
+  if (const OSErr result = PBHGetVol(&volume, 0); result != noErr)
+    return result;
   Str255 name;
   GetIndString(name, STYLE_FOLDER_NAME_LIST, 1);
   if (name[0] == 0) // there was no memory for it, and no name means the folder above
-    return 0;
+    return memFullErr;
   *vRefNum = volume.ioWDVRefNum;
-  if (LookUpFolder(*vRefNum, volume.ioWDDirID, name, dirID))
-    return 1;
+  const OSErr found = LookUpFolder(*vRefNum, volume.ioWDDirID, name, dirID);
+  if (found == noErr || found == memFullErr)
+    return found;
   int32_t created = 0;
-  if (DirCreate(*vRefNum, volume.ioWDDirID, name, &created) != noErr)
-    return 0;
-  return LookUpFolder(*vRefNum, volume.ioWDDirID, name, dirID) ? 1 : 0;
+  if (const OSErr result = DirCreate(*vRefNum, volume.ioWDDirID, name, &created); result != noErr)
+    return result;
+  return LookUpFolder(*vRefNum, volume.ioWDDirID, name, dirID);
+}
+
+LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID) {
+  return LM_FindStyleFolder(vRefNum, dirID) == noErr ? 1 : 0;
 }
 
 LM_bool LM_style_ostream::Erase(StringPtr name) {

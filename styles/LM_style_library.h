@@ -46,7 +46,7 @@ std::vector<LM_listed_style> LM_ListStyles();
 std::vector<std::string> LM_StyleNames();
 
 // Reads the style of that name, or one whose name differs only by case and marks. False with a
-// sentence that names the style.
+// sentence that names the style. Throws std::bad_alloc.
 bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& why);
 
 // Replaces a style of the folder by the settings. At every moment, also after a crash, the name

@@ -1,5 +1,6 @@
 // Listing the style folder in one walk, and reading a style by its name.
 #include <algorithm>
+#include <new>
 
 #include "LM_mac_stream.h"
 #include "LM_style_codec.h"
@@ -100,7 +101,10 @@ std::vector<std::string> LM_StyleNames() {
 
 bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& why) {
   LM_style_place folder = {};
-  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0) {
+  const OSErr found = LM_FindStyleFolder(&folder.vRefNum, &folder.dirID);
+  if (found == memFullErr)
+    throw std::bad_alloc();
+  if (found != noErr) {
     why = "There is no style folder.";
     return false;
   }

@@ -49,7 +49,7 @@ class Users(LimnTest):
         answer = subprocess.run(["./light", "no.json", "in.ppm", "c.ppm"], capture_output=True, text=True,
                                 env={**os.environ, "LD_LIBRARY_PATH": library})
         self.assertEqual((answer.returncode, answer.stderr),
-                         (1, "light: no.json: No such file or directory\n"))
+                         (1, "light: no.json: no such file or directory\n"))
 
     def test_exports_what_the_header_documents(self):
         symbols = subprocess.run(["nm", "-D", "--defined-only", "--format=posix", LIBLIMN], check=True,
