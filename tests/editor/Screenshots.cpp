@@ -3,6 +3,7 @@
 #include "EditorTexts.h"
 #include "ImageFiles.h"
 #include "MainWindow.h"
+#include "StylePanel.h"
 
 #include "Events.h"
 #include "ToolboxDesktop.h"
@@ -10,11 +11,14 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QStyleFactory>
 
 #include <cstdio>
 
 namespace {
+
+constexpr int MOST_PATIENCE = 20000; // in milliseconds, for the styles' pictures
 
 QPalette DarkPalette() {
   const QColor window(46, 47, 51), base(33, 34, 37), text(232, 232, 234), faint(128, 129, 134);
@@ -66,7 +70,7 @@ bool TakePictures(const QStringList& arguments) {
   if (const CVResult loaded = editor::LoadFilter(plugin); !loaded.ok())
     return false;
   editor::MainWindow window(plugin);
-  window.resize(1000, 720);
+  window.resize(1180, 720);
   window.show();
   Settle();
   if (!window.open(arguments.at(1)) || !window.loadChannel(arguments.at(2)) ||
@@ -76,8 +80,13 @@ bool TakePictures(const QStringList& arguments) {
   document.select({{}, SoftMask(document.size())});
   for (QAction* action : window.findChildren<QAction*>("brush"))
     action->trigger();
-  Settle();
-  return window.grab().save(folder + "/editor-" + suffix + ".png");
+  editor::StylePanel& styles = window.styles();
+  styles.show();
+  QElapsedTimer sinceShown;
+  sinceShown.start();
+  while (!styles.isUpToDate() && !sinceShown.hasExpired(MOST_PATIENCE))
+    QApplication::processEvents(QEventLoop::AllEvents, 50);
+  return styles.isUpToDate() && window.grab().save(folder + "/editor-" + suffix + ".png");
 }
 
 } // namespace
