@@ -40,7 +40,10 @@ protected:
   // Opens the dialog, does the steps, cancels it.
   int16_t RunAndCancel(const std::function<void(ToolboxScript&)>& steps);
 
-  LM_globals* Globals() const { return reinterpret_cast<LM_globals*>(slot); }
+  // The contract keeps the plug-in's pointer as a number.
+  LM_globals* Globals() const {
+    return reinterpret_cast<LM_globals*>(slot); // NOLINT(performance-no-int-to-ptr)
+  }
   DialogPtr Dialog() const { return Globals()->dialog; }
   // So many omni lights in a row, the first one selected, shown by the controls.
   void UseLights(int count) const;
