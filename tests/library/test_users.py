@@ -3,7 +3,6 @@ it makes of pixels is what the command makes of the same picture."""
 
 import ctypes
 import os
-import re
 import subprocess
 import unittest
 
@@ -33,13 +32,11 @@ class Users(LimnTest):
         # The file names its own prefix, wherever the tree was put.
         flags = subprocess.run(["pkg-config", f"--define-variable=prefix={prefix}", "--cflags", "--libs", pc],
                                check=True, capture_output=True, text=True).stdout.split()
-        flags = ["-pedantic", "-Wall", "-Wextra", "-Werror", *flags, "-o", "light"]
+        strict = ["-pedantic", "-Wall", "-Wextra", "-Werror"]
         source = os.path.join(EXAMPLES, "light.c")
-        for compiler in (os.environ["CC"], "-std=c99", "-xc"), (os.environ["CXX"], "-std=c++98", "-Wno-long-long", "-xc++"):
-            # The C++ compiler only reads the header: the example is C.
-            text = f"-include{prefix}/include/limn.h" if "++" in compiler[-1] else source
-            what = [text, "-fsyntax-only", "/dev/null"] if "++" in compiler[-1] else [source]
-            subprocess.run([*compiler, *what, *flags], check=True)
+        subprocess.run([os.environ["CC"], "-std=c99", *strict, source, *flags, "-o", "light"], check=True)
+        subprocess.run([os.environ["CXX"], "-std=c++98", "-Wno-long-long", *strict, "-fsyntax-only", "-xc++",
+                        f"{prefix}/include/limn.h"], check=True)
         support.write_pnm("in.ppm", support.smooth(61, 47))
         for style, of_command in ("style.json", "style.json"), ("Raking Light", "Raking Light"):
             subprocess.run(["./light", style, "in.ppm", "c.ppm"], check=True, capture_output=True,
@@ -50,14 +47,6 @@ class Users(LimnTest):
                                 env={**os.environ, "LD_LIBRARY_PATH": library})
         self.assertEqual((answer.returncode, answer.stderr),
                          (1, "light: no.json: no such file or directory\n"))
-
-    def test_exports_what_the_header_documents(self):
-        symbols = subprocess.run(["nm", "-D", "--defined-only", "--format=posix", LIBLIMN], check=True,
-                                 capture_output=True, text=True).stdout
-        exported = {line.split("@")[0] for line in symbols.splitlines() if line.split()[1] != "A"}
-        with open(os.path.join(EXAMPLES, "../limn.h"), encoding="utf-8") as header:
-            declared = set(re.findall(r"^LIMN_API [^(]*?\b(limn_\w+)\(", header.read(), re.MULTILINE))
-        self.assertEqual(exported, declared)
 
     def test_from_python(self):
         os.environ.setdefault("LIBLIMN", LIBLIMN)
