@@ -40,7 +40,7 @@ deps: ## Install the Debian packages that building and testing need
 test-sanitize: ## Build with the address and undefined-behaviour sanitizers and run the tests
 	cmake --preset sanitize $(SANITIZE_OPTIONS)
 	cmake --build --preset sanitize -j $(JOBS)
-	cd build-sanitize && ctest --output-on-failure -j $(JOBS)
+	ctest --preset sanitize -j $(JOBS)
 
 test-portable: ## Run the tests with 32-bit pointers, and on an emulated 32-bit big-endian machine
 	scripts/test-machines 32-bit big-endian

@@ -115,12 +115,6 @@ void UseDialogs() {
 
 } // namespace
 
-// The font library keeps what it has read; that is no leak of ours.
-extern "C" const char* __lsan_default_suppressions(); // NOLINT: the sanitizer's own name
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libfontconfig\n";
-}
-
 // A clock that runs ahead, so that a button's flash takes no time.
 extern "C" __attribute__((visibility("default"))) int clock_gettime(clockid_t clock,
                                                                     timespec* time) {

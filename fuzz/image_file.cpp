@@ -14,12 +14,6 @@
 
 using namespace limn;
 
-// libheif 1.15 forgets the few bytes that dav1d holds for a picture without data.
-extern "C" const char* __lsan_default_suppressions(); // NOLINT: the sanitizer's own name
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libdav1d\n";
-}
-
 namespace {
 
 constexpr int LARGEST_SIDE = 300; // what is larger only takes longer
