@@ -12,6 +12,10 @@ void Allocate(LM_cache& cache, size_t bytes) {
     cache.buffer = LM_NewPtr(bytes);
 }
 
+bool HasBothCaches(const LM_light_UI& light) {
+  return light.UseDiffuseCache() == 1 && light.UseSpecularCache() == 1;
+}
+
 // The object's caches, for what is done to all of them alike.
 struct AllCaches {
   explicit AllCaches(LM_globals& g)
@@ -37,8 +41,15 @@ void LM_globals::AllocateCaches(unsigned long width, unsigned long height, LM_bo
   }
   Allocate(diffuseSumCache, sizeof(LM_color96) * samples);
   Allocate(specularSumCache, sizeof(LM_color96) * samples);
-  for (int i = 0; i < numLights && i < LM_MAX_LIGHTS; ++i)
+  for (int i = 0; i < numLights && i < LM_MAX_LIGHTS; ++i) {
+    const bool hadBoth = HasBothCaches(lights[i]);
     lights[i].AllocateCaches(static_cast<unsigned long>(samples));
+    // Sums that are there without the light's own caches would never fill them.
+    if (!hadBoth && HasBothCaches(lights[i])) {
+      DiffuseSumCacheHot(0);
+      SpecularSumCacheHot(0);
+    }
+  }
 }
 
 void LM_globals::FreeCaches() {
