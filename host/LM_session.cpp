@@ -150,6 +150,9 @@ int16_t RunDialog(FilterRecord* record, LM_globals* g) {
   foo* params = LM_Parameters(record);
   if (params == nullptr)
     return CV_RESULT_STOPPED;
+  // Runs without a dialog leave no settings that this one could go on from.
+  if (g->numLights == 0)
+    g->SetUseCurrentSettings(0);
   if (g->UseCurrentSettings() == 0)
     UseNamedStyle(g);
   const int16_t result = g->UseCurrentSettings() == 1

@@ -72,6 +72,23 @@ TEST_F(InteractiveRun, CancelForgetsAFirstRunAndRestoresALaterOne) {
   EXPECT_EQ(host.out, lit) << "the kept block is that of the last OK";
 }
 
+// A repeat of kept parameters finishes without ever having had settings.
+TEST_F(InteractiveRun, BehindARepeatTheDialogBeginsWithDefaults) {
+  ScriptedHost host(40, 30, SessionEntry);
+  host.KeepParameters(OneLight(false));
+  ASSERT_EQ(host.Run(), CV_RESULT_OK);
+  const std::vector<uint8_t> lit = host.out;
+  int lights = 0;
+  dialog.action = [&](LM_globals* g) {
+    lights = g->numLights;
+    return CV_RESULT_STOPPED;
+  };
+  EXPECT_EQ(RunWithDialog(host), CV_RESULT_STOPPED);
+  EXPECT_EQ(lights, 1);
+  ASSERT_EQ(host.Run(), CV_RESULT_OK);
+  EXPECT_EQ(host.out, lit) << "a cancelled dialog changes no kept parameters";
+}
+
 TEST_F(InteractiveRun, WithoutADialogAnInteractiveRunIsRefused) {
   LM_SetDialogServices(nullptr);
   ScriptedHost host(8, 8, SessionEntry);
