@@ -1,21 +1,15 @@
 #include "LM_entry.h"
 
-#include <new>
-
 #include "LM_session.h"
 #include "LimnResources.h"
 #include "MacResources.h"
 
 int LM_AnswerHost(int selector, void* record, intptr_t* data, int16_t* result) noexcept {
-  constexpr int16_t FAILED = -36;
-  try {
+  *result = LM_ResultOf([&] {
     static const Boolean carried = TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
     static_cast<void>(carried);
     LM_AnswerCall(static_cast<int16_t>(static_cast<uint16_t>(selector)), record, data, result);
-  } catch (const std::bad_alloc&) {
-    *result = CV_RESULT_NO_MEMORY;
-  } catch (...) {
-    *result = FAILED;
-  }
+    return *result;
+  });
   return 0;
 }

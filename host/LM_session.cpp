@@ -95,6 +95,16 @@ int16_t ContinueRealWalk(FilterRecord* record, LM_globals* g) {
   return CV_RESULT_OK;
 }
 
+// Runs the dialog. Memory that runs out somewhere in it ends it like any other failure, and must
+// not leave it, or caches that fit the preview alone, to the calls that follow.
+int16_t AskUser(FilterRecord* record, LM_globals* g) {
+  const int16_t result = LM_ResultOf([&] { return LM_DialogServices()->run(record, g); });
+  g->FreeCaches();
+  if (g->dialog != nullptr)
+    LM_DialogServices()->dispose(g);
+  return result;
+}
+
 // Runs the dialog on the settings of an earlier run, which come back when it is cancelled.
 int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g, foo* params) {
   LM_globals* backup = LM_NewGlobals();
@@ -102,7 +112,7 @@ int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g, foo* par
     return CV_RESULT_NO_MEMORY;
   int16_t result = backup->CopySettingsFrom(*g);
   if (result == CV_RESULT_OK) {
-    result = LM_DialogServices()->run(record, g);
+    result = AskUser(record, g);
     if (result != CV_RESULT_OK) {
       g->CopySettingsFrom(*backup);
       g->dialogPending = 0;
@@ -134,7 +144,7 @@ int16_t RunFirstDialog(FilterRecord* record, LM_globals* g, foo* params) {
   if (backup == nullptr)
     return CV_RESULT_NO_MEMORY;
   std::memcpy(backup, params, sizeof *backup);
-  const int16_t result = LM_DialogServices()->run(record, g);
+  const int16_t result = AskUser(record, g);
   if (result != CV_RESULT_OK)
     std::memcpy(params, backup, sizeof *backup);
   LM_DisposePtr(backup);
@@ -153,11 +163,12 @@ int16_t RunDialog(FilterRecord* record, LM_globals* g) {
   // Runs without a dialog leave no settings that this one could go on from.
   if (g->numLights == 0)
     g->SetUseCurrentSettings(0);
-  if (g->UseCurrentSettings() == 0)
-    UseNamedStyle(g);
-  const int16_t result = g->UseCurrentSettings() == 1
-                             ? RunDialogOnCurrentSettings(record, g, params)
-                             : RunFirstDialog(record, g, params);
+  const int16_t result = LM_ResultOf([&] {
+    if (g->UseCurrentSettings() == 0)
+      UseNamedStyle(g);
+    return g->UseCurrentSettings() == 1 ? RunDialogOnCurrentSettings(record, g, params)
+                                        : RunFirstDialog(record, g, params);
+  });
   if (result != CV_RESULT_OK) {
     if (isNew)
       DisposeHandle(std::exchange(record->savedParams, nullptr));
@@ -281,14 +292,14 @@ void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* resu
     *result = LM_DoPrepare(filter);
     break;
   case CV_SEL_START:
-    *result = LM_DoStart(filter, globals);
+    *result = LM_ResultOf([&] { return LM_DoStart(filter, globals); });
     if (*result != CV_RESULT_OK) {
       globals->dialogPending = 0;
       LM_DoFinish(globals);
     }
     break;
   case CV_SEL_CONTINUE:
-    *result = LM_DoContinue(filter, globals);
+    *result = LM_ResultOf([&] { return LM_DoContinue(filter, globals); });
     if (*result != CV_RESULT_OK && globals->dialogPending == 1 &&
         globals->UseCurrentSettings() == 0) {
       LM_DoFinish(globals);

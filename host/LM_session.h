@@ -3,7 +3,22 @@
 #ifndef LM_SESSION_H
 #define LM_SESSION_H
 
+#include <new>
+
 #include "LM_globals.h"
+
+// What a step answers. An exception is an answer like any other, so that whoever asked for the step
+// cleans up behind it in one way. step(): an int16_t.
+template <class Step> int16_t LM_ResultOf(Step step) noexcept {
+  constexpr int16_t FAILED = -36;
+  try {
+    return step();
+  } catch (const std::bad_alloc&) {
+    return CV_RESULT_NO_MEMORY;
+  } catch (...) {
+    return FAILED;
+  }
+}
 
 // Answers one call of the host; the arguments are the entry point's. The settings object is made on
 // the first call that needs it, its address kept in *data; a first interactive run that ends in

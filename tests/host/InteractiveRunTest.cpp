@@ -4,6 +4,7 @@
 #include "ScriptedDialog.h"
 
 #include <gtest/gtest.h>
+#include <new>
 
 namespace {
 
@@ -87,6 +88,32 @@ TEST_F(InteractiveRun, BehindARepeatTheDialogBeginsWithDefaults) {
   EXPECT_EQ(lights, 1);
   ASSERT_EQ(host.Run(), CV_RESULT_OK);
   EXPECT_EQ(host.out, lit) << "a cancelled dialog changes no kept parameters";
+}
+
+// Memory that runs out inside the dialog's code may end it anywhere, its caches still there. The
+// picture's tiles have more pixels than its preview.
+TEST_F(InteractiveRun, WhateverTheDialogThrowsIsItsAnswer) {
+  ScriptedHost host(5000, 60, SessionEntry);
+  host.KeepParameters(OneLight(false));
+  ASSERT_EQ(host.Run(), CV_RESULT_OK);
+  std::vector<uint8_t> lit = host.out;
+  for (const int earlierRuns : {0, 1}) {
+    dialog.action = [](LM_globals* g) -> int16_t {
+      g->exposure = 11;
+      EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
+      throw std::bad_alloc();
+    };
+    EXPECT_EQ(RunWithDialog(host), CV_RESULT_NO_MEMORY);
+    EXPECT_EQ(host.data == 0, earlierRuns == 0);
+    ASSERT_EQ(host.Run(), CV_RESULT_OK);
+    EXPECT_EQ(host.out, lit);
+    dialog.action = [](LM_globals* g) {
+      EXPECT_EQ(g->exposure, 128);
+      return CV_RESULT_OK;
+    };
+    ASSERT_EQ(RunWithDialog(host), CV_RESULT_OK);
+    lit = host.out;
+  }
 }
 
 TEST_F(InteractiveRun, WithoutADialogAnInteractiveRunIsRefused) {
