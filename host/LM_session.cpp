@@ -216,6 +216,9 @@ int16_t LM_DoStart(FilterRecord* record, LM_globals* globals) {
   record->inLastPlane = LM_PLANES - 1;
   record->outFirstPlane = 0;
   record->outLastPlane = LM_PLANES - 1;
+  // A run that ended while it read relief has left these as they were then.
+  record->inEdgeMode = CV_EDGE_NONE;
+  record->absolutePlanesWanted = 0;
   globals->record = record;
   globals->bumpMap.capacity = LM_FIRST_HEIGHT_BYTES;
   globals->bumpMap.heights = static_cast<int32_t*>(LM_NewPtr(LM_FIRST_HEIGHT_BYTES));

@@ -104,6 +104,12 @@ TEST_F(HostContract, OnlyReliefRunsCanBeCancelled) {
     host.cancelAfter = 3;
     EXPECT_EQ(host.Run(), relief ? CV_RESULT_STOPPED : CV_RESULT_OK);
     EXPECT_EQ(host.continues, relief ? 3 : 16);
+    // Nothing of a cancelled run's requests is left in the next one's.
+    host.cancelAfter = -1;
+    host.requests.clear();
+    host.KeepParameters(OneLight(false));
+    EXPECT_EQ(host.Run(), CV_RESULT_OK);
+    EXPECT_EQ(host.requests.front(), "in 0,0-64,64 planes 0..2 out 0,0-64,64");
   }
 }
 
