@@ -92,8 +92,11 @@ int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals) {
   if (!GrowHeights(map, static_cast<uint64_t>(columns) * static_cast<uint64_t>(rows) * 4))
     return 1;
   const ChannelView view = DeliveredView(*record, *globals);
-  if (view.columns < 1 || view.rows < 1 || view.first == nullptr)
+  if (view.columns < 1 || view.rows < 1 || view.first == nullptr) {
+    // Nothing was delivered: level ground, not what an earlier tile or nobody has left there.
+    std::fill_n(map.heights, static_cast<size_t>(columns) * static_cast<size_t>(rows), 0);
     return 0;
+  }
   const bool cutShort =
       wanted.right != record->inTileRect.right || wanted.bottom != record->inTileRect.bottom;
   for (int32_t y = 0; y < rows; ++y) {
