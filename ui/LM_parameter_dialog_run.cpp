@@ -84,7 +84,8 @@ int16_t OpenDialog(LM_style_menu& menu) {
   globals->record = menu.record;
   LM_SetGlobalsOfDialog(dialog, globals);
   int16_t result = LM_RebuildBumpMapPopup(dialog, LM_BUMP_CHANNEL_ITEM, menu.record);
-  if (result != CV_RESULT_OK)
+  // A host that does not tell of its channels offers no relief, and that is all.
+  if (result != CV_RESULT_OK && result != CV_RESULT_NO_SERVICE)
     return result;
   LM_OpenStyleMenu(menu);
   result = LM_CheckBumpChannel(dialog, globals);

@@ -297,6 +297,13 @@ TEST_F(DialogRun, AHostThatFailsEndsTheDialogWithItsCode) {
   choosing.Wait(60).ChooseFromMenu(2);
   EXPECT_EQ(Run(choosing), -78);
   EXPECT_EQ(FrontWindow(), nullptr);
+  // One that only lacks the service has no relief to offer.
+  answers.numChannels = CV_RESULT_NO_SERVICE;
+  ToolboxScript accepting;
+  accepting.Call(
+      [&] { EXPECT_EQ(GetControlMaximum(LM_ItemControl(Dialog(), LM_BUMP_CHANNEL_ITEM)), 1); });
+  accepting.KeyPress(kReturnKeyCode);
+  EXPECT_EQ(Run(accepting), CV_RESULT_OK);
 }
 
 TEST_F(DialogRun, OKKeepsTheSettingsAndCancelBringsThemBackNextTime) {
