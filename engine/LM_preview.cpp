@@ -14,17 +14,30 @@ uint8_t* PixelAt(const CVPixelMap& map, int32_t row, int32_t column) {
          static_cast<ptrdiff_t>(column) * map.columnBytes;
 }
 
-// The record's filter area, put back however a render ends.
-class BorrowedArea {
+// What a render borrows of the host's own fields, put back however it ends: a host may read them
+// again behind the call, when the preview's buffers may be gone.
+class BorrowedFields {
 public:
-  explicit BorrowedArea(FilterRecord* record) : _record(record), _area(record->filterArea) {}
-  BorrowedArea(const BorrowedArea&) = delete;
-  BorrowedArea& operator=(const BorrowedArea&) = delete;
-  ~BorrowedArea() { _record->filterArea = _area; }
+  explicit BorrowedFields(FilterRecord* record)
+      : _record(record), _area(record->filterArea), _in(record->inPixels),
+        _inStride(record->inRowStride), _out(record->outPixels), _outStride(record->outRowStride) {}
+  BorrowedFields(const BorrowedFields&) = delete;
+  BorrowedFields& operator=(const BorrowedFields&) = delete;
+  ~BorrowedFields() {
+    _record->filterArea = _area;
+    _record->inPixels = _in;
+    _record->inRowStride = _inStride;
+    _record->outPixels = _out;
+    _record->outRowStride = _outStride;
+  }
 
 private:
   FilterRecord* _record;
   CVRect _area;
+  const uint8_t* _in;
+  int32_t _inStride;
+  uint8_t* _out;
+  int32_t _outStride;
 };
 
 void AimAtPreview(FilterRecord* record, const LM_globals& g, uint8_t* out, int32_t outRowBytes) {
@@ -75,7 +88,7 @@ int16_t LM_ShadePreview(LM_globals* globals) {
   globals->AllocateCaches(static_cast<unsigned long>(globals->previewWidth),
                           static_cast<unsigned long>(globals->previewHeight), relief ? 1 : 0);
   globals->ConvertToParameters(params, 1);
-  const BorrowedArea borrowed(record);
+  const BorrowedFields borrowed(record);
   AimAtPreview(record, *globals, PixelAt(frame, globals->previewOffsetY, globals->previewOffsetX),
                frame.rowBytes);
   if (!relief) {

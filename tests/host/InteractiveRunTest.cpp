@@ -26,6 +26,10 @@ TEST_F(InteractiveRun, LightsAsTheDialogLeftTheSettings) {
       EXPECT_EQ(pixels[row * g->previewMaps[LM_PREVIEW_MAP].rowBytes + column * 3 + 1],
                 host.image[static_cast<size_t>((row * 3 * 600 + column * 3) * 4 + 1)]);
     g->exposure = 200;
+    const FilterRecord before = host.record;
+    EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
+    EXPECT_EQ(host.record.inPixels, before.inPixels);
+    EXPECT_EQ(host.record.outPixels, before.outPixels);
     return CV_RESULT_OK;
   };
   ASSERT_EQ(RunWithDialog(host), CV_RESULT_OK);
