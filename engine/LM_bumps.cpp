@@ -101,8 +101,8 @@ int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals) {
       wanted.right != record->inTileRect.right || wanted.bottom != record->inTileRect.bottom;
   for (int32_t y = 0; y < rows; ++y) {
     int32_t* out = map.heights + static_cast<size_t>(y) * map.width;
-    const uint8_t* source = view.first + (y + 1) * view.rowBytes + 1;
     const int32_t whole = y + LAST_TAP < view.rows ? std::min(columns, view.columns - LAST_TAP) : 0;
+    const uint8_t* source = whole > 0 ? view.first + (y + 1) * view.rowBytes + 1 : nullptr;
     int32_t x = 0;
     for (; x < whole; ++x)
       out[x] = LM_WeighHeight(source + x, source + x + view.rowBytes,

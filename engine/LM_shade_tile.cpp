@@ -43,9 +43,11 @@ void LM_ShadeTile(FilterRecord* record, LM_globals* globals) {
   FlatRows rows(*globals);
   // Only a preview keeps its sums: a run without caches stays with the plain shader.
   const LM_vector_sums vectors(params, true, rows.keepSums ? LM_BestKernels() : nullptr);
-  const uint8_t* in = record->inPixels;
-  uint8_t* out = record->outPixels;
+  // As delivered, whatever the host does while it is asked about a cancel.
+  const FilterRecord delivered = *record;
   for (int row = 0; row < tile.rows; ++row) {
+    const uint8_t* in = delivered.inPixels + ptrdiff_t{row} * delivered.inRowStride;
+    uint8_t* out = delivered.outPixels + ptrdiff_t{row} * delivered.outRowStride;
     const float y = grid.Y(row);
     LM_TestCancel(record);
     if (!rows.positionsReady) {
@@ -56,8 +58,6 @@ void LM_ShadeTile(FilterRecord* record, LM_globals* globals) {
                                                       rows.diffuse, rows.specular);
     LM_Shade(params, static_cast<unsigned short>(tile.columns), rows.positions, in, rows.diffuse,
              rows.specular, summed ? 1 : 0, out, globals);
-    in += record->inRowStride;
-    out += record->outRowStride;
     rows.NextRow(tile.columns);
     LM_AdvanceLightCaches(params, static_cast<uint32_t>(tile.columns));
   }

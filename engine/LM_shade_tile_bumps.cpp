@@ -121,9 +121,11 @@ void ShadeRows(FilterRecord* record, const LM_tile_size& tile, foo* params, LM_g
                Rows& rows) {
   const LM_sample_grid grid(record, params);
   const uint32_t columns = static_cast<uint32_t>(tile.columns);
-  const uint8_t* in = record->inPixels;
-  uint8_t* out = record->outPixels;
+  // As delivered, whatever the host does while it is asked about a cancel.
+  const FilterRecord delivered = *record;
   for (int row = 0; row < tile.rows; ++row) {
+    const uint8_t* in = delivered.inPixels + ptrdiff_t{row} * delivered.inRowStride;
+    uint8_t* out = delivered.outPixels + ptrdiff_t{row} * delivered.outRowStride;
     const float y = grid.Y(row);
     LM_TestCancel(record);
     for (uint32_t first = 0; first < columns; first += LM_MAX_RELIEF_PIXELS) {
@@ -141,8 +143,6 @@ void ShadeRows(FilterRecord* record, const LM_tile_size& tile, foo* params, LM_g
       rows.NextRun(count, pixels);
       LM_AdvanceLightCaches(params, count);
     }
-    in += record->inRowStride;
-    out += record->outRowStride;
   }
 }
 
