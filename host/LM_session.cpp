@@ -248,8 +248,14 @@ int16_t LM_DoContinue(FilterRecord* record, LM_globals* globals) {
   // A host that never started this run has nothing to continue.
   if (globals->record != record)
     return CV_RESULT_STOPPED;
-  if (globals->dialogPending != 1)
-    return LM_Parameters(record) != nullptr ? ContinueRealWalk(record, globals) : STOPPED;
+  if (globals->dialogPending != 1) {
+    foo* params = LM_Parameters(record);
+    if (params == nullptr)
+      return CV_RESULT_STOPPED;
+    // It need not be the block that the run began with.
+    LM_DetachParameterCaches(params);
+    return ContinueRealWalk(record, globals);
+  }
   if (globals->previewComplete == 0) {
     LM_CalcTilePreview(record, globals);
     LM_SetNextPreviewTileRects(record, globals);

@@ -183,6 +183,13 @@ TEST(HostFault, HostThatDeliversOtherRectanglesDoesNoHarm) {
   EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
   host.record.inPixels = nullptr;
   EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  // Addresses in a block that comes in place of the run's own are nobody's.
+  host.KeepParameters(OneLight(false));
+  ASSERT_EQ(host.Call(CV_SEL_START), CV_RESULT_OK);
+  LM_light& light = reinterpret_cast<foo*>(*host.record.savedParams)->lights[0];
+  light.diffuseCache = light.specularCache = reinterpret_cast<LM_color96*>(intptr_t{64});
+  deliver({0, 0, 64, 64});
+  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
 }
 
 } // namespace
