@@ -8,6 +8,8 @@
 #include "MacStrings.h"
 #include "QDText.h"
 
+#include <memory>
+
 namespace {
 
 constexpr OSType DIALOG_RESOURCE = CV_FOUR_CHARS('D', 'L', 'O', 'G');
@@ -36,6 +38,11 @@ constexpr ItemDrawing DRAWINGS[] = {
     {LM_STYLE_TITLE_ITEM, LM_DrawPopupTitle},
 };
 
+void DisposeBuilt(DialogPtr dialog) {
+  LM_ResetSmallFontControls(dialog);
+  DisposeDialog(dialog);
+}
+
 // Builds the dialog, its small controls in the small font; null when that fails.
 DialogPtr BuildDialog() {
   DialogPtr dialog = nullptr;
@@ -46,13 +53,15 @@ DialogPtr BuildDialog() {
   }
   if (dialog == nullptr)
     return nullptr;
+  // Drawing may run out of memory, and nobody else knows of the dialog yet.
+  std::unique_ptr<GrafPort, decltype(&DisposeBuilt)> built(dialog, DisposeBuilt);
   const LM_port_scope port(dialog);
   {
     const LM_small_text_scope text;
     LM_InitSmallFontControls(dialog);
   }
   DrawDialog(dialog);
-  return dialog;
+  return built.release();
 }
 
 } // namespace

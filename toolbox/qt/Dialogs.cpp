@@ -7,6 +7,7 @@
 #include "ToolboxDesktop.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -48,6 +49,16 @@ bool AddItems(DialogWindow& window, const DialogTemplate& dialog) {
   return true;
 }
 
+// Takes a dialog back that could not be finished, whatever kept it from that.
+struct HalfBuilt {
+  void operator()(GrafPort* port) const {
+    if (DialogWindow::Of(port) != nullptr)
+      DisposeDialog(port);
+    else
+      DisposePort(port);
+  }
+};
+
 DialogItem* FindItem(DialogPtr dialog, int16_t item) {
   const DialogWindow* window = DialogWindow::Of(dialog);
   return window != nullptr ? window->Item(item) : nullptr;
@@ -80,17 +91,13 @@ DialogPtr GetNewDialog(int16_t dialogID, void*, WindowPtr) {
   if (!dialog || !TB_HasDesktop())
     return nullptr;
   const Rect bounds = {0, 0, dialog->height, dialog->width};
-  GrafPort* port = NewPort(bounds, RatioForNewWindow(), true);
+  std::unique_ptr<GrafPort, HalfBuilt> port(NewPort(bounds, RatioForNewWindow(), true));
   if (port == nullptr)
     return nullptr;
-  auto* window = new DialogWindow(port);
+  auto* window = new DialogWindow(port.get());
   window->centred = TakeCentring(dialogID);
   window->setWindowTitle(QString::fromStdString(dialog->title));
-  if (!AddItems(*window, *dialog)) {
-    DisposeDialog(port);
-    return nullptr;
-  }
-  return port;
+  return AddItems(*window, *dialog) ? port.release() : nullptr;
 }
 
 void DisposeDialog(DialogPtr dialog) {
