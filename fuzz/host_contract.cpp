@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -142,9 +143,13 @@ int16_t RunDialog(FilterRecord*, LM_globals* globals) {
       LM_GetPreviewBumpPixelMap(globals);
     LM_GeneratePreview(FAKE_DIALOG, globals);
   }
+  const int16_t result = AnyResult();
+  // As the dialog's own code may: everything is left as it is.
+  if (result == CV_RESULT_NO_MEMORY)
+    throw std::bad_alloc();
   globals->FreeCaches();
   DisposeDialog(globals);
-  return AnyResult();
+  return result;
 }
 Rect ItemBox(LM_globals*, int16_t item) {
   const auto size = static_cast<int16_t>(host->channels % 16 + 8);
