@@ -99,6 +99,7 @@ public:
   LM_bool useCurrentSettings; // a run has finished: the next dialog starts from these settings
   int16_t styleIndex;         // chosen entry of the style menu, 1-based, 0 for none
   LM_bool walkHasRelief;      // the present real walk reads a bump channel
+  LM_bool answering;          // a call of the host is being answered
 
   LM_globals();
   LM_globals(const LM_globals&) = delete;

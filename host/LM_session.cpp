@@ -180,6 +180,44 @@ int16_t RunDialog(FilterRecord* record, LM_globals* g) {
   return CV_RESULT_OK;
 }
 
+// The step that a selector names. Sets *data to 0 when it released the settings object.
+int16_t AnswerStep(int16_t selector, void* record, intptr_t* data, LM_globals* globals) {
+  FilterRecord* filter = static_cast<FilterRecord*>(record);
+  int16_t result = CV_RESULT_OK;
+  switch (selector) {
+  case CV_SEL_ABOUT:
+    return LM_DoAbout(static_cast<const CVAboutRecord*>(record));
+  case CV_SEL_PARAMETERS:
+    globals->dialogPending = 1;
+    return CV_RESULT_OK;
+  case CV_SEL_PREPARE:
+    return LM_DoPrepare(filter);
+  case CV_SEL_START:
+    result = LM_ResultOf([&] { return LM_DoStart(filter, globals); });
+    if (result != CV_RESULT_OK) {
+      globals->dialogPending = 0;
+      LM_DoFinish(globals);
+    }
+    return result;
+  case CV_SEL_CONTINUE:
+    result = LM_ResultOf([&] { return LM_DoContinue(filter, globals); });
+    if (result != CV_RESULT_OK && globals->dialogPending == 1 &&
+        globals->UseCurrentSettings() == 0) {
+      LM_DoFinish(globals);
+      LM_DestroyGlobals(globals);
+      *data = 0;
+    }
+    return result;
+  case CV_SEL_FINISH:
+    LM_DoFinish(globals);
+    globals->SetUseCurrentSettings(1);
+    globals->dialogPending = 0;
+    return CV_RESULT_OK;
+  default:
+    return CV_RESULT_BAD_SELECTOR;
+  }
+}
+
 } // namespace
 
 int16_t LM_DoAbout(const CVAboutRecord* about) {
@@ -289,40 +327,12 @@ void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* resu
   // The contract's slot is an integer as wide as a pointer.
   // NOLINTNEXTLINE(performance-no-int-to-ptr)
   LM_globals* globals = reinterpret_cast<LM_globals*>(*data);
-  FilterRecord* filter = static_cast<FilterRecord*>(record);
-  switch (selector) {
-  case CV_SEL_ABOUT:
-    *result = LM_DoAbout(static_cast<const CVAboutRecord*>(record));
-    break;
-  case CV_SEL_PARAMETERS:
-    globals->dialogPending = 1;
-    break;
-  case CV_SEL_PREPARE:
-    *result = LM_DoPrepare(filter);
-    break;
-  case CV_SEL_START:
-    *result = LM_ResultOf([&] { return LM_DoStart(filter, globals); });
-    if (*result != CV_RESULT_OK) {
-      globals->dialogPending = 0;
-      LM_DoFinish(globals);
-    }
-    break;
-  case CV_SEL_CONTINUE:
-    *result = LM_ResultOf([&] { return LM_DoContinue(filter, globals); });
-    if (*result != CV_RESULT_OK && globals->dialogPending == 1 &&
-        globals->UseCurrentSettings() == 0) {
-      LM_DoFinish(globals);
-      LM_DestroyGlobals(globals);
-      *data = 0;
-    }
-    break;
-  case CV_SEL_FINISH:
-    *result = LM_DoFinish(globals);
-    globals->SetUseCurrentSettings(1);
-    globals->dialogPending = 0;
-    break;
-  default:
-    *result = CV_RESULT_BAD_SELECTOR;
-    break;
+  // A host whose services run its own event loop may come back here out of one of them.
+  if (std::exchange(globals->answering, 1) == 1) {
+    *result = CV_RESULT_STOPPED;
+    return;
   }
+  *result = LM_ResultOf([&] { return AnswerStep(selector, record, data, globals); });
+  if (*data != 0)
+    globals->answering = 0;
 }

@@ -26,6 +26,9 @@ TEST_F(InteractiveRun, LightsAsTheDialogLeftTheSettings) {
       EXPECT_EQ(pixels[row * g->previewMaps[LM_PREVIEW_MAP].rowBytes + column * 3 + 1],
                 host.image[static_cast<size_t>((row * 3 * 600 + column * 3) * 4 + 1)]);
     g->exposure = 200;
+    // A call out of the dialog's own call is turned away.
+    EXPECT_EQ(host.Call(CV_SEL_FINISH), CV_RESULT_STOPPED);
+    EXPECT_EQ(host.Call(CV_SEL_START), CV_RESULT_STOPPED);
     const FilterRecord before = host.record;
     EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
     EXPECT_EQ(host.record.inPixels, before.inPixels);
