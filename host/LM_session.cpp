@@ -106,7 +106,7 @@ int16_t AskUser(FilterRecord* record, LM_globals* g) {
 }
 
 // Runs the dialog on the settings of an earlier run, which come back when it is cancelled.
-int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g, foo* params) {
+int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g) {
   LM_globals* backup = LM_NewGlobals();
   if (backup == nullptr)
     return CV_RESULT_NO_MEMORY;
@@ -116,8 +116,10 @@ int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g, foo* par
     if (result != CV_RESULT_OK) {
       g->CopySettingsFrom(*backup);
       g->dialogPending = 0;
-      g->ConvertToParameters(params, 0);
-      LM_DetachParameterCaches(params);
+      if (foo* params = LM_Parameters(record)) {
+        g->ConvertToParameters(params, 0);
+        LM_DetachParameterCaches(params);
+      }
     }
   }
   LM_DestroyGlobals(backup);
@@ -139,42 +141,48 @@ void UseNamedStyle(LM_globals* g) {
 
 // Runs the dialog on default settings. Its previews write to the parameter block, which is as it
 // was when the dialog is cancelled: the host may repeat the filter with it.
-int16_t RunFirstDialog(FilterRecord* record, LM_globals* g, foo* params) {
+int16_t RunFirstDialog(FilterRecord* record, LM_globals* g) {
   foo* backup = static_cast<foo*>(LM_NewPtr(sizeof(foo)));
   if (backup == nullptr)
     return CV_RESULT_NO_MEMORY;
-  std::memcpy(backup, params, sizeof *backup);
+  std::memcpy(backup, LM_Parameters(record), sizeof *backup);
   const int16_t result = AskUser(record, g);
-  if (result != CV_RESULT_OK)
+  foo* params = LM_Parameters(record);
+  if (result != CV_RESULT_OK && params != nullptr)
     std::memcpy(params, backup, sizeof *backup);
   LM_DisposePtr(backup);
   return result;
 }
 
+// Runs the dialog and begins the walk. The parameter block is looked up behind it again, since the
+// host has been at work meanwhile.
 int16_t RunDialog(FilterRecord* record, LM_globals* g) {
-  const bool isNew = record->savedParams == nullptr;
-  if (isNew)
-    record->savedParams = LM_NewParameters();
-  if (record->savedParams == nullptr)
-    return CV_RESULT_NO_MEMORY;
-  foo* params = LM_Parameters(record);
-  if (params == nullptr)
-    return CV_RESULT_STOPPED;
+  // A kept block that nobody can read makes way for a new one once the dialog is accepted.
+  CVHandle kept = record->savedParams;
+  const bool isNew = LM_Parameters(record) == nullptr;
+  if (isNew) {
+    CVHandle made = LM_NewParameters();
+    if (made == nullptr)
+      return CV_RESULT_NO_MEMORY;
+    record->savedParams = made;
+  }
   // Runs without a dialog leave no settings that this one could go on from.
   if (g->numLights == 0)
     g->SetUseCurrentSettings(0);
   const int16_t result = LM_ResultOf([&] {
     if (g->UseCurrentSettings() == 0)
       UseNamedStyle(g);
-    return g->UseCurrentSettings() == 1 ? RunDialogOnCurrentSettings(record, g, params)
-                                        : RunFirstDialog(record, g, params);
+    return g->UseCurrentSettings() == 1 ? RunDialogOnCurrentSettings(record, g)
+                                        : RunFirstDialog(record, g);
   });
-  if (result != CV_RESULT_OK) {
-    if (isNew)
-      DisposeHandle(std::exchange(record->savedParams, nullptr));
+  if (isNew)
+    DisposeHandle(result == CV_RESULT_OK ? kept : std::exchange(record->savedParams, kept));
+  if (result != CV_RESULT_OK)
     return result;
-  }
   g->dialogPending = 0;
+  foo* params = LM_Parameters(record);
+  if (params == nullptr)
+    return CV_RESULT_STOPPED;
   g->ConvertToParameters(params, 0);
   BeginRealWalk(record, g, params);
   return CV_RESULT_OK;

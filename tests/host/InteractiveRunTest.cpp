@@ -1,6 +1,7 @@
 // Interactive runs of the session, with a scripted dialog in the dialog's place.
 #include "LM_dialog_services.h"
 #include "LM_preview.h"
+#include "MacMemory.h"
 #include "ScriptedDialog.h"
 
 #include <gtest/gtest.h>
@@ -95,6 +96,22 @@ TEST_F(InteractiveRun, BehindARepeatTheDialogBeginsWithDefaults) {
   EXPECT_EQ(lights, 1);
   ASSERT_EQ(host.Run(), CV_RESULT_OK);
   EXPECT_EQ(host.out, lit) << "a cancelled dialog changes no kept parameters";
+}
+
+// A block from some other program, or cut short: it stays until a dialog is accepted.
+TEST_F(InteractiveRun, AnUnreadableBlockMakesWayForTheDialogs) {
+  ScriptedHost host(40, 30, SessionEntry);
+  const CVHandle unreadable = host.record.savedParams = NewHandleClear(12);
+  EXPECT_EQ(host.Run(), CV_RESULT_STOPPED);
+  for (const int16_t answer : {int16_t{CV_RESULT_STOPPED}, int16_t{CV_RESULT_OK}}) {
+    dialog.action = [&](LM_globals* g) {
+      EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
+      return answer;
+    };
+    EXPECT_EQ(RunWithDialog(host), answer);
+    EXPECT_EQ(host.record.savedParams == unreadable, answer != CV_RESULT_OK);
+  }
+  EXPECT_EQ(host.Run(), CV_RESULT_OK);
 }
 
 // Memory that runs out inside the dialog's code may end it anywhere, its caches still there. The
