@@ -265,6 +265,9 @@ int16_t LM_DoStart(FilterRecord* record, LM_globals* globals) {
   // A run that ended while it read relief has left these as they were then.
   record->inEdgeMode = CV_EDGE_NONE;
   record->absolutePlanesWanted = 0;
+  // The preview too takes every pixel, and leaves out what it does not show.
+  record->inSampleStep = CV_FIXED_ONE;
+  record->maskSampleStep = CV_FIXED_ONE;
   globals->record = record;
   globals->bumpMap.capacity = LM_FIRST_HEIGHT_BYTES;
   globals->bumpMap.heights = static_cast<int32_t*>(LM_NewPtr(LM_FIRST_HEIGHT_BYTES));

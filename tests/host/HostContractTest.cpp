@@ -107,8 +107,11 @@ TEST_F(HostContract, OnlyReliefRunsCanBeCancelled) {
     // Nothing of a cancelled run's requests is left in the next one's.
     host.cancelAfter = -1;
     host.requests.clear();
+    host.record.inSampleStep = host.record.maskSampleStep = 0; // the plug-in's to write
     host.KeepParameters(OneLight(false));
     EXPECT_EQ(host.Run(), CV_RESULT_OK);
+    EXPECT_EQ(host.record.inSampleStep, CV_FIXED_ONE);
+    EXPECT_EQ(host.record.maskSampleStep, CV_FIXED_ONE);
     EXPECT_EQ(host.requests.front(), "in 0,0-64,64 planes 0..2 out 0,0-64,64");
   }
 }
