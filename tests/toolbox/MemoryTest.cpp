@@ -115,6 +115,11 @@ TEST_F(MemoryTest, AHandleKeepsItsContentWhenResized) {
     EXPECT_EQ(GetHandleSize(handle), 2) << size;
     EXPECT_EQ(**handle, 'l') << size;
   }
+  HPurge(handle);
+  SetHandleSize(handle, 101);
+  EXPECT_EQ(MemError(), memFullErr) << "even its own bytes would do";
+  ASSERT_EQ(GetHandleSize(handle), 2) << "a growing block is not purged for itself";
+  EXPECT_EQ(**handle, 'l');
   DisposeHandle(handle);
 }
 

@@ -286,11 +286,14 @@ void DisposeHandle(Handle handle) {
 }
 
 Size GetHandleSize(Handle handle) {
+  State& state = Shared();
+  std::lock_guard lock(state.mutex); // another thread's request may purge the block
   lastError = handle && *handle ? noErr : nilHandleErr;
   return handle && *handle ? HeaderOf(*handle)->size : 0;
 }
 
-void SetHandleSize(Handle handle, Size size) {
+// SetHandleSize for a block that is not purgeable.
+static void Resize(Handle handle, Size size) {
   const Size oldSize = GetHandleSize(handle);
   if (!handle || size == oldSize) {
     return;
@@ -307,9 +310,6 @@ void SetHandleSize(Handle handle, Size size) {
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   HandleRecord* record = RecordOf(handle);
-  if (Listed(*record)) {
-    RemoveFromList(&state, record);
-  }
   if (bytes == record->master) {
     state.inUse -= static_cast<uint64_t>(oldSize - size);
     HeaderOf(bytes)->size = size;
@@ -318,10 +318,19 @@ void SetHandleSize(Handle handle, Size size) {
     ReleaseBytes(&state, record->master);
   }
   record->master = bytes;
-  if (Listed(*record)) {
-    AddToList(&state, record);
-  }
   lastError = noErr;
+}
+
+void SetHandleSize(Handle handle, Size size) {
+  // The memory for its growth must not be made by purging its content.
+  const bool purgeable = handle && RecordOf(handle)->purgeable;
+  HNoPurge(handle);
+  Resize(handle, size);
+  const OSErr result = lastError;
+  if (purgeable) {
+    HPurge(handle);
+  }
+  lastError = result;
 }
 
 void HLock(Handle handle) {
