@@ -64,8 +64,10 @@ template <class Place>
 LM_bool SaveThrough(const LM_style_place& folder, LM_globals* globals, Place place) {
   const LM_folder_use use(folder);
   TB_Str255 temporary = LM_TemporaryName();
-  if (LM_SaveStyleDurably(temporary.bytes, globals) != 0 && place(temporary) == noErr)
+  if (LM_SaveStyleDurably(temporary.bytes, globals) != 0 && place(temporary) == noErr) {
+    use.Flush();
     return 1;
+  }
   HDelete(folder.vRefNum, folder.dirID, temporary);
   return 0;
 }

@@ -14,19 +14,26 @@ namespace {
 constexpr std::string_view MEMORY = "bundled-styles";
 constexpr int32_t LARGEST_MEMORY = 1 << 20;
 
-std::string ReadFile(const LM_style_place& folder, std::string_view name) {
+// The names known so far; none where there is no such file. A failure tells nothing about what the
+// user has deleted.
+OSErr ReadMemory(const LM_style_place& library, std::string& text) {
   int16_t file = 0;
-  if (HOpen(folder.vRefNum, folder.dirID, TB_PString(name), fsRdPerm, &file) != noErr)
-    return {};
+  OSErr result = HOpen(library.vRefNum, library.dirID, TB_PString(MEMORY), fsRdPerm, &file);
+  if (result != noErr)
+    return result == fnfErr ? noErr : result;
+  struct Closing {
+    int16_t file;
+    ~Closing() { FSClose(file); }
+  } const closing{file}; // also when there is no memory for the text
   int32_t count = 0;
-  if (GetEOF(file, &count) != noErr)
-    count = 0;
-  std::string bytes(static_cast<size_t>(std::clamp(count, 0, LARGEST_MEMORY)), '\0');
-  count = static_cast<int32_t>(bytes.size());
-  FSRead(file, &count, bytes.data());
-  bytes.resize(static_cast<size_t>(count));
-  FSClose(file);
-  return bytes;
+  result = GetEOF(file, &count);
+  if (result == noErr) {
+    text.resize(static_cast<size_t>(std::clamp(count, 0, LARGEST_MEMORY)));
+    count = static_cast<int32_t>(text.size());
+    result = FSRead(file, &count, text.data());
+    text.resize(static_cast<size_t>(count));
+  }
+  return result == eofErr ? noErr : result;
 }
 
 std::vector<std::string> Lines(std::string_view text) {
@@ -74,7 +81,10 @@ bool Remember(const LM_style_place& library, const std::vector<std::string>& nam
 } // namespace
 
 std::string LM_SeedStyles(const LM_style_place& library, const LM_style_place& styles) {
-  std::vector<std::string> known = Lines(ReadFile(library, MEMORY));
+  std::string text;
+  if (ReadMemory(library, text) != noErr)
+    return "The names of the styles added to the style folder could not be read.";
+  std::vector<std::string> known = Lines(text);
   const size_t before = known.size();
   std::string why;
   for (const std::string& name : LM_BundledStyleNames()) {
@@ -85,7 +95,10 @@ std::string LM_SeedStyles(const LM_style_place& library, const LM_style_place& s
     else
       why = "The style “" + name + "” could not be added to the style folder.";
   }
-  if (known.size() != before && !Remember(library, known))
+  if (known.size() == before)
+    return why;
+  LM_folder_use(styles).Flush(); // what is remembered must be there after a crash
+  if (!Remember(library, known))
     why = "The styles added to the style folder could not be remembered.";
   return why;
 }

@@ -47,6 +47,11 @@ LM_folder_use::~LM_folder_use() {
     close(_descriptor);
 }
 
+void LM_folder_use::Flush() const noexcept {
+  while (_descriptor >= 0 && fsync(_descriptor) != 0 && errno == EINTR) {
+  }
+}
+
 TB_Str255 LM_TemporaryName() {
   // What a process number would not give: processes of other containers and machines may have the
   // same one.

@@ -20,6 +20,9 @@ public:
   ~LM_folder_use();
   LM_folder_use(const LM_folder_use&) = delete;
   LM_folder_use& operator=(const LM_folder_use&) = delete;
+  // Brings the folder's new names to the disk, as far as the file system can: after a crash a file
+  // that was given its name before would else lie there as a temporary one, and be swept.
+  void Flush() const noexcept;
 
 private:
   int _descriptor;

@@ -81,14 +81,23 @@ TEST_F(StyleLibrary, ADeletedStyleStaysDeletedAndOnlyNewOnesAreAdded) {
   std::filesystem::remove(Style("Default"));
   Use();
   EXPECT_FALSE(std::filesystem::exists(Style("Default")));
+  const std::filesystem::path memory = folder / "limn" / "bundled-styles";
+  std::string why;
+  std::filesystem::rename(memory, folder / "away");
+  std::filesystem::create_directory(memory);
+  EXPECT_TRUE(LM_UseStyleLibrary(why));
+  EXPECT_NE(why, "");
+  EXPECT_FALSE(std::filesystem::exists(Style("Default"))) << "what was deleted cannot be known";
+  std::filesystem::remove(memory);
+  std::filesystem::rename(folder / "away", memory);
   // As if an earlier version had known no style but one that the user deleted.
-  std::ofstream(folder / "limn" / "bundled-styles") << "Something Old\n";
+  std::ofstream(memory) << "Something Old\n";
   Write("Default", "mine");
   Use();
   EXPECT_EQ(Bytes("Default"), "mine") << "a file of the user's own stays";
-  std::ifstream memory(folder / "limn" / "bundled-styles");
+  std::ifstream read(memory);
   std::string first;
-  std::getline(memory, first);
+  std::getline(read, first);
   EXPECT_EQ(first, "Something Old") << "what was known stays known";
 }
 
