@@ -5,6 +5,7 @@
 
 #include "LM_style_fields.h"
 #include "LM_style_layout.h"
+#include "MacStrings.h"
 
 namespace {
 
@@ -55,7 +56,9 @@ public:
     return true;
   }
   bool key(string_t& value) override {
-    _key = value.substr(0, LONGEST_KEY);
+    _key = TB_CutUTF8(value, LONGEST_KEY);
+    // It would end the sentence about it where that is read as C text.
+    std::replace(_key.begin(), _key.end(), '\0', '?');
     return true;
   }
   bool end_object() override {

@@ -45,6 +45,8 @@ TEST(StyleJson, WhatIsWrongIsNamed) {
       {R"({"gloss": 40000, "lights": [{}]})", "gloss: 40000 is not between"},
       {R"({"gloss": 1.5, "lights": [{}]})", "gloss: it takes a whole number"},
       {R"({"glos": 1, "lights": [{}]})", "glos: there is no such setting"},
+      {R"({"glo\u0000s": 1, "lights": [{}]})", "glo?s: there is no such setting"},
+      {R"({"a234567890123456789012345678901234567ßß": 1, "lights": [{}]})", "4567ß: there is no"},
       {R"({"numLights": 3, "lights": [{}]})", "numLights: there is no such setting"},
       {R"({"ambientColor": [1, 2, 3, 4], "lights": [{}]})",
        "ambientColor.3: there is no such setting"},
