@@ -63,17 +63,21 @@ static int ChangeSettings(limn_settings* settings, const char* json,
   return 1;
 }
 
+/* Freed by the caller; null for want of memory. */
+static char* JsonOf(const limn_settings* settings) {
+  const size_t length = limn_settings_json(settings, NULL, 0);
+  char* json = length > 0 ? malloc(length + 1) : NULL;
+  if (json != NULL && limn_settings_json(settings, json, length + 1) == length)
+    return json;
+  free(json);
+  return NULL;
+}
+
 limn_settings* LoadStyle(const char* style, const double slider[STYLE_SLIDERS], limn_error* error) {
   limn_settings* settings = FindStyle(style, error);
-  const size_t room = settings != NULL ? limn_settings_json(settings, NULL, 0) + 1 : 0;
-  char* json;
-  int isChanged;
-  if (settings == NULL)
-    return NULL;
-  json = malloc(room);
-  isChanged = json != NULL && limn_settings_json(settings, json, room) == room - 1 &&
-              ChangeSettings(settings, json, slider, error);
-  if (json == NULL) {
+  char* json = settings != NULL ? JsonOf(settings) : NULL;
+  const int isChanged = json != NULL && ChangeSettings(settings, json, slider, error);
+  if (settings != NULL && json == NULL) {
     error->code = LIMN_NO_MEMORY;
     snprintf(error->text, sizeof error->text, "not enough memory");
   }
