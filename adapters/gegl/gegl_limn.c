@@ -25,6 +25,7 @@ static GeglOperationClass* parentClass; /* of the one class that a module regist
 /* Pixels of a picture in memory, and the settings to light them with. */
 typedef struct Work {
   limn_settings* settings;
+  limn_lighting* lighting;
   guchar* pixels;
   guchar* heights; /* null: none are given */
 } Work;
@@ -86,8 +87,15 @@ static guchar* BytesOf(GeglBuffer* buffer, const GeglRectangle* box, const Babl*
 static int Light(const LightOperation* self, GeglBuffer* input, GeglBuffer* aux,
                  const GeglRectangle* box, const Babl* format, Work* work, limn_error* error) {
   limn_picture picture = {0};
+  picture.width = box->width;
+  picture.height = box->height;
+  picture.channels = babl_format_get_bytes_per_pixel(format);
   work->settings = LoadStyle(self->style, self->slider, error);
   if (work->settings == NULL)
+    return 0;
+  /* Before its pixels are read, which may be more than there is memory for: it can be too large. */
+  work->lighting = limn_prepare(work->settings, &picture, error);
+  if (work->lighting == NULL)
     return 0;
   work->pixels = BytesOf(input, box, format);
   if (aux != NULL)
@@ -97,12 +105,9 @@ static int Light(const LightOperation* self, GeglBuffer* input, GeglBuffer* aux,
     g_strlcpy(error->text, "not enough memory", sizeof error->text);
     return 0;
   }
-  picture.width = box->width;
-  picture.height = box->height;
-  picture.channels = babl_format_get_bytes_per_pixel(format);
   picture.source = picture.output = work->pixels;
   picture.relief = work->heights;
-  return limn_light(work->settings, &picture, NULL, error) == LIMN_OK;
+  return limn_run(work->lighting, &picture, NULL, error) == LIMN_OK;
 }
 
 static gboolean Process(GeglOperation* operation, GeglBuffer* input, GeglBuffer* aux,
@@ -122,6 +127,7 @@ static gboolean Process(GeglOperation* operation, GeglBuffer* input, GeglBuffer*
       g_warning("limn:light: %s; the picture stays as it is", error.text);
     gegl_buffer_copy(input, asked, GEGL_ABYSS_NONE, output, asked);
   }
+  limn_lighting_free(work.lighting);
   limn_settings_free(work.settings);
   g_free(work.pixels);
   g_free(work.heights);
