@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLibraryInfo>
+#include <QTextDocument>
 
 namespace editor {
 namespace {
@@ -44,6 +45,10 @@ QString TranslatedProblem(const QString& sentence) {
     return sentence;
   const QByteArray reason = sentence.mid(colon + 2).toUtf8();
   return sentence.left(colon + 2) + QCoreApplication::translate("", reason.constData());
+}
+
+QString ToolTipOf(const QString& name) {
+  return Qt::mightBeRichText(name) ? name.toHtmlEscaped() : name;
 }
 
 void UseSystemLanguage() {

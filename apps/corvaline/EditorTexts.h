@@ -26,6 +26,10 @@ private:
 // table has it; the reasons of the image library stay as they are.
 QString TranslatedProblem(const QString& sentence);
 
+// A name as a tool tip, which else takes what looks like a tag for one, and reads the file that it
+// names as a picture.
+QString ToolTipOf(const QString& name);
+
 // Installs the texts for the language of LC_ALL, LC_MESSAGES or LANG in the application.
 void UseSystemLanguage();
 

@@ -1,5 +1,7 @@
 #include "RecentFiles.h"
 
+#include "EditorTexts.h"
+
 #include <QFileInfo>
 #include <QSettings>
 
@@ -42,7 +44,7 @@ void RecentFiles::_fill() {
   for (const QString& path : files()) {
     QString name = QFileInfo(path).fileName();
     QAction* action = addAction(QString("&%1  %2").arg(++number).arg(name.replace("&", "&&")));
-    action->setToolTip(path);
+    action->setToolTip(ToolTipOf(path));
     action->setStatusTip(path);
     connect(action, &QAction::triggered, this, [this, path] { Q_EMIT chosen(path); });
   }

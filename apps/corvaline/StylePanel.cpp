@@ -1,5 +1,7 @@
 #include "StylePanel.h"
 
+#include "EditorTexts.h"
+
 #include "style_source.h"
 #include "thumbnail.h"
 
@@ -109,7 +111,7 @@ void StylePanel::_readStyles() {
   _list->clear();
   for (const QString& name : std::as_const(names)) {
     auto* item = new QListWidgetItem(name, _list);
-    item->setToolTip(name);
+    item->setToolTip(ToolTipOf(name));
   }
 }
 

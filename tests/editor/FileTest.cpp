@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QMimeData>
 #include <QTest>
+#include <QTextDocument>
 
 namespace {
 
@@ -140,14 +141,19 @@ TEST_F(EditorRun, RecentFilesAreFewAndWithoutRepetition) {
 }
 
 TEST_F(EditorRun, ChannelsMustFitTheImage) {
-  open(makePicture("picture.png"));
-  QFile heights(pathTo("heights.pgm"));
+  open(makePicture("<img src=x>.png"));
+  QFile heights(pathTo("<img src=y>.pgm"));
   ASSERT_TRUE(heights.open(QIODevice::WriteOnly));
   heights.write("P5 90 60 255\n" + QByteArray(WIDTH * HEIGHT, 'a'));
   heights.close();
-  ASSERT_TRUE(window->loadChannel(pathTo("heights.pgm")));
-  EXPECT_EQ(window->document().channelNames(), QStringList({"Red", "Green", "Blue", "heights"}));
+  ASSERT_TRUE(window->loadChannel(pathTo("<img src=y>.pgm")));
+  EXPECT_EQ(window->document().channelNames(),
+            QStringList({"Red", "Green", "Blue", "<img src=y>"}));
   EXPECT_FALSE(window->document().isModified());
+  // A tool tip that is a page reads the files that it names.
+  for (const QAction* listed : window->findChildren<QAction*>())
+    EXPECT_FALSE(Qt::mightBeRichText(listed->toolTip()) && listed->toolTip().contains("<img"))
+        << listed->toolTip().toStdString();
 
   QFile small(pathTo("small.pgm"));
   ASSERT_TRUE(small.open(QIODevice::WriteOnly));
