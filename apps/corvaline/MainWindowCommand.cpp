@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QSaveFile>
 #include <QStatusBar>
 
 namespace editor {
@@ -24,6 +25,12 @@ std::string OutputFor(const QFileInfo& image) {
   const QString suffix = IsWritable(image.filePath()) ? image.suffix() : "png";
   const QString path = image.absolutePath() + "/" + image.completeBaseName() + "-lit." + suffix;
   return Encoded(path) + SaveOptions(path);
+}
+
+// What is at `path` stays until the new file is complete.
+bool SaveMask(const QImage& mask, const QString& path) {
+  QSaveFile file(path);
+  return file.open(QIODevice::WriteOnly) && mask.save(&file, "PNG") && file.commit();
 }
 
 std::string AreaWords(const QRect& area) {
@@ -52,7 +59,7 @@ bool MainWindow::copyCommand(const QString& maskPath) {
     _complain(title, tr("No style lights the image exactly like this."));
     return false;
   }
-  if (!run.mask.isNull() && !run.mask.save(maskPath, "PNG")) {
+  if (!run.mask.isNull() && !SaveMask(run.mask, maskPath)) {
     _complain(title, tr("The mask could not be saved."));
     return false;
   }
