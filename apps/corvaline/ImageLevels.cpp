@@ -13,8 +13,11 @@ QRgb Mean(QRgb a, QRgb b, QRgb c, QRgb d) {
               (qBlue(a) + qBlue(b) + qBlue(c) + qBlue(d) + 2) / 4);
 }
 
-// Makes `area` of the half-size picture again. The edge of an odd side counts twice.
+// Makes `area` of the half-size picture again. The edge of an odd side counts twice. Pictures that
+// there was no memory for stay as they are.
 void Halve(const QImage& whole, QImage& half, const QRect& area) {
+  if (whole.isNull() || half.bits() == nullptr)
+    return;
   for (int y = area.top(); y <= area.bottom(); ++y) {
     const auto* upper = reinterpret_cast<const QRgb*>(whole.constScanLine(2 * y));
     const auto* lower =

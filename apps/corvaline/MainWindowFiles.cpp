@@ -104,11 +104,10 @@ bool MainWindow::loadChannel(const QString& path) {
     if (!_document.addChannel(std::move(channel)))
       throw limn::Failure(limn::ExitCode::BadInput,
                           tr("%1: is %2 × %3 pixels, and the image is %4 × %5")
-                              .arg(path)
-                              .arg(size.width())
-                              .arg(size.height())
-                              .arg(_document.size().width())
-                              .arg(_document.size().height())
+                              .arg(path, QString::number(size.width()),
+                                   QString::number(size.height()),
+                                   QString::number(_document.size().width()),
+                                   QString::number(_document.size().height()))
                               .toStdString());
   });
   if (!problem.isEmpty())
