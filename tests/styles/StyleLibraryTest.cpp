@@ -178,7 +178,7 @@ TEST_F(StyleLibrary, ReadsAStyleByNameWhateverItsCase) {
   EXPECT_NE(why.find("Bad"), std::string::npos);
 }
 
-TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALink) {
+TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALinkNorLetsOthersRead) {
   Use();
   Write("notes", "my notes");
   EXPECT_FALSE(Replace("notes"));
@@ -189,6 +189,13 @@ TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALink) {
   EXPECT_EQ(LM_style_ostream::IsLocked(link.bytes), 1);
   Replace("link");
   EXPECT_EQ(ReadFile("outside"), StyleBytes(9)) << "written through the link";
+  using std::filesystem::perms;
+  Write("mine alone", StyleBytes(9));
+  std::filesystem::permissions(Style("mine alone"), perms::owner_read | perms::owner_write);
+  EXPECT_TRUE(Replace("mine alone"));
+  EXPECT_NE(Bytes("mine alone"), StyleBytes(9));
+  EXPECT_EQ(std::filesystem::status(Style("mine alone")).permissions(),
+            perms::owner_read | perms::owner_write);
   // Names that would lead elsewhere stay inside.
   for (const char* name : {"..", "../up", "a/b", "/etc/x", "\x01\x02", "CON", "\xff\xfe"}) {
     TB_Str255 text = TB_PString(name);

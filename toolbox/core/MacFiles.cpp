@@ -155,6 +155,10 @@ OSErr Replace(const TB_FilePlace& source, const TB_FilePlace& target) {
     if (OSErr err = S_ISLNK(status.st_mode) ? fLckdErr : CheckRemovable(status)) {
       return err;
     }
+    // Who may read the old file may read the new one, and nobody else.
+    if (chmod(source.path.c_str(), status.st_mode & 0777) != 0 && errno != EPERM) {
+      return TB_ErrorFor(errno);
+    }
   }
   if (OSErr err = FlushPath(source.path, O_NOFOLLOW)) {
     return err;

@@ -137,8 +137,8 @@ TB_EXPORT std::string TB_PathOf(int16_t vRefNum, int32_t dirID, ConstStr255Param
 // Waits until the file's content is on the disk.
 TB_EXPORT OSErr TB_FlushFile(int16_t refNum);
 // Gives a file the name of another, whose old content is gone at the same instant: at any moment
-// one of the two complete files has that name, also after a crash. fLckdErr when the other file is
-// locked.
+// one of the two complete files has that name, also after a crash. Who may read and write the other
+// file keeps these rights. fLckdErr when the other file is locked.
 TB_EXPORT OSErr TB_ReplaceFile(int16_t vRefNum, int32_t dirID, ConstStr255Param sourceName,
                                ConstStr255Param targetName);
 // The n-th file operation from now answers err and does nothing else (FSClose still closes). Every
