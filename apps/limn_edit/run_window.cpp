@@ -1,6 +1,7 @@
 #include "run_window.h"
 
 #include <QApplication>
+#include <QLabel>
 
 namespace limn {
 namespace {
@@ -13,7 +14,13 @@ constexpr int PERIOD = 30;
 } // namespace
 
 void RunWindow::_Open() {
-  _window = std::make_unique<QProgressDialog>(_task, _cancel, 0, STEPS);
+  _window = std::make_unique<QProgressDialog>(QString(), _cancel, 0, STEPS);
+  // A file's name with a tag in it is no page, which would read the files that it names.
+  auto* label = new QLabel;
+  label->setTextFormat(Qt::PlainText);
+  label->setAlignment(Qt::AlignCenter);
+  _window->setLabel(label);
+  _window->setLabelText(_task);
   _window->setWindowTitle(QStringLiteral("Limn"));
   _window->setMinimumDuration(0);
   _window->setMinimumWidth(360);
