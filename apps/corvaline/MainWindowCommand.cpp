@@ -11,6 +11,8 @@
 #include <QSaveFile>
 #include <QStatusBar>
 
+#include <algorithm>
+
 namespace editor {
 namespace {
 
@@ -31,6 +33,11 @@ std::string OutputFor(const QFileInfo& image) {
 bool SaveMask(const QImage& mask, const QString& path) {
   QSaveFile file(path);
   return file.open(QIODevice::WriteOnly) && mask.save(&file, "PNG") && file.commit();
+}
+
+// Quotes are no help against these: a terminal acts on them before a shell reads the line.
+bool HasControls(const std::string& line) {
+  return std::any_of(line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c == 127; });
 }
 
 std::string AreaWords(const QRect& area) {
@@ -64,11 +71,15 @@ bool MainWindow::copyCommand(const QString& maskPath) {
     return false;
   }
   const QFileInfo image(run.path);
-  QGuiApplication::clipboard()->setText(QFile::decodeName(
+  const std::string command =
       limn::CommandLine({*style, Encoded(image.absoluteFilePath()), OutputFor(image),
                          run.isWhole ? "" : AreaWords(run.area),
-                         run.mask.isNull() ? "" : Encoded(maskPath), run.channels})
-          .c_str()));
+                         run.mask.isNull() ? "" : Encoded(maskPath), run.channels});
+  if (HasControls(command)) {
+    _complain(title, tr("A file's name has characters that a terminal takes for keys."));
+    return false;
+  }
+  QGuiApplication::clipboard()->setText(QFile::decodeName(command.c_str()));
   statusBar()->showMessage(
       run.wasModified
           ? tr("Copied the command of the last step; the image was no longer that of its file")

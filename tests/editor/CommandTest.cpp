@@ -47,4 +47,11 @@ TEST_F(EditorRun, ACopiedCommandWritesWhatTheEditorWrites) {
     EXPECT_NE(QGuiApplication::clipboard()->text(), command);
     window->document().noteSaved({}); // so that nobody is asked about it
   }
+  // A terminal would take the first character for Ctrl-C, and the rest for a command.
+  open(makePicture("\x03 touch gone\n.png"));
+  ASSERT_TRUE(lightWithDialog());
+  answerNext(QMessageBox::Ok);
+  EXPECT_FALSE(window->copyCommand(""));
+  EXPECT_EQ(questions, 1);
+  window->document().noteSaved({});
 }
