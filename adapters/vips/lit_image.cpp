@@ -15,7 +15,8 @@ namespace {
 using vips::VImage;
 
 constexpr int NUM_LIT = 3;
-constexpr int LONGEST_SIDE = 32767; // rectangles have 16-bit sides
+constexpr int LONGEST_SIDE = 32767;  // rectangles have 16-bit sides
+constexpr int MOST_CHANNELS = 32767; // their numbers have 16 bits as well
 
 // What all threads share, read only.
 struct Lighting {
@@ -173,6 +174,8 @@ LitArea AreaOf(const VImage& image, const LitSettings& settings) {
 void Prepare(Lighting& lighting, const VImage& image, const LitSettings& settings) {
   const LitArea area = AreaOf(image, settings);
   const int numChannels = image.bands() + static_cast<int>(settings.channels.size());
+  if (numChannels > MOST_CHANNELS)
+    Refuse("the image has more than 32767 channels");
   const auto params = std::make_unique<foo>();
   const CVRect rect = {static_cast<int16_t>(area.y), static_cast<int16_t>(area.x),
                        static_cast<int16_t>(area.y + area.height),
