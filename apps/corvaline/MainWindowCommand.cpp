@@ -11,8 +11,6 @@
 #include <QSaveFile>
 #include <QStatusBar>
 
-#include <algorithm>
-
 namespace editor {
 namespace {
 
@@ -33,11 +31,6 @@ std::string OutputFor(const QFileInfo& image) {
 bool SaveMask(const QImage& mask, const QString& path) {
   QSaveFile file(path);
   return file.open(QIODevice::WriteOnly) && mask.save(&file, "PNG") && file.commit();
-}
-
-// Quotes are no help against these: a terminal acts on them before a shell reads the line.
-bool HasControls(const std::string& line) {
-  return std::any_of(line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c == 127; });
 }
 
 std::string AreaWords(const QRect& area) {
@@ -75,7 +68,7 @@ bool MainWindow::copyCommand(const QString& maskPath) {
       limn::CommandLine({*style, Encoded(image.absoluteFilePath()), OutputFor(image),
                          run.isWhole ? "" : AreaWords(run.area),
                          run.mask.isNull() ? "" : Encoded(maskPath), run.channels});
-  if (HasControls(command)) {
+  if (limn::HasControls(command)) {
     _complain(title, tr("A file's name has characters that a terminal takes for keys."));
     return false;
   }

@@ -5,6 +5,7 @@
 #include "LM_style_json.h"
 #include "LM_style_of_parameters.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -63,6 +64,10 @@ std::string CommandLine(const ApplyCommand& command) {
   if (command.maxPixels != 0)
     line += " --max-pixels " + std::to_string(command.maxPixels);
   return line + " --style " + ShellWord(ShortJson(command.style));
+}
+
+bool HasControls(const std::string& line) {
+  return std::any_of(line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c == 127; });
 }
 
 std::optional<LM_style> StyleOfBlock(const std::vector<uint8_t>& block, int areaWidth,

@@ -34,6 +34,10 @@ std::string ShortJson(const LM_style& style);
 // One word for a shell, quoted if need be.
 std::string ShellWord(const std::string& word);
 
+// Whether a terminal would act on what stands in the line when it is printed or pasted, before a
+// shell reads it: quotes are no help against a name with such characters.
+bool HasControls(const std::string& line);
+
 // The style of a parameter block as a filter session keeps it, of a filter area of that size. None
 // when the bytes are no such block.
 std::optional<LM_style> StyleOfBlock(const std::vector<uint8_t>& block, int areaWidth,

@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <future>
 #include <thread>
+#include <unistd.h>
 
 namespace limn {
 namespace {
@@ -92,11 +93,17 @@ void BeginWithStyle(const EditOptions& options) {
 
 void PrintCommand(const EditOptions& options, const std::vector<uint8_t>& block, CVRect area) {
   const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
-  if (style)
-    PrintLine(CommandLine({*style, options.image, options.output, options.area, options.mask,
-                           options.channels, options.maxPixels, options.force}));
-  else
+  if (!style) {
     PrintProblem(options.image + ": no style lights it exactly like this, so there is no command");
+    return;
+  }
+  const std::string line =
+      CommandLine({*style, options.image, options.output, options.area, options.mask,
+                   options.channels, options.maxPixels, options.force});
+  if (HasControls(line) && isatty(STDOUT_FILENO) != 0)
+    PrintProblem(options.image + ": a terminal would act on its name, so there is no command");
+  else
+    PrintLine(line);
 }
 
 // The list of strings that this window's texts are in, and their places there.
