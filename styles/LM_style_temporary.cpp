@@ -18,9 +18,15 @@
 namespace {
 
 constexpr std::string_view PREFIX = ".limn-";
-constexpr std::string_view OTHERS = ".tmp"; // the command's, which it looks after itself
+constexpr size_t DIGITS = 16;
 // How long a writer waits for a sweep, which takes a moment, in steps of a millisecond.
 constexpr int PATIENCE = 1000;
+
+// No other hidden file is ours to remove, were its beginning the same.
+bool IsTemporaryName(std::string_view name) {
+  return name.size() == PREFIX.size() + DIGITS && name.starts_with(PREFIX) &&
+         name.find_first_not_of("0123456789abcdef", PREFIX.size()) == std::string_view::npos;
+}
 
 int OpenFolder(const LM_style_place& folder) {
   const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, nullptr);
@@ -73,9 +79,8 @@ void LM_SweepTemporaries(const LM_style_place& folder) {
     return;
   std::vector<std::string> found;
   while (const dirent* entry = readdir(listed.get())) {
-    const std::string_view name = entry->d_name;
-    if (name.starts_with(PREFIX) && !name.ends_with(OTHERS))
-      found.emplace_back(name);
+    if (IsTemporaryName(entry->d_name))
+      found.emplace_back(entry->d_name);
   }
   for (const std::string& name : found)
     unlinkat(dirfd(listed.get()), name.c_str(), 0);

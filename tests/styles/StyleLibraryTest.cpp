@@ -79,7 +79,14 @@ TEST_F(StyleLibrary, BeginsWithTheBundledStylesAndTheDefaultOneFirst) {
 TEST_F(StyleLibrary, ADeletedStyleStaysDeletedAndOnlyNewOnesAreAdded) {
   Use();
   std::filesystem::remove(Style("Default"));
+  const std::string temporary = ".limn-0123456789abcdef";
+  Write(temporary, "given up");
+  Write(".limn-notes", "the user's");
+  Write(temporary + ".old", "the user's");
   Use();
+  EXPECT_FALSE(std::filesystem::exists(Style(temporary)));
+  EXPECT_TRUE(std::filesystem::exists(Style(".limn-notes")));
+  EXPECT_TRUE(std::filesystem::exists(Style(temporary + ".old")));
   EXPECT_FALSE(std::filesystem::exists(Style("Default")));
   const std::filesystem::path memory = folder / "limn" / "bundled-styles";
   std::string why;
