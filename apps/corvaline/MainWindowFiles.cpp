@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 
+#include <exception>
 #include <new>
 
 namespace editor {
@@ -36,6 +37,9 @@ template <typename Work> QString Problem(Work work) {
     return TranslatedProblem(QString::fromStdString(failure.what()));
   } catch (const std::bad_alloc&) {
     return MainWindow::tr("There is not enough memory.");
+  } catch (const std::exception& error) {
+    // A library's own: it must not end the program, and what was not saved.
+    return QString::fromUtf8(error.what());
   }
 }
 
