@@ -92,74 +92,6 @@ TEST(Conversion, PlacesAndAimsLights) {
   }
 }
 
-TEST(Conversion, MultipliesColorByIntensity) {
-  const struct {
-    int color, intensity, expected;
-  } cases[] = {
-      {65535, 127, 260092}, {65535, -127, -260092},    {65535, 0, 0}, {31, 1, 0}, {31, -1, 0},
-      {33, -1, -1},         {65535, -32768, -67107840}};
-  for (const auto& each : cases) {
-    ReferenceLight light;
-    light.color = {static_cast<uint16_t>(each.color), 0, 0};
-    light.intensity = static_cast<int16_t>(each.intensity);
-    EXPECT_EQ(Converted(light, 100, 0).color.component[0], each.expected)
-        << each.color << " x " << each.intensity;
-  }
-}
-
-TEST(Conversion, BuildsFalloffTables) {
-  const struct {
-    LM_bool preview;
-    int entries;
-    double scale;
-  } cases[] = {{0, 1024, 3492.74}, {1, 256, 870.62}};
-  for (const auto& each : cases) {
-    for (const int spread : {0, 64, 128, 200, 255}) {
-      SCOPED_TRACE(std::to_string(each.entries) + " entries, spread " + std::to_string(spread));
-      ReferenceLight light;
-      light.type = REFERENCE_SPOT;
-      light.spread = static_cast<int16_t>(spread);
-      const LM_light out = Converted(light, 100, each.preview);
-      EXPECT_NEAR(out.spreadScale, each.scale, 0.01);
-      EXPECT_NEAR(out.spreadTable[0], 0.0, 1e-7);
-      EXPECT_NE(out.spreadTable[0], 0.0F);
-      EXPECT_EQ(out.spreadTable[each.entries - 1], 1.0F);
-      const double steps = each.entries - 1;
-      for (int i = 1; i < each.entries; ++i) {
-        EXPECT_GE(out.spreadTable[i], out.spreadTable[i - 1]) << i;
-        // The middle spread is the cosine of twice the angle.
-        const double c = std::sqrt(0.5) + (1 - std::sqrt(0.5)) * i / steps;
-        if (spread == 128) {
-          EXPECT_NEAR(out.spreadTable[i], 2 * c * c - 1, 1e-6) << i;
-        }
-      }
-    }
-  }
-}
-
-// Exponents from the definition: 0.25, 0.390625 and 16 for spreads 0, 64 and 255.
-TEST(Conversion, BendsFalloffBySpread) {
-  const struct {
-    int spread;
-    double exponent, tolerance;
-  } cases[] = {{0, 0.25, 1e-6}, {64, 0.390625, 1e-6}, {128, 1, 1e-6}, {255, 16, 0.2}};
-  const int middle = 100;
-  const double c = std::sqrt(0.5) + (1 - std::sqrt(0.5)) * middle / 1023;
-  const double u = 2 * std::acos(c) / (M_PI / 2);
-  for (const auto& each : cases) {
-    ReferenceLight light;
-    light.type = REFERENCE_SPOT;
-    light.spread = static_cast<int16_t>(each.spread);
-    const double value = Converted(light, 100, 0).spreadTable[middle];
-    const double exponent = std::log(std::acos(value) / (M_PI / 2)) / std::log(u);
-    if (each.spread < 255) {
-      EXPECT_NEAR(exponent, each.exponent, each.tolerance * 10) << each.spread;
-    } else {
-      EXPECT_NEAR(exponent, each.exponent, each.tolerance) << each.spread;
-    }
-  }
-}
-
 TEST(Conversion, ValidateTurnsTheSecondAxis) {
   const struct {
     LM_vectori2 first, second, expected;
@@ -192,22 +124,4 @@ TEST(Conversion, ValidateTurnsTheSecondAxis) {
     light.Validate();
     EXPECT_EQ(light.handle2, each.second);
   }
-}
-
-TEST(Conversion, AngleOfAVector) {
-  const double pi = 3.1415927410125732;
-  const double half = 1.5707963705062866;
-  const struct {
-    double y, x, expected;
-  } cases[] = {{0, 0, half},
-               {1, 0, half},
-               {-1, 0, -half},
-               {0, 2, 0},
-               {0, -2, pi},
-               {1, 1, std::atan(1.0)},
-               {1, -1, pi - std::atan(1.0)},
-               {-1, -1, std::atan(1.0) - pi},
-               {-1, 1, -std::atan(1.0)}};
-  for (const auto& each : cases)
-    EXPECT_EQ(LM_ATan2(each.y, each.x), each.expected) << each.y << ", " << each.x;
 }

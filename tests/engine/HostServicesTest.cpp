@@ -72,13 +72,3 @@ TEST(HostServices, ChannelNames) {
   }
   EXPECT_EQ(TB_BlocksInUse(), blocks); // every name's handle was disposed of
 }
-
-TEST(HostServices, SignatureHasToMatchInEveryByte) {
-  FilterRecord record{};
-  record.hostSignature = 0x39565852; // "9VXR"
-  EXPECT_TRUE(LM_HostIsCorvaline(&record));
-  for (int bit = 0; bit < 32; bit += 8) {
-    record.hostSignature = 0x39565852U ^ (1U << bit);
-    EXPECT_FALSE(LM_HostIsCorvaline(&record));
-  }
-}

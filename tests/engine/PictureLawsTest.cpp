@@ -11,86 +11,7 @@ std::vector<uint8_t> Render(const Scene& scene) {
   return EngineRun(scene).RenderTiles();
 }
 
-// A square scene lit by lights whose conversion has no preferred side.
-Scene SymmetricScene(uint64_t seed) {
-  Scene scene = MakeScene(seed, {70, 4900});
-  SceneRandom random(seed);
-  scene.width = scene.height = std::min(scene.width, scene.height);
-  scene.area = {0, 0, scene.height, scene.width};
-  scene.pixels.resize(size_t{3} * static_cast<size_t>(scene.width) *
-                      static_cast<size_t>(scene.height));
-  scene.heights.clear();
-  for (ReferenceLight& light : scene.settings.lights)
-    light.type = random.Between(REFERENCE_OMNI, REFERENCE_DIRECTIONAL);
-  return scene;
-}
-
-using MovePoint = ReferencePoint (*)(ReferencePoint);
-using MovePixel = std::pair<int, int> (*)(int x, int y, int last);
-
-std::vector<uint8_t> Moved(const std::vector<uint8_t>& picture, int edge, MovePixel move) {
-  std::vector<uint8_t> out(picture.size());
-  for (int y = 0; y < edge; ++y) {
-    for (int x = 0; x < edge; ++x) {
-      const auto [toX, toY] = move(x, y, edge - 1);
-      std::copy_n(picture.begin() + (y * edge + x) * 3, 3, out.begin() + (toY * edge + toX) * 3);
-    }
-  }
-  return out;
-}
-
-int16_t Negative(int16_t value) {
-  return static_cast<int16_t>(-value);
-}
-
 } // namespace
-
-TEST(PictureLaws, TurningTheLightsTurnsThePicture) {
-  const struct {
-    const char* name;
-    MovePoint point;
-    MovePixel pixel;
-  } cases[] = {
-      {"left for right",
-       [](ReferencePoint p) -> ReferencePoint {
-         return {Negative(p.h), p.v};
-       },
-       [](int x, int y, int last) { return std::pair(last - x, y); }},
-      {"top for bottom",
-       [](ReferencePoint p) -> ReferencePoint {
-         return {p.h, Negative(p.v)};
-       },
-       [](int x, int y, int last) { return std::pair(x, last - y); }},
-      {"rows for columns",
-       [](ReferencePoint p) -> ReferencePoint {
-         return {p.v, p.h};
-       },
-       [](int x, int y, int) { return std::pair(y, x); }},
-  };
-  for (const auto& each : cases) {
-    for (uint64_t seed = 0; seed < 20; seed += seed % 5 == 3 ? 2 : 1) { // usual ones
-      const Scene scene = SymmetricScene(seed);
-      SCOPED_TRACE(each.name + (" of " + scene.name));
-      Scene turned = scene;
-      turned.pixels = Moved(scene.pixels, scene.width, each.pixel);
-      for (ReferenceLight& light : turned.settings.lights) {
-        light.center = each.point(light.center);
-        light.handle1 = each.point(light.handle1);
-      }
-      ExpectSamePicture(Moved(Render(scene), scene.width, each.pixel), Render(turned), scene.width);
-    }
-  }
-}
-
-TEST(PictureLaws, OrderOfLightsDoesNotMatter) {
-  for (uint64_t seed = 0; seed < 40; ++seed) {
-    Scene scene = MakeScene(seed, {40, 1600});
-    SCOPED_TRACE(scene.name);
-    const std::vector<uint8_t> before = Render(scene);
-    std::reverse(scene.settings.lights.begin(), scene.settings.lights.end());
-    ExpectSamePicture(before, Render(scene), scene.width);
-  }
-}
 
 TEST(PictureLaws, FlatReliefIsFlat) {
   for (uint64_t seed = 0; seed < 60; ++seed) {
@@ -187,26 +108,4 @@ TEST(PictureLaws, RunsEndAt1024Samples) {
       EXPECT_EQ(out.back(), 77);
     }
   }
-}
-
-TEST(PictureLaws, SamplesSitOnPixelCentres) {
-  Scene scene = MakeScene(0);
-  scene.width = 100;
-  scene.height = 50;
-  scene.area = {0, 0, 50, 100};
-  scene.geometry = {140, 140, 0}; // one shading unit across
-  scene.pixels.assign(100 * 50 * 3, 9);
-  scene.heights.clear();
-  EngineRun run(scene);
-  run.globals->AllocateCaches(100, 50, 0);
-  run.Convert(0);
-  run.record.inTileRect = run.record.outTileRect = run.record.filterArea;
-  run.Deliver();
-  LM_ShadeTile(&run.record, run.globals.get());
-  ASSERT_TRUE(run.globals->PosCacheHot());
-  const LM_vector2f* positions = run.globals->PosCache();
-  EXPECT_FLOAT_EQ(positions[0].x, -0.495F);
-  EXPECT_FLOAT_EQ(positions[0].y, -0.245F);
-  EXPECT_FLOAT_EQ(positions[4999].x, 0.495F);
-  EXPECT_FLOAT_EQ(positions[4999].y, 0.245F);
 }

@@ -41,18 +41,6 @@ TEST(Preview, FitsTheFrame) {
   }
 }
 
-TEST(Preview, RowBytesAreWholeWords) {
-  Scene scene = PreviewScene(2);
-  scene.width = 5;
-  scene.height = 4;
-  scene.area = {0, 0, 4, 5};
-  EngineRun run(scene);
-  ASSERT_TRUE(run.CollectPreview(256));
-  EXPECT_EQ(run.globals->previewMaps[LM_PREVIEW_MAP].rowBytes, 16);
-  EXPECT_EQ(run.globals->previewMaps[LM_BUMP_PREVIEW_MAP].rowBytes, 12);
-  EXPECT_EQ(run.globals->previewMaps[LM_FRAME_MAP].rowBytes, 840);
-}
-
 TEST(Preview, EqualsPlainShaderColdAndHot) {
   for (uint64_t seed = 0; seed < 60 && !testing::Test::HasFailure(); ++seed) {
     Scene scene = PreviewScene(seed);

@@ -1,11 +1,9 @@
-// Heights, and the facets made of them.
+// Heights stored from whatever a host delivers, and which facets are one. What they look like, the
+// scenes tell.
 #include "EngineRun.h"
-#include "LM_memory.h"
-#include "LM_shader.h"
+#include "LM_bumps.h"
 #include "MacMemory.h"
 
-#include <algorithm>
-#include <cmath>
 #include <gtest/gtest.h>
 
 namespace {
@@ -100,36 +98,6 @@ TEST(Relief, FlatFacetsMergeAndSlopedOnesDoNot) {
   }
 }
 
-TEST(Relief, NormalsLeanAwayFromTheSlope) {
-  const LM_vector3f flat = LM_FacetNormal(0, 0);
-  EXPECT_EQ(flat.x, 0.0F);
-  EXPECT_EQ(flat.y, 0.0F);
-  EXPECT_EQ(flat.z, 1.0F);
-  const LM_vector3f right = LM_FacetNormal(4096, 0); // 45 degrees, up to the right
-  EXPECT_NEAR(right.x, -std::sqrt(0.5), 1e-6);
-  EXPECT_NEAR(right.z, std::sqrt(0.5), 1e-6);
-  const LM_vector3f top = LM_FacetNormal(0, 4096); // up to the top: leans down the picture
-  EXPECT_NEAR(top.y, std::sqrt(0.5), 1e-6);
-  const LM_vector3f steep = LM_FacetNormal(-35389440, 35389440); // squares beyond 32 bits
-  EXPECT_NEAR(steep.x, std::sqrt(0.5), 1e-4);
-  EXPECT_GT(steep.z, 0.0F);
-}
-
-TEST(Relief, StoresHeightsFromTheSecondPixelOn) {
-  Heights heights;
-  // One bright byte at (4, 3): its height's centre is (4 - 2, 3 - 2).
-  ASSERT_EQ(heights.Store(9, 8, 68, [](int x, int y) { return x == 4 && y == 3 ? 1 : 0; }), 0);
-  const LM_bump_map& map = heights.Map();
-  EXPECT_EQ(map.width, 7U);
-  EXPECT_EQ(map.rowBytes, 28U);
-  const auto at = [&](int x, int y) { return map.heights[y * 7 + x]; };
-  EXPECT_EQ(at(2, 1), 32);
-  EXPECT_EQ(at(1, 1), 8);
-  EXPECT_EQ(at(3, 2), 2);
-  EXPECT_EQ(at(4, 1), 0);
-  EXPECT_EQ(at(6, 5), 0); // its taps were not delivered
-}
-
 TEST(Relief, StoringSurvivesOddRectanglesAndShortMemory) {
   const auto ramp = [](int x, int) { return x; };
   for (const auto& [columns, rows] : {std::pair{1, 1}, {2, 2}, {3, 2}, {2, 9}, {5, 3}, {0, 0}}) {
@@ -146,31 +114,4 @@ TEST(Relief, StoringSurvivesOddRectanglesAndShortMemory) {
   TB_FailAllocationAfter(0);
   EXPECT_EQ(heights.Store(10, 10, 256, ramp), 0);
   EXPECT_NE(heights.Map().heights, nullptr);
-}
-
-TEST(Relief, SpotConeThatMissesThePixelLightsNoFacet) {
-  ReferenceLight spot;
-  spot.type = REFERENCE_SPOT;
-  spot.handle1 = {50, 0};
-  spot.handle2 = {0, 50};
-  spot.color = {65535, 65535, 65535};
-  spot.intensity = 127;
-  spot.spread = 128;
-  LM_light light{};
-  ToEngine(spot).ConvertToRealLight(&light, 100, 0);
-  const float tilt = std::sqrt(0.5F);
-  const LM_vector2f positions[4] = {{2, 0}, {2, 0}, {0, 0}, {0, 0}};
-  // The first pixel lies outside the cone, however much a facet leans to the light; the second
-  // pixel lies inside, one facet facing up and one turned away.
-  const LM_vector3f normals[4] = {{-tilt, 0, tilt}, {0, 0, 1}, {0, 0, 1}, {0, -1, -0.1F}};
-  const int32_t weights[6] = {8, 8, 0, 8, 8, 0};
-  LM_color96 diffuse[4] = {};
-  LM_color96 specular[4] = {};
-  LM_ShadeLightBumps(light, 4, positions, normals, diffuse, specular, weights);
-  EXPECT_EQ(diffuse[0].component[0], 0);
-  EXPECT_EQ(diffuse[1].component[0], 0);
-  EXPECT_GT(diffuse[2].component[0], 0);
-  EXPECT_GT(specular[2].component[0], 0);
-  EXPECT_EQ(diffuse[3].component[0], 0);
-  EXPECT_EQ(specular[3].component[0], 0);
 }

@@ -41,6 +41,10 @@ std::vector<const LM_kernels*> AllKernels() {
   return all;
 }
 
+const char* NameOf(const LM_kernels* kernels) {
+  return kernels != nullptr ? kernels->name : "plain";
+}
+
 Scene SizedScene(uint64_t seed, int width, int height, bool relief) {
   SceneRandom random(seed);
   Scene scene;

@@ -16,6 +16,7 @@ struct RenderLayout {
 
 // The kernels of this machine, and null for none.
 std::vector<const LM_kernels*> AllKernels();
+const char* NameOf(const LM_kernels* kernels);
 
 // A scene of that size, lit by what the dialog can make, its area the whole image.
 Scene SizedScene(uint64_t seed, int width, int height, bool relief);

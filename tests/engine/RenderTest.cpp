@@ -3,20 +3,10 @@
 #include "EngineRun.h"
 #include "RenderRun.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <thread>
 
 namespace {
-
-int SceneCount() {
-  const char* asked = std::getenv("LIMN_TEST_SCENES");
-  return asked ? std::atoi(asked) : LIMN_TEST_SCENES;
-}
-
-const char* NameOf(const LM_kernels* kernels) {
-  return kernels != nullptr ? kernels->name : "plain";
-}
 
 // Lights the scene's area by rectangles of at most width x height.
 std::vector<uint8_t> InPieces(const Scene& scene, const foo& params, const RenderLayout& layout,
@@ -31,20 +21,6 @@ std::vector<uint8_t> InPieces(const Scene& scene, const foo& params, const Rende
 }
 
 } // namespace
-
-TEST(Render, WholeImagesEqualTheTileWalk) {
-  for (int seed = 0; seed < SceneCount() && !testing::Test::HasFailure(); ++seed) {
-    const Scene scene = MakeScene(static_cast<uint64_t>(seed));
-    EngineRun walk(scene);
-    const std::vector<uint8_t> expected = walk.RenderTiles();
-    const foo* params = walk.Convert(0);
-    for (const LM_kernels* kernels : AllKernels()) {
-      SCOPED_TRACE(scene.name + ", " + NameOf(kernels));
-      const RenderLayout layout = {kernels, 3 + seed % 3, 1 + seed % 2, seed % 4 == 1};
-      ExpectSamePicture(expected, InPieces(scene, *params, layout, 4096, 4096), scene.width);
-    }
-  }
-}
 
 // Widths beside vectors and blocks, pieces beside both, and strips that hold nothing but what a
 // piece needs.

@@ -34,12 +34,20 @@ Scene SmallScene(const ReferenceLight& light, bool relief) {
 
 } // namespace
 
+// Tile by tile, and at once by the plain rows and every set of vector kernels.
 TEST(Scenes, EngineEqualsPlainShader) {
   for (int seed = 0; seed < SceneCount() && !testing::Test::HasFailure(); ++seed) {
     const Scene scene = MakeScene(static_cast<uint64_t>(seed));
     SCOPED_TRACE(scene.name);
+    const std::vector<uint8_t> expected = RenderScene(scene);
     EngineRun run(scene);
-    ExpectSamePicture(RenderScene(scene), run.RenderTiles(), scene.width);
+    ExpectSamePicture(expected, run.RenderTiles(), scene.width);
+    for (const LM_kernels* kernels : AllKernels()) {
+      SCOPED_TRACE(NameOf(kernels));
+      RenderRun whole(scene, *run.Convert(0), {kernels, 3 + seed % 3, 1 + seed % 2, seed % 4 == 1});
+      whole.Light({scene.area.top, scene.area.left, scene.area.bottom, scene.area.right});
+      ExpectSamePicture(expected, whole.Picture(), scene.width);
+    }
   }
 }
 

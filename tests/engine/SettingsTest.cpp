@@ -2,7 +2,6 @@
 #include "EngineRun.h"
 #include "MacMemory.h"
 
-#include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -21,39 +20,24 @@ GlobalsPointer Defaults(int lights = 1) {
   return globals;
 }
 
-foo EmptyParameters() {
-  foo params{};
-  LM_InitParameters(&params);
-  return params;
-}
-
 } // namespace
 
 TEST(Settings, Default) {
-  const GlobalsPointer globals = Defaults();
-  EXPECT_EQ(globals->gloss, 128);
-  EXPECT_EQ(globals->material, 0);
-  EXPECT_EQ(globals->exposure, 128);
-  EXPECT_EQ(globals->ambientBrightness, 16);
-  EXPECT_EQ(globals->bumpAmplitude, 128);
-  EXPECT_EQ(globals->whiteIsHigh, 1);
-  EXPECT_EQ(globals->bumpChannel, 0);
-  EXPECT_EQ(globals->ambientColor.component[2], 65535);
-  EXPECT_EQ(globals->numLights, 1);
-  EXPECT_EQ(globals->curLight, 0);
-  const LM_light_UI& light = globals->lights[0];
-  EXPECT_EQ(light.type, LM_LIGHT_SPOT);
+  const GlobalsPointer g = Defaults();
+  const LM_light_UI& light = g->lights[0];
+  using Values = std::vector<int>;
+  EXPECT_EQ((Values{g->gloss, g->material, g->exposure, g->ambientBrightness, g->bumpAmplitude,
+                    g->whiteIsHigh, g->bumpChannel, g->numLights, g->curLight}),
+            (Values{128, 0, 128, 16, 128, 1, 0, 1, 0}));
+  EXPECT_EQ((Values{light.type, light.radius, light.intensity, light.spread, light.on}),
+            (Values{LM_LIGHT_SPOT, 30, 127, 128, 1}));
+  EXPECT_EQ(g->ambientColor.component[2], 65535);
+  EXPECT_EQ(light.color.component[1], 65535);
+  EXPECT_EQ(light.color.component[2], 0); // yellow
   EXPECT_EQ(light.center, (LM_vectori2{0, 0}));
   EXPECT_EQ(light.anchor, (LM_vectori2{150, 120}));
   EXPECT_EQ(light.handle1, (LM_vectori2{30, 30}));
   EXPECT_EQ(light.handle2, (LM_vectori2{-15, 15}));
-  EXPECT_EQ(light.radius, 30);
-  EXPECT_EQ(light.intensity, 127);
-  EXPECT_EQ(light.spread, 128);
-  EXPECT_EQ(light.on, 1);
-  EXPECT_EQ(light.color.component[1], 65535);
-  EXPECT_EQ(light.color.component[2], 0); // yellow
-  EXPECT_EQ(light.globals, globals.get());
 }
 
 TEST(Settings, AddedLights) {
@@ -125,32 +109,6 @@ TEST(Settings, DeletingClosesTheGap) {
   EXPECT_EQ(globals->numLights, 1);
 }
 
-TEST(Settings, BecomeParameters) {
-  const struct {
-    int color, ambience, expected;
-  } ambients[] = {{65535, -127, -130046}, {65535, 16, 16383},        {63, 1, 0}, {63, -1, 0},
-                  {65, -1, -1},           {65535, -32768, -33553920}};
-  for (const auto& each : ambients) {
-    const GlobalsPointer globals = Defaults();
-    globals->ambientColor = {{static_cast<uint16_t>(each.color), 0, 0}};
-    globals->ambientBrightness = static_cast<int16_t>(each.ambience);
-    foo params = EmptyParameters();
-    globals->ConvertToParameters(&params, 0);
-    EXPECT_EQ(params.ambient.component[0], each.expected);
-  }
-  const struct {
-    int amplitude, high, expected;
-  } heights[] = {{128, 1, 256}, {128, 0, -256}, {0, 0, 0}, {-32768, 0, 65536}, {32767, 1, 65534}};
-  for (const auto& each : heights) {
-    const GlobalsPointer globals = Defaults();
-    globals->SetBumpAmplitude(static_cast<int16_t>(each.amplitude));
-    globals->SetWhiteIsHigh(each.high);
-    foo params = EmptyParameters();
-    globals->ConvertToParameters(&params, 0);
-    EXPECT_EQ(params.bumpHeight, each.expected);
-  }
-}
-
 TEST(Settings, PackSwitchedOnLights) {
   const GlobalsPointer globals = Defaults(4);
   for (int i = 0; i < 4; ++i) {
@@ -159,7 +117,8 @@ TEST(Settings, PackSwitchedOnLights) {
   }
   globals->lights[0].on = 0;
   globals->lights[2].on = 2; // not exactly 1
-  foo params = EmptyParameters();
+  foo params{};
+  LM_InitParameters(&params);
   globals->ConvertToParameters(&params, 0);
   EXPECT_EQ(params.magic, 0x05BF44FD);
   EXPECT_FLOAT_EQ(params.worldScale, 256.0F / 140.0F);
@@ -209,18 +168,6 @@ TEST(Settings, SettersReachTheCachesThatDepend) {
     EXPECT_EQ(globals->UsePosCache() != 0, each.effect != Effect::Freed);
     EXPECT_EQ(globals->lights[0].UseSpecularCache() != 0, each.effect != Effect::Freed);
   }
-}
-
-TEST(Settings, AMissingCacheStaysCold) {
-  const GlobalsPointer globals = Defaults();
-  globals->PosCacheHot(1);
-  globals->WeightCacheHot(1);
-  globals->SpecularSumCacheHot(1);
-  globals->lights[0].DiffuseCacheHot(1);
-  EXPECT_EQ(globals->PosCacheHot(), 0);
-  EXPECT_EQ(globals->WeightCacheHot(), 0);
-  EXPECT_EQ(globals->SpecularSumCacheHot(), 0);
-  EXPECT_EQ(globals->lights[0].DiffuseCacheHot(), 0);
 }
 
 TEST(Settings, ALightsChangeMakesItsSumsCold) {
@@ -276,13 +223,4 @@ TEST(Settings, EverythingIsReleased) {
     globals->AllocateCaches(10, 10, 0);
   }
   EXPECT_EQ(TB_BlocksInUse(), blocks);
-}
-
-TEST(Settings, EllipseTableIsTheUnitCircle) {
-  const GlobalsPointer globals = Defaults();
-  for (int i = 0; i < LM_ELLIPSE_STEPS; ++i) {
-    const double angle = 2 * M_PI * i / LM_ELLIPSE_STEPS;
-    EXPECT_NEAR(globals->ellipseCos[i], std::cos(angle), 1e-5);
-    EXPECT_NEAR(globals->ellipseSin[i], std::sin(angle), 1e-5);
-  }
 }

@@ -109,39 +109,3 @@ TEST(Tiles, ProgressCountsOneMoreColumnAndBand) {
     EXPECT_EQ(LM_NumTilesNeeded(&record), each.expected) << each.width << " x " << each.height;
   }
 }
-
-TEST(Tiles, BumpRequestsGrowAndShrinkBack) {
-  Scene scene = MakeScene(2);
-  scene.heights.assign(scene.pixels.size() / 3, 0);
-  EngineRun run(scene);
-  run.Convert(0)->bumpChannel = 9;
-  FilterRecord& record = run.record;
-  record.filterArea = {0, 0, 200, 300};
-  run.globals->previewScale = 4;
-
-  LM_SetFirstRealTileRects(&record, run.globals.get());
-  LM_RealToBumpRects(&record, run.globals.get());
-  EXPECT_EQ(record.inTileRect, (CVRect{-3, -3, 67, 67}));
-  EXPECT_EQ(record.outTileRect, (CVRect{0, 0, 0, 0}));
-  EXPECT_EQ(record.inEdgeMode, -1);
-  EXPECT_EQ(record.absolutePlanesWanted, 1);
-  EXPECT_EQ(record.inFirstPlane, 8); // from the parameter block
-  EXPECT_EQ(record.inLastPlane, 8);
-  LM_BumpToRealRects(&record, run.globals.get());
-  EXPECT_EQ(record.inTileRect, (CVRect{0, 0, 64, 64}));
-  EXPECT_EQ(record.outTileRect, (CVRect{0, 0, 64, 64}));
-  EXPECT_EQ(record.inEdgeMode, -2);
-  EXPECT_EQ(record.absolutePlanesWanted, 0);
-  EXPECT_EQ(record.inLastPlane, 2);
-  EXPECT_EQ(record.outLastPlane, 2);
-
-  LM_SetFirstPreviewTileRects(&record, run.globals.get());
-  LM_PreviewToBumpRects(&record, run.globals.get());
-  EXPECT_EQ(record.inTileRect, (CVRect{-12, -12, 76, 76}));
-  EXPECT_EQ(record.inFirstPlane, 3); // from the settings being edited
-  EXPECT_EQ(record.maskTileRect, (CVRect{0, 0, 64, 64}));
-  LM_BumpToPreviewRects(&record, run.globals.get());
-  EXPECT_EQ(record.inTileRect, (CVRect{0, 0, 64, 64}));
-  EXPECT_EQ(record.outTileRect, (CVRect{0, 0, 64, 64})); // full height
-  EXPECT_EQ(record.inEdgeMode, -2);
-}
