@@ -7,9 +7,12 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QWidget>
+#include <functional>
 #include <map>
 
 namespace {
+
+constexpr int ANSWERED = 60; // milliseconds until the dialog has done what it was asked for
 
 QWidget* Window() {
   for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -86,23 +89,23 @@ TEST_F(DialogRun, EveryItemTellsItsNameRoleAndValue) {
 
 TEST_F(DialogRun, ItemsAreUsedWithoutAMouse) {
   RunAndCancel([&](ToolboxScript& script) {
-    script.Call([&] { Items().at("Gloss")->valueInterface()->setCurrentValue(40); })
-        .Call([&] { EXPECT_EQ(Globals()->gloss, 40); })
-        .Call([&] { Act("Gloss", FOCUS); })
-        .KeyPress(kRightArrowKeyCode)
-        .Call([&] { EXPECT_EQ(Globals()->gloss, 41); })
-        .Call([&] { PressKey(Qt::Key_End); })
-        .Call([&] { EXPECT_EQ(Globals()->gloss, 255); })
-        .Call([&] { PressKey(Qt::Key_F6); })
-        .Call([&] { EXPECT_TRUE(Items().at("Material")->state().focused); })
-        .Call([&] { Act("Switched on", TOGGLE); })
-        .Call([&] { EXPECT_NE(Globals()->lights[0].on, 1); })
-        .Call([&] { Act("Switched on", FOCUS); })
-        .Call([&] { PressKey(Qt::Key_Space); })
-        .Call([&] { EXPECT_EQ(Globals()->lights[0].on, 1); })
-        .Call([&] { Act("Kind of light", FOCUS); })
-        .Call([&] { PressKey(Qt::Key_Home); })
-        .Call([&] { EXPECT_EQ(Globals()->lights[0].type, LM_LIGHT_DIRECTIONAL); });
+    const auto expect = [&](std::function<void()> check) {
+      script.Wait(ANSWERED).Call(std::move(check));
+    };
+    script.Call([&] { Items().at("Gloss")->valueInterface()->setCurrentValue(40); });
+    expect([&] { EXPECT_EQ(Globals()->gloss, 40); });
+    script.Call([&] { Act("Gloss", FOCUS); }).KeyPress(kRightArrowKeyCode);
+    expect([&] { EXPECT_EQ(Globals()->gloss, 41); });
+    script.Call([&] { PressKey(Qt::Key_End); });
+    expect([&] { EXPECT_EQ(Globals()->gloss, 255); });
+    script.Call([&] { PressKey(Qt::Key_F6); });
+    expect([&] { EXPECT_TRUE(Items().at("Material")->state().focused); });
+    script.Call([&] { Act("Switched on", TOGGLE); });
+    expect([&] { EXPECT_NE(Globals()->lights[0].on, 1); });
+    script.Call([&] { Act("Switched on", FOCUS); }).Call([&] { PressKey(Qt::Key_Space); });
+    expect([&] { EXPECT_EQ(Globals()->lights[0].on, 1); });
+    script.Call([&] { Act("Kind of light", FOCUS); }).Call([&] { PressKey(Qt::Key_Home); });
+    expect([&] { EXPECT_EQ(Globals()->lights[0].type, LM_LIGHT_DIRECTIONAL); });
   });
 }
 

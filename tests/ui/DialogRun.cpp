@@ -59,8 +59,7 @@ void Deliver() {
 
 int16_t NextTile() {
   Deliver();
-  const int16_t trouble = host.answers->trouble(HostService::NextTile);
-  return trouble != 0 ? trouble : host.answers->nextTile;
+  return host.answers->trouble(HostService::NextTile);
 }
 
 int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, int32_t column,
@@ -77,7 +76,7 @@ int16_t QueryProperty(uint32_t, uint32_t key, int32_t index, int32_t* value, CVH
     return trouble;
   if (key == CV_PROPERTY_NUM_CHANNELS) {
     *value = static_cast<int32_t>(answers.channels.size());
-    return answers.numChannels;
+    return 0;
   }
   const std::string& name = answers.channels[static_cast<size_t>(index)];
   *handle = NewHandle(static_cast<Size>(name.size()));
@@ -266,6 +265,10 @@ void DialogRun::WriteStyle(const std::string& name, int16_t gloss, int16_t chann
   style.bumpChannel = channel;
   style.numLights = style.lightsRead = 1;
   style.lights[0] = LM_NewStyleLight();
+  WriteStyle(name, style);
+}
+
+void DialogRun::WriteStyle(const std::string& name, const LM_style& style) const {
   uint8_t bytes[LM_STYLE_MAX_BYTES];
   const size_t size = LM_EncodeStyle(style, bytes);
   std::filesystem::create_directories(StylePath(""));

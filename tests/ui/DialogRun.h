@@ -4,6 +4,7 @@
 #define DIALOG_RUN_H
 
 #include "LM_mac_UI.h"
+#include "LM_style.h"
 #include "ToolboxScript.h"
 
 #include <filesystem>
@@ -19,9 +20,7 @@ struct HostAnswers {
   // Asked at each call of a service: the error to answer, 0 for none.
   std::function<int16_t(HostService)> trouble = [](HostService) { return int16_t{0}; };
   std::vector<std::string> channels = {"Red", "Green", "Blue", "Height"};
-  int16_t nextTile = 0; // result codes
-  int16_t numChannels = 0;
-  int16_t picker = 0;
+  int16_t picker = 0; // its result code
   CVColorRequest asked = {};
   std::string prompt;
   std::vector<int16_t> alerts; // numbers of those that were shown
@@ -56,6 +55,7 @@ protected:
   std::string Bytes(const std::string& name) const;
   // Writes a style that has this gloss and this relief channel.
   void WriteStyle(const std::string& name, int16_t gloss, int16_t channel = 0) const;
+  void WriteStyle(const std::string& name, const LM_style& style) const;
 
   std::filesystem::path folder;
   FilterRecord record{};

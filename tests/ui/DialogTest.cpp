@@ -1,13 +1,9 @@
 // The parameter dialog in use: what events, items and controls do to the settings.
 #include "DialogRun.h"
 
-#include "Cursors.h"
 #include "Events.h"
-#include "LM_style_codec.h"
 #include "LM_style_fields.h"
 #include "MacStrings.h"
-
-#include <fstream>
 
 namespace {
 
@@ -285,20 +281,10 @@ TEST_F(DialogRun, ColourBoxesAskTheHost) {
   });
 }
 
-TEST_F(DialogRun, AHostThatFailsEndsTheDialogWithItsCode) {
-  ToolboxScript nothing;
-  answers.numChannels = -77;
-  EXPECT_EQ(Run(nothing), -77);
-  EXPECT_EQ(FrontWindow(), nullptr);
-  answers.numChannels = 0;
-  ToolboxScript choosing;
-  choosing.Call([&] { answers.nextTile = -78; });
-  ClickItem(choosing, LM_BUMP_CHANNEL_ITEM);
-  choosing.Wait(60).ChooseFromMenu(2);
-  EXPECT_EQ(Run(choosing), -78);
-  EXPECT_EQ(FrontWindow(), nullptr);
-  // One that only lacks the service has no relief to offer.
-  answers.numChannels = CV_RESULT_NO_SERVICE;
+TEST_F(DialogRun, AHostThatDoesNotTellOfItsChannelsOffersNoRelief) {
+  answers.trouble = [](HostService service) {
+    return static_cast<int16_t>(service == HostService::QueryProperty ? CV_RESULT_NO_SERVICE : 0);
+  };
   ToolboxScript accepting;
   accepting.Call(
       [&] { EXPECT_EQ(GetControlMaximum(LM_ItemControl(Dialog(), LM_BUMP_CHANNEL_ITEM)), 1); });
@@ -372,13 +358,9 @@ TEST_F(DialogRun, WorksOnTheWildestStyle) {
     light.radius = INT16_MIN;
     light.on = static_cast<uint16_t>(i % 3);
   }
-  uint8_t bytes[LM_STYLE_MAX_BYTES];
-  const size_t size = LM_EncodeStyle(style, bytes);
   for (const int16_t unit : {0, 140, 1}) {
     style.worldUnit = unit;
-    std::filesystem::create_directories(StylePath(""));
-    std::ofstream(StylePath("Default"), std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
+    WriteStyle("Default", style);
     RunAndCancel([&](ToolboxScript& script) {
       script.Call([&] {
         EXPECT_EQ(Globals()->numLights, LM_MAX_LIGHTS);

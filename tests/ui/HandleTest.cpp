@@ -221,24 +221,4 @@ TEST_F(Handles, ExtremePlacesDrawNothingWrongAndUndoThemselves) {
   light().DrawActive(&globals, 1);
 }
 
-TEST_F(Handles, DrawingLeavesThePenAsItWas) {
-  const RGBColor black = {0, 0, 0};
-  PenSize(3, 2);
-  PenMode(srcXor);
-  MoveTo(7, 8);
-  for (int type = 0; type <= 2; ++type) {
-    light().type = type;
-    light().DrawActive(&globals, 1);
-    light().DrawInactive();
-    light()._DrawXORActive(1, 1, &globals);
-    PenState pen;
-    GetPenState(&pen);
-    EXPECT_TRUE(pen.pnSize.h == 3 && pen.pnSize.v == 2 && pen.pnMode == srcXor) << type;
-    EXPECT_TRUE(pen.pnLoc.h == 7 && pen.pnLoc.v == 8) << type;
-    RGBColor fore;
-    GetForeColor(&fore);
-    EXPECT_TRUE(fore.red == black.red && fore.green == black.green) << type;
-  }
-}
-
 } // namespace

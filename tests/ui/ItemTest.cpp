@@ -102,19 +102,6 @@ TEST_F(Item, TheWellIsEmptyOnlyWithSixteenLights) {
   EXPECT_EQ(shown(15), RGB(255, 0, 0));
 }
 
-TEST_F(Item, TheTrashIsHighlightedAndBackAgain) {
-  const auto trash = [&] { return PixelsOf(test.Box(LM_TRASH_ITEM)); };
-  LM_DrawTrash(test.dialog, LM_TRASH_ITEM);
-  const Pixels plain = trash();
-  LM_DrawInverseTrash(test.dialog, LM_TRASH_ITEM);
-  const Pixels highlighted = trash();
-  EXPECT_NE(highlighted, plain);
-  LM_DrawInverseTrash(test.dialog, LM_TRASH_ITEM);
-  EXPECT_EQ(trash(), highlighted);
-  LM_DrawTrash(test.dialog, LM_TRASH_ITEM);
-  EXPECT_EQ(trash(), plain);
-}
-
 TEST_F(Item, SmallButtonsHaveAFrameAndALabelAndAreGreyWhenDisabled) {
   LM_DrawSmallButton(test.dialog, LM_SAVE_STYLE_ITEM);
   LM_DrawSmallButton(test.dialog, LM_DELETE_STYLE_ITEM);
