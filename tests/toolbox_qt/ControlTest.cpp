@@ -51,28 +51,6 @@ TEST(Control, ADefinitionIsAskedInOrder) {
   EXPECT_EQ(SliderLog().back(), "dispose");
 }
 
-TEST(Control, AnIndicatorIsDraggedByItsDefinition) {
-  SampleDialog sample;
-  const Rect box = sample.Box(SLIDER_ITEM);
-  ToolboxScript script;
-  script.Drag(static_cast<short>(box.left + 90), static_cast<short>(box.top + 12),
-              static_cast<short>(box.right - 6), static_cast<short>(box.top + 200));
-  script.Start();
-  SliderLog().clear();
-  int16_t item = 0;
-  ModalDialog(nullptr, &item);
-  EXPECT_EQ(item, SLIDER_ITEM);
-  EXPECT_EQ(GetControlValue(sample.Control(SLIDER_ITEM)), 100);
-  EXPECT_NE(std::find(SliderLog().begin(), SliderLog().end(), "drag 130"), SliderLog().end());
-  // The same place again changes nothing and hits nothing; the click on OK ends the loop.
-  ToolboxScript again;
-  again.Click(static_cast<short>(box.right - 6), static_cast<short>(box.top + 12));
-  const Point middle = sample.Middle(OK_ITEM);
-  again.Click(middle.h, middle.v).Start();
-  ModalDialog(nullptr, &item);
-  EXPECT_EQ(item, OK_ITEM);
-}
-
 Handle savedDefinition = nullptr;
 int wrappedDraws = 0;
 

@@ -137,18 +137,4 @@ TEST(Region, SetArithmetic) {
     DisposeRgn(region);
 }
 
-TEST(Region, ClipComesBack) {
-  TestPort port(6, 3);
-  RgnHandle saved = NewRgn();
-  GetClip(saved);
-  const Rect left = Box(0, 0, 3, 3);
-  ClipRect(&left);
-  PaintRect(&port.port->portRect);
-  EXPECT_EQ(port.Rows()[1], "###...");
-  SetClip(saved);
-  PaintRect(&port.port->portRect);
-  EXPECT_EQ(port.Rows()[1], "######");
-  DisposeRgn(saved);
-}
-
 } // namespace
