@@ -2,18 +2,8 @@
 // becomes whole what it was to be.
 #include "FaultRun.h"
 #include "LM_gallery.h"
-#include "LM_globals.h"
-#include "LM_mac_stream.h"
-#include "LM_style_codec.h"
-#include "LM_style_fields.h"
-#include "LM_style_library.h"
 #include "LM_style_settings.h"
-#include "LimnResources.h"
-#include "MacResources.h"
-#include "MacStrings.h"
-
-#include <fstream>
-#include <iterator>
+#include "StyleFolder.h"
 
 namespace {
 
@@ -31,42 +21,12 @@ const Fault FAULTS[] = {{FAULT_MEMORY, "allocations refused", false},
                         {FAULT_INTERRUPTED, "interruptions", true},
                         {FAULT_SHORT, "short reads and writes", true}};
 
-std::string BytesOf(const LM_style& style) {
-  uint8_t bytes[LM_STYLE_MAX_BYTES];
-  const size_t size = LM_EncodeStyle(style, bytes);
-  return {reinterpret_cast<const char*>(bytes), size};
-}
-
-std::string StyleBytes(int16_t gloss) {
-  LM_style style = LM_NewStyle();
-  style.gloss = gloss;
-  style.numLights = style.lightsRead = 2;
-  style.lights[0] = style.lights[1] = LM_NewStyleLight();
-  return BytesOf(style);
-}
-
-class StyleFault : public FaultTest {
+class StyleFault : public StyleFolder<FaultTest> {
 protected:
   void SetUp() override {
-    TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
-    setenv("XDG_DATA_HOME", folder.c_str(), 1);
-    _settings = LM_NewGlobals();
-    _settings->Default();
-    _settings->gloss = 22;
-    _newBytes = BytesOf(LM_StyleOfSettings(*_settings));
-  }
-  void TearDown() override { LM_DestroyGlobals(_settings); }
-
-  static bool Use(std::string& why) { return LM_UseStyleLibrary(why); }
-  std::filesystem::path Style(const std::string& name) const {
-    return folder / "limn" / "Lighting Styles" / name;
-  }
-  std::string Bytes(const std::string& name) const {
-    std::ifstream file(Style(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  void Write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(Style(name), std::ios::binary) << bytes;
+    StyleFolder::SetUp();
+    settings->gloss = 22;
+    _newBytes = StyleBytes(LM_StyleOfSettings(*settings));
   }
   // Nothing but whole styles, the notes, and no temporary file.
   void ExpectWholeFiles() const {
@@ -87,13 +47,13 @@ protected:
   // operations failing in turn. It answers whether it succeeded.
   void TryEach(const char* what, const std::function<bool()>& work) {
     std::string why;
-    ASSERT_TRUE(Use(why) && why.empty()) << why;
+    ASSERT_TRUE(LM_UseStyleLibrary(why) && why.empty()) << why;
     const std::vector<std::string> bundled = LM_BundledStyleNames();
     for (size_t i = KEPT; i < bundled.size(); ++i)
       std::filesystem::remove(Style(bundled[i]));
     for (const Fault& fault : FAULTS) {
       const auto once = [&] {
-        Write("Mine", StyleBytes(11));
+        Write("Mine", StyleBytes(11, 2));
         Write("notes", NOTES);
         std::filesystem::remove(Style("New"));
         bool done = false;
@@ -111,7 +71,6 @@ protected:
     }
   }
 
-  LM_globals* _settings = nullptr;
   std::string _newBytes;
   std::function<void(bool done)> Check = [](bool) {};
 };
@@ -124,7 +83,7 @@ TEST_F(StyleFault, Seeding) {
       bool done = false;
       try {
         const Exposed exposed;
-        done = Use(why) && why.empty();
+        done = LM_UseStyleLibrary(why) && why.empty();
       } catch (const std::bad_alloc&) {
         EXPECT_EQ(fault.kind, FAULT_MEMORY);
         why = "There is not enough memory.";
@@ -135,7 +94,7 @@ TEST_F(StyleFault, Seeding) {
         ExpectWholeFiles();
       // What was left out is added later.
       fault_plan->fail_at = 0;
-      EXPECT_TRUE(Use(why) && why.empty()) << why;
+      EXPECT_TRUE(LM_UseStyleLibrary(why) && why.empty()) << why;
       ExpectWholeFiles();
       for (const std::string& name : LM_BundledStyleNames())
         EXPECT_TRUE(std::filesystem::exists(Style(name))) << name;
@@ -146,17 +105,17 @@ TEST_F(StyleFault, Seeding) {
 }
 
 TEST_F(StyleFault, Replacing) {
-  Check = [&](bool done) { EXPECT_EQ(Bytes("Mine"), done ? _newBytes : StyleBytes(11)); };
+  Check = [&](bool done) { EXPECT_EQ(Bytes("Mine"), done ? _newBytes : StyleBytes(11, 2)); };
   TryEach("replacing a style", [&] {
     TB_Str255 name = TB_PString("Mine");
-    return LM_ReplaceStyle(name.bytes, _settings) != 0;
+    return LM_ReplaceStyle(name.bytes, settings) != 0;
   });
 }
 
 TEST_F(StyleFault, ReplacingNeverTakesAFileThatIsNoStyle) {
   TryEach("refusing to replace notes", [&] {
     TB_Str255 name = TB_PString("notes");
-    return LM_ReplaceStyle(name.bytes, _settings) == 0;
+    return LM_ReplaceStyle(name.bytes, settings) == 0;
   });
 }
 
@@ -167,17 +126,17 @@ TEST_F(StyleFault, Saving) {
   };
   TryEach("saving a new style", [&] {
     TB_Str255 name = TB_PString("New");
-    return LM_AddStyle(name.bytes, _settings) != 0;
+    return LM_AddStyle(name.bytes, settings) != 0;
   });
 }
 
 TEST_F(StyleFault, LoadingAndListing) {
   LM_globals* loaded = LM_NewGlobals();
   loaded->Default();
-  const std::string before = BytesOf(LM_StyleOfSettings(*loaded));
+  const std::string before = StyleBytes(LM_StyleOfSettings(*loaded));
   // From the first whole light on a style counts as loaded.
   Check = [&](bool done) {
-    const bool isAsBefore = BytesOf(LM_StyleOfSettings(*loaded)) == before;
+    const bool isAsBefore = StyleBytes(LM_StyleOfSettings(*loaded)) == before;
     EXPECT_FALSE(done && isAsBefore);
     // Only closing may fail behind a style that was read whole.
     EXPECT_TRUE(done || isAsBefore || fault_plan->count == fault_plan->fail_at);

@@ -168,46 +168,4 @@ TEST_F(StyleFile, OddValuesLoadAsTheyAlwaysDid) {
   EXPECT_EQ(globals->numLights, 2);
 }
 
-TEST_F(StyleFile, FolderListsOnlyStylesAndNamesAreCut) {
-  const std::string longName = "A name of forty characters, all counted.";
-  ASSERT_EQ(longName.size(), 40U);
-  ASSERT_EQ(Save("beta"), 1);
-  ASSERT_EQ(Save("Alpha"), 1);
-  ASSERT_EQ(Save(longName), 1);
-  Put("notes.txt", {'h', 'i'});
-  std::vector<std::string> listed;
-  Str255 name;
-  for (int16_t i = 0; LM_style_istream::IndexedInfo(i, name) == 1; ++i)
-    listed.push_back(TB_StdString(name));
-  EXPECT_EQ(listed, (std::vector<std::string>{longName.substr(0, 31), "Alpha", "beta"}));
-  EXPECT_EQ(name[0], 0);
-  EXPECT_EQ(Load(longName), 1);
-}
-
-TEST_F(StyleFile, LockedAndMissingFilesAreTold) {
-  ASSERT_EQ(Save("locked"), 1);
-  std::filesystem::permissions(styleFolder / "locked", std::filesystem::perms::owner_read);
-  TB_Str255 locked = TB_PString("locked");
-  TB_Str255 missing = TB_PString("missing");
-  EXPECT_EQ(LM_style_ostream::IsLocked(locked.bytes), 1);
-  EXPECT_EQ(LM_style_ostream::IsLocked(missing.bytes), 0);
-  EXPECT_EQ(LM_style_istream::Exists(locked.bytes), 1);
-  EXPECT_EQ(LM_style_istream::Exists(missing.bytes), 0);
-  EXPECT_EQ(LM_DeleteStyle(missing.bytes), 0);
-}
-
-TEST_F(StyleFile, EveryFailingFileOperationOfASaveIsReported) {
-  ASSERT_EQ(Save("makes the folder"), 1);
-  for (uint64_t n = 1;; ++n) {
-    TB_FailFileOperationAfter(n, dskFulErr);
-    const uint64_t before = TB_FileOperationCount();
-    const LM_bool saved = Save("new " + std::to_string(n));
-    const bool reached = TB_FileOperationCount() - before >= n;
-    TB_FailFileOperationAfter(0, noErr);
-    ASSERT_EQ(saved, reached ? 0 : 1) << n;
-    if (!reached)
-      break;
-  }
-}
-
 } // namespace

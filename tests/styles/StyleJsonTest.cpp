@@ -1,5 +1,4 @@
 // Styles as JSON, and single settings by name.
-#include "LM_gallery.h"
 #include "LM_style_json.h"
 #include "StyleSamples.h"
 
@@ -18,18 +17,6 @@ TEST(StyleJson, EveryFieldSurvivesBothWays) {
     ASSERT_TRUE(LM_StyleFromJson(LM_StyleToJson(style), read, why)) << why;
     EXPECT_EQ(BytesOf(read), BytesOf(style));
   }
-}
-
-TEST(StyleJson, MissingFieldsKeepTheirDefaults) {
-  LM_style read;
-  std::string why;
-  ASSERT_TRUE(LM_StyleFromJson(R"({"name": "x", "lights": [{"type": "omni", "center": [5, -6]}]})",
-                               read, why))
-      << why;
-  EXPECT_EQ(read.gloss, 128);
-  EXPECT_EQ(read.lights[0].type, LM_STYLE_OMNI);
-  EXPECT_EQ(read.lights[0].center, (LM_vectori2{5, -6}));
-  EXPECT_EQ(read.lights[0].intensity, 66);
 }
 
 TEST(StyleJson, WhatIsWrongIsNamed) {
@@ -99,20 +86,6 @@ TEST(StyleFields, SetByNameOrRefusedWithAReason) {
   EXPECT_EQ(style.lights[0].intensity, -90);
   EXPECT_EQ(style.lightsRead, 2);
   EXPECT_EQ(style.lights[1].center, (LM_vectori2{10, -20}));
-}
-
-TEST(Gallery, EveryBundledStyleIsReadableAndTheDefaultComesFirst) {
-  const std::vector<std::string> names = LM_BundledStyleNames();
-  ASSERT_FALSE(names.empty());
-  EXPECT_EQ(names.front(), "Default");
-  for (const std::string& name : names) {
-    LM_style style;
-    EXPECT_TRUE(LM_BundledStyle(name, style)) << name;
-    EXPECT_LE(name.size(), 31U) << name;
-  }
-  LM_style style;
-  EXPECT_TRUE(LM_BundledStyle("default", style));
-  EXPECT_FALSE(LM_BundledStyle("no such style", style));
 }
 
 } // namespace

@@ -1,12 +1,6 @@
 // Saving a style while processes are killed, and while others save, read and sweep: every read sees
 // a whole style, and every save that is let be succeeds.
-#include "LM_globals.h"
-#include "LM_style_codec.h"
-#include "LM_style_fields.h"
-#include "LM_style_library.h"
-#include "LimnResources.h"
-#include "MacResources.h"
-#include "MacStrings.h"
+#include "StyleFolder.h"
 #include "TemporaryFolder.h"
 
 #include <csignal>
@@ -20,42 +14,22 @@ namespace {
 
 bool isDeep = false;
 
-class StyleKill : public TemporaryFolder {
+class StyleKill : public StyleFolder<TemporaryFolder> {
 protected:
   void SetUp() override {
-    TemporaryFolder::SetUp();
-    TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
-    setenv("XDG_DATA_HOME", folder.c_str(), 1);
-    settings = LM_NewGlobals();
-    settings->Default();
-    UseLibrary();
+    StyleFolder::SetUp();
+    Use();
     for (std::string& bytes : whole) {
       ++settings->gloss;
-      ASSERT_TRUE(Save());
-      bytes = Saved();
+      ASSERT_TRUE(Replace("Mine"));
+      bytes = Bytes("Mine");
     }
     ASSERT_NE(whole[0], whole[1]);
-  }
-  void TearDown() override {
-    LM_DestroyGlobals(settings);
-    TemporaryFolder::TearDown();
-  }
-  static void UseLibrary() {
-    std::string why;
-    ASSERT_TRUE(LM_UseStyleLibrary(why)) << why;
-  }
-  bool Save() const {
-    TB_Str255 name = TB_PString("Mine");
-    return LM_ReplaceStyle(name.bytes, settings) != 0;
-  }
-  std::string Saved() const {
-    std::ifstream file(folder / "limn" / "Lighting Styles" / "Mine", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
   }
   bool IsWhole(const std::string& bytes) const { return bytes == whole[0] || bytes == whole[1]; }
   int HiddenFiles() const {
     int hidden = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder / "limn/Lighting Styles"))
+    for (const auto& entry : std::filesystem::directory_iterator(Style("")))
       hidden += entry.path().filename().native()[0] == '.';
     return hidden;
   }
@@ -69,7 +43,7 @@ protected:
     bool isSaved = true;
     for (int i = 0; i < times && isSaved; ++i) {
       settings->gloss = static_cast<int16_t>(gloss - i % 2);
-      isSaved = Save();
+      isSaved = Replace("Mine");
     }
     _exit(isSaved ? 0 : 1);
   }
@@ -79,7 +53,6 @@ protected:
     return status;
   }
 
-  LM_globals* settings = nullptr;
   std::string whole[2];
 };
 
@@ -92,11 +65,11 @@ TEST_F(StyleKill, KilledAtAnyMoment) {
     usleep(static_cast<useconds_t>(random() % 6000));
     kill(saver, SIGKILL);
     EndOf(saver);
-    ASSERT_TRUE(IsWhole(Saved())) << i;
+    ASSERT_TRUE(IsWhole(Bytes("Mine"))) << i;
     left = std::max(left, HiddenFiles());
   }
   EXPECT_GT(left, 0) << "no moment in the middle of a save was met";
-  UseLibrary();
+  Use();
   EXPECT_EQ(HiddenFiles(), 0) << "what dead processes left is swept";
   std::printf("counted: saves killed %d\n", moments);
 }
@@ -115,12 +88,12 @@ TEST_F(StyleKill, TwoSavingAtOnceBesideReadersAndSweepers) {
   int status[2] = {};
   for (int i = 0; i < 2; ++i)
     for (; waitpid(savers[i], &status[i], WNOHANG) == 0; ++reads)
-      ASSERT_TRUE(IsWhole(Saved()));
+      ASSERT_TRUE(IsWhole(Bytes("Mine")));
   kill(sweeper, SIGKILL);
   EXPECT_TRUE(WIFSIGNALED(EndOf(sweeper)));
   EXPECT_EQ(status[0], 0);
   EXPECT_EQ(status[1], 0);
-  UseLibrary();
+  Use();
   EXPECT_EQ(HiddenFiles(), 0);
   std::printf("counted: saves by each of two processes %d\ncounted: reads beside them %d\n", times,
               reads);

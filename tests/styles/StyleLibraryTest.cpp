@@ -1,12 +1,6 @@
 // The user's library: seeding it once, listing it, and replacing a style without losing one.
 #include "LM_gallery.h"
-#include "LM_globals.h"
-#include "LM_mac_stream.h"
-#include "LM_style_codec.h"
-#include "LM_style_fields.h"
-#include "LM_style_library.h"
-#include "LimnResources.h"
-#include "MacResources.h"
+#include "StyleFolder.h"
 #include "TemporaryFolder.h"
 
 #include <algorithm>
@@ -14,53 +8,14 @@
 
 namespace {
 
-class StyleLibrary : public TemporaryFolder {
+class StyleLibrary : public StyleFolder<TemporaryFolder> {
 protected:
-  void SetUp() override {
-    TemporaryFolder::SetUp();
-    TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
-    setenv("XDG_DATA_HOME", folder.c_str(), 1);
-    settings = LM_NewGlobals();
-    settings->Default();
-  }
   void TearDown() override {
-    LM_DestroyGlobals(settings);
     std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
     std::string why;
     LM_UseStyleLibrary(why); // a failed library must not follow the next test
-    TemporaryFolder::TearDown();
+    StyleFolder::TearDown();
   }
-  // Uses the library, which must work without a remark.
-  static void Use() {
-    std::string why;
-    ASSERT_TRUE(LM_UseStyleLibrary(why)) << why;
-    ASSERT_EQ(why, "");
-  }
-  std::filesystem::path Style(const std::string& name) const {
-    return folder / "limn" / "Lighting Styles" / name;
-  }
-  std::string Bytes(const std::string& name) const {
-    std::ifstream file(Style(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  void Write(const std::string& name, const std::string& bytes) const {
-    std::filesystem::create_directories(Style(""));
-    std::ofstream(Style(name), std::ios::binary) << bytes;
-  }
-  static std::string StyleBytes(int16_t gloss) {
-    LM_style style = LM_NewStyle();
-    style.gloss = gloss;
-    style.numLights = style.lightsRead = 1;
-    style.lights[0] = LM_NewStyleLight();
-    uint8_t bytes[LM_STYLE_MAX_BYTES];
-    const size_t size = LM_EncodeStyle(style, bytes);
-    return {reinterpret_cast<const char*>(bytes), size};
-  }
-  bool Replace(const std::string& name) const {
-    TB_Str255 text = TB_PString(name);
-    return LM_ReplaceStyle(text.bytes, settings) != 0;
-  }
-  LM_globals* settings = nullptr;
 };
 
 TEST_F(StyleLibrary, BeginsWithTheBundledStylesAndTheDefaultOneFirst) {
@@ -74,6 +29,9 @@ TEST_F(StyleLibrary, BeginsWithTheBundledStylesAndTheDefaultOneFirst) {
     EXPECT_TRUE(styles[i].loads && styles[i].why.empty()) << styles[i].name;
   }
   EXPECT_EQ(LM_StyleFolderPath(), Style("").parent_path().native());
+  LM_style style;
+  EXPECT_TRUE(LM_BundledStyle("default", style));
+  EXPECT_FALSE(LM_BundledStyle("no such style", style));
 }
 
 TEST_F(StyleLibrary, ADeletedStyleStaysDeletedAndOnlyNewOnesAreAdded) {
