@@ -22,10 +22,8 @@ NO_STYLES = "no.json", "No Such Style", "broken.json", "folder", "%s%n"
 class AdapterTest(support.LimnTest):
     def setUp(self):
         super().setUp()
-        with open("style.json", "w", encoding="utf-8") as file:
-            json.dump(STYLE, file)
-        with open("broken.json", "w", encoding="utf-8") as file:
-            file.write('{"lights": 7')
+        support.put("style.json", json.dumps(STYLE))
+        support.put("broken.json", '{"lights": 7')
         support.os.mkdir("folder")
 
     def lit(self, image, style, changes=(), channel=None):

@@ -22,8 +22,7 @@ class Frei0r(AdapterTest):
 
     def frames(self, parameters, count=1):
         """What ffmpeg makes of `count` frames of the picture, and what the filter said."""
-        with open("in.raw", "wb") as file:
-            file.write(bytes(self.picture.samples) * count)
+        support.put("in.raw", bytes(self.picture.samples) * count)
         answer = subprocess.run(
             ["ffmpeg", "-nostdin", "-v", "error", "-f", "rawvideo", "-pix_fmt", "rgba", "-s", f"{WIDTH}x{HEIGHT}",
              "-i", "in.raw", "-vf", f"frei0r=limn:{parameters}", "-f", "rawvideo", "-pix_fmt", "rgba", "pipe:1"],
@@ -52,8 +51,7 @@ class Frei0r(AdapterTest):
                        env={**os.environ, "MLT_FREI0R_PLUGIN_PATH": os.path.dirname(FILTER)})
         rows = self.lit("opaque.png", style, changes).samples
         expected = b"".join(bytes(rows[at : at + 3]) + b"\xff" for at in range(0, len(rows), 3))
-        with open("melt.raw", "rb") as file:
-            self.assertTrue(file.read() == 2 * expected, "other pixels")
+        self.assertTrue(support.content("melt.raw") == 2 * expected, "other pixels")
 
     def test_keeps_up_with_video(self):
         """1080p30 with four lights on two cores: by processor time, which other programs' work does not stretch."""

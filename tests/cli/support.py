@@ -100,6 +100,17 @@ def write_tiff(path, picture, photometric=2, orientation=1, fields=()):
         file.write(struct.pack("<H", len(entries)) + table + struct.pack("<I", 0))
 
 
+def content(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
+def put(path, data):
+    """Writes bytes, or text."""
+    with open(path, "wb") as file:
+        file.write(data.encode() if isinstance(data, str) else data)
+
+
 def vips(*arguments):
     subprocess.run(["vips", *map(str, arguments)], check=True, capture_output=True)
 
@@ -113,11 +124,10 @@ def field(path, name):
 def read(path):
     """The samples of an 8-bit image in any format."""
     vips("copy", path, "read.v")
-    with open("read.v", "rb") as file:
-        content = file.read()
+    data = content("read.v")
     os.remove("read.v")
-    width, height, bands = struct.unpack_from("<3I", content, 4)
-    return Picture(width, height, bands, content[64 : 64 + width * height * bands])
+    width, height, bands = struct.unpack_from("<3I", data, 4)
+    return Picture(width, height, bands, data[64 : 64 + width * height * bands])
 
 
 class LimnTest(unittest.TestCase):

@@ -13,8 +13,7 @@ class Batch(support.LimnTest):
             os.makedirs(os.path.dirname(name), exist_ok=True)
             picture = support.smooth(20, 16, at=9 * index)
             {".ppm": support.write_pnm, ".png": support.write_png, ".tif": support.write_tiff}[name[-4:]](name, picture)
-        with open("in/notes.txt", "w") as file:
-            file.write("not an image")
+        support.put("in/notes.txt", "not an image")
         os.symlink("..", "in/deep/loop")
         return ["a.ppm", "deep/c.tif", "deep/er/b.png", "é ü.ppm"]
 
@@ -44,11 +43,9 @@ class Batch(support.LimnTest):
             support.write_pnm(name, support.smooth(12, 10))
         support.write_pnm("crash.ppm", support.smooth(1, 4))
         support.write_pnm("taken.ppm", support.smooth(12, 10))
-        with open("bad.png", "wb") as file:
-            file.write(b"\x89PNG\r\n\x1a\n nonsense")
+        support.put("bad.png", b"\x89PNG\r\n\x1a\n nonsense")
         os.mkdir("out")
-        with open("out/taken.ppm", "w") as file:
-            file.write("old")
+        support.put("out/taken.ppm", "old")
         images = [*good[:2], "bad.png", "crash.ppm", *good[2:4], "taken.ppm", "absent.ppm", *good[4:]]
         codes = {"bad.png": 3, "crash.ppm": 6, "taken.ppm": 4, "absent.ppm": 3}
         for jobs in [1, 4]:
@@ -90,8 +87,7 @@ class Batch(support.LimnTest):
         os.chdir("here")
         for end, options, further in ((b"\n", [], []), (b"\0", ["--null"], [b"new\nline.ppm"])):
             for last in end, b"":
-                with open("list", "wb") as file:
-                    file.write(end.join([*odd, b"", *further]) + last)
+                support.put("list", end.join([*odd, b"", *further]) + last)
                 for source in "list", "-":
                     with self.subTest(end=end, last=last, source=source), open("list", "rb") as file:
                         self.limn("apply", "--from-file", source, *options, "-q", "-o", "../lit/", stdin=file)
@@ -108,8 +104,7 @@ class Batch(support.LimnTest):
                 (b"a.ppm\n", ["--null"], 2, "a.ppm"), (b".\n", [], 2, "is a folder")):
             with self.subTest(text=text):
                 if text is not None:
-                    with open("list", "wb") as file:
-                        file.write(text)
+                    support.put("list", text)
                 self.limn("apply", "--from-file", "list", *options, "-o", "lit/", code=code, says=says)
                 self.assertEqual(os.path.exists("lit/a.ppm"), b"absent" in (text or b""))
                 shutil.rmtree("lit", ignore_errors=True)

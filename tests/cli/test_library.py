@@ -27,10 +27,8 @@ class Library(support.LimnTest):
         first = self.names()[1]
         shutil.copy(f"{FOLDER}/{first}", f"{FOLDER}/Über%2Funter")
         shutil.copy(f"{FOLDER}/Default", f"{FOLDER}/{first}")
-        with open(f"{FOLDER}/notes.txt", "w") as file:
-            file.write("no style")
-        with open(f"{FOLDER}/Default", "rb") as whole, open(f"{FOLDER}/Broken", "wb") as cut:
-            cut.write(whole.read()[:50])
+        support.put(f"{FOLDER}/notes.txt", "no style")
+        support.put(f"{FOLDER}/Broken", support.content(f"{FOLDER}/Default")[:50])
         answer = self.limn("styles", "--json", says="Broken: ")
         styles = {line["name"]: line for line in map(json.loads, answer.stdout.splitlines())}
         self.assertEqual(styles["Über/unter"]["origin"], "user")

@@ -23,8 +23,7 @@ class Lighting(support.LimnTest):
         super().setUp()
         self.image = support.smooth(90, 70)
         support.write_pnm("in.ppm", self.image)
-        with open("light.json", "w") as file:
-            json.dump(STYLE, file)
+        support.put("light.json", json.dumps(STYLE))
 
     def lit(self, *options, name="in.ppm"):
         self.limn("apply", name, "-s", "light.json", *options, "-o", "lit.tif", "-f")

@@ -12,6 +12,7 @@ import time
 
 import slurm
 import support
+from support import content
 
 COUNT, WITH_SLURM = int(sys.argv[1]), "slurm" in sys.argv[2:]
 ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), "../.."))
@@ -27,11 +28,6 @@ def documented(command):
         return re.search(rf"^{command} .*$", file.read(), re.MULTILINE).group()
 
 
-def content(path):
-    with open(path, "rb") as file:
-        return file.read()
-
-
 class ManyImages(support.LimnTest):
     def setUp(self):
         super().setUp()
@@ -43,8 +39,7 @@ class ManyImages(support.LimnTest):
             WRITERS[kind]("photos/" + name, support.smooth(24 + index % 9, 20, at=index))
             if index % 20 == 7:
                 whole = content("photos/" + name)
-                with open("photos/" + name, "wb") as file:
-                    file.write(DAMAGES[index // 20 % len(DAMAGES)](whole))
+                support.put("photos/" + name, DAMAGES[index // 20 % len(DAMAGES)](whole))
             (self.bad if index % 20 == 7 else self.good).append(name)
         os.symlink(f"{ROOT}/contrib", "contrib")
         self.options = ["apply", "-r", "photos", "--style", STYLE, "--json"]

@@ -28,8 +28,7 @@ class Metadata(support.LimnTest):
         super().setUp()
         support.write_pnm("in.ppm", support.smooth(40, 30))
         support.vips("icc_transform", "in.ppm", "plain.jpg", "p3", "--input-profile", "srgb")
-        with open("plain.jpg", "rb") as file:
-            plain = file.read()
+        plain = support.content("plain.jpg")
         with open("photo.jpg", "wb") as file:
             file.write(plain[:2] + exif(6, "Lumen Works") +
                        xmp('<x:xmpmeta xmlns:x="adobe:ns:meta/" tiff:Orientation="6" note="kept"/>') + plain[2:])
@@ -50,8 +49,7 @@ class Metadata(support.LimnTest):
 
     def test_tags_agree_with_the_pixels(self):
         self.limn("apply", "photo.jpg", "-o", "out.jpg")
-        with open("out.jpg", "rb") as file:
-            content = file.read()
+        content = support.content("out.jpg")
         self.assertIn(b'tiff:Orientation="1" note="kept"', content)
         self.assertRegex(support.field("out.jpg", "exif-ifd0-Orientation") or "1 ", "^1 ")
 

@@ -51,8 +51,7 @@ class Schema(support.LimnTest):
         for name, style, good in CASES:
             with self.subTest(name):
                 self.assertEqual(self.is_good(style), good)
-                with open("style.json", "w") as file:
-                    json.dump(style, file)
+                support.put("style.json", json.dumps(style))
                 self.limn("style", "check", "style.json", code=0 if good else 3)
 
     def test_bundled_styles_keep_to_it(self):
@@ -69,8 +68,7 @@ class Schema(support.LimnTest):
             self.assertEqual(set(SCHEMA["definitions"]["light"]["properties"]), set(shown["lights"][0]))
 
     def test_its_defaults_are_those_of_a_new_style(self):
-        with open("least.json", "w") as file:
-            json.dump({"lights": [{}]}, file)
+        support.put("least.json", json.dumps({"lights": [{}]}))
         shown = json.loads(self.limn("style", "show", "least.json", "--json").stdout)
         for table, values in [(SCHEMA["properties"], shown),
                               (SCHEMA["definitions"]["light"]["properties"], shown["lights"][0])]:

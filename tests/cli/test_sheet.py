@@ -82,8 +82,7 @@ class Sheet(support.LimnTest):
     def test_what_is_wrong(self):
         support.write_pnm("wide.ppm", support.filled(2048, 1, 9, 3))
         support.write_pnm("small.pgm", support.filled(3, 3, 9))
-        with open("there.png", "w") as file:
-            file.write("old")
+        support.put("there.png", "old")
         for arguments, code, says in [
             (["in.ppm", "-o", "there.png"], 4, "there.png: exists already"),
             (["in.ppm", "-o", "a.nonsense"], 2, "a.nonsense"),

@@ -25,16 +25,14 @@ LIGHTS = [(1, 2, 65535, -127, 300, 1, 2, -30, 40, 20, 0, 0, 10, 55),
 class StyleCommand(support.LimnTest):
     def write(self, name, content):
         os.makedirs(os.path.dirname(name) or ".", exist_ok=True)
-        with open(name, "wb") as file:
-            file.write(content)
+        support.put(name, content)
 
     def test_round_trip(self):
         self.write("three", style_bytes(LIGHTS))
         shown = self.limn("style", "show", "three", "--json").stdout
         self.write("three.json", shown.encode())
         self.limn("style", "pack", "three.json", "-o", "packed")
-        with open("packed", "rb") as file:
-            self.assertEqual(file.read(), style_bytes(LIGHTS))
+        self.assertEqual(support.content("packed"), style_bytes(LIGHTS))
         content = json.loads(shown)
         self.assertEqual((content["gloss"], content["worldUnit"], len(content["lights"])), (-32768, 97, 3))
         self.assertEqual(content["lights"][1]["center"], [32767, -32768])

@@ -99,8 +99,7 @@ class Completions(LimnTest):
         return terminal
 
     def check(self, words, script):
-        with open("begin", "w", encoding="utf-8") as file:
-            file.write(script)
+        support.put("begin", script)
         terminal = self.start(words)
         for typed, wanted in TYPED:
             with self.subTest(typed=typed):

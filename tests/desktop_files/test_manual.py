@@ -45,11 +45,9 @@ class Manual(LimnTest):
                  "exposure": 99, "ambientBrightness": -5, "worldUnit": 140, "curLight": 1,
                  "lights": [{"type": "omni"}, {"type": "omni", "color": [9, 8, 7], "intensity": -30, "spread": 12,
                                                "center": [-20, 30], "handle1": [4, 5], "handle2": [6, 7], "radius": 33}]}
-        with open("style.json", "w", encoding="utf-8") as file:
-            json.dump(style, file)
+        support.put("style.json", json.dumps(style))
         self.limn("style", "pack", "style.json", "-o", "style")
-        with open("style", "rb") as file:
-            content = file.read()
+        content = support.content("style")
         self.assertEqual(content[:6], b"BBCVLM")
         self.assertEqual(set(header) - {"version", "whiteIsHigh"}, set(style) - {"lights"})
         self.assertEqual(set(light) - {"on"}, set(style["lights"][1]))

@@ -19,8 +19,7 @@ STYLE = """{"bumpChannel": 4, "gloss": 200, "material": 90, "lights": [
 class Users(LimnTest):
     def setUp(self):
         super().setUp()
-        with open("style.json", "w", encoding="utf-8") as file:
-            file.write(STYLE)
+        support.put("style.json", STYLE)
 
     def test_installed_for_c(self):
         prefix = os.path.join(self.folder, "usr")
