@@ -55,43 +55,6 @@ TEST(Conversion, EqualsTheFormulas) {
   }
 }
 
-TEST(Conversion, PlacesAndAimsLights) {
-  const float tan30 = 0.57735026F;
-  const auto root = std::sqrt(0.5F);
-  const struct {
-    const char* name;
-    int type;
-    ReferencePoint handle1, handle2;
-    bool aims; // direction, else position
-    LM_vector3f expected;
-  } cases[] = {
-      {"directional straight overhead", 1, {0, 0}, {}, true, {0, 0, 1}},
-      {"directional of 45 degrees", 1, {50, 0}, {}, true, {root, 0, root}},
-      {"grazing directional", 1, {0, 150}, {}, true, {0, 150 / std::sqrt(22501.F), 0.0066665F}},
-      {"omni over its radius", 0, {}, {}, false, {0.5F, -0.25F, tan30}},
-      {"flat spot, aim", 2, {100, 0}, {0, 0}, true, {-root, 0, -root}},
-      {"flat spot, place", 2, {100, 0}, {0, 0}, false, {1.5F, -0.25F, 0}},
-      {"flat spot aimed up the picture", 2, {0, 100}, {0, 0}, true, {0, -root, -root}},
-      {"round spot, aim", 2, {0, 100}, {100, 0}, true, {0, 0, -1}},
-      {"round spot, place", 2, {100, 0}, {0, 100}, false, {0.5F, -0.25F, 1}},
-      {"second axis too long", 2, {100, 0}, {0, 300}, false, {0.5F, -0.25F, 1}},
-  };
-  for (const auto& each : cases) {
-    SCOPED_TRACE(each.name);
-    ReferenceLight light;
-    light.type = each.type;
-    light.center = {50, -25};
-    light.handle1 = each.handle1;
-    light.handle2 = each.handle2;
-    light.radius = 100;
-    const LM_light out = Converted(light, 100, 0);
-    const LM_vector3f& got = each.aims ? out.direction : out.position;
-    EXPECT_NEAR(got.x, each.expected.x, 1e-6);
-    EXPECT_NEAR(got.y, each.expected.y, 1e-6);
-    EXPECT_NEAR(got.z, each.expected.z, 1e-6);
-  }
-}
-
 TEST(Conversion, ValidateTurnsTheSecondAxis) {
   const struct {
     LM_vectori2 first, second, expected;

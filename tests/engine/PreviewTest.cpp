@@ -152,37 +152,6 @@ TEST(Preview, MissingCachesDoNotShow) {
   }
 }
 
-// Frame border and outline are black, the picture unlit in the middle, the rest white.
-TEST(Preview, UnlitPictureKeepsItsOutlines) {
-  for (const auto& [width, height] : {std::pair{20, 9}, {64, 64}, {7, 60}, {1, 1}}) {
-    SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
-    Scene scene = MakeScene(0);
-    scene.width = width;
-    scene.height = height;
-    scene.area = {0, 0, height, width};
-    scene.pixels.assign(size_t{3} * static_cast<size_t>(width) * static_cast<size_t>(height), 90);
-    EngineRun run(scene);
-    ASSERT_TRUE(run.CollectPreview(64));
-    LM_DrawPreviewFrameToPixelMap(nullptr, run.globals.get());
-    LM_CopyUnshadedPreview(run.globals.get());
-    const int left = run.globals->previewOffsetX;
-    const int top = run.globals->previewOffsetY;
-    EXPECT_EQ(left, 44 - width / 2);
-    EXPECT_EQ(top, 44 - height / 2);
-    const int last = 87; // of the frame, 12 pixels around the 64
-    for (int y = 0; y <= last; ++y) {
-      for (int x = 0; x <= last; ++x) {
-        const bool inside = x >= left && x < left + width && y >= top && y < top + height;
-        const bool outlined =
-            x >= left - 1 && x <= left + width && y >= top - 1 && y <= top + height;
-        const bool border = x == 0 || y == 0 || x == last || y == last;
-        const int expected = inside ? 90 : outlined || border ? 0 : 255;
-        ASSERT_EQ(*run.FramePixel(y, x), expected) << x << ", " << y;
-      }
-    }
-  }
-}
-
 TEST(Preview, SelectionIsReducedBesideThePicture) {
   for (const uint64_t seed : {2, 3, 12, 28}) {
     const Scene scene = PreviewScene(seed);
