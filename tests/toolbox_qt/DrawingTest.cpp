@@ -247,23 +247,6 @@ TEST(Drawing, FiguresStayInTheirSquares) {
   }
 }
 
-TEST(Drawing, FramesWithinFramesLeaveNoGap) {
-  for (double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
-    TestPort port(30, 30, ratio);
-    Rect box = Box(5, 5, 25, 25);
-    for (int i = 0; i < 3; ++i) {
-      FrameRect(&box);
-      InsetRect(&box, 1, 1);
-    }
-    const QImage image = TB_PortImage(port.port);
-    const int middle = image.height() / 2;
-    int changes = 0;
-    for (int x = 1; x < image.width(); ++x)
-      changes += image.pixel(x, middle) != image.pixel(x - 1, middle) ? 1 : 0;
-    EXPECT_EQ(changes, 4) << "ratio " << ratio;
-  }
-}
-
 TEST(Drawing, TextWidthsAreThoseDrawnAndDoNotDependOnTheRatio) {
   const TB_Str255 text = TB_PString("Größe 100 %");
   short plain = 0;

@@ -142,20 +142,6 @@ TEST_P(Reversible, ADragLeavesNoTrace) {
   }
 }
 
-// Every pixel of an exclusive-or figure is wholly inverted: no half tones at the edges.
-TEST_P(Reversible, EdgesAreHard) {
-  TestPort port(120, 100, GetParam());
-  PenMode(patXor);
-  DrawEllipse(45, 20, 0.4);
-  const QImage image = TB_PortImage(port.port);
-  for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) {
-      const QRgb pixel = image.pixel(x, y);
-      ASSERT_TRUE(pixel == 0xFF000000 || pixel == 0xFFFFFFFF) << x << "," << y;
-    }
-  }
-}
-
 INSTANTIATE_TEST_SUITE_P(Ratios, Reversible, testing::Values(1.0, 1.25, 1.5, 1.75, 2.0, 3.0));
 
 } // namespace
