@@ -126,23 +126,6 @@ TEST_F(StyleLibrary, ListingCostsTheSameForEachFile) {
   EXPECT_LE(perFile[1], perFile[0]);
 }
 
-TEST_F(StyleLibrary, ReadsAStyleByNameWhateverItsCase) {
-  Use();
-  Write("Warm Évening", StyleBytes(77));
-  LM_style style = {};
-  std::string why;
-  for (const char* name : {"Warm Évening", "warm evening", "WARM ÉVENING"}) {
-    style.gloss = 0;
-    EXPECT_TRUE(LM_ReadLibraryStyle(name, style, why)) << name << ": " << why;
-    EXPECT_EQ(style.gloss, 77) << name;
-  }
-  EXPECT_FALSE(LM_ReadLibraryStyle("../limn", style, why));
-  EXPECT_NE(why.find("../limn"), std::string::npos);
-  Write("Bad", "BB");
-  EXPECT_FALSE(LM_ReadLibraryStyle("Bad", style, why));
-  EXPECT_NE(why.find("Bad"), std::string::npos);
-}
-
 TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALinkNorLetsOthersRead) {
   Use();
   Write("notes", "my notes");
