@@ -2,38 +2,24 @@
 #include "EditorRun.h"
 
 #include <QClipboard>
-#include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
 
-namespace {
-
-QByteArray ContentOf(const QString& path) {
-  QFile file(path);
-  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-  return file.readAll();
-}
-
-} // namespace
-
 TEST_F(EditorRun, ACopiedCommandWritesWhatTheEditorWrites) {
   const QString shell = QString("limn() { '%1' \"$@\"; }; ").arg(LIMN);
-  QImage mask(WIDTH, HEIGHT, QImage::Format_Grayscale8);
-  for (int y = 0; y < HEIGHT; ++y)
-    for (int x = 0; x < WIDTH; ++x)
-      mask.scanLine(y)[x] = static_cast<uint8_t>(x * 255 / WIDTH);
-  ASSERT_TRUE(mask.save(pathTo("heights.png")));
+  const auto slope = [](int x, int) { return x * 255 / WIDTH; };
+  const QString heights = makePlane("heights.png", slope);
   const struct {
     const char *name, *output;
     editor::Selection selection;
   } cases[] = {{"it's a picture.png", "it's a picture-lit.png", {}},
                {"area.jpg", "area-lit.jpg", {QRect(20, 10, 60, 30), {}}},
-               {"mask.tif", "mask-lit.tif", {QRect(3, 2, 80, 50), mask}}};
+               {"mask.tif", "mask-lit.tif", {QRect(3, 2, 80, 50), plane(slope)}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     open(makePicture(c.name));
     EXPECT_FALSE(action("Copy Command")->isEnabled()) << "nothing has been done";
-    ASSERT_TRUE(window->loadChannel(pathTo("heights.png")));
+    ASSERT_TRUE(window->loadChannel(heights));
     window->document().select(c.selection);
     ASSERT_TRUE(lightWithDialog());
     ASSERT_TRUE(window->saveTo(pathTo("saved-" + QString(c.output))));
@@ -41,7 +27,7 @@ TEST_F(EditorRun, ACopiedCommandWritesWhatTheEditorWrites) {
     const QString command = QGuiApplication::clipboard()->text();
     EXPECT_EQ(command.contains("the mask"), !c.selection.mask.isNull());
     EXPECT_EQ(QProcess::execute("sh", {"-c", shell + command}), 0) << command.toStdString();
-    EXPECT_EQ(ContentOf(pathTo(c.output)), ContentOf(pathTo("saved-" + QString(c.output))));
+    EXPECT_EQ(contentOf(pathTo(c.output)), contentOf(pathTo("saved-" + QString(c.output))));
     ASSERT_TRUE(window->applyStyle(QString("Forest Dapples")));
     ASSERT_TRUE(window->copyCommand(pathTo("the mask.png")));
     EXPECT_NE(QGuiApplication::clipboard()->text(), command);

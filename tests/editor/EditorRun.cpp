@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFile>
 #include <QTest>
 #include <QTimer>
 
@@ -34,6 +35,33 @@ QString EditorRun::makePicture(const QString& name, int planes) const {
   image.set("exif-ifd0-Artist", "Ada (Ada, ASCII, 4 components, 4 bytes)");
   image.write_to_file(pathTo(name).toLocal8Bit().constData());
   return pathTo(name);
+}
+
+QImage EditorRun::plane(const std::function<int(int x, int y)>& value) {
+  QImage image(WIDTH, HEIGHT, QImage::Format_Grayscale8);
+  for (int y = 0; y < HEIGHT; ++y)
+    for (int x = 0; x < WIDTH; ++x)
+      image.scanLine(y)[x] = static_cast<uint8_t>(value(x, y));
+  return image;
+}
+
+QString EditorRun::makePlane(const QString& name,
+                             const std::function<int(int x, int y)>& value) const {
+  EXPECT_TRUE(plane(value).save(pathTo(name)));
+  return pathTo(name);
+}
+
+QString EditorRun::makeFile(const QString& name, const QByteArray& content) const {
+  QFile file(pathTo(name));
+  EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(content);
+  return pathTo(name);
+}
+
+QByteArray EditorRun::contentOf(const QString& path) {
+  QFile file(path);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+  return file.readAll();
 }
 
 void EditorRun::open(const QString& path) {

@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <gtest/gtest.h>
 
 class EditorRun : public testing::Test {
@@ -18,6 +19,11 @@ protected:
   QString pathTo(const QString& name) const { return _folder.filePath(name); }
   // Writes a picture of WIDTH × HEIGHT with an artist and a resolution.
   QString makePicture(const QString& name, int planes = 3) const;
+  // Writes a grey picture of that size.
+  QString makePlane(const QString& name, const std::function<int(int x, int y)>& value) const;
+  static QImage plane(const std::function<int(int x, int y)>& value);
+  QString makeFile(const QString& name, const QByteArray& content) const;
+  static QByteArray contentOf(const QString& path);
   // Opens a window with the picture and waits until it is laid out.
   void open(const QString& path);
   // Runs the filter through its real dialog, which gets Return.

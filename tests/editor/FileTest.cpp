@@ -3,17 +3,11 @@
 
 #include <QDir>
 #include <QDropEvent>
-#include <QFile>
 #include <QMimeData>
 #include <QTest>
 #include <QTextDocument>
 
 namespace {
-
-QByteArray Content(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 struct Metadata {
   std::string artist;
@@ -51,21 +45,15 @@ TEST_F(EditorRun, SavingKeepsPixelsAndMetadata) {
 TEST_F(EditorRun, FilesThatLoseSomethingAreNotReplacedUnasked) {
   EXPECT_TRUE(editor::OpenImageFile(makePicture("plain.png")).mayBeReplaced);
   EXPECT_TRUE(editor::OpenImageFile(makePicture("alpha.png", 4)).mayBeReplaced);
-  QFile pixmap(pathTo("deep.ppm"));
-  ASSERT_TRUE(pixmap.open(QIODevice::WriteOnly));
-  pixmap.write("P6 1 1 65535\n\1\2\3\4\5\6");
-  pixmap.close();
-  EXPECT_FALSE(editor::OpenImageFile(pathTo("deep.ppm")).mayBeReplaced);
+  const QString deep = makeFile("deep.ppm", "P6 1 1 65535\n\1\2\3\4\5\6");
+  EXPECT_FALSE(editor::OpenImageFile(deep).mayBeReplaced);
 }
 
 TEST_F(EditorRun, WhatCannotBeOpenedOrSavedLeavesTheImage) {
   const QString picture = makePicture("picture.png");
   open(picture);
   const std::vector<uint8_t> before = pixels();
-  QFile broken(pathTo("broken.png"));
-  ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-  broken.write(Content(picture).left(200));
-  broken.close();
+  makeFile("broken.png", contentOf(picture).left(200));
   for (const QString& path : {pathTo("missing.png"), pathTo("broken.png"), pathTo("")}) {
     SCOPED_TRACE(path.toStdString());
     answerNext(QMessageBox::Ok);
@@ -89,7 +77,7 @@ TEST_F(EditorRun, ChangesAreNotLostWithoutAQuestion) {
   const QString picture = makePicture("picture.png");
   const QString other = makePicture("other.png");
   open(picture);
-  const QByteArray original = Content(picture);
+  const QByteArray original = contentOf(picture);
   window->document().select({QRect(0, 0, 10, 10), {}});
   EXPECT_TRUE(window->close()) << "a selection is no change of the image";
   EXPECT_EQ(questions, 0);
@@ -102,18 +90,18 @@ TEST_F(EditorRun, ChangesAreNotLostWithoutAQuestion) {
   answerNext(QMessageBox::Cancel);
   EXPECT_FALSE(window->open(other));
   EXPECT_EQ(window->document().image().path, picture);
-  EXPECT_EQ(Content(picture), original);
+  EXPECT_EQ(contentOf(picture), original);
   answerNext(QMessageBox::Save);
   EXPECT_TRUE(window->open(other));
-  EXPECT_NE(Content(picture), original);
+  EXPECT_NE(contentOf(picture), original);
   EXPECT_EQ(window->document().image().path, other);
   EXPECT_EQ(questions, 3);
 
   ASSERT_TRUE(window->runFilter(CVDialog::No));
-  const QByteArray untouched = Content(other);
+  const QByteArray untouched = contentOf(other);
   answerNext(QMessageBox::Discard);
   EXPECT_TRUE(window->close());
-  EXPECT_EQ(Content(other), untouched);
+  EXPECT_EQ(contentOf(other), untouched);
   EXPECT_EQ(questions, 4);
 }
 
@@ -142,11 +130,8 @@ TEST_F(EditorRun, RecentFilesAreFewAndWithoutRepetition) {
 
 TEST_F(EditorRun, ChannelsMustFitTheImage) {
   open(makePicture("<img src=x>.png"));
-  QFile heights(pathTo("<img src=y>.pgm"));
-  ASSERT_TRUE(heights.open(QIODevice::WriteOnly));
-  heights.write("P5 90 60 255\n" + QByteArray(WIDTH * HEIGHT, 'a'));
-  heights.close();
-  ASSERT_TRUE(window->loadChannel(pathTo("<img src=y>.pgm")));
+  const QByteArray heights = "P5 90 60 255\n" + QByteArray(WIDTH * HEIGHT, 'a');
+  ASSERT_TRUE(window->loadChannel(makeFile("<img src=y>.pgm", heights)));
   EXPECT_EQ(window->document().channelNames(),
             QStringList({"Red", "Green", "Blue", "<img src=y>"}));
   EXPECT_FALSE(window->document().isModified());
@@ -155,10 +140,7 @@ TEST_F(EditorRun, ChannelsMustFitTheImage) {
     EXPECT_FALSE(Qt::mightBeRichText(listed->toolTip()) && listed->toolTip().contains("<img"))
         << listed->toolTip().toStdString();
 
-  QFile small(pathTo("small.pgm"));
-  ASSERT_TRUE(small.open(QIODevice::WriteOnly));
-  small.write("P5 1 1 255\na");
-  small.close();
+  makeFile("small.pgm", "P5 1 1 255\na");
   answerNext(QMessageBox::Ok);
   EXPECT_FALSE(window->loadChannel(pathTo("small.pgm")));
   EXPECT_EQ(questions, 1);

@@ -95,12 +95,8 @@ TEST_F(StylePanelRun, PicturesAreOfThePresentImage) {
   QTest::qWait(130);
   window->document().select({});
   QTest::qWait(130);
-  QImage heights(WIDTH, HEIGHT, QImage::Format_Grayscale8);
-  for (int y = 0; y < HEIGHT; ++y)
-    for (int x = 0; x < WIDTH; ++x)
-      heights.scanLine(y)[x] = static_cast<uint8_t>((x * x + 3 * y * y) % 251);
-  ASSERT_TRUE(heights.save(pathTo("heights.png")));
-  ASSERT_TRUE(window->loadChannel(pathTo("heights.png")));
+  ASSERT_TRUE(window->loadChannel(
+      makePlane("heights.png", [](int x, int y) { return (x * x + 3 * y * y) % 251; })));
   EXPECT_FALSE(window->styles().isUpToDate());
   ASSERT_TRUE(awaitPictures());
   const int row = RowOf(*window, "Evening Lamp"); // its relief is in the fourth channel
