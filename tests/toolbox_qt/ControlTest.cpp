@@ -152,16 +152,13 @@ TEST(Control, APopupOpensItsMenuAndTakesTheChoice) {
   const Point middle = sample.Middle(POPUP_ITEM);
   ToolboxScript script;
   script.Click(middle.h, middle.v).Wait(50).ChooseFromMenu(1).Start();
-  int16_t item = 0;
-  ModalDialog(nullptr, &item);
-  EXPECT_EQ(item, POPUP_ITEM);
+  EXPECT_EQ(HitItem(), POPUP_ITEM);
   EXPECT_EQ(GetControlValue(popup), 3);
   // Escape in the menu chooses nothing, and is not the dialog's.
   const Point okay = sample.Middle(OK_ITEM);
   ToolboxScript escape;
   escape.Click(middle.h, middle.v).Wait(50).KeyPress(kEscapeKeyCode).Click(okay.h, okay.v).Start();
-  ModalDialog(nullptr, &item);
-  EXPECT_EQ(item, OK_ITEM);
+  EXPECT_EQ(HitItem(), OK_ITEM);
   EXPECT_EQ(GetControlValue(popup), 3);
 }
 
@@ -179,8 +176,7 @@ TEST(Control, HomeAndEndChooseAPopupsFirstAndLastItem) {
       }
     };
     script.Click(middle.h, middle.v).Wait(50).Call(press).Start();
-    int16_t item = 0;
-    ModalDialog(nullptr, &item);
+    HitItem();
     EXPECT_EQ(GetControlValue(popup), value);
   }
 }
@@ -235,8 +231,7 @@ TEST(Control, WhatAClipHidesIsDrawnLater) {
   ToolboxScript script;
   script.Wait(30).Click(okay.h, okay.v);
   script.Start();
-  int16_t item = 0;
-  ModalDialog(nullptr, &item);
+  HitItem();
   EXPECT_EQ(TB_PortImage(sample.dialog), expected);
 }
 

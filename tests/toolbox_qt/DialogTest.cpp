@@ -113,11 +113,8 @@ TEST(Dialog, ClicksHitEnabledItems) {
     const Point okay = sample.Middle(OK_ITEM);
     ToolboxScript script;
     script.Click(place.h, place.v).Click(okay.h, okay.v).Start();
-    int16_t item = 0;
-    ModalDialog(nullptr, &item);
-    EXPECT_EQ(item, hit.hit) << hit.name;
-    while (!script.Done())
-      Delay(1, nullptr);
+    EXPECT_EQ(HitItem(), hit.hit) << hit.name;
+    AwaitEnd(script);
     FlushEvents(everyEvent, 0);
   }
   EXPECT_EQ(GetControlValue(sample.Control(CHECK_ITEM)), 1) << "a check box is its owner's to set";
@@ -146,13 +143,11 @@ TEST(Dialog, TheFilterComesFirst) {
   const Point okay = sample.Middle(OK_ITEM);
   ToolboxScript script;
   script.Click(okay.h, okay.v).Click(0, 5).KeyPress(kEscapeKeyCode).Start();
-  int16_t item = 0;
-  ModalDialog(NoteAndConsumePresses, &item);
-  EXPECT_EQ(item, okay.h) << "the item the filter set";
-  ModalDialog(NoteAndConsumePresses, &item);
-  EXPECT_EQ(item, 0) << "a consumed event without an item ends the call too";
-  ModalDialog(NoteAndConsumePresses, &item);
-  EXPECT_EQ(item, CANCEL_ITEM) << "what the filter leaves is the dialog's";
+  EXPECT_EQ(HitItem(NoteAndConsumePresses), okay.h) << "the item the filter set";
+  EXPECT_EQ(HitItem(NoteAndConsumePresses), 0)
+      << "a consumed event without an item ends the call too";
+  EXPECT_EQ(HitItem(NoteAndConsumePresses), CANCEL_ITEM)
+      << "what the filter leaves is the dialog's";
   EXPECT_EQ(FilteredEvents().back(), keyDown);
 }
 
@@ -189,11 +184,8 @@ TEST(Dialog, ClosingTheWindowCancelsAtOnce) {
   ToolboxScript script;
   QElapsedTimer sinceClosing;
   script.Wait(100).Call([&] { sinceClosing.start(); }).CloseWindow().Start();
-  int16_t item = 0;
-  for (int call = 0; call < 2; ++call) {
-    ModalDialog(nullptr, &item);
-    EXPECT_EQ(item, CANCEL_ITEM);
-  }
+  for (int call = 0; call < 2; ++call)
+    EXPECT_EQ(HitItem(), CANCEL_ITEM);
   EXPECT_LT(sinceClosing.elapsed(), 250);
 }
 
@@ -227,9 +219,7 @@ TEST(Dialog, AClipLeftBehindDoesNotStopUpdates) {
   const Point okay = sample.Middle(OK_ITEM);
   ToolboxScript script;
   script.Wait(200).Click(okay.h, okay.v).Start();
-  int16_t item = 0;
-  ModalDialog(nullptr, &item);
-  EXPECT_EQ(item, OK_ITEM);
+  EXPECT_EQ(HitItem(), OK_ITEM);
   EXPECT_GE(Drawn().size(), 1u);
   EXPECT_LE(Drawn().size(), 3u) << "the same update again and again";
 }
@@ -267,9 +257,7 @@ TEST(Dialog, AuxiliaryRecordsAndDisposedWindows) {
   EXPECT_EQ(CountDITL(gone), 0);
   DrawDialog(gone);
   DisposeDialog(gone);
-  int16_t item = 0;
-  ModalDialog(nullptr, &item);
-  EXPECT_EQ(item, -1);
+  EXPECT_EQ(HitItem(), -1);
 }
 
 TEST(Dialog, AnAlertIsAWindowThatAnyKeyOfItsOwnEnds) {
@@ -284,8 +272,7 @@ TEST(Dialog, AnAlertIsAWindowThatAnyKeyOfItsOwnEnds) {
     script.KeyPress(code).Start();
     EXPECT_EQ(StopAlert(16009, nullptr), 1);
     EXPECT_TRUE(shown.contains("Dusk")) << shown.toStdString();
-    while (!script.Done())
-      Delay(1, nullptr);
+    AwaitEnd(script);
   }
 }
 

@@ -39,9 +39,7 @@ TEST(EditText, TypingReplacesTheSelection) {
     SelectDialogItemText(sample.dialog, FIELD_ITEM, typing.start, typing.end);
     ToolboxScript script;
     script.Wait(30).Type(typing.typed).KeyPress(kReturnKeyCode).Start();
-    int16_t item = 0;
-    ModalDialog(nullptr, &item);
-    EXPECT_EQ(item, OK_ITEM) << typing.name;
+    EXPECT_EQ(HitItem(), OK_ITEM) << typing.name;
     EXPECT_EQ(FieldText(sample), typing.text) << typing.name;
   }
 }

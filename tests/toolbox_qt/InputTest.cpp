@@ -71,8 +71,7 @@ TEST(Input, AClickThatIsOverBeforeTheDragStartsIsStillOne) {
   SampleDialog sample;
   ToolboxScript script;
   script.Click(33, 44).MoveTo(1, 1).Start();
-  while (!script.Done())
-    Delay(2, nullptr);
+  AwaitEnd(script);
   WaitForPress();
   const Drag drag = FollowMouse();
   EXPECT_EQ(drag.rounds, 0);
@@ -88,8 +87,7 @@ TEST(Input, KeysAreReadDuringADrag) {
   const Drag drag = FollowMouse();
   const std::vector<bool> expected = {false, false, true, true};
   EXPECT_EQ(drag.shift, expected);
-  while (!script.Done())
-    Delay(2, nullptr);
+  AwaitEnd(script);
 }
 
 TEST(Input, AHeldButtonCostsNextToNothing) {
@@ -138,9 +136,7 @@ void ExpectDragEnds(const Ending& ending) {
   EXPECT_LT(elapsed.elapsed(), 5000) << ending.name;
   if (!ending.hitsCancel)
     return;
-  int16_t item = 0;
-  ModalDialog(nullptr, &item);
-  EXPECT_EQ(item, CANCEL_ITEM) << ending.name;
+  EXPECT_EQ(HitItem(), CANCEL_ITEM) << ending.name;
 }
 
 TEST(Input, ADragEndsWhen) {

@@ -167,6 +167,17 @@ Point SampleDialog::Middle(int16_t item) const {
                static_cast<int16_t>((box.left + box.right) / 2)};
 }
 
+int16_t HitItem(ModalFilterUPP filter) {
+  int16_t item = 77; // not what any dialog answers
+  ModalDialog(filter, &item);
+  return item;
+}
+
+void AwaitEnd(const ToolboxScript& script) {
+  while (!script.Done())
+    Delay(1, nullptr);
+}
+
 TestPort::TestPort(short width, short height, double ratio) : port(nullptr), _saved(nullptr) {
   GetPort(&_saved);
   const Rect bounds = {0, 0, height, width};

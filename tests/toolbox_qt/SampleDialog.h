@@ -46,6 +46,11 @@ public:
   Point Middle(int16_t item) const;
 };
 
+// Runs the dialog in front until an item is hit. Answers its number.
+int16_t HitItem(ModalFilterUPP filter = nullptr);
+// Waits until the script has done all its steps.
+void AwaitEnd(const ToolboxScript& script);
+
 // A port without a window that goes when the test ends, made current for its life.
 class TestPort {
 public:

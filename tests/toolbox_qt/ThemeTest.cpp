@@ -84,8 +84,7 @@ TEST(Theme, AChangeOfThemeIsDrawnAtTheNextEvent) {
   const Point okay = sample.Middle(OK_ITEM);
   ToolboxScript script;
   script.Wait(50).Click(okay.h, okay.v).Start();
-  int16_t item = 0;
-  ModalDialog(nullptr, &item);
+  HitItem();
   EXPECT_EQ(LevelAt(2, 2), 45);
 }
 
@@ -103,9 +102,7 @@ TEST(Theme, AForcedRatioScalesTheWindowAndKeepsCoordinates) {
         .Click(static_cast<short>(box.right - 1), static_cast<short>(box.bottom - 1))
         .Start();
     for (int click = 0; click < 2; ++click) {
-      int16_t item = 0;
-      ModalDialog(nullptr, &item);
-      EXPECT_EQ(item, CANCEL_ITEM) << scale << " click " << click;
+      EXPECT_EQ(HitItem(), CANCEL_ITEM) << scale << " click " << click;
     }
     for (Point point : {Point{0, 0}, Point{17, 231}, Point{319, 439}}) {
       Point there = point;
