@@ -15,7 +15,6 @@ constexpr short MOUSE_EVENTS = (1 << mouseDown) | (1 << mouseUp);
 // What a drag loop of the usual kind has seen.
 struct Drag {
   std::vector<Point> places;
-  std::vector<bool> shift;
   Point last;
   int rounds = 0;
 };
@@ -24,12 +23,8 @@ Drag FollowMouse() {
   Drag drag;
   const auto look = [&] {
     GetMouse(&drag.last);
-    KeyMap keys;
-    GetKeys(keys);
-    if (drag.places.empty() || !EqualPt(drag.places.back(), drag.last)) {
+    if (drag.places.empty() || !EqualPt(drag.places.back(), drag.last))
       drag.places.push_back(drag.last);
-      drag.shift.push_back(KeyIsDown(keys, kShiftKeyCode));
-    }
   };
   while (StillDown()) {
     ++drag.rounds;
@@ -76,18 +71,6 @@ TEST(Input, AClickThatIsOverBeforeTheDragStartsIsStillOne) {
   const Drag drag = FollowMouse();
   EXPECT_EQ(drag.rounds, 0);
   EXPECT_TRUE(EqualPt(drag.last, Point{44, 33}));
-}
-
-TEST(Input, KeysAreReadDuringADrag) {
-  SampleDialog sample;
-  ToolboxScript script;
-  script.Press(10, 10).MoveTo(20, 10).KeyDown(kShiftKeyCode).MoveTo(30, 10).Release(30, 11);
-  script.KeyUp(kShiftKeyCode).Start();
-  WaitForPress();
-  const Drag drag = FollowMouse();
-  const std::vector<bool> expected = {false, false, true, true};
-  EXPECT_EQ(drag.shift, expected);
-  AwaitEnd(script);
 }
 
 TEST(Input, AHeldButtonCostsNextToNothing) {
