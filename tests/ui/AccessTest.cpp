@@ -120,14 +120,15 @@ TEST_F(DialogRun, LightsAreMovedAndAddedWithoutAMouse) {
     });
     script.KeyPress(kDownArrowKeyCode).KeyPress(kLeftArrowKeyCode);
     script.KeyDown(kShiftKeyCode).KeyPress(kRightArrowKeyCode).KeyUp(kShiftKeyCode);
-    script.Call([&] {
+    script.Wait(ANSWERED).Call([&] {
       const LM_vectori2 wanted = {static_cast<int16_t>(before.h + 9),
                                   static_cast<int16_t>(before.v + 1)};
       EXPECT_TRUE(Globals()->lights[0].center == wanted);
       before.h = Globals()->lights[0].radius;
     });
     script.KeyDown(kOptionKeyCode).KeyPress(kRightArrowKeyCode).KeyUp(kOptionKeyCode);
-    script.Call([&] { EXPECT_EQ(Globals()->lights[0].radius, before.h + 1); })
+    script.Wait(ANSWERED)
+        .Call([&] { EXPECT_EQ(Globals()->lights[0].radius, before.h + 1); })
         .Call([&] { Act("Light well", PRESS); })
         .Wait(100)
         .Call([&] { EXPECT_EQ(Globals()->numLights, lights + 1); });
