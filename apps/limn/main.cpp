@@ -1,4 +1,5 @@
 // limn: lights photographs from the command line.
+#include "bracketed_words.h"
 #include "command_line.h"
 #include "report.h"
 #include "termination.h"
@@ -24,7 +25,7 @@ ExitCode Run(int argc, char** argv) {
   limn::Command command;
   const auto app = limn::MakeCommandLine(command, argv);
   try {
-    app->parse(argc, argv);
+    limn::ParseWhole(*app, argc, argv);
   } catch (const CLI::ParseError& error) {
     return Answer(*app, error);
   }

@@ -75,6 +75,11 @@ class Batch(support.LimnTest):
         support.write_pnm("-r.ppm", support.smooth(5, 4))
         self.limn("apply", "-o", "dash/", "--", "-r.ppm")
         self.assertEqual(os.listdir("dash"), ["-r.ppm"])
+        for folder in "[a,b]", "a", "b":
+            os.mkdir(folder)
+            support.write_pnm(f"{folder}/{folder}.ppm", support.smooth(5, 4))
+        self.limn("apply", "-r", "[a,b]", "-o", "brackets/")
+        self.assertEqual(os.listdir("brackets"), ["[a,b].ppm"])
 
     def test_lists_of_names(self):
         odd = [b"plain.ppm", b"deep/er/b.ppm", b" lead and trail .ppm", b"-r.ppm", "\u00e9 \u00fc.ppm".encode(), b"{}.ppm",

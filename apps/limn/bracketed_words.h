@@ -1,0 +1,12 @@
+// Words of the command line that the parser would take for lists.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace limn {
+
+// Parses like app.parse(argc, argv), but "[a,b]", which as one of several names would be split at
+// its commas, stays the name that it is. All options must have been added. Throws CLI::ParseError.
+void ParseWhole(CLI::App& app, int argc, char** argv);
+
+} // namespace limn
