@@ -41,6 +41,21 @@ void FlushFolder(const std::string& target) {
     Fail(target, EIO);
 }
 
+// Gives the new file the replaced one's owner, as far as this user may, and its permissions, short
+// of running as its owner. Where it cannot have the old group, the group that it has may do what
+// strangers may. 0 or the system's error.
+int TakeAccess(int descriptor, const struct stat& old) {
+  struct stat own {};
+  if (fstat(descriptor, &own) != 0)
+    return errno;
+  mode_t mode = old.st_mode & 0777;
+  const bool isSame = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
+  if (!isSame && fchown(descriptor, old.st_uid, old.st_gid) != 0 && own.st_gid != old.st_gid &&
+      fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) != 0)
+    mode = (mode & 0707) | (mode & 07) << 3;
+  return fchmod(descriptor, mode) == 0 || errno == EPERM ? 0 : errno;
+}
+
 } // namespace
 
 void SetTemporaryToken(uint64_t token) {
@@ -84,9 +99,13 @@ AtomicFile::AtomicFile(std::string target, Existing existing)
   // Noted before the file exists: removing one that is not there does no harm.
   std::memcpy(temporaryInProgress, _temporary.c_str(), _temporary.size() + 1);
   SweepTemporaries(FolderOf(_target));
+  // What replaces a private file is private from its first byte.
+  struct stat old {};
+  const bool isReplacing = _existing == Existing::Replace && stat(_target.c_str(), &old) == 0;
+  const mode_t mode = isReplacing ? 0600 : 0666;
   for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
     constexpr int FLAGS = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    _file = Descriptor(Uninterrupted([&] { return open(_temporary.c_str(), FLAGS, 0666); }));
+    _file = Descriptor(Uninterrupted([&] { return open(_temporary.c_str(), FLAGS, mode); }));
     if (_file.Number() < 0 || HoldTemporary(_file.Number()))
       break;
     unlink(_temporary.c_str()); // another run's sweep was quicker
@@ -121,9 +140,9 @@ void AtomicFile::Write(const void* bytes, size_t size) {
 
 void AtomicFile::Commit() {
   struct stat old {};
-  if (_existing == Existing::Replace && stat(_target.c_str(), &old) == 0 &&
-      fchmod(_file.Number(), old.st_mode & 07777) != 0 && errno != EPERM)
-    Fail(_target, errno);
+  if (_existing == Existing::Replace && stat(_target.c_str(), &old) == 0)
+    if (const int error = TakeAccess(_file.Number(), old); error != 0)
+      Fail(_target, error);
   if (Uninterrupted([&] { return fsync(_file.Number()); }) != 0)
     Fail(_target, errno);
   // Some file systems report a full disk only when a descriptor is closed. Ours stays open, and the

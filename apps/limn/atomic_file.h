@@ -38,7 +38,8 @@ public:
 
   // Flushes the content to the disk, renames, and flushes the folder. With Existing::Keep a file
   // that has meanwhile appeared under the name is left alone and is a failure. A replaced file's
-  // permissions are kept. Throws Failure(CannotWrite).
+  // permissions are kept, and its owner and group as far as the user may give them. Throws
+  // Failure(CannotWrite).
   void Commit();
 
 private:

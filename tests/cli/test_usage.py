@@ -104,6 +104,12 @@ class Usage(support.LimnTest):
         self.assertSame(support.read("old.ppm"), lit)
         self.limn("apply", "in.ppm", "-o", "in.ppm", "--force")
         self.assertSame(support.read("in.ppm"), lit)
+        if os.geteuid() == 0:  # another user's file stays that user's
+            os.chown("in.ppm", 65534, 65533)
+            os.chmod("in.ppm", 0o4640)
+            self.limn("apply", "old.ppm", "-o", "in.ppm", "--force")
+            status = os.stat("in.ppm")
+            self.assertEqual((status.st_uid, status.st_gid, status.st_mode & 0o7777), (65534, 65533, 0o640))
 
     def test_writing_fails(self):
         support.write_pnm("large.ppm", support.filled(300, 300, 7, 3))
