@@ -39,4 +39,16 @@ Descriptor OpenRegularFile(const std::string& path) {
   return file;
 }
 
+bool HoldStandardFiles() {
+  for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(number, F_GETFD) >= 0)
+      continue;
+    // The lowest number that is free. Opened the wrong way round, and kept by every new program.
+    const int opened = open("/dev/null", number == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    if (opened != number)
+      return false;
+  }
+  return true;
+}
+
 } // namespace limn

@@ -40,6 +40,11 @@ template <class Call> auto Uninterrupted(Call call) {
 // Throws Failure(BadInput).
 Descriptor OpenRegularFile(const std::string& path);
 
+// Lets no file that is opened later become standard input, output or error because the caller
+// closed these: there, what is printed would go into it. Reading and writing the closed ones fails
+// as before. Call it before anything is opened. False when that cannot be had.
+bool HoldStandardFiles();
+
 // The system's words for `error`, in the middle of a sentence ("no such file or directory").
 std::string SystemReason(int error);
 

@@ -1,5 +1,7 @@
 #include "report.h"
 
+#include "posix_file.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -65,6 +67,8 @@ ExitCode FlushedOutput(ExitCode code) {
 int ReportedExit(const std::function<ExitCode()>& run) {
   ExitCode code = ExitCode::Refused;
   try {
+    if (!HoldStandardFiles())
+      throw Failure(ExitCode::Refused, "standard input, output or error is closed");
     code = run();
   } catch (const Failure& failure) {
     PrintProblem(failure.what());

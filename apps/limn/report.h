@@ -26,7 +26,8 @@ void PrintLine(const std::string& line);
 // here.
 ExitCode FlushedOutput(ExitCode code);
 
-// What main ends with: runs the program, and prints whatever it throws as a problem.
+// What main ends with: keeps what is printed out of other files, should the caller have closed the
+// standard ones, runs the program, and prints whatever it throws as a problem.
 int ReportedExit(const std::function<ExitCode()>& run);
 
 } // namespace limn

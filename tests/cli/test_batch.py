@@ -3,6 +3,7 @@
 import json
 import os
 import shutil
+import subprocess
 
 import support
 
@@ -80,6 +81,17 @@ class Batch(support.LimnTest):
             support.write_pnm(f"{folder}/{folder}.ppm", support.smooth(5, 4))
         self.limn("apply", "-r", "[a,b]", "-o", "brackets/")
         self.assertEqual(os.listdir("brackets"), ["[a,b].ppm"])
+
+    def test_closed_standard_files(self):
+        support.write_pnm("a.ppm", support.smooth(5, 4))
+        self.limn("apply", "a.ppm", "-o", "a.png")
+        for closed, code in (">&-", 4), ("2>&-", 3), ("<&- >&- 2>&-", 4):
+            with self.subTest(closed):
+                command = f'exec "$0" apply --json -f a.ppm absent.ppm -o out/ {closed}'
+                answer = subprocess.run(["sh", "-c", command, support.LIMN], capture_output=True)
+                self.assertEqual(answer.returncode, code)
+                self.assertEqual(len(answer.stdout.splitlines()), 2 if code == 3 else 0)
+                self.assertSame(support.read("out/a.ppm"), support.read("a.png"))
 
     def test_lists_of_names(self):
         odd = [b"plain.ppm", b"deep/er/b.ppm", b" lead and trail .ppm", b"-r.ppm", "\u00e9 \u00fc.ppm".encode(), b"{}.ppm",
