@@ -188,6 +188,8 @@ ExitCode Apply(const ApplyOptions& options) {
   ApplyPlan plan = MakePlan(options);
   if (options.isSkippingExisting)
     SkipExisting(plan);
+  if (options.force)
+    RefuseSharedFiles(plan.pairs, plan.targets);
   const int numProcessors = NumProcessors();
   const int numWorkers = static_cast<int>(std::min<size_t>(
       options.jobs > 0 ? options.jobs : numProcessors, std::max<size_t>(plan.pairs.size(), 1)));

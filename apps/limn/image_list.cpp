@@ -52,6 +52,13 @@ void RefuseCollisions(const std::vector<ImagePair>& pairs) {
   }
 }
 
+// A path without links, as far as it exists.
+fs::path RealPath(const std::string& path) {
+  std::error_code error;
+  const fs::path real = fs::weakly_canonical(path, error);
+  return error ? fs::path(path) : real;
+}
+
 // The name below the output folder of an image that a list names.
 fs::path PlaceOf(const fs::path& listed) {
   const fs::path place = listed.lexically_normal();
@@ -98,6 +105,23 @@ std::vector<ImagePair> ListImages(const ImageNames& names, const std::string& ou
                                           : names.given.front() + ": holds no image");
   RefuseCollisions(pairs);
   return pairs;
+}
+
+void RefuseSharedFiles(const std::vector<ImagePair>& pairs,
+                       const std::vector<std::string>& targets) {
+  std::map<fs::path, size_t> writers;
+  for (size_t i = 0; i < pairs.size(); ++i) {
+    const auto [first, isNew] = writers.emplace(RealPath(targets[i]), i);
+    if (!isNew)
+      throw Failure(ExitCode::WrongUsage, pairs[first->second].input + " and " + pairs[i].input +
+                                              " would both be written to " + targets[i]);
+  }
+  for (size_t i = 0; i < pairs.size(); ++i)
+    if (const auto writer = writers.find(RealPath(pairs[i].input));
+        writer != writers.end() && writer->second != i)
+      throw Failure(ExitCode::WrongUsage, pairs[i].input + ": would be replaced by the lit " +
+                                              pairs[writer->second].input +
+                                              ", perhaps before it is read");
 }
 
 } // namespace limn

@@ -32,4 +32,9 @@ struct ImageNames {
 std::vector<ImagePair> ListImages(const ImageNames& names, const std::string& output,
                                   Folders folders);
 
+// Throws Failure(WrongUsage) when two images would be written to one file through links, or one to
+// the file of another that is read. targets: where each is written, as ResolveTarget gives it.
+void RefuseSharedFiles(const std::vector<ImagePair>& pairs,
+                       const std::vector<std::string>& targets);
+
 } // namespace limn

@@ -23,6 +23,11 @@ class Usage(support.LimnTest):
         os.mkfifo("pipe.ppm")
         os.symlink("nowhere.ppm", "dangling.ppm")
         os.link("in.ppm", "twin.ppm")
+        os.mkdir("linked")
+        os.mkdir("folder/deep")
+        support.write_pnm("folder/deep/new.ppm", support.smooth(12, 8))
+        for name in "in.ppm", "colour.ppm":
+            os.symlink("../old.ppm", f"linked/{name}")
         self.limn("styles")  # the library is there from here on
         with open("long.style", "wb") as file:
             file.truncate(2**40)
@@ -72,6 +77,8 @@ class Usage(support.LimnTest):
             (["apply", "in.ppm", "-o", "dangling.ppm", "--force"], CANNOT_WRITE, "link to nothing"),
             (["apply", "in.ppm", "-o", "in.ppm/out.ppm"], CANNOT_WRITE, "in.ppm"),
             (["apply", "in.ppm", "-o", "/proc/out.ppm"], CANNOT_WRITE, "/proc/out.ppm: "),
+            (["apply", "-f", "in.ppm", "colour.ppm", "-o", "linked/"], USAGE, "both be written to"),
+            (["apply", "-f", "-r", "folder", "folder/deep", "-o", "folder/"], USAGE, "perhaps before it is read"),
             (["preview", "in.ppm"], USAGE, "--output is required"),
             (["preview", "in.ppm", "-o", "old.ppm"], CANNOT_WRITE, "old.ppm: exists already"),
             (["preview", "in.ppm", "-o", "out.csv"], USAGE, "extension"),
