@@ -25,6 +25,10 @@ size_t CharacterLength(std::string_view text) {
   for (size_t i = 1; i < length; ++i)
     if ((byte(i) & 0xc0) != 0x80)
       return 0;
+  // Longer than need be, half of a pair, or beyond the last character.
+  if ((first == 0xe0 && byte(1) < 0xa0) || (first == 0xed && byte(1) >= 0xa0) ||
+      (first == 0xf0 && byte(1) < 0x90) || (first == 0xf4 && byte(1) >= 0x90))
+    return 0;
   // The control characters above ASCII.
   return first == 0xc2 && byte(1) < 0xa0 ? 0 : length;
 }

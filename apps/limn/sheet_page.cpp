@@ -35,6 +35,16 @@ VImage Letters(const std::string& text, const TextStyle& style) {
                       VImage::option()->set("font", font.c_str())->set("dpi", DPI));
 }
 
+// Of a text of which nothing can be seen, such as blanks, a question mark's.
+VImage VisibleLetters(const std::string& text, const TextStyle& style) {
+  try {
+    return Letters(text, style);
+  } catch (const vips::VError&) {
+    vips_error_clear();
+    return Letters("?", style);
+  }
+}
+
 // Without its last character, which in UTF-8 may be several bytes.
 void DropLast(std::string& text) {
   while (!text.empty() && (text.back() & 0xc0) == 0x80)
@@ -44,10 +54,10 @@ void DropLast(std::string& text) {
 }
 
 VImage FittingLetters(std::string text, const TextStyle& style, int width) {
-  VImage letters = Letters(text, style);
+  VImage letters = VisibleLetters(text, style);
   while (letters.width() > width && text.size() > 1) {
     DropLast(text);
-    letters = Letters(text + "…", style);
+    letters = VisibleLetters(text + "…", style);
   }
   return letters;
 }

@@ -64,6 +64,9 @@ class Sheet(support.LimnTest):
             beside = [row[3 * at : 3 * at + 3] for row in rows[y + HEIGHT : y + HEIGHT + 20] for at in
                       range(x + WIDTH + 8, x + WIDTH + 14)]
             self.assertTrue(all(pixel == paper for pixel in beside), "letters beside the card")
+        for name in b" ", b"\xed\xa0\x80", b"\xe0\x80\x80", b"\xf4\x90\x80\x80":  # no letters, no UTF-8
+            shutil.copy("data/limn/Lighting Styles/Campfire", name)
+            self.sheet("-s", os.fsdecode(name))
 
     def test_a_large_jpeg_is_what_apply_gives_made_small(self):
         support.vips("resize", "in.ppm", "large.jpg[Q=95]", 20)
