@@ -1,6 +1,7 @@
 #include "style_commands.h"
 
 #include "atomic_file.h"
+#include "output_target.h"
 #include "report.h"
 #include "style_source.h"
 
@@ -99,6 +100,7 @@ ExitCode PackStyle(const std::string& jsonFile, const std::string& styleFile, Ov
     PrintProblem(jsonFile + ": " + named.warning);
   const bool isReplacing = overwrite == Overwrite::Yes;
   const std::string target = ResolveTarget(styleFile);
+  UseRandomTemporaryToken();
   uint8_t bytes[LM_STYLE_MAX_BYTES];
   const size_t size = LM_EncodeStyle(named.style, bytes);
   AtomicFile file(target, isReplacing ? Existing::Replace : Existing::Keep);
