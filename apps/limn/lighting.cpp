@@ -1,6 +1,7 @@
 #include "lighting.h"
 
 #include "failure.h"
+#include "posix_file.h"
 
 #include "LM_parameters.h"
 #include "LM_style_settings.h"
@@ -75,6 +76,8 @@ CVPlugin LoadPlugin() {
   } else {
     std::error_code error;
     const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    if (error) // and not a module that lies below the current folder
+      throw Failure(ExitCode::Refused, "/proc/self/exe: " + SystemReason(error.value()));
     for (const char* way : {LIMN_PLUGIN_FOLDER, "../lib"}) // installed, built
       candidates.push_back((folder / way / "limn.so").lexically_normal().string());
   }
