@@ -22,6 +22,9 @@ constexpr uint64_t MOST_PIXELS_WHOLE = 250'000'000;
 // A file that is decoded whole and is larger than this has to be long enough for a photograph.
 constexpr uint64_t LARGE = 40'000'000;
 constexpr uint64_t MOST_PIXELS_A_BYTE = 500;
+// So has what passes row by row, hundreds of rows at a time, when a row is longer than this.
+constexpr uint64_t LONG_ROW = 250'000;
+constexpr uint64_t MOST_GROWTH = 500;
 
 // The decoder gives up a text at 8 MB; deflated text grows at most 1032-fold.
 constexpr int64_t LONGEST_TEXT = 8'000'000;
@@ -138,22 +141,28 @@ void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
 
 void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64_t fileLength,
                  const std::string& path) {
-  const std::string size = std::to_string(image.width()) + " × " + std::to_string(image.height());
+  std::string size = std::to_string(image.width()) + " × " + std::to_string(image.height());
   if (image.width() > LONGEST_SIDE || image.height() > LONGEST_SIDE)
     throw Failure(ExitCode::BadInput,
                   path + ": is " + size + " pixels, and no side may have more than 32767");
   const bool isWhole = IsDecodedWhole(image, decoding);
   const SizeLimit& limit = ImageSizeLimit();
   const uint64_t most = limit.pixels > 0 ? limit.pixels : isWhole ? MOST_PIXELS_WHOLE : MOST_PIXELS;
+  // Every four channels count as a pixel.
+  const auto bands = static_cast<uint64_t>(image.bands());
   const uint64_t pixels = uint64_t{static_cast<uint32_t>(image.width())} *
                           static_cast<uint32_t>(image.height()) *
-                          static_cast<uint32_t>(shrink * shrink);
+                          static_cast<uint32_t>(shrink * shrink) * ((bands + 3) / 4);
+  if (bands > 4)
+    size += " of " + std::to_string(bands) + " channels";
   if (pixels > most)
     throw Failure(ExitCode::BadInput, path + ": has " + std::to_string(pixels) + " pixels (" +
                                           size + "), more than the " + std::to_string(most) +
                                           " that are read" + limit.advice);
-  if (limit.pixels == 0 && isWhole && pixels > LARGE &&
-      pixels / MOST_PIXELS_A_BYTE > static_cast<uint64_t>(fileLength))
+  const uint64_t row = VIPS_IMAGE_SIZEOF_LINE(image.get_image());
+  const auto length = static_cast<uint64_t>(fileLength);
+  if (limit.pixels == 0 && ((isWhole && pixels > LARGE && pixels / MOST_PIXELS_A_BYTE > length) ||
+                            (row > LONG_ROW && row / MOST_GROWTH * image.height() > length)))
     throw Failure(ExitCode::BadInput, path + ": is " + size + " pixels in " +
                                           std::to_string(fileLength) +
                                           " bytes, as no photograph is" + limit.advice);

@@ -15,8 +15,9 @@ enum class Decoding { ByRows, Whole };
 void CheckContent(int descriptor, Decoding decoding, const std::string& path);
 
 // After its header is read: throws Failure(BadInput) when the image has more pixels than
-// ImageSizeLimit allows, or, without such a limit, when a file decoded whole holds more of them
-// than its length can mean. shrink: by which the decoder reduced the sides.
+// ImageSizeLimit allows, every four channels counted as one, or, without such a limit, when a file
+// decoded whole, or one of very long rows, holds more of them than its length can mean. shrink: by
+// which the decoder reduced the sides.
 void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64_t fileLength,
                  const std::string& path);
 

@@ -53,8 +53,9 @@ def webp(width, height):
 
 
 def tiff(width, height, *tags):
-    tags = sorted([(256, 4, 1, width), (257, 4, 1, height), (258, 3, 1, 8), (259, 3, 1, 1), (262, 3, 1, 1),
-                   (277, 3, 1, 1), (273, 4, 1, 8), (278, 4, 1, height), (279, 4, 1, 100), *tags])
+    usual = [(256, 4, 1, width), (257, 4, 1, height), (258, 3, 1, 8), (259, 3, 1, 1), (262, 3, 1, 1),
+             (277, 3, 1, 1), (273, 4, 1, 8), (278, 4, 1, height), (279, 4, 1, 100)]
+    tags = sorted({tag[0]: tag for tag in [*usual, *tags]}.values())
     return (struct.pack("<2sHI", b"II", 42, 108) + bytes(100) + struct.pack("<H", len(tags))
             + b"".join(struct.pack("<HHII", *tag) for tag in tags) + bytes(4))
 
@@ -74,6 +75,9 @@ def bombs():
     yield "", "tile.tif", tiff(9, 9, (322, 4, 1, 32000), (323, 4, 1, 32000), (324, 4, 1, 8), (325, 4, 1, 100))
     yield "beside its pixels", "profile.tif", tiff(9, 9, (34675, 7, 0x7FFFFFFF, 8))
     yield "beside its pixels", "texts.tif", tiff(9, 9, (700, 1, 10**9, 8))
+    channels = ((277, 3, 1, 900), (259, 3, 1, 8))
+    yield "900 channels", "channels.tif", tiff(4000, 4000, *channels)
+    yield "as no photograph is", "fits.tif", tiff(4000, 1000, *channels)
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
 
 
