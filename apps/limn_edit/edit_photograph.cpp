@@ -17,7 +17,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <future>
+#include <optional>
 #include <thread>
 #include <unistd.h>
 
@@ -91,19 +93,31 @@ void BeginWithStyle(const EditOptions& options) {
   setenv("LIMN_STYLE", LM_StyleToJson(named.style).c_str(), 1);
 }
 
-void PrintCommand(const EditOptions& options, const std::vector<uint8_t>& block, CVRect area) {
+// That makes the same file again; none when no style lights exactly like this.
+std::optional<std::string> CommandFor(const EditOptions& options, const std::vector<uint8_t>& block,
+                                      CVRect area) {
   const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
-  if (!style) {
+  if (!style)
+    return std::nullopt;
+  return CommandLine({*style, options.image, options.output, options.area, options.mask,
+                      options.channels, options.maxPixels, options.force});
+}
+
+void PrintCommand(const EditOptions& options, const std::optional<std::string>& command) {
+  if (!command)
     PrintProblem(options.image + ": no style lights it exactly like this, so there is no command");
-    return;
-  }
-  const std::string line =
-      CommandLine({*style, options.image, options.output, options.area, options.mask,
-                   options.channels, options.maxPixels, options.force});
-  if (HasControls(line) && isatty(STDOUT_FILENO) != 0)
+  else if (HasControls(*command) && isatty(STDOUT_FILENO) != 0)
     PrintProblem(options.image + ": a terminal would act on its name, so there is no command");
   else
-    PrintLine(line);
+    PrintLine(*command);
+}
+
+// What would stop the writing is told before the lights are set, as far as it can be known.
+void CheckWritable(const std::string& target, Existing existing) {
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::path(target).parent_path();
+  if (folder.empty() || std::filesystem::exists(folder, error))
+    const AtomicFile probe(target, existing);
 }
 
 // The list of strings that this window's texts are in, and their places there.
@@ -130,6 +144,7 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   if (!options.style.empty())
     BeginWithStyle(options);
   UseRandomTemporaryToken();
+  CheckWritable(ResolveTarget(output.path), existing);
   StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
                     {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
@@ -151,9 +166,16 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
     return ExitCode::Cancelled;
   CheckRun(result, options.image);
   window.ShowWriting(Task(WRITING, output.path));
-  WriteResult(options, sources.photograph, output, existing);
+  const auto command = CommandFor(options, session.parameters(), area);
+  try {
+    WriteResult(options, sources.photograph, output, existing);
+  } catch (...) {
+    if (command) // or the lights that were set by hand would be lost
+      PrintProblem("the lights are those of: " + *command);
+    throw;
+  }
   if (options.printCommand)
-    PrintCommand(options, session.parameters(), area);
+    PrintCommand(options, command);
   return FlushedOutput(ExitCode::Done);
 }
 

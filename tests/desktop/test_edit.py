@@ -159,6 +159,15 @@ class Edit(unittest.TestCase):
         self.limn("apply", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("applied.png"), "-q")
         self.assertSameFiles("lit.png", "applied.png")
 
+    def test_writing_that_fails(self):
+        answer = subprocess.run([LIMN, "edit", PHOTOGRAPH, "-o", "/proc/lit.png"], capture_output=True, text=True,
+                                env=self.screen.environment(), timeout=60)
+        self.assertEqual(answer.returncode, 4, "before the dialog")
+        self.start(LIMN, "edit", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("lit.png"))
+        os.symlink("nowhere", self.path("lit.png"))
+        self.press_item(OK)
+        self.end(4, "the lights are those of: limn apply ")
+
     def assertSameFiles(self, one, other):
         with open(self.path(one), "rb") as first, open(self.path(other), "rb") as second:
             self.assertTrue(first.read() == second.read(), f"{one} and {other} differ")
