@@ -3,6 +3,7 @@
 #include "failure.h"
 #include "temporary_sweep.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -97,7 +98,10 @@ AtomicFile::AtomicFile(std::string target, Existing existing)
   if (_temporary.size() >= sizeof temporaryInProgress)
     Fail(_target, ENAMETOOLONG);
   // Noted before the file exists: removing one that is not there does no harm.
-  std::memcpy(temporaryInProgress, _temporary.c_str(), _temporary.size() + 1);
+  // Its first letter comes last, so that a signal never meets half a name.
+  std::memcpy(temporaryInProgress + 1, _temporary.c_str() + 1, _temporary.size());
+  std::atomic_signal_fence(std::memory_order_release);
+  temporaryInProgress[0] = _temporary[0];
   SweepTemporaries(FolderOf(_target));
   // What replaces a private file is private from its first byte.
   struct stat old {};

@@ -1,11 +1,12 @@
 #include "image_library.h"
 
+#include "termination.h"
+
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <mutex>
-#include <unistd.h>
 #include <vips/vips.h>
 
 namespace limn {
@@ -29,7 +30,7 @@ bool IsHarmless(const char* message) {
 void KeepWarning(const char*, GLogLevelFlags level, const char* message, void*) {
   if ((level & G_LOG_LEVEL_ERROR) != 0)
     // GLib aborts after such a message, and gives one only when it cannot allocate.
-    _exit(static_cast<int>(ExitCode::NoMemory));
+    RemoveTemporaryAndExit(ExitCode::NoMemory);
   if ((level & (G_LOG_LEVEL_WARNING | G_LOG_LEVEL_CRITICAL)) == 0 || message == nullptr ||
       IsHarmless(message))
     return;

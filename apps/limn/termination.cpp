@@ -1,17 +1,20 @@
 #include "termination.h"
 
 #include "atomic_file.h"
-#include "failure.h"
 
 #include <csignal>
 #include <unistd.h>
 
 namespace limn {
 
-void RemoveTemporaryAndLeave(int) {
+void RemoveTemporaryAndExit(ExitCode code) {
   if (TemporaryInProgress()[0] != '\0')
     unlink(TemporaryInProgress());
-  _exit(static_cast<int>(ExitCode::Cancelled));
+  _exit(static_cast<int>(code));
+}
+
+void RemoveTemporaryAndLeave(int) {
+  RemoveTemporaryAndExit(ExitCode::Cancelled);
 }
 
 void EndCleanlyOnSignals() {

@@ -1,6 +1,8 @@
 // What the user's signals do to a command.
 #pragma once
 
+#include "failure.h"
+
 namespace limn {
 
 // SIGINT, SIGTERM and SIGHUP end the process with ExitCode::Cancelled, and first remove the
@@ -10,5 +12,8 @@ void EndCleanlyOnSignals();
 
 // The handler that does so.
 void RemoveTemporaryAndLeave(int signal);
+
+// The same with another code, for an end that nothing else can prevent. Safe in a signal handler.
+[[noreturn]] void RemoveTemporaryAndExit(ExitCode code);
 
 } // namespace limn
