@@ -68,14 +68,14 @@ struct Worker {
 
 class Pool {
 public:
-  explicit Pool(const WorkerPool& pool) : _pool(pool) {}
+  explicit Pool(const WorkerPool& pool) : _pool(pool), _numWorkers(pool.numWorkers) {}
   ~Pool() { _KillAll(); }
   Pool(const Pool&) = delete;
   Pool& operator=(const Pool&) = delete;
 
   PoolEnd Run() {
     while (interrupted == 0) {
-      while (_next < _pool.numJobs && static_cast<int>(_workers.size()) < _pool.numWorkers)
+      while (_next < _pool.numJobs && static_cast<int>(_workers.size()) < _numWorkers)
         _Start();
       if (_workers.empty())
         return PoolEnd::AllDone;
@@ -89,14 +89,14 @@ private:
   void _Start() {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0)
-      throw Failure(ExitCode::NoMemory, "cannot start a process: " + SystemReason(errno));
+      return _DoWithFewer(errno);
     Descriptor ours(ends[0]);
     Descriptor theirs(ends[1]);
     std::fflush(nullptr); // or the worker's copy of the buffers could be printed too
     const pid_t parent = getpid();
     const pid_t process = fork();
     if (process < 0)
-      throw Failure(ExitCode::NoMemory, "cannot start a process: " + SystemReason(errno));
+      return _DoWithFewer(errno);
     if (process == 0) {
       // Only its own end: the others' must show their end when the command is gone.
       for (const Worker& other : _workers)
@@ -106,6 +106,13 @@ private:
     }
     _workers.push_back({process, std::move(ours), 0});
     _Assign(_workers.back());
+  }
+
+  // Those that run do the jobs, if there is one.
+  void _DoWithFewer(int error) {
+    if (_workers.empty())
+      throw Failure(ExitCode::NoMemory, "cannot start a process: " + SystemReason(error));
+    _numWorkers = static_cast<int>(_workers.size());
   }
 
   void _Assign(Worker& worker) {
@@ -187,6 +194,7 @@ private:
 
   const Signals _signals;
   const WorkerPool& _pool;
+  int _numWorkers; // at most at a time
   std::vector<Worker> _workers;
   size_t _next = 0;
 };

@@ -33,7 +33,7 @@ private:
 
 struct WorkerPool {
   size_t numJobs = 0;
-  int numWorkers = 1;
+  int numWorkers = 1; // or as many as the system lets run
   // In the process. Returns the payload; throws Failure and nothing else.
   std::function<std::string(size_t job, const JobChannel& channel)> work;
   // In the calling process, as news arrive.
@@ -48,7 +48,7 @@ enum class PoolEnd { AllDone, Interrupted };
 
 // Runs all jobs. The calling process must have one thread. On SIGINT, SIGTERM or SIGHUP the
 // processes are killed, onDeath is called for their jobs, and nothing more is started. Throws
-// Failure(NoMemory) when no process can be started.
+// Failure(NoMemory) when not even one process can be started.
 PoolEnd RunJobs(const WorkerPool& pool);
 
 } // namespace limn

@@ -2,6 +2,7 @@
 
 import json
 import os
+import resource
 import shutil
 import subprocess
 
@@ -92,6 +93,14 @@ class Batch(support.LimnTest):
                 self.assertEqual(answer.returncode, code)
                 self.assertEqual(len(answer.stdout.splitlines()), 2 if code == 3 else 0)
                 self.assertSame(support.read("out/a.ppm"), support.read("a.png"))
+
+    def test_fewer_processes_than_wanted(self):
+        os.mkdir("many")
+        for number in range(30):
+            support.write_pnm(f"many/{number}.ppm", support.smooth(5, 4))
+        limit = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (25, 25))
+        self.limn("apply", "-r", "many", "-o", "lit/", "-q", "-j", "30", preexec_fn=limit)
+        self.assertEqual(len(os.listdir("lit")), 30)
 
     def test_lists_of_names(self):
         odd = [b"plain.ppm", b"deep/er/b.ppm", b" lead and trail .ppm", b"-r.ppm", "\u00e9 \u00fc.ppm".encode(), b"{}.ppm",
