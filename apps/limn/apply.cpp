@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sched.h>
@@ -140,7 +141,8 @@ void SkipExisting(ApplyPlan& plan) {
   std::vector<ImagePair> pairs;
   std::vector<std::string> targets;
   for (size_t i = 0; i < plan.pairs.size(); ++i) {
-    if (access(plan.targets[i].c_str(), F_OK) != 0) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(plan.targets[i], error)) {
       pairs.push_back(std::move(plan.pairs[i]));
       targets.push_back(std::move(plan.targets[i]));
     } else if (plan.options.json) {
