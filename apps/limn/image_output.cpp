@@ -120,9 +120,9 @@ void DropMetadata(VImage& image, const OutputFormat& format, std::vector<std::st
 void NeedRoomForColours(const VImage& image, const std::string& path) {
   constexpr size_t BYTES_A_PIXEL = 32;
   constexpr size_t BESIDE = 128 << 20;
-  const size_t numPixels = static_cast<size_t>(image.width()) * image.height();
-  const std::unique_ptr<void, void (*)(void*)> room(std::malloc(numPixels * BYTES_A_PIXEL + BESIDE),
-                                                    std::free);
+  const uint64_t size = VIPS_IMAGE_N_PELS(image.get_image()) * BYTES_A_PIXEL + BESIDE;
+  const std::unique_ptr<void, void (*)(void*)> room(
+      size < SIZE_MAX / 2 ? std::malloc(static_cast<size_t>(size)) : nullptr, std::free);
   if (room == nullptr)
     throw Failure(ExitCode::NoMemory, path + ": not enough memory");
 }
