@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <system_error>
 #include <thread>
 
 namespace limn {
@@ -83,8 +84,12 @@ std::vector<std::vector<uint8_t>> DrawPictures(const ReducedPhotograph& photogra
   };
   {
     std::vector<std::jthread> threads;
-    for (unsigned i = 1; i < std::thread::hardware_concurrency(); ++i)
-      threads.emplace_back(work);
+    try {
+      for (unsigned i = 1; i < std::thread::hardware_concurrency(); ++i)
+        threads.emplace_back(work);
+    } catch (const std::system_error&) {
+      // The system has no more threads to give. Fewer do it too.
+    }
     work();
   }
   for (const std::vector<uint8_t>& picture : pictures)

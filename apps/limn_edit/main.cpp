@@ -16,7 +16,7 @@ ExitCode Run(int& argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
       app.exit(error);
-      return ExitCode::Done;
+      return limn::FlushedOutput(ExitCode::Done);
     }
     limn::PrintProblem(error.what());
     return ExitCode::WrongUsage;
