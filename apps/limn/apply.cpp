@@ -190,8 +190,12 @@ ExitCode Apply(const ApplyOptions& options) {
   ApplyPlan plan = MakePlan(options);
   if (options.isSkippingExisting)
     SkipExisting(plan);
-  if (options.force)
-    RefuseSharedFiles(plan.pairs, plan.targets);
+  if (options.force) {
+    std::vector<std::string> shared = options.channels;
+    if (!options.mask.empty())
+      shared.push_back(options.mask);
+    RefuseSharedFiles(plan.pairs, plan.targets, shared);
+  }
   const int numProcessors = NumProcessors();
   const int numWorkers = static_cast<int>(std::min<size_t>(
       options.jobs > 0 ? options.jobs : numProcessors, std::max<size_t>(plan.pairs.size(), 1)));

@@ -107,8 +107,8 @@ std::vector<ImagePair> ListImages(const ImageNames& names, const std::string& ou
   return pairs;
 }
 
-void RefuseSharedFiles(const std::vector<ImagePair>& pairs,
-                       const std::vector<std::string>& targets) {
+void RefuseSharedFiles(const std::vector<ImagePair>& pairs, const std::vector<std::string>& targets,
+                       const std::vector<std::string>& shared) {
   std::map<fs::path, size_t> writers;
   for (size_t i = 0; i < pairs.size(); ++i) {
     const auto [first, isNew] = writers.emplace(RealPath(targets[i]), i);
@@ -122,6 +122,10 @@ void RefuseSharedFiles(const std::vector<ImagePair>& pairs,
       throw Failure(ExitCode::WrongUsage, pairs[i].input + ": would be replaced by the lit " +
                                               pairs[writer->second].input +
                                               ", perhaps before it is read");
+  for (const std::string& file : shared)
+    if (pairs.size() > 1 && writers.contains(RealPath(file)))
+      throw Failure(ExitCode::WrongUsage,
+                    file + ": is used for all images, and would be replaced by a lit one");
 }
 
 } // namespace limn

@@ -33,8 +33,9 @@ std::vector<ImagePair> ListImages(const ImageNames& names, const std::string& ou
                                   Folders folders);
 
 // Throws Failure(WrongUsage) when two images would be written to one file through links, or one to
-// the file of another that is read. targets: where each is written, as ResolveTarget gives it.
-void RefuseSharedFiles(const std::vector<ImagePair>& pairs,
-                       const std::vector<std::string>& targets);
+// the file of another that is read, or, when there are several, to one that all need. targets:
+// where each is written, as ResolveTarget gives it. shared: what all images need.
+void RefuseSharedFiles(const std::vector<ImagePair>& pairs, const std::vector<std::string>& targets,
+                       const std::vector<std::string>& shared);
 
 } // namespace limn

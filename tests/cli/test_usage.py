@@ -79,6 +79,7 @@ class Usage(support.LimnTest):
             (["apply", "in.ppm", "-o", "/proc/out.ppm"], CANNOT_WRITE, "/proc/out.ppm: "),
             (["apply", "-f", "in.ppm", "colour.ppm", "-o", "linked/"], USAGE, "both be written to"),
             (["apply", "-f", "-r", "folder", "folder/deep", "-o", "folder/"], USAGE, "perhaps before it is read"),
+            (["apply", "-f", "-r", "folder", "--mask", "folder/in.ppm", "-o", "folder/"], USAGE, "is used for all"),
             (["preview", "in.ppm"], USAGE, "--output is required"),
             (["preview", "in.ppm", "-o", "old.ppm"], CANNOT_WRITE, "old.ppm: exists already"),
             (["preview", "in.ppm", "-o", "out.csv"], USAGE, "extension"),
