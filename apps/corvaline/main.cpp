@@ -6,6 +6,7 @@
 
 #include "ToolboxDesktop.h"
 #include "failure.h"
+#include "posix_file.h"
 
 #include <QApplication>
 #include <QFile>
@@ -47,6 +48,9 @@ int RunEditor(const editor::EditorOptions& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+  // What is printed must not land in a picture, should nobody have opened the standard files.
+  if (!limn::HoldStandardFiles())
+    return REFUSED;
   editor::EditorOptions options;
   if (const auto code = editor::ReadEditorOptions(argc, argv, options))
     return *code;
