@@ -223,7 +223,7 @@ VImage LitImage(const VImage& image, const LitSettings& settings) {
   Prepare(*owned, image, settings);
   Lighting* const lighting = owned.get();
   VipsImage* const output = vips_image_new();
-  const VImage result(output);
+  VImage result(output);
   for (VipsImage* input : lighting->images)
     if (input != nullptr)
       g_object_ref(input);

@@ -64,8 +64,8 @@ QImage SoftMask(QSize size) {
 }
 
 bool TakePictures(const QStringList& arguments) {
-  const QString suffix = arguments.at(4);
-  const QString folder = arguments.at(5);
+  const QString& suffix = arguments.at(4);
+  const QString& folder = arguments.at(5);
   CVPlugin plugin;
   if (const CVResult loaded = editor::LoadFilter(plugin); !loaded.ok())
     return false;
