@@ -84,7 +84,7 @@ TEST_F(LightDrag, AReleaseOutsideThePreviewKeepsTheLastPlaceInside) {
   LM_light_UI& light = test.UseLight(LM_LIGHT_SPOT);
   const Pixels before = test.Picture();
   ToolboxScript script;
-  script.Press(160, 160).MoveTo(210, 150).MoveTo(400, 150).Release(420, 390);
+  script.Press(160, 160).MoveTo(210, 150).Wait(60).MoveTo(400, 150).Release(420, 390);
   WithMouseDown(script, [&] { light.MoveUI(test.dialog, test.globals); });
   EXPECT_EQ(light.center, (LM_vectori2{50, -10}));
   EXPECT_EQ(test.Picture(), before);
@@ -178,7 +178,7 @@ TEST_F(LightDrag, TheLastLightIsNotDeletedAndStaysWhereItWas) {
   LM_DrawTrash(test.dialog, LM_TRASH_ITEM);
   const Pixels before = test.Picture();
   ToolboxScript script;
-  script.Press(160, 160).MoveTo(150, 200).MoveTo(Trash().h, Trash().v);
+  script.Press(160, 160).MoveTo(150, 200).Wait(60).MoveTo(Trash().h, Trash().v);
   script.Release(Trash().h, Trash().v);
   WithMouseDown(script, [&] { light.MoveUI(test.dialog, test.globals); });
   EXPECT_EQ(alerts, (std::vector<int16_t>{16002}));
