@@ -18,6 +18,9 @@ namespace {
 using vips::VImage;
 
 enum class Exif { Lost, Kept };
+// What writers need that, short of memory, may end well with a worse picture than asked for (ROOM),
+// or without having written all, or anything (READ_BACK), as refusing their allocations has shown.
+enum Proof : unsigned { NONE = 0, ROOM = 1, READ_BACK = 2 };
 
 // suffix: by which libvips knows the format. options: that select it there, and defaults that the
 // user's own override.
@@ -27,6 +30,7 @@ struct OutputFormat {
   const char* options;
   int maxPlanes;
   Exif exif;
+  unsigned proof;
 };
 
 constexpr int ANY_NUMBER = 1000;
@@ -42,20 +46,20 @@ constexpr const char* PPM_DEFAULTS = "strip";
 // Formats in one file that hold a photograph. Folders of tiles, tables of numbers and the like are
 // not among them.
 constexpr OutputFormat FORMATS[] = {
-    {".jpg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept},
-    {".jpeg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept},
-    {".jpe", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept},
-    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept},
-    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost},
-    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost},
-    {".webp", ".webp", "", 4, Exif::Kept},
-    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost},
-    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost},
-    {".heic", ".heic", "", 4, Exif::Kept},
-    {".heif", ".heif", "", 4, Exif::Kept},
-    {".avif", ".heif", "compression=av1", 4, Exif::Kept},
-    {".jp2", ".jp2", "", ANY_NUMBER, Exif::Lost},
-    {".gif", ".gif", "", 4, Exif::Lost},
+    {".jpg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE},
+    {".jpeg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE},
+    {".jpe", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE},
+    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept, NONE},
+    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK},
+    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK},
+    {".webp", ".webp", "", 4, Exif::Kept, NONE},
+    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE},
+    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE},
+    {".heic", ".heic", "", 4, Exif::Kept, READ_BACK},
+    {".heif", ".heif", "", 4, Exif::Kept, READ_BACK},
+    {".avif", ".heif", "compression=av1", 4, Exif::Kept, READ_BACK},
+    {".jp2", ".jp2", "", ANY_NUMBER, Exif::Lost, ROOM},
+    {".gif", ".gif", "", 4, Exif::Lost, ROOM | READ_BACK},
 };
 
 const OutputFormat* FindFormat(const std::string& path) {
@@ -115,9 +119,9 @@ void DropMetadata(VImage& image, const OutputFormat& format, std::vector<std::st
   }
 }
 
-// The search for a GIF's colours does not fail when memory runs short, it settles for worse ones.
-// So there has to be enough before it starts.
-void NeedRoomForColours(const VImage& image, const std::string& path) {
+// The search for a GIF's colours does not fail when memory runs short, it settles for worse ones;
+// and the coder of JPEG 2000 leaves out detail. So there has to be enough before they start.
+void NeedRoom(const VImage& image, const std::string& path) {
   constexpr size_t BYTES_A_PIXEL = 32;
   constexpr size_t BESIDE = 128 << 20;
   const uint64_t size = VIPS_IMAGE_N_PELS(image.get_image()) * BYTES_A_PIXEL + BESIDE;
@@ -127,15 +131,16 @@ void NeedRoomForColours(const VImage& image, const std::string& path) {
     throw Failure(ExitCode::NoMemory, path + ": not enough memory");
 }
 
-// libvips' GIF writer can also end well without having written all, or anything. Reads the file
-// back.
-bool IsWholeGif(int descriptor, const VImage& image) {
+// Whether what was written can be read, in pages or in one piece.
+bool IsWhole(int descriptor, const VImage& image) {
   try {
     lseek(descriptor, 0, SEEK_SET);
     const VImage written =
-        VImage::gifload_source(vips::VSource::new_from_descriptor(descriptor),
-                               VImage::option()->set("fail_on", VIPS_FAIL_ON_WARNING));
-    return written.width() == image.width() && written.height() == image.height() &&
+        VImage::new_from_source(vips::VSource::new_from_descriptor(descriptor), "",
+                                VImage::option()
+                                    ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                                    ->set("fail_on", VIPS_FAIL_ON_ERROR));
+    return written.width() == image.width() && image.height() % written.height() == 0 &&
            written.avg() >= 0;
   } catch (const vips::VError&) {
     return false;
@@ -175,9 +180,8 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
                 Existing existing, const Complaints& complaints,
                 std::vector<std::string>& notices) {
   const OutputFormat& format = FormatOf(name.path);
-  const bool isGif = std::string_view(format.suffix) == ".gif";
-  if (isGif)
-    NeedRoomForColours(image.planes, name.path);
+  if ((format.proof & ROOM) != 0)
+    NeedRoom(image.planes, name.path);
   AtomicFile file(target, existing);
   try {
     VImage planes =
@@ -185,8 +189,7 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
     DropPlanes(planes, format, notices);
     planes = WithMetadata(planes, image.metadata);
     DropMetadata(planes, format, notices);
-    const std::string suffix = format.suffix + AllOptions(format, name.options);
-    planes.write_to_target(suffix.c_str(),
+    planes.write_to_target((format.suffix + AllOptions(format, name.options)).c_str(),
                            vips::VTarget::new_to_descriptor(file.DescriptorNumber()));
   } catch (const vips::VError&) {
     throw image.hasSourceFailed != nullptr && *image.hasSourceFailed
@@ -197,7 +200,7 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
     complaints.Check(ExitCode::CannotWrite, name.path);
   else
     complaints.Check(ExitCode::BadInput, image.source);
-  if (isGif && !IsWholeGif(file.DescriptorNumber(), image.planes))
+  if ((format.proof & READ_BACK) != 0 && !IsWhole(file.DescriptorNumber(), image.planes))
     throw Failure(ExitCode::NoMemory, name.path + ": not enough memory");
   file.Commit();
 }

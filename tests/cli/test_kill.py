@@ -209,7 +209,8 @@ class Kill(support.LimnTest):
         support.write_pnm("s.ppm", support.smooth(150, 100))
         support.vips("resize", "s.ppm", "big.ppm", 10)
         ways = [("big.ppm", "out.jpg"), ("big.png", "out.png"), ("big.webp", "out.ppm"), ("big.ppm", "out.gif"),
-                ("big.jpg", "out.webp"), ("big.tif", "out.tif[compression=lzw]")]
+                ("big.jpg", "out.webp"), ("big.tif", "out.tif[compression=lzw]"), ("big.ppm", "out.jp2"),
+                ("big.ppm", "out.avif")]
         codes = {}
         for i in range(MEMORY_SIZES * (2 if IS_DEEP else 1)):
             source, out = ways[i % len(ways)]

@@ -62,6 +62,11 @@ class CommandFaults(support.LimnTest):
     def check(self, note, kind, words, answer, before, after, written):
         note = f"{note}: exit {answer.returncode}, {answer.stderr.decode(errors='replace')}"
         if answer.returncode == 0:
+            # Without memory libtiff may write a file's directory once more, behind the first.
+            if kind == MEMORY and written.get("new.tif") != after.get("new.tif"):
+                support.put("whole.tif", after["new.tif"])
+                self.assertSame(support.read("new.tif"), support.read("whole.tif"), note)
+                written["new.tif"] = after["new.tif"]
             self.assertEqual(written, after, note)
             return
         self.assertIn(written, [before, after], note)
