@@ -217,7 +217,8 @@ ExitCode Apply(const ApplyOptions& options) {
     unlink(TemporaryPath(plan.targets[job], worker).c_str());
   };
   if (RunJobs(pool) == PoolEnd::Interrupted) {
-    reporter.Notice("stopped");
+    if (CanPrint(STDERR_FILENO))
+      reporter.Notice("stopped");
     return ExitCode::Cancelled;
   }
   return reporter.Worst();

@@ -58,9 +58,13 @@ void PrintLine(const std::string& line) {
   PrintText(line + "\n");
 }
 
+bool CanPrint(int descriptor) {
+  pollfd output{descriptor, POLLOUT, 0};
+  return poll(&output, 1, 0) != 0;
+}
+
 ExitCode FlushedOutput(ExitCode code) {
-  pollfd output{STDOUT_FILENO, POLLOUT, 0};
-  if (code == ExitCode::Cancelled && poll(&output, 1, 0) == 0)
+  if (code == ExitCode::Cancelled && !CanPrint(STDOUT_FILENO))
     _exit(static_cast<int>(code));
   if ((std::fflush(stdout) == 0 && std::ferror(stdout) == 0) || code == ExitCode::Cancelled)
     return code;

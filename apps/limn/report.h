@@ -26,6 +26,9 @@ void PrintLine(const std::string& line);
 // here.
 ExitCode FlushedOutput(ExitCode code);
 
+// Whether something can be written to the descriptor now, without waiting for whoever reads it.
+bool CanPrint(int descriptor);
+
 // What main ends with: keeps what is printed out of other files, should the caller have closed the
 // standard ones, runs the program, and prints whatever it throws as a problem.
 int ReportedExit(const std::function<ExitCode()>& run);

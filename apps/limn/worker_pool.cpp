@@ -2,6 +2,7 @@
 
 #include "job_message.h"
 #include "posix_file.h"
+#include "report.h"
 #include "worker_process.h"
 
 #include <cerrno>
@@ -45,8 +46,16 @@ public:
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
   const sigset_t& MaskBefore() const { return _maskBefore; }
-  // Where the command may have to wait for whoever reads its output, a signal ends the waiting.
+  // Where the command may have to wait for whoever reads its output, a signal ends the waiting. One
+  // that came before must not let it begin: what cannot be told at once is not told any more.
   template <class Telling> void Let(Telling tell) const {
+    for (const int output : {STDOUT_FILENO, STDERR_FILENO}) {
+      pollfd wait{output, POLLOUT, 0};
+      while (interrupted == 0 && ppoll(&wait, 1, nullptr, &_maskBefore) < 0 && errno == EINTR) {
+      }
+      if (!CanPrint(output))
+        return;
+    }
     sigprocmask(SIG_SETMASK, &_maskBefore, nullptr);
     tell();
     sigprocmask(SIG_BLOCK, &_taken, nullptr);

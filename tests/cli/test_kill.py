@@ -165,19 +165,22 @@ class Kill(support.LimnTest):
     def test_stopped_while_nobody_reads(self):
         for i in range(3):
             support.write_pnm(f"{i}.ppm", support.smooth(8, 8))
-        reading, writing = os.pipe()
-        # A pipe as small as can be, and full.
-        fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
-        os.write(writing, b"x" * 4096)
-        process = subprocess.Popen([LIMN, "apply", "--json", "0.ppm", "1.ppm", "2.ppm", "-o", "out/"], stdout=writing,
-                                   stderr=subprocess.PIPE, text=True)
-        while not os.path.exists("out/0.ppm"):
-            time.sleep(0.01)
-        time.sleep(0.3)
-        process.terminate()
-        process.communicate(timeout=5)
-        os.close(reading), os.close(writing)
-        self.assertEqual(process.returncode, CANCELLED)
+        # Also just before it begins to wait.
+        for moment in [*([0, 1, 2, 3, 4, 5] * (20 if IS_DEEP else 2)), 300]:
+            shutil.rmtree("out", ignore_errors=True)
+            reading, writing = os.pipe()
+            # A pipe as small as can be, and full.
+            fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
+            os.write(writing, b"x" * 4096)
+            process = subprocess.Popen([LIMN, "apply", "--json", "0.ppm", "1.ppm", "2.ppm", "-o", "out/"],
+                                       stdout=writing, stderr=subprocess.PIPE, text=True)
+            while not os.path.exists("out/0.ppm"):
+                time.sleep(0.0005)
+            time.sleep(moment / 1000)
+            process.terminate()
+            process.communicate(timeout=10)
+            os.close(reading), os.close(writing)
+            self.assertEqual(process.returncode, CANCELLED)
 
     def test_two_saving_at_once(self):
         self.limn("style", "show", "Default")
