@@ -16,7 +16,7 @@
 namespace limn {
 namespace {
 
-constexpr int MOST_ATTEMPTS = 100;
+constexpr int MOST_ATTEMPTS = 20;
 
 uint64_t temporaryToken = 0;
 // Fixed storage, because a signal handler reads it.
@@ -112,9 +112,8 @@ AtomicFile::AtomicFile(std::string target, Existing existing)
     _file = Descriptor(Uninterrupted([&] { return open(_temporary.c_str(), FLAGS, mode); }));
     if (_file.Number() < 0 || HoldTemporary(_file.Number()))
       break;
-    unlink(_temporary.c_str()); // another run's sweep was quicker
+    _file = Descriptor(); // another run's sweep was quicker
     errno = EAGAIN;
-    _file = Descriptor();
   }
   if (_file.Number() < 0) {
     const int error = errno;

@@ -16,6 +16,9 @@
 namespace limn {
 namespace {
 
+// How long a writer waits for a sweeper, in steps of a millisecond.
+constexpr int PATIENCE = 1000;
+
 bool IsTemporaryName(const std::string& name) {
   int token = 0;
   int ending = 0;
@@ -43,8 +46,16 @@ void RemoveUnlessHeld(const std::string& path) {
 } // namespace
 
 bool HoldTemporary(int descriptor) {
-  if (flock(descriptor, LOCK_EX | LOCK_NB) != 0)
-    return errno != EWOULDBLOCK;
+  // A sweeper has it for a moment only, and must be done with the name before the name is used
+  // again: what it removes would be the new file.
+  int waits = 0;
+  while (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR)
+      return true;
+    if (++waits > PATIENCE)
+      return false;
+    usleep(1000);
+  }
   struct stat status {};
   return fstat(descriptor, &status) == 0 && status.st_nlink > 0;
 }

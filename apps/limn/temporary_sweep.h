@@ -5,9 +5,9 @@
 
 namespace limn {
 
-// Marks an open file as one that is being written, for as long as it is open; false when it is
-// being swept this moment, or has been. A file system without locks marks nothing and sweeps
-// nothing.
+// Marks an open file as one that is being written, for as long as it is open; false when it has
+// been swept, and its name is free, or somebody does not let go of it for a second. A file system
+// without locks marks nothing and sweeps nothing.
 bool HoldTemporary(int descriptor);
 
 // Removes the temporary files of dead runs from a folder. Once for each folder and process; what
