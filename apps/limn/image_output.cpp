@@ -123,7 +123,7 @@ void DropMetadata(VImage& image, const OutputFormat& format, std::vector<std::st
 // and the coder of JPEG 2000 leaves out detail. So there has to be enough before they start.
 void NeedRoom(const VImage& image, const std::string& path) {
   constexpr size_t BYTES_A_PIXEL = 32;
-  constexpr size_t BESIDE = 128 << 20;
+  constexpr size_t BESIDE = 512 << 20; // for threads, each with a heap of its own
   const uint64_t size = VIPS_IMAGE_N_PELS(image.get_image()) * BYTES_A_PIXEL + BESIDE;
   const std::unique_ptr<void, void (*)(void*)> room(
       size < SIZE_MAX / 2 ? std::malloc(static_cast<size_t>(size)) : nullptr, std::free);
