@@ -116,7 +116,7 @@ CVResult CVFilterRun::_judge(int selector, std::int16_t code) {
     return failure;
   }
   // In a run with a dialog a continue call that stops was ended there, or through the cancel test.
-  const bool dialogEnded = _options.dialog == CVDialog::Yes && selector == CV_SEL_CONTINUE;
+  const bool dialogEnded = _options.dialog == CVDialog::Yes && selector == LM_SEL_CONTINUE;
   if (code == CV_RESULT_STOPPED && (_cancelled || dialogEnded))
     return {CVOutcome::Cancelled, code, name + "the filter was cancelled"};
   if (code != CV_RESULT_OK)
@@ -148,9 +148,9 @@ static std::int64_t mostCalls(const CVRect& area) {
 
 CVResult CVFilterRun::_walk() {
   if (_options.dialog == CVDialog::Yes)
-    if (CVResult result = _step(CV_SEL_PARAMETERS); !result.ok())
+    if (CVResult result = _step(LM_SEL_PARAMETERS); !result.ok())
       return result;
-  for (const int selector : {CV_SEL_PREPARE, CV_SEL_START})
+  for (const int selector : {LM_SEL_PREPARE, LM_SEL_START})
     if (CVResult result = _step(selector); !result.ok())
       return result;
 
@@ -168,7 +168,7 @@ CVResult CVFilterRun::_walk() {
       result = _tiles.deliver(_record);
     if (!result.ok())
       return _refusal(result);
-    if (result = _step(CV_SEL_CONTINUE); !result.ok())
+    if (result = _step(LM_SEL_CONTINUE); !result.ok())
       return result;
     _tiles.takeOutput();
     _showProgress();
@@ -188,9 +188,9 @@ CVResult CVFilterRun::execute() noexcept {
   };
   CVResult result = guarded([this] { return _walk(); });
   _tiles.withdraw(_record);
-  const std::int16_t code = _call(CV_SEL_FINISH);
+  const std::int16_t code = _call(LM_SEL_FINISH);
   if (result.ok())
-    result = guarded([this, code] { return _judge(CV_SEL_FINISH, code); });
+    result = guarded([this, code] { return _judge(LM_SEL_FINISH, code); });
   if (result.ok())
     _result.store();
   return result;
@@ -222,7 +222,7 @@ void CVFilterRun::_showProgress() {
 }
 
 std::int16_t CVFilterRun::nextTile() {
-  if (_selector != CV_SEL_START && _selector != CV_SEL_CONTINUE)
+  if (_selector != LM_SEL_START && _selector != LM_SEL_CONTINUE)
     return CV_RESULT_NO_SERVICE;
   _tiles.takeOutput();
   _tiles.withdraw(_record);

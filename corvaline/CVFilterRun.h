@@ -60,7 +60,7 @@ private:
   CVResultImage _result;
   CVTileDelivery _tiles;
   CVResult _failure; // Done until something other than the plug-in's answer ends the run
-  int _selector = CV_SEL_PREPARE;
+  int _selector = LM_SEL_PREPARE;
   bool _cancelled = false;
   double _progressShown = -1.0;
 };

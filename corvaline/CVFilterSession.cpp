@@ -75,9 +75,9 @@ CVResult CVFilterSession::about(void* hostWindow) {
       return result;
     CVAboutRecord record{hostWindow};
     std::int16_t code = CV_RESULT_OK;
-    if (!_plugin.call(CV_SEL_ABOUT, &record, &_dataSlot, &code))
+    if (!_plugin.call(LM_SEL_ABOUT, &record, &_dataSlot, &code))
       return CVPluginThrew();
-    return CVDescribeAnswer(_plugin, CV_SEL_ABOUT, code);
+    return CVDescribeAnswer(_plugin, LM_SEL_ABOUT, code);
   });
 }
 

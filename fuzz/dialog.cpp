@@ -67,16 +67,16 @@ public:
   }
 
   void Run() {
-    Call(CV_SEL_PARAMETERS);
-    Check(Call(CV_SEL_PREPARE) == 0 && Call(CV_SEL_START) == 0, "the dialog can be built");
+    Call(LM_SEL_PARAMETERS);
+    Check(Call(LM_SEL_PREPARE) == 0 && Call(LM_SEL_START) == 0, "the dialog can be built");
     while (Globals()->previewComplete == 0) {
       record.nextTile();
-      Check(Call(CV_SEL_CONTINUE) == 0, "a preview can be collected");
+      Check(Call(LM_SEL_CONTINUE) == 0, "a preview can be collected");
     }
     shown = Globals();
     inputsInDialog = 0;
     user->Leave();
-    const int16_t result = Call(CV_SEL_CONTINUE);
+    const int16_t result = Call(LM_SEL_CONTINUE);
     Check(result == 0 || result == CV_RESULT_STOPPED, "the dialog ends in OK or Cancel");
     Check(slot == 0 || Globals()->dialog == nullptr, "the dialog is gone");
   }

@@ -239,7 +239,7 @@ void Call(int selector) {
   constexpr int16_t UNWRITTEN = 77;
   int16_t result = UNWRITTEN;
   CVAboutRecord about = {};
-  void* argument = selector == CV_SEL_ABOUT ? static_cast<void*>(&about) : &host->record;
+  void* argument = selector == LM_SEL_ABOUT ? static_cast<void*>(&about) : &host->record;
   Check(LM_AnswerHost(selector, argument, &host->data, &result) == 0, "the entry point answers 0");
   Check(result != UNWRITTEN, "every call has a result");
 }
@@ -272,12 +272,12 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       ChangeRecord(input);
       continue;
     }
-    const int selector = kind < 8 ? CV_SEL_CONTINUE : kind < 14 ? kind - 8 : input.Short();
-    if (selector == CV_SEL_CONTINUE)
+    const int selector = kind < 8 ? LM_SEL_CONTINUE : kind < 14 ? kind - 8 : input.Short();
+    if (selector == LM_SEL_CONTINUE)
       Deliver();
     Call(selector);
   }
-  Call(CV_SEL_FINISH);
+  Call(LM_SEL_FINISH);
   if (here.data != 0)
     LM_DestroyGlobals(reinterpret_cast<LM_globals*>(here.data));
   DisposeHandle(here.record.savedParams);

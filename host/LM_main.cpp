@@ -42,7 +42,7 @@ CVFilterEntry entry = LM_AnswerHost;
 } // namespace
 
 extern "C" int LM_main(int selector, void* record, intptr_t* data, int16_t* result) {
-  if (static_cast<int16_t>(static_cast<uint16_t>(selector)) == CV_SEL_PARAMETERS) {
+  if (static_cast<int16_t>(static_cast<uint16_t>(selector)) == LM_SEL_PARAMETERS) {
     static const CVFilterEntry withDialog = LoadDialogModule();
     if (withDialog != nullptr)
       entry = withDialog;

@@ -193,21 +193,21 @@ int16_t AnswerStep(int16_t selector, void* record, intptr_t* data, LM_globals* g
   FilterRecord* filter = static_cast<FilterRecord*>(record);
   int16_t result = CV_RESULT_OK;
   switch (selector) {
-  case CV_SEL_ABOUT:
+  case LM_SEL_ABOUT:
     return LM_DoAbout(static_cast<const CVAboutRecord*>(record));
-  case CV_SEL_PARAMETERS:
+  case LM_SEL_PARAMETERS:
     globals->dialogPending = 1;
     return CV_RESULT_OK;
-  case CV_SEL_PREPARE:
+  case LM_SEL_PREPARE:
     return LM_DoPrepare(filter);
-  case CV_SEL_START:
+  case LM_SEL_START:
     result = LM_ResultOf([&] { return LM_DoStart(filter, globals); });
     if (result != CV_RESULT_OK) {
       globals->dialogPending = 0;
       LM_DoFinish(globals);
     }
     return result;
-  case CV_SEL_CONTINUE:
+  case LM_SEL_CONTINUE:
     result = LM_ResultOf([&] { return LM_DoContinue(filter, globals); });
     if (result != CV_RESULT_OK && globals->dialogPending == 1 &&
         globals->UseCurrentSettings() == 0) {
@@ -216,7 +216,7 @@ int16_t AnswerStep(int16_t selector, void* record, intptr_t* data, LM_globals* g
       *data = 0;
     }
     return result;
-  case CV_SEL_FINISH:
+  case LM_SEL_FINISH:
     LM_DoFinish(globals);
     globals->SetUseCurrentSettings(1);
     globals->dialogPending = 0;
@@ -323,7 +323,7 @@ int16_t LM_DoFinish(LM_globals* globals) {
 
 void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* result) {
   *result = CV_RESULT_OK;
-  if (selector == CV_SEL_FINISH && *data == 0)
+  if (selector == LM_SEL_FINISH && *data == 0)
     return;
   if (*data == 0) {
     LM_globals* made = LM_NewGlobals();

@@ -61,12 +61,12 @@ typedef char** CVHandle;
 
 /* What a call is for. */
 enum {
-  CV_SEL_ABOUT = 0,      /* show the about box; `record` is a CVAboutRecord */
-  CV_SEL_PARAMETERS = 1, /* the run that follows is interactive */
-  CV_SEL_PREPARE = 2,    /* check what the host offers; allocate nothing large */
-  CV_SEL_START = 3,      /* request the first rectangles */
-  CV_SEL_CONTINUE = 4,   /* the requested rectangles are delivered; again until both are empty */
-  CV_SEL_FINISH = 5      /* release the buffers of the run */
+  LM_SEL_ABOUT = 0,      /* show the about box; `record` is a CVAboutRecord */
+  LM_SEL_PARAMETERS = 1, /* the run that follows is interactive */
+  LM_SEL_PREPARE = 2,    /* check what the host offers; allocate nothing large */
+  LM_SEL_START = 3,      /* request the first rectangles */
+  LM_SEL_CONTINUE = 4,   /* the requested rectangles are delivered; again until both are empty */
+  LM_SEL_FINISH = 5      /* release the buffers of the run */
 };
 
 /* What a call answers through its result pointer. Any other value is a code of some service. */
@@ -79,7 +79,7 @@ enum {
   CV_RESULT_NO_SERVICE = -30900 /* a host service is not there, or does not do this */
 };
 
-/* Handed to the plug-in instead of the FilterRecord with CV_SEL_ABOUT.
+/* Handed to the plug-in instead of the FilterRecord with LM_SEL_ABOUT.
  * hostWindow: whatever the host's ShowAbout needs to place the box, or null. */
 typedef struct CVAboutRecord {
   void* hostWindow;
@@ -210,7 +210,7 @@ typedef struct FilterRecord {
 } FilterRecord;
 
 /* The one symbol of a module, exported as `main`. selector: only the low 16 bits count.
- * record: FilterRecord, or CVAboutRecord with CV_SEL_ABOUT. data: a slot as wide as a pointer that
+ * record: FilterRecord, or CVAboutRecord with LM_SEL_ABOUT. data: a slot as wide as a pointer that
  * the host keeps for the plug-in between calls and runs, 0 at first. result: never null. Always
  * returns 0; the answer is in *result. */
 typedef int (*CVFilterEntry)(int selector, void* record, intptr_t* data, int16_t* result);

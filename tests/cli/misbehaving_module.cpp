@@ -38,7 +38,7 @@ MisbehavingMain(int selector, void* record, intptr_t* data, int16_t* result) asm
 int MisbehavingMain(int selector, void* record, intptr_t*, int16_t* result) {
   auto* filter = static_cast<FilterRecord*>(record);
   *result = CV_RESULT_OK;
-  if ((selector & 0xffff) == CV_SEL_START) {
+  if ((selector & 0xffff) == LM_SEL_START) {
     filter->inTileRect = filter->outTileRect = filter->maskTileRect = CVRect{0, 0, 0, 0};
     *result = Start(*filter);
   }

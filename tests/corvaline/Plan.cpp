@@ -10,16 +10,16 @@ static int act(int selector, void* record, intptr_t* data, int16_t* result) {
   Plan& plan = *current;
   plan.calls.push_back(selector);
   plan.slot = data;
-  if (selector == CV_SEL_ABOUT) {
+  if (selector == LM_SEL_ABOUT) {
     if (plan.about)
       *result = plan.about(*static_cast<CVAboutRecord*>(record));
     return 0;
   }
   plan.record = static_cast<FilterRecord*>(record);
-  const auto& step = selector == CV_SEL_PARAMETERS ? plan.parameters
-                     : selector == CV_SEL_PREPARE  ? plan.prepare
-                     : selector == CV_SEL_START    ? plan.start
-                     : selector == CV_SEL_CONTINUE ? plan.next
+  const auto& step = selector == LM_SEL_PARAMETERS ? plan.parameters
+                     : selector == LM_SEL_PREPARE  ? plan.prepare
+                     : selector == LM_SEL_START    ? plan.start
+                     : selector == LM_SEL_CONTINUE ? plan.next
                                                    : plan.finish;
   if (step)
     *result = step(*plan.record);

@@ -98,8 +98,8 @@ void expectRefused(Plan& plan, const std::string& sentence) {
   EXPECT_EQ(result.message.rfind("corvaline_test_module.so: the plug-in ", 0), 0u)
       << result.message;
   EXPECT_EQ(bytesOf(document), before);
-  EXPECT_EQ(std::count(plan.calls.begin(), plan.calls.end(), CV_SEL_FINISH), 1);
-  EXPECT_EQ(plan.calls.back(), CV_SEL_FINISH);
+  EXPECT_EQ(std::count(plan.calls.begin(), plan.calls.end(), LM_SEL_FINISH), 1);
+  EXPECT_EQ(plan.calls.back(), LM_SEL_FINISH);
 }
 
 } // namespace
@@ -114,7 +114,7 @@ TEST(Request, WrongOnesAreRefused) {
       return 0;
     };
     expectRefused(atStart, wrong.sentence);
-    EXPECT_EQ(atStart.calls, (std::vector<int>{CV_SEL_PREPARE, CV_SEL_START, CV_SEL_FINISH}));
+    EXPECT_EQ(atStart.calls, (std::vector<int>{LM_SEL_PREPARE, LM_SEL_START, LM_SEL_FINISH}));
 
     // After output was taken, inside a call, by a plug-in that makes light of the answer.
     Plan inside;
@@ -152,22 +152,22 @@ TEST(Request, WalkThatNeverEndsIsEnded) {
 }
 
 TEST(Request, FilterAreaMustBePutBack) {
-  for (const int step : {CV_SEL_PREPARE, CV_SEL_START, CV_SEL_CONTINUE, CV_SEL_FINISH}) {
+  for (const int step : {LM_SEL_PREPARE, LM_SEL_START, LM_SEL_CONTINUE, LM_SEL_FINISH}) {
     SCOPED_TRACE(step);
     Plan plan;
     const auto act = [step](int now) {
       return [step, now](FilterRecord& record) -> std::int16_t {
         EXPECT_EQ(record.filterArea.right, 20);
-        now == CV_SEL_CONTINUE ? stopAsking(record) : askRightly(record);
+        now == LM_SEL_CONTINUE ? stopAsking(record) : askRightly(record);
         if (now == step)
           record.filterArea.right = 19;
         return 0;
       };
     };
-    plan.prepare = act(CV_SEL_PREPARE);
-    plan.start = act(CV_SEL_START);
-    plan.next = act(CV_SEL_CONTINUE);
-    plan.finish = act(CV_SEL_FINISH);
+    plan.prepare = act(LM_SEL_PREPARE);
+    plan.start = act(LM_SEL_START);
+    plan.next = act(LM_SEL_CONTINUE);
+    plan.finish = act(LM_SEL_FINISH);
     expectRefused(plan, "did not put the filter area back");
   }
 }

@@ -9,8 +9,8 @@
 
 namespace {
 
-const std::vector<int> WHOLE_RUN = {CV_SEL_PREPARE, CV_SEL_START, CV_SEL_CONTINUE, CV_SEL_CONTINUE,
-                                    CV_SEL_FINISH};
+const std::vector<int> WHOLE_RUN = {LM_SEL_PREPARE, LM_SEL_START, LM_SEL_CONTINUE, LM_SEL_CONTINUE,
+                                    LM_SEL_FINISH};
 
 // A plug-in that paints two tiles of a 20 × 10 image.
 Plan paintingPlan() {
@@ -56,19 +56,19 @@ TEST_F(Session, AnswersBecomeOutcomes) {
     CVOutcome outcome;
     const char* sentence;
   } cases[] = {
-      {CV_SEL_PARAMETERS, -30100, CVDialog::Yes, CVOutcome::Failed, "the step \"parameters\""},
-      {CV_SEL_PREPARE, 1, CVDialog::Yes, CVOutcome::Stopped, "stopped"},
-      {CV_SEL_PREPARE, -30101, CVDialog::No, CVOutcome::BadMode, "colour mode"},
-      {CV_SEL_PREPARE, -108, CVDialog::No, CVOutcome::NoMemory, "memory"},
-      {CV_SEL_START, 1, CVDialog::No, CVOutcome::Stopped, "stopped"},
-      {CV_SEL_START, -30900, CVDialog::No, CVOutcome::Failed, "lacks"},
-      {CV_SEL_START, -108, CVDialog::Yes, CVOutcome::NoMemory, "memory"},
-      {CV_SEL_CONTINUE, 1, CVDialog::No, CVOutcome::Stopped, "stopped"},
-      {CV_SEL_CONTINUE, 1, CVDialog::Yes, CVOutcome::Cancelled, "cancelled"},
-      {CV_SEL_CONTINUE, -4, CVDialog::No, CVOutcome::Failed, "code -4 in its step \"continue\""},
-      {CV_SEL_FINISH, -36, CVDialog::No, CVOutcome::Failed, "code -36"},
-      {CV_SEL_FINISH, 0, CVDialog::No, CVOutcome::Done, ""},
-      {CV_SEL_FINISH, 0, CVDialog::Yes, CVOutcome::Done, ""},
+      {LM_SEL_PARAMETERS, -30100, CVDialog::Yes, CVOutcome::Failed, "the step \"parameters\""},
+      {LM_SEL_PREPARE, 1, CVDialog::Yes, CVOutcome::Stopped, "stopped"},
+      {LM_SEL_PREPARE, -30101, CVDialog::No, CVOutcome::BadMode, "colour mode"},
+      {LM_SEL_PREPARE, -108, CVDialog::No, CVOutcome::NoMemory, "memory"},
+      {LM_SEL_START, 1, CVDialog::No, CVOutcome::Stopped, "stopped"},
+      {LM_SEL_START, -30900, CVDialog::No, CVOutcome::Failed, "lacks"},
+      {LM_SEL_START, -108, CVDialog::Yes, CVOutcome::NoMemory, "memory"},
+      {LM_SEL_CONTINUE, 1, CVDialog::No, CVOutcome::Stopped, "stopped"},
+      {LM_SEL_CONTINUE, 1, CVDialog::Yes, CVOutcome::Cancelled, "cancelled"},
+      {LM_SEL_CONTINUE, -4, CVDialog::No, CVOutcome::Failed, "code -4 in its step \"continue\""},
+      {LM_SEL_FINISH, -36, CVDialog::No, CVOutcome::Failed, "code -36"},
+      {LM_SEL_FINISH, 0, CVDialog::No, CVOutcome::Done, ""},
+      {LM_SEL_FINISH, 0, CVDialog::Yes, CVOutcome::Done, ""},
   };
   const auto before = bytesOf(document);
   for (const auto& test : cases) {
@@ -80,11 +80,11 @@ TEST_F(Session, AnswersBecomeOutcomes) {
         return step == test.step ? test.code : code;
       };
     };
-    plan.parameters = answer(CV_SEL_PARAMETERS, plan.parameters);
-    plan.prepare = answer(CV_SEL_PREPARE, plan.prepare);
-    plan.start = answer(CV_SEL_START, plan.start);
-    plan.next = answer(CV_SEL_CONTINUE, plan.next);
-    plan.finish = answer(CV_SEL_FINISH, plan.finish);
+    plan.parameters = answer(LM_SEL_PARAMETERS, plan.parameters);
+    plan.prepare = answer(LM_SEL_PREPARE, plan.prepare);
+    plan.start = answer(LM_SEL_START, plan.start);
+    plan.next = answer(LM_SEL_CONTINUE, plan.next);
+    plan.finish = answer(LM_SEL_FINISH, plan.finish);
     CVFilterSession session(playing(plan));
     CVRunOptions options;
     options.dialog = test.dialog;
@@ -97,9 +97,9 @@ TEST_F(Session, AnswersBecomeOutcomes) {
     // The steps up to the one that failed, then finish.
     std::vector<int> expected = WHOLE_RUN;
     if (test.dialog == CVDialog::Yes)
-      expected.insert(expected.begin(), CV_SEL_PARAMETERS);
+      expected.insert(expected.begin(), LM_SEL_PARAMETERS);
     const auto failed = std::find(expected.begin(), expected.end(), test.step);
-    if (test.step != CV_SEL_FINISH)
+    if (test.step != LM_SEL_FINISH)
       expected.erase(failed + 1, expected.end() - 1);
     EXPECT_EQ(plan.calls, expected);
     SetUp();
@@ -166,7 +166,7 @@ TEST_F(Session, CancelLeavesTheImage) {
       options.cancelled = [&] { return continued >= callsBefore; };
       EXPECT_EQ(run(session, options).outcome, CVOutcome::Cancelled);
       EXPECT_LE(continued, std::max(callsBefore, 1));
-      EXPECT_EQ(plan.calls.back(), CV_SEL_FINISH);
+      EXPECT_EQ(plan.calls.back(), LM_SEL_FINISH);
       EXPECT_EQ(bytesOf(document), before);
     }
 }
@@ -245,7 +245,7 @@ TEST_F(Session, ThrowingFunctionsEndTheRun) {
           return false;
         };
       EXPECT_EQ(run(session, options).outcome, memory ? CVOutcome::NoMemory : CVOutcome::Failed);
-      EXPECT_EQ(plan.calls.back(), CV_SEL_FINISH);
+      EXPECT_EQ(plan.calls.back(), LM_SEL_FINISH);
       EXPECT_EQ(bytesOf(document), before);
     }
 }

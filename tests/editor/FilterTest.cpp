@@ -19,9 +19,9 @@ int SlowFilter(int selector, void* data, intptr_t*, int16_t* result) {
   auto* record = static_cast<FilterRecord*>(data);
   CVRect& row = record->outTileRect;
   const CVRect area = record->filterArea;
-  if (selector == CV_SEL_START) {
+  if (selector == LM_SEL_START) {
     row = {area.top, area.left, static_cast<int16_t>(area.top + 1), area.right};
-  } else if (selector == CV_SEL_CONTINUE) {
+  } else if (selector == LM_SEL_CONTINUE) {
     QThread::msleep(ROW_MILLISECONDS);
     for (int i = 0; i < (area.right - area.left) * 3; ++i)
       record->outPixels[i] = static_cast<uint8_t>(~record->outPixels[i]);

@@ -70,16 +70,16 @@ TEST_F(HostContract, RefusesHostsAndImagesItCannotServe) {
     alerts.clear();
     ScriptedHost host(8, 8);
     c.spoil(host.record);
-    EXPECT_EQ(host.Call(CV_SEL_PREPARE), c.result) << c.name;
+    EXPECT_EQ(host.Call(LM_SEL_PREPARE), c.result) << c.name;
     EXPECT_EQ(alerts, c.alert != 0 ? std::vector<int>{c.alert} : std::vector<int>{}) << c.name;
   }
 }
 
 TEST_F(HostContract, SelectorsAndStateObject) {
   ScriptedHost host(8, 8);
-  EXPECT_EQ(host.Call(CV_SEL_FINISH), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_FINISH), CV_RESULT_OK);
   EXPECT_EQ(host.data, 0) << "a finish makes no object";
-  EXPECT_EQ(host.Call(CV_SEL_ABOUT), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_ABOUT), CV_RESULT_OK);
   EXPECT_EQ(alerts, std::vector<int>{16001});
   const intptr_t object = host.data;
   EXPECT_NE(object, 0);
@@ -91,10 +91,10 @@ TEST_F(HostContract, SelectorsAndStateObject) {
 
 TEST_F(HostContract, StartWithoutParametersIsRefusedAndContinueWithoutStartToo) {
   ScriptedHost host(8, 8);
-  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_STOPPED);
-  EXPECT_EQ(host.Call(CV_SEL_START), CV_RESULT_STOPPED);
+  EXPECT_EQ(host.Call(LM_SEL_CONTINUE), CV_RESULT_STOPPED);
+  EXPECT_EQ(host.Call(LM_SEL_START), CV_RESULT_STOPPED);
   host.record.savedParams = NewHandle(100); // not a block of ours
-  EXPECT_EQ(host.Call(CV_SEL_START), CV_RESULT_STOPPED);
+  EXPECT_EQ(host.Call(LM_SEL_START), CV_RESULT_STOPPED);
 }
 
 TEST_F(HostContract, OnlyReliefRunsCanBeCancelled) {
@@ -134,9 +134,9 @@ TEST_F(HostContract, RunsRepeatExactly) {
   const std::vector<uint8_t> first = host.out;
   ASSERT_EQ(host.Run(), CV_RESULT_OK);
   EXPECT_EQ(host.out, first);
-  ASSERT_EQ(host.Call(CV_SEL_START), CV_RESULT_OK); // never finished
+  ASSERT_EQ(host.Call(LM_SEL_START), CV_RESULT_OK); // never finished
   const uint64_t blocks = TB_BlocksInUse();
-  ASSERT_EQ(host.Call(CV_SEL_START), CV_RESULT_OK);
+  ASSERT_EQ(host.Call(LM_SEL_START), CV_RESULT_OK);
   EXPECT_EQ(TB_BlocksInUse(), blocks) << "a second start leaks";
   ASSERT_EQ(host.Walk(), CV_RESULT_OK);
   EXPECT_EQ(host.out, first);
@@ -166,7 +166,7 @@ TEST_F(HostContract, ReliefAtTheLargestImageEqualsTheSamePixelsElsewhere) {
 TEST(HostFault, HostThatDeliversOtherRectanglesDoesNoHarm) {
   ScriptedHost host(100, 100);
   host.KeepParameters(OneLight(true));
-  ASSERT_EQ(host.Call(CV_SEL_START), CV_RESULT_OK);
+  ASSERT_EQ(host.Call(LM_SEL_START), CV_RESULT_OK);
   std::vector<uint8_t> pixels(100 * 100 * 4, 9);
   const auto deliver = [&](CVRect rect) {
     host.record.inTileRect = rect;
@@ -177,22 +177,22 @@ TEST(HostFault, HostThatDeliversOtherRectanglesDoesNoHarm) {
   };
   // A small channel tile, then an image tile that its heights do not cover.
   deliver({0, 0, 8, 8});
-  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_CONTINUE), CV_RESULT_OK);
   deliver({0, 0, 64, 64});
-  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_CONTINUE), CV_RESULT_OK);
   EXPECT_EQ(pixels, std::vector<uint8_t>(pixels.size(), 9)) << "shaded without heights";
   // Turned inside out, and with nothing delivered.
   deliver({50, 50, 10, 10});
-  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_CONTINUE), CV_RESULT_OK);
   host.record.inPixels = nullptr;
-  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_CONTINUE), CV_RESULT_OK);
   // Addresses in a block that comes in place of the run's own are nobody's.
   host.KeepParameters(OneLight(false));
-  ASSERT_EQ(host.Call(CV_SEL_START), CV_RESULT_OK);
+  ASSERT_EQ(host.Call(LM_SEL_START), CV_RESULT_OK);
   LM_light& light = reinterpret_cast<foo*>(*host.record.savedParams)->lights[0];
   light.diffuseCache = light.specularCache = reinterpret_cast<LM_color96*>(intptr_t{64});
   deliver({0, 0, 64, 64});
-  EXPECT_EQ(host.Call(CV_SEL_CONTINUE), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_CONTINUE), CV_RESULT_OK);
 }
 
 } // namespace

@@ -28,8 +28,8 @@ TEST_F(InteractiveRun, LightsAsTheDialogLeftTheSettings) {
                 host.image[static_cast<size_t>((row * 3 * 600 + column * 3) * 4 + 1)]);
     g->exposure = 200;
     // A call out of the dialog's own call is turned away.
-    EXPECT_EQ(host.Call(CV_SEL_FINISH), CV_RESULT_STOPPED);
-    EXPECT_EQ(host.Call(CV_SEL_START), CV_RESULT_STOPPED);
+    EXPECT_EQ(host.Call(LM_SEL_FINISH), CV_RESULT_STOPPED);
+    EXPECT_EQ(host.Call(LM_SEL_START), CV_RESULT_STOPPED);
     const FilterRecord before = host.record;
     EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
     EXPECT_EQ(host.record.inPixels, before.inPixels);
@@ -143,8 +143,8 @@ TEST_F(InteractiveRun, WhateverTheDialogThrowsIsItsAnswer) {
 TEST_F(InteractiveRun, WithoutADialogAnInteractiveRunIsRefused) {
   LM_SetDialogServices(nullptr);
   ScriptedHost host(8, 8, SessionEntry);
-  EXPECT_EQ(host.Call(CV_SEL_PARAMETERS), CV_RESULT_OK);
-  EXPECT_EQ(host.Call(CV_SEL_START), LM_RESULT_NO_DIALOG);
+  EXPECT_EQ(host.Call(LM_SEL_PARAMETERS), CV_RESULT_OK);
+  EXPECT_EQ(host.Call(LM_SEL_START), LM_RESULT_NO_DIALOG);
   EXPECT_EQ(SettingsOf(host)->dialogPending, 0);
 }
 

@@ -46,9 +46,9 @@ int16_t Preview(ScriptedHost& host) {
   while (result == CV_RESULT_OK && SettingsOf(host)->previewComplete == 0) {
     host.requests.push_back(Line(host.record));
     host.Deliver();
-    result = host.Call(CV_SEL_CONTINUE);
+    result = host.Call(LM_SEL_CONTINUE);
   }
-  return result == CV_RESULT_OK ? host.Call(CV_SEL_CONTINUE) : result;
+  return result == CV_RESULT_OK ? host.Call(LM_SEL_CONTINUE) : result;
 }
 
 } // namespace
@@ -72,15 +72,15 @@ LM_globals* SettingsOf(const ScriptedHost& host) {
 }
 
 int16_t RunWithDialog(ScriptedHost& host) {
-  int16_t result = host.Call(CV_SEL_PARAMETERS);
+  int16_t result = host.Call(LM_SEL_PARAMETERS);
   if (result == CV_RESULT_OK)
-    result = host.Call(CV_SEL_START);
+    result = host.Call(LM_SEL_START);
   if (result == CV_RESULT_OK)
     result = Preview(host);
   if (result == CV_RESULT_OK)
     result = host.Walk();
   if (host.data != 0) {
-    EXPECT_EQ(host.Call(CV_SEL_FINISH), CV_RESULT_OK);
+    EXPECT_EQ(host.Call(LM_SEL_FINISH), CV_RESULT_OK);
   }
   return result;
 }

@@ -83,7 +83,7 @@ ScriptedHost::ScriptedHost(int16_t width, int16_t height, CVFilterEntry filter) 
 }
 
 ScriptedHost::~ScriptedHost() {
-  Call(CV_SEL_FINISH);
+  Call(LM_SEL_FINISH);
   // Unloading would do this: between runs the settings object is a single block.
   DisposePtr(reinterpret_cast<Ptr>(data));
   DisposeHandle(record.savedParams);
@@ -93,7 +93,7 @@ ScriptedHost::~ScriptedHost() {
 int16_t ScriptedHost::Call(int selector) {
   int16_t result = 77;
   CVAboutRecord about = {};
-  void* argument = selector == CV_SEL_ABOUT ? static_cast<void*>(&about) : &record;
+  void* argument = selector == LM_SEL_ABOUT ? static_cast<void*>(&about) : &record;
   EXPECT_EQ(entry(selector, argument, &data, &result), 0);
   return result;
 }
@@ -136,7 +136,7 @@ int16_t ScriptedHost::Walk() {
     const CVRect o = record.outTileRect;
     Deliver();
     ++continues;
-    const int16_t result = Call(CV_SEL_CONTINUE);
+    const int16_t result = Call(LM_SEL_CONTINUE);
     if (result != CV_RESULT_OK)
       return result;
     for (int y = o.top; y < o.bottom && o.right > o.left; ++y)
@@ -148,12 +148,12 @@ int16_t ScriptedHost::Walk() {
 }
 
 int16_t ScriptedHost::Run() {
-  int16_t result = Call(CV_SEL_PREPARE);
+  int16_t result = Call(LM_SEL_PREPARE);
   if (result == CV_RESULT_OK)
-    result = Call(CV_SEL_START);
+    result = Call(LM_SEL_START);
   if (result == CV_RESULT_OK)
     result = Walk();
-  const int16_t finished = Call(CV_SEL_FINISH);
+  const int16_t finished = Call(LM_SEL_FINISH);
   return result != CV_RESULT_OK ? result : finished;
 }
 

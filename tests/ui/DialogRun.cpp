@@ -133,7 +133,7 @@ DialogRun::DialogRun() {
 
 DialogRun::~DialogRun() {
   int16_t result = 0;
-  LM_AnswerCall(CV_SEL_FINISH, &record, &slot, &result);
+  LM_AnswerCall(LM_SEL_FINISH, &record, &slot, &result);
   if (Globals() != nullptr)
     LM_DestroyGlobals(Globals());
   if (record.savedParams != nullptr)
@@ -150,12 +150,12 @@ int16_t DialogRun::Run(ToolboxScript& script, Script expected) {
     LM_AnswerCall(selector, &record, &slot, &result);
     return result;
   };
-  call(CV_SEL_PARAMETERS);
-  if (call(CV_SEL_PREPARE) != 0 || call(CV_SEL_START) != 0)
+  call(LM_SEL_PARAMETERS);
+  if (call(LM_SEL_PREPARE) != 0 || call(LM_SEL_START) != 0)
     return result;
   while (result == 0 && Globals()->previewComplete == 0) {
     Deliver();
-    call(CV_SEL_CONTINUE);
+    call(LM_SEL_CONTINUE);
   }
   // A script that lost its way must not leave a window waiting for ever.
   ToolboxScript watchdog;
@@ -164,12 +164,12 @@ int16_t DialogRun::Run(ToolboxScript& script, Script expected) {
     watchdog.CloseWindow().Wait(300);
   watchdog.Start();
   script.Start();
-  call(CV_SEL_CONTINUE);
+  call(LM_SEL_CONTINUE);
   EXPECT_TRUE(script.Done() || expected == Script::MayBeCut)
       << "the dialog ended before its script";
   if (slot != 0) {
     int16_t finished = 0;
-    LM_AnswerCall(CV_SEL_FINISH, &record, &slot, &finished);
+    LM_AnswerCall(LM_SEL_FINISH, &record, &slot, &finished);
   }
   return result;
 }
