@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -18,7 +20,7 @@ namespace {
 
 constexpr int MOST_ATTEMPTS = 20;
 
-uint64_t temporaryToken = 0;
+uint64_t temporaryMark = 0; // 0: not drawn yet
 // Fixed storage, because a signal handler reads it.
 char temporaryInProgress[PATH_MAX] = "";
 
@@ -59,8 +61,13 @@ int TakeAccess(int descriptor, const struct stat& old) {
 
 } // namespace
 
-void SetTemporaryToken(uint64_t token) {
-  temporaryToken = token;
+void DrawTemporaryMark() {
+  // More than a process number tells apart: processes of other containers and machines may have the
+  // same one.
+  if (getentropy(&temporaryMark, sizeof temporaryMark) != 0)
+    temporaryMark =
+        static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()) ^
+        static_cast<uint64_t>(getpid()) << 40;
 }
 
 const char* TemporaryInProgress() {
@@ -68,9 +75,11 @@ const char* TemporaryInProgress() {
 }
 
 std::string TemporaryPath(const std::string& target, pid_t process) {
+  if (temporaryMark == 0)
+    DrawTemporaryMark();
   char name[64];
   std::snprintf(name, sizeof name, ".limn-%ld-%016llx.tmp", static_cast<long>(process),
-                static_cast<unsigned long long>(temporaryToken));
+                static_cast<unsigned long long>(temporaryMark));
   return (std::filesystem::path(target).parent_path() / name).string();
 }
 
@@ -102,7 +111,7 @@ AtomicFile::AtomicFile(std::string target, Existing existing)
   std::memcpy(temporaryInProgress + 1, _temporary.c_str() + 1, _temporary.size());
   std::atomic_signal_fence(std::memory_order_release);
   temporaryInProgress[0] = _temporary[0];
-  SweepTemporaries(FolderOf(_target));
+  SweepOnce(FolderOf(_target));
   // What replaces a private file is private from its first byte.
   struct stat old {};
   const bool isReplacing = _existing == Existing::Replace && stat(_target.c_str(), &old) == 0;
@@ -169,7 +178,8 @@ void AtomicFile::_GiveName() {
     if (errno != EINVAL && errno != ENOSYS)
       Fail(_target, errno);
     // A file system without that call: the check below can be overtaken, but only just.
-    if (access(_target.c_str(), F_OK) == 0)
+    struct stat there {};
+    if (lstat(_target.c_str(), &there) == 0)
       throw Failure(ExitCode::CannotWrite, _target + ": exists already; --force replaces it");
   }
   if (rename(_temporary.c_str(), _target.c_str()) != 0)

@@ -3,7 +3,6 @@
 
 #include "posix_file.h"
 
-#include <cstdint>
 #include <string>
 #include <sys/types.h>
 
@@ -11,8 +10,9 @@ namespace limn {
 
 enum class Existing { Keep, Replace };
 
-// Marks the temporary files of one run of the command; the same in every process of the run.
-void SetTemporaryToken(uint64_t token);
+// Draws the random mark in the names of this run's temporary files. Without it each process draws
+// its own when it first needs one; called before a fork, parent and child have the same.
+void DrawTemporaryMark();
 
 // The temporary file that process `process` of this run uses for `target`: beside it, so that the
 // rename stays within one file system. A process writes one target at a time.
@@ -34,6 +34,7 @@ public:
 
   // Open for reading and writing, at the start. Owned by this object.
   int DescriptorNumber() const { return _file.Number(); }
+  // Throws Failure(CannotWrite).
   void Write(const void* bytes, size_t size);
 
   // Flushes the content to the disk, renames, and flushes the folder. With Existing::Keep a file
@@ -41,6 +42,8 @@ public:
   // permissions are kept, and its owner and group as far as the user may give them. Throws
   // Failure(CannotWrite).
   void Commit();
+  // Whether the target's name is given, which a Commit that fails to flush the folder has done too.
+  bool HasName() const { return _temporary.empty(); }
 
 private:
   void _GiveName();

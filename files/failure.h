@@ -1,4 +1,4 @@
-// How the command fails: an exit code and one sentence.
+// How work fails: a code and one sentence.
 #pragma once
 
 #include <stdexcept>
@@ -17,15 +17,22 @@ enum class ExitCode : int {
   Refused = 6, // by the plug-in, for any other reason
 };
 
-// Thrown where one image, or the whole command, cannot go on. The text is one sentence that names
-// the file and what is wrong with it, without the program's name or a full stop.
-class Failure : public std::runtime_error {
+// Thrown where one image, one call or the whole command cannot go on. The text is one sentence that
+// names the file and what is wrong with it, without the program's name or a full stop.
+template <class FailureCode> class CodedFailure : public std::runtime_error {
 public:
-  Failure(ExitCode code, const std::string& sentence) : std::runtime_error(sentence), _code(code) {}
-  ExitCode Code() const { return _code; }
+  CodedFailure(FailureCode code, const std::string& sentence)
+      : std::runtime_error(sentence), _code(code) {}
+  FailureCode Code() const { return _code; }
 
 private:
-  ExitCode _code;
+  FailureCode _code;
 };
+
+using Failure = CodedFailure<ExitCode>;
+
+// In a catch block: what is being handled, as a Failure. Short memory is NoMemory; what else is no
+// Failure was not foreseen, and is Refused. file: named where the exception does not name one.
+Failure CaughtFailure(const std::string& file = "");
 
 } // namespace limn

@@ -61,9 +61,6 @@ bool HoldTemporary(int descriptor) {
 }
 
 void SweepTemporaries(const std::string& folder) {
-  static std::set<std::string> swept;
-  if (!swept.insert(folder).second)
-    return;
   // Not by the C++ library's iterator, which ends the program when memory runs out.
   const std::unique_ptr<DIR, int (*)(DIR*)> listed(opendir(folder.c_str()), closedir);
   std::vector<std::string> found;
@@ -72,6 +69,12 @@ void SweepTemporaries(const std::string& folder) {
       found.push_back(folder + "/" + entry->d_name);
   for (const std::string& path : found)
     RemoveUnlessHeld(path);
+}
+
+void SweepOnce(const std::string& folder) {
+  static std::set<std::string> swept;
+  if (swept.insert(folder).second)
+    SweepTemporaries(folder);
 }
 
 } // namespace limn

@@ -10,8 +10,9 @@ namespace limn {
 // without locks marks nothing and sweeps nothing.
 bool HoldTemporary(int descriptor);
 
-// Removes the temporary files of dead runs from a folder. Once for each folder and process; what
-// cannot be removed stays.
+// Removes the temporary files of dead runs from a folder. What cannot be removed stays.
 void SweepTemporaries(const std::string& folder);
+// The same, but only once for each folder and process.
+void SweepOnce(const std::string& folder);
 
 } // namespace limn

@@ -102,13 +102,13 @@ bool WantsStop(const limn_options& options, double done) {
   try {
     return options.progress(done, options.user) != 0;
   } catch (...) {
-    throw Failure{LIMN_FAILED, "the progress function threw an exception"};
+    throw CallFailure{LIMN_FAILED, "the progress function threw an exception"};
   }
 }
 
 void NeedGoing(const limn_options& options, double done) {
   if (WantsStop(options, done))
-    throw Failure{LIMN_CANCELLED, "the lighting was cancelled"};
+    throw CallFailure{LIMN_CANCELLED, "the lighting was cancelled"};
 }
 
 } // namespace

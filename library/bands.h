@@ -18,8 +18,8 @@ struct Rows {
 using LightRows = std::function<void(Rows rows, LM_render_scratch& scratch)>;
 
 // Calls `light` for all `rows`, in bands of some `width` × 30 pixels, and the progress function of
-// `options` between them. Throws Failure: LIMN_NO_MEMORY before anything is lit, LIMN_CANCELLED and
-// LIMN_FAILED as the progress function wishes.
+// `options` between them. Throws CallFailure: LIMN_NO_MEMORY before anything is lit, LIMN_CANCELLED
+// and LIMN_FAILED as the progress function wishes.
 void LightInBands(Rows rows, int32_t width, const limn_options& options, const LightRows& light);
 
 } // namespace limn

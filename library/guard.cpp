@@ -29,7 +29,7 @@ void Report(limn_error* error, limn_result code, const char* text) noexcept {
 
 void NeedPointer(const void* pointer, const char* name) {
   if (pointer == nullptr)
-    throw Failure{LIMN_BAD_ARGUMENT, std::string(name) + ": it is a null pointer"};
+    throw CallFailure{LIMN_BAD_ARGUMENT, std::string(name) + ": it is a null pointer"};
 }
 
 size_t CopyText(const std::string& text, char* buffer, size_t room) noexcept {

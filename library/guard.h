@@ -3,6 +3,8 @@
 
 #include "limn.h"
 
+#include "failure.h"
+
 #include <cfenv>
 #include <new>
 #include <string>
@@ -10,10 +12,7 @@
 namespace limn {
 
 // Ends a call of the library with this code and sentence.
-struct Failure {
-  limn_result code;
-  std::string text;
-};
+using CallFailure = CodedFailure<limn_result>;
 
 // Fills the caller's error, cut between characters where it is full. error: may be null.
 void Report(limn_error* error, limn_result code, const char* text) noexcept;
@@ -41,9 +40,12 @@ template <class Work> limn_result Guard(limn_error* error, Work work) noexcept {
     work();
     Report(error, LIMN_OK, "");
     return LIMN_OK;
-  } catch (const Failure& failure) {
-    Report(error, failure.code, failure.text.c_str());
-    return failure.code;
+  } catch (const CallFailure& failure) {
+    Report(error, failure.Code(), failure.what());
+    return failure.Code();
+  } catch (const Failure& failure) { // of a file
+    Report(error, LIMN_CANNOT_READ, failure.what());
+    return LIMN_CANNOT_READ;
   } catch (const std::bad_alloc&) {
     Report(error, LIMN_NO_MEMORY, "there is not enough memory");
     return LIMN_NO_MEMORY;

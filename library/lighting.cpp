@@ -25,7 +25,7 @@ std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn
   const Format format = FormatOf(*picture);
   const LM_style& style = settings->style;
   if (style.lightsRead == 0)
-    throw Failure{LIMN_BAD_STYLE, "the style holds no light"};
+    throw CallFailure{LIMN_BAD_STYLE, "the style holds no light"};
   const auto params = std::make_unique<foo>();
   const CVRect32& area = format.area;
   if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top,
@@ -71,8 +71,8 @@ void CopyRows(const Format& format, const Pixels& pixels, Rows rows) {
 void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_options& options) {
   const Format& format = lighting.format;
   if (!(FormatOf(picture) == format))
-    throw Failure{LIMN_BAD_ARGUMENT,
-                  "picture: its size, channels or area are not those of the lighting"};
+    throw CallFailure{LIMN_BAD_ARGUMENT,
+                      "picture: its size, channels or area are not those of the lighting"};
   Pixels pixels = PixelsOf(picture, format, lighting.ownRelief);
   std::unique_ptr<uint8_t[]> relief;
   if (pixels.reliefIsInOutput)

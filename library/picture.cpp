@@ -9,7 +9,7 @@ namespace limn {
 namespace {
 
 [[noreturn]] void Refuse(const std::string& text) {
-  throw Failure{LIMN_BAD_ARGUMENT, text};
+  throw CallFailure{LIMN_BAD_ARGUMENT, text};
 }
 
 void NeedRange(const char* name, int32_t value, int32_t low, int32_t high) {

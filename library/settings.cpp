@@ -3,7 +3,6 @@
 #include "guard.h"
 
 #include "LM_gallery.h"
-#include "LM_small_file.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
@@ -15,7 +14,7 @@
 
 namespace {
 
-using limn::Failure;
+using limn::CallFailure;
 using limn::Guard;
 using limn::NeedPointer;
 using SettingsPointer = std::unique_ptr<limn_settings>;
@@ -24,7 +23,7 @@ using SettingsPointer = std::unique_ptr<limn_settings>;
 template <class Read> limn_settings* NewSettings(const std::string& name, Read read) {
   auto settings = std::make_unique<limn_settings>();
   if (!read(settings->style, settings->warning))
-    throw Failure{LIMN_BAD_STYLE, (name.empty() ? "" : name + ": ") + settings->warning};
+    throw CallFailure{LIMN_BAD_STYLE, (name.empty() ? "" : name + ": ") + settings->warning};
   return settings.release();
 }
 
@@ -56,10 +55,7 @@ limn_settings* limn_settings_load(const char* path, limn_error* error) {
   limn_settings* settings = nullptr;
   Guard(error, [&] {
     NeedPointer(path, "path");
-    std::vector<uint8_t> bytes;
-    std::string why;
-    if (!LM_ReadSmallFile(path, LM_LONGEST_STYLE_FILE, bytes, why))
-      throw Failure{LIMN_CANNOT_READ, std::string(path) + ": " + why};
+    const std::vector<uint8_t> bytes = limn::ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
     settings = SettingsOfBytes(path, bytes.data(), bytes.size());
   });
   return settings;
@@ -70,8 +66,8 @@ limn_settings* limn_settings_from_memory(const void* bytes, size_t size, limn_er
   Guard(error, [&] {
     NeedPointer(bytes, "bytes");
     if (size > LM_LONGEST_STYLE_FILE)
-      throw Failure{LIMN_BAD_STYLE,
-                    "it is longer than " + std::to_string(LM_LONGEST_STYLE_FILE) + " bytes"};
+      throw CallFailure{LIMN_BAD_STYLE,
+                        "it is longer than " + std::to_string(LM_LONGEST_STYLE_FILE) + " bytes"};
     settings = SettingsOfBytes("", static_cast<const uint8_t*>(bytes), size);
   });
   return settings;
@@ -118,7 +114,7 @@ limn_result limn_settings_set(limn_settings* settings, const char* key, const ch
     LM_style changed = settings->style;
     std::string why;
     if (!LM_SetStyleField(changed, key, value, why))
-      throw Failure{LIMN_BAD_ARGUMENT, std::string(key) + ": " + why};
+      throw CallFailure{LIMN_BAD_ARGUMENT, std::string(key) + ": " + why};
     settings->style = changed;
   });
 }

@@ -6,8 +6,6 @@
 #include "image_source.h"
 #include "metadata.h"
 
-#include <new>
-
 namespace limn {
 namespace {
 
@@ -42,10 +40,8 @@ template <typename Work> auto Guarded(const std::string& path, Work work) {
     auto result = work();
     complaints.Check(ExitCode::BadInput, path);
     return result;
-  } catch (const vips::VError&) {
-    throw LibraryFailure(ExitCode::BadInput, path);
-  } catch (const std::bad_alloc&) {
-    throw Failure(ExitCode::NoMemory, path + ": not enough memory");
+  } catch (...) {
+    throw CaughtLibraryFailure(ExitCode::BadInput, path);
   }
 }
 

@@ -9,9 +9,6 @@
 
 namespace limn {
 
-// Neither side of an image may be longer: rectangles have 16-bit sides.
-constexpr int LONGEST_SIDE = 32767;
-
 // A plane of its own: a selection mask or a height map. width * height bytes, no padding.
 struct GreyImage {
   std::string file;

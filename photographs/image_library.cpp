@@ -7,7 +7,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <mutex>
-#include <vips/vips.h>
+#include <vips/vips8>
 
 namespace limn {
 namespace {
@@ -108,6 +108,16 @@ Failure LibraryFailure(ExitCode code, const std::string& file) {
     sentence = firstWarning.empty() ? "libvips gave no reason" : Sentence(firstWarning);
   }
   return {code, file + ": " + sentence};
+}
+
+Failure CaughtLibraryFailure(ExitCode code, const std::string& file) {
+  try {
+    throw;
+  } catch (const vips::VError&) {
+    return LibraryFailure(code, file);
+  } catch (...) {
+    return CaughtFailure(file);
+  }
 }
 
 } // namespace limn

@@ -45,4 +45,7 @@ public:
 // it was, otherwise `code`.
 Failure LibraryFailure(ExitCode code, const std::string& file);
 
+// In a catch block: the same for an error of libvips; anything else as CaughtFailure has it.
+Failure CaughtLibraryFailure(ExitCode code, const std::string& file);
+
 } // namespace limn

@@ -5,6 +5,8 @@
 #include "image_library.h"
 #include "posix_file.h"
 
+#include "limn.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -142,9 +144,10 @@ void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
 void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64_t fileLength,
                  const std::string& path) {
   std::string size = std::to_string(image.width()) + " × " + std::to_string(image.height());
-  if (image.width() > LONGEST_SIDE || image.height() > LONGEST_SIDE)
-    throw Failure(ExitCode::BadInput,
-                  path + ": is " + size + " pixels, and no side may have more than 32767");
+  if (image.width() > LIMN_LONGEST_SIDE || image.height() > LIMN_LONGEST_SIDE)
+    throw Failure(ExitCode::BadInput, path + ": is " + size +
+                                          " pixels, and no side may have more than " +
+                                          std::to_string(LIMN_LONGEST_SIDE));
   const bool isWhole = IsDecodedWhole(image, decoding);
   const SizeLimit& limit = ImageSizeLimit();
   const uint64_t most = limit.pixels > 0 ? limit.pixels : isWhole ? MOST_PIXELS_WHOLE : MOST_PIXELS;

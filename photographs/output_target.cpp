@@ -3,7 +3,6 @@
 #include "failure.h"
 
 #include <filesystem>
-#include <random>
 #include <sys/stat.h>
 
 namespace limn {
@@ -28,11 +27,6 @@ void MakeFolder(const std::string& target) {
     std::filesystem::create_directories(folder, error);
   if (error)
     throw Failure(ExitCode::CannotWrite, folder.string() + ": " + SystemReason(error.value()));
-}
-
-void UseRandomTemporaryToken() {
-  std::random_device device;
-  SetTemporaryToken((static_cast<uint64_t>(device()) << 32) | device());
 }
 
 } // namespace limn

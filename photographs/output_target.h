@@ -14,7 +14,4 @@ void CheckTarget(const std::string& input, const OutputName& output, Existing ex
 // Makes the folder that `target` lies in, if need be. Throws Failure(CannotWrite).
 void MakeFolder(const std::string& target);
 
-// Marks this run's temporary files; see SetTemporaryToken.
-void UseRandomTemporaryToken();
-
 } // namespace limn

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace limn {
 namespace {
@@ -101,10 +100,8 @@ ReadReduction ReadReducedPhotograph(const std::string& path,
       planes = planes.bandjoin(ReadChannel(channel, photograph, path, read.notices));
     photograph.numPlanes = planes.bands();
     photograph.pixels = Pixels(planes);
-  } catch (const vips::VError&) {
-    throw LibraryFailure(ExitCode::BadInput, path);
-  } catch (const std::bad_alloc&) {
-    throw Failure(ExitCode::NoMemory, path + ": not enough memory");
+  } catch (...) {
+    throw CaughtLibraryFailure(ExitCode::BadInput, path);
   }
   return read;
 }

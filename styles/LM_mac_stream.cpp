@@ -63,10 +63,6 @@ LM_bool LM_style_ostream::Close() {
   return CloseFile(_fileReference, _isOpen);
 }
 
-LM_bool LM_style_ostream::Flush() {
-  return _isOpen != 0 && TB_FlushFile(_fileReference) == noErr ? 1 : 0;
-}
-
 int32_t LM_style_ostream::_WriteBytes(int32_t count, const uint8_t* bytes) {
   if (_isOpen == 0 || FSWrite(_fileReference, &count, bytes) != noErr)
     return -1;
@@ -146,13 +142,6 @@ LM_bool LM_globals::Read(LM_style_istream& stream) {
 LM_bool LM_SaveStyle(StringPtr name, LM_globals* globals) {
   LM_style_ostream stream;
   return stream.Open(name) != 0 && globals->Write(stream) != 0 ? stream.Close() : 0;
-}
-
-LM_bool LM_SaveStyleDurably(StringPtr name, LM_globals* globals) {
-  LM_style_ostream stream;
-  return stream.Open(name) != 0 && globals->Write(stream) != 0 && stream.Flush() != 0
-             ? stream.Close()
-             : 0;
 }
 
 LM_bool LM_LoadStyle(StringPtr name, LM_globals* globals) {

@@ -32,8 +32,6 @@ public:
   LM_bool Open(StringPtr name);
   // True when the stream was open and closing succeeded, delayed writes included.
   LM_bool Close();
-  // True when everything written so far is on the disk.
-  LM_bool Flush();
 
   // Each writes its bytes most significant first; true when all were written.
   LM_bool WriteU8(uint8_t value) { return _WriteBigEndian(value, 1); }
@@ -105,8 +103,6 @@ private:
 // Writes the settings to a new file; false when it exists or anything fails. A partly written file
 // stays.
 LM_bool LM_SaveStyle(StringPtr name, LM_globals* globals);
-// The same, and true only when the file's content is on the disk.
-LM_bool LM_SaveStyleDurably(StringPtr name, LM_globals* globals);
 // Replaces the settings with a style's; false when it does not open or holds no whole light, and
 // the settings are then as before.
 LM_bool LM_LoadStyle(StringPtr name, LM_globals* globals);

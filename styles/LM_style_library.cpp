@@ -2,13 +2,18 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <pwd.h>
 #include <unistd.h>
 
 #include "LM_mac_stream.h"
+#include "LM_style_codec.h"
+#include "LM_style_place.h"
 #include "LM_style_seeding.h"
-#include "LM_style_temporary.h"
+#include "LM_style_settings.h"
 #include "MacFiles.h"
+#include "failure.h"
+#include "temporary_sweep.h"
 
 namespace {
 
@@ -59,20 +64,35 @@ bool IsFree(const LM_style_place& folder, StringPtr name) {
   return PBHGetFInfo(&block, 0) == fnfErr;
 }
 
-// Writes the settings to a temporary file, which place(its name) then makes the style.
-template <class Place>
-LM_bool SaveThrough(const LM_style_place& folder, LM_globals* globals, Place place) {
-  const LM_folder_use use(folder);
-  TB_Str255 temporary = LM_TemporaryName();
-  if (LM_SaveStyleDurably(temporary.bytes, globals) != 0 && place(temporary) == noErr) {
-    use.Flush();
-    return 1;
-  }
-  HDelete(folder.vRefNum, folder.dirID, temporary);
-  return 0;
+LM_bool SaveInto(const LM_style_place& folder, StringPtr name, const LM_globals& globals,
+                 limn::Existing existing) {
+  uint8_t bytes[LM_STYLE_MAX_BYTES];
+  const size_t size = LM_EncodeStyle(LM_StyleOfSettings(globals), bytes);
+  const std::string_view all(reinterpret_cast<const char*>(bytes), size);
+  return LM_WriteStyleFile(folder, name, all, existing) ? 1 : 0;
 }
 
 } // namespace
+
+bool LM_WriteStyleFile(const LM_style_place& folder, ConstStr255Param name, std::string_view bytes,
+                       limn::Existing existing) {
+  const std::string path = TB_PathOf(folder.vRefNum, folder.dirID, name);
+  if (path.empty())
+    return false;
+  std::optional<limn::AtomicFile> file;
+  try {
+    file.emplace(path, existing);
+    file->Write(bytes.data(), bytes.size());
+    file->Commit();
+  } catch (const limn::Failure&) {
+    // It is there all the same when only its folder could not be flushed.
+  }
+  return file && file->HasName();
+}
+
+void LM_SweepStyles(const LM_style_place& folder) {
+  limn::SweepTemporaries(TB_PathOf(folder.vRefNum, folder.dirID, nullptr));
+}
 
 bool LM_UseStyleLibrary(std::string& why) {
   why = EnterLibrary();
@@ -87,8 +107,8 @@ bool LM_UseStyleLibrary(std::string& why) {
     return false;
   }
   const LM_style_place folder = {library.ioWDVRefNum, library.ioWDDirID};
-  LM_SweepTemporaries(folder);
-  LM_SweepTemporaries(styles);
+  LM_SweepStyles(folder);
+  LM_SweepStyles(styles);
   why = LM_SeedStyles(folder, styles);
   return true;
 }
@@ -109,11 +129,10 @@ LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals) {
   const bool isStyle = old.Open(name) != 0;
   old.Close();
   LM_style_place folder = {};
-  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0 || (!isStyle && !IsFree(folder, name)))
+  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0 ||
+      LM_style_ostream::IsLocked(name) != 0 || (!isStyle && !IsFree(folder, name)))
     return 0;
-  return SaveThrough(folder, globals, [&](ConstStr255Param temporary) {
-    return TB_ReplaceFile(folder.vRefNum, folder.dirID, temporary, name);
-  });
+  return SaveInto(folder, name, *globals, limn::Existing::Replace);
 }
 
 LM_bool LM_AddStyle(StringPtr name, LM_globals* globals) {
@@ -121,7 +140,5 @@ LM_bool LM_AddStyle(StringPtr name, LM_globals* globals) {
   LM_style_place folder = {};
   if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0)
     return 0;
-  return SaveThrough(folder, globals, [&](ConstStr255Param temporary) {
-    return HRename(folder.vRefNum, folder.dirID, temporary, name);
-  });
+  return SaveInto(folder, name, *globals, limn::Existing::Keep);
 }

@@ -5,7 +5,7 @@
 #include "LM_mac_stream.h"
 #include "LM_style_codec.h"
 #include "LM_style_library.h"
-#include "LM_style_temporary.h"
+#include "LM_style_place.h"
 #include "MacFiles.h"
 #include "MacResources.h"
 

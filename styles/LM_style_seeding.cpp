@@ -1,11 +1,11 @@
 #include "LM_style_seeding.h"
 
 #include <algorithm>
+#include <sys/stat.h>
 #include <vector>
 
 #include "LM_gallery.h"
 #include "LM_style_codec.h"
-#include "LM_style_temporary.h"
 #include "MacFiles.h"
 
 namespace {
@@ -54,28 +54,19 @@ bool Seed(const LM_style_place& styles, const std::string& name) {
     return false;
   uint8_t bytes[LM_STYLE_MAX_BYTES];
   const size_t size = LM_EncodeStyle(style, bytes);
-  const LM_folder_use use(styles);
-  const TB_Str255 temporary = LM_TemporaryName();
-  if (LM_WriteNewFile(styles, temporary, {reinterpret_cast<const char*>(bytes), size}) != noErr)
-    return false;
-  const OSErr renamed = HRename(styles.vRefNum, styles.dirID, temporary, TB_PString(name));
-  if (renamed != noErr)
-    HDelete(styles.vRefNum, styles.dirID, temporary);
-  return renamed == noErr || renamed == dupFNErr;
+  const TB_Str255 file = TB_PString(name);
+  const std::string_view all(reinterpret_cast<const char*>(bytes), size);
+  if (LM_WriteStyleFile(styles, file, all, limn::Existing::Keep))
+    return true;
+  struct stat status {};
+  return lstat(TB_PathOf(styles.vRefNum, styles.dirID, file).c_str(), &status) == 0;
 }
 
 bool Remember(const LM_style_place& library, const std::vector<std::string>& names) {
   std::string text;
   for (const std::string& name : names)
     text += name + "\n";
-  const LM_folder_use use(library);
-  const TB_Str255 temporary = LM_TemporaryName();
-  if (LM_WriteNewFile(library, temporary, text) != noErr)
-    return false;
-  if (TB_ReplaceFile(library.vRefNum, library.dirID, temporary, TB_PString(MEMORY)) == noErr)
-    return true;
-  HDelete(library.vRefNum, library.dirID, temporary);
-  return false;
+  return LM_WriteStyleFile(library, TB_PString(MEMORY), text, limn::Existing::Replace);
 }
 
 } // namespace
@@ -97,7 +88,6 @@ std::string LM_SeedStyles(const LM_style_place& library, const LM_style_place& s
   }
   if (known.size() == before)
     return why;
-  LM_folder_use(styles).Flush(); // what is remembered must be there after a crash
   if (!Remember(library, known))
     why = "The styles added to the style folder could not be remembered.";
   return why;

@@ -2,10 +2,11 @@
 // from every language that libvips speaks.
 #include "limn_operation.h"
 
+#include "failure.h"
 #include "lit_image.h"
+#include "small_file.h"
 
 #include "LM_gallery.h"
-#include "LM_small_file.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 
@@ -41,15 +42,19 @@ G_DEFINE_TYPE(Operation, limn_operation, VIPS_TYPE_OPERATION)
 // A file, or else one of the bundled styles.
 LM_style StyleOf(const char* name) {
   LM_style style{};
-  std::vector<uint8_t> content;
   std::string why;
-  if (name != nullptr && LM_ReadSmallFile(name, LM_LONGEST_STYLE_FILE, content, why)) {
-    if (!LM_StyleFromBytes(content.data(), content.size(), style, why))
-      Refuse(std::string(name) + ": " + why);
+  if (name == nullptr) {
+    LM_BundledStyle("Default", style);
     return style;
   }
-  if (!LM_BundledStyle(name != nullptr ? name : "Default", style))
-    Refuse(std::string(name) + ": is neither the name of a bundled style nor its file: " + why);
+  try {
+    const std::vector<uint8_t> content = limn::ReadSmallFile(name, LM_LONGEST_STYLE_FILE);
+    if (!LM_StyleFromBytes(content.data(), content.size(), style, why))
+      Refuse(std::string(name) + ": " + why);
+  } catch (const limn::Failure& failure) {
+    if (!LM_BundledStyle(name, style))
+      Refuse(failure.what() + std::string(", and no bundled style has this name"));
+  }
   return style;
 }
 
@@ -90,9 +95,9 @@ vips::VImage Lit(const Operation& operation) {
     settings.mask = Borrowed(operation.mask);
   if (operation.width > 0 || operation.height > 0 || operation.left > 0 || operation.top > 0)
     settings.area =
-        limn::LitArea{operation.left, operation.top,
-                      operation.width > 0 ? operation.width : in.width() - operation.left,
-                      operation.height > 0 ? operation.height : in.height() - operation.top};
+        limn_area{operation.left, operation.top,
+                  operation.width > 0 ? operation.width : in.width() - operation.left,
+                  operation.height > 0 ? operation.height : in.height() - operation.top};
   return limn::LitImage(in, settings);
 }
 
@@ -114,8 +119,6 @@ int Build(VipsObject* object) {
   }
 }
 
-constexpr int LONGEST_SIDE = 32767;
-
 void DescribeArguments(OperationClass* type) {
   VIPS_ARG_IMAGE(type, "in", 1, "Input", "Image to light: 8 bits, RGB with or without more bands",
                  VIPS_ARGUMENT_REQUIRED_INPUT, G_STRUCT_OFFSET(Operation, in));
@@ -130,14 +133,16 @@ void DescribeArguments(OperationClass* type) {
   VIPS_ARG_IMAGE(type, "mask", 6, "Mask", "Selection: one 8-bit band of the same size",
                  VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, mask));
   VIPS_ARG_INT(type, "left", 7, "Left", "Left edge of the area to light",
-               VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, left), 0, LONGEST_SIDE, 0);
-  VIPS_ARG_INT(type, "top", 8, "Top", "Top edge of the area to light", VIPS_ARGUMENT_OPTIONAL_INPUT,
-               G_STRUCT_OFFSET(Operation, top), 0, LONGEST_SIDE, 0);
-  VIPS_ARG_INT(type, "width", 9, "Width", "Width of the area, 0 for all that is on its right",
-               VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, width), 0, LONGEST_SIDE, 0);
-  VIPS_ARG_INT(type, "height", 10, "Height", "Height of the area, 0 for all that is below",
-               VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, height), 0, LONGEST_SIDE,
+               VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, left), 0, LIMN_LONGEST_SIDE,
                0);
+  VIPS_ARG_INT(type, "top", 8, "Top", "Top edge of the area to light", VIPS_ARGUMENT_OPTIONAL_INPUT,
+               G_STRUCT_OFFSET(Operation, top), 0, LIMN_LONGEST_SIDE, 0);
+  VIPS_ARG_INT(type, "width", 9, "Width", "Width of the area, 0 for all that is on its right",
+               VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, width), 0,
+               LIMN_LONGEST_SIDE, 0);
+  VIPS_ARG_INT(type, "height", 10, "Height", "Height of the area, 0 for all that is below",
+               VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, height), 0,
+               LIMN_LONGEST_SIDE, 0);
 }
 
 void limn_operation_class_init(OperationClass* type) {

@@ -15,8 +15,6 @@ namespace {
 using vips::VImage;
 
 constexpr int NUM_LIT = 3;
-constexpr int LONGEST_SIDE = 32767;  // rectangles have 16-bit sides
-constexpr int MOST_CHANNELS = 32767; // their numbers have 16 bits as well
 
 // What all threads share, read only.
 struct Lighting {
@@ -163,8 +161,8 @@ void CheckPlane(const VImage& plane, const VImage& image, const char* sentence) 
     Refuse(sentence);
 }
 
-LitArea AreaOf(const VImage& image, const LitSettings& settings) {
-  const LitArea area = settings.area.value_or(LitArea{0, 0, image.width(), image.height()});
+limn_area AreaOf(const VImage& image, const LitSettings& settings) {
+  const limn_area area = settings.area.value_or(limn_area{0, 0, image.width(), image.height()});
   if (area.x < 0 || area.y < 0 || area.width <= 0 || area.height <= 0 ||
       area.width > image.width() - area.x || area.height > image.height() - area.y)
     Refuse("the area reaches outside the image");
@@ -172,9 +170,9 @@ LitArea AreaOf(const VImage& image, const LitSettings& settings) {
 }
 
 void Prepare(Lighting& lighting, const VImage& image, const LitSettings& settings) {
-  const LitArea area = AreaOf(image, settings);
+  const limn_area area = AreaOf(image, settings);
   const int numChannels = image.bands() + static_cast<int>(settings.channels.size());
-  if (numChannels > MOST_CHANNELS)
+  if (numChannels > LIMN_MOST_CHANNELS)
     Refuse("the image has more than 32767 channels");
   const auto params = std::make_unique<foo>();
   const CVRect rect = {static_cast<int16_t>(area.y), static_cast<int16_t>(area.x),
@@ -217,7 +215,7 @@ VImage LitImage(const VImage& image, const LitSettings& settings) {
   if (image.format() != VIPS_FORMAT_UCHAR || image.bands() < NUM_LIT ||
       vips_image_get_coding(image.get_image()) != VIPS_CODING_NONE)
     Refuse("the image does not have 8-bit red, green and blue");
-  if (image.width() > LONGEST_SIDE || image.height() > LONGEST_SIDE)
+  if (image.width() > LIMN_LONGEST_SIDE || image.height() > LIMN_LONGEST_SIDE)
     Refuse("a side of the image has more than 32767 pixels");
   auto owned = std::make_unique<Lighting>();
   Prepare(*owned, image, settings);

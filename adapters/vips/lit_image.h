@@ -3,6 +3,7 @@
 #pragma once
 
 #include "LM_style.h"
+#include "limn.h"
 
 #include <atomic>
 #include <memory>
@@ -12,14 +13,9 @@
 
 namespace limn {
 
-// A rectangle of an image, in pixels.
-struct LitArea {
-  int x, y, width, height;
-};
-
 struct LitSettings {
   LM_style style;
-  std::optional<LitArea> area; // none: the whole image
+  std::optional<limn_area> area; // none: the whole image
   // Channels behind the image's own bands, for the style's relief: one 8-bit band each, of the
   // image's size. Only the one that the style names is ever read.
   std::vector<vips::VImage> channels;

@@ -41,10 +41,9 @@ QString EditorTexts::translate(const char*, const char* source, const char*, int
 
 QString TranslatedProblem(const QString& sentence) {
   const qsizetype colon = sentence.lastIndexOf(QStringLiteral(": "));
-  if (colon < 0)
-    return sentence;
-  const QByteArray reason = sentence.mid(colon + 2).toUtf8();
-  return sentence.left(colon + 2) + QCoreApplication::translate("", reason.constData());
+  const qsizetype start = colon < 0 ? 0 : colon + 2;
+  const QByteArray reason = sentence.mid(start).toUtf8();
+  return sentence.left(start) + QCoreApplication::translate("", reason.constData());
 }
 
 QString ToolTipOf(const QString& name) {

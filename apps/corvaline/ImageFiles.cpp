@@ -7,7 +7,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
 #include <QThread>
 
 namespace editor {
@@ -21,7 +20,6 @@ std::string Encoded(const QString& path) {
 
 void StartImageFiles() {
   limn::StartImageLibrary(QThread::idealThreadCount());
-  limn::SetTemporaryToken(QRandomGenerator::system()->generate64());
 }
 
 // Formats that lose something are written finely; their programs' own default is for the web.

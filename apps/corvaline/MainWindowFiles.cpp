@@ -10,9 +10,6 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 
-#include <exception>
-#include <new>
-
 namespace editor {
 namespace {
 
@@ -33,13 +30,9 @@ template <typename Work> QString Problem(Work work) {
     const Busy busy;
     work();
     return {};
-  } catch (const limn::Failure& failure) {
-    return TranslatedProblem(QString::fromStdString(failure.what()));
-  } catch (const std::bad_alloc&) {
-    return MainWindow::tr("There is not enough memory.");
-  } catch (const std::exception& error) {
-    // A library's own: it must not end the program, and what was not saved.
-    return QString::fromUtf8(error.what());
+  } catch (...) {
+    // A library's own too: it must not end the program, and what was not saved.
+    return TranslatedProblem(QString::fromStdString(limn::CaughtFailure().what()));
   }
 }
 

@@ -10,7 +10,7 @@
 #include "style_source.h"
 
 #include <algorithm>
-#include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -20,8 +20,6 @@
 
 namespace limn {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 int NumProcessors() {
   cpu_set_t set;
@@ -65,18 +63,15 @@ public:
 private:
   void _Done(const JobResult& result) {
     const ImagePair& pair = _plan.pairs[result.job];
-    int width = 0;
-    int height = 0;
-    double seconds = 0;
-    std::sscanf(result.payload.c_str(), "%d %d %lf", &width, &height, &seconds);
+    const auto [width, height] = result.done;
     if (_plan.options.json) {
       PrintJson({{"input", pair.input},
                  {"output", pair.output.path},
                  {"size", {width, height}},
-                 {"seconds", seconds}});
+                 {"seconds", std::round(result.seconds * 1000) / 1000}});
     } else if (!_plan.options.quiet) {
       char figures[80];
-      std::snprintf(figures, sizeof figures, " (%d × %d, %.2f s)", width, height, seconds);
+      std::snprintf(figures, sizeof figures, " (%d × %d, %.2f s)", width, height, result.seconds);
       PrintLine(Printable(pair.input + " → " + pair.output.path) + figures);
     }
   }
@@ -84,7 +79,7 @@ private:
   void _Failed(const JobResult& result) {
     const ImagePair& pair = _plan.pairs[result.job];
     const std::string sentence =
-        result.hasDied ? pair.input + ": " + result.payload : result.payload;
+        result.hasDied ? pair.input + ": " + result.sentence : result.sentence;
     PrintProblem(sentence);
     if (_plan.options.json)
       PrintJson({{"input", pair.input},
@@ -160,27 +155,17 @@ void SkipExisting(ApplyPlan& plan) {
 }
 
 // Inside a worker.
-std::string Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job,
-                 const JobChannel& channel) {
-  const std::string& input = plan.pairs[job].input;
+JobDone Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job,
+             const JobChannel& channel) {
   try {
-    const auto start = Clock::now();
     if (!tools)
       tools = PrepareTools(plan);
     if (job == 0)
       for (const std::string& notice : tools->notices)
         channel.Notice(notice);
-    const AppliedSize size = ApplyOne(plan, *tools, job, channel);
-    const std::chrono::duration<double> seconds = Clock::now() - start;
-    char payload[80];
-    std::snprintf(payload, sizeof payload, "%d %d %.3f", size.width, size.height, seconds.count());
-    return payload;
-  } catch (const Failure&) {
-    throw;
-  } catch (const std::bad_alloc&) {
-    throw Failure(ExitCode::NoMemory, input + ": not enough memory");
-  } catch (const std::exception& error) {
-    throw Failure(ExitCode::Refused, input + ": " + error.what());
+    return ApplyOne(plan, *tools, job, channel);
+  } catch (...) {
+    throw CaughtFailure(plan.pairs[job].input);
   }
 }
 
@@ -200,7 +185,7 @@ ExitCode Apply(const ApplyOptions& options) {
   const int numWorkers = static_cast<int>(std::min<size_t>(
       options.jobs > 0 ? options.jobs : numProcessors, std::max<size_t>(plan.pairs.size(), 1)));
   plan.threads = std::max(1, numProcessors / numWorkers);
-  UseRandomTemporaryToken();
+  DrawTemporaryMark();
 
   Reporter reporter(plan);
   std::optional<ApplyTools> tools; // each process fills its own copy

@@ -45,8 +45,7 @@ vips::VImage BandOf(GreyImage& grey) {
 LitSettings SettingsFor(const ApplyPlan& plan, Surroundings& surroundings) {
   LitSettings settings;
   settings.style = plan.style;
-  if (const auto& area = surroundings.area)
-    settings.area = LitArea{area->x, area->y, area->width, area->height};
+  settings.area = surroundings.area;
   for (GreyImage& channel : surroundings.channels)
     settings.channels.push_back(BandOf(channel));
   if (surroundings.mask)
@@ -68,8 +67,8 @@ struct ProgressTeller {
 };
 
 // Decodes, lights and writes a few rows at a time.
-AppliedSize LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
-                           const JobChannel& channel) {
+JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+                       const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
   const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
   const Complaints complaints;
@@ -93,14 +92,14 @@ AppliedSize LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t inde
     for (const std::string& notice : opened.notices)
       channel.Notice(pair.input + ": " + notice);
     return {width, height};
-  } catch (const vips::VError&) {
-    throw LibraryFailure(ExitCode::BadInput, pair.input);
+  } catch (...) {
+    throw CaughtLibraryFailure(ExitCode::BadInput, pair.input);
   }
 }
 
 // Decodes the whole image, has the plug-in light it, and writes it.
-AppliedSize LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t index,
-                               const JobChannel& channel) {
+JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+                           const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
   const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
   Photograph photograph = ReadPhotograph(pair.input);
@@ -122,8 +121,8 @@ AppliedSize LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t 
 
 } // namespace
 
-AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
-                     const JobChannel& channel) {
+JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+                 const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
   CheckTarget(pair.input, pair.output, plan.options.force ? Existing::Replace : Existing::Keep);
   CheckOutputFormat(pair.output);

@@ -15,7 +15,7 @@ namespace limn {
 struct ApplyPlan {
   ApplyOptions options;
   LM_style style;
-  std::optional<Area> area;
+  std::optional<limn_area> area;
   std::vector<ImagePair> pairs;
   std::vector<std::string> targets; // where each output really goes; see ResolveTarget
   int threads = 1;                  // of libvips, in each process
@@ -31,13 +31,7 @@ struct ApplyTools {
 // Starts the image library too. Throws Failure.
 ApplyTools PrepareTools(const ApplyPlan& plan);
 
-struct AppliedSize {
-  int width;
-  int height;
-};
-
 // Throws Failure; then the output is as it was.
-AppliedSize ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
-                     const JobChannel& channel);
+JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index, const JobChannel& channel);
 
 } // namespace limn

@@ -36,7 +36,6 @@ void WriteFrame(FramePicture frame, const OutputName& output, Existing existing)
   picture.numPlanes = 3;
   picture.pixels = std::move(frame.pixels);
   picture.metadata = vips::VImage::black(1, 1);
-  UseRandomTemporaryToken();
   const std::string target = ResolveTarget(output.path);
   MakeFolder(target);
   WritePhotograph(picture, output, target, existing);

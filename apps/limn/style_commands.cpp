@@ -100,7 +100,6 @@ ExitCode PackStyle(const std::string& jsonFile, const std::string& styleFile, Ov
     PrintProblem(jsonFile + ": " + named.warning);
   const bool isReplacing = overwrite == Overwrite::Yes;
   const std::string target = ResolveTarget(styleFile);
-  UseRandomTemporaryToken();
   uint8_t bytes[LM_STYLE_MAX_BYTES];
   const size_t size = LM_EncodeStyle(named.style, bytes);
   AtomicFile file(target, isReplacing ? Existing::Replace : Existing::Keep);

@@ -143,7 +143,6 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   CheckTarget(options.image, output, existing);
   if (!options.style.empty())
     BeginWithStyle(options);
-  UseRandomTemporaryToken();
   CheckWritable(ResolveTarget(output.path), existing);
   StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
                     {options.maxPixels, MAX_PIXELS_ADVICE});

@@ -49,7 +49,7 @@ std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numC
 
 } // namespace
 
-std::optional<Area> ParseArea(const std::string& text) {
+std::optional<limn_area> ParseArea(const std::string& text) {
   if (text.empty())
     return std::nullopt;
   int numbers[4] = {};
@@ -58,12 +58,12 @@ std::optional<Area> ParseArea(const std::string& text) {
   for (int i = 0; i < 4; ++i) {
     const auto [stop, error] = std::from_chars(next, end, numbers[i]);
     const bool isSeparated = i == 3 ? stop == end : stop != end && *stop == ',';
-    if (error != std::errc() || !isSeparated || numbers[i] < 0 || numbers[i] > LONGEST_SIDE)
+    if (error != std::errc() || !isSeparated || numbers[i] < 0 || numbers[i] > LIMN_LONGEST_SIDE)
       throw Failure(ExitCode::WrongUsage,
                     "--area " + text + ": is not of the form X,Y,WIDTH,HEIGHT in pixels");
     next = stop + (i < 3 ? 1 : 0);
   }
-  const Area area{numbers[0], numbers[1], numbers[2], numbers[3]};
+  const limn_area area{numbers[0], numbers[1], numbers[2], numbers[3]};
   if (area.width == 0 || area.height == 0)
     throw Failure(ExitCode::WrongUsage, "--area " + text + ": is empty");
   return area;
@@ -96,7 +96,7 @@ CVPlugin LoadPlugin() {
 }
 
 CVRect AreaOf(const Surroundings& surroundings, int width, int height, const std::string& file) {
-  const Area area = surroundings.area.value_or(Area{0, 0, width, height});
+  const limn_area area = surroundings.area.value_or(limn_area{0, 0, width, height});
   if (area.x > width - area.width || area.y > height - area.height)
     throw Failure(ExitCode::WrongUsage,
                   file + ": the area reaches outside its " + Size(width, height) + " pixels");

@@ -4,6 +4,7 @@
 #include "image_file.h"
 
 #include "LM_style.h"
+#include "limn.h"
 
 #include <CVFilterSession.h>
 #include <functional>
@@ -13,20 +14,12 @@
 
 namespace limn {
 
-// Part of an image, in pixels.
-struct Area {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-};
-
 // "X,Y,W,H" in whole pixels; none for an empty text. Throws Failure(WrongUsage).
-std::optional<Area> ParseArea(const std::string& text);
+std::optional<limn_area> ParseArea(const std::string& text);
 
 // What to do to a photograph beside the style. Shared by all images of a batch.
 struct Surroundings {
-  std::optional<Area> area;        // none: the whole image
+  std::optional<limn_area> area;   // none: the whole image
   std::optional<GreyImage> mask;   // none: everything is selected
   std::vector<GreyImage> channels; // appended to the image's own
 };

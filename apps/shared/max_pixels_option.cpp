@@ -1,9 +1,11 @@
 #include "max_pixels_option.h"
 
+#include "limn.h"
+
 namespace limn {
 
 void AddMaxPixels(CLI::App& command, uint64_t& maxPixels) {
-  constexpr double MOST = 32767.0 * 32767.0; // no side is longer
+  constexpr double MOST = double{LIMN_LONGEST_SIDE} * LIMN_LONGEST_SIDE;
   command
       .add_option("--max-pixels", maxPixels,
                   "Refuse images of more pixels, which may be made to fill\n"

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <new>
 #include <poll.h>
 #include <unistd.h>
 
@@ -78,14 +77,10 @@ int ReportedExit(const std::function<ExitCode()>& run) {
     if (!HoldStandardFiles())
       throw Failure(ExitCode::Refused, "standard input, output or error is closed");
     code = run();
-  } catch (const Failure& failure) {
+  } catch (...) {
+    const Failure failure = CaughtFailure();
     PrintProblem(failure.what());
     code = failure.Code();
-  } catch (const std::bad_alloc&) {
-    PrintProblem("not enough memory");
-    code = ExitCode::NoMemory;
-  } catch (const std::exception& error) {
-    PrintProblem(error.what());
   }
   return static_cast<int>(code);
 }

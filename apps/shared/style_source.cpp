@@ -1,10 +1,10 @@
 #include "style_source.h"
 
 #include "failure.h"
+#include "small_file.h"
 
 #include "LM_gallery.h"
 #include "LM_mac_stream.h"
-#include "LM_small_file.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
@@ -77,9 +77,7 @@ std::vector<LM_listed_style> AllStyles() {
 
 NamedStyle ReadStyleFile(const std::string& path) {
   NamedStyle named{};
-  std::vector<uint8_t> bytes;
-  if (!LM_ReadSmallFile(path, LM_LONGEST_STYLE_FILE, bytes, named.warning))
-    throw Failure(ExitCode::BadInput, path + ": " + named.warning);
+  const std::vector<uint8_t> bytes = ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
   if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning))
     throw Failure(ExitCode::BadInput, path + ": " + named.warning);
   return named;

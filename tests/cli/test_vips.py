@@ -61,7 +61,7 @@ class VipsOperation(support.LimnTest):
         support.write_pnm("wide.ppm", support.filled(32768, 1, 9, 3))
         for arguments, says in [(["plane.pgm"], "red, green and blue"), (["deep.ppm"], "8-bit"),
                                 (["wide.ppm"], "more than 32767"),
-                                (["in.ppm", "--style", "nowhere"], "nowhere: is neither"),
+                                (["in.ppm", "--style", "nowhere"], "nowhere: no such file or directory, and no bundled style"),
                                 (["in.ppm", "--style", "plane.pgm"], "plane.pgm: "),
                                 (["in.ppm", "--set", "gloss"], "KEY=VALUE"), (["in.ppm", "--set", "glos=1"], "glos"),
                                 (["in.ppm", "--left", "80", "--width", "11"], "outside"),

@@ -37,7 +37,7 @@ TEST_F(StyleLibrary, BeginsWithTheBundledStylesAndTheDefaultOneFirst) {
 TEST_F(StyleLibrary, ADeletedStyleStaysDeletedAndOnlyNewOnesAreAdded) {
   Use();
   std::filesystem::remove(Style("Default"));
-  const std::string temporary = ".limn-0123456789abcdef";
+  const std::string temporary = ".limn-7-0123456789abcdef.tmp";
   Write(temporary, "given up");
   Write(".limn-notes", "the user's");
   Write(temporary + ".old", "the user's");

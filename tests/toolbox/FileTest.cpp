@@ -96,22 +96,6 @@ TEST_F(FileTest, WhatMayBeDeletedOrRenamed) {
   EXPECT_FALSE(std::filesystem::exists(folder / "..%2Fplain"));
 }
 
-TEST_F(FileTest, ReplacingKeepsOneCompleteFile) {
-  WriteFile("new", "new");
-  WriteFile("old", "old");
-  WriteFile("locked", "locked");
-  chmod((folder / "locked").c_str(), 0444);
-  std::filesystem::create_symlink("old", folder / "link");
-  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("locked")), fLckdErr);
-  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("link")), fLckdErr);
-  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("missing"), TB_PString("old")), fnfErr);
-  EXPECT_EQ(ReadFile("old"), "old");
-  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("new"), TB_PString("old")), noErr);
-  EXPECT_EQ(ReadFile("old"), "new");
-  EXPECT_EQ(TB_ReplaceFile(volume, id, TB_PString("old"), TB_PString("fresh")), noErr);
-  EXPECT_EQ(ListNames(), (std::vector<std::string>{"fresh", "locked"})) << "the link dangles";
-}
-
 TEST_F(FileTest, AReferenceIsGoneAfterItsFile) {
   WriteFile("a", "x");
   std::set<int16_t> seen;

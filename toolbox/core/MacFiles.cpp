@@ -99,20 +99,6 @@ template <typename Step> OSErr MoveBytes(int32_t wanted, int32_t* moved, Step st
   return noErr;
 }
 
-bool FlushDescriptor(int descriptor) {
-  // Some file systems cannot flush a folder, and say so with EINVAL.
-  return Uninterrupted([=] { return fsync(descriptor); }) == 0 || errno == EINVAL;
-}
-
-OSErr FlushPath(const std::string& path, int flags) {
-  const int descriptor = OpenFile(path, flags | O_RDONLY);
-  if (descriptor < 0) {
-    return TB_ErrorFor(errno);
-  }
-  TB_OpenFile file(descriptor, false);
-  return Result(FlushDescriptor(descriptor));
-}
-
 // Renames unless the new name is taken.
 bool RenameToFreeName(const std::string& from, const std::string& to) {
 #ifdef RENAME_NOREPLACE
@@ -137,39 +123,6 @@ OSErr CheckRemovable(const struct stat& status) {
     return TB_IsLocked(status) ? fLckdErr : noErr;
   }
   return S_ISLNK(status.st_mode) ? noErr : notAFileErr;
-}
-
-OSErr Replace(const TB_FilePlace& source, const TB_FilePlace& target) {
-  struct stat status;
-  if (OSErr err = TB_StatusOf(source.path, TB_Links::Keep, &status)) {
-    return err;
-  }
-  if (!S_ISREG(status.st_mode)) {
-    return notAFileErr;
-  }
-  const OSErr found = TB_StatusOf(target.path, TB_Links::Keep, &status);
-  if (found != noErr && found != fnfErr) {
-    return found;
-  }
-  if (found == noErr) {
-    if (OSErr err = S_ISLNK(status.st_mode) ? fLckdErr : CheckRemovable(status)) {
-      return err;
-    }
-    // Who may read the old file may read the new one, and nobody else.
-    if (chmod(source.path.c_str(), status.st_mode & 0777) != 0 && errno != EPERM) {
-      return TB_ErrorFor(errno);
-    }
-  }
-  if (OSErr err = FlushPath(source.path, O_NOFOLLOW)) {
-    return err;
-  }
-  if (OSErr err = Result(rename(source.path.c_str(), target.path.c_str()) == 0)) {
-    return err;
-  }
-  TB_ForgetListing(target.folder);
-  // The replacement is done; that the folder cannot be flushed changes nothing about that.
-  FlushPath(target.folder, O_DIRECTORY);
-  return noErr;
 }
 
 } // namespace
@@ -331,27 +284,5 @@ OSErr SetEOF(int16_t refNum, int32_t length) {
       const auto cut = [&] { return ftruncate(file.descriptor, length); };
       return file.writable ? Result(Uninterrupted(cut) == 0) : wrPermErr;
     });
-  });
-}
-
-OSErr TB_FlushFile(int16_t refNum) {
-  return TB_FileOperation([&] {
-    return WithFile(
-        refNum, [](const TB_OpenFile& file) { return Result(FlushDescriptor(file.descriptor)); });
-  });
-}
-
-OSErr TB_ReplaceFile(int16_t vRefNum, int32_t dirID, ConstStr255Param sourceName,
-                     ConstStr255Param targetName) {
-  return TB_FileOperation([&]() -> OSErr {
-    TB_FilePlace source;
-    TB_FilePlace target;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, sourceName, &source)) {
-      return err;
-    }
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, targetName, &target)) {
-      return err;
-    }
-    return Replace(source, target);
   });
 }

@@ -134,16 +134,8 @@ TB_EXPORT OSErr TB_SplitPath(std::string_view path, int16_t* vRefNum, int32_t* d
 // The absolute path of a name in a folder, or of the folder when name is null. Empty when there is
 // no such folder or the name cannot be a file's.
 TB_EXPORT std::string TB_PathOf(int16_t vRefNum, int32_t dirID, ConstStr255Param name);
-// Waits until the file's content is on the disk.
-TB_EXPORT OSErr TB_FlushFile(int16_t refNum);
-// Gives a file the name of another, whose old content is gone at the same instant: at any moment
-// one of the two complete files has that name, also after a crash. Who may read and write the other
-// file keeps these rights. fLckdErr when the other file is locked.
-TB_EXPORT OSErr TB_ReplaceFile(int16_t vRefNum, int32_t dirID, ConstStr255Param sourceName,
-                               ConstStr255Param targetName);
 // The n-th file operation from now answers err and does nothing else (FSClose still closes). Every
-// call above counts as one, those for tools excepted, TB_FlushFile and TB_ReplaceFile included. 1
-// is the next one; 0 calls the failure off.
+// call above counts as one, those for tools excepted. 1 is the next one; 0 calls the failure off.
 TB_EXPORT void TB_FailFileOperationAfter(uint64_t n, OSErr err);
 // File operations begun since the program started.
 TB_EXPORT uint64_t TB_FileOperationCount();

@@ -138,11 +138,11 @@ Photograph DrawSheet(const SheetOptions& options, const ReadReduction& read,
   const ReducedPhotograph& photograph = read.photograph;
   const SheetLayout layout = LayOutSheet(static_cast<int>(styles.size()) + 1, photograph.width,
                                          photograph.height, options.columns);
-  if (layout.width > LONGEST_SIDE || layout.height > LONGEST_SIDE)
+  if (layout.width > LIMN_LONGEST_SIDE || layout.height > LIMN_LONGEST_SIDE)
     throw Failure(ExitCode::WrongUsage,
                   options.output + ": would be " + std::to_string(layout.width) + " × " +
-                      std::to_string(layout.height) +
-                      " pixels, and no side may have more than 32767; --size makes it smaller");
+                      std::to_string(layout.height) + " pixels, and no side may have more than " +
+                      std::to_string(LIMN_LONGEST_SIDE) + "; --size makes it smaller");
   const auto pictures = DrawPictures(photograph, styles);
   SheetPage page(layout.width, layout.height, PAGE);
   DrawTitle(page, layout, options, photograph, styles.size());
@@ -187,7 +187,6 @@ ExitCode WriteSheet(const SheetOptions& options) {
   const OutputName output = ParseOutputName(options.output);
   const std::vector<SheetStyle> styles = StylesOf(options);
   CheckTarget(options.image, output, existing);
-  UseRandomTemporaryToken();
   StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
                     {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);

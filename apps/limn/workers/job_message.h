@@ -2,7 +2,7 @@
 // apart. Both ends are the same program.
 #pragma once
 
-#include "failure.h"
+#include "worker_pool.h"
 
 #include <cstdint>
 #include <string>
@@ -14,7 +14,9 @@ struct JobMessage {
   Kind kind = Kind::Start;
   ExitCode code = ExitCode::Done;
   uint64_t job = 0;
-  double share = 0;
+  double share = 0;    // of a Progress
+  JobDone done;        // of a Result with ExitCode::Done
+  double seconds = 0;  // likewise
   uint32_t length = 0; // of the text
   char text[4000] = {};
 

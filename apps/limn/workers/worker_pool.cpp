@@ -159,7 +159,7 @@ private:
         _signals.Let([&] { _pool.onProgress(worker.job, news.share); });
       else if (news.kind == JobMessage::Kind::Notice)
         _signals.Let([&] { _pool.onNotice(worker.job, text); });
-      else if (!_Finish(worker, {worker.job, news.code, text, false}))
+      else if (!_Finish(worker, {worker.job, news.code, news.done, news.seconds, text, false}))
         return false;
     }
   }
@@ -180,15 +180,18 @@ private:
     int status = 0;
     waitpid(worker.process, &status, 0);
     _pool.onDeath(worker.job, worker.process);
-    JobResult result{worker.job, ExitCode::Refused, "its process ended unexpectedly", true};
-    if (WIFEXITED(status) && WEXITSTATUS(status) == static_cast<int>(ExitCode::NoMemory))
-      result = {worker.job, ExitCode::NoMemory, "not enough memory", true};
-    else if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
-      result = {worker.job, ExitCode::NoMemory,
-                "its process was killed, as happens when memory runs out", true};
-    else if (WIFSIGNALED(status))
-      result.payload = "its process crashed (signal " + std::to_string(WTERMSIG(status)) + ")";
-    _signals.Let([&] { _pool.onResult(result); });
+    ExitCode code = ExitCode::Refused;
+    std::string sentence = "its process ended unexpectedly";
+    if (WIFEXITED(status) && WEXITSTATUS(status) == static_cast<int>(ExitCode::NoMemory)) {
+      code = ExitCode::NoMemory;
+      sentence = "not enough memory";
+    } else if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) {
+      code = ExitCode::NoMemory;
+      sentence = "its process was killed, as happens when memory runs out";
+    } else if (WIFSIGNALED(status)) {
+      sentence = "its process crashed (signal " + std::to_string(WTERMSIG(status)) + ")";
+    }
+    _signals.Let([&] { _pool.onResult({worker.job, code, {}, 0, sentence, true}); });
   }
 
   void _KillAll() {

@@ -11,12 +11,20 @@
 
 namespace limn {
 
-// How one job ended. payload: with Done, whatever the job returned; else the sentence of its
-// failure, or, when its process died in the middle, what is known about that.
+// What a job made: an image of that size.
+struct JobDone {
+  int width = 0;
+  int height = 0;
+};
+
+// How one job ended. sentence: that of its failure, or, when its process died in the middle, what
+// is known about that.
 struct JobResult {
   size_t job = 0;
   ExitCode code = ExitCode::Done;
-  std::string payload;
+  JobDone done;
+  double seconds = 0; // that it took, where it is Done
+  std::string sentence;
   bool hasDied = false;
 };
 
@@ -34,8 +42,8 @@ private:
 struct WorkerPool {
   size_t numJobs = 0;
   int numWorkers = 1; // or as many as the system lets run
-  // In the process. Returns the payload; throws Failure and nothing else.
-  std::function<std::string(size_t job, const JobChannel& channel)> work;
+  // In the process. What it throws is the job's failure, as CaughtFailure has it.
+  std::function<JobDone(size_t job, const JobChannel& channel)> work;
   // In the calling process, as news arrive.
   std::function<void(size_t job, double share)> onProgress;
   std::function<void(size_t job, const std::string& text)> onNotice;

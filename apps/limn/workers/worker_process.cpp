@@ -3,12 +3,15 @@
 #include "job_message.h"
 #include "termination.h"
 
+#include <chrono>
 #include <csignal>
 #include <sys/prctl.h>
 #include <unistd.h>
 
 namespace limn {
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 // The command itself acts on the user's signals. A worker goes when the command asks it to, or when
 // the command has died.
@@ -29,14 +32,14 @@ JobMessage DoJob(const WorkerPool& pool, size_t job, int socket) {
   JobMessage result;
   result.kind = JobMessage::Kind::Result;
   result.job = job;
+  const auto start = Clock::now();
   try {
-    result.SetText(pool.work(job, JobChannel(socket)));
-  } catch (const Failure& failure) {
+    result.done = pool.work(job, JobChannel(socket));
+    result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  } catch (...) {
+    const Failure failure = CaughtFailure();
     result.code = failure.Code();
     result.SetText(failure.what());
-  } catch (const std::exception&) { // of a failure that could not be worded
-    result.code = ExitCode::NoMemory;
-    result.SetText("not enough memory");
   }
   return result;
 }
