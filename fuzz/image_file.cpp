@@ -83,6 +83,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Read(path, size);
   } catch (const Failure& failure) {
     Check(std::string(failure.what()).size() > path.size() + 2, "a refusal says why");
+    Check(failure.Code() == ExitCode::BadInput, "a small file is at fault itself, not the machine");
   }
   return 0;
 }

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <mutex>
+#include <string_view>
 #include <vips/vips8>
 
 namespace limn {
@@ -54,6 +55,50 @@ std::string Sentence(std::string text) {
   return text;
 }
 
+// What libraries say when memory runs out, and what only sounds like it. The first that fits
+// counts.
+struct KnownSentence {
+  std::string_view words;
+  bool isShortMemory;
+};
+constexpr KnownSentence SENTENCES[] = {
+    {"Security limit", false},    // libheif declines to allocate what a file claims
+    {"byte limit", false},        // so does libtiff
+    {"ut of memory", true},       // libvips, libpng, libtiff, libgif
+    {"nsufficient memory", true}, // libjpeg, libpng
+    {"ot enough memory", true},   // OpenJPEG, libtiff
+    {"memory error", true},       // libwebp's picture
+    {"emory allocation", true},   // libheif
+    {"ailed to allocate", true},  // GLib, libvips, libtiff
+    {"nable to allocate", true},  // libtiff
+    {"annot allocate", true},     // libtiff, the system
+    {"No space for", true},       // libtiff's coders
+    {"creating thread", true},    // libvips
+};
+
+// libtiff says how much it asked for. Nothing at all, or more than a photograph's tables take, is
+// what a damaged file asks for.
+bool IsAbsurdRequest(const std::string& text) {
+  constexpr double MOST_BYTES = 1 << 30;
+  const size_t bracket = text.find('(');
+  const size_t elements = text.find(" elements of ");
+  if (bracket == std::string::npos || elements == std::string::npos || bracket > elements)
+    return false;
+  const double number = std::atof(text.c_str() + bracket + 1);
+  const double size = std::atof(text.c_str() + elements + std::strlen(" elements of "));
+  return number <= 0 || number * size > MOST_BYTES;
+}
+
+// Whether a library that says this has run out of memory.
+bool IsShortMemory(const std::string& text) {
+  if (IsAbsurdRequest(text))
+    return false;
+  for (const KnownSentence& known : SENTENCES)
+    if (text.find(known.words) != std::string::npos)
+      return known.isShortMemory;
+  return false;
+}
+
 } // namespace
 
 void StartImageLibrary(int threads, const SizeLimit& limit) {
@@ -86,6 +131,8 @@ Complaints::~Complaints() {
 
 void Complaints::Check(ExitCode code, const std::string& file) const {
   const std::lock_guard<std::mutex> hold(logLock);
+  if (!firstWarning.empty() && IsShortMemory(firstWarning))
+    throw Failure(ExitCode::NoMemory, file + ": not enough memory");
   if (!firstWarning.empty())
     throw Failure(code, file + ": " + Sentence(firstWarning));
 }
@@ -93,14 +140,11 @@ void Complaints::Check(ExitCode code, const std::string& file) const {
 Failure LibraryFailure(ExitCode code, const std::string& file) {
   const std::string text = vips_error_buffer();
   vips_error_clear();
+  if (IsShortMemory(text))
+    return {ExitCode::NoMemory, file + ": not enough memory"};
   // What libheif calls an allocation error when it declines to allocate.
-  if (const size_t limit = text.find("Security limit"); limit != std::string::npos)
-    return {code, file + ": " + Sentence(text.substr(limit))};
-  for (const char* words :
-       {"out of memory", "Out of memory", "Insufficient memory", "alloc", "creating thread"})
-    if (text.find(words) != std::string::npos)
-      return {ExitCode::NoMemory, file + ": not enough memory"};
-  std::string sentence = Sentence(text);
+  const size_t limit = text.find("Security limit");
+  std::string sentence = Sentence(limit == std::string::npos ? text : text.substr(limit));
   if (sentence == "operation is blocked")
     sentence = "is of a kind whose reader is not made for strangers' files";
   if (sentence.empty()) {

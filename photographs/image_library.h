@@ -37,7 +37,8 @@ public:
   Complaints(const Complaints&) = delete;
   Complaints& operator=(const Complaints&) = delete;
 
-  // Throws Failure(code, "FILE: WARNING") with the first warning if there was any.
+  // Throws Failure(code, "FILE: WARNING") with the first warning if there was any; NoMemory when
+  // it is about that.
   void Check(ExitCode code, const std::string& file) const;
 };
 
