@@ -150,6 +150,12 @@ void AtomicFile::Write(const void* bytes, size_t size) {
   }
 }
 
+void AtomicFile::CheckRoom() {
+  constexpr char PIECE[64 << 10] = {};
+  lseek(_file.Number(), 0, SEEK_END);
+  Write(PIECE, sizeof PIECE);
+}
+
 void AtomicFile::Commit() {
   struct stat old {};
   if (_existing == Existing::Replace && stat(_target.c_str(), &old) == 0)

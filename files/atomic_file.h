@@ -36,6 +36,10 @@ public:
   int DescriptorNumber() const { return _file.Number(); }
   // Throws Failure(CannotWrite).
   void Write(const void* bytes, size_t size);
+  // For when somebody else's writing through the descriptor has failed: throws Failure(CannotWrite)
+  // with the system's reason when the file cannot grow, because the disk is full or a limit is
+  // reached. Else it has made the file longer.
+  void CheckRoom();
 
   // Flushes the content to the disk, renames, and flushes the folder. With Existing::Keep a file
   // that has meanwhile appeared under the name is left alone and is a failure. A replaced file's

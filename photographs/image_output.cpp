@@ -22,15 +22,16 @@ enum class Exif { Lost, Kept };
 // or without having written all, or anything (READ_BACK), as refusing their allocations has shown.
 enum Proof : unsigned { NONE = 0, ROOM = 1, READ_BACK = 2 };
 
-// suffix: by which libvips knows the format. options: that select it there, and defaults that the
-// user's own override.
-struct OutputFormat {
+// suffix: by which libvips knows the format that is written; null for one that is only read.
+// options: that select it there, and defaults that the user's own override.
+struct Format {
   std::string_view extension;
   const char* suffix;
   const char* options;
   int maxPlanes;
   Exif exif;
   unsigned proof;
+  bool isRead;
 };
 
 constexpr int ANY_NUMBER = 1000;
@@ -44,50 +45,57 @@ constexpr const char* PNG_DEFAULTS = "compression=1,filter=sub";
 constexpr const char* PPM_DEFAULTS = "strip";
 
 // Formats in one file that hold a photograph. Folders of tiles, tables of numbers and the like are
-// not among them.
-constexpr OutputFormat FORMATS[] = {
-    {".jpg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE},
-    {".jpeg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE},
-    {".jpe", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE},
-    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept, NONE},
-    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK},
-    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK},
-    {".webp", ".webp", "", 4, Exif::Kept, NONE},
-    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE},
-    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE},
-    {".heic", ".heic", "", 4, Exif::Kept, READ_BACK},
-    {".heif", ".heif", "", 4, Exif::Kept, READ_BACK},
-    {".avif", ".heif", "compression=av1", 4, Exif::Kept, READ_BACK},
-    {".jp2", ".jp2", "", ANY_NUMBER, Exif::Lost, ROOM},
-    {".gif", ".gif", "", 4, Exif::Lost, ROOM | READ_BACK},
+// not among them. Files are read by their content (image_source.cpp); here are the names of those
+// that are.
+constexpr Format FORMATS[] = {
+    {".jpg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
+    {".jpeg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
+    {".jpe", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
+    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept, NONE, true},
+    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true},
+    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true},
+    {".webp", ".webp", "", 4, Exif::Kept, NONE, true},
+    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true},
+    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true},
+    {".heic", ".heic", "", 4, Exif::Kept, READ_BACK, true},
+    {".heif", ".heif", "", 4, Exif::Kept, READ_BACK, true},
+    {".avif", ".heif", "compression=av1", 4, Exif::Kept, READ_BACK, true},
+    {".jp2", ".jp2", "", ANY_NUMBER, Exif::Lost, ROOM, false},
+    {".gif", ".gif", "", 4, Exif::Lost, ROOM | READ_BACK, true},
+    {".pgm", nullptr, "", 0, Exif::Lost, NONE, true},
+    {".pbm", nullptr, "", 0, Exif::Lost, NONE, true},
 };
 
-const OutputFormat* FindFormat(const std::string& path) {
+const Format* FindFormat(const std::string& path) {
   std::string extension = std::filesystem::path(path).extension().string();
   for (char& letter : extension)
     letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-  for (const OutputFormat& format : FORMATS)
+  for (const Format& format : FORMATS)
     if (extension == format.extension)
       return &format;
   return nullptr;
 }
 
-const OutputFormat& FormatOf(const std::string& path) {
-  const OutputFormat* format = FindFormat(path);
-  if (format == nullptr)
+const Format& FormatOf(const std::string& path) {
+  const Format* format = FindFormat(path);
+  if (format == nullptr || format->suffix == nullptr)
     throw Failure(ExitCode::WrongUsage,
                   path + ": its extension is not one of a format that limn writes");
   return *format;
 }
 
+bool IsFor(const Format& format, Use use) {
+  return use == Use::Reading ? format.isRead : format.suffix != nullptr;
+}
+
 // "[compression=av1,Q=92]" from the format's own options and the user's.
-std::string AllOptions(const OutputFormat& format, const std::string& options) {
+std::string AllOptions(const Format& format, const std::string& options) {
   const std::string users = options.empty() ? "" : options.substr(1, options.size() - 2);
   const std::string own = format.options;
   return "[" + own + (own.empty() || users.empty() ? "" : ",") + users + "]";
 }
 
-void DropPlanes(VImage& image, const OutputFormat& format, std::vector<std::string>& notices) {
+void DropPlanes(VImage& image, const Format& format, std::vector<std::string>& notices) {
   if (image.bands() <= format.maxPlanes)
     return;
   const std::string name(format.extension.substr(1));
@@ -101,7 +109,7 @@ void DropPlanes(VImage& image, const OutputFormat& format, std::vector<std::stri
 
 // Says what libvips does not write, and leaves out what a JPEG file cannot hold: there such data go
 // into one segment of at most 64 kB.
-void DropMetadata(VImage& image, const OutputFormat& format, std::vector<std::string>& notices) {
+void DropMetadata(VImage& image, const Format& format, std::vector<std::string>& notices) {
   constexpr size_t LARGEST = 65000;
   if (format.exif == Exif::Lost && image.get_typeof(VIPS_META_EXIF_NAME) != 0)
     notices.push_back("its EXIF data is not written into " +
@@ -131,6 +139,19 @@ void NeedRoom(const VImage& image, const std::string& path) {
     throw Failure(ExitCode::NoMemory, path + ": not enough memory");
 }
 
+// Has the writer say what it has to say about its options, which is not about the image.
+void TryOptions(const Format& format, const std::string& options) {
+  try {
+    const VImage small =
+        VImage::black(16, 16, VImage::option()->set("bands", 3))
+            .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+    small.write_to_target((format.suffix + AllOptions(format, options)).c_str(),
+                          vips::VTarget::new_to_memory());
+  } catch (const vips::VError&) {
+    vips_error_clear(); // an image of another size may suit it
+  }
+}
+
 // Whether what was written can be read; its first page, where the user wanted several.
 bool IsWhole(int descriptor, const VImage& image) {
   try {
@@ -156,12 +177,21 @@ OutputName ParseOutputName(const std::string& text) {
   return {text.substr(0, bracket), text.substr(bracket)};
 }
 
-bool IsWritableName(const std::string& path) {
-  return FindFormat(path) != nullptr;
+bool IsName(const std::string& path, Use use) {
+  const Format* format = FindFormat(path);
+  return format != nullptr && IsFor(*format, use);
+}
+
+std::vector<std::string> Extensions(Use use) {
+  std::vector<std::string> extensions;
+  for (const Format& format : FORMATS)
+    if (IsFor(format, use))
+      extensions.emplace_back(format.extension);
+  return extensions;
 }
 
 void CheckOutputFormat(const OutputName& name) {
-  const OutputFormat& format = FormatOf(name.path);
+  const Format& format = FormatOf(name.path);
   const Complaints complaints;
   const char* saver = vips_foreign_find_save_target(format.suffix);
   if (saver == nullptr)
@@ -173,13 +203,15 @@ void CheckOutputFormat(const OutputName& name) {
       vips_object_set_from_string(VIPS_OBJECT(operation.get()),
                                   AllOptions(format, name.options).c_str()) != 0)
     throw LibraryFailure(ExitCode::WrongUsage, name.path + name.options);
+  if (!name.options.empty())
+    TryOptions(format, name.options);
   complaints.Check(ExitCode::WrongUsage, name.path + name.options);
 }
 
 void WriteImage(const WrittenImage& image, const OutputName& name, const std::string& target,
                 Existing existing, const Complaints& complaints,
                 std::vector<std::string>& notices) {
-  const OutputFormat& format = FormatOf(name.path);
+  const Format& format = FormatOf(name.path);
   if ((format.proof & ROOM) != 0)
     NeedRoom(image.planes, name.path);
   AtomicFile file(target, existing);
@@ -192,9 +224,10 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
     planes.write_to_target((format.suffix + AllOptions(format, name.options)).c_str(),
                            vips::VTarget::new_to_descriptor(file.DescriptorNumber()));
   } catch (const vips::VError&) {
-    throw image.hasSourceFailed != nullptr && *image.hasSourceFailed
-        ? LibraryFailure(ExitCode::BadInput, image.source)
-        : LibraryFailure(ExitCode::CannotWrite, name.path);
+    if (image.hasSourceFailed != nullptr && *image.hasSourceFailed)
+      throw LibraryFailure(ExitCode::BadInput, image.source);
+    file.CheckRoom(); // not every library tells why it could not write
+    throw LibraryFailure(ExitCode::CannotWrite, name.path);
   }
   if (image.source.empty())
     complaints.Check(ExitCode::CannotWrite, name.path);

@@ -19,10 +19,15 @@ struct OutputName {
 };
 OutputName ParseOutputName(const std::string& text);
 
-// Whether an image can be written under a name like this one, going by its extension.
-bool IsWritableName(const std::string& path);
+// What a format is wanted for. One table has both, and says which format can what.
+enum class Use { Reading, Writing };
+// Whether images of such a name, going by its extension, are read or written here.
+bool IsName(const std::string& path, Use use);
+// All such extensions, with their full stop: ".jpg".
+std::vector<std::string> Extensions(Use use);
 
-// Fails when the format or its options do not exist (WrongUsage), before any work is done.
+// Fails when the format or its options do not exist, or when its writer warns of the options
+// (WrongUsage), before any work is done.
 void CheckOutputFormat(const OutputName& name);
 
 // An image to be written, which may still have to be decoded and lit while it is.

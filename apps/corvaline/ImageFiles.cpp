@@ -16,6 +16,13 @@ std::string Encoded(const QString& path) {
   return QFile::encodeName(path).toStdString();
 }
 
+QString Patterns(limn::Use use) {
+  QStringList patterns;
+  for (const std::string& extension : limn::Extensions(use))
+    patterns << "*" + QString::fromStdString(extension);
+  return patterns.join(' ');
+}
+
 } // namespace
 
 void StartImageFiles() {
@@ -51,17 +58,15 @@ QStringList SaveImageFile(limn::Photograph& photograph, const QString& path) {
 }
 
 QString ReadablePatterns() {
-  return "*.jpg *.jpeg *.jpe *.png *.tif *.tiff *.webp *.heic *.heif *.avif *.jp2 *.gif *.ppm "
-         "*.pgm "
-         "*.pnm";
+  return Patterns(limn::Use::Reading);
 }
 
 QString WritablePatterns() {
-  return "*.jpg *.jpeg *.png *.tif *.tiff *.webp *.heic *.avif *.jp2 *.gif *.ppm";
+  return Patterns(limn::Use::Writing);
 }
 
 bool IsWritable(const QString& path) {
-  return limn::IsWritableName(Encoded(path));
+  return limn::IsName(Encoded(path), limn::Use::Writing);
 }
 
 } // namespace editor

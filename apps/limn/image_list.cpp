@@ -31,7 +31,8 @@ std::vector<fs::path> WalkFolder(const fs::path& folder, const fs::path& leftOut
     std::error_code ignored;
     if (entry->is_directory(ignored) && IsSame(entry->path(), leftOut))
       entry.disable_recursion_pending();
-    else if (entry->is_regular_file(ignored) && IsWritableName(entry->path().string()))
+    else if (entry->is_regular_file(ignored) && IsName(entry->path().string(), Use::Reading) &&
+             IsName(entry->path().string(), Use::Writing))
       files.push_back(entry->path());
     entry.increment(error);
   }

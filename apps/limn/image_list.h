@@ -25,10 +25,10 @@ struct ImageNames {
 
 // names: files and, with Folders::Walk, folders, whose tree is kept in the output. output: a file
 // with save options when there is one input file, else a folder (that need not exist yet). In a
-// folder, files with an image's extension count, in alphabetical order; links to folders are not
-// followed, and the output folder itself is left out. Throws Failure(WrongUsage), also when two
-// images would be written to one file, and Failure(BadInput) for a folder that cannot be listed and
-// when there is no image at all.
+// folder, files with the extension of a format that is read and written count, in alphabetical
+// order; links to folders are not followed, and the output folder itself is left out. Throws
+// Failure(WrongUsage), also when two images would be written to one file, and Failure(BadInput) for
+// a folder that cannot be listed and when there is no image at all.
 std::vector<ImagePair> ListImages(const ImageNames& names, const std::string& output,
                                   Folders folders);
 

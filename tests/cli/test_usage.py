@@ -68,6 +68,8 @@ class Usage(support.LimnTest):
             (["apply", "in.ppm", "-o", "out.csv"], USAGE, "extension"),
             (["apply", "in.ppm", "-o", "out.jpg[Qu=9]"], USAGE, "Qu"),
             (["apply", "in.ppm", "-o", "out.jpg[Q=900]"], USAGE, "Q"),
+            (["apply", "in.ppm", "-o", "out.tif[bitdepth=1]"], USAGE, "out.tif[bitdepth=1]: "),
+            (["apply", "in.ppm", "-o", "out.tif[miniswhite]"], USAGE, "out.tif[miniswhite]: "),
             (["apply", "in.ppm", "-o", ""], USAGE, "no name"),
             (["apply", "in.ppm", "-o", "old.ppm"], CANNOT_WRITE, "old.ppm: exists already; --force replaces it"),
             (["apply", "in.ppm", "-o", "in.ppm"], CANNOT_WRITE, "is the input itself"),
