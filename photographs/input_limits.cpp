@@ -33,6 +33,8 @@ constexpr int64_t LONGEST_TEXT = 8'000'000;
 constexpr int64_t DEFLATE_GROWTH = 1032;
 constexpr int64_t MOST_TEXT = 100'000'000;
 constexpr int MOST_CHUNKS = 10'000;
+// Of a progressive JPEG. Its writers make ten or twenty.
+constexpr int MOST_SCANS = 100;
 
 // What a PNG's chunk can fill with text.
 int64_t TextOf(const char (&type)[4], int64_t length) {
@@ -63,6 +65,70 @@ void CheckPngTexts(int descriptor, int64_t fileLength, const std::string& path) 
     if (text > MOST_TEXT || i == MOST_CHUNKS)
       throw Failure(ExitCode::BadInput, path + ": holds more text beside its pixels than is read");
     at += 12 + length;
+  }
+}
+
+// A file's bytes, read in large pieces.
+class FileBytes {
+public:
+  explicit FileBytes(int descriptor) : _descriptor(descriptor) {}
+  // -1 after the file's end.
+  int At(int64_t place) {
+    if (place < _start || place >= _start + _length)
+      _Read(place);
+    return place < _start + _length ? _bytes[place - _start] : -1;
+  }
+  // The first place from `place` on that holds `value`; -1 when none does.
+  int64_t Find(uint8_t value, int64_t place) {
+    for (; At(place) >= 0; place = _start + _length) {
+      const uint8_t* const from = _bytes + (place - _start);
+      const void* const found =
+          std::memchr(from, value, static_cast<size_t>(_start + _length - place));
+      if (found != nullptr)
+        return place + (static_cast<const uint8_t*>(found) - from);
+    }
+    return -1;
+  }
+
+private:
+  void _Read(int64_t place) {
+    const ssize_t got = Uninterrupted(
+        [&] { return pread(_descriptor, _bytes, sizeof _bytes, static_cast<off_t>(place)); });
+    _start = place;
+    _length = std::max<ssize_t>(got, 0);
+  }
+
+  int _descriptor;
+  int64_t _start = 0;
+  int64_t _length = 0;
+  uint8_t _bytes[64 << 10];
+};
+
+// Counts the segments, beside the pixels and between their scans. The decoder looks through all
+// earlier segments for each new one, and goes over the whole picture for each scan.
+void CheckJpegSegments(int descriptor, const std::string& path) {
+  constexpr int END_OF_IMAGE = 0xd9;
+  constexpr int START_OF_SCAN = 0xda;
+  FileBytes bytes(descriptor);
+  int numSegments = 0;
+  int numScans = 0;
+  for (int64_t at = bytes.Find(0xff, 2); at >= 0; at = bytes.Find(0xff, at)) {
+    const int marker = bytes.At(++at);
+    if (marker < 0 || marker == END_OF_IMAGE)
+      return;
+    if (marker == 0xff) // one that fills, before the marker
+      continue;
+    ++at;
+    if (marker <= 1 || (marker >= 0xd0 && marker < END_OF_IMAGE)) // pixels, or a mark among them
+      continue;
+    if (++numSegments > MOST_CHUNKS)
+      throw Failure(ExitCode::BadInput, path + ": holds more than " + std::to_string(MOST_CHUNKS) +
+                                            " segments, as no photograph does");
+    if (marker == START_OF_SCAN && ++numScans > MOST_SCANS)
+      throw Failure(ExitCode::BadInput, path + ": holds its pixels in more than " +
+                                            std::to_string(MOST_SCANS) +
+                                            " scans, as no photograph does");
+    at += std::max(2, bytes.At(at) << 8 | bytes.At(at + 1));
   }
 }
 
@@ -138,6 +204,8 @@ void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
   if (pread(descriptor, start, sizeof start, 0) == sizeof start &&
       std::memcmp(start, "\x89PNG", sizeof start) == 0)
     CheckPngTexts(descriptor, status.st_size, path);
+  if (std::memcmp(start, "\xff\xd8", 2) == 0)
+    CheckJpegSegments(descriptor, path);
   CheckTiffValues(descriptor, path);
 }
 

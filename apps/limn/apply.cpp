@@ -192,6 +192,7 @@ ExitCode Apply(const ApplyOptions& options) {
   WorkerPool pool;
   pool.numJobs = plan.pairs.size();
   pool.numWorkers = numWorkers;
+  pool.maxSeconds = options.maxSeconds;
   pool.work = [&](size_t job, const JobChannel& channel) {
     return Work(plan, tools, job, channel);
   };

@@ -22,8 +22,9 @@ struct ApplyOptions {
   std::string area; // "X,Y,W,H", or empty
   std::string mask;
   std::vector<std::string> channels;
-  uint64_t maxPixels = 0; // 0: the usual limits
-  int jobs = 0;           // 0: as many as there are processors
+  uint64_t maxPixels = 0;  // 0: the usual limits
+  unsigned maxSeconds = 0; // for one image; 0: any number
+  int jobs = 0;            // 0: as many as there are processors
   bool isThroughPlugin = false;
   bool force = false;
   bool quiet = false;

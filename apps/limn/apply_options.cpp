@@ -107,6 +107,12 @@ void AddRunning(CLI::App& apply, ApplyOptions& options) {
       ->type_name("N")
       ->check(CLI::Range(1, 256));
   AddMaxPixels(apply, options.maxPixels);
+  apply
+      .add_option("--max-seconds", options.maxSeconds,
+                  "Give an image up that takes longer, which may be made\nto take for ever "
+                  "(default: no limit)")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1000000));
   apply.add_flag("--through-plugin", options.isThroughPlugin,
                  "Have the plug-in light the whole image in memory, as the\neditor does; the "
                  "result is the same");

@@ -16,6 +16,7 @@ class Batch(support.LimnTest):
             picture = support.smooth(20, 16, at=9 * index)
             {".ppm": support.write_pnm, ".png": support.write_png, ".tif": support.write_tiff}[name[-4:]](name, picture)
         support.put("in/notes.txt", "not an image")
+        support.put("in/scan.jp2", "of a format that is only written")
         os.symlink("..", "in/deep/loop")
         return ["a.ppm", "deep/c.tif", "deep/er/b.png", "é ü.ppm"]
 
@@ -50,6 +51,10 @@ class Batch(support.LimnTest):
         support.put("out/taken.ppm", "old")
         images = [*good[:2], "bad.png", "crash.ppm", *good[2:4], "taken.ppm", "absent.ppm", *good[4:]]
         codes = {"bad.png": 3, "crash.ppm": 6, "taken.ppm": 4, "absent.ppm": 3}
+        support.write_pnm("hangs.ppm", support.smooth(4, 4))
+        self.limn("apply", "--through-plugin", "hangs.ppm", good[0], "-o", "timed/", "--max-seconds", 3, "-j", 2, code=3,
+                  says="hangs.ppm: takes longer than the 3 s", env={"LIMN_PLUGIN": support.MISBEHAVING_MODULE})
+        self.assertEqual(os.listdir("timed"), [good[0]])
         for jobs in [1, 4]:
             with self.subTest(jobs=jobs):
                 answer = self.limn("apply", "--through-plugin", *images, "-o", "out/", "--jobs", jobs, "--json", code=6,

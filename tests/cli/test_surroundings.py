@@ -3,6 +3,7 @@
 import json
 import os
 import random
+import resource
 import struct
 import subprocess
 import sys
@@ -78,6 +79,7 @@ def bombs():
     channels = ((277, 3, 1, 900), (259, 3, 1, 8))
     yield "900 channels", "channels.tif", tiff(4000, 4000, *channels)
     yield "as no photograph is", "fits.tif", tiff(4000, 1000, *channels)
+    yield "segments", "markers.jpg", b"\xff\xd8" + b"\xff\xed\0\2" * 200000 + b"\xff\xd9"
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
 
 
@@ -113,6 +115,11 @@ class Surroundings(support.LimnTest):
             sparse(name, 3 << 30, start)
             self.measured("apply", name, "-o", "out.png", code=BAD_INPUT, says="is longer than")
         support.write_pnm("s.ppm", support.smooth(160, 120))
+        support.vips("copy", "s.ppm", "scans.jpg[interlace]")
+        with open("scans.jpg", "rb") as file:
+            content = file.read()[:-2]
+        put("scans.jpg", content, content[content.rindex(b"\xff\xda") :] * 500, b"\xff\xd9")
+        self.measured("apply", "scans.jpg", "-o", "out.png", code=BAD_INPUT, says="scans", cpu=2)
         for kind, options, mark in [("jpg", "[interlace]", b"\xff\xc2"), ("heic", "", b"ispe"), ("avif", "", b"ispe")]:
             for side in [14000, 30000]:
                 support.vips("copy", "s.ppm", "s." + kind + options)
@@ -212,6 +219,12 @@ class Surroundings(support.LimnTest):
                                 timeout=120, env={**os.environ, "XDG_DATA_HOME": os.path.abspath("disk")})
         return answer.stdout.splitlines(), answer.stdout + answer.stderr
 
+    def test_limit_on_files(self):
+        support.write_pnm("in.ppm", support.pattern(200, 200, 3))
+        for kind in ["png", "jpg", "tif", "ppm"]:
+            self.limn("apply", "in.ppm", "-o", "out." + kind, code=CANNOT_WRITE, says=f"out.{kind}: file too large",
+                      preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000, 5000)))
+
     def test_full_and_read_only_disks(self):
         support.write_pnm("in.ppm", support.pattern(200, 200, 3))
         names = len(self.limn("styles").stdout.splitlines())
@@ -235,6 +248,8 @@ class Surroundings(support.LimnTest):
         small = [line for line in said[:7] if line not in ("code 4", "code 0")]
         self.assertFalse(small, told)
         self.assertIn("code 4", said[:6], told)
+        for kind in ["tif", "ppm"]:
+            self.assertIn(f"disk/out.{kind}: no space left on device", told)
         self.assertTrue(said[6] == "code 4", told)
         self.assertIn("old old", said, told)
         self.assertIn("hidden 0", said, told)

@@ -185,6 +185,9 @@ private:
     if (WIFEXITED(status) && WEXITSTATUS(status) == static_cast<int>(ExitCode::NoMemory)) {
       code = ExitCode::NoMemory;
       sentence = "not enough memory";
+    } else if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM) {
+      code = ExitCode::BadInput;
+      sentence = "takes longer than the " + std::to_string(_pool.maxSeconds) + " s that it may";
     } else if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) {
       code = ExitCode::NoMemory;
       sentence = "its process was killed, as happens when memory runs out";

@@ -42,6 +42,8 @@ private:
 struct WorkerPool {
   size_t numJobs = 0;
   int numWorkers = 1; // or as many as the system lets run
+  // After which a job's process is ended, and the job has failed with BadInput. 0: never.
+  unsigned maxSeconds = 0;
   // In the process. What it throws is the job's failure, as CaughtFailure has it.
   std::function<JobDone(size_t job, const JobChannel& channel)> work;
   // In the calling process, as news arrive.

@@ -20,6 +20,7 @@ void TakeWorkerSignals(pid_t parent) {
   std::signal(SIGHUP, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes is a failed write like any other
   std::signal(SIGTERM, RemoveTemporaryAndLeave);
+  std::signal(SIGALRM, SIG_DFL); // whatever the caller ignores
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -33,6 +34,7 @@ JobMessage DoJob(const WorkerPool& pool, size_t job, int socket) {
   result.kind = JobMessage::Kind::Result;
   result.job = job;
   const auto start = Clock::now();
+  alarm(pool.maxSeconds); // ends this process
   try {
     result.done = pool.work(job, JobChannel(socket));
     result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
@@ -41,6 +43,7 @@ JobMessage DoJob(const WorkerPool& pool, size_t job, int socket) {
     result.code = failure.Code();
     result.SetText(failure.what());
   }
+  alarm(0);
   return result;
 }
 
