@@ -126,6 +126,7 @@ AtomicFile::AtomicFile(std::string target, Existing existing)
   }
   if (_file.Number() < 0) {
     const int error = errno;
+    unlink(_temporary.c_str()); // where it was made and could not be held
     temporaryInProgress[0] = '\0';
     Fail(_target, error);
   }

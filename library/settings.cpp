@@ -1,6 +1,7 @@
 #include "settings.h"
 
 #include "guard.h"
+#include "small_file.h"
 
 #include "LM_gallery.h"
 #include "LM_style_bytes.h"

@@ -6,6 +6,7 @@
 
 #include "LM_gallery.h"
 #include "LM_style_codec.h"
+#include "LM_style_place.h"
 #include "MacFiles.h"
 
 namespace {
