@@ -3,9 +3,9 @@
 
 #include "limn.h"
 
+#include "LM_floating_point.h"
 #include "failure.h"
 
-#include <cfenv>
 #include <new>
 #include <string>
 
@@ -14,29 +14,14 @@ namespace limn {
 // Ends a call of the library with this code and sentence.
 using CallFailure = CodedFailure<limn_result>;
 
-// Fills the caller's error, cut between characters where it is full. error: may be null.
+// Fills the caller's error: bytes that are not UTF-8 become U+FFFD, and it is cut between
+// characters where it is full. error: may be null.
 void Report(limn_error* error, limn_result code, const char* text) noexcept;
-
-// Floating point as the arithmetic is defined on, whatever the calling program has set: rounded to
-// nearest, with subnormal numbers. Ends with the caller's own.
-class FloatingPoint {
-public:
-  FloatingPoint() {
-    std::fegetenv(&_callers);
-    std::fesetenv(FE_DFL_ENV);
-  }
-  ~FloatingPoint() { std::fesetenv(&_callers); }
-  FloatingPoint(const FloatingPoint&) = delete;
-  FloatingPoint& operator=(const FloatingPoint&) = delete;
-
-private:
-  std::fenv_t _callers;
-};
 
 // Runs `work` and turns what it throws into the call's error.
 template <class Work> limn_result Guard(limn_error* error, Work work) noexcept {
   try {
-    const FloatingPoint floatingPoint;
+    const LM_floating_point floatingPoint;
     work();
     Report(error, LIMN_OK, "");
     return LIMN_OK;

@@ -6,6 +6,7 @@
 #include "lit_image.h"
 #include "small_file.h"
 
+#include "LM_floating_point.h"
 #include "LM_gallery.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
@@ -102,6 +103,7 @@ vips::VImage Lit(const Operation& operation) {
 }
 
 int Build(VipsObject* object) {
+  const LM_floating_point floatingPoint;
   if (VIPS_OBJECT_CLASS(limn_operation_parent_class)->build(object) != 0)
     return -1;
   // libvips is C: no exception may pass.

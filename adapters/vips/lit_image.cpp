@@ -1,6 +1,7 @@
 #include "lit_image.h"
 
 #include "CVMix.h"
+#include "LM_floating_point.h"
 #include "LM_parameters.h"
 #include "LM_render.h"
 #include "LM_style_settings.h"
@@ -140,6 +141,7 @@ int Light(VipsRegion* output, void* sequence, void*, void* shared, gboolean*) {
   views.output = ViewOf<uint8_t>(output, 0);
   if (lighting.reliefImage >= 0)
     views.relief = ViewOf<const uint8_t>(worker.regions[lighting.reliefImage], lighting.reliefBand);
+  const LM_floating_point floatingPoint;
   const LM_render_result result = LM_RenderRect(lighting.job, views, part, *worker.scratch);
   if (result != LM_render_result::Done) {
     vips_error("limn", "%s", LM_RenderMessage(result));

@@ -5,6 +5,7 @@
 #include "MacMemory.h"
 #include "ScriptedHost.h"
 
+#include <cfenv>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -140,6 +141,23 @@ TEST_F(HostContract, RunsRepeatExactly) {
   EXPECT_EQ(TB_BlocksInUse(), blocks) << "a second start leaks";
   ASSERT_EQ(host.Walk(), CV_RESULT_OK);
   EXPECT_EQ(host.out, first);
+}
+
+// Some programs round upwards; the plug-in does not, and leaves them as they are.
+TEST_F(HostContract, RunsHaveTheirOwnFloatingPoint) {
+  for (const bool relief : {false, true}) {
+    ScriptedHost host(140, 70);
+    host.KeepParameters(OneLight(relief));
+    ASSERT_EQ(host.Run(), CV_RESULT_OK);
+    const std::vector<uint8_t> expected = host.out;
+    std::fesetround(FE_UPWARD);
+    const int16_t result = host.Run();
+    const int rounding = std::fegetround();
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ(result, CV_RESULT_OK);
+    EXPECT_EQ(rounding, FE_UPWARD);
+    EXPECT_TRUE(host.out == expected) << (relief ? "in relief" : "flat");
+  }
 }
 
 // At the far end of 16-bit coordinates margins cannot be asked for in full.
