@@ -1,29 +1,26 @@
 #include "guard.h"
 
-#include <algorithm>
-#include <cstring>
+#include "MacStrings.h"
+#include "TB_Text.h"
+
+#include <string_view>
 
 namespace limn {
-namespace {
-
-// How much of the text fits without splitting a character of UTF-8.
-size_t FittingLength(const char* text, size_t length, size_t room) {
-  if (length <= room)
-    return length;
-  size_t end = room;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-    --end;
-  return end;
-}
-
-} // namespace
 
 void Report(limn_error* error, limn_result code, const char* text) noexcept {
   if (error == nullptr)
     return;
   error->code = code;
-  const size_t length = FittingLength(text, std::strlen(text), sizeof error->text - 1);
-  std::memcpy(error->text, text, length);
+  size_t length = 0;
+  for (std::string_view rest = text; !rest.empty();) {
+    const TB_Character next = TB_FirstCharacter(rest);
+    const std::string_view shown =
+        next.code < TB_STRAY_BYTE ? rest.substr(0, next.length) : "\uFFFD";
+    if (length + shown.size() >= sizeof error->text)
+      break;
+    length += shown.copy(error->text + length, shown.size());
+    rest.remove_prefix(next.length);
+  }
   error->text[length] = '\0';
 }
 
@@ -34,9 +31,7 @@ void NeedPointer(const void* pointer, const char* name) {
 
 size_t CopyText(const std::string& text, char* buffer, size_t room) noexcept {
   if (buffer != nullptr && room > 0) {
-    const size_t length = FittingLength(text.data(), text.size(), room - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
+    buffer[TB_CutUTF8(text, room - 1).copy(buffer, room - 1)] = '\0';
   }
   return text.size();
 }

@@ -2,44 +2,21 @@
 
 #include "posix_file.h"
 
-#include <algorithm>
-#include <cstdint>
+#include "TB_Text.h"
+
 #include <cstdio>
 #include <poll.h>
 #include <unistd.h>
 
 namespace limn {
-namespace {
-
-// Length of the UTF-8 character at the start of `text`, or 0 when there is none that may be
-// printed.
-size_t CharacterLength(std::string_view text) {
-  const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
-  const uint8_t first = byte(0);
-  if (first < 0x80)
-    return first < 0x20 || first == 0x7f ? 0 : 1;
-  const size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-  if (first < 0xc2 || first > 0xf4 || text.size() < length)
-    return 0;
-  for (size_t i = 1; i < length; ++i)
-    if ((byte(i) & 0xc0) != 0x80)
-      return 0;
-  // Longer than need be, half of a pair, or beyond the last character.
-  if ((first == 0xe0 && byte(1) < 0xa0) || (first == 0xed && byte(1) >= 0xa0) ||
-      (first == 0xf0 && byte(1) < 0x90) || (first == 0xf4 && byte(1) >= 0x90))
-    return 0;
-  // The control characters above ASCII.
-  return first == 0xc2 && byte(1) < 0xa0 ? 0 : length;
-}
-
-} // namespace
-
 std::string Printable(std::string_view text) {
   std::string printable;
   while (!text.empty()) {
-    const size_t length = CharacterLength(text);
-    printable += length == 0 ? std::string_view("?") : text.substr(0, length);
-    text.remove_prefix(std::max<size_t>(length, 1));
+    const TB_Character next = TB_FirstCharacter(text);
+    const bool controls = next.code < 0x20 || (next.code >= 0x7f && next.code < 0xa0);
+    printable += controls || next.code >= TB_STRAY_BYTE ? std::string_view("?")
+                                                        : text.substr(0, next.length);
+    text.remove_prefix(next.length);
   }
   return printable;
 }

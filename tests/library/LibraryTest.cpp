@@ -237,6 +237,19 @@ TEST(Library, SaysWhatIsWrongWithAStyle) {
     longName += "ö";
   EXPECT_EQ(limn_settings_load(longName.c_str(), &error), nullptr);
   EXPECT_EQ(std::string(error.text), longName.substr(0, 506));
+  // Whatever bytes the caller hands over, the sentence can be decoded.
+  const std::pair<const char*, const char*> damaged[] = {
+      {"/nowhere/\xFF!", "/nowhere/\uFFFD!"},
+      {"\xC3\xA9\xE2\x82", "\u00E9\uFFFD\uFFFD"},
+      {"\xED\xA0\x80 \xC0\xAF", "\uFFFD\uFFFD\uFFFD \uFFFD\uFFFD"}};
+  for (const auto& [name, shown] : damaged) {
+    EXPECT_EQ(limn_settings_load(name, &error), nullptr);
+    EXPECT_EQ(std::string(error.text), std::string(shown) + ": no such file or directory");
+    EXPECT_EQ(limn_settings_set(MakeSettings().get(), name, "1", &error), LIMN_BAD_ARGUMENT);
+    EXPECT_EQ(std::string(error.text), std::string(shown) + ": there is no such setting");
+  }
+  EXPECT_EQ(limn_settings_load(std::string(600, '\xFF').c_str(), &error), nullptr);
+  EXPECT_EQ(std::string(error.text).size(), 3U * 169);
 }
 
 TEST(Library, SetsFieldsAndTellsThem) {

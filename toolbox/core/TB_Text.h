@@ -1,9 +1,11 @@
-// Decoding of UTF-8 that may be damaged. Private to the toolbox.
+// Decoding of UTF-8 that may be damaged.
 #ifndef TB_TEXT_H
 #define TB_TEXT_H
 
 #include <cstddef>
 #include <string_view>
+
+#include "MacTypes.h"
 
 // Decoded in place of a byte that is no part of a character: this plus the byte.
 constexpr char32_t TB_STRAY_BYTE = 0x110000;
@@ -14,6 +16,6 @@ struct TB_Character {
 };
 
 // The character at the start of text.
-TB_Character TB_FirstCharacter(std::string_view text);
+TB_EXPORT TB_Character TB_FirstCharacter(std::string_view text);
 
 #endif
