@@ -10,11 +10,12 @@
 #include <stdlib.h>
 #include <string.h>
 
-enum { STYLE = 0, FIRST_SLIDER = 1, PARAMETERS = FIRST_SLIDER + STYLE_SLIDERS };
+enum { STYLE = 0, FIRST_SLIDER = 1, AREA = FIRST_SLIDER + STYLE_SLIDERS, PARAMETERS };
 
 typedef struct Filter {
   unsigned int width, height;
   char* style;                  /* a file, or the name of a bundled style; never null */
+  char* area;                   /* "WIDTHxHEIGHT", or "" for all of it; never null */
   double slider[STYLE_SLIDERS]; /* as of StyleSliderValue */
   limn_lighting* lighting;      /* null: not prepared, or it cannot be */
   int isPrepared;               /* whether `lighting` is that of the parameters */
@@ -42,6 +43,13 @@ static char* CopyOf(const char* text) {
   return copy;
 }
 
+/* Hosts that pad their rows have a picture that is wider than what they show: a light's place goes
+ * by the width, so the filter has to know the part. False when the text is none. */
+static int ReadArea(const char* text, limn_area* area) {
+  char more;
+  return text[0] == '\0' || sscanf(text, "%9dx%9d%c", &area->width, &area->height, &more) == 2;
+}
+
 static limn_picture PictureOf(const Filter* filter) {
   limn_picture picture;
   memset(&picture, 0, sizeof picture);
@@ -49,12 +57,15 @@ static limn_picture PictureOf(const Filter* filter) {
   picture.width = filter->width <= INT32_MAX ? (int32_t)filter->width : INT32_MAX;
   picture.height = filter->height <= INT32_MAX ? (int32_t)filter->height : INT32_MAX;
   picture.channels = 4;
+  ReadArea(filter->area, &picture.area);
   return picture;
 }
 
 static void Prepare(Filter* filter) {
-  limn_error error;
-  limn_settings* settings = LoadStyle(filter->style, filter->slider, &error);
+  limn_error error = {LIMN_BAD_ARGUMENT, "area: it is not WIDTHxHEIGHT"};
+  limn_area area;
+  limn_settings* settings =
+      ReadArea(filter->area, &area) ? LoadStyle(filter->style, filter->slider, &error) : NULL;
   filter->isPrepared = 1;
   if (settings != NULL) {
     const limn_picture picture = PictureOf(filter);
@@ -92,6 +103,10 @@ void f0r_get_param_info(f0r_param_info_t* info, int index) {
     info->name = STYLE_SLIDER[index - FIRST_SLIDER].name;
     info->type = F0R_PARAM_DOUBLE;
     info->explanation = STYLE_SLIDER[index - FIRST_SLIDER].explanation;
+  } else if (index == AREA) {
+    info->name = "area";
+    info->type = F0R_PARAM_STRING;
+    info->explanation = "The picture's size, WIDTHxHEIGHT, where the frame is padded";
   }
 }
 
@@ -102,13 +117,13 @@ f0r_instance_t f0r_construct(unsigned int width, unsigned int height) {
   filter->width = width;
   filter->height = height;
   filter->style = CopyOf(STYLE_DEFAULT);
+  filter->area = CopyOf("");
   for (int i = 0; i < STYLE_SLIDERS; ++i)
     filter->slider[i] = STYLE_SLIDER_DEFAULT;
-  if (filter->style == NULL) {
-    free(filter);
-    return NULL;
-  }
-  return filter;
+  if (filter->style != NULL && filter->area != NULL)
+    return filter;
+  f0r_destruct(filter);
+  return NULL;
 }
 
 void f0r_destruct(f0r_instance_t instance) {
@@ -117,7 +132,13 @@ void f0r_destruct(f0r_instance_t instance) {
     return;
   Forget(filter);
   free(filter->style);
+  free(filter->area);
   free(filter);
+}
+
+/* The filter's text of that number, or null. */
+static char** TextOf(Filter* filter, int index) {
+  return index == STYLE ? &filter->style : index == AREA ? &filter->area : NULL;
 }
 
 /* Hosts set every parameter again for every frame: only a new value is a change. */
@@ -125,13 +146,14 @@ void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index) 
   Filter* filter = instance;
   if (filter == NULL || param == NULL)
     return;
-  if (index == STYLE) {
-    const char* style = *(const f0r_param_string*)param;
+  char** text = TextOf(filter, index);
+  if (text != NULL) {
+    const char* given = *(const f0r_param_string*)param;
     char* copy;
-    if (style == NULL || strcmp(style, filter->style) == 0 || (copy = CopyOf(style)) == NULL)
+    if (given == NULL || strcmp(given, *text) == 0 || (copy = CopyOf(given)) == NULL)
       return;
-    free(filter->style);
-    filter->style = copy;
+    free(*text);
+    *text = copy;
     Forget(filter);
   } else if (index >= FIRST_SLIDER && index < PARAMETERS) {
     const double value = StyleSliderValue(*(const f0r_param_double*)param);
@@ -147,8 +169,9 @@ void f0r_get_param_value(f0r_instance_t instance, f0r_param_t param, int index) 
   Filter* filter = instance;
   if (filter == NULL || param == NULL)
     return;
-  if (index == STYLE)
-    *(f0r_param_string*)param = filter->style;
+  char** text = TextOf(filter, index);
+  if (text != NULL)
+    *(f0r_param_string*)param = *text;
   else if (index >= FIRST_SLIDER && index < PARAMETERS)
     *(f0r_param_double*)param = filter->slider[index - FIRST_SLIDER];
 }
