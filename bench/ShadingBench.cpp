@@ -135,7 +135,7 @@ public:
     LM_PrepareRender(*params, {0, 0, ROWS, COLUMNS}, COLUMNS, ROWS, kernels, _job);
   }
   void Light() {
-    const CVRect32 all = {0, 0, ROWS, COLUMNS};
+    const LM_rect all = {0, 0, ROWS, COLUMNS};
     const LM_source_view heights = {_relief ? _heights.data() : nullptr, COLUMNS, 1, all};
     LM_RenderRect(
         _job, {{_image.data(), COLUMNS * 3, 3, all}, {_out.data(), COLUMNS * 3, 3, all}, heights},

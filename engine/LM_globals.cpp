@@ -104,16 +104,10 @@ int16_t LM_globals::CopySettingsFrom(const LM_globals& other) {
 }
 
 void LM_globals::ConvertToParameters(foo* params, LM_bool preview) const {
-  params->gloss = gloss;
-  params->material = material;
-  params->exposure = exposure;
   const uint16_t pixelsPerUnit = static_cast<uint16_t>(frameCenterX - frameOriginX);
-  params->worldScale = static_cast<float>(previewWidth) / static_cast<float>(pixelsPerUnit);
-  const int32_t height = 2 * bumpAmplitude;
-  params->bumpHeight = whiteIsHigh == 0 ? -height : height;
-  params->bumpChannel = bumpChannel;
-  for (int plane = 0; plane < LM_PLANES; ++plane)
-    params->ambient.component[plane] = ambientColor.component[plane] * ambientBrightness / 64;
+  LM_ConvertSurface({ambientColor, ambientBrightness, gloss, material, exposure, bumpChannel,
+                     bumpAmplitude, whiteIsHigh != 0, previewWidth, pixelsPerUnit},
+                    params);
   uint16_t count = 0;
   for (int i = 0; i < std::min<int>(numLights, LM_MAX_LIGHTS); ++i) {
     if (lights[i].on == 1)

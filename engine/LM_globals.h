@@ -7,6 +7,7 @@
 #include "LM_bumps.h"
 #include "LM_light_UI.h"
 #include "LM_parameters.h"
+#include "LM_sample_rows.h"
 
 struct GrafPort;
 class LM_style_istream;
@@ -21,25 +22,6 @@ enum LM_preview_map {
 };
 
 constexpr int LM_ELLIPSE_STEPS = 40;
-
-// Rows that the shaders work in when there are no caches.
-struct LM_scratch_rows {
-  LM_vector2f positions[LM_MAX_RUN];
-  LM_vector3f normals[LM_MAX_RUN];
-  struct {
-    LM_color96 diffuseSums[LM_MAX_RUN];
-    LM_color96 specularSums[LM_MAX_RUN];
-    int32_t combined[LM_PLANES * LM_MAX_RUN];
-  } sums;
-  int32_t weights[LM_MAX_RUN + LM_MAX_RELIEF_PIXELS]; // a 0 behind each pixel's run
-  struct {
-    uint8_t base[LM_PLANES * LM_MAX_RUN];
-    uint8_t shaded[LM_PLANES * LM_MAX_RUN];
-  } colors;
-};
-static_assert(sizeof(LM_scratch_rows::positions) == 8192 &&
-              sizeof(LM_scratch_rows::normals) == 12288 && sizeof(LM_scratch_rows::sums) == 45056 &&
-              sizeof(LM_scratch_rows::weights) == 5120 && sizeof(LM_scratch_rows::colors) == 6144);
 
 // One shading cache of the preview: a buffer that LM_globals owns, or null, and whether it holds
 // valid results.

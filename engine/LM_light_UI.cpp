@@ -26,6 +26,31 @@ void FreeCache(LM_color96*& cache, LM_bool& hot) {
 
 } // namespace
 
+LM_light_figure LM_light_UI::Figure() const {
+  const auto floats = [](const LM_vectori2& vector) {
+    return LM_vector2f{static_cast<float>(vector.h), static_cast<float>(vector.v)};
+  };
+  return {type,  floats(center), floats(handle1), floats(handle2), static_cast<float>(radius),
+          color, intensity,      spread};
+}
+
+void LM_light_UI::ConvertToRealLight(LM_light* out, unsigned short scale,
+                                     LM_bool forPreview) const {
+  LM_ConvertLight(Figure(), static_cast<float>(scale), forPreview, out);
+  out->diffuseCache = diffuseCache;
+  out->diffuseCacheHot = diffuseCacheHot;
+  out->specularCache = specularCache;
+  out->specularCacheHot = specularCacheHot;
+}
+
+void LM_light_UI::_ConvertSpotLight(LM_light* out, float scale, LM_bool forPreview) const {
+  LM_ConvertSpotLight(Figure(), scale, forPreview, out);
+}
+
+void LM_light_UI::_BuildSpreadTable(LM_light* out, LM_bool forPreview) const {
+  LM_BuildSpreadTable(spread, forPreview, out);
+}
+
 void LM_light_UI::Validate() {
   if (type != LM_LIGHT_SPOT)
     return;

@@ -2,7 +2,8 @@
 #ifndef LM_LIGHT_UI_H
 #define LM_LIGHT_UI_H
 
-#include "LM_light.h"
+#include "LM_light_figure.h"
+#include "LM_types.h"
 #include "LM_vectori2.h"
 
 class LM_globals;
@@ -12,9 +13,6 @@ struct PixPat;
 
 // Rectangle with 32-bit sides, in pixels of the preview.
 using VRect = CVRect32;
-
-// The angle of (x, y) in radians. (0, 0) has the angle of straight up.
-double LM_ATan2(double y, double x);
 
 // Sixteen of them live in LM_globals. Lengths are preview pixels; every change of a field is
 // followed by InvalidateCaches.
@@ -37,9 +35,14 @@ public:
   LM_color96* specularCache;
   LM_bool specularCacheHot;
 
+  // The same light without its place in the dialog and its caches.
+  LM_light_figure Figure() const;
   // Fills *out. scale: preview pixels per shading unit. forPreview 1 builds the short falloff
   // table.
   void ConvertToRealLight(LM_light* out, unsigned short scale, LM_bool forPreview) const;
+  // Its steps for a spot alone.
+  void _ConvertSpotLight(LM_light* out, float scale, LM_bool forPreview) const;
+  void _BuildSpreadTable(LM_light* out, LM_bool forPreview) const;
   // After an edit of a spot: makes the second axis perpendicular to the first and no longer than
   // it.
   void Validate();
@@ -79,9 +82,6 @@ public:
 private:
   void _ReshapeSpot(const LM_vectori2& dragged, short handleCode, const LM_vectori2& startHandle1,
                     const LM_vectori2& startHandle2);
-  void _ConvertDirectionalLight(LM_light* out) const;
-  void _ConvertSpotLight(LM_light* out, float scale, LM_bool forPreview) const;
-  void _BuildSpreadTable(LM_light* out, LM_bool forPreview) const;
 
   void _DrawDirectional(LM_bool withGrabHandles);
   void _DrawOmni(LM_bool withGrabHandles);

@@ -1,43 +1,10 @@
-// The shading parameter block: all that a real run needs of the settings.
+// Where the plug-in's parameter block lives: in a handle that the host keeps in `savedParams`
+// between the runs of one host session.
 #ifndef LM_PARAMETERS_H
 #define LM_PARAMETERS_H
 
-#include <cstddef>
-
-#include "LM_light.h"
-
-constexpr int32_t LM_PARAMS_MAGIC = 0x05BF44FD;
-constexpr int32_t LM_PARAMS_VERSION = 1;
-
-// Kept by the host in the `savedParams` handle between runs of one host session, in this machine's
-// own layout. Made by LM_NewParameters, filled by LM_globals::ConvertToParameters.
-struct foo {
-  int32_t magic;
-  int32_t version;
-  int16_t reserved;
-  int16_t gloss;
-  int16_t
-      material; // below 1: white highlights; above 255: coloured by the surface; between: a blend
-  int16_t exposure;   // final gain
-  LM_color96 ambient; // ambient colour times ambience over 64
-  float worldScale;   // shading units across the filter rectangle
-  uint16_t numLights;
-  LM_light lights[LM_MAX_LIGHTS]; // the switched-on lights, packed from 0
-  int16_t bumpChannel;            // 1-based, 0 for none
-  int32_t bumpHeight;             // twice the amplitude, negative when black is high
-};
-
-#if UINTPTR_MAX == 0xffffffffu
-static_assert(offsetof(foo, gloss) == 10 && offsetof(foo, material) == 12 &&
-              offsetof(foo, exposure) == 14);
-static_assert(offsetof(foo, ambient) == 16 && offsetof(foo, worldScale) == 32);
-static_assert(offsetof(foo, numLights) == 36 && offsetof(foo, lights) == 40);
-static_assert(offsetof(foo, bumpChannel) == 66728 && offsetof(foo, bumpHeight) == 66732);
-static_assert(sizeof(foo) == 66736);
-#endif
-
-// Clears a block and writes its header.
-void LM_InitParameters(foo* params);
+#include "LM_block.h"
+#include "LM_types.h"
 
 // A new handle with a cleared block and its header, or null when memory is short. Owned by the
 // caller.
@@ -46,13 +13,5 @@ CVHandle LM_NewParameters();
 // The block in the record's savedParams, or null when there is none, or one that this program
 // cannot have made. Valid while the handle is.
 foo* LM_Parameters(const FilterRecord* record);
-
-// Lights in the block, never more than it holds.
-inline int LM_LightCount(const foo* params) {
-  return params->numLights < LM_MAX_LIGHTS ? params->numLights : LM_MAX_LIGHTS;
-}
-
-// Forgets the cache pointers of all lights: they belong to a preview, and a kept block outlives it.
-void LM_DetachParameterCaches(foo* params);
 
 #endif

@@ -1,4 +1,5 @@
 // The flat tile driver.
+#include "LM_delivered_tile.h"
 #include "LM_host_services.h"
 #include "LM_light_sums.h"
 #include "LM_shader.h"
@@ -39,7 +40,7 @@ void LM_ShadeTile(FilterRecord* record, LM_globals* globals) {
   foo* params = LM_Parameters(record);
   if (tile.rows == 0 || params == nullptr)
     return;
-  const LM_sample_grid grid(record, params);
+  const LM_sample_grid grid(LM_RectOf(record->filterArea), LM_RectOf(record->inTileRect), params);
   FlatRows rows(*globals);
   // Only a preview keeps its sums: a run without caches stays with the plain shader.
   const LM_vector_sums vectors(params, true, rows.keepSums ? LM_BestKernels() : nullptr);

@@ -2,7 +2,8 @@
 // samples.
 #include <algorithm>
 
-#include "LM_bump_rows.h"
+#include "LM_delivered_tile.h"
+#include "LM_facets.h"
 #include "LM_host_services.h"
 #include "LM_light_sums.h"
 #include "LM_shader.h"
@@ -119,7 +120,7 @@ private:
 template <class Rows>
 void ShadeRows(FilterRecord* record, const LM_tile_size& tile, foo* params, LM_globals* globals,
                Rows& rows) {
-  const LM_sample_grid grid(record, params);
+  const LM_sample_grid grid(LM_RectOf(record->filterArea), LM_RectOf(record->inTileRect), params);
   const uint32_t columns = static_cast<uint32_t>(tile.columns);
   // As delivered, whatever the host does while it is asked about a cancel.
   const FilterRecord delivered = *record;

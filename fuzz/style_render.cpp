@@ -33,7 +33,7 @@ const Picture& Source() {
 Picture Light(const foo& params, const LM_kernels* kernels, LM_render_scratch& scratch) {
   static LM_render_job job;
   Picture lit = Source();
-  constexpr CVRect32 ALL = {0, 0, HEIGHT, WIDTH};
+  constexpr LM_rect ALL = {0, 0, HEIGHT, WIDTH};
   const LM_source_view source = {Source().bytes, WIDTH * PIXEL, PIXEL, ALL};
   LM_source_view heights = {Source().bytes + 3, WIDTH * PIXEL, PIXEL, ALL};
   if (params.bumpChannel == 0)

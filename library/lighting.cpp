@@ -27,17 +27,15 @@ std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn
   if (style.lightsRead == 0)
     throw CallFailure{LIMN_BAD_STYLE, "the style holds no light"};
   const auto params = std::make_unique<foo>();
-  const CVRect32& area = format.area;
+  const LM_rect& area = format.area;
   if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top,
                               format.channels, params.get()))
     throw std::bad_alloc();
   auto lighting = std::make_unique<limn_lighting>();
   lighting->format = format;
   lighting->ownRelief = params->bumpChannel;
-  const CVRect narrow = {static_cast<int16_t>(area.top), static_cast<int16_t>(area.left),
-                         static_cast<int16_t>(area.bottom), static_cast<int16_t>(area.right)};
   // The area was checked, so that there can be but one reason.
-  if (LM_PrepareRender(*params, narrow, format.width, format.height, LM_BestKernels(),
+  if (LM_PrepareRender(*params, area, format.width, format.height, LM_BestKernels(),
                        lighting->job) != LM_render_result::Done)
     throw std::bad_alloc();
   return lighting;
@@ -45,11 +43,11 @@ std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn
 
 // The relief that the area needs, moved to where no output is written. The view leads there.
 std::unique_ptr<uint8_t[]> CopyRelief(const Format& format, LM_source_view& relief) {
-  const CVRect32& area = format.area;
-  const CVRect32 rect = {std::max(area.top - LM_RELIEF_REACH, 0),
-                         std::max(area.left - LM_RELIEF_REACH, 0),
-                         std::min(area.bottom + LM_RELIEF_REACH, format.height),
-                         std::min(area.right + LM_RELIEF_REACH, format.width)};
+  const LM_rect& area = format.area;
+  const LM_rect rect = {std::max(area.top - LM_RELIEF_REACH, 0),
+                        std::max(area.left - LM_RELIEF_REACH, 0),
+                        std::min(area.bottom + LM_RELIEF_REACH, format.height),
+                        std::min(area.right + LM_RELIEF_REACH, format.width)};
   const size_t width = static_cast<size_t>(rect.right - rect.left);
   std::unique_ptr<uint8_t[]> copy(new uint8_t[width * static_cast<size_t>(rect.bottom - rect.top)]);
   uint8_t* out = copy.get();
@@ -78,7 +76,7 @@ void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_
   if (pixels.reliefIsInOutput)
     relief = CopyRelief(format, pixels.relief);
   const LM_render_views views = {pixels.source, pixels.output, pixels.relief};
-  const CVRect32& area = format.area;
+  const LM_rect& area = format.area;
   const bool isWhole =
       area.top == 0 && area.left == 0 && area.bottom == format.height && area.right == format.width;
   const bool copies = !pixels.inPlace && (format.channels > 3 || !isWhole);

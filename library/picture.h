@@ -10,7 +10,7 @@ namespace limn {
 // The part of a limn_picture that a lighting is prepared for.
 struct Format {
   int32_t width, height, channels;
-  CVRect32 area; // inside the picture, never empty
+  LM_rect area; // inside the picture, never empty
 };
 bool operator==(const Format& a, const Format& b);
 

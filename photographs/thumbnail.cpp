@@ -13,7 +13,7 @@ namespace {
 
 constexpr int NUM_LIT = 3;
 
-LM_source_view PlanesFrom(const ReducedPhotograph& photograph, int plane, const CVRect32& bounds) {
+LM_source_view PlanesFrom(const ReducedPhotograph& photograph, int plane, const LM_rect& bounds) {
   const ptrdiff_t step = photograph.numPlanes;
   return {photograph.pixels.data() + plane, photograph.width * step, step, bounds};
 }
@@ -35,10 +35,8 @@ std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_
                               photograph.numPlanes, params.get()))
     return {};
   FitRelief(*params, photograph);
-  const CVRect area = {0, 0, static_cast<int16_t>(photograph.height),
-                       static_cast<int16_t>(photograph.width)};
-  const CVRect32 whole = {0, 0, photograph.height, photograph.width};
-  if (LM_PrepareRender(*params, area, photograph.width, photograph.height, LM_BestKernels(),
+  const LM_rect whole = {0, 0, photograph.height, photograph.width};
+  if (LM_PrepareRender(*params, whole, photograph.width, photograph.height, LM_BestKernels(),
                        *job) != LM_render_result::Done)
     return {};
   std::vector<uint8_t> lit(static_cast<size_t>(photograph.width) * photograph.height * NUM_LIT);

@@ -61,17 +61,16 @@ void* StartWorker(VipsImage*, void* shared, void*) {
   return worker;
 }
 
-CVRect32 ToRect(const VipsRect& rect) {
+LM_rect ToRect(const VipsRect& rect) {
   return {rect.top, rect.left, rect.top + rect.height, rect.left + rect.width};
 }
 
 // The part of the rectangle that is to be lit; may be empty.
-CVRect32 LitPart(const Lighting& lighting, const VipsRect& rect) {
-  const CVRect& area = lighting.job.area;
-  const CVRect32 wanted = ToRect(rect);
-  return {std::max<int32_t>(wanted.top, area.top), std::max<int32_t>(wanted.left, area.left),
-          std::min<int32_t>(wanted.bottom, area.bottom),
-          std::min<int32_t>(wanted.right, area.right)};
+LM_rect LitPart(const Lighting& lighting, const VipsRect& rect) {
+  const LM_rect& area = lighting.job.area;
+  const LM_rect wanted = ToRect(rect);
+  return {std::max(wanted.top, area.top), std::max(wanted.left, area.left),
+          std::min(wanted.bottom, area.bottom), std::min(wanted.right, area.right)};
 }
 
 // What is needed of image `number` for the rectangle.
@@ -97,7 +96,7 @@ void MixRow(const VipsPel* before, const VipsPel* selection, VipsPel* lit, int b
       lit[band] = CVMixSelected(before[band], lit[band], selection[x]);
 }
 
-void Mix(const Worker& worker, int maskImage, VipsRegion* output, const CVRect32& part) {
+void Mix(const Worker& worker, int maskImage, VipsRegion* output, const LM_rect& part) {
   for (int y = part.top; y < part.bottom; ++y)
     MixRow(VIPS_REGION_ADDR(worker.regions[0], part.left, y),
            VIPS_REGION_ADDR(worker.regions[maskImage], part.left, y),
@@ -127,7 +126,7 @@ bool Fetch(const Lighting& lighting, Worker& worker, const VipsRect& rect, bool 
 int Light(VipsRegion* output, void* sequence, void*, void* shared, gboolean*) {
   const Lighting& lighting = *static_cast<const Lighting*>(shared);
   Worker& worker = *static_cast<Worker*>(sequence);
-  const CVRect32 part = LitPart(lighting, output->valid);
+  const LM_rect part = LitPart(lighting, output->valid);
   if (!Fetch(lighting, worker, output->valid, LM_IsEmpty(part)))
     return -1;
   if (LM_IsEmpty(part))
@@ -177,9 +176,7 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
   if (numChannels > LIMN_MOST_CHANNELS)
     Refuse("the image has more than 32767 channels");
   const auto params = std::make_unique<foo>();
-  const CVRect rect = {static_cast<int16_t>(area.y), static_cast<int16_t>(area.x),
-                       static_cast<int16_t>(area.y + area.height),
-                       static_cast<int16_t>(area.x + area.width)};
+  const LM_rect rect = {area.y, area.x, area.y + area.height, area.x + area.width};
   if (!LM_ParametersFromStyle(settings.style, area.width, area.height, numChannels, params.get()) ||
       LM_PrepareRender(*params, rect, image.width(), image.height(), LM_BestKernels(),
                        lighting.job) != LM_render_result::Done)

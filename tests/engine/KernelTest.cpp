@@ -96,7 +96,7 @@ TEST(Kernels, LastPlacesOfLightEqualThePlainRows) {
     foo& params = *settings.Convert(0);
     MakeLoud(params, random);
     RenderRun plain(scene, params, {nullptr, 3, 1, false});
-    const CVRect32 all = {0, 0, 24, 517};
+    const LM_rect all = {0, 0, 24, 517};
     plain.Light(all);
     const std::vector<uint8_t> expected = plain.Picture();
     for (const LM_kernels* kernels : AllKernels()) {

@@ -16,7 +16,7 @@ size_t Unsigned(int value) {
 // `inner` bytes of each pixel of `rect`, cut out of an image and laid out `step` apart, without a
 // byte behind the last pixel.
 std::vector<uint8_t> CutOut(const std::vector<uint8_t>& image, int width, int inner, int step,
-                            const CVRect32& rect) {
+                            const LM_rect& rect) {
   const int columns = rect.right - rect.left;
   const int rows = rect.bottom - rect.top;
   std::vector<uint8_t> out(Unsigned(columns) * Unsigned(rows) * Unsigned(step), BESIDE);
@@ -70,17 +70,16 @@ Scene SizedScene(uint64_t seed, int width, int height, bool relief) {
 RenderRun::RenderRun(const Scene& scene, const foo& params, const RenderLayout& layout)
     : _scene(scene), _layout(layout) {
   const ReferenceArea& a = scene.area;
-  const CVRect area = {static_cast<int16_t>(a.top), static_cast<int16_t>(a.left),
-                       static_cast<int16_t>(a.bottom), static_cast<int16_t>(a.right)};
-  EXPECT_EQ(LM_PrepareRender(params, area, scene.width, scene.height, layout.kernels, _job),
+  EXPECT_EQ(LM_PrepareRender(params, {a.top, a.left, a.bottom, a.right}, scene.width, scene.height,
+                             layout.kernels, _job),
             LM_render_result::Done);
   _out = CutOut(scene.pixels, scene.width, 3, layout.pixelStep, {0, 0, scene.height, scene.width});
 }
 
-void RenderRun::Light(const CVRect32& rect) {
-  const CVRect32 all = {0, 0, _scene.height, _scene.width};
-  CVRect32 seen = all;
-  CVRect32 felt = all;
+void RenderRun::Light(const LM_rect& rect) {
+  const LM_rect all = {0, 0, _scene.height, _scene.width};
+  LM_rect seen = all;
+  LM_rect felt = all;
   if (_layout.strips) {
     seen = rect;
     felt = {std::max(rect.top - LM_RELIEF_REACH, 0), std::max(rect.left - LM_RELIEF_REACH, 0),

@@ -26,7 +26,7 @@ public:
   // The scene must outlive the run.
   RenderRun(const Scene& scene, const foo& params, const RenderLayout& layout);
   // Lights one rectangle. Rectangles that do not overlap may be lit on several threads.
-  void Light(const CVRect32& rect);
+  void Light(const LM_rect& rect);
   // Rows of the area that vectors light; the others hold numbers that only the plain rows take.
   int VectorRows() const;
   // The picture, packed; fails the test when a byte beside the first three of a pixel was touched.

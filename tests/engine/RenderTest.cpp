@@ -78,8 +78,8 @@ TEST(Render, RefusesWhatTheViewsDoNotHold) {
             LM_render_result::EmptyArea);
   ASSERT_EQ(LM_PrepareRender(params, {2, 2, 8, 18}, 20, 10, nullptr, job), LM_render_result::Done);
   std::vector<uint8_t> output(600, 7);
-  const CVRect32 all = {0, 0, 10, 20};
-  const CVRect32 part = {2, 2, 4, 18};
+  const LM_rect all = {0, 0, 10, 20};
+  const LM_rect part = {2, 2, 4, 18};
   const LM_source_view source = {scene.pixels.data(), 60, 3, all};
   const LM_output_view target = {output.data(), 60, 3, all};
   const LM_source_view relief = {scene.heights.data(), 20, 1, all};
@@ -87,7 +87,7 @@ TEST(Render, RefusesWhatTheViewsDoNotHold) {
   const struct {
     const char* name;
     LM_render_views views;
-    CVRect32 rect;
+    LM_rect rect;
     LM_render_result expected;
   } cases[] = {
       {"left of the area", {source, target, none}, {2, 1, 4, 9}, LM_render_result::OutsideArea},

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "LM_bumps.h"
+#include "LM_heights.h"
 #include "LM_render_rows.h"
 
 namespace {

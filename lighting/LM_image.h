@@ -9,13 +9,16 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "CVFilterRecord.h"
+// A rectangle in pixels: bottom and right are exclusive.
+struct LM_rect {
+  int32_t top, left, bottom, right;
+};
 
 // A rectangle with nothing in it, or turned inside out.
-inline bool LM_IsEmpty(const CVRect32& r) {
+inline bool LM_IsEmpty(const LM_rect& r) {
   return r.bottom <= r.top || r.right <= r.left;
 }
-inline bool LM_Contains(const CVRect32& outer, const CVRect32& inner) {
+inline bool LM_Contains(const LM_rect& outer, const LM_rect& inner) {
   return inner.top >= outer.top && inner.left >= outer.left && inner.bottom <= outer.bottom &&
          inner.right <= outer.right;
 }
@@ -25,7 +28,7 @@ template <class Byte> struct LM_view {
   Byte* pixels;        // the pixel at (bounds.left, bounds.top), or null for none
   ptrdiff_t rowStride; // bytes from a pixel to the one below
   ptrdiff_t pixelStep; // bytes from a pixel to the one on its right
-  CVRect32 bounds;     // what the memory holds
+  LM_rect bounds;      // what the memory holds
 
   // The pixel at (x, y) of the image, which has to lie in bounds.
   Byte* At(int32_t x, int32_t y) const {

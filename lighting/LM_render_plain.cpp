@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "LM_bump_rows.h"
+#include "LM_facets.h"
+#include "LM_light_shader.h"
 #include "LM_light_sums.h"
 #include "LM_render_rows.h"
-#include "LM_shader.h"
 
 namespace {
 

@@ -5,7 +5,8 @@
 #include <cmath>
 
 #include "LM_arithmetic.h"
-#include "LM_globals.h"
+#include "LM_block.h"
+#include "LM_image.h"
 
 // The inverse length of a vector: squares summed in single precision, root and division in double.
 inline float LM_InverseLength(float x, float y, float z) {
@@ -66,17 +67,12 @@ void LM_SumLights(const foo* params, int n, LM_color96* diffuseSum, LM_color96* 
 // pass.
 void LM_AdvanceLightCaches(foo* params, uint32_t n);
 
-// Marks the per-light caches of the editable lights as filled, once a tile is shaded.
-void LM_MarkLightCachesHot(LM_globals* globals);
-
 // Where samples lie, in shading units: the filter rectangle's centre is the origin, samples sit on
 // pixel centres, and one factor scales both axes.
 class LM_sample_grid {
 public:
-  LM_sample_grid(const FilterRecord* record, const foo* params)
-      : LM_sample_grid(record->filterArea, record->inTileRect, params) {}
   // Rows and columns are counted from the tile's top-left.
-  LM_sample_grid(const CVRect& area, const CVRect& tile, const foo* params)
+  LM_sample_grid(const LM_rect& area, const LM_rect& tile, const foo* params)
       : _area(area), _tile(tile), _width(static_cast<double>(_area.right - _area.left)),
         _height(static_cast<double>(_area.bottom - _area.top)),
         _factor(static_cast<double>(params->worldScale /
@@ -88,14 +84,8 @@ private:
   float _Place(int pixel, double extent) const {
     return static_cast<float>(((static_cast<double>(pixel) - extent * 0.5) + 0.5) * _factor);
   }
-  CVRect _area, _tile;
+  LM_rect _area, _tile;
   double _width, _height, _factor;
 };
-
-// The delivered tile's size; rows is 0 when there is nothing to shade.
-struct LM_tile_size {
-  int rows, columns;
-};
-LM_tile_size LM_ShadeableTile(const FilterRecord* record);
 
 #endif

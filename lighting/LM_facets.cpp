@@ -1,4 +1,4 @@
-#include "LM_bump_rows.h"
+#include "LM_facets.h"
 
 LM_pixel_facets LM_MakePixelFacets(const LM_bump_map* map, uint32_t x, uint32_t y) {
   int32_t h00, h01, h02, h10, h11, h12, h20, h21, h22;

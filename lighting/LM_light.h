@@ -2,7 +2,7 @@
 #ifndef LM_LIGHT_H
 #define LM_LIGHT_H
 
-#include "LM_types.h"
+#include "LM_vectors.h"
 
 enum LM_light_type : int32_t {
   LM_LIGHT_OMNI = 0,        // radiates in all directions, hovering above its centre
@@ -14,7 +14,8 @@ enum LM_light_type : int32_t {
 constexpr int LM_SPREAD_ENTRIES = 1024;
 constexpr int LM_PREVIEW_SPREAD_ENTRIES = 256;
 
-// Positions and directions are in shading units. Rebuilt from an LM_light_UI at every conversion.
+// Positions and directions are in shading units. Rebuilt from an LM_light_figure at every
+// conversion.
 struct LM_light {
   int32_t type;
   LM_color96 color;     // colour times intensity; negative takes light away

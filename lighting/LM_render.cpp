@@ -9,16 +9,15 @@
 namespace {
 
 // What a relief of the rectangle reads: its neighbours too, inside the image.
-CVRect32 ReliefOf(const LM_render_job& job, const CVRect32& rect) {
+LM_rect ReliefOf(const LM_render_job& job, const LM_rect& rect) {
   return {std::max(rect.top - LM_RELIEF_REACH, 0), std::max(rect.left - LM_RELIEF_REACH, 0),
           std::min(rect.bottom + LM_RELIEF_REACH, job.imageHeight),
           std::min(rect.right + LM_RELIEF_REACH, job.imageWidth)};
 }
 
 LM_render_result CheckViews(const LM_render_job& job, const LM_render_views& views,
-                            const CVRect32& rect) {
-  const CVRect& area = job.area;
-  if (!LM_Contains({area.top, area.left, area.bottom, area.right}, rect))
+                            const LM_rect& rect) {
+  if (!LM_Contains(job.area, rect))
     return LM_render_result::OutsideArea;
   if (views.source.pixels == nullptr || !LM_Contains(views.source.bounds, rect))
     return LM_render_result::BadSource;
@@ -39,7 +38,7 @@ void LightPlanes(const LM_render_job& job, const LM_render_views& views, const L
   job.kernels->join(planes, run.pixels, views.output.At(run.x, run.y), views.output.pixelStep);
 }
 
-void LightFlat(const LM_render_job& job, const LM_render_views& views, const CVRect32& rect,
+void LightFlat(const LM_render_job& job, const LM_render_views& views, const LM_rect& rect,
                LM_render_scratch& scratch) {
   LM_kernel_lights lights;
   for (int32_t y = rect.top; y < rect.bottom; ++y) {
@@ -59,7 +58,7 @@ void LightFlat(const LM_render_job& job, const LM_render_views& views, const CVR
 }
 
 // Goes down one block, so that each row of heights is made once.
-void LightReliefBlock(const LM_render_job& job, const LM_render_views& views, const CVRect32& block,
+void LightReliefBlock(const LM_render_job& job, const LM_render_views& views, const LM_rect& block,
                       LM_render_scratch& scratch) {
   const int32_t pixels = block.right - block.left;
   LM_kernel_lights lights;
@@ -114,11 +113,10 @@ const char* LM_RenderMessage(LM_render_result result) {
   return "the lighting failed";
 }
 
-LM_render_result LM_PrepareRender(const foo& params, const CVRect& area, int32_t imageWidth,
+LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_t imageWidth,
                                   int32_t imageHeight, const LM_kernels* kernels,
                                   LM_render_job& job) {
-  const CVRect32 wide = {area.top, area.left, area.bottom, area.right};
-  if (LM_IsEmpty(wide) || !LM_Contains({0, 0, imageHeight, imageWidth}, wide))
+  if (LM_IsEmpty(area) || !LM_Contains({0, 0, imageHeight, imageWidth}, area))
     return LM_render_result::EmptyArea;
   job.params = params;
   LM_DetachParameterCaches(&job.params);
@@ -143,7 +141,7 @@ LM_render_scratch_pointer LM_NewRenderScratch() {
 }
 
 LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& views,
-                               const CVRect32& rect, LM_render_scratch& scratch) {
+                               const LM_rect& rect, LM_render_scratch& scratch) {
   if (LM_IsEmpty(rect))
     return LM_render_result::Done;
   const LM_render_result checked = CheckViews(job, views, rect);

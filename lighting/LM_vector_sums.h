@@ -2,8 +2,8 @@
 #ifndef LM_VECTOR_SUMS_H
 #define LM_VECTOR_SUMS_H
 
+#include "LM_block.h"
 #include "LM_kernels.h"
-#include "LM_parameters.h"
 
 // The lights of one parameter block, made ready for one pass over its samples.
 class LM_vector_sums {

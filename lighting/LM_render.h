@@ -9,9 +9,9 @@
 
 #include <memory>
 
+#include "LM_block.h"
 #include "LM_image.h"
 #include "LM_kernels.h"
-#include "LM_parameters.h"
 
 enum class LM_render_result {
   Done,
@@ -31,7 +31,7 @@ constexpr int LM_RELIEF_REACH = 2;
 // All that lighting an image depends on, but for the pixels. Read only once it is prepared.
 struct LM_render_job {
   foo params; // without caches
-  CVRect area;
+  LM_rect area;
   int32_t imageWidth, imageHeight;
   // x of every column of the area in shading units, and a few more that vectors may read.
   std::unique_ptr<float[]> columns;
@@ -45,7 +45,7 @@ struct LM_render_job {
 // Fills the job for one image and its filter area, both in pixels; the area must lie in the image.
 // The parameter block is copied, caches left out. Its relief is used when a call brings a relief
 // plane, whatever channel it names. kernels: null for the plain rows.
-LM_render_result LM_PrepareRender(const foo& params, const CVRect& area, int32_t imageWidth,
+LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_t imageWidth,
                                   int32_t imageHeight, const LM_kernels* kernels,
                                   LM_render_job& job);
 
@@ -73,6 +73,6 @@ struct LM_render_views {
 // Lights the pixels of `rect`, in image coordinates. An empty one is done at once. With any result
 // but Done nothing is written.
 LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& views,
-                               const CVRect32& rect, LM_render_scratch& scratch);
+                               const LM_rect& rect, LM_render_scratch& scratch);
 
 #endif

@@ -1,6 +1,6 @@
 // Lighting of a run of facets.
+#include "LM_light_shader.h"
 #include "LM_light_sums.h"
-#include "LM_shader.h"
 
 namespace {
 
@@ -82,19 +82,4 @@ void LM_ShadeLightBumps(const LM_light& light, uint32_t count, const LM_vector2f
   default:
     break;
   }
-}
-
-void LM_ShadeBumps(const foo* params, unsigned short count, const LM_vector2f* positions,
-                   const LM_vector3f* normals, const uint8_t* colors, LM_color96* diffuseSums,
-                   LM_color96* specularSums, LM_bool sumsHot, uint8_t* out, LM_globals* globals,
-                   const int32_t* weights) {
-  if (count > LM_MAX_RUN)
-    return;
-  if (sumsHot == 0) {
-    LM_SumLights(params, count, diffuseSums, specularSums,
-                 [&](const LM_light& light, LM_color96* diffuse, LM_color96* specular) {
-                   LM_ShadeLightBumps(light, count, positions, normals, diffuse, specular, weights);
-                 });
-  }
-  LM_Combine(params, count, colors, diffuseSums, specularSums, globals->scratch.sums.combined, out);
 }

@@ -2,8 +2,8 @@
 #ifndef LM_RENDER_ROWS_H
 #define LM_RENDER_ROWS_H
 
-#include "LM_globals.h"
 #include "LM_render.h"
+#include "LM_sample_rows.h"
 
 // Pixels that are worked on together: their rows stay in the first-level cache.
 constexpr int LM_RENDER_BLOCK = 1024;

@@ -1,8 +1,8 @@
 // Rows of relief samples: making them from heights, and blending them back into pixels.
-#ifndef LM_BUMP_ROWS_H
-#define LM_BUMP_ROWS_H
+#ifndef LM_FACETS_H
+#define LM_FACETS_H
 
-#include "LM_globals.h"
+#include "LM_heights.h"
 
 // Where the samples of one run of pixels are written, all indexed by sample; weights holds one more
 // entry per pixel, the 0 behind its weights. Positions are left alone when null.

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "LM_constants.h"
-#include "LM_light_UI.h"
+#include "LM_light_figure.h"
 
 namespace {
 
@@ -13,18 +13,14 @@ constexpr float PI = 3.1415927410125732F;
 // count.
 constexpr float SPOT_CUTOFF = 0.707F;
 
-struct Axis {
-  float x, y;
-};
-
 // A handle in shading units, y turned to grow upwards.
-Axis AxisOf(const LM_vectori2& handle, float scale) {
-  return {static_cast<float>(handle.h) / scale, -static_cast<float>(handle.v) / scale};
+LM_vector2f AxisOf(const LM_vector2f& handle, float scale) {
+  return {handle.x / scale, -handle.y / scale};
 }
 
 // The tilt of a spot's axis, from the footprint's shape: pi/2, straight down, for a circle, 0 for a
 // line.
-float SpotTilt(const Axis& first, const Axis& second, float firstLength) {
+float SpotTilt(const LM_vector2f& first, const LM_vector2f& second, float firstLength) {
   const float squares =
       first.x * first.x + first.y * first.y + second.x * second.x + second.y * second.y;
   float sine =
@@ -45,6 +41,20 @@ float RoundedSin(float angle) {
   return static_cast<float>(std::sin(static_cast<double>(angle)));
 }
 
+float Length(const LM_vector2f& vector) {
+  return static_cast<float>(
+      std::sqrt(static_cast<double>(vector.x * vector.x + vector.y * vector.y)));
+}
+
+void ConvertDirectionalLight(const LM_light_figure& figure, LM_light* out) {
+  const auto [x, y] = figure.handle1;
+  float z = static_cast<float>(100.0 - static_cast<double>(Length(figure.handle1)));
+  if (z < 1.0F)
+    z = 1.0F;
+  const float length = static_cast<float>(std::sqrt(static_cast<double>(x * x + y * y + z * z)));
+  out->direction = {x / length, y / length, z / length};
+}
+
 } // namespace
 
 double LM_ATan2(double y, double x) {
@@ -59,51 +69,37 @@ double LM_ATan2(double y, double x) {
   return std::atan(y / x) - static_cast<double>(PI);
 }
 
-void LM_light_UI::ConvertToRealLight(LM_light* out, unsigned short scale,
-                                     LM_bool forPreview) const {
-  out->type = type;
+void LM_ConvertLight(const LM_light_figure& figure, float pixelsPerUnit, LM_bool forPreview,
+                     LM_light* out) {
+  out->type = figure.type;
   for (int plane = 0; plane < LM_PLANES; ++plane)
-    out->color.component[plane] = (color.component[plane] * intensity) / LM_LIGHT_INTENSITY_SCALE;
-  const float pixels = static_cast<float>(scale);
-  switch (type) {
+    out->color.component[plane] =
+        (figure.color.component[plane] * figure.intensity) / LM_LIGHT_INTENSITY_SCALE;
+  switch (figure.type) {
   case LM_LIGHT_DIRECTIONAL:
-    _ConvertDirectionalLight(out);
+    ConvertDirectionalLight(figure, out);
     break;
   case LM_LIGHT_OMNI:
     // It hovers at the height at which a 30 degree cone reaches its radius.
-    out->position = {static_cast<float>(center.h) / pixels, static_cast<float>(center.v) / pixels,
-                     (static_cast<float>(radius) / pixels) * LM_TAN_30};
+    out->position = {figure.center.x / pixelsPerUnit, figure.center.y / pixelsPerUnit,
+                     (figure.radius / pixelsPerUnit) * LM_TAN_30};
     break;
   case LM_LIGHT_SPOT:
-    _ConvertSpotLight(out, pixels, forPreview);
+    LM_ConvertSpotLight(figure, pixelsPerUnit, forPreview, out);
     break;
   default:
     break;
   }
-  out->diffuseCache = diffuseCache;
-  out->diffuseCacheHot = diffuseCacheHot;
-  out->specularCache = specularCache;
-  out->specularCacheHot = specularCacheHot;
 }
 
-void LM_light_UI::_ConvertDirectionalLight(LM_light* out) const {
-  const float x = static_cast<float>(handle1.h);
-  const float y = static_cast<float>(handle1.v);
-  float z = static_cast<float>(100.0 - static_cast<double>(handle1.Magnitude()));
-  if (z < 1.0F)
-    z = 1.0F;
-  const float length = static_cast<float>(std::sqrt(static_cast<double>(x * x + y * y + z * z)));
-  out->direction = {x / length, y / length, z / length};
-}
-
-void LM_light_UI::_ConvertSpotLight(LM_light* out, float scale, LM_bool forPreview) const {
-  _BuildSpreadTable(out, forPreview);
-  const Axis first = AxisOf(handle1, scale);
-  const Axis second = AxisOf(handle2, scale);
+void LM_ConvertSpotLight(const LM_light_figure& figure, float pixelsPerUnit, LM_bool forPreview,
+                         LM_light* out) {
+  LM_BuildSpreadTable(figure.spread, forPreview, out);
+  const LM_vector2f first = AxisOf(figure.handle1, pixelsPerUnit);
+  const LM_vector2f second = AxisOf(figure.handle2, pixelsPerUnit);
   const float compass =
       static_cast<float>(LM_ATan2(static_cast<double>(first.y), static_cast<double>(first.x)));
-  const float length =
-      static_cast<float>(std::sqrt(static_cast<double>(first.x * first.x + first.y * first.y)));
+  const float length = Length(first);
   const float tilt = SpotTilt(first, second, length);
   const float reach =
       static_cast<float>(static_cast<double>(length) * std::cos(static_cast<double>(tilt)));
@@ -111,15 +107,15 @@ void LM_light_UI::_ConvertSpotLight(LM_light* out, float scale, LM_bool forPrevi
       static_cast<float>(static_cast<double>(length) * std::sin(static_cast<double>(tilt)));
   const float compassCos = RoundedCos(compass);
   const float compassSin = RoundedSin(compass);
-  out->position = {reach * compassCos + static_cast<float>(center.h) / scale,
-                   -(reach * compassSin) + static_cast<float>(center.v) / scale, height};
+  out->position = {reach * compassCos + figure.center.x / pixelsPerUnit,
+                   -(reach * compassSin) + figure.center.y / pixelsPerUnit, height};
   const float fall = tilt / 2.0F + QUARTER_PI;
   const float fallCos = RoundedCos(fall);
   out->direction = {-(fallCos * compassCos), fallCos * compassSin, -RoundedSin(fall)};
   out->cosCutoff = SPOT_CUTOFF;
 }
 
-void LM_light_UI::_BuildSpreadTable(LM_light* out, LM_bool forPreview) const {
+void LM_BuildSpreadTable(int16_t spread, LM_bool forPreview, LM_light* out) {
   const float focus = static_cast<float>(spread);
   const float base = ((focus - 128.0F) * 0.75F + 128.0F) / 128.0F;
   const float exponent = focus / 64.0F + 1.0F;

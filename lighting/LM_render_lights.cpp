@@ -1,8 +1,8 @@
 // The block's lights as the kernels read them.
 #include "LM_kernel_lights.h"
+#include "LM_light_shader.h"
 #include "LM_light_sums.h"
 #include "LM_render_rows.h"
-#include "LM_shader.h"
 
 namespace {
 
