@@ -1,8 +1,9 @@
-// The cost of shading alone, in nanoseconds on one thread: the plain code tile by tile as in a real
-// run, and the whole-image driver with each set of kernels.
+// The cost of shading alone, in nanoseconds on one thread: tile by tile as in a real run, and
+// the whole-image driver with each set of kernels.
 #include "LM_bumps.h"
+#include "LM_height_rows.h"
 #include "LM_memory.h"
-#include "LM_render_rows.h"
+#include "LM_render.h"
 #include "LM_shader.h"
 #include "LM_tiles.h"
 #include "MacMemory.h"
@@ -144,9 +145,13 @@ public:
   }
   // The heights alone.
   void FillHeights() {
-    const LM_source_view heights = {_heights.data(), COLUMNS, 1, {0, 0, ROWS, COLUMNS}};
+    const LM_rect all = {0, 0, ROWS, COLUMNS};
+    static LM_row_ring<uint8_t> taps;
+    static LM_row_ring<int32_t> heights;
+    LM_height_rows rows({_heights.data(), COLUMNS, 1, all}, all, -1, LM_RENDER_BLOCK + 2,
+                        _job.params.bumpHeight, _job.kernels, taps);
     for (int32_t y = 0; y < ROWS; ++y)
-      LM_FillHeights(_job, heights, {0, y, LM_RENDER_BLOCK}, y == 0, *_scratch);
+      rows.Make(y, heights.At(y));
   }
   // The kernels must give what the plain code gives before their time counts.
   bool EqualsPlain() {

@@ -12,8 +12,8 @@ class LM_globals;
 constexpr uint32_t LM_FIRST_HEIGHT_BYTES = 17424;
 
 // Filters the delivered channel rectangle into the bump map, growing its buffer when needed. Height
-// (x, y) lies on pixel (x + 2, y + 2) of the rectangle. Heights whose neighbours were not delivered
-// are 0; in the preview the buffer holds more than the rectangle says, and they are real. Result:
+// (x, y) lies on pixel (x + 2, y + 2) of the rectangle. Beyond what was delivered its last row
+// and column go on; in the preview the buffer holds more than the rectangle says. Result:
 // 0, or 1 when the buffer cannot be had; the map then holds no heights.
 int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals);
 

@@ -7,7 +7,7 @@
 #include "LM_bumps.h"
 #include "LM_light_UI.h"
 #include "LM_parameters.h"
-#include "LM_sample_rows.h"
+#include "LM_sample_store.h"
 
 struct GrafPort;
 class LM_style_istream;

@@ -1,71 +1,150 @@
-// The flat tile driver.
-#include "LM_delivered_tile.h"
+// The drivers of a tile: the host's record and the settings as views of pixels, lights and rows.
+#include <algorithm>
+
+#include "LM_arithmetic.h"
 #include "LM_host_services.h"
-#include "LM_light_sums.h"
+#include "LM_row_driver.h"
 #include "LM_shader.h"
-#include "LM_vector_sums.h"
 
 namespace {
 
-// Where a tile's positions and sums are kept: in the caches that exist, whole tile behind whole
-// tile, or in one row that is used again and again.
-struct FlatRows {
-  explicit FlatRows(LM_globals& g)
-      : keepPositions(g.UsePosCache() == 1), positionsReady(keepPositions && g.PosCacheHot() == 1),
-        keepSums(g.UseDiffuseSumCache() == 1 && g.UseSpecularSumCache() == 1),
-        sumsReady(keepSums && g.DiffuseSumCacheHot() == 1 && g.SpecularSumCacheHot() == 1),
-        positions(keepPositions ? g.PosCache() : g.scratch.positions),
-        diffuse(keepSums ? g.DiffuseSumCache() : g.scratch.sums.diffuseSums),
-        specular(keepSums ? g.SpecularSumCache() : g.scratch.sums.specularSums) {}
+// A tile that can be lit, as it was delivered, whatever the host does while it is asked about a
+// cancel.
+struct Tile {
+  foo* params = nullptr; // null: there is nothing to light
+  LM_rect area, rect;    // rect: at most LM_MAX_RUN pixels wide
+  LM_source_view source;
+  LM_output_view output;
 
-  void NextRow(int columns) {
-    if (keepPositions)
-      positions += columns;
-    if (keepSums) {
-      diffuse += columns;
-      specular += columns;
-    }
+  explicit Tile(const FilterRecord& record)
+      : area(LM_RectOf(record.filterArea)), rect(LM_RectOf(record.inTileRect)) {
+    const int rows = LM_Cut16(rect.bottom - rect.top);
+    const int columns = LM_Cut16(rect.right - rect.left);
+    if (record.inPixels == nullptr || record.outPixels == nullptr || LM_IsEmpty(area) || rows < 1 ||
+        columns < 1 || columns > LM_MAX_RUN)
+      return;
+    params = LM_Parameters(&record);
+    rect.bottom = rect.top + rows;
+    rect.right = rect.left + columns;
+    source = {record.inPixels, record.inRowStride, LM_PLANES, rect};
+    output = {record.outPixels, record.outRowStride, LM_PLANES, rect};
   }
-
-  bool keepPositions, positionsReady, keepSums, sumsReady;
-  LM_vector2f* positions;
-  LM_color96* diffuse;
-  LM_color96* specular;
+  bool IsHeldBy(const LM_bump_map& map) const {
+    return LM_HoldsHeights(&map, rect.right - rect.left, rect.bottom - rect.top);
+  }
 };
+
+// The tile in one piece. map: null for a flat surface.
+void LightTile(FilterRecord* record, const Tile& tile, const LM_bump_map* map,
+               LM_sample_store store) {
+  for (const LM_light& light : tile.params->lights)
+    if (light.diffuseCache != nullptr || light.specularCache != nullptr)
+      store.advancing = tile.params;
+  float columns[LM_MAX_RUN + LM_KERNEL_SLACK];
+  const int pixels = tile.rect.right - tile.rect.left;
+  const LM_sample_grid grid(tile.area, tile.params);
+  for (int i = 0; i < pixels; ++i)
+    columns[i] = grid.X(tile.rect.left + i);
+  std::fill_n(columns + pixels, LM_KERNEL_SLACK, columns[pixels - 1]);
+  const LM_sorted_lights lights = LM_SortLights(*tile.params, map == nullptr);
+  LM_row_buffers buffers = {};
+  LM_row_driver driver({tile.params,
+                        LM_BestKernels(),
+                        &lights,
+                        tile.area,
+                        tile.rect,
+                        columns,
+                        tile.source,
+                        tile.output,
+                        {},
+                        {},
+                        map},
+                       store, buffers);
+  for (int32_t row = tile.rect.top; row < tile.rect.bottom; ++row) {
+    LM_TestCancel(record);
+    driver.LightNextRow();
+  }
+}
+
+// The sums' part of a store in the caches of the preview.
+void KeepSums(LM_globals& g, LM_sample_store& store) {
+  if (g.UseDiffuseSumCache() != 1 || g.UseSpecularSumCache() != 1)
+    return;
+  store.keepsSums = true;
+  store.sumsReady = g.DiffuseSumCacheHot() == 1 && g.SpecularSumCacheHot() == 1;
+  store.diffuse = g.DiffuseSumCache();
+  store.specular = g.SpecularSumCache();
+}
+
+void KeepPositions(LM_globals& g, LM_sample_store& store) {
+  if (g.UsePosCache() != 1)
+    return;
+  store.keepsPositions = true;
+  store.positionsReady = g.PosCacheHot() == 1;
+  store.rows.positions = g.PosCache();
+}
+
+void KeepFacets(LM_globals& g, LM_sample_store& store) {
+  store.keepsNormals = g.UseNormCache() == 1;
+  store.keepsWeights = g.UseWeightCache() == 1;
+  store.keepsBase = g.UseBaseCache() == 1;
+  if (store.keepsNormals)
+    store.rows.normals = g.NormCache();
+  if (store.keepsWeights)
+    store.rows.weights = g.WeightCache();
+  if (store.keepsBase)
+    store.rows.base = g.BaseCache();
+  store.counts = g.SampleCountCache();
+  // A flag is only ever set while its cache exists.
+  store.samplesReady = g.PosCacheHot() == 1 && g.NormCacheHot() == 1 && g.WeightCacheHot() == 1 &&
+                       g.BaseCacheHot() == 1 && g.SampleCountCacheHot() == 1;
+}
+
+// Missing caches stay cold.
+void MarkSumsHot(LM_globals& g, const LM_sample_store& store) {
+  if (store.keepsSums) {
+    g.DiffuseSumCacheHot(1);
+    g.SpecularSumCacheHot(1);
+  }
+  for (int i = LM_MAX_LIGHTS - 1; i >= 0; --i) {
+    g.lights[i].DiffuseCacheHot(1);
+    g.lights[i].SpecularCacheHot(1);
+  }
+}
 
 } // namespace
 
 void LM_ShadeTile(FilterRecord* record, LM_globals* globals) {
-  const LM_tile_size tile = LM_ShadeableTile(record);
-  foo* params = LM_Parameters(record);
-  if (tile.rows == 0 || params == nullptr)
+  const Tile tile(*record);
+  if (tile.params == nullptr)
     return;
-  const LM_sample_grid grid(LM_RectOf(record->filterArea), LM_RectOf(record->inTileRect), params);
-  FlatRows rows(*globals);
-  // Only a preview keeps its sums: a run without caches stays with the plain shader.
-  const LM_vector_sums vectors(params, true, rows.keepSums ? LM_BestKernels() : nullptr);
-  // As delivered, whatever the host does while it is asked about a cancel.
-  const FilterRecord delivered = *record;
-  for (int row = 0; row < tile.rows; ++row) {
-    const uint8_t* in = delivered.inPixels + ptrdiff_t{row} * delivered.inRowStride;
-    uint8_t* out = delivered.outPixels + ptrdiff_t{row} * delivered.outRowStride;
-    const float y = grid.Y(row);
-    LM_TestCancel(record);
-    if (!rows.positionsReady) {
-      for (int column = 0; column < tile.columns; ++column)
-        rows.positions[column] = {grid.X(column), y};
-    }
-    const bool summed = rows.sumsReady || vectors.Sum(tile.columns, rows.positions, nullptr,
-                                                      rows.diffuse, rows.specular);
-    LM_Shade(params, static_cast<unsigned short>(tile.columns), rows.positions, in, rows.diffuse,
-             rows.specular, summed ? 1 : 0, out, globals);
-    rows.NextRow(tile.columns);
-    LM_AdvanceLightCaches(params, static_cast<uint32_t>(tile.columns));
-  }
+  LM_sample_store store = LM_ScratchStore(globals->scratch);
+  KeepPositions(*globals, store);
+  KeepSums(*globals, store);
+  LightTile(record, tile, nullptr, store);
   globals->PosCacheHot(1);
-  if (rows.keepSums) {
-    globals->DiffuseSumCacheHot(1);
-    globals->SpecularSumCacheHot(1);
-  }
-  LM_MarkLightCachesHot(globals);
+  MarkSumsHot(*globals, store);
+}
+
+void LM_ShadeTileWithBumps(FilterRecord* record, LM_bump_map* map, LM_globals* globals) {
+  const Tile tile(*record);
+  if (tile.params != nullptr && tile.IsHeldBy(*map))
+    LightTile(record, tile, map, LM_ScratchStore(globals->scratch));
+}
+
+void LM_ShadePreviewTileWithBumps(FilterRecord* record, LM_bump_map* map, LM_globals* globals) {
+  const Tile tile(*record);
+  if (tile.params == nullptr || !tile.IsHeldBy(*map))
+    return;
+  LM_sample_store store = LM_ScratchStore(globals->scratch);
+  KeepPositions(*globals, store);
+  KeepFacets(*globals, store);
+  KeepSums(*globals, store);
+  LightTile(record, tile, map, store);
+  globals->PosCacheHot(1);
+  globals->NormCacheHot(1);
+  globals->WeightCacheHot(1);
+  globals->BaseCacheHot(1);
+  globals->SampleCountCacheHot(1);
+  MarkSumsHot(*globals, store);
 }

@@ -18,13 +18,23 @@ LM_pixel_facets LM_MakePixelFacets(const LM_bump_map* map, uint32_t x, uint32_t 
   return facets;
 }
 
-uint32_t LM_CountFacets(const int32_t* weights, uint32_t pixels) {
-  uint32_t count = 0;
-  for (; pixels > 0; --pixels, ++weights) {
-    for (; *weights != 0; ++weights)
-      ++count;
+uint32_t LM_MakeFacets(const LM_bump_map* map, const LM_pixel_run& run, const float* columns,
+                       float y, const LM_facet_rows& rows) {
+  uint32_t sample = 0;
+  int32_t* weights = rows.weights;
+  for (uint32_t i = 0; i < run.pixels; ++i) {
+    const LM_pixel_facets facets = LM_MakePixelFacets(map, run.first + i, run.row);
+    for (uint32_t f = 0; f < facets.count; ++f, ++sample) {
+      *weights++ = facets.weight[f];
+      rows.normals[sample] = LM_FacetNormal(facets.gradX[f], facets.gradY[f]);
+      if (rows.positions != nullptr)
+        rows.positions[sample] = {columns[i], y};
+      for (uint32_t plane = 0; plane < LM_PLANES; ++plane)
+        rows.base[LM_PLANES * sample + plane] = run.source[LM_PLANES * i + plane];
+    }
+    *weights++ = 0;
   }
-  return count;
+  return sample;
 }
 
 void LM_BlendFacets(const uint8_t* shaded, const int32_t* weights, uint32_t pixels, uint8_t* out) {

@@ -8,8 +8,6 @@ namespace {
 // Everything about a directional light is the same for all samples.
 void ShadeDirectional(const LM_light& light, int n, LM_color96* diffuse, LM_color96* specular) {
   const LM_vector3f& toLight = light.direction;
-  if (!(toLight.z > 0.0F))
-    return;
   const float inverse = LM_InverseLength(toLight.x, toLight.y, toLight.z);
   LM_color96 diffuseLight = {};
   LM_color96 specularLight = {};
@@ -28,8 +26,6 @@ void ShadeDirectional(const LM_light& light, int n, LM_color96* diffuse, LM_colo
 void ShadeOmni(const LM_light& light, int n, const LM_vector2f* positions, LM_color96* diffuse,
                LM_color96* specular) {
   const float z = light.position.z;
-  if (!(z > 0.0F))
-    return;
   for (int i = 0; i < n; ++i) {
     const float x = light.position.x - positions[i].x;
     const float y = light.position.y - positions[i].y;
@@ -42,8 +38,6 @@ void ShadeOmni(const LM_light& light, int n, const LM_vector2f* positions, LM_co
 void ShadeSpot(const LM_light& light, int n, const LM_vector2f* positions, LM_color96* diffuse,
                LM_color96* specular) {
   const float z = light.position.z;
-  if (!(z > 0.0F))
-    return;
   for (int i = 0; i < n; ++i) {
     const float x = light.position.x - positions[i].x;
     const float y = light.position.y - positions[i].y;
@@ -94,6 +88,8 @@ uint8_t OutputByte(int32_t combined, int32_t exposure) {
 
 void LM_ShadeLight(const LM_light& light, unsigned short n, const LM_vector2f* positions,
                    LM_color96* diffuse, LM_color96* specular) {
+  if (!LM_IsAboveSurface(light))
+    return;
   switch (light.type) {
   case LM_LIGHT_DIRECTIONAL:
     ShadeDirectional(light, n, diffuse, specular);

@@ -1,6 +1,7 @@
 #include "LM_kernel_lights.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "LM_light_sums.h"
@@ -14,17 +15,25 @@ constexpr float MOST_SQUARE = 0x1p96F;
 // 2^31, for the roundings on the way.
 constexpr double MOST_PRODUCT = 2140000000.0;
 
-// The largest product of colour and falloff; infinite when something is no number.
+// The largest magnitude in a falloff table, infinite or NaN when it holds such a number. Without
+// their signs floats are in the order of their bits, which compilers put on vectors: a tile of a
+// real run asks this for each of its spots.
+float GreatestMagnitude(const float (&table)[LM_SPREAD_ENTRIES]) {
+  int32_t greatest = 0;
+  for (const float& entry : table)
+    greatest = std::max(greatest, std::bit_cast<int32_t>(entry) & INT32_MAX);
+  return std::bit_cast<float>(greatest);
+}
+
+// The largest product of colour and falloff; infinite when something is NaN or infinite.
 float StrongestLight(const LM_light& light) {
   float strongest = 1.0F;
   if (light.type == LM_LIGHT_SPOT) {
-    if (!std::isfinite(light.spreadScale) || !std::isfinite(light.spreadMinCos))
+    const float falloff = GreatestMagnitude(light.spreadTable);
+    if (!std::isfinite(light.spreadScale) || !std::isfinite(light.spreadMinCos) ||
+        !std::isfinite(falloff))
       return INFINITY;
-    for (const float falloff : light.spreadTable) {
-      if (!std::isfinite(falloff))
-        return INFINITY;
-      strongest = std::max(strongest, std::fabs(falloff));
-    }
+    strongest = std::max(strongest, falloff);
   }
   float color = 0.0F;
   for (int plane = 0; plane < LM_PLANES; ++plane)
@@ -32,19 +41,22 @@ float StrongestLight(const LM_light& light) {
   return color * strongest;
 }
 
-// xSquares: the least and the greatest x * x in the row.
-bool FitsVectors(const LM_kernel_light& light, float leastXSquare, float mostXSquare) {
-  const float least = leastXSquare + light.ySquare + light.zSquare;
-  const float most = mostXSquare + light.ySquare + light.zSquare;
-  if (!(least >= LEAST_SQUARE && most <= MOST_SQUARE))
-    return false;
-  const double longest = std::max(1.0, std::sqrt(static_cast<double>(most)));
-  return static_cast<double>(light.strongest) * longest < MOST_PRODUCT;
+// Both squared lengths between which the way to a light stays, apart from its height.
+struct SquaredWay {
+  float least, most;
+};
+
+// From `from` to samples between `first` and `last`, which subtraction and squaring keep in order.
+SquaredWay WayAlong(float from, float first, float last) {
+  const float begin = from - first;
+  const float end = from - last;
+  const float most = std::max(begin * begin, end * end);
+  if (!(begin > 0.0F && end > 0.0F) && !(begin < 0.0F && end < 0.0F))
+    return {0.0F, most};
+  return {std::min(begin * begin, end * end), most};
 }
 
-} // namespace
-
-LM_kernel_light LM_KernelLight(const LM_light& light) {
+LM_kernel_light KernelLight(const LM_light& light) {
   LM_kernel_light out = {};
   for (int plane = 0; plane < LM_PLANES; ++plane)
     out.color[plane] = static_cast<float>(light.color.component[plane]);
@@ -70,16 +82,51 @@ LM_kernel_light LM_KernelLight(const LM_light& light) {
   return out;
 }
 
-bool LM_DirectionFitsVectors(const LM_kernel_light& light) {
-  const float xSquare = light.x * light.x;
-  return FitsVectors(light, xSquare, xSquare);
+void AddLights(LM_sorted_lights& sorted, const foo& params, LM_light_type type, bool flat,
+               int& count) {
+  for (int j = 0; j < LM_LightCount(&params); ++j) {
+    const LM_light& light = params.lights[j];
+    if (light.type != type || (flat && !LM_IsAboveSurface(light)))
+      continue;
+    const int k = sorted.kernel.Count();
+    sorted.kernel.light[k] = KernelLight(light);
+    sorted.source[k] = j;
+    sorted.listed |= 1U << j;
+    ++count;
+  }
 }
 
-bool LM_MoveToRow(LM_kernel_light& light, float place, float first, float last) {
-  light.y -= place;
-  light.ySquare = light.y * light.y;
-  light.axisY *= light.y;
-  const float left = light.x - first;
-  const float right = light.x - last;
-  return FitsVectors(light, 0.0F, std::max(left * left, right * right));
+} // namespace
+
+LM_sorted_lights LM_SortLights(const foo& params, bool flat) {
+  LM_sorted_lights sorted = {};
+  std::copy_n(params.ambient.component, LM_PLANES, sorted.kernel.diffuse);
+  AddLights(sorted, params, LM_LIGHT_OMNI, flat, sorted.kernel.omnis);
+  AddLights(sorted, params, LM_LIGHT_SPOT, flat, sorted.kernel.spots);
+  AddLights(sorted, params, LM_LIGHT_DIRECTIONAL, flat, sorted.kernel.directionals);
+  return sorted;
+}
+
+bool LM_FitsVectors(const LM_kernel_light& light, bool directional, const LM_extent& extent) {
+  SquaredWay x = {light.x * light.x, light.x * light.x};
+  SquaredWay y = {light.ySquare, light.ySquare};
+  if (!directional) {
+    x = WayAlong(light.x, extent.left, extent.right);
+    y = WayAlong(light.y, extent.top, extent.bottom);
+  }
+  const float least = x.least + y.least + light.zSquare;
+  const float most = x.most + y.most + light.zSquare;
+  if (!(least >= LEAST_SQUARE && most <= MOST_SQUARE))
+    return false;
+  const double longest = std::max(1.0, std::sqrt(static_cast<double>(most)));
+  return static_cast<double>(light.strongest) * longest < MOST_PRODUCT;
+}
+
+bool LM_FitVectors(const LM_kernel_lights& lights, const LM_extent& extent) {
+  const int local = lights.omnis + lights.spots;
+  for (int k = 0; k < lights.Count(); ++k) {
+    if (!LM_FitsVectors(lights.light[k], k >= local, extent))
+      return false;
+  }
+  return true;
 }

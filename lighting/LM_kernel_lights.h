@@ -3,16 +3,34 @@
 #ifndef LM_KERNEL_LIGHTS_H
 #define LM_KERNEL_LIGHTS_H
 
+#include "LM_block.h"
 #include "LM_kernels.h"
 
-// The light, not yet in any row.
-LM_kernel_light LM_KernelLight(const LM_light& light);
+// The lights that give a surface anything, sorted by kind, not yet in any row; they begin with the
+// ambient light.
+struct LM_sorted_lights {
+  LM_kernel_lights kernel;
+  int source[LM_MAX_LIGHTS]; // each one's place in the block
+  uint32_t listed;           // bit j: the block's light j is among them
+};
+// flat: without those that do not rise above a flat surface. The block outlives the result.
+LM_sorted_lights LM_SortLights(const foo& params, bool flat);
 
-// Puts an omni or a spot into the row of samples at y = place, x from `first` to `last`. False when
-// a number could come up there that vectors do not treat as the plain code does: too small, too
-// large, or none.
-bool LM_MoveToRow(LM_kernel_light& light, float place, float first, float last);
-// The same question for a directional light, which no row changes.
-bool LM_DirectionFitsVectors(const LM_kernel_light& light);
+// Where samples lie, in shading units: rows from top to bottom, x from left to right.
+struct LM_extent {
+  float left, right, top, bottom;
+};
+
+// Whether no number comes up between a light that is in no row yet, or the lights, and these
+// samples that vectors do not treat as the plain code does: too small, too large, or NaN.
+bool LM_FitsVectors(const LM_kernel_light& light, bool directional, const LM_extent& extent);
+bool LM_FitVectors(const LM_kernel_lights& lights, const LM_extent& extent);
+
+// Puts an omni or a spot into the row of samples at y = place.
+inline void LM_MoveToRow(const LM_kernel_light& light, float place, LM_kernel_light& moved) {
+  moved.y = light.y - place;
+  moved.ySquare = moved.y * moved.y;
+  moved.axisY = light.axisY * moved.y;
+}
 
 #endif

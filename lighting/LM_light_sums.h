@@ -27,7 +27,13 @@ inline float LM_SpreadAt(const LM_light& light, float cosine) {
                                                        : LM_SPREAD_ENTRIES - 1];
 }
 
-// Adds a light's colour times `factor` to a sum, each product truncated. A factor that is no number
+// Whether the light rises above a flat surface; one that does not gives it nothing. NaN is no
+// height.
+inline bool LM_IsAboveSurface(const LM_light& light) {
+  return (light.type == LM_LIGHT_DIRECTIONAL ? light.direction.z : light.position.z) > 0.0F;
+}
+
+// Adds a light's colour times `factor` to a sum, each product truncated. A factor that is NaN
 // adds 0.
 inline void LM_AddLight(LM_color96& sum, const LM_color96& color, float factor) {
   for (int plane = 0; plane < LM_PLANES; ++plane) {
@@ -68,23 +74,22 @@ void LM_SumLights(const foo* params, int n, LM_color96* diffuseSum, LM_color96* 
 void LM_AdvanceLightCaches(foo* params, uint32_t n);
 
 // Where samples lie, in shading units: the filter rectangle's centre is the origin, samples sit on
-// pixel centres, and one factor scales both axes.
+// pixel centres, and one factor scales both axes. Pixels are the image's.
 class LM_sample_grid {
 public:
-  // Rows and columns are counted from the tile's top-left.
-  LM_sample_grid(const LM_rect& area, const LM_rect& tile, const foo* params)
-      : _area(area), _tile(tile), _width(static_cast<double>(_area.right - _area.left)),
-        _height(static_cast<double>(_area.bottom - _area.top)),
-        _factor(static_cast<double>(params->worldScale /
-                                    static_cast<float>(_area.right - _area.left))) {}
-  float X(int column) const { return _Place(_tile.left + column - _area.left, _width); }
-  float Y(int row) const { return _Place(_tile.top + row - _area.top, _height); }
+  LM_sample_grid(const LM_rect& area, const foo* params)
+      : _area(area), _width(static_cast<double>(area.right - area.left)),
+        _height(static_cast<double>(area.bottom - area.top)),
+        _factor(
+            static_cast<double>(params->worldScale / static_cast<float>(area.right - area.left))) {}
+  float X(int32_t x) const { return _Place(x - _area.left, _width); }
+  float Y(int32_t y) const { return _Place(y - _area.top, _height); }
 
 private:
-  float _Place(int pixel, double extent) const {
+  float _Place(int32_t pixel, double extent) const {
     return static_cast<float>(((static_cast<double>(pixel) - extent * 0.5) + 0.5) * _factor);
   }
-  LM_rect _area, _tile;
+  LM_rect _area;
   double _width, _height, _factor;
 };
 

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <new>
 
-#include "LM_light_sums.h"
-#include "LM_render_rows.h"
+#include "LM_row_driver.h"
 
 namespace {
 
@@ -28,65 +27,14 @@ LM_render_result CheckViews(const LM_render_job& job, const LM_render_views& vie
   return LM_render_result::Done;
 }
 
-// Lights one run by the kernel that light(planes, x) calls.
-template <class Light>
-void LightPlanes(const LM_render_job& job, const LM_render_views& views, const LM_render_run& run,
-                 LM_render_scratch& scratch, Light light) {
-  const LM_kernel_planes planes = {{scratch.planes[0], scratch.planes[1], scratch.planes[2]}};
-  job.kernels->split(views.source.At(run.x, run.y), views.source.pixelStep, run.pixels, planes);
-  light(planes, job.columns.get() + (run.x - job.area.left));
-  job.kernels->join(planes, run.pixels, views.output.At(run.x, run.y), views.output.pixelStep);
-}
-
-void LightFlat(const LM_render_job& job, const LM_render_views& views, const LM_rect& rect,
-               LM_render_scratch& scratch) {
-  LM_kernel_lights lights;
-  for (int32_t y = rect.top; y < rect.bottom; ++y) {
-    const bool vectors = job.kernels != nullptr && LM_RowLights(job, job.flatLights, y, lights);
-    for (int32_t x = rect.left; x < rect.right; x += LM_RENDER_BLOCK) {
-      const LM_render_run run = {x, y, std::min(rect.right - x, LM_RENDER_BLOCK)};
-      if (!vectors) {
-        LM_LightPlainFlat(job, views, run, scratch);
-        continue;
-      }
-      LightPlanes(job, views, run, scratch,
-                  [&](const LM_kernel_planes& planes, const float* place) {
-                    job.kernels->flat(lights, job.surface, place, run.pixels, planes);
-                  });
-    }
-  }
-}
-
-// Goes down one block, so that each row of heights is made once.
-void LightReliefBlock(const LM_render_job& job, const LM_render_views& views, const LM_rect& block,
-                      LM_render_scratch& scratch) {
-  const int32_t pixels = block.right - block.left;
-  LM_kernel_lights lights;
-  LM_FillHeights(job, views.relief, {block.left, block.top - 1, pixels}, true, scratch);
-  LM_FillHeights(job, views.relief, {block.left, block.top, pixels}, false, scratch);
-  for (int32_t y = block.top; y < block.bottom; ++y) {
-    const LM_render_run run = {block.left, y, pixels};
-    LM_FillHeights(job, views.relief, {block.left, y + 1, pixels}, false, scratch);
-    if (job.kernels == nullptr || !LM_RowLights(job, job.reliefLights, y, lights)) {
-      LM_LightPlainRelief(job, views, run, scratch);
-      continue;
-    }
-    const int32_t* const heights[3] = {scratch.heights.At(y - 1), scratch.heights.At(y),
-                                       scratch.heights.At(y + 1)};
-    LightPlanes(job, views, run, scratch, [&](const LM_kernel_planes& planes, const float* place) {
-      job.kernels->relief(lights, job.surface, place, pixels, heights, planes);
-    });
-  }
-}
-
 bool FillColumns(LM_render_job& job) {
   const size_t width = static_cast<size_t>(job.AreaWidth());
   job.columns.reset(new (std::nothrow) float[width + LM_KERNEL_SLACK]);
   if (job.columns == nullptr)
     return false;
-  const LM_sample_grid grid(job.area, job.area, &job.params);
+  const LM_sample_grid grid(job.area, &job.params);
   for (size_t i = 0; i < width; ++i)
-    job.columns[i] = grid.X(static_cast<int>(i));
+    job.columns[i] = grid.X(job.area.left + static_cast<int32_t>(i));
   std::fill_n(job.columns.get() + width, LM_KERNEL_SLACK, job.columns[width - 1]);
   return true;
 }
@@ -126,10 +74,15 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
   job.kernels = kernels;
   if (!FillColumns(job))
     return LM_render_result::NoMemory;
-  job.surface = {params.gloss, params.material, params.exposure};
-  LM_PrepareLights(job);
+  job.flatLights = LM_SortLights(job.params, true);
+  job.reliefLights = LM_SortLights(job.params, false);
   return LM_render_result::Done;
 }
+
+struct LM_render_scratch {
+  LM_row_buffers buffers;
+  LM_scratch_rows samples;
+};
 
 void LM_render_scratch_deleter::operator()(LM_render_scratch* scratch) const {
   delete scratch;
@@ -147,12 +100,25 @@ LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& 
   const LM_render_result checked = CheckViews(job, views, rect);
   if (checked != LM_render_result::Done)
     return checked;
-  if (views.relief.pixels == nullptr) {
-    LightFlat(job, views, rect, scratch);
-    return checked;
+  const bool flat = views.relief.pixels == nullptr;
+  LM_piece piece = {&job.params,
+                    job.kernels,
+                    flat ? &job.flatLights : &job.reliefLights,
+                    job.area,
+                    rect,
+                    nullptr,
+                    views.source,
+                    views.output,
+                    views.relief,
+                    {0, 0, job.imageHeight, job.imageWidth},
+                    nullptr};
+  for (int32_t x = rect.left; x < rect.right; x += LM_RENDER_BLOCK) {
+    piece.rect.left = x;
+    piece.rect.right = std::min(rect.right, x + LM_RENDER_BLOCK);
+    piece.columns = job.columns.get() + (x - job.area.left);
+    LM_row_driver driver(piece, LM_ScratchStore(scratch.samples), scratch.buffers);
+    for (int32_t y = rect.top; y < rect.bottom; ++y)
+      driver.LightNextRow();
   }
-  for (int32_t x = rect.left; x < rect.right; x += LM_RENDER_BLOCK)
-    LightReliefBlock(
-        job, views, {rect.top, x, rect.bottom, std::min(rect.right, x + LM_RENDER_BLOCK)}, scratch);
   return checked;
 }

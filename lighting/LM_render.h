@@ -9,9 +9,8 @@
 
 #include <memory>
 
-#include "LM_block.h"
 #include "LM_image.h"
-#include "LM_kernels.h"
+#include "LM_kernel_lights.h"
 
 enum class LM_render_result {
   Done,
@@ -35,8 +34,7 @@ struct LM_render_job {
   int32_t imageWidth, imageHeight;
   // x of every column of the area in shading units, and a few more that vectors may read.
   std::unique_ptr<float[]> columns;
-  LM_kernel_surface surface; // what the vector kernels read of the block, and its lights
-  LM_kernel_lights flatLights, reliefLights;
+  LM_sorted_lights flatLights, reliefLights;
   const LM_kernels* kernels; // null: the plain rows light everything
 
   int AreaWidth() const { return area.right - area.left; }

@@ -1,8 +1,5 @@
 #include "LM_vector_sums.h"
 
-#include <algorithm>
-
-#include "LM_kernel_lights.h"
 #include "LM_light_sums.h"
 
 namespace {
@@ -16,71 +13,54 @@ bool IsHot(const LM_light& light) {
 
 } // namespace
 
-LM_vector_sums::LM_vector_sums(const foo* params, bool flat, const LM_kernels* kernels)
-    : _params(params), _kernels(kernels), _lights(), _source() {
-  int* const counts[] = {&_lights.omnis, &_lights.spots, &_lights.directionals};
-  const LM_light_type types[] = {LM_LIGHT_OMNI, LM_LIGHT_SPOT, LM_LIGHT_DIRECTIONAL};
-  for (int group = 0; group < 3; ++group) {
-    for (int j = 0; j < LM_LightCount(params); ++j) {
-      if (params->lights[j].type != types[group])
-        continue;
-      LM_kernel_light& light = _lights.light[_lights.Count()];
-      light = LM_KernelLight(params->lights[j]);
-      // A light at or below a flat surface adds nothing to it.
-      if (flat && light.z <= 0.0F) {
-        std::fill_n(light.color, LM_PLANES, 0.0F);
-        light.gray = true;
-      }
-      _source[_lights.Count()] = j;
-      ++*counts[group];
-    }
-  }
-  // A light of no known type.
-  if (_lights.Count() != LM_LightCount(params))
-    _kernels = nullptr;
-}
-
 // The lights that have to be evaluated, in the row, and where their parts go.
 struct LM_vector_sums::ColdLights {
   LM_kernel_lights lights;
   LM_kernel_part parts[LM_MAX_LIGHTS];
 };
 
-bool LM_vector_sums::_FindCold(const LM_vector2f& first, const LM_vector2f& last,
-                               ColdLights& cold) const {
-  for (int k = 0; k < _lights.Count(); ++k) {
-    const LM_light& light = _params->lights[_source[k]];
+bool LM_vector_sums::_FindCold(const LM_extent& extent, ColdLights& cold) const {
+  const LM_kernel_lights& lights = _sorted.kernel;
+  const int local = lights.omnis + lights.spots;
+  for (int k = 0; k < lights.Count(); ++k) {
+    const LM_light& light = _params->lights[_sorted.source[k]];
     if (IsHot(light))
       continue;
-    const int count = cold.lights.Count();
-    LM_kernel_light& moved = cold.lights.light[count];
-    moved = _lights.light[k];
-    const bool directional = k >= _lights.omnis + _lights.spots;
-    if (directional ? !LM_DirectionFitsVectors(moved)
-                    : !LM_MoveToRow(moved, first.y, first.x, last.x))
+    if (!LM_FitsVectors(lights.light[k], k >= local, extent))
       return false;
+    const int count = cold.lights.Count();
+    cold.lights.light[count] = lights.light[k];
+    if (k < local)
+      LM_MoveToRow(lights.light[k], extent.top, cold.lights.light[count]);
     if (IsKept(light))
       cold.parts[count] = {light.diffuseCache, light.specularCache};
-    ++(directional          ? cold.lights.directionals
-       : k >= _lights.omnis ? cold.lights.spots
-                            : cold.lights.omnis);
+    ++(k >= local          ? cold.lights.directionals
+       : k >= lights.omnis ? cold.lights.spots
+                           : cold.lights.omnis);
   }
   return true;
 }
 
 bool LM_vector_sums::Sum(int n, const LM_vector2f* positions, const LM_vector3f* normals,
                          LM_color96* diffuse, LM_color96* specular) const {
+  if (_kernels == nullptr)
+    return false;
   ColdLights cold = {};
-  if (_kernels == nullptr || !_FindCold(positions[0], positions[n - 1], cold))
+  const LM_vector2f& first = positions[0];
+  if (!_FindCold({first.x, positions[n - 1].x, first.y, first.y}, cold))
     return false;
   LM_ClearSums(diffuse, n);
   LM_ClearSums(specular, n);
   for (int j = 0; j < LM_LightCount(_params); ++j) {
     const LM_light& light = _params->lights[j];
-    if (!IsHot(light))
-      continue;
-    LM_AddSums(light.diffuseCache, n, diffuse);
-    LM_AddSums(light.specularCache, n, specular);
+    if (IsHot(light)) {
+      LM_AddSums(light.diffuseCache, n, diffuse);
+      LM_AddSums(light.specularCache, n, specular);
+    } else if (IsKept(light) && (_sorted.listed >> j & 1) == 0) {
+      // It gives nothing, which is what its caches are to hold.
+      LM_ClearSums(light.diffuseCache, n);
+      LM_ClearSums(light.specularCache, n);
+    }
   }
   if (cold.lights.Count() > 0)
     _kernels->sum(cold.lights, cold.parts, {positions, normals, n, diffuse, specular});

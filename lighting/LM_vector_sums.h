@@ -2,15 +2,15 @@
 #ifndef LM_VECTOR_SUMS_H
 #define LM_VECTOR_SUMS_H
 
-#include "LM_block.h"
-#include "LM_kernels.h"
+#include "LM_kernel_lights.h"
 
 // The lights of one parameter block, made ready for one pass over its samples.
 class LM_vector_sums {
 public:
-  // flat: the samples have no normals. kernels: null when there are none; every row is refused
-  // then.
-  LM_vector_sums(const foo* params, bool flat, const LM_kernels* kernels);
+  // sorted: the block's, for a flat surface when the samples have no normals. kernels: null when
+  // there are none; every row is refused then. All outlive it.
+  LM_vector_sums(const foo* params, const LM_sorted_lights& sorted, const LM_kernels* kernels)
+      : _params(params), _sorted(sorted), _kernels(kernels) {}
 
   // Fills the sums of n > 0 samples of one row, ordered by x, as LM_SumLights does with the plain
   // shader, byte for byte, through the caches of the block's lights. False when vectors cannot do
@@ -20,12 +20,10 @@ public:
 
 private:
   struct ColdLights;
-  // first, last: of the row's samples.
-  bool _FindCold(const LM_vector2f& first, const LM_vector2f& last, ColdLights& cold) const;
+  bool _FindCold(const LM_extent& extent, ColdLights& cold) const;
   const foo* _params;
+  const LM_sorted_lights& _sorted;
   const LM_kernels* _kernels;
-  LM_kernel_lights _lights;   // omnis, spots, directional ones
-  int _source[LM_MAX_LIGHTS]; // each one's place in the block
 };
 
 #endif

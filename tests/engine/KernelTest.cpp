@@ -1,9 +1,8 @@
 // The vector kernels one by one, where whole pictures would show too little.
 #include "EngineRun.h"
-#include "LM_bumps.h"
+#include "LM_heights.h"
+#include "LM_light_shader.h"
 #include "LM_light_sums.h"
-#include "LM_render_rows.h"
-#include "LM_shader.h"
 #include "LM_vector_sums.h"
 #include "RenderRun.h"
 
@@ -61,7 +60,7 @@ struct KeptSamples {
     }
     const int count = static_cast<int>(n);
     if (!plain)
-      return LM_vector_sums(&params, normals.empty(), kernels)
+      return LM_vector_sums(&params, LM_SortLights(params, normals.empty()), kernels)
           .Sum(count, positions.data(), normals.empty() ? nullptr : normals.data(), diffuse,
                specular);
     std::vector<int32_t> weights;

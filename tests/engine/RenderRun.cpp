@@ -1,6 +1,6 @@
 #include "RenderRun.h"
 
-#include "LM_render_rows.h"
+#include "LM_light_sums.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -104,13 +104,17 @@ void RenderRun::Light(const LM_rect& rect) {
 }
 
 int RenderRun::VectorRows() const {
-  LM_kernel_lights row;
+  LM_kernel_lights lights =
+      _scene.heights.empty() ? _job.flatLights.kernel : _job.reliefLights.kernel;
+  if (_scene.heights.empty())
+    lights.directionals = 0; // the same everywhere
+  const LM_sample_grid grid(_job.area, &_job.params);
   int count = 0;
-  for (int y = _job.area.top; y < _job.area.bottom; ++y)
+  for (int y = _job.area.top; y < _job.area.bottom; ++y) {
+    const float place = grid.Y(y);
     count +=
-        LM_RowLights(_job, _scene.heights.empty() ? _job.flatLights : _job.reliefLights, y, row)
-            ? 1
-            : 0;
+        LM_FitVectors(lights, {grid.X(_job.area.left), grid.X(_job.area.right - 1), place, place});
+  }
   return count;
 }
 

@@ -1,0 +1,45 @@
+// Rows of heights, filtered from a plane of bytes from the top down.
+#ifndef LM_HEIGHT_ROWS_H
+#define LM_HEIGHT_ROWS_H
+
+#include "LM_image.h"
+#include "LM_kernels.h"
+
+// Pixels that are worked on together: their rows stay in the first-level cache.
+constexpr int LM_RENDER_BLOCK = 1024;
+
+// Three rows that go down an image one by one: row y is at At(y). Sized so that no two rows lie a
+// multiple of 4096 bytes apart, where stores would hold up loads.
+template <class Element> struct LM_row_ring {
+  static constexpr int LENGTH = LM_RENDER_BLOCK + 4 + LM_KERNEL_SLACK;
+  alignas(64) Element row[3][LENGTH];
+  Element* At(int32_t y) { return row[(y + 3) % 3]; } // y from -3
+};
+
+// Of `count` columns from `first` on, LM_RENDER_BLOCK + 2 at most. Beyond the edges, which lie in
+// the plane's bounds, the bytes at the edge go on. The plane and the ring outlive it.
+class LM_height_rows {
+public:
+  LM_height_rows(const LM_source_view& plane, const LM_rect& edges, int32_t first, int count,
+                 int32_t scale, const LM_kernels* kernels, LM_row_ring<uint8_t>& taps)
+      : _plane(plane), _edges(edges), _first(first), _count(count), _scale(scale),
+        _kernels(kernels), _taps(taps) {}
+
+  // Makes the heights of row y. Once the first row is made, the one below each time. heights: room
+  // for LM_KERNEL_SLACK more.
+  void Make(int32_t y, int32_t* heights);
+
+private:
+  void _FillTaps(int32_t y);
+
+  LM_source_view _plane;
+  LM_rect _edges;
+  int32_t _first;
+  int _count;
+  int32_t _scale;
+  const LM_kernels* _kernels;
+  LM_row_ring<uint8_t>& _taps;
+  bool _hasRowsAbove = false;
+};
+
+#endif

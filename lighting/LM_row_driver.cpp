@@ -1,0 +1,228 @@
+#include "LM_row_driver.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "LM_light_shader.h"
+
+namespace {
+
+// Pixels of any step, packed, and back.
+void Pack(const uint8_t* pixels, ptrdiff_t step, uint32_t n, uint8_t* packed) {
+  for (uint32_t i = 0; i < n; ++i, pixels += step, packed += LM_PLANES)
+    std::copy_n(pixels, LM_PLANES, packed);
+}
+void Unpack(const uint8_t* packed, uint32_t n, uint8_t* pixels, ptrdiff_t step) {
+  for (uint32_t i = 0; i < n; ++i, pixels += step, packed += LM_PLANES)
+    std::copy_n(packed, LM_PLANES, pixels);
+}
+
+// The lights as a row's vectors begin with them. On a flat surface a directional light is the same
+// for all samples, so it is there from the start.
+LM_kernel_lights FirstRow(const LM_piece& piece) {
+  LM_kernel_lights row = piece.lights->kernel;
+  const int local = row.omnis + row.spots;
+  for (int k = local; piece.IsFlat() && k < piece.lights->kernel.Count(); ++k) {
+    const LM_vector2f anywhere = {};
+    LM_color96 diffuse = {};
+    LM_color96 specular = {};
+    LM_ShadeLight(piece.params->lights[piece.lights->source[k]], 1, &anywhere, &diffuse, &specular);
+    for (int plane = 0; plane < LM_PLANES; ++plane) {
+      row.diffuse[plane] = LM_WrapAdd(row.diffuse[plane], diffuse.component[plane]);
+      row.specular[plane] = LM_WrapAdd(row.specular[plane], specular.component[plane]);
+    }
+    --row.directionals;
+  }
+  return row;
+}
+
+} // namespace
+
+void LM_sample_store::Next(uint32_t samples, uint32_t pixels) {
+  if (keepsPositions)
+    rows.positions += samples;
+  if (keepsNormals)
+    rows.normals += samples;
+  if (keepsWeights)
+    rows.weights += samples + pixels;
+  if (keepsBase)
+    rows.base += static_cast<size_t>(LM_PLANES) * samples;
+  if (counts != nullptr)
+    ++counts;
+  if (keepsSums) {
+    diffuse += samples;
+    specular += samples;
+  }
+  if (advancing != nullptr)
+    LM_AdvanceLightCaches(advancing, samples);
+}
+
+LM_sample_store LM_ScratchStore(LM_scratch_rows& scratch) {
+  LM_sample_store store = {};
+  store.rows = {scratch.positions, scratch.normals, scratch.weights, scratch.colors.base};
+  store.diffuse = scratch.sums.diffuseSums;
+  store.specular = scratch.sums.specularSums;
+  store.scratch = &scratch;
+  return store;
+}
+
+LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store,
+                             LM_row_buffers& buffers)
+    : _piece(piece), _store(store), _buffers(buffers), _grid(piece.area, piece.params),
+      _heights(piece.plane, piece.edges, piece.rect.left - 1,
+               piece.rect.right - piece.rect.left + 2, piece.params->bumpHeight, piece.kernels,
+               buffers.taps),
+      _sums(piece.params, *piece.lights, piece.kernels), _extent{piece.columns[0],
+                                                                 piece.columns[piece.Pixels() - 1],
+                                                                 _grid.Y(piece.rect.top),
+                                                                 _grid.Y(piece.rect.bottom - 1)},
+      _row(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()), _allFit(false),
+      _y(piece.rect.top) {
+  if (!_onVectors)
+    return;
+  _row = FirstRow(piece);
+  _allFit = LM_FitVectors(_row, _extent);
+}
+
+bool LM_row_driver::_PutLightsIntoRow(float place) {
+  if (!_allFit && !LM_FitVectors(_row, {_extent.left, _extent.right, place, place}))
+    return false;
+  const LM_kernel_light* const lights = _piece.lights->kernel.light;
+  for (int k = 0; k < _row.omnis + _row.spots; ++k)
+    LM_MoveToRow(lights[k], place, _row.light[k]);
+  return true;
+}
+
+void LM_row_driver::LightNextRow() {
+  const int32_t y = _y++;
+  const bool flat = _piece.IsFlat();
+  if (!flat && (_onVectors || _piece.map == nullptr))
+    _FillHeights(y);
+  if (_onVectors && _PutLightsIntoRow(_grid.Y(y))) {
+    _LightPlanes(y);
+  } else if (flat) {
+    _LightFlatSamples(y);
+  } else {
+    // A row of more pixels than a run of facets may have is lit in several runs.
+    for (uint32_t first = 0; first < _piece.Pixels(); first += LM_MAX_RELIEF_PIXELS)
+      _LightFacets(y, first, std::min<uint32_t>(_piece.Pixels() - first, LM_MAX_RELIEF_PIXELS));
+  }
+}
+
+// Makes the row of heights below row y, and of the first row those above it too.
+void LM_row_driver::_FillHeights(int32_t y) {
+  const int32_t top = _piece.rect.top;
+  for (int32_t row = y == top ? -1 : y - top + 1; row <= y - top + 1; ++row) {
+    int32_t* heights = _buffers.heights.At(row);
+    if (_piece.map != nullptr)
+      std::copy_n(_piece.map->heights + static_cast<size_t>(row + 1) * _piece.map->width,
+                  _piece.Pixels() + 2, heights);
+    else
+      _heights.Make(top + row, heights);
+  }
+}
+
+void LM_row_driver::_LightPlanes(int32_t y) {
+  const LM_kernels& kernels = *_piece.kernels;
+  const foo& params = *_piece.params;
+  const int n = static_cast<int>(_piece.Pixels());
+  const LM_kernel_surface surface = {params.gloss, params.material, params.exposure};
+  const LM_kernel_planes planes = {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}};
+  kernels.split(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, n, planes);
+  if (_piece.IsFlat()) {
+    kernels.flat(_row, surface, _piece.columns, n, planes);
+  } else {
+    const int32_t row = y - _piece.rect.top;
+    const int32_t* const heights[3] = {_buffers.heights.At(row - 1), _buffers.heights.At(row),
+                                       _buffers.heights.At(row + 1)};
+    kernels.relief(_row, surface, _piece.columns, n, heights, planes);
+  }
+  kernels.join(planes, n, _piece.output.At(_piece.rect.left, y), _piece.output.pixelStep);
+}
+
+// The pixels from (x, y) on, three bytes each.
+const uint8_t* LM_row_driver::_Packed(int32_t x, int32_t y, uint32_t pixels) {
+  const uint8_t* source = _piece.source.At(x, y);
+  if (_piece.source.pixelStep == LM_PLANES)
+    return source;
+  Pack(source, _piece.source.pixelStep, pixels, _buffers.source);
+  return _buffers.source;
+}
+
+void LM_row_driver::_Combine(uint32_t samples, const uint8_t* colors, uint8_t* out) {
+  LM_Combine(_piece.params, static_cast<unsigned short>(samples), colors, _store.diffuse,
+             _store.specular, _store.scratch->sums.combined, out);
+}
+
+void LM_row_driver::_LightFlatSamples(int32_t y) {
+  const uint32_t pixels = _piece.Pixels();
+  const auto count = static_cast<unsigned short>(pixels);
+  LM_vector2f* positions = _store.rows.positions;
+  const float place = _grid.Y(y);
+  for (uint32_t i = 0; !_store.positionsReady && i < pixels; ++i)
+    positions[i] = {_piece.columns[i], place};
+  if (!_store.sumsReady &&
+      !_sums.Sum(static_cast<int>(pixels), positions, nullptr, _store.diffuse, _store.specular))
+    LM_SumLights(_piece.params, count, _store.diffuse, _store.specular,
+                 [&](const LM_light& light, LM_color96* diffuse, LM_color96* specular) {
+                   LM_ShadeLight(light, count, positions, diffuse, specular);
+                 });
+  _Combine(pixels, _Packed(_piece.rect.left, y, pixels), _buffers.output);
+  Unpack(_buffers.output, pixels, _piece.output.At(_piece.rect.left, y), _piece.output.pixelStep);
+  _store.Next(pixels, pixels);
+}
+
+// The heights around the run, as a bump map; the run's place in it.
+LM_bump_map LM_row_driver::_HeightsAround(int32_t y, LM_pixel_run& run) {
+  const int32_t row = y - _piece.rect.top;
+  if (_piece.map != nullptr) {
+    run.row = static_cast<uint32_t>(row);
+    return *_piece.map;
+  }
+  const size_t width = static_cast<size_t>(run.pixels) + 2;
+  for (int32_t i = 0; i < 3; ++i)
+    std::copy_n(_buffers.heights.At(row - 1 + i) + run.first, width,
+                _buffers.plainHeights + static_cast<size_t>(i) * width);
+  run.first = 0;
+  LM_bump_map map = {};
+  map.heights = _buffers.plainHeights;
+  map.width = static_cast<uint32_t>(width);
+  map.capacity = sizeof _buffers.plainHeights;
+  return map;
+}
+
+// Makes the samples of a run that begins `first` pixels into the piece, as far as they are not
+// kept. Returns how many there are.
+uint32_t LM_row_driver::_MakeFacets(int32_t y, uint32_t first, uint32_t pixels) {
+  if (_store.samplesReady)
+    return *_store.counts;
+  LM_pixel_run run = {0, first, pixels,
+                      _Packed(_piece.rect.left + static_cast<int32_t>(first), y, pixels)};
+  const LM_bump_map map = _HeightsAround(y, run);
+  LM_facet_rows rows = _store.rows;
+  if (_store.positionsReady)
+    rows.positions = nullptr;
+  const uint32_t count = LM_MakeFacets(&map, run, _piece.columns + first, _grid.Y(y), rows);
+  if (_store.counts != nullptr)
+    *_store.counts = count;
+  return count;
+}
+
+void LM_row_driver::_LightFacets(int32_t y, uint32_t first, uint32_t pixels) {
+  const uint32_t count = _MakeFacets(y, first, pixels);
+  const LM_facet_rows& rows = _store.rows;
+  if (!_store.sumsReady && !_sums.Sum(static_cast<int>(count), rows.positions, rows.normals,
+                                      _store.diffuse, _store.specular))
+    LM_SumLights(_piece.params, static_cast<int>(count), _store.diffuse, _store.specular,
+                 [&](const LM_light& light, LM_color96* diffuse, LM_color96* specular) {
+                   LM_ShadeLightBumps(light, count, rows.positions, rows.normals, diffuse, specular,
+                                      rows.weights);
+                 });
+  uint8_t* shaded = _store.scratch->colors.shaded;
+  _Combine(count, rows.base, shaded);
+  LM_BlendFacets(shaded, rows.weights, pixels, _buffers.output);
+  Unpack(_buffers.output, pixels,
+         _piece.output.At(_piece.rect.left + static_cast<int32_t>(first), y),
+         _piece.output.pixelStep);
+  _store.Next(count, pixels);
+}
