@@ -31,9 +31,10 @@ LM_vectori2 Constrained(const LM_vectori2& offset, const LM_vectori2& start,
             Truncate16(static_cast<float>(start.v) * ratio)};
   }
   if (constraint == Constraint::KeepLength) {
-    // The products are cut to whole numbers before they are divided.
+    // The products are cut to whole numbers before they are divided; those of long handles are
+    // longer than a coordinate.
     const auto component = [&](int16_t value) {
-      const int16_t product = Truncate16(static_cast<float>(value) * startLength);
+      const int32_t product = LM_Truncate(static_cast<float>(value) * startLength);
       return Truncate16(static_cast<float>(product) / length);
     };
     return {component(offset.h), component(offset.v)};
@@ -168,10 +169,12 @@ void LM_light_UI::MoveUI(GrafPort* dialog, LM_globals* owner) {
   if (!drag.OverTrash())
     return;
   // The light itself stays where it was when the mouse went to the trash.
-  if (owner->DeleteCurrentLight())
+  if (owner->DeleteCurrentLight()) {
     LM_SetCurLightToDialog(dialog, owner);
-  else
+    LM_ItemForceDraw(dialog, LM_LIGHT_WELL_ITEM);
+  } else {
     LM_ShowTooFewLightsError();
+  }
   LM_DrawTrash(dialog, LM_TRASH_ITEM);
 }
 

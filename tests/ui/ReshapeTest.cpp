@@ -52,7 +52,7 @@ TEST_F(Reshape, ADirectionalLightFollowsTheMouseAsTheKeysAllow) {
       {"a handle without length has no direction to keep", {0, 0}, 30, 40, SHIFT, {0, 0}},
       {"a mouse on the centre has no direction", {30, 40}, 0, 0, COMMAND, {0, 0}},
       {"a mouse on the centre has no length", {30, 40}, 0, 0, SHIFT, {0, 0}},
-      {"a long handle does not turn over", {150, 0}, 250, 0, COMMAND, {131, 0}},
+      {"a long handle keeps its length too", {200, 0}, 0, 250, COMMAND, {0, 200}},
   };
   for (const Case& test : cases) {
     light().type = LM_LIGHT_DIRECTIONAL;
