@@ -21,7 +21,7 @@ QWidget* Front() {
 QPoint PlaceInItem(int item, int along) {
   static const std::vector<Rect> boxes = [] {
     std::vector<Rect> made;
-    for (int16_t number = 1; number <= LM_STYLE_TITLE_ITEM; ++number)
+    for (int16_t number = 1; number <= LM_PREVIEW_ON_ITEM; ++number)
       made.push_back(BoxInResource(LM_PARAMETER_DIALOG, number));
     return made;
   }();
@@ -113,7 +113,7 @@ void DialogUser::Move() {
     _place = QPoint(WORK_AREA_MIDDLE.h + (h - 128) / 2, WORK_AREA_MIDDLE.v + (v - 128) / 2);
   else if (kind == 2)
     _place = QPoint(h * 3 - 40, v * 2 - 40);
-  else if (h % LM_STYLE_TITLE_ITEM >= LM_CANCEL_ITEM || MayEnd()) // 0 and 1: OK and Cancel
+  else if (h % LM_PREVIEW_ON_ITEM >= LM_CANCEL_ITEM || MayEnd()) // 0 and 1: OK and Cancel
     _place = PlaceInItem(h, v);
 }
 

@@ -25,7 +25,6 @@ constexpr int16_t LM_NO_CHANNEL_NAME = 137;
 constexpr int16_t LM_SMALL_BUTTON_LABELS = 139; // 1 Save, 2 Delete
 constexpr int16_t LM_PROPERTIES_TITLE = 140;
 constexpr int16_t LM_DEFAULT_STYLE_NAME = 141;
-constexpr int16_t LM_POPUP_TITLES = 142; // of items 30 to 32
 
 // Colour icons and cursors.
 constexpr int16_t LM_FULL_WELL_ICON = 128;
@@ -68,10 +67,7 @@ enum LM_dialog_item : int16_t {
   LM_BUMP_GROUP_ITEM = 26,
   LM_STYLE_GROUP_ITEM = 27,
   LM_PROPERTIES_TITLE_ITEM = 28,
-  LM_PREVIEW_ON_ITEM = 29,
-  LM_LIGHT_TITLE_ITEM = 30, // titles beside the popups 11, 12 and 20; static texts follow
-  LM_BUMP_TITLE_ITEM = 31,
-  LM_STYLE_TITLE_ITEM = 32
+  LM_PREVIEW_ON_ITEM = 29 // static texts follow
 };
 
 constexpr bool LM_IsSlider(int16_t item) {

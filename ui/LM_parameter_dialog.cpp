@@ -4,7 +4,6 @@
 #include "LM_item_drawing.h"
 #include "LM_mac_UI.h"
 #include "LM_mac_slider_handler.h"
-#include "LM_popup_titles.h"
 #include "MacStrings.h"
 #include "QDText.h"
 
@@ -33,9 +32,6 @@ constexpr ItemDrawing DRAWINGS[] = {
     {LM_BUMP_GROUP_ITEM, LM_DrawGroupBox},
     {LM_STYLE_GROUP_ITEM, LM_DrawGroupBox},
     {LM_PROPERTIES_TITLE_ITEM, LM_DrawPropertiesTitle},
-    {LM_LIGHT_TITLE_ITEM, LM_DrawPopupTitle},
-    {LM_BUMP_TITLE_ITEM, LM_DrawPopupTitle},
-    {LM_STYLE_TITLE_ITEM, LM_DrawPopupTitle},
 };
 
 void DisposeBuilt(DialogPtr dialog) {

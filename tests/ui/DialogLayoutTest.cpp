@@ -77,9 +77,11 @@ TEST_P(Language, TheFrameAndTheRangesAreWhatTheEngineCountsOn) {
   }
 }
 
-// Room for the sign of a check box, the arrow of a popup, the rim of a button.
-int RoomBeside(const std::string& kind) {
-  return kind == "checkBox" ? 22 : kind == "popup" ? 30 : kind == "button" ? 16 : 0;
+// Room for the sign of a check box, the title and the arrow of a popup, the rim of a button.
+int RoomBeside(const json& item) {
+  const std::string kind = item["kind"];
+  const int title = item.value("titleWidth", 0);
+  return kind == "checkBox" ? 22 : kind == "popup" ? 30 + title : kind == "button" ? 16 : 0;
 }
 
 bool IsSmall(int16_t dialog, const json& item) {
@@ -94,14 +96,18 @@ TEST_P(Language, EveryTextHasRoom) {
       const std::string kind = item["kind"];
       const bool small = IsSmall(dialog, item);
       std::vector<std::string> texts = item.value("choices", std::vector<std::string>());
-      texts.push_back(item.value("title", ""));
+      if (kind == "popup")
+        EXPECT_LE(Width(item.value("title", ""), small, bold), item.value("titleWidth", 0) - 4)
+            << GetParam();
+      else
+        texts.push_back(item.value("title", ""));
       // The name in a question is cut to 31 characters when it comes to that.
       const size_t place = texts.back().find("^0");
       if (place != std::string::npos)
         texts.back().replace(place, 2, "A name of thirty-one characters");
       const int lines = kind == "staticText" ? std::max<int>(1, item["box"][3].get<int>() / 16) : 1;
       const int room =
-          kind == "control" ? item["refCon"][1].get<int>() + 2 : WidthOf(item) - RoomBeside(kind);
+          kind == "control" ? item["refCon"][1].get<int>() + 2 : WidthOf(item) - RoomBeside(item);
       for (const std::string& text : texts) {
         // Breaking a line leaves some of it unused.
         const int wanted = Width(text, small) * (lines > 1 ? 115 : 100) / 100;
@@ -128,11 +134,6 @@ TEST_P(Language, TheLabelsOfSlidersStayClearOfEachOther) {
     const Rect box = BoxInResource(LM_PARAMETER_DIALOG, item);
     const std::string label = Item(LM_SMALL_BUTTON_LABELS, item == LM_SAVE_STYLE_ITEM ? 1 : 2);
     EXPECT_LE(Width(label, true), box.right - box.left - 10) << label;
-  }
-  for (int16_t item = LM_LIGHT_TITLE_ITEM; item <= LM_STYLE_TITLE_ITEM; ++item) {
-    const Rect box = BoxInResource(LM_PARAMETER_DIALOG, item);
-    const std::string title = Item(LM_POPUP_TITLES, static_cast<int16_t>(item - 29));
-    EXPECT_LE(Width(title, true, bold), box.right - box.left - 4) << title;
   }
 }
 

@@ -78,6 +78,7 @@ void ReadControl(const nlohmann::json& json, ItemTemplate& item) {
   item.refCon = RefConOf(json);
   if (item.item.kind == ItemKind::Popup) {
     item.minimum = ShortMember(json, "menu", 0);
+    item.maximum = ShortMember(json, "titleWidth", 0);
     item.choices = StringsMember(json, "choices");
   }
 }

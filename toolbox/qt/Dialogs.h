@@ -19,6 +19,7 @@
 // editText, staticText or userItem. What may be given besides:
 //   value, min, max   of a control; a check box has 0, 0, 1 of itself
 //   menu              of a popup: its 'MENU' resource. Or "choices": the texts themselves
+//   titleWidth        of a popup: the part of its box, at the left, that its title is drawn in
 //   definition        of a control: the number or name it was registered under; "variant": 0 to 15
 //   refCon            of a control: a number, or [high 16 bits, low 16 bits]
 //   enabled           false: clicks are not reported. Static texts are so unless they say true

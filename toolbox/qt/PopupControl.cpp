@@ -1,6 +1,7 @@
 #include "ControlBlock.h"
 #include "MenuBlock.h"
 #include "QDShapes.h"
+#include "QDText.h"
 #include "StyledControl.h"
 
 #include <QStyleOptionComboBox>
@@ -11,14 +12,25 @@ namespace {
 struct PopupBlock {
   PopupPrivateData* master;
   PopupPrivateData data;
+  short titleWidth;
 };
+
+constexpr short TITLE_MARGIN = 4; // to the left of a title
+constexpr short BASELINE = 3;     // of a title, below the popup's middle
 
 MenuHandle MenuOf(ControlHandle control) {
   const auto data = reinterpret_cast<PopupPrivateDataHandle>((**control).contrlData);
   return data != nullptr ? (**data).mHandle : nullptr;
 }
 
-// The minimum names the menu, as in a resource; then the value counts its items.
+// The title's part of a popup without one is empty.
+short TitleWidth(ControlHandle control) {
+  const auto* block = reinterpret_cast<const PopupBlock*>((**control).contrlData);
+  return block != nullptr ? block->titleWidth : short{0};
+}
+
+// The minimum names the menu and the maximum is the title's width, as in a resource; then the value
+// counts the menu's items.
 void InitPopup(ControlHandle control) {
   ControlRecord& record = **control;
   auto* block = new (std::nothrow) PopupBlock{};
@@ -30,6 +42,7 @@ void InitPopup(ControlHandle control) {
   if (block->data.mHandle == nullptr)
     block->data.mHandle = NewMenu(menuID, noTitle);
   block->master = &block->data;
+  block->titleWidth = record.contrlMax;
   record.contrlData = reinterpret_cast<Handle>(&block->master);
   record.contrlMax = CountMenuItems(block->data.mHandle);
   record.contrlMin = record.contrlMax > 0 ? 1 : 0;
@@ -42,9 +55,19 @@ void DisposePopup(ControlHandle control) {
   (**control).contrlData = nullptr;
 }
 
+void DrawTitle(const ControlRecord& record) {
+  const short face = CurrentPort()->txFace;
+  TextFace(bold);
+  MoveTo(static_cast<short>(record.contrlRect.left + TITLE_MARGIN),
+         static_cast<short>((record.contrlRect.top + record.contrlRect.bottom) / 2 + BASELINE));
+  DrawString(record.contrlTitle);
+  TextFace(face);
+}
+
 void DrawPopup(ControlHandle control) {
   QStyleOptionComboBox option;
   PrepareOption(control, option);
+  option.rect.setLeft(option.rect.left() + TitleWidth(control));
   option.currentText = MenuText(MenuOf(control), (**control).contrlValue);
   option.subControls = QStyle::SC_All;
   DrawStyled(control, [&](QPainter& painter, const QStyle& style) {
@@ -65,10 +88,10 @@ short TrackPopup(ControlHandle control) {
   if (CountMenuItems(menu) == 0)
     return 0;
   HiliteControl(control, inMenu);
-  const short width = static_cast<short>(record.contrlRect.right - record.contrlRect.left);
-  const short chosen =
-      OpenMenu(menu, record.contrlOwner, Point{record.contrlRect.top, record.contrlRect.left},
-               record.contrlValue, width);
+  const auto left = static_cast<short>(record.contrlRect.left + TitleWidth(control));
+  const auto width = static_cast<short>(record.contrlRect.right - left);
+  const short chosen = OpenMenu(menu, record.contrlOwner, Point{record.contrlRect.top, left},
+                                record.contrlValue, width);
   HiliteControl(control, 0);
   if (chosen == 0)
     return 0;
@@ -87,6 +110,7 @@ int32_t PopupDefinition(short, ControlHandle control, short message, intptr_t pa
   case drawCntl:
     if (IsVisible(control)) {
       EraseRect(&(**control).contrlRect);
+      DrawTitle(**control);
       DrawPopup(control);
     }
     return 0;
