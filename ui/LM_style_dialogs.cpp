@@ -1,5 +1,6 @@
 // The small dialogs of the style menu: asking for a name, and asking whether to replace or delete.
 #include "HostDialogs.h"
+#include "LM_drawing_scopes.h"
 #include "LM_item_drawing.h"
 #include "LM_mac_UI.h"
 #include "LM_mac_stream.h"
@@ -12,6 +13,9 @@ constexpr int16_t CONFIRM_ITEM = 2;
 constexpr int16_t OUTLINE_ITEM = 3;
 constexpr int16_t NAME_ITEM = 4;
 constexpr int16_t NO_DIALOG = -1;
+// What the filter makes of a click on the item that confirms: no dialog has such an item, so that
+// neither a key nor the closing of the window, which hit the item itself, confirms anything.
+constexpr int16_t CONFIRMED = -2;
 
 // A dialog built from a resource that is kept in memory meanwhile.
 class SmallDialog {
@@ -62,21 +66,19 @@ bool IsDeclineKey(const EventRecord& event) {
          character == kEscapeCharCode || (character == '.' && (event.modifiers & cmdKey) != 0);
 }
 
-// The confirmations' filter, which also notes the item last pressed with the mouse: nothing else,
-// such as the window's closing, may confirm.
-Boolean FilterAndNotePress(DialogPtr dialog, EventRecord* event, int16_t* item) {
-  if (event->what == mouseDown) {
-    GrafPtr before = nullptr;
-    GetPort(&before);
-    SetPort(dialog);
-    Point point = event->where;
-    GlobalToLocal(&point);
-    SetPort(before);
-    SetWRefCon(dialog, FindDialogItem(dialog, point) + 1);
-  } else if (event->what == keyDown || event->what == autoKey) {
-    SetWRefCon(dialog, 0);
-  }
-  return LM_ConfirmDialogFilter(dialog, event, item) != 0 ? 1 : 0;
+// The confirmations' filter, which also follows a press on the item that confirms.
+Boolean FilterConfirmation(DialogPtr dialog, EventRecord* event, int16_t* item) {
+  if (event->what != mouseDown)
+    return LM_ConfirmDialogFilter(dialog, event, item) != 0 ? 1 : 0;
+  const LM_port_scope port(dialog);
+  Point point = event->where;
+  GlobalToLocal(&point);
+  const ControlHandle button = LM_ItemControl(dialog, CONFIRM_ITEM);
+  if (TestControl(button, point) == 0)
+    return 0;
+  if (TrackControl(button, point, nullptr) != 0)
+    *item = CONFIRMED;
+  return 1;
 }
 
 LM_bool Confirm(int16_t number, ConstStr255Param name) {
@@ -85,12 +87,11 @@ LM_bool Confirm(int16_t number, ConstStr255Param name) {
     return 0;
   static const Str255 empty = {0};
   ParamText(name, empty, empty, empty);
-  SetWRefCon(confirmation.dialog, 0);
   ShowWindow(confirmation.dialog);
   int16_t item = 0;
-  while (item != DECLINE_ITEM && item != CONFIRM_ITEM && item != NO_DIALOG)
-    ModalDialog(FilterAndNotePress, &item);
-  return item == CONFIRM_ITEM && GetWRefCon(confirmation.dialog) == CONFIRM_ITEM ? 1 : 0;
+  while (item != DECLINE_ITEM && item != CONFIRM_ITEM && item != CONFIRMED && item != NO_DIALOG)
+    ModalDialog(FilterConfirmation, &item);
+  return item == CONFIRMED ? 1 : 0;
 }
 
 } // namespace

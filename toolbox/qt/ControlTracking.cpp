@@ -32,7 +32,9 @@ short TrackButton(ControlHandle control, short part, ControlActionProcPtr action
   }
   follow();
   HiliteControl(control, 0);
-  return inside ? part : short{0};
+  // The close of a window ends the drag, and is no click wherever the mouse was.
+  const DialogWindow* window = DialogWindow::Of((**control).contrlOwner);
+  return inside && window != nullptr && !window->closeRequested() ? part : short{0};
 }
 
 // For a definition that leaves dragging to the Control Manager: the indicator moves on release.
