@@ -10,10 +10,6 @@
 
 namespace {
 
-void CutName(StringPtr name) {
-  TB_CutPString(name, LM_MAX_STYLE_NAME);
-}
-
 LM_bool CloseFile(int16_t& fileReference, LM_bool& isOpen) {
   if (isOpen == 0)
     return 0;
@@ -44,10 +40,9 @@ LM_bool ReadField(LM_style_istream& stream, int16_t& value) {
 } // namespace
 
 LM_bool LM_style_ostream::Open(StringPtr name) {
-  CutName(name);
   int16_t vRefNum = 0;
   int32_t dirID = 0;
-  if (_isOpen != 0 || LM_GetStyleFolder(&vRefNum, &dirID) == 0)
+  if (_isOpen != 0 || !LM_FindStyle(&vRefNum, &dirID, name))
     return 0;
   if (HCreate(vRefNum, dirID, name, LM_STYLE_CREATOR, LM_STYLE_FILE_TYPE) != noErr ||
       HOpen(vRefNum, dirID, name, fsRdWrPerm, &_fileReference) != noErr)
@@ -81,10 +76,9 @@ LM_bool LM_style_ostream::_WriteBigEndian(uint32_t value, int bytes) {
 }
 
 LM_bool LM_style_istream::Open(StringPtr name) {
-  CutName(name);
   int16_t vRefNum = 0;
   int32_t dirID = 0;
-  if (_isOpen != 0 || LM_GetStyleFolder(&vRefNum, &dirID) == 0 ||
+  if (_isOpen != 0 || !LM_FindStyle(&vRefNum, &dirID, name) ||
       HOpen(vRefNum, dirID, name, fsRdPerm, &_fileReference) != noErr)
     return 0;
   _isOpen = 1;

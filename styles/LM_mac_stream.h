@@ -1,7 +1,10 @@
 // Style files as streams in the style folder, and the folder itself.
 //
 // Names are length-prefixed UTF-8. Every operation that touches a file first cuts a name of 32
-// bytes or more to 31 in place, never within a character. Nothing here shows a message.
+// bytes or more to 31 in place, never within a character. Names that differ by case and marks alone
+// stand for the same style, as the style menu compares them: a name becomes, in place, that of the
+// file it stands for. A folder that holds several such files, written by others, has them told
+// apart: there each stands for itself. Nothing here shows a message.
 #ifndef LM_MAC_STREAM_H
 #define LM_MAC_STREAM_H
 
@@ -18,6 +21,11 @@ constexpr unsigned LM_MAX_STYLE_NAME = 31;
 LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID);
 // The same, and why not: memFullErr for want of memory, anything else for want of the folder.
 OSErr LM_FindStyleFolder(int16_t* vRefNum, int32_t* dirID);
+// Makes `name` that of the file it stands for in a folder. fnfErr when it stands for none.
+OSErr LM_FindStyleName(int16_t vRefNum, int32_t dirID, StringPtr name);
+// The style folder and the file in it that `name`, cut, stands for, if there is one. False without
+// a folder.
+bool LM_FindStyle(int16_t* vRefNum, int32_t* dirID, StringPtr name);
 
 // Writes one style file. Open, write, Close; one file in a stream's life at a time.
 class LM_style_ostream {
@@ -27,7 +35,7 @@ public:
   LM_style_ostream& operator=(const LM_style_ostream&) = delete;
   ~LM_style_ostream() { Close(); }
 
-  // Creates the file and writes what identifies it. Fails when a file of that name exists; a file
+  // Creates the file and writes what identifies it. Fails when the name stands for a file; a file
   // created before a failed write stays.
   LM_bool Open(StringPtr name);
   // True when the stream was open and closing succeeded, delayed writes included.
@@ -41,7 +49,7 @@ public:
   LM_bool WriteS16(int16_t value) { return WriteU16(static_cast<uint16_t>(value)); }
   LM_bool WriteS32(int32_t value) { return WriteU32(static_cast<uint32_t>(value)); }
 
-  // Removes a style file.
+  // Removes the style file of exactly that name: what goes for good is not guessed.
   static LM_bool Erase(StringPtr name);
   // True when the file is there and opening it for writing is not permitted.
   static LM_bool IsLocked(StringPtr name);

@@ -1,5 +1,4 @@
 // The style folder: finding it, listing it, and what may be done with a file in it.
-#include <algorithm>
 
 #include "LM_mac_stream.h"
 #include "LM_style_library.h"
@@ -27,8 +26,7 @@ OSErr LookUpFolder(int16_t vRefNum, int32_t parent, StringPtr name, int32_t* dir
 // A named file of the style folder.
 struct FolderFile {
   explicit FolderFile(StringPtr fileName) : name(fileName) {
-    TB_CutPString(name, LM_MAX_STYLE_NAME);
-    found = LM_GetStyleFolder(&vRefNum, &dirID) != 0;
+    found = LM_FindStyle(&vRefNum, &dirID, name);
   }
   OSErr TryOpen(int8_t permission) const {
     int16_t reference = 0;
@@ -69,9 +67,42 @@ LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID) {
   return LM_FindStyleFolder(vRefNum, dirID) == noErr ? 1 : 0;
 }
 
+OSErr LM_FindStyleName(int16_t vRefNum, int32_t dirID, StringPtr name) {
+  Str255 found;
+  HParamBlockRec block = {};
+  block.fileParam.ioNamePtr = found;
+  block.fileParam.ioVRefNum = vRefNum;
+  block.fileParam.ioDirID = dirID;
+  LM_PStringCopy(found, name);
+  OSErr result = PBHGetFInfo(&block, 0);
+  if (result != fnfErr)
+    return result;
+  for (int16_t place = 1; place < INT16_MAX; ++place) {
+    block.fileParam.ioFDirIndex = place;
+    result = PBHGetFInfo(&block, 0);
+    if (result != noErr)
+      return result;
+    if (EqualString(found, name, 0, 0) != 0) {
+      LM_PStringCopy(name, found);
+      return noErr;
+    }
+  }
+  return fnfErr;
+}
+
+bool LM_FindStyle(int16_t* vRefNum, int32_t* dirID, StringPtr name) {
+  TB_CutPString(name, LM_MAX_STYLE_NAME);
+  if (LM_GetStyleFolder(vRefNum, dirID) == 0)
+    return false;
+  LM_FindStyleName(*vRefNum, *dirID, name);
+  return true;
+}
+
 LM_bool LM_style_ostream::Erase(StringPtr name) {
-  const FolderFile file(name);
-  return file.found && HDelete(file.vRefNum, file.dirID, file.name) == noErr ? 1 : 0;
+  TB_CutPString(name, LM_MAX_STYLE_NAME);
+  int16_t vRefNum = 0;
+  int32_t dirID = 0;
+  return LM_GetStyleFolder(&vRefNum, &dirID) != 0 && HDelete(vRefNum, dirID, name) == noErr ? 1 : 0;
 }
 
 LM_bool LM_style_ostream::IsLocked(StringPtr name) {

@@ -138,7 +138,8 @@ LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals) {
 LM_bool LM_AddStyle(StringPtr name, LM_globals* globals) {
   TB_CutPString(name, LM_MAX_STYLE_NAME);
   LM_style_place folder = {};
-  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0)
+  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0 ||
+      LM_FindStyleName(folder.vRefNum, folder.dirID, name) != fnfErr)
     return 0;
   return SaveInto(folder, name, *globals, limn::Existing::Keep);
 }

@@ -45,8 +45,8 @@ std::vector<LM_listed_style> LM_ListStyles();
 // LM_style_istream::IndexedInfo answers for 0, 1, 2 …, in one walk.
 std::vector<std::string> LM_StyleNames();
 
-// Reads the style of that name, or one whose name differs only by case and marks. False with a
-// sentence that names the style. Throws std::bad_alloc.
+// Reads the style that the name stands for. False with a sentence that names the style. Throws
+// std::bad_alloc.
 bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& why);
 
 // Replaces a style of the folder by the settings. At every moment, also after a crash, the name

@@ -60,14 +60,13 @@ template <class Visit> void ForEachStyle(size_t most, Visit visit) {
   }
 }
 
-TB_Str255 DefaultName() {
-  TB_Str255 name;
-  GetIndString(name.bytes, DEFAULT_STYLE_NAME, 1);
-  return name;
-}
-
-bool SameName(std::string_view name, ConstStr255Param other) {
-  return EqualString(TB_PString(name), other, 0, 0) != 0;
+// Of the file that holds the default style, if there is one.
+std::string DefaultName() {
+  Str255 name;
+  GetIndString(name, DEFAULT_STYLE_NAME, 1);
+  LM_style_istream stream;
+  stream.Open(name);
+  return TB_StdString(name);
 }
 
 bool Decode(const FileBytes& content, LM_style& style, std::string& why) {
@@ -85,10 +84,9 @@ std::vector<LM_listed_style> LM_ListStyles() {
     listed.loads = Decode(content, listed.style, listed.why);
     styles.push_back(std::move(listed));
   });
-  const TB_Str255 first = DefaultName();
-  std::stable_partition(styles.begin(), styles.end(), [&](const LM_listed_style& listed) {
-    return SameName(listed.name, first);
-  });
+  const std::string first = DefaultName();
+  std::stable_partition(styles.begin(), styles.end(),
+                        [&](const LM_listed_style& listed) { return listed.name == first; });
   return styles;
 }
 
@@ -111,16 +109,10 @@ bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& wh
   TB_Str255 file = TB_PString(name);
   TB_CutPString(file.bytes, LM_MAX_STYLE_NAME);
   FileBytes content;
-  if (!ReadBytes(folder, file, sizeof content.bytes, content)) {
-    const std::vector<std::string> names = LM_StyleNames();
-    const auto similar = std::find_if(names.begin(), names.end(), [&](const std::string& listed) {
-      return SameName(listed, file);
-    });
-    if (similar == names.end() ||
-        !ReadBytes(folder, TB_PString(*similar), sizeof content.bytes, content)) {
-      why = "There is no style “" + std::string(name) + "”.";
-      return false;
-    }
+  if (LM_FindStyleName(folder.vRefNum, folder.dirID, file.bytes) != noErr ||
+      !ReadBytes(folder, file, sizeof content.bytes, content)) {
+    why = "There is no style “" + std::string(name) + "”.";
+    return false;
   }
   std::string reason;
   if (!Decode(content, style, reason)) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "LM_gallery.h"
+#include "LM_mac_stream.h"
 #include "LM_style_codec.h"
 #include "LM_style_place.h"
 #include "MacFiles.h"
@@ -53,9 +54,12 @@ bool Seed(const LM_style_place& styles, const std::string& name) {
   LM_style style = {};
   if (!LM_BundledStyle(name, style))
     return false;
+  TB_Str255 file = TB_PString(name);
+  const OSErr found = LM_FindStyleName(styles.vRefNum, styles.dirID, file.bytes);
+  if (found != fnfErr)
+    return found == noErr;
   uint8_t bytes[LM_STYLE_MAX_BYTES];
   const size_t size = LM_EncodeStyle(style, bytes);
-  const TB_Str255 file = TB_PString(name);
   const std::string_view all(reinterpret_cast<const char*>(bytes), size);
   if (LM_WriteStyleFile(styles, file, all, limn::Existing::Keep))
     return true;

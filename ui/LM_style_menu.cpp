@@ -18,37 +18,18 @@ void GetChosenName(const LM_style_menu& menu, Str255 name) {
   LM_PopupGetItem(menu.dialog, LM_STYLE_ITEM, ChosenPlace(menu), name);
 }
 
-bool SameName(ConstStr255Param a, ConstStr255Param b) {
-  return EqualString(a, b, 0, 0) != 0;
-}
-
-// Delete is for every style but the default one.
+// Delete is for every style but the default one, which comes first.
 void EnableDeleteForChoice(const LM_style_menu& menu) {
   Str255 name;
   GetChosenName(menu, name);
-  const bool deletable = name[0] != 0 && !SameName(name, menu.defaultName);
+  const bool isDefault = ChosenPlace(menu) == 1 && EqualString(name, menu.defaultName, 0, 0) != 0;
+  const bool deletable = name[0] != 0 && !isDefault;
   (deletable ? LM_EnableItem : LM_DisableItem)(menu.dialog, LM_DELETE_STYLE_ITEM);
   LM_ItemForceDraw(menu.dialog, LM_DELETE_STYLE_ITEM);
 }
 
-// Loads the style that the dialog opens with, or else the menu's first one, and answers its place
-// in the menu; 0 when neither loads.
-int16_t LoadOpeningStyle(LM_style_menu& menu) {
-  Str255 name;
-  LM_PStringCopy(name, menu.openingName);
-  if (name[0] != 0 && LM_LoadStyle(name, menu.globals) != 0)
-    return LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name);
-  LM_PopupGetItem(menu.dialog, LM_STYLE_ITEM, 1, name);
-  return name[0] != 0 && LM_LoadStyle(name, menu.globals) != 0 ? int16_t{1} : int16_t{0};
-}
-
-void Choose(const LM_style_menu& menu, int16_t place) {
-  if (place > 0)
-    LM_SetControlValue(menu.dialog, LM_STYLE_ITEM, place);
-}
-
 // Where exactly this name stands in the menu, or one that differs by case and marks; 0 for neither.
-int16_t PlaceOfSavedName(const LM_style_menu& menu, ConstStr255Param name) {
+int16_t PlaceOfName(const LM_style_menu& menu, ConstStr255Param name) {
   const MenuHandle styles = LM_PopupMenu(menu.dialog, LM_STYLE_ITEM);
   Str255 text;
   for (int16_t place = styles != nullptr ? CountMenuItems(styles) : int16_t{0}; place > 0;
@@ -60,9 +41,29 @@ int16_t PlaceOfSavedName(const LM_style_menu& menu, ConstStr255Param name) {
   return LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name);
 }
 
-// Asks until there is a name that may be written, or the user gives up.
+// Loads the style that the dialog opens with, or else the menu's first one, and answers its place
+// in the menu; 0 when neither loads.
+int16_t LoadOpeningStyle(LM_style_menu& menu) {
+  Str255 name;
+  LM_PStringCopy(name, menu.openingName);
+  if (name[0] != 0 && LM_LoadStyle(name, menu.globals) != 0)
+    return PlaceOfName(menu, name);
+  LM_PopupGetItem(menu.dialog, LM_STYLE_ITEM, 1, name);
+  return name[0] != 0 && LM_LoadStyle(name, menu.globals) != 0 ? int16_t{1} : int16_t{0};
+}
+
+void Choose(const LM_style_menu& menu, int16_t place) {
+  if (place > 0)
+    LM_SetControlValue(menu.dialog, LM_STYLE_ITEM, place);
+}
+
+// Asks until there is a name that may be written, or the user gives up. `name` becomes that of the
+// style to be replaced, if there is one.
 bool AskForName(const LM_style_menu& menu, StringPtr name) {
-  while (LM_AskSaveAsName(menu.record, name) != 0) {
+  Str255 typed;
+  LM_PStringCopy(typed, name);
+  while (LM_AskSaveAsName(menu.record, typed) != 0) {
+    LM_PStringCopy(name, typed);
     if (LM_style_istream::Exists(name) == 0)
       return true;
     if (LM_ConfirmOverwrite(name) == 0)
@@ -72,6 +73,12 @@ bool AskForName(const LM_style_menu& menu, StringPtr name) {
     LM_FileSaveLockedError(name);
   }
   return false;
+}
+
+// The settings are those of the style at this place of the menu.
+void NoteLoaded(LM_style_menu& menu, int16_t place) {
+  menu.loadedPlace = place;
+  menu.globals->SetStyleIndex(place);
 }
 
 void ShowSettings(const LM_style_menu& menu) {
@@ -87,15 +94,16 @@ LM_bool LM_RebuildStylePopup(DialogPtr dialog, int16_t item) {
   if (menu == nullptr)
     return 0;
   LM_PopupClear(dialog, item);
-  Str255 defaultName;
-  GetIndString(defaultName, LM_DEFAULT_STYLE_NAME, 1);
+  Str255 first;
+  GetIndString(first, LM_DEFAULT_STYLE_NAME, 1);
   LM_style_istream probe;
-  if (probe.Open(defaultName) != 0)
-    AppendMenu(menu, defaultName);
+  if (probe.Open(first) != 0)
+    AppendMenu(menu, first);
   probe.Close();
+  // A second style whose name differs from the default one's by case and marks is the user's too.
   for (const std::string& name : LM_StyleNames()) {
     const TB_Str255 text = TB_PString(name);
-    if (!SameName(text, defaultName))
+    if (EqualString(text, first, 1, 1) == 0)
       AppendMenu(menu, text);
   }
   LM_PopupUseMenuRange(dialog, item);
@@ -107,7 +115,7 @@ LM_bool LM_RebuildStylePopup(DialogPtr dialog, int16_t item) {
 }
 
 LM_style_menu LM_UseStyleMenu(DialogPtr dialog, LM_globals* globals, FilterRecord* record) {
-  LM_style_menu menu = {dialog, globals, record, {0}, {0}};
+  LM_style_menu menu = {dialog, globals, record, {0}, {0}, 0};
   GetIndString(menu.defaultName, LM_DEFAULT_STYLE_NAME, 1);
   if (globals->UseCurrentSettings() == 0)
     LM_PopupGetItem(dialog, LM_STYLE_ITEM, 1, menu.openingName);
@@ -117,12 +125,12 @@ LM_style_menu LM_UseStyleMenu(DialogPtr dialog, LM_globals* globals, FilterRecor
 void LM_OpenStyleMenu(LM_style_menu& menu) {
   LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM);
   if (menu.globals->UseCurrentSettings() == 0) {
-    menu.globals->SetStyleIndex(LoadOpeningStyle(menu));
+    NoteLoaded(menu, LoadOpeningStyle(menu));
   } else {
     const MenuHandle styles = LM_PopupMenu(menu.dialog, LM_STYLE_ITEM);
     const int16_t kept = menu.globals->StyleIndex();
-    if (styles == nullptr || kept < 0 || kept > CountMenuItems(styles))
-      menu.globals->SetStyleIndex(0);
+    const bool isThere = styles != nullptr && kept >= 0 && kept <= CountMenuItems(styles);
+    NoteLoaded(menu, isThere ? kept : int16_t{0});
   }
   Choose(menu, menu.globals->StyleIndex());
   EnableDeleteForChoice(menu);
@@ -141,21 +149,21 @@ void LM_RunSaveFlow(LM_style_menu& menu) {
   GetChosenName(menu, name);
   if (!AskForName(menu, name))
     return;
-  const bool listed = LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name) > 0;
+  const bool listed = PlaceOfName(menu, name) > 0;
   const LM_bool saved =
       listed ? LM_ReplaceStyle(name, menu.globals) : LM_AddStyle(name, menu.globals);
   if (saved == 0)
     LM_ShowStyleSaveError();
   LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM);
-  const int16_t place = PlaceOfSavedName(menu, name);
+  const int16_t place = PlaceOfName(menu, name);
   Choose(menu, place);
-  menu.globals->SetStyleIndex(place);
+  NoteLoaded(menu, place);
   EnableDeleteForChoice(menu);
 }
 
 LM_style_outcome LM_RunLoadFlow(LM_style_menu& menu) {
   const int16_t place = ChosenPlace(menu);
-  if (place == menu.globals->StyleIndex())
+  if (place == menu.loadedPlace)
     return {CV_RESULT_OK, false};
   EnableDeleteForChoice(menu);
   Str255 name;
@@ -164,7 +172,7 @@ LM_style_outcome LM_RunLoadFlow(LM_style_menu& menu) {
     LM_ShowStyleLoadError();
     return {CV_RESULT_OK, false};
   }
-  menu.globals->SetStyleIndex(place);
+  NoteLoaded(menu, place);
   const int16_t result = LM_CheckBumpChannel(menu.dialog, menu.globals);
   ShowSettings(menu);
   return {result, true};
@@ -185,8 +193,12 @@ LM_style_outcome LM_RunDeleteFlow(LM_style_menu& menu) {
     return {CV_RESULT_OK, false};
   }
   menu.globals->Default();
-  if (LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM) != 0)
-    Choose(menu, LoadOpeningStyle(menu));
+  // The settings keep the index of the style that is gone, where another one may stand now.
+  menu.loadedPlace = 0;
+  if (LM_RebuildStylePopup(menu.dialog, LM_STYLE_ITEM) != 0) {
+    menu.loadedPlace = LoadOpeningStyle(menu);
+    Choose(menu, menu.loadedPlace);
+  }
   EnableDeleteForChoice(menu);
   const int16_t result = LM_CheckBumpChannel(menu.dialog, menu.globals);
   ShowSettings(menu);

@@ -9,8 +9,9 @@ struct LM_style_menu {
   DialogPtr dialog;
   LM_globals* globals;
   FilterRecord* record;
-  Str255 defaultName; // a style of this name comes first and cannot be deleted
-  Str255 openingName; // the style that the dialog opens with; empty when it keeps settings
+  Str255 defaultName;  // a style of this name comes first and cannot be deleted
+  Str255 openingName;  // the style that the dialog opens with; empty when it keeps settings
+  int16_t loadedPlace; // of the style in the menu that was loaded or saved last; 0 for none
 };
 
 // What a flow came to.

@@ -48,12 +48,7 @@ StyleLibrary SetUpLibrary() {
 // Whether the library has a file of that name, readable as a style or not.
 bool IsInLibrary(const std::string& name) {
   TB_Str255 file = TB_PString(name);
-  if (LM_style_istream::Exists(file.bytes) != 0)
-    return true;
-  const std::vector<std::string> names = LM_StyleNames();
-  return std::any_of(names.begin(), names.end(), [&](const std::string& listed) {
-    return EqualString(TB_PString(listed), file, 0, 0) != 0;
-  });
+  return LM_style_istream::Exists(file.bytes) != 0;
 }
 
 } // namespace

@@ -107,6 +107,33 @@ TEST_F(StyleLibrary, ListsWhatTheMenuListsAndTellsWhatWouldNotLoad) {
   EXPECT_EQ(styles.back().style.gloss, 2);
 }
 
+TEST_F(StyleLibrary, NamesThatDifferByCaseAndMarksStandForOneStyle) {
+  Use();
+  Write("Zébra", StyleBytes(9));
+  TB_Str255 name = TB_PString("zEBRA");
+  EXPECT_EQ(LM_SaveStyle(name.bytes, settings), 0);
+  name = TB_PString("zebra");
+  EXPECT_EQ(LM_AddStyle(name.bytes, settings), 0);
+  EXPECT_TRUE(Replace("zebra"));
+  EXPECT_NE(Bytes("Zébra"), StyleBytes(9));
+  // Both are there: each stands for itself, and goes by itself.
+  Write("zEBRA", StyleBytes(7));
+  LM_style style;
+  std::string why;
+  ASSERT_TRUE(LM_ReadLibraryStyle("zEBRA", style, why)) << why;
+  EXPECT_EQ(style.gloss, 7);
+  name = TB_PString("zebra");
+  EXPECT_EQ(LM_DeleteStyle(name.bytes), 0) << "of two, the one that was named";
+  name = TB_PString("zEBRA");
+  EXPECT_EQ(LM_DeleteStyle(name.bytes), 1);
+  EXPECT_TRUE(std::filesystem::exists(Style("Zébra")));
+  // A bundled style does not join one of the user's.
+  std::filesystem::rename(Style("Campfire"), Style("campfire"));
+  std::ofstream(folder / "limn" / "bundled-styles") << "Something Old\n";
+  Use();
+  EXPECT_FALSE(std::filesystem::exists(Style("Campfire")));
+}
+
 // Listing reads each file once: the work grows with the files, not with their square.
 TEST_F(StyleLibrary, ListingCostsTheSameForEachFile) {
   Use();

@@ -7,6 +7,9 @@
 #include "MacFiles.h"
 #include "MacStrings.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWidget>
 #include <algorithm>
 #include <fstream>
 
@@ -139,6 +142,21 @@ struct Decline {
   const char* name;
   void (*act)(ToolboxScript&);
 };
+// On the button that confirms, released beside it.
+void PressAndChangeOnesMind(ToolboxScript& script) {
+  const Point button = MiddleOf(2, LM_OVERWRITE_DIALOG);
+  script.Drag(button.h, button.v, button.h, 10);
+}
+void PressKeyInConfirmation(int key) {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (!widget->isVisible() || widget->windowTitle() == "Lighting")
+      continue;
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+    return;
+  }
+  ADD_FAILURE() << "there is no confirmation";
+}
 const Decline DECLINES[] = {
     {"Return", [](ToolboxScript& s) { s.KeyPress(kReturnKeyCode); }},
     {"Enter", [](ToolboxScript& s) { s.KeyPress(kEnterKeyCode); }},
@@ -147,6 +165,22 @@ const Decline DECLINES[] = {
      [](ToolboxScript& s) { s.KeyDown(kCommandKeyCode).Type(".").KeyUp(kCommandKeyCode); }},
     {"its button", [](ToolboxScript& s) { ClickItem(s, 1, LM_OVERWRITE_DIALOG); }},
     {"closing the window", [](ToolboxScript& s) { s.CloseWindow().Wait(500); }},
+    {"closing it after a press",
+     [](ToolboxScript& s) {
+       PressAndChangeOnesMind(s);
+       s.CloseWindow().Wait(500);
+     }},
+    {"closing it while the button is pressed",
+     [](ToolboxScript& s) {
+       const Point button = MiddleOf(2, LM_OVERWRITE_DIALOG);
+       s.Press(button.h, button.v).Wait(60).CloseWindow().Wait(500).Release(button.h, button.v);
+     }},
+    {"the space bar after a press",
+     [](ToolboxScript& s) {
+       PressAndChangeOnesMind(s);
+       s.Call([] { PressKeyInConfirmation(Qt::Key_F6); });
+       s.Call([] { PressKeyInConfirmation(Qt::Key_Space); }).Wait(KEY_ANSWERED);
+     }},
 };
 
 TEST_F(DialogStyles, OnlyAClickReplaces) {
@@ -266,8 +300,50 @@ TEST_F(DialogStyles, DeletingGoesBackToTheOpeningStyle) {
       EXPECT_EQ(Globals()->StyleIndex(), 2) << "left as it was";
       EXPECT_TRUE(LM_ItemIsDisabled(Dialog(), LM_DELETE_STYLE_ITEM));
     });
+    ChooseStyle(script, 1); // where the deleted one stood
+    script.Call([&] { EXPECT_EQ(Globals()->gloss, 4); });
   });
   EXPECT_FALSE(std::filesystem::exists(StylePath("mine")));
+}
+
+TEST_F(DialogStyles, SavingAsksAboutTheStyleThatTheMenuShows) {
+  OnlyStyles({{"Default", 2}, {"MINE", 3}});
+  for (const char* name : {"Default", "MINE"}) {
+    const std::string old = Bytes(name);
+    RunAndCancel([&](ToolboxScript& script) {
+      script.Call([&] { Globals()->gloss = 99; });
+      SaveAs(script, std::string(name) == "MINE" ? "mine" : "default");
+      Confirm(script, LM_OVERWRITE_DIALOG);
+      script.Call([&, name] {
+        EXPECT_EQ(MenuTexts(), (Names{"Default", "MINE"}));
+        EXPECT_EQ(PopupText(LM_STYLE_ITEM), name);
+      });
+    });
+    EXPECT_NE(Bytes(name), old) << name;
+  }
+  EXPECT_EQ(StyleFiles(), (Names{"Default", "MINE"}));
+}
+
+TEST_F(DialogStyles, StylesThatDifferByCaseAloneAreToldApart) {
+  OnlyStyles({{"Default", 2}, {"default", 3}, {"MINE", 4}, {"mine", 5}});
+  RunAndCancel([&](ToolboxScript& script) {
+    script.Call([&] {
+      EXPECT_EQ(MenuTexts(), (Names{"Default", "default", "MINE", "mine"}));
+      EXPECT_EQ(Globals()->gloss, 2);
+    });
+    ChooseStyle(script, 1);
+    script.Call([&] {
+      EXPECT_EQ(Globals()->gloss, 3);
+      EXPECT_FALSE(LM_ItemIsDisabled(Dialog(), LM_DELETE_STYLE_ITEM)) << "it is the user's";
+    });
+    ChooseStyle(script, 2);
+    script.Call([&] { EXPECT_EQ(Globals()->gloss, 5); });
+    ClickItem(script, LM_DELETE_STYLE_ITEM);
+    script.Wait(DIALOG_OPENS);
+    Confirm(script, LM_DELETE_DIALOG);
+    script.Call([&] { EXPECT_EQ(MenuTexts(), (Names{"Default", "default", "MINE"})); });
+  });
+  EXPECT_EQ(StyleFiles(), (Names{"Default", "MINE", "default"}));
 }
 
 TEST_F(DialogStyles, AFolderThatCannotBeMadeGivesAnEmptyMenuAndAnAlert) {
