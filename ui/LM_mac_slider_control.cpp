@@ -136,6 +136,7 @@ void LM_slider_type_0::UpdateIndicatorPosition(short offset) {
     return;
   ControlRecord& record = **control;
   const short before = IndicatorX();
+  const short valueBefore = record.contrlValue;
   const int32_t fraction = Fraction(before + offset - BarMinX(), length);
   const LM_pen_scope pen;
   PenPat(&qd.white);
@@ -148,4 +149,6 @@ void LM_slider_type_0::UpdateIndicatorPosition(short offset) {
       LM_Cut16(record.contrlMin + (LM_WrapSubtract(product, record.contrlMin) >> 16));
   PenNormal();
   DrawIndicator();
+  if (record.contrlValue != valueBefore)
+    TB_TellControlValue(control);
 }

@@ -71,6 +71,7 @@ LM_slider_type_0* LM_InitControl(short, ControlHandle control) {
     GetIndString(slider->rightLabel, labels, 2);
     slider->percent = labels == LM_PERCENT_LABELS ? 1 : 0;
     slider->control = control;
+    TB_TellControlBetween(control, slider->percent != 0 ? 0 : -100, 100); // as the number is drawn
   }
   SetControlReference(control, reinterpret_cast<intptr_t>(slider));
   return slider;

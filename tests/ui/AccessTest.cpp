@@ -59,12 +59,14 @@ TEST_F(DialogRun, EveryItemTellsItsNameRoleAndValue) {
                          {"Switched on", QAccessible::CheckBox, ""},
                          {"Kind of light", QAccessible::ComboBox, "Omni light"},
                          {"Style", QAccessible::ComboBox, "Default"},
-                         {"Gloss", QAccessible::Slider, "77"},
+                         {"Gloss", QAccessible::Slider, "-40"}, // as it is drawn
+                         {"Height", QAccessible::Slider, "50"},
                          {"Lights", QAccessible::Graphic, ""},
                          {"Colour", QAccessible::StaticText, ""}};
   RunAndCancel([&](ToolboxScript& script) {
     script.Call([&] {
       LM_SetControlValue(Dialog(), LM_GLOSS_ITEM, 77);
+      LM_SetControlValue(Dialog(), LM_BUMP_AMPLITUDE_ITEM, 128);
       LM_SetControlValue(Dialog(), LM_LIGHT_TYPE_ITEM, 2);
       const auto items = Items();
       EXPECT_EQ(items.count(""), 0U);
@@ -82,7 +84,8 @@ TEST_F(DialogRun, EveryItemTellsItsNameRoleAndValue) {
       }
       EXPECT_TRUE(items.at("Delete style")->state().disabled);
       EXPECT_TRUE(items.at("Switched on")->state().checked);
-      EXPECT_EQ(items.at("Gloss")->valueInterface()->maximumValue(), 255);
+      EXPECT_EQ(items.at("Gloss")->valueInterface()->minimumValue(), -100);
+      EXPECT_EQ(items.at("Gloss")->valueInterface()->maximumValue(), 100);
     });
   });
 }
@@ -93,9 +96,12 @@ TEST_F(DialogRun, ItemsAreUsedWithoutAMouse) {
       script.Wait(ANSWERED).Call(std::move(check));
     };
     script.Call([&] { Items().at("Gloss")->valueInterface()->setCurrentValue(40); });
-    expect([&] { EXPECT_EQ(Globals()->gloss, 40); });
+    expect([&] {
+      EXPECT_EQ(Globals()->gloss, 179);
+      EXPECT_EQ(Items().at("Gloss")->valueInterface()->currentValue(), 40);
+    });
     script.Call([&] { Act("Gloss", FOCUS); }).KeyPress(kRightArrowKeyCode);
-    expect([&] { EXPECT_EQ(Globals()->gloss, 41); });
+    expect([&] { EXPECT_EQ(Globals()->gloss, 180); });
     script.Call([&] { PressKey(Qt::Key_End); });
     expect([&] { EXPECT_EQ(Globals()->gloss, 255); });
     script.Call([&] { PressKey(Qt::Key_F6); });
@@ -106,6 +112,32 @@ TEST_F(DialogRun, ItemsAreUsedWithoutAMouse) {
     expect([&] { EXPECT_EQ(Globals()->lights[0].on, 1); });
     script.Call([&] { Act("Kind of light", FOCUS); }).Call([&] { PressKey(Qt::Key_Home); });
     expect([&] { EXPECT_EQ(Globals()->lights[0].type, LM_LIGHT_DIRECTIONAL); });
+  });
+}
+
+TEST_F(DialogRun, ADragOfASliderTellsItsSteps) {
+  static std::vector<int> told;
+  const Rect box = BoxInResource(LM_PARAMETER_DIALOG, LM_GLOSS_ITEM);
+  const auto row = static_cast<int16_t>((box.top + box.bottom) / 2 + 4);
+  const auto start = static_cast<int16_t>(box.left + 64 + 4);
+  const auto middle = static_cast<int16_t>((start + box.right) / 2);
+  RunAndCancel([&](ToolboxScript& script) {
+    script.Call([] {
+      QAccessible::setActive(true);
+      QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+        if (event->type() == QAccessible::ValueChanged)
+          told.push_back(static_cast<QAccessibleValueChangeEvent*>(event)->value().toInt());
+      });
+    });
+    script.Press(start, row).Wait(ANSWERED).MoveTo(middle, row).Wait(ANSWERED);
+    script.Release(box.right, row).Wait(ANSWERED).Call([] {
+      QAccessible::installUpdateHandler(nullptr);
+      QAccessible::setActive(false);
+      ASSERT_GE(told.size(), 3U);
+      EXPECT_EQ(told.front(), -100);
+      EXPECT_NEAR(told[1], 0, 5);
+      EXPECT_EQ(told.back(), 100);
+    });
   });
 }
 

@@ -14,6 +14,8 @@ struct ControlBlock {
   AuxCtlRec* auxiliaryMaster;
   Handle ownDefinition; // what contrlDefProc was at first
   short definitionNumber;
+  short toldLeast; // see TB_TellControlBetween
+  short toldMost;
 };
 
 inline ControlBlock& BlockOf(ControlHandle control) {

@@ -181,7 +181,19 @@ void SetControlValue(ControlHandle control, short value) {
   if ((**control).contrlValue == before)
     return;
   DrawControlPart(control, inThumb);
-  if (DialogWindow* owner = DialogWindow::Of((**control).contrlOwner))
+  TB_TellControlValue(control);
+}
+
+void TB_TellControlBetween(ControlHandle control, short least, short most) {
+  if (control == nullptr)
+    return;
+  BlockOf(control).toldLeast = least;
+  BlockOf(control).toldMost = most;
+}
+
+void TB_TellControlValue(ControlHandle control) {
+  DialogWindow* owner = control != nullptr ? DialogWindow::Of((**control).contrlOwner) : nullptr;
+  if (owner != nullptr)
     TellValueChange(*owner, control);
 }
 

@@ -127,6 +127,11 @@ TB_EXPORT void GetControlTitle(ControlHandle control, Str255 title);
 TB_EXPORT void SetControlReference(ControlHandle control, intptr_t value);
 TB_EXPORT intptr_t GetControlReference(ControlHandle control);
 TB_EXPORT void SetControlAction(ControlHandle control, ControlActionProcPtr action);
+// What the value is told as, for who cannot see it: a number from `least`, for 0, to `most`, for
+// the maximum, cut as a whole one. Equal ends, as at first: the value itself.
+TB_EXPORT void TB_TellControlBetween(ControlHandle control, short least, short most);
+// Tells the value, after a definition has changed it in the record by itself, as in a drag.
+TB_EXPORT void TB_TellControlValue(ControlHandle control);
 TB_EXPORT short GetControlVariant(ControlHandle control);
 
 #endif

@@ -21,6 +21,29 @@ QString ChosenText(const DialogItem& item) {
   return popup != nullptr ? MenuText((**popup).mHandle, GetControlValue(item.control)) : QString();
 }
 
+// Whether the value is told as another number.
+bool IsScaled(ControlHandle control) {
+  const ControlBlock& block = BlockOf(control);
+  return block.toldLeast < block.toldMost && block.record.contrlMax > 0;
+}
+
+int ToldNumber(ControlHandle control, int value) {
+  const ControlBlock& block = BlockOf(control);
+  return IsScaled(control)
+             ? block.toldLeast + value * (block.toldMost - block.toldLeast) / block.record.contrlMax
+             : value;
+}
+
+// The least value that is told as this number.
+int ValueOfNumber(ControlHandle control, int number) {
+  const ControlBlock& block = BlockOf(control);
+  if (!IsScaled(control))
+    return number;
+  const int range = block.toldMost - block.toldLeast;
+  const int above = std::clamp<int>(number, block.toldLeast, block.toldMost) - block.toldLeast;
+  return (above * block.record.contrlMax + range - 1) / range;
+}
+
 class ItemAccess : public QAccessibleInterface,
                    public QAccessibleValueInterface,
                    public QAccessibleActionInterface {
@@ -62,19 +85,13 @@ public:
                : nullptr;
   }
 
-  QVariant currentValue() const override {
-    return isValid() ? GetControlValue(_Item()->control) : 0;
-  }
-  QVariant minimumValue() const override {
-    return isValid() ? GetControlMinimum(_Item()->control) : 0;
-  }
-  QVariant maximumValue() const override {
-    return isValid() ? GetControlMaximum(_Item()->control) : 0;
-  }
+  QVariant currentValue() const override { return _Told(GetControlValue); }
+  QVariant minimumValue() const override { return _Told(GetControlMinimum); }
+  QVariant maximumValue() const override { return _Told(GetControlMaximum); }
   QVariant minimumStepSize() const override { return 1; }
   void setCurrentValue(const QVariant& value) override {
-    if (isValid() && IsUsable(*_Item()))
-      RequestValue(*_window, _number, value.toInt());
+    if (isValid() && HasRange(*_Item()) && IsUsable(*_Item()))
+      RequestValue(*_window, _number, ValueOfNumber(_Item()->control, value.toInt()));
   }
 
   QStringList actionNames() const override;
@@ -83,6 +100,10 @@ public:
 
 private:
   DialogItem* _Item() const { return _window->Item(_number); }
+  int _Told(short (*number)(ControlHandle)) const {
+    const ControlHandle control = isValid() ? _Item()->control : nullptr;
+    return control != nullptr ? ToldNumber(control, number(control)) : 0;
+  }
 
   QPointer<DialogWindow> _window;
   int _number;
@@ -138,8 +159,9 @@ QString ItemAccess::text(QAccessible::Text kind) const {
     return ItemName(item);
   if (kind != QAccessible::Value || !HasRange(item))
     return {};
-  return item.kind == ItemKind::Popup ? ChosenText(item)
-                                      : QString::number(GetControlValue(item.control));
+  return item.kind == ItemKind::Popup
+             ? ChosenText(item)
+             : QString::number(ToldNumber(item.control, GetControlValue(item.control)));
 }
 
 QStringList ItemAccess::actionNames() const {
@@ -263,7 +285,7 @@ void TellValueChange(DialogWindow& window, ControlHandle control) {
   if (child == nullptr)
     return;
   if (child->valueInterface() != nullptr) {
-    QAccessibleValueChangeEvent event(child, GetControlValue(control));
+    QAccessibleValueChangeEvent event(child, ToldNumber(control, GetControlValue(control)));
     QAccessible::updateAccessibility(&event);
   } else {
     QAccessible::State changed;
