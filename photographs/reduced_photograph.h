@@ -17,6 +17,7 @@ struct ReducedPhotograph {
   int height = 0;
   int numPlanes = 0;
   std::vector<uint8_t> pixels;
+  std::vector<uint8_t> mask; // how much of the light each pixel takes, 0 … 255; empty: all of it
 };
 
 // A photograph reduced, and what goes with it.

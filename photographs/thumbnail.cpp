@@ -1,5 +1,6 @@
 #include "thumbnail.h"
 
+#include "CVMix.h"
 #include "LM_render.h"
 #include "LM_style_settings.h"
 
@@ -22,6 +23,17 @@ LM_source_view PlanesFrom(const ReducedPhotograph& photograph, int plane, const 
 void FitRelief(foo& params, const ReducedPhotograph& photograph) {
   const double share = static_cast<double>(photograph.width) / photograph.fullWidth;
   params.bumpHeight = static_cast<int32_t>(std::lround(params.bumpHeight * share));
+}
+
+// Takes back the light that the mask keeps off.
+void KeepToMask(const ReducedPhotograph& photograph, std::vector<uint8_t>& lit) {
+  const auto step = static_cast<size_t>(photograph.numPlanes);
+  for (size_t pixel = 0; pixel < photograph.mask.size(); ++pixel)
+    for (size_t plane = 0; plane < NUM_LIT; ++plane) {
+      uint8_t& sample = lit[pixel * NUM_LIT + plane];
+      sample =
+          CVMixSelected(photograph.pixels[pixel * step + plane], sample, photograph.mask[pixel]);
+    }
 }
 
 } // namespace
@@ -47,6 +59,7 @@ std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_
     views.relief = PlanesFrom(photograph, params->bumpChannel - 1, whole);
   if (LM_RenderRect(*job, views, whole, *scratch) != LM_render_result::Done)
     return {};
+  KeepToMask(photograph, lit);
   return lit;
 } catch (const std::bad_alloc&) {
   return {};

@@ -11,7 +11,8 @@
 namespace limn {
 
 // The reduced photograph lit as the whole one would be: red, green and blue, width * 3 bytes a row.
-// Lights fall where they fall on the photograph at its full size, and relief is as steep as there.
+// Lights fall where they fall on the photograph at its full size, and relief is as steep as there;
+// a mask keeps them off.
 // Empty when memory is short. Safe on any thread.
 std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_style& style);
 

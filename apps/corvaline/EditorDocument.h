@@ -45,8 +45,9 @@ public:
   // `area` of the pixels in 32-bit colour; alpha and further channels are not shown.
   QImage colours(const QRect& area) const;
 
-  // `area` of the image and of its further channels, its longer side reduced to `longestSide`.
-  // Looks at some pixels only, so that it takes a few milliseconds for an image of any size.
+  // `area` of the image, of its further channels and of the selection's mask, its longer side
+  // reduced to `longestSide`. Looks at some pixels only, so that it takes a few milliseconds for an
+  // image of any size.
   limn::ReducedPhotograph reduced(const QRect& area, int longestSide) const;
 
   // Appends a channel for filters to read. It is not written with the image. False when its sides

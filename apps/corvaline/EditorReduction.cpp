@@ -28,13 +28,14 @@ Span SpanOf(int index, int reduced, int full) {
 struct Plane {
   const std::uint8_t* data;
   std::size_t pixelBytes;
+  std::size_t rowPixels;
 };
 
-std::uint8_t Mean(const Plane& plane, const Span& rows, const Span& columns, std::size_t width) {
+std::uint8_t Mean(const Plane& plane, const Span& rows, const Span& columns) {
   int sum = 0;
   for (int y = 0; y < rows.count; ++y)
     for (int x = 0; x < columns.count; ++x)
-      sum += plane.data[(static_cast<std::size_t>(rows.first + y * rows.step) * width +
+      sum += plane.data[(static_cast<std::size_t>(rows.first + y * rows.step) * plane.rowPixels +
                          static_cast<std::size_t>(columns.first + x * columns.step)) *
                         plane.pixelBytes];
   const int count = rows.count * columns.count;
@@ -50,15 +51,17 @@ limn::ReducedPhotograph EditorDocument::reduced(const QRect& area, int longestSi
   limn::FitReduction(small, longestSide);
   const limn::Photograph& photograph = _image.photograph;
   const auto numOwn = static_cast<std::size_t>(photograph.numPlanes);
+  const auto width = static_cast<std::size_t>(photograph.width);
+  const QImage& mask = _selection.mask;
+  const Plane maskPlane{mask.constBits(), 1, static_cast<std::size_t>(mask.bytesPerLine())};
   std::vector<Plane> planes;
   for (std::size_t plane = 0; plane < numOwn; ++plane)
-    planes.push_back({photograph.pixels.data() + plane, numOwn});
+    planes.push_back({photograph.pixels.data() + plane, numOwn, width});
   for (const limn::GreyImage& channel : _channels)
-    planes.push_back({channel.pixels.data(), 1});
+    planes.push_back({channel.pixels.data(), 1, width});
   small.numPlanes = static_cast<int>(planes.size());
   small.pixels.reserve(planes.size() * static_cast<std::size_t>(small.width) *
                        static_cast<std::size_t>(small.height));
-  const auto width = static_cast<std::size_t>(photograph.width);
   for (int y = 0; y < small.height; ++y) {
     Span rows = SpanOf(y, small.height, area.height());
     rows.first += area.y();
@@ -66,7 +69,9 @@ limn::ReducedPhotograph EditorDocument::reduced(const QRect& area, int longestSi
       Span columns = SpanOf(x, small.width, area.width());
       columns.first += area.x();
       for (const Plane& plane : planes)
-        small.pixels.push_back(Mean(plane, rows, columns, width));
+        small.pixels.push_back(Mean(plane, rows, columns));
+      if (!mask.isNull())
+        small.mask.push_back(Mean(maskPlane, rows, columns));
     }
   }
   return small;

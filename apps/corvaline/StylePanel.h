@@ -28,7 +28,7 @@ protected:
   void keyPressEvent(QKeyEvent* event) override;
 };
 
-// Makes its pictures again when the image, its channels or the selected area have changed, a moment
+// Makes its pictures again when the image, its channels or the selection have changed, a moment
 // later and only while it is to be seen. While styles are tried one after the other they stay
 // pictures of the image without any.
 class StylePanel : public QDockWidget {

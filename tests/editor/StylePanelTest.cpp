@@ -83,6 +83,25 @@ TEST_F(StylePanelRun, AChosenStyleGivesWhatItsPictureShows) {
   EXPECT_EQ(window->canvas().tool(), editor::Tool::Rectangle) << "letters are the window's";
 }
 
+TEST_F(StylePanelRun, PicturesFollowAPaintedMask) {
+  open(makePicture("picture.png"));
+  const std::vector<uint8_t> before = pixels();
+  const QRect bounds = window->document().bounds();
+  QImage mask(bounds.size(), QImage::Format_Grayscale8);
+  for (int y = 0; y < mask.height(); ++y)
+    for (int x = 0; x < mask.width(); ++x)
+      mask.scanLine(y)[x] = static_cast<uchar>(x < 3 ? 0 : x * 255 / mask.width());
+  window->document().select({bounds, mask});
+  showPanel();
+  ASSERT_TRUE(awaitPictures());
+  const int row = RowOf(*window, "Campfire");
+  const QImage shown = Shown(*window, row);
+  window->styles().list().setCurrentRow(row);
+  QTest::keyClick(&window->styles().list(), Qt::Key_Return);
+  EXPECT_NE(pixels(), before);
+  EXPECT_TRUE(ShowsDocument(*window, shown));
+}
+
 TEST_F(StylePanelRun, PicturesAreOfThePresentImage) {
   const QString flat = makePicture("flat.png");
   open(flat);
