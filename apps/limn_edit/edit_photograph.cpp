@@ -15,6 +15,8 @@
 #include "MacStrings.h"
 #include "ToolboxDesktop.h"
 
+#include <QApplication>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -131,6 +133,14 @@ QString TextOf(Text text) {
   return QString::fromStdString(TB_StdString(string));
 }
 
+// Windows belong to the desktop's entry limn.desktop, and their titles end with the picture's name.
+void NameWindows(const std::string& image) {
+  const std::string name = std::filesystem::path(image).filename();
+  QApplication::setApplicationName(QStringLiteral("limn"));
+  QApplication::setDesktopFileName(QStringLiteral("limn"));
+  QApplication::setApplicationDisplayName(QString::fromStdString(Printable(name)));
+}
+
 QString Task(Text text, const std::string& file) {
   return TextOf(text).replace(QStringLiteral("^0"), QString::fromStdString(Printable(file)));
 }
@@ -154,6 +164,7 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   Sources sources = reading.get();
   if (!hasDesktop)
     throw Failure(ExitCode::Refused, "there is no display to show the dialog on");
+  NameWindows(options.image);
   CVDocument document = MakeDocument(sources.surroundings, sources.photograph, options.image);
   const CVRect area = AreaOf(sources.surroundings, sources.photograph.width,
                              sources.photograph.height, options.image);

@@ -72,7 +72,8 @@ class Screen:
         self.settle()
 
     def find(self, title):
-        found = self.xdotool("search", "--onlyvisible", "--name", f"^{title}$").stdout.split()
+        """A window of this title, with or without the name of the picture that it ends with."""
+        found = self.xdotool("search", "--onlyvisible", "--name", f"^{title}( — .*)?$").stdout.split()
         return found[0] if found else None
 
     def window(self, title):

@@ -180,6 +180,10 @@ class Edit(unittest.TestCase):
 
     def test_cancel(self):
         self.start(LIMN, "edit", PHOTOGRAPH, "-o", self.path("lit.png"))
+        window = self.screen.find("Lighting")
+        self.assertEqual(self.screen.xdotool("getwindowname", window).stdout, "Lighting — still-life.jpg\n")
+        self.assertTrue(os.path.exists(f"{PROJECT}/desktop/limn.desktop"))
+        self.assertIn(window, self.screen.xdotool("search", "--onlyvisible", "--class", "^limn$").stdout.split())
         self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", "Escape")
         self.end(1)
         self.assertFalse(os.path.exists(self.path("lit.png")))
