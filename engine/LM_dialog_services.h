@@ -11,9 +11,6 @@ class LM_globals;
 constexpr int16_t LM_ITEM_WORK_AREA = 6;
 constexpr int16_t LM_ITEM_PREVIEW = 8;
 
-// What an interactive run answers in a program without a dialog.
-constexpr int16_t LM_RESULT_NO_DIALOG = -30102;
-
 // All present. Results are the program's result codes.
 struct LM_dialog_services {
   // Builds the dialog, unseen by the settings until it is stored in globals->dialog.

@@ -173,7 +173,7 @@ void ReduceMask(const FilterRecord* record, const LM_globals* g, int32_t row, in
 int16_t LM_CalculatePreviewScaling(FilterRecord* record, LM_globals* globals) {
   const LM_dialog_services* dialog = LM_DialogServices();
   if (dialog == nullptr)
-    return LM_RESULT_NO_DIALOG;
+    return CV_RESULT_NO_DIALOG;
   const CVRect& area = record->filterArea;
   const Rect frameBox = dialog->itemBox(globals, LM_ITEM_WORK_AREA);
   const LM_preview_geometry geometry =

@@ -282,7 +282,7 @@ int16_t LM_DoStart(FilterRecord* record, LM_globals* globals) {
     return CV_RESULT_OK;
   }
   if (LM_DialogServices() == nullptr)
-    return LM_RESULT_NO_DIALOG;
+    return CV_RESULT_NO_DIALOG;
   globals->previewOn = 1;
   globals->previewComplete = 0;
   int16_t result = LM_DialogServices()->construct(record, globals);

@@ -35,7 +35,7 @@ int16_t LM_DoPrepare(FilterRecord* record);
 
 // Begins a run: interactive, with the dialog built and the first preview tile requested, or from
 // the kept parameter block, with the first real tile requested. CV_RESULT_STOPPED when there is no
-// such block, LM_RESULT_NO_DIALOG when the program has no dialog.
+// such block, CV_RESULT_NO_DIALOG when the program has no dialog.
 int16_t LM_DoStart(FilterRecord* record, LM_globals* globals);
 
 // Takes the delivered tile: collects the preview, runs the dialog behind its last tile, or shades a

@@ -19,18 +19,24 @@ struct limn_lighting {
 namespace limn {
 namespace {
 
-std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn_picture* picture) {
+// The settings as the plug-in and the shaders take them, for pictures of the format.
+std::unique_ptr<foo> ParametersOf(const limn_settings* settings, const Format& format) {
   NeedPointer(settings, "settings");
-  NeedPointer(picture, "picture");
-  const Format format = FormatOf(*picture);
-  const LM_style& style = settings->style;
-  if (style.lightsRead == 0)
+  if (settings->style.lightsRead == 0)
     throw CallFailure{LIMN_BAD_STYLE, "the style holds no light"};
-  const auto params = std::make_unique<foo>();
+  auto params = std::make_unique<foo>();
   const LM_rect& area = format.area;
-  if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top,
+  if (!LM_ParametersFromStyle(settings->style, area.right - area.left, area.bottom - area.top,
                               format.channels, params.get()))
     throw std::bad_alloc();
+  return params;
+}
+
+std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn_picture* picture) {
+  NeedPointer(picture, "picture");
+  const Format format = FormatOf(*picture);
+  const auto params = ParametersOf(settings, format);
+  const LM_rect& area = format.area;
   auto lighting = std::make_unique<limn_lighting>();
   lighting->format = format;
   lighting->ownRelief = params->bumpChannel;
@@ -123,4 +129,17 @@ limn_result limn_light(const limn_settings* settings, const limn_picture* pictur
 
 void limn_lighting_free(limn_lighting* lighting) {
   delete lighting;
+}
+
+size_t limn_settings_parameters(const limn_settings* settings, const limn_picture* picture,
+                                void* buffer, size_t room, limn_error* error) {
+  size_t length = 0;
+  Guard(error, [&] {
+    NeedPointer(picture, "picture");
+    const auto params = limn::ParametersOf(settings, limn::FormatOf(*picture));
+    if (buffer != nullptr && room >= sizeof *params)
+      std::memcpy(buffer, params.get(), sizeof *params);
+    length = sizeof *params;
+  });
+  return length;
 }

@@ -177,6 +177,19 @@ LIMN_API limn_result limn_run(const limn_lighting* lighting, const limn_picture*
 
 LIMN_API void limn_lighting_free(limn_lighting* lighting);
 
+/* ---- For hosts of the plug-in ---- */
+
+/* Writes the parameter block that the plug-in limn.so, run without its dialog, takes these settings
+ * from: the bytes of the handle FilterRecord.savedParams (host/contract/CVFilterRecord.h). They are
+ * fitted to the picture's width, height, channels and area; nothing else of it is looked at.
+ * Returns the length of the block, one for all settings, so that a call with room 0, where buffer
+ * may be null, says how much is needed. Where there is less room nothing is written. 0 with an
+ * error.
+ * The block is for the plug-in of this very release on this kind of processor. Keep the style, not
+ * the block, between two runs of a program. */
+LIMN_API size_t limn_settings_parameters(const limn_settings* settings, const limn_picture* picture,
+                                         void* buffer, size_t room, limn_error* error);
+
 #ifdef __cplusplus
 }
 #endif

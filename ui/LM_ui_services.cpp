@@ -11,7 +11,7 @@ namespace {
 
 int16_t Construct(FilterRecord* record, LM_globals* globals) {
   if (!TB_HasDesktop())
-    return LM_RESULT_NO_DIALOG;
+    return CV_RESULT_NO_DIALOG;
   // Without a style folder the dialog works on, with an empty style menu.
   std::string why;
   LM_UseStyleLibrary(why);

@@ -144,7 +144,7 @@ TEST_F(InteractiveRun, WithoutADialogAnInteractiveRunIsRefused) {
   LM_SetDialogServices(nullptr);
   ScriptedHost host(8, 8, SessionEntry);
   EXPECT_EQ(host.Call(LM_SEL_PARAMETERS), CV_RESULT_OK);
-  EXPECT_EQ(host.Call(LM_SEL_START), LM_RESULT_NO_DIALOG);
+  EXPECT_EQ(host.Call(LM_SEL_START), CV_RESULT_NO_DIALOG);
   EXPECT_EQ(SettingsOf(host)->dialogPending, 0);
 }
 

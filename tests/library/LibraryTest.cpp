@@ -299,6 +299,26 @@ struct Progress {
   }
 };
 
+// What the plug-in makes of the block is compared in docs/host-contract.md.
+TEST(Library, WritesParametersWholeOrNotAtAll) {
+  const Settings settings = MakeSettings();
+  limn_error error;
+  Bytes pixel(3);
+  limn_picture picture = Packed(pixel.data());
+  const size_t size = limn_settings_parameters(settings.get(), &picture, nullptr, 0, &error);
+  ASSERT_GT(size, 0U) << error.text;
+  Bytes block(size + 1, BESIDE);
+  EXPECT_EQ(limn_settings_parameters(settings.get(), &picture, block.data(), size - 1, nullptr),
+            size);
+  EXPECT_EQ(block, Bytes(size + 1, BESIDE));
+  EXPECT_EQ(limn_settings_parameters(settings.get(), &picture, block.data(), size, nullptr), size);
+  EXPECT_NE(block[0], BESIDE);
+  EXPECT_EQ(block[size], BESIDE);
+  picture.width = 0;
+  EXPECT_EQ(limn_settings_parameters(settings.get(), &picture, nullptr, 0, &error), 0U);
+  EXPECT_EQ(error.code, LIMN_BAD_ARGUMENT);
+}
+
 TEST(Library, TellsProgressAndStops) {
   struct Case {
     double stopAt;

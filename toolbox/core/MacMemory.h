@@ -20,14 +20,18 @@ TB_EXPORT void DisposePtr(Ptr block);
 // The size the block was asked with; 0 for null.
 TB_EXPORT Size GetPtrSize(Ptr block);
 
-// A new relocatable block, its content undefined (NewHandle) or zero (NewHandleClear). The caller
-// owns it. Null and memFullErr as for NewPtr.
+// The three that the contract with hosts declares too, as C; here they are exported.
+// NOLINTBEGIN(readability-redundant-declaration)
+// A new relocatable block, its content undefined. The caller owns it. Null and memFullErr as for
+// NewPtr.
 TB_EXPORT Handle NewHandle(Size size);
-TB_EXPORT Handle NewHandleClear(Size size);
 // Releases a block of NewHandle; null is ignored.
 TB_EXPORT void DisposeHandle(Handle handle);
 // The block's size; 0 for null, with nilHandleErr, and for a purged block.
 TB_EXPORT Size GetHandleSize(Handle handle);
+// NOLINTEND(readability-redundant-declaration)
+// A new one, its content zero.
+TB_EXPORT Handle NewHandleClear(Size size);
 // Changes the size and keeps the content; the block may move. Sets MemError: memFullErr, or
 // memLockedErr when a locked block would have to grow; the block is then unchanged.
 TB_EXPORT void SetHandleSize(Handle handle, Size size);
