@@ -171,7 +171,7 @@ private:
   LM_render_scratch_pointer _scratch;
 };
 
-// The kernels of this machine, the best first; behind them null, for the plain rows.
+// The kernels of this machine, the best first; after them null, for the plain rows.
 std::vector<const LM_kernels*> AllKernels() {
   std::vector<const LM_kernels*> all(16);
   all.resize(static_cast<size_t>(LM_ListKernels(all.data(), 16)));

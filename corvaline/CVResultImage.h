@@ -34,7 +34,7 @@ private:
   CVDocument& _document;
   CVRect _area;
   CVBuffer _base;
-  std::vector<CVBuffer> _extras; // by their position behind the base; an empty one is not opened
+  std::vector<CVBuffer> _extras; // by their position after the base; an empty one is not opened
 };
 
 #endif

@@ -53,9 +53,9 @@ public:
   uint16_t tileSize;         // tile edge of the present walk
   FilterRecord* record;      // of the present run
   uint16_t numLights;
-  uint16_t curLight;    // the selected one
-  int16_t frameCenterX; // of the preview frame, in the dialog's coordinates: where lights have
-                        // their origin
+  uint16_t curLight; // the selected one
+  // Of the preview frame, in the dialog's coordinates: where lights have their origin.
+  int16_t frameCenterX;
   int16_t frameCenterY;
   int16_t frameOriginX; // its top-left
   int16_t frameOriginY;
@@ -73,7 +73,7 @@ public:
   int32_t tileWalkFlag;
   LM_cache posCache;         // LM_vector2f a sample
   LM_cache normCache;        // LM_vector3f a sample
-  LM_cache weightCache;      // weights, a 0 behind each pixel's
+  LM_cache weightCache;      // weights, a 0 after each pixel's
   LM_cache baseCache;        // 3 bytes a sample
   LM_cache sampleCountCache; // samples of each run of a row
   LM_cache diffuseSumCache;  // LM_color96 a sample

@@ -15,7 +15,7 @@ uint8_t* PixelAt(const CVPixelMap& map, int32_t row, int32_t column) {
 }
 
 // What a render borrows of the host's own fields, put back however it ends: a host may read them
-// again behind the call, when the preview's buffers may be gone.
+// again after the call, when the preview's buffers may be gone.
 class BorrowedFields {
 public:
   explicit BorrowedFields(FilterRecord* record)

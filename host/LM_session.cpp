@@ -154,8 +154,8 @@ int16_t RunFirstDialog(FilterRecord* record, LM_globals* g) {
   return result;
 }
 
-// Runs the dialog and begins the walk. The parameter block is looked up behind it again, since the
-// host has been at work meanwhile.
+// Runs the dialog and begins the walk. The parameter block is looked up again afterwards, since
+// the host has been at work meanwhile.
 int16_t RunDialog(FilterRecord* record, LM_globals* g) {
   // A kept block that nobody can read makes way for a new one once the dialog is accepted.
   CVHandle kept = record->savedParams;

@@ -8,7 +8,7 @@
 #include "LM_globals.h"
 
 // What a step answers. An exception is an answer like any other, so that whoever asked for the step
-// cleans up behind it in one way. step(): an int16_t.
+// cleans up after it in one way. step(): an int16_t.
 template <class Step> int16_t LM_ResultOf(Step step) noexcept {
   constexpr int16_t FAILED = -36;
   try {
@@ -38,7 +38,7 @@ int16_t LM_DoPrepare(FilterRecord* record);
 // such block, CV_RESULT_NO_DIALOG when the program has no dialog.
 int16_t LM_DoStart(FilterRecord* record, LM_globals* globals);
 
-// Takes the delivered tile: collects the preview, runs the dialog behind its last tile, or shades a
+// Takes the delivered tile: collects the preview, runs the dialog after its last tile, or shades a
 // real tile and requests the next.
 int16_t LM_DoContinue(FilterRecord* record, LM_globals* globals);
 

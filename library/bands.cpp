@@ -11,10 +11,6 @@
 namespace limn {
 namespace {
 
-// Small enough for a prompt stop and an even share, large enough that neither the start of a band
-// nor that of a thread counts.
-constexpr int32_t BAND_PIXELS = 1 << 16;
-constexpr int32_t LEAST_BAND_ROWS = 16;
 constexpr int MOST_THREADS = 256;
 
 class BandLoop {

@@ -1,4 +1,4 @@
-// The border between C++ and C: failures are thrown behind it and reported in front of it.
+// The border between C++ and C: failures are thrown on the one side and reported on the other.
 #pragma once
 
 #include "limn.h"

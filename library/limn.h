@@ -127,10 +127,11 @@ typedef struct limn_picture {
 
   /* Where the pixels come from, and where they go. The same pointer and stride: in place. Otherwise
    * the two must not share a byte, and the output gets all of the picture: what is not lit is
-   * copied. Channels behind the third are never changed. Colour must not be multiplied by alpha. */
+   * copied. Channels after the third are never changed. Colour must not be multiplied by alpha. */
   const uint8_t* source;
-  ptrdiff_t source_stride; /* bytes from a row to the one below; negative: rows go upwards. 0: the
-                              rows follow each other without a gap */
+  /* Bytes from a row to the one below; negative: rows go upwards. 0: the rows follow one another
+   * without a gap. */
+  ptrdiff_t source_stride;
   uint8_t* output;
   ptrdiff_t output_stride;
 
@@ -152,8 +153,9 @@ typedef int (*limn_progress)(double done, void* user);
 
 /* How to work. Null, or all 0, is the usual. */
 typedef struct limn_options {
-  int threads; /* 0 or less: as many as the processor runs at once. When the system grants fewer, it
-                  is done by fewer */
+  /* 0 or less: as many as the processor runs at once. When the system grants fewer, fewer do the
+   * work. */
+  int threads;
   limn_progress progress; /* or null */
   void* user;             /* handed to it */
 } limn_options;

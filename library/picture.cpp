@@ -27,7 +27,7 @@ void NeedReach(const char* name, ptrdiff_t step, int32_t count) {
 
 // The addresses that a view touches, and some between them.
 struct Extent {
-  uintptr_t low, high; // high: behind the last byte
+  uintptr_t low, high; // high: one past the last byte
   bool Meets(const Extent& other) const { return low < other.high && other.low < high; }
 };
 
@@ -39,12 +39,12 @@ Extent ExtentOf(const char* name, const LM_view<Byte>& view, ptrdiff_t pixelByte
   const uintptr_t first = reinterpret_cast<uintptr_t>(view.pixels);
   const uintptr_t before = static_cast<uintptr_t>(-std::min<ptrdiff_t>(down, 0)) +
                            static_cast<uintptr_t>(-std::min<ptrdiff_t>(right, 0));
-  const uintptr_t behind = static_cast<uintptr_t>(std::max<ptrdiff_t>(down, 0)) +
-                           static_cast<uintptr_t>(std::max<ptrdiff_t>(right, 0)) +
-                           static_cast<uintptr_t>(pixelBytes);
-  if (first < before || behind > UINTPTR_MAX - first)
+  const uintptr_t after = static_cast<uintptr_t>(std::max<ptrdiff_t>(down, 0)) +
+                          static_cast<uintptr_t>(std::max<ptrdiff_t>(right, 0)) +
+                          static_cast<uintptr_t>(pixelBytes);
+  if (first < before || after > UINTPTR_MAX - first)
     Refuse(std::string(name) + ": its rows reach beyond all memory");
-  return {first - before, first + behind};
+  return {first - before, first + after};
 }
 
 template <class Byte>

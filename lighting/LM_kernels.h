@@ -8,7 +8,7 @@
 
 #include "LM_light.h"
 
-// Elements that a kernel may read, or overwrite, behind the last one of a row that it is given.
+// Elements that a kernel may read, or overwrite, after the last one of a row that it is given.
 constexpr int LM_KERNEL_SLACK = 64;
 
 // A light in one row of samples. y is the row's own: from the sample to the light.
@@ -23,7 +23,7 @@ struct LM_kernel_light {
   float cosCutoff, spreadMinCos, spreadScale;
   const float* spreadTable;
   double zWide;    // z
-  float strongest; // the largest product of colour and falloff; infinite when one is no number
+  float strongest; // the largest product of colour and falloff; infinite when one is NaN
 };
 
 // The lights of a job or of one of its rows: omnis, then spots, then directional ones.

@@ -89,6 +89,7 @@ void LM_render_scratch_deleter::operator()(LM_render_scratch* scratch) const {
 }
 
 LM_render_scratch_pointer LM_NewRenderScratch() {
+  static_assert(sizeof(LM_render_scratch) <= LM_MOST_SCRATCH_BYTES);
   // Cleared, since vectors read beyond a row's end.
   return LM_render_scratch_pointer(new (std::nothrow) LM_render_scratch());
 }

@@ -47,8 +47,9 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
                                   int32_t imageHeight, const LM_kernels* kernels,
                                   LM_render_job& job);
 
-// Room to work in: some 200 KB, to be allocated by the caller, one for each thread, and kept from
-// call to call. Holds nothing between calls.
+// Room to work in, of at most LM_MOST_SCRATCH_BYTES: to be allocated by the caller, one for each
+// thread, and kept from call to call. Holds nothing between calls.
+constexpr size_t LM_MOST_SCRATCH_BYTES = 110'000;
 struct LM_render_scratch;
 struct LM_render_scratch_deleter {
   void operator()(LM_render_scratch* scratch) const;

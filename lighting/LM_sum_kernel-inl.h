@@ -104,7 +104,7 @@ HWY_INLINE void SumVector(const LM_kernel_lights& lights, const LM_kernel_part* 
   StoreSums(sums.specular, samples.specular + i);
 }
 
-// The last samples, less than a vector: in room of their own, since nothing lies behind them.
+// The last samples, less than a vector: in room of their own, since nothing lies after them.
 template <bool relief>
 void SumRest(const LM_kernel_lights& lights, const LM_kernel_part* parts,
              const LM_kernel_samples& samples, int first) {

@@ -144,7 +144,7 @@ public:
   }
   bool IsTiff() const { return _isTiff; }
   bool IsLong() const { return _isLong; } // with 64-bit offsets
-  // 0 behind the file's end.
+  // 0 beyond the file's end.
   uint64_t At(uint64_t place, int size) const {
     unsigned char bytes[8] = {};
     if (place > INT64_MAX - sizeof bytes ||

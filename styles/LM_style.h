@@ -44,8 +44,8 @@ struct LM_style {
   int16_t ambientBrightness; // slider value minus 127
   uint16_t numLights;        // as the file says, which may be more than are kept
   uint16_t curLight;
-  int16_t
-      worldUnit; // half the width of the preview frame when the style was saved, in preview pixels
+  // Half the width of the preview frame when the style was saved, in preview pixels.
+  int16_t worldUnit;
   LM_style_light lights[LM_MAX_LIGHTS];
   uint16_t lightsRead; // lights that are whole: at most numLights and LM_MAX_LIGHTS
 };

@@ -19,7 +19,7 @@ class LM_globals;
 
 // Sets the library up, for this process. False when there can be none: `why` is a sentence that
 // names the folder, and from then on there is no style folder, until a later call succeeds. With
-// true, `why` tells of bundled styles that could not be written, or is empty. Safe beside other
+// true, `why` names bundled styles that could not be written, or is empty. Safe beside other
 // processes that do the same, and against being killed at any moment.
 bool LM_UseStyleLibrary(std::string& why);
 

@@ -27,7 +27,7 @@ constexpr int MOST = INT16_MAX;
 constexpr int FULL = 65535;
 
 template <class Plain> bool SameBits(const Plain& one, const Plain& other) {
-  // Two zeros may shade differently, and a value that is no number shades as itself.
+  // Two zeros may shade differently, and any NaN shades as itself.
   // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
   return std::memcmp(&one, &other, sizeof one) == 0;
 }

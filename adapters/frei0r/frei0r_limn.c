@@ -1,7 +1,7 @@
 /* Limn as a frei0r filter: lights every frame with one style.
  *
  * What cannot be done, for instance with a style that is not there, leaves the frames as they are
- * and is told on standard error, once for each setting of the parameters: a player shall go on. */
+ * and is reported on standard error, once for each setting of the parameters: players go on. */
 #include "style_sliders.h"
 
 #include <frei0r.h>

@@ -2,7 +2,7 @@
  * relief on the second input if there is one.
  *
  * What cannot be done, for instance with a style that is not there, leaves the picture as it is and
- * is told as a warning: GEGL's operations have no other way to fail. */
+ * is reported as a warning: GEGL's operations have no other way to fail. */
 #include "style_sliders.h"
 
 #include <gegl-plugin.h>

@@ -22,7 +22,7 @@ typedef struct StyleSlider {
 
 extern const StyleSlider STYLE_SLIDER[STYLE_SLIDERS];
 
-/* The value that a slider keeps: 0 to 1, the default for what is no number. */
+/* The value that a slider keeps: 0 to 1, the default for a NaN. */
 double StyleSliderValue(double given);
 
 /* Settings of a style, changed by the sliders, each a value of StyleSliderValue. style: a file, or

@@ -16,13 +16,13 @@ namespace limn {
 struct LitSettings {
   LM_style style;
   std::optional<limn_area> area; // none: the whole image
-  // Channels behind the image's own bands, for the style's relief: one 8-bit band each, of the
+  // Channels after the image's own bands, for the style's relief: one 8-bit band each, of the
   // image's size. Only the one that the style names is ever read.
   std::vector<vips::VImage> channels;
   // The selection, one 8-bit band of the image's size; a null image: everything is selected.
   std::optional<vips::VImage> mask;
   // Becomes true when the image's own pixels cannot be had, which libvips' error does not tell from
-  // what goes wrong behind the lighting. May be null.
+  // what goes wrong after the lighting. May be null.
   std::shared_ptr<std::atomic<bool>> hasSourceFailed;
 };
 

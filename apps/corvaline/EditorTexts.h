@@ -22,7 +22,7 @@ private:
   QHash<QString, QString> _texts;
 };
 
-// "FILE: what is wrong with it" with the part behind the name in the user's language, where the
+// "FILE: what is wrong with it" with the part after the name in the user's language, where the
 // table has it; the reasons of the image library stay as they are.
 QString TranslatedProblem(const QString& sentence);
 

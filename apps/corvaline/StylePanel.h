@@ -64,7 +64,7 @@ private:
   std::vector<LM_style> _styles; // a row each
   static constexpr int NEVER = -1;
   int _pictured = NEVER; // the position in the document's history that the pictures are of
-  int _tried = NEVER;    // the one behind it, where a style was chosen
+  int _tried = NEVER;    // the one after it, where a style was chosen
   bool _areMade = false;
 };
 

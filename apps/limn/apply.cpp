@@ -115,7 +115,7 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
   plan.style = named.style;
   if (!named.warning.empty() && !options.quiet)
     PrintProblem(options.style + ": " + named.warning);
-  // Missing ones are told once, not for each image.
+  // Missing ones are reported once, not for each image.
   if (!options.mask.empty())
     OpenRegularFile(options.mask);
   for (const std::string& channel : options.channels)
@@ -131,7 +131,7 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
   return plan;
 }
 
-// Takes images whose output is there out of the plan, and tells of them.
+// Takes images whose output exists out of the plan, and reports them.
 void SkipExisting(ApplyPlan& plan) {
   std::vector<ImagePair> pairs;
   std::vector<std::string> targets;

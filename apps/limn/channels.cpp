@@ -22,7 +22,7 @@ ExitCode PrintChannels(const std::string& image, const std::vector<std::string>&
     PrintLine(std::to_string(++number) + "  " + Printable(name));
   };
   for (const std::string& file : added)
-    OpenRegularFile(file); // one that is not there is told before anything is printed
+    OpenRegularFile(file); // one that is missing is reported before anything is printed
   for (int channel = 0; channel < numPlanes; ++channel)
     print(document.channelName(channel));
   for (const std::string& file : added)

@@ -5,7 +5,7 @@
 
 namespace limn {
 
-// Becomes limn-edit, which lies beside this program, with the arguments behind the command's name
+// Becomes limn-edit, which lies beside this program, with the arguments after the command's name
 // ("edit", argv[1]). Returns only by throwing Failure(Refused).
 [[noreturn]] void BecomeEdit(char** argv);
 

@@ -114,7 +114,7 @@ void PrintCommand(const EditOptions& options, const std::optional<std::string>& 
     PrintLine(*command);
 }
 
-// What would stop the writing is told before the lights are set, as far as it can be known.
+// What would stop the writing is reported before the lights are set, as far as it can be known.
 void CheckWritable(const std::string& target, Existing existing) {
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::path(target).parent_path();

@@ -10,7 +10,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-/* The next number of a PPM header, behind spaces and comments; -1 when there is none. */
+/* The next number of a PPM header, after spaces and comments; -1 when there is none. */
 static int read_number(FILE* file) {
   int number = -1;
   int next = getc(file);

@@ -10,7 +10,7 @@ struct MemoryState {
 };
 MemoryState MemoryNow();
 
-// Called behind every round; the first ones fill caches and count as the start.
+// Called after every round; the first ones fill caches and count as the start.
 class MemoryWatch {
 public:
   // rounds: how many there will be.

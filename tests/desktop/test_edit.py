@@ -13,7 +13,7 @@ LIMN = os.environ["LIMN"]
 PROJECT = os.environ["PROJECT"]
 PHOTOGRAPH = f"{PROJECT}/resources/photos/still-life.jpg"
 HEIGHTS = f"{PROJECT}/resources/photos/still-life-height.png"
-STYLE = "A light by hand"  # right behind the default style
+STYLE = "A light by hand"  # right after the default style
 OK, SAVE, WORK_AREA, LIGHT_TYPE, RELIEF, GLOSS, STYLES, WELL, BIN = 1, 4, 6, 11, 12, 13, 20, 21, 22
 
 with open(f"{PROJECT}/resources/en/dialogs.json") as file:

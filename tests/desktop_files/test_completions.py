@@ -1,4 +1,4 @@
-"""The completions in the real shells: words are typed into each with a Tab behind them, and what the command
+"""The completions in the real shells: words are typed into each with a Tab after them, and what the command
 then gets is compared."""
 
 import os

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int16_t HEIGHT_CHANNEL = 4; // behind red, green and blue
+constexpr int16_t HEIGHT_CHANNEL = 4; // after red, green and blue
 constexpr int ROW_PADDING = 5;        // strides are seldom the row's length
 
 EngineRun* currentRun = nullptr;

@@ -14,7 +14,7 @@ size_t Unsigned(int value) {
 }
 
 // `inner` bytes of each pixel of `rect`, cut out of an image and laid out `step` apart, without a
-// byte behind the last pixel.
+// byte after the last pixel.
 std::vector<uint8_t> CutOut(const std::vector<uint8_t>& image, int width, int inner, int step,
                             const LM_rect& rect) {
   const int columns = rect.right - rect.left;

@@ -66,7 +66,7 @@ protected:
         const int16_t result = UseDialog();
         const bool isAccepted = slot != 0 && Globals()->BumpChannel() == 4;
         answers.trouble = [](HostService) { return int16_t{0}; };
-        // Behind the dialog, a channel of which nothing can be known is taken to be there.
+        // After the dialog, a channel of which nothing can be known is taken to be there.
         EXPECT_TRUE(result == (hasFailed ? test.result : 0) ||
                     (test.service == HostService::QueryProperty && isAccepted && result == 0))
             << test.name << ", call " << failed + 1;

@@ -131,7 +131,7 @@ protected:
     return result;
   }
 
-  // An interactive run; with Later, behind one whose settings are to survive a failure.
+  // An interactive run; with Later, after one whose settings are to survive a failure.
   int16_t Interact(bool relief, History history) {
     InterferingHost host(Session);
     std::vector<uint8_t> before;

@@ -138,7 +138,7 @@ TEST_F(StyleFault, LoadingAndListing) {
   Check = [&](bool done) {
     const bool isAsBefore = StyleBytes(LM_StyleOfSettings(*loaded)) == before;
     EXPECT_FALSE(done && isAsBefore);
-    // Only closing may fail behind a style that was read whole.
+    // Only closing may fail after a style has been read whole.
     EXPECT_TRUE(done || isAsBefore || fault_plan->count == fault_plan->fail_at);
     LM_DestroyGlobals(loaded);
     loaded = LM_NewGlobals();

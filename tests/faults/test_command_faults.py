@@ -62,7 +62,7 @@ class CommandFaults(support.LimnTest):
     def check(self, note, kind, words, answer, before, after, written):
         note = f"{note}: exit {answer.returncode}, {answer.stderr.decode(errors='replace')}"
         if answer.returncode == 0:
-            # Without memory libtiff may write a file's directory once more, behind the first.
+            # Without memory libtiff may write a file's directory once more, after the first.
             if kind == MEMORY and written.get("new.tif") != after.get("new.tif"):
                 support.put("whole.tif", after["new.tif"])
                 self.assertSame(support.read("new.tif"), support.read("whole.tif"), note)

@@ -82,7 +82,7 @@ TEST_F(InteractiveRun, CancelForgetsAFirstRunAndRestoresALaterOne) {
 }
 
 // A repeat of kept parameters finishes without ever having had settings.
-TEST_F(InteractiveRun, BehindARepeatTheDialogBeginsWithDefaults) {
+TEST_F(InteractiveRun, AfterARepeatTheDialogBeginsWithDefaults) {
   ScriptedHost host(40, 30, SessionEntry);
   host.KeepParameters(OneLight(false));
   ASSERT_EQ(host.Run(), CV_RESULT_OK);

@@ -39,7 +39,7 @@ void SetCursor() {}
 const LM_dialog_services SCRIPTED = {Construct,  RunDialog,  Dispose,   ItemBox,
                                      SetItemBox, RedrawItem, SetCursor, SetCursor};
 
-// The preview's walk ends with an empty input rectangle, behind which one more continue runs the
+// The preview's walk ends with an empty input rectangle, after which one more continue runs the
 // dialog.
 int16_t Preview(ScriptedHost& host) {
   int16_t result = CV_RESULT_OK;

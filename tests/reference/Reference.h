@@ -4,8 +4,8 @@
 // worked out from the settings by itself, in the order in which the formulas are written. What the
 // engine draws has to equal this byte for byte, so every rounding here is deliberate: a float
 // operation rounds once, library functions run in double and are rounded at once, colours are
-// 32-bit sums that wrap, and a number that does not fit a 32-bit integer is saturated (no number
-// at all becomes 0).
+// 32-bit sums that wrap, and a number that does not fit a 32-bit integer is saturated (NaN
+// becomes 0).
 #ifndef REFERENCE_H
 #define REFERENCE_H
 

@@ -31,7 +31,7 @@ struct Typing {
 TEST(EditText, TypingReplacesTheSelection) {
   constexpr Typing CASES[] = {{"all", 0, 32767, "Dawn", "Dawn"},
                               {"the first letter", 0, 1, "R", "Rusk"},
-                              {"behind the end", 400, 500, "y", "Dusky"},
+                              {"beyond the end", 400, 500, "y", "Dusky"},
                               {"nothing typed", 0, 32767, "", "Dusk"}};
   for (const Typing& typing : CASES) {
     SampleDialog sample(NAME_DIALOG);

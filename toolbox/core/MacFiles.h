@@ -62,8 +62,8 @@ struct HFileInfo {
   OSErr ioResult;
   StringPtr ioNamePtr;
   int16_t ioVRefNum;
-  int16_t
-      ioFDirIndex;    // in: 0 look up the name; above 0 as in HFileParam; below 0 the folder itself
+  // In: 0 look up the name; above 0 as in HFileParam; below 0 the folder itself.
+  int16_t ioFDirIndex;
   uint8_t ioFlAttrib; // out: kFolderBit tells which of the two it is
   int32_t ioDirID;    // in: the folder to look in; out for a folder: the id of what was found
   int32_t ioFlLgLen;  // out, files only

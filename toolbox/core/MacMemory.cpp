@@ -164,7 +164,7 @@ bool Reserve(State* state, Size size) {
   return true;
 }
 
-// A block's bytes, behind their header, charged to the budget but not yet counted as a block.
+// A block's bytes, after their header, charged to the budget but not yet counted as a block.
 Ptr NewBytes(Size size) {
   State& state = Shared();
   lastError = memFullErr;

@@ -71,7 +71,7 @@ const json* NumberOf(const json& element) {
 }
 
 // The element of a list that one of an overlying list goes over: that of the same number, else
-// that of the same place. May lie behind the end.
+// that of the same place. May lie beyond the end.
 size_t PlaceOf(const json& list, const json& over, size_t place) {
   if (const json* number = NumberOf(over)) {
     for (size_t i = 0; i < list.size(); ++i) {

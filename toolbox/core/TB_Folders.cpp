@@ -110,7 +110,7 @@ int32_t TB_FolderID(const std::string& path) {
   if (known != state.ids.end()) {
     return known->second;
   }
-  // In this order no number without a folder stays behind when memory runs out.
+  // In this order no number is left without a folder when memory runs out.
   state.paths.push_back(path);
   return state.ids[path] = FIRST_ID + static_cast<int32_t>(state.paths.size() - 1);
 }

@@ -53,7 +53,7 @@ std::optional<uint64_t> Number(std::string_view text) {
   return error == std::errc() ? std::optional<uint64_t>(value) : std::nullopt;
 }
 
-// The number behind `key` at the start of a line.
+// The number after `key` at the start of a line.
 std::optional<uint64_t> NumberOf(std::string_view text, std::string_view key) {
   while (!text.empty()) {
     std::string_view line = TakeUntil(&text, '\n');

@@ -18,7 +18,7 @@ TB_EXPORT void TextSize(short size);
 TB_EXPORT void TextFace(short face);
 TB_EXPORT void TextMode(short mode);
 
-// Draws from the pen's place, the baseline, and moves the pen behind the text.
+// Draws from the pen's place, the baseline, and moves the pen past the text.
 TB_EXPORT void DrawString(ConstStr255Param text);
 TB_EXPORT void DrawText(const void* text, short firstByte, short byteCount);
 // Width in units, rounded up; the same at every pixel ratio.
