@@ -1,4 +1,5 @@
-# Limn's commands. `make demo` and `make test` install what is missing; the others expect it there.
+# Limn's commands. `make demo`, `make test` and those that need more tools install what is missing; the others expect it
+# there.
 
 JOBS ?= $(shell nproc)
 BUILD := build
@@ -43,16 +44,19 @@ test-sanitize: ## Build with the address and undefined-behaviour sanitizers and 
 	ctest --preset sanitize -j $(JOBS)
 
 test-portable: ## Run the tests with 32-bit pointers, and on an emulated 32-bit big-endian machine
+	@scripts/deps check
 	scripts/test-machines 32-bit big-endian
 
-test-machines: build ## The same, and with clang, the thread sanitizer, valgrind and emulated 64-bit Arm
+test-machines: build ## The same, and with clang, the thread sanitizer, valgrind, emulated 64-bit Arm and on Debian 13
 	@scripts/deps deep
 	scripts/test-machines
 
-fuzz: deps ## Let every fuzzer search for TIME seconds, or RUNS executions
+fuzz: ## Let every fuzzer search for TIME seconds, or RUNS executions
+	@scripts/deps check
 	scripts/fuzz $(FUZZERS)
 
-fuzz-quick: deps ## The same for a few seconds each, from one seed
+fuzz-quick: ## The same for a few seconds each, from one seed
+	@scripts/deps check
 	TIME=10 SEED=1 scripts/fuzz $(FUZZERS)
 
 bench: build ## Measure the shading and the preview
@@ -69,14 +73,17 @@ docs-pictures: build ## Draw the pictures of docs/ again, as their pages say
 	scripts/screenshots $(BUILD)
 	scripts/docs --build $(BUILD)
 
-SOURCES := $(shell git ls-files '*.h' '*.hpp' '*.c' '*.cpp')
+SOURCES = $(shell git ls-files '*.h' '*.hpp' '*.c' '*.cpp')
+# Each version lays out a few lines in its own way: what the one of Debian 12 makes of the tree is how it is kept.
+CLANG_FORMAT ?= clang-format-14
 format: ## Format every source file
-	clang-format-14 -i $(SOURCES)
+	$(CLANG_FORMAT) -i $(SOURCES)
 
 format-check:
-	clang-format-14 --dry-run -Werror $(SOURCES)
+	$(CLANG_FORMAT) --dry-run -Werror $(SOURCES)
 
 lint: build ## Run clang-tidy over every source file
+	@scripts/deps check
 	scripts/lint $(BUILD) $(LINT_FOLDERS)
 
 install: ## Install below PREFIX (default /usr/local), inside DESTDIR if given

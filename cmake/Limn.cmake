@@ -74,6 +74,14 @@ if(LIMN_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link -g1)
 endif()
 
+# limn_find_vips(): libvips, as PkgConfig::VIPS.
+macro(limn_find_vips)
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(VIPS REQUIRED IMPORTED_TARGET vips-cpp>=8.14)
+  # Without the header for programs of its version 7, which makes the Toolbox's `Rect` a macro.
+  target_compile_definitions(PkgConfig::VIPS INTERFACE VIPS_DISABLE_COMPAT)
+endmacro()
+
 # limn_install_private(TARGETS...): modules and libraries that only our programs load.
 function(limn_install_private)
   set_target_properties(${ARGN} PROPERTIES INSTALL_RPATH "$ORIGIN:$ORIGIN/..")

@@ -23,8 +23,9 @@ class Packages(unittest.TestCase):
         if not os.environ.get("LIMN_PACKAGES"):
             subprocess.run([PROJECT + "/scripts/deb", PACKAGES], check=True)
         cls.folder = tempfile.mkdtemp(prefix="limn-packages-")
+        cls.addClassCleanup(subprocess.run, ["rm", "-rf", "--one-file-system", cls.folder], check=False)
+        cls.addClassCleanup(os.chdir, "/")
         cls.system = FreshSystem(cls.folder)
-        cls.addClassCleanup(cls.system.close)
         os.chdir(cls.folder)
         for package in glob.glob(PACKAGES + "/*.deb"):
             shutil.copy(package, cls.system.path("/root"))
@@ -46,14 +47,21 @@ class Packages(unittest.TestCase):
         built = {os.path.basename(path).split("_")[0] for path in glob.glob(PACKAGES + "/*.deb")}
         self.assertEqual(built, NAMES)
 
+    def test_1_hold_what_other_programs_read(self):
+        for name, files in (("limn", "doc/limn/examples/limn-array.sbatch"),
+                            ("corvaline", "applications/limn-in-place.desktop"),
+                            ("limn-adapters", "kdenlive/effects/limn.xml")):
+            [package] = glob.glob(f"{PACKAGES}/{name}_*.deb")
+            self.assertIn(files, subprocess.run(["dpkg", "--contents", package], check=True, capture_output=True,
+                                                text=True).stdout)
+
     def test_2_the_command_alone(self):
         self.system.install(*self.files("limn"))
         self.assertRegex(self.limn("--version"), r"^limn \d+\.\d+\.\d+ \(vectors: \w+\)\n$")
         self.limn("apply", "--quiet", "-s", STYLE, "/root/photo.ppm", "-o", "/root/lit.ppm")
         self.limn("apply", "--quiet", "--through-plugin", "-s", STYLE, "/root/photo.ppm", "-o", "/root/plugin.ppm")
-        here = os.path.join(self.folder, "root/here.ppm")
-        subprocess.run([support.LIMN, "apply", "--quiet", "-s", STYLE, self.system.path("/root/photo.ppm"), "-o", here],
-                       check=True)
+        subprocess.run([support.LIMN, "apply", "--quiet", "-s", STYLE, self.system.path("/root/photo.ppm"), "-o",
+                        self.system.path("/root/here.ppm")], check=True)
         self.assertLit("/root/lit.ppm", "/root/plugin.ppm")
         with self.assertRaisesRegex(RuntimeError, "the dialog is not installed"):
             self.limn("edit", "/root/photo.ppm", "-o", "/root/edited.ppm")
