@@ -27,11 +27,14 @@ void FreeCache(LM_color96*& cache, LM_bool& hot) {
 } // namespace
 
 LM_light_figure LM_light_UI::Figure() const {
-  const auto floats = [](const LM_vectori2& vector) {
-    return LM_vector2f{static_cast<float>(vector.h), static_cast<float>(vector.v)};
-  };
-  return {type,  floats(center), floats(handle1), floats(handle2), static_cast<float>(radius),
-          color, intensity,      spread};
+  return {type,
+          center.Floats(),
+          handle1.Floats(),
+          handle2.Floats(),
+          static_cast<float>(radius),
+          color,
+          intensity,
+          spread};
 }
 
 void LM_light_UI::ConvertToRealLight(LM_light* out, unsigned short scale,

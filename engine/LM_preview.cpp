@@ -1,10 +1,10 @@
 // Rendering the collected preview.
 #include "LM_preview.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "LM_dialog_services.h"
+#include "LM_preview_geometry.h"
 #include "LM_shader.h"
 
 namespace {
@@ -55,7 +55,7 @@ void AimAtPreview(FilterRecord* record, const LM_globals& g, uint8_t* out, int32
 int16_t StorePreviewHeights(FilterRecord* record, LM_globals* g, const foo* params) {
   const CVPixelMap& bump = g->previewMaps[LM_BUMP_PREVIEW_MAP];
   const CVRect area = record->inTileRect;
-  g->bumpMap.scale = params->bumpHeight / (2 * std::max<int32_t>(g->previewScale, 1));
+  g->bumpMap.scale = LM_PreviewHeight(params->bumpHeight, g->previewScale);
   record->inTileRect = {-2, -2, static_cast<int16_t>(g->previewHeight + 2),
                         static_cast<int16_t>(g->previewWidth + 2)};
   record->inPixels = bump.baseAddress;
@@ -65,15 +65,6 @@ int16_t StorePreviewHeights(FilterRecord* record, LM_globals* g, const foo* para
   record->inPixels = g->previewMaps[LM_PREVIEW_MAP].baseAddress;
   record->inRowStride = g->previewMaps[LM_PREVIEW_MAP].rowBytes;
   return result == 0 ? int16_t{CV_RESULT_OK} : int16_t{CV_RESULT_NO_MEMORY};
-}
-
-void FillBlack(const CVPixelMap& map, int32_t top, int32_t left, int32_t bottom, int32_t right) {
-  left = std::max(left, 0);
-  right = std::min(right, map.bounds.right);
-  bottom = std::min(bottom, map.bounds.bottom);
-  for (int32_t row = std::max(top, 0); row < bottom && left < right; ++row)
-    std::memset(PixelAt(map, row, left), 0,
-                static_cast<size_t>(right - left) * static_cast<size_t>(map.columnBytes));
 }
 
 } // namespace
@@ -118,20 +109,8 @@ void LM_DrawPreviewFrameToPixelMap([[maybe_unused]] GrafPort* port, LM_globals* 
   const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
   if (frame.baseAddress == nullptr)
     return;
-  const int32_t left = globals->previewOffsetX - 1;
-  const int32_t top = globals->previewOffsetY - 1;
-  const int32_t right = globals->previewOffsetX + globals->previewWidth;
-  const int32_t bottom = globals->previewOffsetY + globals->previewHeight;
-  FillBlack(frame, top, left, top + 1, right);
-  FillBlack(frame, top, left, bottom, left + 1);
-  FillBlack(frame, top, right, bottom, right + 1);
-  FillBlack(frame, bottom, left, bottom + 1, right + 1);
-  const int32_t width = frame.bounds.right;
-  const int32_t height = frame.bounds.bottom;
-  FillBlack(frame, 0, 0, 1, width);
-  FillBlack(frame, 0, 0, height, 1);
-  FillBlack(frame, height - 1, 0, height, width);
-  FillBlack(frame, 0, width - 1, height, width);
+  LM_DrawPreviewOutlines(frame, globals->previewOffsetX, globals->previewOffsetY,
+                         globals->previewWidth, globals->previewHeight);
 }
 
 int16_t LM_GeneratePreview([[maybe_unused]] GrafPort* port, LM_globals* globals) {

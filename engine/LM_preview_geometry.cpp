@@ -1,14 +1,24 @@
 #include "LM_preview_geometry.h"
 
 #include <algorithm>
+#include <cstring>
 
-#include "LM_arithmetic.h"
 #include "LM_globals.h"
 
 namespace {
 
 int32_t ReducedLength(int32_t length, int32_t scale) {
   return (length + scale - 1) / scale;
+}
+
+void FillBlack(const CVPixelMap& map, int32_t top, int32_t left, int32_t bottom, int32_t right) {
+  left = std::max(left, 0);
+  right = std::min(right, map.bounds.right);
+  bottom = std::min(bottom, map.bounds.bottom);
+  for (int32_t row = std::max(top, 0); row < bottom && left < right; ++row)
+    std::memset(map.baseAddress + static_cast<ptrdiff_t>(row) * map.rowBytes +
+                    static_cast<ptrdiff_t>(left) * map.columnBytes,
+                0, static_cast<size_t>(right - left) * static_cast<size_t>(map.columnBytes));
 }
 
 } // namespace
@@ -49,6 +59,22 @@ LM_preview_geometry LM_FitPreviewInFrame(int32_t areaWidth, int32_t areaHeight) 
   const Rect frame = {0, 0, LM_FRAME_SIZE, LM_FRAME_SIZE};
   const Rect available = {INSET, INSET, LM_FRAME_SIZE - INSET, LM_FRAME_SIZE - INSET};
   return LM_FitPreview(areaWidth, areaHeight, frame, available);
+}
+
+void LM_DrawPreviewOutlines(const CVPixelMap& frame, int32_t left, int32_t top, int32_t width,
+                            int32_t height) {
+  const int32_t right = left + width;
+  const int32_t bottom = top + height;
+  --left;
+  --top;
+  FillBlack(frame, top, left, top + 1, right);
+  FillBlack(frame, top, left, bottom, left + 1);
+  FillBlack(frame, top, right, bottom, right + 1);
+  FillBlack(frame, bottom, left, bottom + 1, right + 1);
+  FillBlack(frame, 0, 0, 1, frame.bounds.right);
+  FillBlack(frame, 0, 0, frame.bounds.bottom, 1);
+  FillBlack(frame, frame.bounds.bottom - 1, 0, frame.bounds.bottom, frame.bounds.right);
+  FillBlack(frame, 0, frame.bounds.right - 1, frame.bounds.bottom, frame.bounds.right);
 }
 
 void LM_UsePreviewGeometry(const LM_preview_geometry& geometry, LM_globals* globals) {

@@ -4,7 +4,7 @@
 
 #include "LM_render.h"
 #include "LM_style_codec.h"
-#include "LM_style_settings.h"
+#include "LM_style_lighting.h"
 #include "MacMemory.h"
 
 #include <cstring>

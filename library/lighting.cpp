@@ -3,8 +3,7 @@
 #include "picture.h"
 #include "settings.h"
 
-#include "LM_render.h"
-#include "LM_style_settings.h"
+#include "LM_style_lighting.h"
 
 #include <algorithm>
 #include <cstring>
@@ -19,14 +18,20 @@ struct limn_lighting {
 namespace limn {
 namespace {
 
-// The settings as the plug-in and the shaders take them, for pictures of the format.
-std::unique_ptr<foo> ParametersOf(const limn_settings* settings, const Format& format) {
+// The style to light by.
+const LM_style& StyleOf(const limn_settings* settings) {
   NeedPointer(settings, "settings");
   if (settings->style.lightsRead == 0)
     throw CallFailure{LIMN_BAD_STYLE, "the style holds no light"};
+  return settings->style;
+}
+
+// The settings as the plug-in and the shaders take them, for pictures of the format.
+std::unique_ptr<foo> ParametersOf(const limn_settings* settings, const Format& format) {
+  const LM_style& style = StyleOf(settings);
   auto params = std::make_unique<foo>();
   const LM_rect& area = format.area;
-  if (!LM_ParametersFromStyle(settings->style, area.right - area.left, area.bottom - area.top,
+  if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top,
                               format.channels, params.get()))
     throw std::bad_alloc();
   return params;
@@ -35,15 +40,14 @@ std::unique_ptr<foo> ParametersOf(const limn_settings* settings, const Format& f
 std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn_picture* picture) {
   NeedPointer(picture, "picture");
   const Format format = FormatOf(*picture);
-  const auto params = ParametersOf(settings, format);
-  const LM_rect& area = format.area;
+  const LM_style& style = StyleOf(settings);
   auto lighting = std::make_unique<limn_lighting>();
   lighting->format = format;
-  lighting->ownRelief = params->bumpChannel;
   // The area was checked, so that there can be but one reason.
-  if (LM_PrepareRender(*params, area, format.width, format.height, LM_BestKernels(),
-                       lighting->job) != LM_render_result::Done)
+  if (LM_PrepareStyle(style, format.area, format.width, format.height, format.channels,
+                      lighting->job) != LM_render_result::Done)
     throw std::bad_alloc();
+  lighting->ownRelief = lighting->job.params.bumpChannel;
   return lighting;
 }
 

@@ -47,6 +47,8 @@ const char* LM_RenderMessage(LM_render_result result) {
     return "the rectangle is lit";
   case LM_render_result::EmptyArea:
     return "the filter area is empty or reaches outside the image";
+  case LM_render_result::NoLight:
+    return "the settings hold no light";
   case LM_render_result::NoMemory:
     return "there is not enough memory to prepare the lighting";
   case LM_render_result::BadSource:
@@ -66,7 +68,8 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
                                   LM_render_job& job) {
   if (LM_IsEmpty(area) || !LM_Contains({0, 0, imageHeight, imageWidth}, area))
     return LM_render_result::EmptyArea;
-  job.params = params;
+  if (&params != &job.params)
+    job.params = params;
   LM_DetachParameterCaches(&job.params);
   job.area = area;
   job.imageWidth = imageWidth;

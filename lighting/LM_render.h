@@ -14,12 +14,13 @@
 
 enum class LM_render_result {
   Done,
-  EmptyArea,  // the filter area has no pixels, or lies outside the image
-  NoMemory,   // the job could not be prepared
-  BadSource,  // the source view does not hold the rectangle, or has no pixels
-  BadOutput,  // the same of the output view
-  BadRelief,  // the relief view does not hold the rectangle and its neighbours inside the image
-  OutsideArea // the rectangle reaches outside the filter area
+  EmptyArea,   // the filter area has no pixels, or lies outside the image
+  NoMemory,    // the job could not be prepared
+  BadSource,   // the source view does not hold the rectangle, or has no pixels
+  BadOutput,   // the same of the output view
+  BadRelief,   // the relief view does not hold the rectangle and its neighbours inside the image
+  OutsideArea, // the rectangle reaches outside the filter area
+  NoLight      // the settings hold none, so that no job is prepared
 };
 // One sentence in English, without the full stop. Never null.
 const char* LM_RenderMessage(LM_render_result result);
@@ -41,8 +42,8 @@ struct LM_render_job {
 };
 
 // Fills the job for one image and its filter area, both in pixels; the area must lie in the image.
-// The parameter block is copied, caches left out. Its relief is used when a call brings a relief
-// plane, whatever channel it names. kernels: null for the plain rows.
+// The parameter block is copied, caches left out; it may be the job's own. Its relief is used when
+// a call brings a relief plane, whatever channel it names. kernels: null for the plain rows.
 LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_t imageWidth,
                                   int32_t imageHeight, const LM_kernels* kernels,
                                   LM_render_job& job);

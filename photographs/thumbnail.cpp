@@ -1,8 +1,7 @@
 #include "thumbnail.h"
 
 #include "CVMix.h"
-#include "LM_render.h"
-#include "LM_style_settings.h"
+#include "LM_style_lighting.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -39,24 +38,23 @@ void KeepToMask(const ReducedPhotograph& photograph, std::vector<uint8_t>& lit) 
 } // namespace
 
 std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_style& style) try {
-  const std::unique_ptr<foo> params(new (std::nothrow) foo);
   const std::unique_ptr<LM_render_job> job(new (std::nothrow) LM_render_job);
   const LM_render_scratch_pointer scratch = LM_NewRenderScratch();
-  if (params == nullptr || job == nullptr || scratch == nullptr ||
+  if (job == nullptr || scratch == nullptr ||
       !LM_ParametersFromStyle(style, photograph.fullWidth, photograph.fullHeight,
-                              photograph.numPlanes, params.get()))
+                              photograph.numPlanes, &job->params))
     return {};
-  FitRelief(*params, photograph);
+  FitRelief(job->params, photograph);
   const LM_rect whole = {0, 0, photograph.height, photograph.width};
-  if (LM_PrepareRender(*params, whole, photograph.width, photograph.height, LM_BestKernels(),
+  if (LM_PrepareRender(job->params, whole, photograph.width, photograph.height, LM_BestKernels(),
                        *job) != LM_render_result::Done)
     return {};
   std::vector<uint8_t> lit(static_cast<size_t>(photograph.width) * photograph.height * NUM_LIT);
   LM_render_views views = {};
   views.source = PlanesFrom(photograph, 0, whole);
   views.output = {lit.data(), ptrdiff_t{photograph.width} * NUM_LIT, NUM_LIT, whole};
-  if (params->bumpChannel > 0)
-    views.relief = PlanesFrom(photograph, params->bumpChannel - 1, whole);
+  if (job->params.bumpChannel > 0)
+    views.relief = PlanesFrom(photograph, job->params.bumpChannel - 1, whole);
   if (LM_RenderRect(*job, views, whole, *scratch) != LM_render_result::Done)
     return {};
   KeepToMask(photograph, lit);

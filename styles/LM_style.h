@@ -2,7 +2,7 @@
 #ifndef LM_STYLE_H
 #define LM_STYLE_H
 
-#include "LM_types.h"
+#include "CVFilterRecord.h"
 #include "LM_vectori2.h"
 
 constexpr uint16_t LM_STYLE_SIGNATURE = 0x4242;

@@ -12,12 +12,8 @@
 #include <numbers>
 
 #include "LM_constants.h"
-#include "LM_light_UI.h"
-#include "LM_parameters.h"
-#include "LM_preview_geometry.h"
-#include "LM_style.h"
 #include "LM_style_fields.h"
-#include "LM_style_settings.h"
+#include "LM_style_lighting.h"
 
 namespace {
 
@@ -102,13 +98,9 @@ template <class Found> bool SearchAround(double x, double y, int reach, Found fo
 // A light under construction, beside the one that it has to become.
 class LightFinder {
 public:
-  explicit LightFinder(const LM_light& wanted) : _wanted(wanted), _found(), _made() {
-    _found.type = wanted.type;
-    _found.on = 1;
-    _found.handle1 = {30, 30};
-    _found.handle2 = {-15, 15};
-    _found.radius = 30;
-    _found.spread = 128;
+  explicit LightFinder(const LM_light& wanted)
+      : _wanted(wanted), _found(LM_NewStyleLight()), _made() {
+    _found.type = LM_CodeOfLightType(wanted.type);
   }
 
   bool Find() {
@@ -123,24 +115,11 @@ public:
     return hasPlace && SameLight(_made, _wanted);
   }
 
-  LM_style_light Found() const {
-    LM_style_light light = LM_NewStyleLight();
-    light.color = _found.color;
-    light.intensity = _found.intensity;
-    light.spread = _found.spread;
-    light.type = _wanted.type == LM_LIGHT_OMNI          ? LM_STYLE_OMNI
-                 : _wanted.type == LM_LIGHT_DIRECTIONAL ? LM_STYLE_DIRECTIONAL
-                                                        : LM_STYLE_SPOT;
-    light.center = _found.center;
-    light.handle1 = _found.handle1;
-    light.handle2 = _found.handle2;
-    light.radius = _found.radius;
-    return light;
-  }
+  const LM_style_light& Found() const { return _found; }
 
 private:
   void _Make(LM_bool forPreview) {
-    _found.ConvertToRealLight(&_made, static_cast<unsigned short>(UNIT), forPreview);
+    LM_ConvertLight(LM_FigureOf(_found), static_cast<float>(UNIT), forPreview, &_made);
   }
 
   bool _FindBulb() {
@@ -240,7 +219,7 @@ private:
   }
 
   const LM_light& _wanted;
-  LM_light_UI _found;
+  LM_style_light _found;
   LM_light _made;
 };
 

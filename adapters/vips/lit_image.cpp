@@ -2,9 +2,7 @@
 
 #include "CVMix.h"
 #include "LM_floating_point.h"
-#include "LM_parameters.h"
-#include "LM_render.h"
-#include "LM_style_settings.h"
+#include "LM_style_lighting.h"
 
 #include <algorithm>
 #include <cstring>
@@ -175,16 +173,17 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
   const int numChannels = image.bands() + static_cast<int>(settings.channels.size());
   if (numChannels > LIMN_MOST_CHANNELS)
     Refuse("the image has more than 32767 channels");
-  const auto params = std::make_unique<foo>();
   const LM_rect rect = {area.y, area.x, area.y + area.height, area.x + area.width};
-  if (!LM_ParametersFromStyle(settings.style, area.width, area.height, numChannels, params.get()) ||
-      LM_PrepareRender(*params, rect, image.width(), image.height(), LM_BestKernels(),
-                       lighting.job) != LM_render_result::Done)
+  const LM_render_result prepared = LM_PrepareStyle(settings.style, rect, image.width(),
+                                                    image.height(), numChannels, lighting.job);
+  if (prepared == LM_render_result::NoLight)
+    Refuse("the style holds no light");
+  if (prepared != LM_render_result::Done)
     Refuse("out of memory");
   lighting.hasSourceFailed = settings.hasSourceFailed;
   int numImages = 1;
   lighting.images[0] = image.get_image();
-  const int channel = LM_ChannelOrNone(params->bumpChannel, numChannels) - 1;
+  const int channel = lighting.job.params.bumpChannel - 1;
   if (channel >= image.bands()) {
     const VImage& relief = settings.channels[static_cast<size_t>(channel - image.bands())];
     CheckPlane(relief, image, "the relief is not one 8-bit band of the image's size");

@@ -7,7 +7,7 @@
 #include "style_source.h"
 
 #include "LM_parameters.h"
-#include "LM_style_settings.h"
+#include "LM_style_lighting.h"
 
 #include <QFile>
 #include <QMenu>

@@ -1,9 +1,9 @@
 #include "preview.h"
 
-#include "frame_dialog.h"
 #include "image_library.h"
 #include "lighting.h"
 #include "output_target.h"
+#include "preview_frame.h"
 #include "report.h"
 #include "style_source.h"
 

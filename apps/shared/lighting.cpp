@@ -3,8 +3,7 @@
 #include "failure.h"
 #include "posix_file.h"
 
-#include "LM_parameters.h"
-#include "LM_style_settings.h"
+#include "LM_style_lighting.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -43,7 +42,7 @@ std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numC
   auto parameters = std::make_unique<foo>();
   if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top, numChannels,
                               parameters.get()))
-    throw Failure(ExitCode::NoMemory, file + ": not enough memory");
+    throw Failure(ExitCode::WrongUsage, file + ": the style holds no light");
   return parameters;
 }
 

@@ -4,7 +4,9 @@
 #include "LM_style_settings.h"
 #include "StyleSamples.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -61,6 +63,42 @@ TEST(StyleParameters, FollowTheDialogsGeometry) {
   EXPECT_EQ(params.lights[0].position.x, 1.0F);
   EXPECT_EQ(params.lights[0].position.y, -0.5F);
   EXPECT_EQ(params.lights[0].position.z, (56.0F / 140.0F) * 0.57735026F);
+}
+
+// Without a settings object a style becomes the very block that the dialog's settings become.
+TEST(StyleParameters, EqualThoseOfTheSettings) {
+  for (int lights = 1; lights <= LM_MAX_LIGHTS; ++lights) {
+    SCOPED_TRACE(lights);
+    LM_style style = DistinctStyle(lights);
+    style.gloss = 200;
+    style.material = style.exposure = 77;
+    style.ambientBrightness = -31;
+    style.bumpAmplitude = 40;
+    for (int i = 0; i < lights; ++i) {
+      style.lights[i].on = static_cast<uint16_t>(i % 4 == 3 ? 2 : 1);
+      style.lights[i].type = static_cast<uint16_t>(i % 5);
+    }
+    style.bumpChannel = static_cast<int16_t>(lights % 6 - 1);
+    style.worldUnit = static_cast<int16_t>(lights % 2 == 0 ? 140 : 97);
+    const LM_preview_geometry geometry = LM_FitPreviewInFrame(1500 + 37 * lights, 900);
+    const std::unique_ptr<LM_globals, void (*)(LM_globals*)> globals(LM_NewGlobals(),
+                                                                     LM_DestroyGlobals);
+    LM_UsePreviewGeometry(geometry, globals.get());
+    globals->Default();
+    ASSERT_TRUE(LM_ApplyStyle(style, *globals));
+    globals->SetBumpChannel(LM_ChannelOrNone(globals->BumpChannel(), 3));
+    for (const LM_bool preview : {1, 0}) {
+      foo expected, params;
+      LM_InitParameters(&expected);
+      globals->ConvertToParameters(&expected, preview);
+      if (preview == 1)
+        expected.bumpHeight = LM_PreviewHeight(expected.bumpHeight, geometry.scale);
+      ASSERT_TRUE(preview == 1
+                      ? LM_PreviewParametersFromStyle(style, geometry, 3, &params)
+                      : LM_ParametersFromStyle(style, 1500 + 37 * lights, 900, 3, &params));
+      EXPECT_EQ(std::memcmp(&params, &expected, sizeof params), 0) << preview;
+    }
+  }
 }
 
 } // namespace

@@ -1,0 +1,125 @@
+#include "LM_style_lighting.h"
+
+#include <algorithm>
+
+#include "LM_arithmetic.h"
+#include "LM_sliders.h"
+
+namespace {
+
+int16_t Limited(int16_t value, int low, int high) {
+  return static_cast<int16_t>(std::clamp<int>(value, low, high));
+}
+
+// Pressing OK takes the surface settings from the sliders, which show no value beyond their ends.
+LM_surface_figure LimitedToSliders(LM_surface_figure surface) {
+  surface.gloss = Limited(surface.gloss, 0, LM_SLIDER_MAX);
+  surface.material = Limited(surface.material, 0, LM_MATERIAL_SLIDER_MAX);
+  surface.exposure = Limited(surface.exposure, 0, LM_SLIDER_MAX);
+  surface.ambience =
+      Limited(surface.ambience, -LM_SLIDER_CENTER, LM_CENTERED_SLIDER_MAX - LM_SLIDER_CENTER);
+  surface.bumpAmplitude = Limited(surface.bumpAmplitude, 0, LM_SLIDER_MAX);
+  return surface;
+}
+
+LM_surface_figure SurfaceOf(const LM_style& style, const LM_preview_geometry& geometry,
+                            int numChannels) {
+  LM_surface_figure surface = {};
+  surface.ambientColor = style.ambientColor;
+  surface.ambience = style.ambientBrightness;
+  surface.gloss = style.gloss;
+  surface.material = style.material;
+  surface.exposure = style.exposure;
+  surface.bumpChannel = LM_ChannelOrNone(style.bumpChannel, numChannels);
+  surface.bumpAmplitude = style.bumpAmplitude;
+  surface.whiteIsHigh = style.whiteIsHigh != 0;
+  surface.previewWidth = geometry.width;
+  surface.pixelsPerUnit = static_cast<uint16_t>(geometry.WorldUnit());
+  return surface;
+}
+
+bool FillParameters(const LM_style& style, const LM_surface_figure& surface, LM_bool forPreview,
+                    foo* params) {
+  const int count = std::min<int>(style.lightsRead, LM_MAX_LIGHTS);
+  if (count == 0)
+    return false;
+  LM_InitParameters(params);
+  LM_ConvertSurface(surface, params);
+  const auto unit = static_cast<int16_t>(surface.pixelsPerUnit);
+  for (int i = 0; i < count; ++i) {
+    if (style.lights[i].on == 1)
+      LM_ConvertLight(LM_FigureOf(LM_TranslateLight(style.lights[i], style.worldUnit, unit)),
+                      static_cast<float>(surface.pixelsPerUnit), forPreview,
+                      &params->lights[params->numLights++]);
+  }
+  return true;
+}
+
+} // namespace
+
+int32_t LM_LightTypeOfCode(uint16_t code) {
+  return code == LM_STYLE_OMNI          ? LM_LIGHT_OMNI
+         : code == LM_STYLE_DIRECTIONAL ? LM_LIGHT_DIRECTIONAL
+                                        : LM_LIGHT_SPOT;
+}
+
+uint16_t LM_CodeOfLightType(int32_t type) {
+  return type == LM_LIGHT_OMNI          ? LM_STYLE_OMNI
+         : type == LM_LIGHT_DIRECTIONAL ? LM_STYLE_DIRECTIONAL
+                                        : LM_STYLE_SPOT;
+}
+
+int16_t LM_TranslateWorldUnits(int16_t value, int16_t fromUnit, int16_t toUnit) {
+  if (fromUnit == 0)
+    return 0;
+  const int32_t half = fromUnit / 2;
+  const int32_t product = value * toUnit;
+  return LM_Cut16((product + (value < 0 ? -half : half)) / fromUnit);
+}
+
+LM_style_light LM_TranslateLight(const LM_style_light& light, int16_t fromUnit, int16_t toUnit) {
+  LM_style_light out = light;
+  for (LM_vectori2* vector : {&out.center, &out.handle1, &out.handle2})
+    *vector = {LM_TranslateWorldUnits(vector->h, fromUnit, toUnit),
+               LM_TranslateWorldUnits(vector->v, fromUnit, toUnit)};
+  out.radius = LM_TranslateWorldUnits(light.radius, fromUnit, toUnit);
+  return out;
+}
+
+LM_light_figure LM_FigureOf(const LM_style_light& light) {
+  return {LM_LightTypeOfCode(light.type),
+          light.center.Floats(),
+          light.handle1.Floats(),
+          light.handle2.Floats(),
+          static_cast<float>(light.radius),
+          light.color,
+          light.intensity,
+          light.spread};
+}
+
+int16_t LM_ChannelOrNone(int16_t channel, int numChannels) {
+  return channel < 0 || channel > numChannels ? int16_t{0} : channel;
+}
+
+bool LM_ParametersFromStyle(const LM_style& style, int areaWidth, int areaHeight, int numChannels,
+                            foo* params) {
+  const LM_preview_geometry geometry = LM_FitPreviewInFrame(areaWidth, areaHeight);
+  return FillParameters(style, LimitedToSliders(SurfaceOf(style, geometry, numChannels)), 0,
+                        params);
+}
+
+bool LM_PreviewParametersFromStyle(const LM_style& style, const LM_preview_geometry& geometry,
+                                   int numChannels, foo* params) {
+  if (!FillParameters(style, SurfaceOf(style, geometry, numChannels), 1, params))
+    return false;
+  params->bumpHeight = LM_PreviewHeight(params->bumpHeight, geometry.scale);
+  return true;
+}
+
+LM_render_result LM_PrepareStyle(const LM_style& style, const LM_rect& area, int32_t imageWidth,
+                                 int32_t imageHeight, int numChannels, LM_render_job& job) {
+  if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top, numChannels,
+                              &job.params))
+    return LM_render_result::NoLight;
+  return LM_PrepareRender(job.params, area, imageWidth, imageHeight, LM_BestKernels(), job);
+}

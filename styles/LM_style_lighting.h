@@ -1,0 +1,43 @@
+// From a style to light on an image, as opening the dialog on the image, choosing the style and
+// pressing OK gives it.
+#ifndef LM_STYLE_LIGHTING_H
+#define LM_STYLE_LIGHTING_H
+
+#include "LM_light_figure.h"
+#include "LM_preview_geometry.h"
+#include "LM_render.h"
+#include "LM_style.h"
+
+// The light type of a file's code, LM_style_light_type, and back. Any other is a spot.
+int32_t LM_LightTypeOfCode(uint16_t code);
+uint16_t LM_CodeOfLightType(int32_t type);
+
+// A length in preview pixels, from one world unit to another: value * toUnit / fromUnit, halves
+// rounded away from zero for a positive unit; 0 when fromUnit is 0. The result is cut to 16 bits.
+int16_t LM_TranslateWorldUnits(int16_t value, int16_t fromUnit, int16_t toUnit);
+
+// The style's light with all its lengths translated. Whether it is on is left to the caller.
+LM_style_light LM_TranslateLight(const LM_style_light& light, int16_t fromUnit, int16_t toUnit);
+// The same light, ready to be converted.
+LM_light_figure LM_FigureOf(const LM_style_light& light);
+
+// The relief channel, or 0 when a document of numChannels channels does not have it.
+int16_t LM_ChannelOrNone(int16_t channel, int numChannels);
+
+// Fills a parameter block, header included. areaWidth, areaHeight: the filter area, in image
+// pixels. numChannels: channels of the document; a relief channel that it does not have, or that is
+// negative, is none. False, and nothing written, when the style has no whole light.
+bool LM_ParametersFromStyle(const LM_style& style, int areaWidth, int areaHeight, int numChannels,
+                            foo* params);
+// The same as the dialog's preview has it, in that geometry: reduced, with the preview's falloff,
+// and with values beyond the sliders' ends, which OK would cut, as the style has them.
+bool LM_PreviewParametersFromStyle(const LM_style& style, const LM_preview_geometry& geometry,
+                                   int numChannels, foo* params);
+
+// Prepares a job for an image and its filter area, both in pixels. job.params.bumpChannel is then
+// the relief that the style takes. NoLight when the style has no whole light; else as
+// LM_PrepareRender.
+LM_render_result LM_PrepareStyle(const LM_style& style, const LM_rect& area, int32_t imageWidth,
+                                 int32_t imageHeight, int numChannels, LM_render_job& job);
+
+#endif
