@@ -1,5 +1,18 @@
 // Lighting of a run of samples of a flat surface, and the combination of what light gives with the
 // surface.
+//
+// With N the surface's normal, here (0, 0, 1), L the way from a sample to the light, and f what a
+// spot's cone lets through:
+//   diffuse  = f (N . L) / |L|         the cosine at which light falls in
+//   specular = f (R . L) (R . L) / |L| with R the view direction (0, 0, 1) mirrored at N
+// R points to the light exactly where N is the half-way vector of light and view, and there a
+// highlight is brightest. Here R is N, and both come down to the height of L: specular is that
+// height times diffuse, and grows as a lamp is raised.
+//
+// A pixel of colour p is then, with the sums of all lights and ambient light A,
+//   (A + diffuse) p + specular g c
+// times exposure: a highlight, times gloss g, has the colour c of the surface's material, which
+// blends from white (0) to the picture's own (256). At its ends there are shorter forms.
 #include "LM_light_shader.h"
 #include "LM_light_sums.h"
 

@@ -34,6 +34,9 @@ bool LM_HoldsHeights(const LM_bump_map* map, int columns, int rows) {
 LM_vector3f LM_FacetNormal(int32_t gradX, int32_t gradY) {
   if (gradX == 0 && gradY == 0)
     return {0.0F, 0.0F, 1.0F};
+  // Summed wide. A hard edge of the channel gives gradients of 360 times the amplitude, whose
+  // square leaves 32 bits above amplitude 128: a sum that has wrapped below zero would have no
+  // root, and its facet, lit by nothing, would be a black speck on the edge.
   const int64_t squares = static_cast<int64_t>(gradX) * gradX + static_cast<int64_t>(gradY) * gradY;
   const float sum = static_cast<float>(squares) + 16777216.0F;
   const float inverse = static_cast<float>(1.0 / std::sqrt(static_cast<double>(sum)));

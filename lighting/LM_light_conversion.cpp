@@ -1,4 +1,29 @@
-// From the light as edited to the light as shaded.
+// From the light as edited to the light as shaded. Lengths are shading units, z grows towards the
+// viewer.
+//
+// A directional light comes from (x, y, z) with its handle as (x, y) and z = 100 - |handle|, at
+// least 1: in preview pixels, since a direction has no scale. Without a handle it stands overhead.
+//
+// An omni of radius r hangs z = r tan 30 above its centre. At the distance r light falls in with
+// the cosine z / sqrt(z z + r r) = sin 30: the circle that is drawn is where half is left.
+//
+// A spot is a cone of 45 degrees around its axis, and the ellipse that is drawn, with half axes
+// a >= b, is where it cuts the picture. So it stands at the distance a from the ellipse's centre,
+// in the direction of the first axis and raised by the tilt t: at (a cos t, a sin t). Its axis
+// points down by t / 2 + 45 degrees, one side of the cone by t / 2 and the other by t / 2 + 90, and
+// these meet the picture at
+//   a cos t - a sin t / tan(t / 2) = -a   and   a cos t + a sin t tan(t / 2) = a.
+// The end of the second axis, sqrt(a a + b b) from the lamp, is 45 degrees off the axis too when
+//   sqrt(a a + b b) sqrt(1/2) = a cos(t / 2 - 45) = a sin(t / 2 + 45),
+// which gives t = 2 (asin(sqrt((a a + b b) / 2) / a) - 45): 90 for a circle, 0 for a line.
+//
+// Within the cone its light falls as cos(u^P 90), u going from 0 on the axis to 1 at the edge: one
+// and zero there whatever P is. P = (1/4 + 3/4 s)^(1 + 2 s) with s = spread / 128 is 1 for 128, the
+// even fall of a lamp without a lens; below, all but the middle is dim, above, all but the edge is
+// bright. The table holds it by the angle's cosine, which is what shading has at hand.
+//
+// No light is weaker from further away. A lamp's size in the picture then says where its light goes
+// and its intensity how much that is, and the one can be changed without correcting the other.
 #include <cmath>
 
 #include "LM_constants.h"

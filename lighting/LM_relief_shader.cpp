@@ -1,4 +1,4 @@
-// Lighting of a run of facets.
+// Lighting of a run of facets: the formulas of a flat surface with each facet's own normal.
 #include "LM_light_shader.h"
 #include "LM_light_sums.h"
 
