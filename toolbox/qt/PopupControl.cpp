@@ -1,5 +1,6 @@
 #include "ControlBlock.h"
 #include "MenuBlock.h"
+#include "PortState.h"
 #include "QDShapes.h"
 #include "QDText.h"
 #include "StyledControl.h"
