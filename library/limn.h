@@ -95,8 +95,9 @@ LIMN_API limn_settings* limn_settings_copy(const limn_settings* settings, limn_e
 LIMN_API void limn_settings_free(limn_settings* settings);
 
 /* Sets one field, as `limn apply --set KEY=VALUE` does: "exposure" to "150", "light.0.type" to
- * "omni", "light.1.center" to "-30,12". A field of the light after the last one adds a light.
- * LIMN_BAD_ARGUMENT, and nothing changed, when there is no such key or the value does not fit. */
+ * "omni", "light.1.center" to "-30,12", "light.0.color" to "#ff8800". A field of the light after
+ * the last one adds a light. LIMN_BAD_ARGUMENT, and nothing changed, when there is no such key, the
+ * value does not fit, or it is beyond its slider's ends and would be lit like the end. */
 LIMN_API limn_result limn_settings_set(limn_settings* settings, const char* key, const char* value,
                                        limn_error* error);
 

@@ -2,19 +2,40 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <limits>
 
+#include "LM_color_words.h"
+#include "LM_light_kinds.h"
+#include "LM_nearest_word.h"
 #include "LM_preview_geometry.h"
 #include "LM_style_layout.h"
 
 namespace {
 
-struct Word {
-  std::string_view word;
-  uint16_t code;
+constexpr std::string_view LIGHT_PREFIX = "light.";
+constexpr std::string_view NO_SUCH_SETTING = "there is no such setting";
+
+// The dialog's words for fields and arrays, without a light's number.
+struct Synonym {
+  std::string_view word, name;
 };
-constexpr Word LIGHT_TYPES[] = {
-    {"directional", LM_STYLE_DIRECTIONAL}, {"omni", LM_STYLE_OMNI}, {"spot", LM_STYLE_SPOT}};
+constexpr Synonym SYNONYMS[] = {{"ambience", "ambientBrightness"},
+                                {"ambienceColour", "ambientColor"},
+                                {"relief", "bumpChannel"},
+                                {"height", "bumpAmplitude"},
+                                {"colour", "color"},
+                                {"centre", "center"}};
+
+struct Word {
+  LM_field kind;
+  std::string_view word;
+  int64_t value;
+};
+constexpr Word WORDS[] = {{LM_field::Flag, "true", 1},     {LM_field::Flag, "false", 0},
+                          {LM_field::Flag, "on", 1},       {LM_field::Flag, "off", 0},
+                          {LM_field::Channel, "none", 0},  {LM_field::Channel, "red", 1},
+                          {LM_field::Channel, "green", 2}, {LM_field::Channel, "blue", 3}};
 
 bool Fails(std::string& why, std::string sentence) {
   why = std::move(sentence);
@@ -30,10 +51,9 @@ bool ReadInteger(std::string_view text, int64_t& value) {
 
 // Splits "light.3.rest" into its parts.
 bool SplitLightKey(std::string_view key, size_t& light, std::string_view& field) {
-  constexpr std::string_view PREFIX = "light.";
-  if (!key.starts_with(PREFIX))
+  if (!key.starts_with(LIGHT_PREFIX))
     return false;
-  key.remove_prefix(PREFIX.size());
+  key.remove_prefix(LIGHT_PREFIX.size());
   const size_t dot = key.find('.');
   int64_t number = 0;
   if (dot == std::string_view::npos || !ReadInteger(key.substr(0, dot), number) || number < 0)
@@ -43,79 +63,148 @@ bool SplitLightKey(std::string_view key, size_t& light, std::string_view& field)
   return true;
 }
 
-// Assigns to the field of that name; answers whether there is one. In `why` what is wrong with the
-// value.
-class FieldSetter {
+// Hands the field of that name to assign(field, kind, bits), which answers what is wrong.
+template <class Assign> class FieldFinder {
 public:
-  FieldSetter(std::string_view name, int64_t value, std::string& why)
-      : _name(name), _value(value), _why(why) {}
+  FieldFinder(std::string_view name, const Assign& assign) : _name(name), _assign(assign) {}
 
   template <class Integer> bool operator()(const char* name, Integer& field, LM_field kind) {
     if (_name != name || kind == LM_field::Count)
       return true;
-    _found = true;
     using Limits = std::numeric_limits<Integer>;
-    const int64_t low = static_cast<int64_t>(Limits::min());
-    const int64_t high = static_cast<int64_t>(Limits::max());
-    if (_value < low || _value > high)
-      _why = std::to_string(_value) + " is not between " + std::to_string(low) + " and " +
-             std::to_string(high);
-    else
-      field = static_cast<Integer>(_value);
+    _found = true;
+    int64_t value = 0;
+    _why = _assign(kind, {static_cast<int64_t>(Limits::min()), static_cast<int64_t>(Limits::max())},
+                   value);
+    if (_why.empty())
+      field = static_cast<Integer>(value);
     return false;
   }
-  bool Found() const { return _found; }
+  std::string Why() const { return _found ? _why : std::string(NO_SUCH_SETTING); }
 
 private:
   std::string_view _name;
-  int64_t _value;
-  std::string& _why;
+  const Assign& _assign;
+  std::string _why;
   bool _found = false;
 };
 
-template <class VisitAll>
-bool SetNumber(VisitAll visitAll, std::string_view key, int64_t value, std::string& why) {
-  why.clear();
-  FieldSetter setter(key, value, why);
-  visitAll(setter);
-  if (!setter.Found())
-    return Fails(why, "there is no such setting");
-  return why.empty();
+std::string OutsideOf(int64_t value, LM_field_ends ends) {
+  return std::to_string(value) + " is not between " + std::to_string(ends.low) + " and " +
+         std::to_string(ends.high);
 }
 
-bool ValueOfText(std::string_view key, std::string_view text, int64_t& value) {
-  if (key.ends_with("type")) {
-    value = LM_LightTypeCode(text);
-    if (value != 0)
-      return true;
-  }
-  if (text == "true" || text == "false") {
-    value = text == "true" ? 1 : 0;
-    return true;
-  }
-  return ReadInteger(text, value);
+bool IsOutside(int64_t value, LM_field_ends ends) {
+  return value < ends.low || value > ends.high;
 }
 
-// How many components the array of that name has, or 0.
-int ComponentsOf(std::string_view key) {
-  const std::string_view name =
-      key.substr(key.rfind('.') == std::string_view::npos ? 0 : key.rfind('.') + 1);
-  if (name == "color" || name == "ambientColor")
-    return LM_PLANES;
-  return name == "center" || name == "handle1" || name == "handle2" ? 2 : 0;
-}
-
-bool SetArray(LM_style& style, std::string_view key, std::string_view value, int components,
-              std::string& why) {
-  if (std::count(value.begin(), value.end(), ',') != components - 1)
-    return Fails(why, "it takes " + std::to_string(components) + " numbers with commas between");
-  for (int i = 0; i < components; ++i) {
-    const std::string_view part = value.substr(0, value.find(','));
-    value.remove_prefix(std::min(part.size() + 1, value.size()));
-    if (!LM_SetStyleField(style, std::string(key) + "." + std::to_string(i), part, why))
-      return false;
+// Gives the field of that key, in a light that is added if need be, the value that
+// assign(kind, bits, value) makes; unless that answers what is wrong.
+template <class Assign>
+bool SetField(LM_style& style, std::string_view key, std::string& why, const Assign& assign) {
+  size_t light = 0;
+  std::string_view name;
+  if (!SplitLightKey(key, light, name)) {
+    FieldFinder finder(key, assign);
+    LM_VisitStyleHeader(style, std::ref(finder));
+    why = finder.Why();
+    return why.empty();
   }
+  if (light >= LM_MAX_LIGHTS)
+    return Fails(why, "lights count from 0 to " + std::to_string(LM_MAX_LIGHTS - 1));
+  if (light > style.lightsRead)
+    return Fails(why, (style.lightsRead == 1 ? "there is only " : "there are only ") +
+                          LM_CountedLights(style.lightsRead));
+  const bool isNew = light == style.lightsRead;
+  LM_style_light changed = isNew ? LM_NewStyleLight() : style.lights[light];
+  FieldFinder finder(name, assign);
+  LM_VisitStyleLight(changed, std::ref(finder));
+  why = finder.Why();
+  if (!why.empty())
+    return false;
+  style.lights[light] = changed;
+  if (isNew)
+    style.numLights = ++style.lightsRead;
   return true;
+}
+
+// The value of a word or a number, and what is wrong with it.
+std::string ReadValue(std::string_view text, LM_field kind, LM_field_ends bits, int64_t& value) {
+  for (const Word& word : WORDS)
+    if (word.kind == kind && word.word == text) {
+      value = word.value;
+      return "";
+    }
+  for (const LM_light_kind& light : LM_LIGHT_KINDS)
+    if (kind == LM_field::LightType && (light.word == text || light.plainWord == text)) {
+      value = light.code;
+      return "";
+    }
+  const bool isNumber = ReadInteger(text, value);
+  if (isNumber && !IsOutside(value, LM_EndsOf(kind, bits)))
+    return "";
+  if (kind == LM_field::LightType)
+    return "it is spot, omni or directional, or spotlight, bulb or sun";
+  if (kind == LM_field::Flag)
+    return "it is true or false";
+  return isNumber ? OutsideOf(value, LM_EndsOf(kind, bits))
+                  : "\"" + std::string(text) + "\" is not a whole number";
+}
+
+// The key as styles have it.
+std::string Translated(std::string_view key) {
+  size_t light = 0;
+  std::string_view name = key;
+  SplitLightKey(key, light, name);
+  const std::string_view array = name.substr(0, name.find('.'));
+  for (const Synonym& synonym : SYNONYMS)
+    if (array == synonym.word)
+      return std::string(key.substr(0, key.size() - name.size()))
+          .append(synonym.name)
+          .append(name.substr(array.size()));
+  return std::string(key);
+}
+
+enum class Words { Styles, Dialogs };
+
+// What is wrong with a key, and the one that may be meant. Its last part counts, so that a light's
+// setting is found without its light.
+std::string UnknownKey(std::string_view key, Words words) {
+  size_t light = 0;
+  std::string_view name = key;
+  SplitLightKey(key, light, name);
+  std::vector<std::string> names;
+  std::vector<std::string> keys;
+  const auto add = [&](const std::string& known) {
+    const size_t dot = known.rfind('.');
+    names.push_back(known.substr(dot + 1)); // the whole, where there is no dot
+    keys.push_back(dot == std::string::npos
+                       ? known
+                       : std::string(LIGHT_PREFIX) + std::to_string(light) + "." + names.back());
+  };
+  for (const LM_style_key& known : LM_StyleKeys()) {
+    add(known.name);
+    if (words == Words::Dialogs && !known.word.empty())
+      add(known.word);
+  }
+  return std::string(NO_SUCH_SETTING) + LM_DidYouMean(name, names, keys);
+}
+
+bool SetColor(LM_style& style, const std::string& key, std::string_view value, std::string& why) {
+  LM_color48 color = {};
+  bool isSet = LM_ReadColor(value, color, why);
+  for (int plane = 0; plane < LM_PLANES && isSet; ++plane)
+    isSet =
+        LM_SetStyleNumber(style, key + "." + std::to_string(plane), color.component[plane], why);
+  return isSet;
+}
+
+bool SetPoint(LM_style& style, const std::string& key, std::string_view value, std::string& why) {
+  const size_t comma = value.find(',');
+  if (comma == std::string_view::npos || value.find(',', comma + 1) != std::string_view::npos)
+    return Fails(why, "it takes 2 numbers with a comma between");
+  return LM_SetStyleField(style, key + ".0", value.substr(0, comma), why) &&
+         LM_SetStyleField(style, key + ".1", value.substr(comma + 1), why);
 }
 
 } // namespace
@@ -146,62 +235,66 @@ LM_style_light LM_NewStyleLight() {
   return light;
 }
 
-std::string_view LM_LightTypeWord(uint16_t code) {
-  for (const Word& type : LIGHT_TYPES) {
-    if (type.code == code)
-      return type.word;
-  }
-  return {};
-}
-
-uint16_t LM_LightTypeCode(std::string_view word) {
-  for (const Word& type : LIGHT_TYPES) {
-    if (type.word == word)
-      return type.code;
-  }
-  return 0;
+std::string LM_CountedLights(int count) {
+  return std::to_string(count) + (count == 1 ? " light" : " lights");
 }
 
 bool LM_SetStyleNumber(LM_style& style, std::string_view key, int64_t value, std::string& why) {
-  size_t light = 0;
-  std::string_view field;
-  if (!SplitLightKey(key, light, field))
-    return SetNumber([&](FieldSetter& setter) { LM_VisitStyleHeader(style, std::ref(setter)); },
-                     key, value, why);
-  if (light >= LM_MAX_LIGHTS)
-    return Fails(why, "lights count from 0 to " + std::to_string(LM_MAX_LIGHTS - 1));
-  if (light > style.lightsRead)
-    return Fails(why, "there are only " + std::to_string(style.lightsRead) + " lights");
-  const bool isNew = light == style.lightsRead;
-  LM_style_light changed = isNew ? LM_NewStyleLight() : style.lights[light];
-  if (!SetNumber([&](FieldSetter& setter) { LM_VisitStyleLight(changed, std::ref(setter)); }, field,
-                 value, why))
-    return false;
-  style.lights[light] = changed;
-  if (isNew)
-    style.numLights = ++style.lightsRead;
-  return true;
+  const bool isSet = SetField(style, key, why, [&](LM_field, LM_field_ends bits, int64_t& field) {
+    field = value;
+    return IsOutside(value, bits) ? OutsideOf(value, bits) : std::string();
+  });
+  if (why == NO_SUCH_SETTING)
+    why = UnknownKey(key, Words::Styles);
+  return isSet;
 }
 
 bool LM_SetStyleField(LM_style& style, std::string_view key, std::string_view value,
                       std::string& why) {
-  const int components = ComponentsOf(key);
-  if (components > 0)
-    return SetArray(style, key, value, components, why);
-  int64_t number = 0;
-  if (!ValueOfText(key, value, number))
-    return Fails(why, "\"" + std::string(value) + "\" is not a whole number");
-  return LM_SetStyleNumber(style, key, number, why);
+  const std::string whole = Translated(key);
+  const std::string_view name = std::string_view(whole).substr(whole.rfind('.') + 1);
+  if (name == "color" || name == "ambientColor")
+    return SetColor(style, whole, value, why);
+  if (name == "center" || name == "handle1" || name == "handle2")
+    return SetPoint(style, whole, value, why);
+  const bool isSet =
+      SetField(style, whole, why, [&](LM_field kind, LM_field_ends bits, int64_t& field) {
+        return kind == LM_field::Version ? std::string(NO_SUCH_SETTING)
+                                         : ReadValue(value, kind, bits, field);
+      });
+  if (why == NO_SUCH_SETTING)
+    why = UnknownKey(key, Words::Dialogs);
+  return isSet;
 }
 
-std::vector<std::string> LM_StyleKeys() {
-  std::vector<std::string> keys;
+std::string LM_BeyondSliders(const LM_style& style) {
+  std::string told;
+  LM_VisitStyleHeader(style, [&](const char* name, int64_t value, LM_field kind) {
+    const LM_field_ends ends = LM_EndsOf(kind, {INT64_MIN, INT64_MAX});
+    const bool isSlider = kind >= LM_field::Slider && kind <= LM_field::CenteredSlider;
+    if (isSlider && IsOutside(value, ends))
+      told += (told.empty() ? "" : ", ") + std::string(name) + " " + std::to_string(value) +
+              " is lit as " + std::to_string(std::clamp(value, ends.low, ends.high));
+    return true;
+  });
+  return told;
+}
+
+std::vector<LM_style_key> LM_StyleKeys() {
+  std::vector<LM_style_key> keys;
   const auto collect = [&](const std::string& prefix) {
-    return [&keys, prefix](const char* name, const auto&, LM_field kind) {
-      const std::string_view whole = name;
-      const std::string key = prefix + std::string(whole.substr(0, whole.find('.')));
-      if (kind != LM_field::Count && whole != "version" && (keys.empty() || keys.back() != key))
-        keys.push_back(key);
+    return [&keys, prefix](const char* field, const auto&, LM_field kind) {
+      const std::string_view whole = field;
+      const std::string name(whole.substr(0, whole.find('.')));
+      const bool isKnown = !keys.empty() && keys.back().name == prefix + name;
+      if (kind == LM_field::Count || kind == LM_field::Version || isKnown)
+        return true;
+      const auto* const synonym =
+          std::find_if(std::begin(SYNONYMS), std::end(SYNONYMS),
+                       [&](const Synonym& one) { return one.name == name; });
+      keys.push_back({prefix + name, synonym == std::end(SYNONYMS)
+                                         ? std::string()
+                                         : prefix + std::string(synonym->word)});
       return true;
     };
   };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "LM_light_kinds.h"
 #include "LM_style_fields.h"
 #include "LM_style_layout.h"
 #include "MacStrings.h"
@@ -34,8 +35,10 @@ public:
     if (_place == Place::Style && IsRemark(_key))
       return true;
     if (_place == Place::Light && _key == "type") {
-      const uint16_t code = LM_LightTypeCode(value);
-      return code != 0 ? Number(code) : Fail("it is \"directional\", \"omni\" or \"spot\"");
+      for (const LM_light_kind& kind : LM_LIGHT_KINDS)
+        if (kind.word == value)
+          return Number(kind.code);
+      return Fail("it is \"directional\", \"omni\" or \"spot\"");
     }
     return Fail("it takes a number, not text");
   }
@@ -141,7 +144,7 @@ public:
   JsonWriter(std::string& text, std::string indent) : _text(text), _indent(std::move(indent)) {}
 
   template <class Integer> bool operator()(const char* field, const Integer& value, LM_field kind) {
-    if (kind == LM_field::Count || std::string_view(field) == "version")
+    if (kind == LM_field::Count || kind == LM_field::Version)
       return true;
     const std::string_view whole = field;
     const size_t dot = whole.find('.');
@@ -171,9 +174,9 @@ private:
     if (kind == LM_field::Flag && (value == 0 || value == 1))
       return value == 1 ? "true" : "false";
     if (kind == LM_field::LightType) {
-      const std::string_view word = LM_LightTypeWord(static_cast<uint16_t>(value));
-      if (!word.empty())
-        return "\"" + std::string(word) + "\"";
+      const LM_light_kind& light = LM_LightKindOfCode(value);
+      if (light.code == value)
+        return "\"" + std::string(light.word) + "\"";
     }
     return std::to_string(value);
   }

@@ -3,6 +3,7 @@
 #ifndef LM_STYLE_LAYOUT_H
 #define LM_STYLE_LAYOUT_H
 
+#include "LM_sliders.h"
 #include "LM_style.h"
 
 // What a field stands for, beside its bits.
@@ -11,23 +12,51 @@ enum class LM_field {
   Channel, // 1-based, 0 for none
   Flag,    // anything but 0, for a light exactly 1, is true
   LightType,
+  Slider,         // beyond its slider's ends, see LM_EndsOf, it lights like the end
+  MaterialSlider, // likewise
+  CenteredSlider, // likewise
+  Version,
   Count // known from the list of lights
 };
+
+struct LM_field_ends {
+  int64_t low, high;
+};
+
+// What a field can be set to by hand: where nothing is known but the bits, nothing narrower.
+constexpr LM_field_ends LM_EndsOf(LM_field kind, LM_field_ends bits) {
+  switch (kind) {
+  case LM_field::Slider:
+    return {0, LM_SLIDER_MAX};
+  case LM_field::MaterialSlider:
+    return {0, LM_MATERIAL_SLIDER_MAX};
+  case LM_field::CenteredSlider:
+    return {-LM_SLIDER_CENTER, LM_CENTERED_SLIDER_MAX - LM_SLIDER_CENTER};
+  case LM_field::Channel:
+    return {0, bits.high};
+  case LM_field::Flag:
+    return {0, 1};
+  case LM_field::LightType:
+    return {LM_STYLE_DIRECTIONAL, LM_STYLE_SPOT};
+  default:
+    return bits;
+  }
+}
 
 // Visits every field from offset 6 of the file to the lights. visit(name, value, kind) is called
 // with a reference to a 16- or 32-bit integer, signed or not, and answers whether to go on.
 template <class Style, class Visit> bool LM_VisitStyleHeader(Style& style, Visit visit) {
-  return visit("version", style.version, LM_field::Number) &&
+  return visit("version", style.version, LM_field::Version) &&
          visit("bumpChannel", style.bumpChannel, LM_field::Channel) &&
          visit("whiteIsHigh", style.whiteIsHigh, LM_field::Flag) &&
-         visit("bumpAmplitude", style.bumpAmplitude, LM_field::Number) &&
+         visit("bumpAmplitude", style.bumpAmplitude, LM_field::Slider) &&
          visit("ambientColor.0", style.ambientColor.component[0], LM_field::Number) &&
          visit("ambientColor.1", style.ambientColor.component[1], LM_field::Number) &&
          visit("ambientColor.2", style.ambientColor.component[2], LM_field::Number) &&
-         visit("material", style.material, LM_field::Number) &&
-         visit("gloss", style.gloss, LM_field::Number) &&
-         visit("exposure", style.exposure, LM_field::Number) &&
-         visit("ambientBrightness", style.ambientBrightness, LM_field::Number) &&
+         visit("material", style.material, LM_field::MaterialSlider) &&
+         visit("gloss", style.gloss, LM_field::Slider) &&
+         visit("exposure", style.exposure, LM_field::Slider) &&
+         visit("ambientBrightness", style.ambientBrightness, LM_field::CenteredSlider) &&
          visit("numLights", style.numLights, LM_field::Count) &&
          visit("curLight", style.curLight, LM_field::Number) &&
          visit("worldUnit", style.worldUnit, LM_field::Number);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "LM_arithmetic.h"
+#include "LM_light_kinds.h"
 #include "LM_sliders.h"
 
 namespace {
@@ -57,18 +58,6 @@ bool FillParameters(const LM_style& style, const LM_surface_figure& surface, LM_
 
 } // namespace
 
-int32_t LM_LightTypeOfCode(uint16_t code) {
-  return code == LM_STYLE_OMNI          ? LM_LIGHT_OMNI
-         : code == LM_STYLE_DIRECTIONAL ? LM_LIGHT_DIRECTIONAL
-                                        : LM_LIGHT_SPOT;
-}
-
-uint16_t LM_CodeOfLightType(int32_t type) {
-  return type == LM_LIGHT_OMNI          ? LM_STYLE_OMNI
-         : type == LM_LIGHT_DIRECTIONAL ? LM_STYLE_DIRECTIONAL
-                                        : LM_STYLE_SPOT;
-}
-
 int16_t LM_TranslateWorldUnits(int16_t value, int16_t fromUnit, int16_t toUnit) {
   if (fromUnit == 0)
     return 0;
@@ -87,7 +76,7 @@ LM_style_light LM_TranslateLight(const LM_style_light& light, int16_t fromUnit, 
 }
 
 LM_light_figure LM_FigureOf(const LM_style_light& light) {
-  return {LM_LightTypeOfCode(light.type),
+  return {LM_LightKindOfCode(light.type).type,
           light.center.Floats(),
           light.handle1.Floats(),
           light.handle2.Floats(),

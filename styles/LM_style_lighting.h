@@ -8,10 +8,6 @@
 #include "LM_render.h"
 #include "LM_style.h"
 
-// The light type of a file's code, LM_style_light_type, and back. Any other is a spot.
-int32_t LM_LightTypeOfCode(uint16_t code);
-uint16_t LM_CodeOfLightType(int32_t type);
-
 // A length in preview pixels, from one world unit to another: value * toUnit / fromUnit, halves
 // rounded away from zero for a positive unit; 0 when fromUnit is 0. The result is cut to 16 bits.
 int16_t LM_TranslateWorldUnits(int16_t value, int16_t fromUnit, int16_t toUnit);

@@ -12,6 +12,7 @@
 #include <numbers>
 
 #include "LM_constants.h"
+#include "LM_light_kinds.h"
 #include "LM_style_fields.h"
 #include "LM_style_lighting.h"
 
@@ -100,7 +101,7 @@ class LightFinder {
 public:
   explicit LightFinder(const LM_light& wanted)
       : _wanted(wanted), _found(LM_NewStyleLight()), _made() {
-    _found.type = LM_CodeOfLightType(wanted.type);
+    _found.type = LM_LightKindOfType(wanted.type).code;
   }
 
   bool Find() {

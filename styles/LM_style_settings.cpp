@@ -4,6 +4,7 @@
 
 #include "LM_arithmetic.h"
 #include "LM_globals.h"
+#include "LM_light_kinds.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ void ApplyLight(const LM_style_light& stored, const LM_globals& globals, LM_ligh
   light.on = stored.on == 1 ? 1 : 0;
   if (light.on == 0)
     light.FreeCaches();
-  light.type = LM_LightTypeOfCode(stored.type);
+  light.type = LM_LightKindOfCode(stored.type).type;
   light.center = stored.center;
   light.handle1 = stored.handle1;
   light.handle2 = stored.handle2;
@@ -34,7 +35,7 @@ LM_style_light StoredLight(const LM_light_UI& light) {
   stored.intensity = light.intensity;
   stored.spread = light.spread;
   stored.on = light.on == 1 ? 1 : 0;
-  stored.type = LM_CodeOfLightType(light.type);
+  stored.type = LM_LightKindOfType(light.type).code;
   stored.center = light.center;
   stored.handle1 = light.handle1;
   stored.handle2 = light.handle2;

@@ -3,36 +3,12 @@
 
 #include "Cursors.h"
 #include "LM_host_services.h"
+#include "LM_light_kinds.h"
 #include "LM_mac_UI.h"
 #include "LM_preview.h"
 #include "MacResources.h"
 
 namespace {
-
-// Places in the light type popup.
-enum { DIRECTIONAL_CHOICE = 1, OMNI_CHOICE = 2, SPOT_CHOICE = 3 };
-
-int32_t TypeOfChoice(int16_t choice) {
-  switch (choice) {
-  case DIRECTIONAL_CHOICE:
-    return LM_LIGHT_DIRECTIONAL;
-  case OMNI_CHOICE:
-    return LM_LIGHT_OMNI;
-  default:
-    return LM_LIGHT_SPOT;
-  }
-}
-
-int16_t ChoiceOfType(int32_t type) {
-  switch (type) {
-  case LM_LIGHT_DIRECTIONAL:
-    return DIRECTIONAL_CHOICE;
-  case LM_LIGHT_OMNI:
-    return OMNI_CHOICE;
-  default:
-    return SPOT_CHOICE;
-  }
-}
 
 // Styles may hold any 16 bits; the control keeps its value within its range.
 int16_t Shifted(int16_t value, int offset) {
@@ -98,13 +74,13 @@ void LM_SetCurLightToDialog(DialogPtr dialog, LM_globals* globals) {
   LM_SetControlValue(dialog, LM_LIGHT_ON_ITEM, light.on == 1 ? 1 : 0);
   LM_SetControlValue(dialog, LM_INTENSITY_ITEM, Shifted(light.intensity, LM_SLIDER_CENTER));
   LM_SetControlValue(dialog, LM_SPREAD_ITEM, light.spread);
-  LM_SetControlValue(dialog, LM_LIGHT_TYPE_ITEM, ChoiceOfType(light.type));
+  LM_SetControlValue(dialog, LM_LIGHT_TYPE_ITEM, LM_LightKindOfType(light.type).code);
   LM_ItemForceDraw(dialog, LM_LIGHT_COLOR_ITEM);
 }
 
 void LM_FetchLightType(DialogPtr dialog, LM_globals* globals) {
   LM_light_UI& light = CurrentLight(globals);
-  const int32_t type = TypeOfChoice(LM_ControlValue(dialog, LM_LIGHT_TYPE_ITEM));
+  const int32_t type = LM_LightKindOfCode(LM_ControlValue(dialog, LM_LIGHT_TYPE_ITEM)).type;
   const bool spot = type == LM_LIGHT_SPOT && light.on == 1;
   (spot ? LM_EnableControl : LM_DisableControl)(dialog, LM_SPREAD_ITEM);
   if (light.type == type)

@@ -46,7 +46,9 @@ static int OwnValue(const char* json, const char* key) {
 
 static int ValueAt(const StyleSlider* slider, double at, int own) {
   const int end = at < STYLE_SLIDER_DEFAULT ? slider->least : slider->most;
-  return (int)floor(own + (end - own) * fabs(2 * at - 1) + 0.5);
+  const double value = floor(own + (end - own) * fabs(2 * at - 1) + 0.5);
+  /* A style may hold more than its slider, which lights like the end. */
+  return (int)fmax(slider->least, fmin(value, slider->most));
 }
 
 static int ChangeSettings(limn_settings* settings, const char* json,

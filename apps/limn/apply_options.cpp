@@ -27,15 +27,24 @@ std::string Folded(const std::vector<std::string>& words) {
 }
 
 std::string ApplyNotes() {
-  return "Settings for --set, N being a light's number from 0:\n" + Folded(LM_StyleKeys()) +
-         "\nLight types are omni, directional and spot; an array can be set whole:\n"
-         "  --set light.0.color=65535,50000,30000\n"
+  std::vector<std::string> keys;
+  for (const LM_style_key& key : LM_StyleKeys())
+    keys.push_back(key.word.empty() ? key.name : key.word + " (or " + key.name + ")");
+  return "Settings for --set, N being a light's number from 0:\n" + Folded(keys) +
+         "\nA light's type is spot, omni or directional (or spotlight, bulb or sun). Colours\n"
+         "are names or numbers, centre and handles two numbers, right and down:\n"
+         "  --set light.0.colour=orange\n"
+         "  --set light.0.colour=#ffa500\n"
+         "  --set light.0.colour=255,165,0/255\n"
+         "  --set light.0.colour=65535,42405,0\n"
+         "  --set light.0.centre=-60,-30\n"
          "\n"
          "Examples:\n"
          "  limn apply photo.jpg -o lit.jpg\n"
          "  limn apply -s 'Evening Lamp' --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
-         "  limn apply --channel heights.png --set bumpChannel=4 photo.jpg -o lit.png\n"
-         "  limn apply -r holiday -o lit/ --skip-existing --json\n\n";
+         "  limn apply --channel heights.png --set relief=4 photo.jpg -o lit.png\n"
+         "  limn apply -r holiday -o lit/ --skip-existing --json\n"
+         "\n";
 }
 
 constexpr const char* MANY_IMAGES =

@@ -105,7 +105,12 @@ std::unique_ptr<CLI::App> MakeCommandLine(Command& command, char** argv) {
   AddChannels(*app, command);
   AddStyles(*app, command);
   AddStyle(*app, command);
-  AddDescription(*app, LIMN_VERSION, LM_StyleKeys());
+  std::vector<std::string> settings;
+  for (const LM_style_key& key : LM_StyleKeys())
+    for (const std::string& word : {key.name, key.word})
+      if (!word.empty())
+        settings.push_back(word);
+  AddDescription(*app, LIMN_VERSION, settings);
   return app;
 }
 

@@ -5,7 +5,9 @@
 #include "report.h"
 #include "style_source.h"
 
+#include "LM_light_kinds.h"
 #include "LM_style_codec.h"
+#include "LM_style_fields.h"
 #include "LM_style_json.h"
 
 #include <algorithm>
@@ -29,11 +31,6 @@ std::string Point(const LM_vectori2& point) {
   return "(" + std::to_string(point.h) + ", " + std::to_string(point.v) + ")";
 }
 
-// Any other code than these two is a spot.
-const char* TypeName(uint16_t type) {
-  return type == LM_STYLE_OMNI ? "omni" : type == LM_STYLE_DIRECTIONAL ? "directional" : "spot";
-}
-
 std::string Relief(const LM_style& style) {
   if (style.bumpChannel <= 0)
     return "none";
@@ -45,7 +42,7 @@ std::string Relief(const LM_style& style) {
 void PrintLight(const LM_style& style, int index) {
   const LM_style_light& light = style.lights[index];
   std::string title = "light " + std::to_string(index);
-  std::string kind = TypeName(light.type);
+  std::string kind(LM_LightKindOfCode(light.type).word);
   if (light.on != 1)
     kind += ", off";
   if (index == style.curLight)
@@ -77,8 +74,7 @@ void PrintStyle(const LM_style& style) {
 std::string Verdict(const NamedStyle& named) {
   if (!named.warning.empty())
     return named.warning;
-  const int numLights = named.style.lightsRead;
-  return "good, " + std::to_string(numLights) + (numLights == 1 ? " light" : " lights");
+  return "good, " + LM_CountedLights(named.style.lightsRead);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include "LM_gallery.h"
 #include "LM_mac_stream.h"
+#include "LM_nearest_word.h"
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
@@ -82,7 +83,16 @@ bool IsJson(const std::string& name) {
   return name.starts_with('{');
 }
 
-NamedStyle FindStyle(const std::string& name) {
+namespace {
+
+std::string UnknownStyle(const std::string& name) {
+  std::vector<std::string> names;
+  for (const LM_listed_style& listed : AllStyles())
+    names.push_back(listed.name);
+  return name + ": there is no such style, nor a file of this name" + LM_DidYouMean(name, names);
+}
+
+NamedStyle ReadNamed(const std::string& name) {
   NamedStyle named{};
   if (IsJson(name)) {
     std::string why;
@@ -103,7 +113,21 @@ NamedStyle FindStyle(const std::string& name) {
     return bundled;
   if (name.find('/') != std::string::npos)
     return ReadStyleFile(name); // for its failure
-  throw Failure(ExitCode::BadInput, wanted + ": there is no such style, nor a file of this name");
+  throw Failure(ExitCode::BadInput, UnknownStyle(wanted));
+}
+
+} // namespace
+
+std::string LabelOf(const std::string& name) {
+  const fs::path path(IsJson(name) ? "Style" : name.empty() ? DEFAULT_STYLE : name);
+  return (path.extension() == ".json" ? path.stem() : path.filename()).string();
+}
+
+NamedStyle FindStyle(const std::string& name) {
+  NamedStyle named = ReadNamed(name);
+  if (named.warning.empty())
+    named.warning = LM_BeyondSliders(named.style);
+  return named;
 }
 
 void SetField(LM_style& style, const std::string& setting) {

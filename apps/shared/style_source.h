@@ -35,6 +35,9 @@ std::vector<LM_listed_style> AllStyles();
 // Whether the name is a style itself, as JSON.
 bool IsJson(const std::string& name);
 
+// What to call a style that is named so: the file's name without folder and ".json".
+std::string LabelOf(const std::string& name);
+
 // name: a style as JSON, a file, or the name of a style in the user's library or among the bundled
 // ones; the first that exists, in this order. An empty name means the default style. Without a
 // library there are still the bundled ones. Throws Failure(BadInput).

@@ -68,7 +68,8 @@ class StyleCommand(support.LimnTest):
         whole = style_bytes(LIGHTS)
         light = '{"worldUnit": 140, "lights": [{"type": "omni"}]%s}'
         cases = [
-            ("whole", whole, 0, "good, 3 lights"),
+            ("whole", style_bytes(LIGHTS, gloss=0, exposure=255), 0, "good, 3 lights"),
+            ("beyond sliders", whole, 0, "gloss -32768 is lit as 0, exposure 32767 is lit as 255"),
             ("cut in the third light", whole[:100], 0, "cut in the third light: "),
             ("cut in the first light", whole[:63], 3, ""),
             ("cut in the header", whole[:20], 3, ""),

@@ -56,7 +56,7 @@ class Users(LimnTest):
         self.limn("apply", "--quiet", "--style", "style.json", "--set", "exposure=150", "--set",
                   "light.1.spread=40", "in.ppm", "-o", "limn.ppm")
         self.assertSame(support.read("python.ppm"), support.read("limn.ppm"))
-        with self.assertRaisesRegex(RuntimeError, "^glos: there is no such setting$"):
+        with self.assertRaisesRegex(RuntimeError, "^glos: there is no such setting; did you mean gloss.$"):
             light.main("style.json", "in.ppm", "x.ppm", "glos=1")
 
     def test_alpha_area_and_height_map(self):

@@ -60,16 +60,26 @@ TEST(StyleFields, SetByNameOrRefusedWithAReason) {
     const char *key, *value, *error;
   } cases[] = {{"exposure", "150", ""},
                {"whiteIsHigh", "false", ""},
-               {"ambientColor", "1,2,3", ""},
-               {"light.0.type", "omni", ""},
+               {"ambienceColour", "1,2,300", ""},
+               {"ambience", "127", ""},
+               {"ambience", "128", "not between -127 and 127"},
+               {"light.0.type", "bulb", ""},
+               {"light.0.type", "7", "spot, omni or directional"},
+               {"light.0.colour", "255,136,0/255", ""},
+               {"light.0.color", "255,136,0", "255,136,0/255 or 255,136,0/65535"},
+               {"light.0.color", "256,0,0/255", "256 is more than 255"},
+               {"light.0.color", "1,2,3/9", "a colour is"},
+               {"light.0.color", "1,2", "a colour is"},
+               {"light.0.color", "#ff88", "a colour is"},
                {"light.0.intensity", "-90", ""},
                {"light.1.center", "10,-20", ""}, // the light after the last one is added
                {"light.3.on", "true", "only 2 lights"},
                {"light.16.on", "true", "0 to 15"},
-               {"light.0.center", "1", "2 numbers"},
+               {"light.0.centre", "1", "2 numbers"},
                {"exposure", "bright", "not a whole number"},
                {"exposure", "99999999999999999999", "not a whole number"},
-               {"light.0.colour", "1", "no such setting"},
+               {"light.0.colours", "1", "did you mean light.0.colour?"},
+               {"version", "144", "no such setting"},
                {"light.-1.on", "1", "no such setting"},
                {"numLights", "2", "no such setting"}};
   LM_style style = DistinctStyle(1);
@@ -81,11 +91,28 @@ TEST(StyleFields, SetByNameOrRefusedWithAReason) {
   }
   EXPECT_EQ(style.exposure, 150);
   EXPECT_EQ(style.whiteIsHigh, 0);
-  EXPECT_EQ(style.ambientColor.component[2], 3);
+  EXPECT_EQ(style.ambientColor.component[2], 300);
+  EXPECT_EQ(style.ambientBrightness, 127);
+  EXPECT_EQ(style.lights[0].color.component[1], 136 * 257);
   EXPECT_EQ(style.lights[0].type, LM_STYLE_OMNI);
   EXPECT_EQ(style.lights[0].intensity, -90);
   EXPECT_EQ(style.lightsRead, 2);
   EXPECT_EQ(style.lights[1].center, (LM_vectori2{10, -20}));
+}
+
+TEST(StyleFields, ColoursAreAsCssHasThem) {
+  const struct {
+    const char* text;
+    uint16_t red, green, blue;
+  } colors[] = {{"#ff8800", 255, 136, 0},     {"#f80", 255, 136, 0},           {"green", 0, 128, 0},
+                {"SlateGrey", 112, 128, 144}, {"rebeccapurple", 102, 51, 153}, {"0,0,0", 0, 0, 0}};
+  for (const auto& [text, red, green, blue] : colors) {
+    LM_style style = DistinctStyle(1);
+    std::string why;
+    EXPECT_TRUE(LM_SetStyleField(style, "light.0.colour", text, why)) << text << ": " << why;
+    const uint16_t(&got)[3] = style.lights[0].color.component;
+    EXPECT_TRUE(got[0] == red * 257 && got[1] == green * 257 && got[2] == blue * 257) << text;
+  }
 }
 
 } // namespace
