@@ -1,4 +1,4 @@
-// Words of the command line that the parser would take for lists.
+// Words of the command line that the parser would take for something else.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -6,7 +6,9 @@
 namespace limn {
 
 // Parses like app.parse(argc, argv), but "[a,b]", which as one of several names would be split at
-// its commas, stays the name that it is. All options must have been added. Throws CLI::ParseError.
+// its commas, stays the name that it is, and an empty value, such as that of a shell's variable
+// that is not set, is a mistake and not the option left out. All options must have been added.
+// Throws CLI::ParseError.
 void ParseWhole(CLI::App& app, int argc, char** argv);
 
 } // namespace limn

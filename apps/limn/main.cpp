@@ -3,6 +3,7 @@
 #include "command_line.h"
 #include "report.h"
 #include "termination.h"
+#include "usage_answer.h"
 
 namespace {
 
@@ -14,10 +15,7 @@ ExitCode Answer(const CLI::App& app, const CLI::ParseError& error) {
     app.exit(error);
     return limn::FlushedOutput(ExitCode::Done);
   }
-  std::string sentence = error.what();
-  for (char& letter : sentence)
-    letter = letter == '\n' ? ' ' : letter;
-  limn::PrintProblem(sentence + " (see limn --help)");
+  limn::PrintProblem(limn::UsageAnswer(app, error) + " (see limn --help)");
   return ExitCode::WrongUsage;
 }
 
