@@ -28,11 +28,6 @@ char temporaryInProgress[PATH_MAX] = "";
   throw Failure(ExitCode::CannotWrite, target + ": " + SystemReason(error));
 }
 
-std::string FolderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
-}
-
 // A folder that cannot be flushed (some network file systems) still holds the renamed file.
 void FlushFolder(const std::string& target) {
   const std::string path = FolderOf(target);
@@ -83,12 +78,24 @@ std::string TemporaryPath(const std::string& target, pid_t process) {
   return (std::filesystem::path(target).parent_path() / name).string();
 }
 
+std::string FolderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
+bool IsStandardOutput(const std::string& path) {
+  return path == STANDARD_OUTPUT || path.starts_with("-.");
+}
+
 std::string ResolveTarget(const std::string& path) {
+  if (IsStandardOutput(path))
+    return STANDARD_OUTPUT;
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {
     if (errno != ENOENT && errno != ENOTDIR)
       Fail(path, errno);
-    if (lstat(path.c_str(), &status) == 0)
+    // Another run's file may have come by now.
+    if (lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode))
       throw Failure(ExitCode::CannotWrite, path + ": is a link to nothing");
     return path;
   }
@@ -102,8 +109,12 @@ std::string ResolveTarget(const std::string& path) {
 }
 
 AtomicFile::AtomicFile(std::string target, Existing existing)
-    : _target(std::move(target)), _temporary(TemporaryPath(_target, getpid())),
-      _existing(existing) {
+    : _target(std::move(target)), _existing(existing) {
+  if (_target == STANDARD_OUTPUT) {
+    _file = OpenUnnamedFile();
+    return;
+  }
+  _temporary = TemporaryPath(_target, getpid());
   if (_temporary.size() >= sizeof temporaryInProgress)
     Fail(_target, ENAMETOOLONG);
   // Noted before the file exists: removing one that is not there does no harm.
@@ -111,31 +122,59 @@ AtomicFile::AtomicFile(std::string target, Existing existing)
   std::memcpy(temporaryInProgress + 1, _temporary.c_str() + 1, _temporary.size());
   std::atomic_signal_fence(std::memory_order_release);
   temporaryInProgress[0] = _temporary[0];
+  try {
+    _Open();
+  } catch (...) {
+    _RemoveTraces(); // the file too, where it was made and could not be held
+    throw;
+  }
+}
+
+void AtomicFile::_Open() {
   SweepOnce(FolderOf(_target));
   // What replaces a private file is private from its first byte.
   struct stat old {};
   const bool isReplacing = _existing == Existing::Replace && stat(_target.c_str(), &old) == 0;
   const mode_t mode = isReplacing ? 0600 : 0666;
+  int error = 0;
   for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
     constexpr int FLAGS = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     _file = Descriptor(Uninterrupted([&] { return open(_temporary.c_str(), FLAGS, mode); }));
-    if (_file.Number() < 0 || HoldTemporary(_file.Number()))
+    error = _file.Number() < 0 ? errno : EAGAIN;
+    if (_file.Number() >= 0 && HoldTemporary(_file.Number()))
+      return;
+    if (error == ENOENT)
+      _MakeFolder(); // which another run may remove again, as it may have swept the file
+    else if (error != EAGAIN)
       break;
-    _file = Descriptor(); // another run's sweep was quicker
-    errno = EAGAIN;
+    _file = Descriptor();
   }
-  if (_file.Number() < 0) {
-    const int error = errno;
-    unlink(_temporary.c_str()); // where it was made and could not be held
-    temporaryInProgress[0] = '\0';
-    Fail(_target, error);
+  Fail(_target, error);
+}
+
+void AtomicFile::_MakeFolder() {
+  std::filesystem::path made;
+  for (const std::filesystem::path& part : std::filesystem::path(FolderOf(_target))) {
+    made /= part;
+    if (access(made.c_str(), F_OK) == 0)
+      continue;
+    if (mkdir(made.c_str(), 0777) == 0)
+      _madeFolders.push_back(made.string());
+    else if (errno != EEXIST)
+      Fail(made.string(), errno);
   }
 }
 
-AtomicFile::~AtomicFile() {
+void AtomicFile::_RemoveTraces() {
   if (!_temporary.empty())
     unlink(_temporary.c_str());
   temporaryInProgress[0] = '\0';
+  for (; !_madeFolders.empty(); _madeFolders.pop_back())
+    rmdir(_madeFolders.back().c_str()); // unless somebody uses it
+}
+
+AtomicFile::~AtomicFile() {
+  _RemoveTraces();
 }
 
 void AtomicFile::Write(const void* bytes, size_t size) {
@@ -158,6 +197,8 @@ void AtomicFile::CheckRoom() {
 }
 
 void AtomicFile::Commit() {
+  if (_target == STANDARD_OUTPUT)
+    return _Print();
   struct stat old {};
   if (_existing == Existing::Replace && stat(_target.c_str(), &old) == 0)
     if (const int error = TakeAccess(_file.Number(), old); error != 0)
@@ -172,8 +213,14 @@ void AtomicFile::Commit() {
     Fail(_target, errno);
   _GiveName();
   _temporary.clear();
+  _madeFolders.clear();
   temporaryInProgress[0] = '\0';
   FlushFolder(_target);
+}
+
+void AtomicFile::_Print() {
+  lseek(_file.Number(), 0, SEEK_SET);
+  CopyFile(_file.Number(), STDOUT_FILENO, ExitCode::CannotWrite, "standard output");
 }
 
 void AtomicFile::_GiveName() {
@@ -181,13 +228,13 @@ void AtomicFile::_GiveName() {
     if (renameat2(AT_FDCWD, _temporary.c_str(), AT_FDCWD, _target.c_str(), RENAME_NOREPLACE) == 0)
       return;
     if (errno == EEXIST)
-      throw Failure(ExitCode::CannotWrite, _target + ": exists already; --force replaces it");
+      throw AlreadyThere(_target);
     if (errno != EINVAL && errno != ENOSYS)
       Fail(_target, errno);
     // A file system without that call: the check below can be overtaken, but only just.
     struct stat there {};
     if (lstat(_target.c_str(), &there) == 0)
-      throw Failure(ExitCode::CannotWrite, _target + ": exists already; --force replaces it");
+      throw AlreadyThere(_target);
   }
   if (rename(_temporary.c_str(), _target.c_str()) != 0)
     Fail(_target, errno);

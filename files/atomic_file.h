@@ -1,14 +1,28 @@
 // A file that appears under its name complete, or not at all.
 #pragma once
 
+#include "failure.h"
 #include "posix_file.h"
 
 #include <string>
 #include <sys/types.h>
+#include <vector>
 
 namespace limn {
 
 enum class Existing { Keep, Replace };
+
+// The target that stands for standard output.
+constexpr const char* STANDARD_OUTPUT = "-";
+// Whether a name means standard output: "-", or with the format of what is written, "-.png".
+bool IsStandardOutput(const std::string& path);
+
+// What is thrown where Existing::Keep meets a file.
+class AlreadyThere : public Failure {
+public:
+  explicit AlreadyThere(const std::string& path)
+      : Failure(ExitCode::CannotWrite, path + ": exists already; --force replaces it") {}
+};
 
 // Draws the random mark in the names of this run's temporary files. Without it each process draws
 // its own when it first needs one; called before a fork, parent and child have the same.
@@ -18,12 +32,17 @@ void DrawTemporaryMark();
 // rename stays within one file system. A process writes one target at a time.
 std::string TemporaryPath(const std::string& target, pid_t process);
 
-// Where a write to `path` ends up: the file behind a link, or `path` itself when nothing is there.
-// Throws Failure(CannotWrite) when what is there is not a regular file.
+// The folder that a file lies in.
+std::string FolderOf(const std::string& path);
+
+// Where a write to `path` ends up: the file behind a link, `path` itself when nothing is there, or
+// STANDARD_OUTPUT. Throws Failure(CannotWrite) when what is there is not a regular file.
 std::string ResolveTarget(const std::string& path);
 
-// The writer goes to a temporary file beside the target. Only Commit gives it the target's name; a
-// writer that is destroyed before leaves the target as it was and removes the temporary file.
+// The writer goes to a temporary file beside the target, in a folder that is made if need be. Only
+// Commit gives it the target's name; a writer that is destroyed before leaves the target as it was
+// and removes the temporary file, and the folders that it made if they are empty. What is to go to
+// standard output is kept in a file without a name, and goes there whole.
 class AtomicFile {
 public:
   // target: as ResolveTarget gives it. Throws Failure(CannotWrite) naming `target`.
@@ -42,7 +61,7 @@ public:
   void CheckRoom();
 
   // Flushes the content to the disk, renames, and flushes the folder. With Existing::Keep a file
-  // that has meanwhile appeared under the name is left alone and is a failure. A replaced file's
+  // that has meanwhile appeared under the name is left alone: AlreadyThere. A replaced file's
   // permissions are kept, and its owner and group as far as the user may give them. Throws
   // Failure(CannotWrite).
   void Commit();
@@ -50,12 +69,17 @@ public:
   bool HasName() const { return _temporary.empty(); }
 
 private:
+  void _Open();
+  void _MakeFolder();
+  void _RemoveTraces();
   void _GiveName();
+  void _Print();
 
   std::string _target;
   std::string _temporary;
   Existing _existing;
   Descriptor _file;
+  std::vector<std::string> _madeFolders; // outermost first
 };
 
 // The temporary file that this process is writing now, or an empty string. For signal handlers.

@@ -1,13 +1,14 @@
 #include "posix_file.h"
 
-#include "failure.h"
-
 #include <cctype>
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace limn {
 
@@ -37,6 +38,36 @@ Descriptor OpenRegularFile(const std::string& path) {
   if (!S_ISREG(status.st_mode))
     throw Failure(ExitCode::BadInput, path + ": is not a regular file");
   return file;
+}
+
+Descriptor OpenUnnamedFile() {
+  std::error_code none;
+  const std::string folder = std::filesystem::temp_directory_path(none).string();
+  Descriptor file(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+  if (file.Number() < 0) // a file system without such files
+    file = Descriptor(memfd_create("limn", MFD_CLOEXEC));
+  if (file.Number() < 0)
+    throw Failure(ExitCode::CannotWrite, folder + ": " + SystemReason(errno));
+  return file;
+}
+
+void CopyFile(int from, int to, ExitCode code, const std::string& name) {
+  std::vector<char> piece(1 << 16);
+  for (;;) {
+    const ssize_t got = Uninterrupted([&] { return read(from, piece.data(), piece.size()); });
+    if (got == 0)
+      return;
+    ssize_t done = 0;
+    while (got > 0 && done < got) {
+      const ssize_t written = Uninterrupted(
+          [&] { return write(to, piece.data() + done, static_cast<size_t>(got - done)); });
+      if (written < 0)
+        throw Failure(code, name + ": " + SystemReason(errno));
+      done += written;
+    }
+    if (got < 0)
+      throw Failure(code, name + ": " + SystemReason(errno));
+  }
 }
 
 bool HoldStandardFiles() {

@@ -2,6 +2,8 @@
 // meanwhile.
 #pragma once
 
+#include "failure.h"
+
 #include <string>
 #include <utility>
 
@@ -39,6 +41,14 @@ template <class Call> auto Uninterrupted(Call call) {
 // Opens a regular file for reading. Never blocks on a pipe and never opens a device for use.
 // Throws Failure(BadInput).
 Descriptor OpenRegularFile(const std::string& path);
+
+// A file for reading and writing that has no name and goes with its last descriptor. Throws
+// Failure(CannotWrite).
+Descriptor OpenUnnamedFile();
+
+// Copies what is left of one open file, which may be a pipe, to another. Throws Failure(code) about
+// `name`.
+void CopyFile(int from, int to, ExitCode code, const std::string& name);
 
 // Lets no file that is opened later become standard input, output or error because the caller
 // closed these: there, what is printed would go into it. Reading and writing the closed ones fails

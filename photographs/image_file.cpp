@@ -33,8 +33,9 @@ void NotePages(const VImage& image, std::vector<std::string>& notices) {
     notices.push_back("only the first of its " + std::to_string(numPages) + " pages is used");
 }
 
-// Runs `work`; whatever goes wrong inside, warnings included, becomes a failure about `path`.
-template <typename Work> auto Guarded(const std::string& path, Work work) {
+// Runs `work`; whatever goes wrong inside, warnings included, becomes a failure about `name`.
+template <typename Work> auto Guarded(const std::string& name, Work work) {
+  const std::string path = ShownName(name);
   const Complaints complaints;
   try {
     auto result = work();

@@ -90,10 +90,26 @@ const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
                 path + ": is not a JPEG, PNG, TIFF, WebP, PPM, GIF, HEIF or AVIF image");
 }
 
+// Formats are told apart, and some read, by going back and forth, which a pipe does not. It is read
+// once, into a file that each reader opens for itself.
+Descriptor KeptStandardInput() {
+  static const Descriptor kept = [] {
+    Descriptor file = OpenUnnamedFile();
+    CopyFile(STDIN_FILENO, file.Number(), ExitCode::BadInput, ShownName(STANDARD_INPUT));
+    return file;
+  }();
+  return OpenRegularFile("/proc/self/fd/" + std::to_string(kept.Number()));
+}
+
 } // namespace
 
-vips::VImage OpenImage(const std::string& path, int shrink) {
-  Descriptor file = OpenRegularFile(path);
+std::string ShownName(const std::string& path) {
+  return path == STANDARD_INPUT ? "standard input" : path;
+}
+
+vips::VImage OpenImage(const std::string& name, int shrink) {
+  Descriptor file = name == STANDARD_INPUT ? KeptStandardInput() : OpenRegularFile(name);
+  const std::string path = ShownName(name);
   const InputFormat& format = FormatOf(file, path);
   CheckContent(file.Number(), format.decoding, path);
   const int64_t length = lseek(file.Number(), 0, SEEK_END);

@@ -3,11 +3,13 @@
 #include "apply_one.h"
 #include "atomic_file.h"
 #include "image_shard.h"
+#include "image_source.h"
 #include "name_list.h"
 #include "output_target.h"
 #include "progress_bar.h"
 #include "report.h"
 #include "style_source.h"
+#include "temporary_sweep.h"
 
 #include <algorithm>
 #include <cmath>
@@ -60,33 +62,60 @@ public:
     _bar.Update(result.job, 1);
   }
 
+  void Skipped(const ImagePair& pair) {
+    if (_plan.options.json)
+      PrintJson(_LineOf(pair, {{"skipped", true}}));
+  }
+
+  // line: what is told of it in JSON.
+  void Failed(const Failure& failure, nlohmann::ordered_json line) {
+    PrintProblem(failure.what());
+    line.update({{"error", failure.what()}, {"code", static_cast<int>(failure.Code())}});
+    if (_plan.options.json)
+      PrintJson(line);
+    _worst = std::max(_worst, failure.Code());
+  }
+
 private:
+  nlohmann::ordered_json _LineOf(const ImagePair& pair,
+                                 const nlohmann::ordered_json& figures) const {
+    nlohmann::ordered_json line = {{"input", pair.input}, {"output", pair.output.path}};
+    if (_plan.styles.size() > 1)
+      line["style"] = _plan.labels[pair.style];
+    line.update(figures);
+    return line;
+  }
+
   void _Done(const JobResult& result) {
     const ImagePair& pair = _plan.pairs[result.job];
-    const auto [width, height] = result.done;
-    if (_plan.options.json) {
-      PrintJson({{"input", pair.input},
-                 {"output", pair.output.path},
-                 {"size", {width, height}},
-                 {"seconds", std::round(result.seconds * 1000) / 1000}});
-    } else if (!_plan.options.quiet) {
+    const JobDone& done = result.done;
+    if (done.skipped != 0) {
+      Skipped(pair);
+      if (!_plan.options.quiet && !_plan.options.json)
+        PrintProblem(pair.output.path + ": has come meanwhile, and is kept");
+    } else if (_plan.options.json) {
+      nlohmann::ordered_json line = _LineOf(pair, {{"size", {done.width, done.height}}});
+      if (_plan.options.isDryRun)
+        line["dryRun"] = true;
+      else
+        line["seconds"] = std::round(result.seconds * 1000) / 1000;
+      PrintJson(line);
+    } else if (!_plan.options.quiet && !IsStandardOutput(pair.output.path)) {
       char figures[80];
-      std::snprintf(figures, sizeof figures, " (%d × %d, %.2f s)", width, height, result.seconds);
-      PrintLine(Printable(pair.input + " → " + pair.output.path) + figures);
+      if (_plan.options.isDryRun)
+        std::snprintf(figures, sizeof figures, " (%d × %d, not written)", done.width, done.height);
+      else
+        std::snprintf(figures, sizeof figures, " (%d × %d, %.2f s)", done.width, done.height,
+                      result.seconds);
+      PrintLine(Printable(ShownName(pair.input) + " → " + pair.output.path) + figures);
     }
   }
 
   void _Failed(const JobResult& result) {
     const ImagePair& pair = _plan.pairs[result.job];
     const std::string sentence =
-        result.hasDied ? pair.input + ": " + result.sentence : result.sentence;
-    PrintProblem(sentence);
-    if (_plan.options.json)
-      PrintJson({{"input", pair.input},
-                 {"output", pair.output.path},
-                 {"error", sentence},
-                 {"code", static_cast<int>(result.code)}});
-    _worst = std::max(_worst, result.code);
+        result.hasDied ? ShownName(pair.input) + ": " + result.sentence : result.sentence;
+    Failed(Failure(result.code, sentence), _LineOf(pair, nlohmann::ordered_json::object()));
   }
 
   const ApplyPlan& _plan;
@@ -95,32 +124,44 @@ private:
 };
 
 // What to light, before any look at what is there already.
-std::vector<ImagePair> Pairs(const ApplyOptions& options) {
+ImageList Images(const ApplyPlan& plan) {
+  const ApplyOptions& options = plan.options;
   const Shard shard = ParseShard(options.shard);
   ImageNames names{options.images, {}};
   if (!options.listFile.empty())
     names.listed = ReadNameList(options.listFile, options.isListNul ? '\0' : '\n');
-  return OfShard(
-      ListImages(names, options.output, options.isRecursive ? Folders::Walk : Folders::Refuse),
-      shard);
+  ImageList list = ListImages(names, {options.output, options.format, plan.labels},
+                              options.isRecursive ? Folders::Walk : Folders::Refuse);
+  list.pairs = OfShard(std::move(list.pairs), shard);
+  return list;
+}
+
+void AddStyle(ApplyPlan& plan, const std::string& name) {
+  NamedStyle named = FindStyle(name);
+  for (const std::string& setting : plan.options.settings)
+    SetField(named.style, setting);
+  plan.styles.push_back(named.style);
+  plan.labels.push_back(LabelOf(name));
+  if (!named.warning.empty() && !plan.options.quiet)
+    PrintProblem(LabelOf(name) + ": " + named.warning);
 }
 
 ApplyPlan MakePlan(const ApplyOptions& options) {
   ApplyPlan plan;
   plan.options = options;
   plan.area = ParseArea(options.area);
-  NamedStyle named = FindStyle(options.style);
-  for (const std::string& setting : options.settings)
-    SetField(named.style, setting);
-  plan.style = named.style;
-  if (!named.warning.empty() && !options.quiet)
-    PrintProblem(options.style + ": " + named.warning);
+  for (const std::string& name : options.styles)
+    AddStyle(plan, name);
+  if (options.styles.empty())
+    AddStyle(plan, "");
   // Missing ones are reported once, not for each image.
   if (!options.mask.empty())
     OpenRegularFile(options.mask);
   for (const std::string& channel : options.channels)
     OpenRegularFile(channel);
-  plan.pairs = Pairs(options);
+  ImageList list = Images(plan);
+  plan.pairs = std::move(list.pairs);
+  plan.failures = std::move(list.failures);
   for (const ImagePair& pair : plan.pairs) {
     try {
       plan.targets.push_back(ResolveTarget(pair.output.path));
@@ -131,27 +172,31 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
   return plan;
 }
 
-// Takes images whose output exists out of the plan, and reports them.
-void SkipExisting(ApplyPlan& plan) {
+// Takes images whose output exists out of the plan, and returns them. Where none is written, none
+// would remove what killed runs have left.
+std::vector<ImagePair> SkipExisting(ApplyPlan& plan) {
   std::vector<ImagePair> pairs;
+  std::vector<ImagePair> skipped;
   std::vector<std::string> targets;
   for (size_t i = 0; i < plan.pairs.size(); ++i) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(plan.targets[i], error)) {
+    if (plan.targets[i] == STANDARD_OUTPUT ||
+        !std::filesystem::is_regular_file(plan.targets[i], error)) {
       pairs.push_back(std::move(plan.pairs[i]));
       targets.push_back(std::move(plan.targets[i]));
-    } else if (plan.options.json) {
-      PrintJson({{"input", plan.pairs[i].input},
-                 {"output", plan.pairs[i].output.path},
-                 {"skipped", true}});
+      continue;
     }
+    skipped.push_back(std::move(plan.pairs[i]));
+    if (!plan.options.isDryRun)
+      SweepOnce(FolderOf(plan.targets[i]));
   }
-  const size_t numSkipped = plan.pairs.size() - pairs.size();
-  if (numSkipped > 0 && !plan.options.json && !plan.options.quiet)
-    PrintProblem(std::to_string(numSkipped) + " of " + std::to_string(plan.pairs.size()) +
-                 " images are skipped: their output is there already");
+  if (!skipped.empty() && !plan.options.json && !plan.options.quiet)
+    PrintProblem("skipped " + std::to_string(skipped.size()) + " of " +
+                 std::to_string(plan.pairs.size()) +
+                 (plan.pairs.size() == 1 ? " image" : " images") + ": the output is there already");
   plan.pairs = std::move(pairs);
   plan.targets = std::move(targets);
+  return skipped;
 }
 
 // Inside a worker.
@@ -164,8 +209,12 @@ JobDone Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job
       for (const std::string& notice : tools->notices)
         channel.Notice(notice);
     return ApplyOne(plan, *tools, job, channel);
+  } catch (const AlreadyThere&) {
+    if (!plan.options.isSkippingExisting)
+      throw;
+    return {0, 0, 1};
   } catch (...) {
-    throw CaughtFailure(plan.pairs[job].input);
+    throw CaughtFailure(ShownName(plan.pairs[job].input));
   }
 }
 
@@ -173,8 +222,11 @@ JobDone Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job
 
 ExitCode Apply(const ApplyOptions& options) {
   ApplyPlan plan = MakePlan(options);
+  if (options.json && !plan.pairs.empty() && IsStandardOutput(plan.pairs[0].output.path))
+    throw Failure(ExitCode::WrongUsage, JSON_AND_PICTURE);
+  std::vector<ImagePair> skipped;
   if (options.isSkippingExisting)
-    SkipExisting(plan);
+    skipped = SkipExisting(plan);
   if (options.force) {
     std::vector<std::string> shared = options.channels;
     if (!options.mask.empty())
@@ -188,6 +240,10 @@ ExitCode Apply(const ApplyOptions& options) {
   DrawTemporaryMark();
 
   Reporter reporter(plan);
+  for (const auto& [name, why] : plan.failures)
+    reporter.Failed(Failure(ExitCode::BadInput, name + ": " + why), {{"input", name}});
+  for (const ImagePair& pair : skipped)
+    reporter.Skipped(pair);
   std::optional<ApplyTools> tools; // each process fills its own copy
   WorkerPool pool;
   pool.numJobs = plan.pairs.size();

@@ -14,10 +14,11 @@ struct ApplyOptions {
   std::string listFile; // names more of them; "-" is standard input; or empty
   bool isListNul = false;
   std::string output;
+  std::string format; // an extension with save options, or empty
   bool isRecursive = false;
   std::string shard; // "I/N", or empty
   bool isSkippingExisting = false;
-  std::string style;
+  std::vector<std::string> styles; // none: the default one
   std::vector<std::string> settings;
   std::string area; // "X,Y,W,H", or empty
   std::string mask;
@@ -26,6 +27,7 @@ struct ApplyOptions {
   unsigned maxSeconds = 0; // for one image; 0: any number
   int jobs = 0;            // 0: as many as there are processors
   bool isThroughPlugin = false;
+  bool isDryRun = false; // checks, and writes nothing
   bool force = false;
   bool quiet = false;
   bool json = false;

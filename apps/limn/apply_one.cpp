@@ -2,6 +2,7 @@
 
 #include "image_library.h"
 #include "image_output.h"
+#include "image_source.h"
 #include "lit_image.h"
 #include "output_target.h"
 
@@ -42,9 +43,9 @@ vips::VImage BandOf(GreyImage& grey) {
                                        grey.height, 1, VIPS_FORMAT_UCHAR);
 }
 
-LitSettings SettingsFor(const ApplyPlan& plan, Surroundings& surroundings) {
+LitSettings SettingsFor(const LM_style& style, Surroundings& surroundings) {
   LitSettings settings;
-  settings.style = plan.style;
+  settings.style = style;
   settings.area = surroundings.area;
   for (GreyImage& channel : surroundings.channels)
     settings.channels.push_back(BandOf(channel));
@@ -71,29 +72,39 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                        const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
   const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
+  const LM_style& style = plan.styles[pair.style];
+  const std::string source = ShownName(pair.input);
   const Complaints complaints;
   ProgressTeller teller{channel};
   try {
     OpenedPhotograph opened = OpenPhotograph(pair.input);
     const int width = opened.planes.width();
     const int height = opened.planes.height();
-    CheckSurroundings(tools.surroundings, width, height, pair.input);
-    NoteMissingRelief(plan.style,
+    CheckSurroundings(tools.surroundings, width, height, source);
+    NoteMissingRelief(style,
                       opened.planes.bands() + static_cast<int>(tools.surroundings.channels.size()),
                       opened.notices);
-    LitSettings settings = SettingsFor(plan, tools.surroundings);
+    const auto tellNotices = [&] {
+      for (const std::string& notice : opened.notices)
+        channel.Notice(source + ": " + notice);
+    };
+    if (plan.options.isDryRun) {
+      tellNotices();
+      return {width, height};
+    }
+    LitSettings settings = SettingsFor(style, tools.surroundings);
     settings.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
     const vips::VImage lit = LitImage(opened.planes, settings);
     vips_image_set_progress(lit.get_image(), TRUE);
     g_signal_connect(lit.get_image(), "eval", G_CALLBACK(ProgressTeller::Tell), &teller);
-    MakeFolder(plan.targets[index]);
-    WriteImage({lit, opened.metadata, pair.input, settings.hasSourceFailed}, pair.output,
+    WriteImage({lit, opened.metadata, source, settings.hasSourceFailed}, pair.output,
                plan.targets[index], existing, complaints, opened.notices);
-    for (const std::string& notice : opened.notices)
-      channel.Notice(pair.input + ": " + notice);
+    tellNotices();
     return {width, height};
+  } catch (const AlreadyThere&) {
+    throw;
   } catch (...) {
-    throw CaughtLibraryFailure(ExitCode::BadInput, pair.input);
+    throw CaughtLibraryFailure(ExitCode::BadInput, source);
   }
 }
 
@@ -102,20 +113,20 @@ JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t inde
                            const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
   const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
+  const std::string source = ShownName(pair.input);
   Photograph photograph = ReadPhotograph(pair.input);
   channel.Progress(READ_SHARE);
   double told = 0;
-  LightPhotograph(*tools.plugin, plan.style, tools.surroundings, photograph, pair.input,
+  LightPhotograph(*tools.plugin, plan.styles[pair.style], tools.surroundings, photograph, source,
                   [&](double share) {
                     if (share < told + 0.01)
                       return;
                     told = share;
                     channel.Progress(READ_SHARE + share * (LIT_SHARE - READ_SHARE));
                   });
-  MakeFolder(plan.targets[index]);
   WritePhotograph(photograph, pair.output, plan.targets[index], existing);
   for (const std::string& notice : photograph.notices)
-    channel.Notice(pair.input + ": " + notice);
+    channel.Notice(source + ": " + notice);
   return {photograph.width, photograph.height};
 }
 
@@ -126,8 +137,10 @@ JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   const ImagePair& pair = plan.pairs[index];
   CheckTarget(pair.input, pair.output, plan.options.force ? Existing::Replace : Existing::Keep);
   CheckOutputFormat(pair.output);
-  return tools.plugin ? LightThroughPlugin(plan, tools, index, channel)
-                      : LightInPassing(plan, tools, index, channel);
+  if (plan.options.isDryRun)
+    CheckFolder(plan.targets[index]);
+  return tools.plugin && !plan.options.isDryRun ? LightThroughPlugin(plan, tools, index, channel)
+                                                : LightInPassing(plan, tools, index, channel);
 }
 
 } // namespace limn

@@ -14,11 +14,13 @@ namespace limn {
 // All that a process needs for any image of the batch.
 struct ApplyPlan {
   ApplyOptions options;
-  LM_style style;
+  std::vector<LM_style> styles;    // by the pairs' numbers
+  std::vector<std::string> labels; // what to call each
   std::optional<limn_area> area;
   std::vector<ImagePair> pairs;
-  std::vector<std::string> targets; // where each output really goes; see ResolveTarget
-  int threads = 1;                  // of libvips, in each process
+  std::vector<UnlistedName> failures; // told for the whole batch
+  std::vector<std::string> targets;   // where each output really goes; see ResolveTarget
+  int threads = 1;                    // of libvips, in each process
 };
 
 // What is read once in each process, before its first image.

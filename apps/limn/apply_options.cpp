@@ -43,18 +43,22 @@ std::string ApplyNotes() {
          "  limn apply photo.jpg -o lit.jpg\n"
          "  limn apply -s 'Evening Lamp' --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
          "  limn apply --channel heights.png --set relief=4 photo.jpg -o lit.png\n"
+         "  limn apply -s Campfire -s Clay *.jpg -o 'lit/{name}-{style}.{ext}'\n"
          "  limn apply -r holiday -o lit/ --skip-existing --json\n"
-         "\n";
+         "  fetch photo.jpg | limn apply - -o -.jpg | store lit.jpg\n\n";
 }
 
 constexpr const char* MANY_IMAGES =
     "Many images: names in a --from-file list keep their folders below the output, if\n"
-    "they are relative. --shard I/N sorts the outputs by name and takes the I-th of\n"
-    "every N, so that N runs with the same images do them all, each once, wherever\n"
-    "they run and whatever is already written.\n\n";
+    "they are relative. In a pattern {name} is an image's name without extension,\n"
+    "with its folders in a tree or a list, {style} the style's, and {ext} the\n"
+    "extension. --shard I/N takes the I-th of N parts, by a hash of the outputs'\n"
+    "names below the output folder: N runs with the same images do them all, each\n"
+    "once, wherever they run and whatever is already written.\n\n";
 
 void AddInputs(CLI::App& apply, ApplyOptions& options) {
-  apply.add_option("IMAGE", options.images, "Photographs to light, or folders with -r");
+  apply.add_option("IMAGE", options.images,
+                   "Photographs to light, or folders with -r;\n- for standard input");
   apply
       .add_option("--from-file", options.listFile,
                   "A file with more names of photographs, one a line;\n"
@@ -63,9 +67,7 @@ void AddInputs(CLI::App& apply, ApplyOptions& options) {
   apply.add_flag("-0,--null", options.isListNul, "Names in the list end in a NUL byte");
   apply.add_flag("-r,--recursive", options.isRecursive,
                  "Light all images in the folders and keep their tree");
-  apply
-      .add_option("--shard", options.shard,
-                  "Light only the I-th of every N images, I from 1 to N;\nsee below")
+  apply.add_option("--shard", options.shard, "Light only part I of N, I from 1 to N; see below")
       ->type_name("I/N");
 }
 
@@ -73,10 +75,17 @@ void AddOutput(CLI::App& apply, ApplyOptions& options) {
   apply
       .add_option("-o,--output", options.output,
                   "The file to write, in the format of its extension, with\n"
-                  "libvips' save options in brackets (lit.jpg[Q=92]); or a\n"
-                  "folder, ending in a slash, for several images")
+                  "libvips' save options in brackets (lit.jpg[Q=92]); for\n"
+                  "several images a folder, ending in a slash, or a pattern\n"
+                  "(lit/{name}-{style}.{ext}); or -, as in -.jpg, for\n"
+                  "standard output")
       ->required()
       ->type_name("FILE|FOLDER/");
+  apply
+      .add_option("--format", options.format,
+                  "Write in this format: an extension, with save options\n"
+                  "(jpg[Q=92]). For folders, patterns and standard output")
+      ->type_name("EXT");
   CLI::Option* const force = apply.add_flag("-f,--force", options.force,
                                             "Replace existing files, the inputs too if so named");
   apply
@@ -84,14 +93,18 @@ void AddOutput(CLI::App& apply, ApplyOptions& options) {
                 "Leave out images whose output is there already: goes\non with a batch that was "
                 "stopped")
       ->excludes(force);
+  apply.add_flag("--dry-run", options.isDryRun,
+                 "Print what would be written and what refused, going by\n"
+                 "the images' headers, and write nothing");
 }
 
 void AddLighting(CLI::App& apply, ApplyOptions& options) {
   apply
-      .add_option("-s,--style", options.style,
+      .add_option("-s,--style", options.styles,
                   "A style file, its JSON form, the JSON itself, or the\nname of a style (default: "
-                  "Default)")
-      ->type_name("NAME|FILE");
+                  "Default); may be repeated:\neach image in each style")
+      ->type_name("NAME|FILE")
+      ->allow_extra_args(false);
   apply.add_option("--set", options.settings, "Change one setting of the style; may be repeated")
       ->type_name("KEY=VALUE")
       ->allow_extra_args(false);

@@ -2,8 +2,10 @@
 
 #include "failure.h"
 
-#include <algorithm>
 #include <charconv>
+#include <cstdlib>
+#include <glib.h>
+#include <memory>
 
 namespace limn {
 
@@ -22,16 +24,23 @@ Shard ParseShard(const std::string& text) {
                 "--shard " + text + ": is not of the form I/N, with I from 1 to N");
 }
 
+namespace {
+
+uint64_t HashOf(const std::string& text) {
+  const std::unique_ptr<char, void (*)(void*)> digest(
+      g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.data(),
+                                    static_cast<gssize>(text.size())),
+      g_free);
+  return std::strtoull(std::string(digest.get(), 16).c_str(), nullptr, 16);
+}
+
+} // namespace
+
 std::vector<ImagePair> OfShard(std::vector<ImagePair> pairs, Shard shard) {
-  if (shard.count == 1)
-    return pairs;
-  std::sort(pairs.begin(), pairs.end(), [](const ImagePair& one, const ImagePair& other) {
-    return one.output.path < other.output.path;
+  std::erase_if(pairs, [&](const ImagePair& pair) {
+    return shard.count > 1 && HashOf(pair.place) % shard.count != shard.index - 1;
   });
-  std::vector<ImagePair> kept;
-  for (size_t i = shard.index - 1; i < pairs.size(); i += std::min(shard.count, pairs.size()))
-    kept.push_back(std::move(pairs[i]));
-  return kept;
+  return pairs;
 }
 
 } // namespace limn

@@ -8,18 +8,18 @@
 
 namespace limn {
 
-// The `index`-th, from 1, of every `count`.
+// Part `index`, from 1, of `count`.
 struct Shard {
-  size_t index = 1;
-  size_t count = 1;
+  uint64_t index = 1;
+  uint64_t count = 1;
 };
 
 // "I/N" with 1 <= I <= N; everything for an empty text. Throws Failure(WrongUsage).
 Shard ParseShard(const std::string& text);
 
-// Sorts by the outputs' names and keeps the index-th of every count. Which run takes an image
-// depends on the outputs' names alone: not on the order in which the images were named, nor on what
-// is written already.
+// Keeps the images of that part. The first sixteen hexadecimal digits of the SHA-256 of an image's
+// place, as a number, modulo the count, are the part that takes it, less one: other images, their
+// order, and what is written already do not matter.
 std::vector<ImagePair> OfShard(std::vector<ImagePair> pairs, Shard shard);
 
 } // namespace limn

@@ -36,9 +36,7 @@ void WriteFrame(FramePicture frame, const OutputName& output, Existing existing)
   picture.numPlanes = 3;
   picture.pixels = std::move(frame.pixels);
   picture.metadata = vips::VImage::black(1, 1);
-  const std::string target = ResolveTarget(output.path);
-  MakeFolder(target);
-  WritePhotograph(picture, output, target, existing);
+  WritePhotograph(picture, output, ResolveTarget(output.path), existing);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include "apply_command.h"
 #include "image_library.h"
+#include "image_source.h"
 #include "lighting.h"
 #include "output_target.h"
 #include "report.h"
@@ -81,9 +82,7 @@ CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, 
 
 void WriteResult(const EditOptions& options, Photograph& photograph, const OutputName& output,
                  Existing existing) {
-  const std::string target = ResolveTarget(output.path);
-  MakeFolder(target);
-  WritePhotograph(photograph, output, target, existing);
+  WritePhotograph(photograph, output, ResolveTarget(output.path), existing);
   PrintNotices(options, options.image, photograph.notices);
 }
 
@@ -96,13 +95,13 @@ void BeginWithStyle(const EditOptions& options) {
 }
 
 // That makes the same file again; none when no style lights exactly like this.
-std::optional<std::string> CommandFor(const EditOptions& options, const std::vector<uint8_t>& block,
-                                      CVRect area) {
+std::optional<std::string> CommandFor(const EditOptions& options, const OutputName& output,
+                                      const std::vector<uint8_t>& block, CVRect area) {
   const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
   if (!style)
     return std::nullopt;
-  return CommandLine({*style, options.image, options.output, options.area, options.mask,
-                      options.channels, options.maxPixels, options.force});
+  return CommandLine({*style, options.image, output.path + output.options, options.area,
+                      options.mask, options.channels, options.maxPixels, options.force});
 }
 
 void PrintCommand(const EditOptions& options, const std::optional<std::string>& command) {
@@ -114,12 +113,16 @@ void PrintCommand(const EditOptions& options, const std::optional<std::string>& 
     PrintLine(*command);
 }
 
-// What would stop the writing is reported before the lights are set, as far as it can be known.
-void CheckWritable(const std::string& target, Existing existing) {
-  std::error_code error;
-  const std::filesystem::path folder = std::filesystem::path(target).parent_path();
-  if (folder.empty() || std::filesystem::exists(folder, error))
-    const AtomicFile probe(target, existing);
+// The output that is named, or one beside the photograph.
+OutputName OutputOf(const EditOptions& options) {
+  if (!options.output.empty())
+    return ParseOutputName(options.output);
+  const std::filesystem::path image(options.image);
+  if (options.image == STANDARD_INPUT || !IsName(options.image, Use::Writing))
+    throw Failure(ExitCode::WrongUsage, ShownName(options.image) +
+                                            ": -o has to say what is written, and in which format");
+  const std::string name = image.stem().string() + "-lit" + image.extension().string();
+  return {image.parent_path() / name, ""};
 }
 
 // The list of strings that this window's texts are in, and their places there.
@@ -149,11 +152,12 @@ QString Task(Text text, const std::string& file) {
 
 ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   const Existing existing = options.force ? Existing::Replace : Existing::Keep;
-  const OutputName output = ParseOutputName(options.output);
+  const OutputName output = OutputOf(options);
   CheckTarget(options.image, output, existing);
   if (!options.style.empty())
     BeginWithStyle(options);
-  CheckWritable(ResolveTarget(output.path), existing);
+  // What would stop the writing is reported before the lights are set, as far as it can be known.
+  { const AtomicFile probe(ResolveTarget(output.path), existing); }
   StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
                     {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
@@ -164,7 +168,7 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   Sources sources = reading.get();
   if (!hasDesktop)
     throw Failure(ExitCode::Refused, "there is no display to show the dialog on");
-  NameWindows(options.image);
+  NameWindows(ShownName(options.image));
   CVDocument document = MakeDocument(sources.surroundings, sources.photograph, options.image);
   const CVRect area = AreaOf(sources.surroundings, sources.photograph.width,
                              sources.photograph.height, options.image);
@@ -176,7 +180,7 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
     return ExitCode::Cancelled;
   CheckRun(result, options.image);
   window.ShowWriting(Task(WRITING, output.path));
-  const auto command = CommandFor(options, session.parameters(), area);
+  const auto command = CommandFor(options, output, session.parameters(), area);
   try {
     WriteResult(options, sources.photograph, output, existing);
   } catch (...) {

@@ -11,8 +11,9 @@ std::shared_ptr<EditOptions> AddEditOptions(CLI::App& command) {
       .add_option("-o,--output", options->output,
                   "The file to write when OK is pressed, in the format\n"
                   "of its extension, with libvips' save options in\n"
-                  "brackets (lit.jpg[Q=92])")
-      ->required()
+                  "brackets (lit.jpg[Q=92]); or - for standard output.\n"
+                  "Default: beside the photograph, photo-lit.jpg for\n"
+                  "photo.jpg")
       ->type_name("FILE");
   command.add_option("--area", options->area, "Light only this rectangle, in pixels")
       ->type_name("X,Y,W,H");

@@ -12,8 +12,8 @@ namespace limn {
 
 struct EditOptions {
   std::string image;
-  std::string output;
-  std::string area; // "X,Y,W,H", or empty
+  std::string output; // empty: beside the image
+  std::string area;   // "X,Y,W,H", or empty
   std::string mask;
   std::vector<std::string> channels;
   std::string style; // to begin with; empty: the default one

@@ -1,12 +1,16 @@
 """Many images at once: trees, failures among them, and what is told about each."""
 
+import hashlib
 import json
 import os
 import resource
 import shutil
+import signal
 import subprocess
+import time
 
 import support
+from support import content
 
 
 class Batch(support.LimnTest):
@@ -146,26 +150,76 @@ class Batch(support.LimnTest):
             support.write_pnm("in/" + name, support.smooth(8, 8))
             names.append(name)
 
-        def taken(index, count, *images, again="-f"):
-            answer = self.limn("apply", *(images or ("-r", "in")), "-o", "out/", again, "--json", "--shard", f"{index}/{count}")
+        def taken(index, count, again="-f"):
+            answer = self.limn("apply", "-r", "in", "-o", "out/", again, "--json", "--shard", f"{index}/{count}")
             lines = [json.loads(line) for line in answer.stdout.splitlines()]
             return sorted(line["output"].removeprefix("out/") for line in lines if "skipped" not in line)
 
-        for count in 1, 2, 3, len(names), 9:
-            shards = [taken(index, count) for index in range(1, count + 1)]
-            self.assertEqual(sorted(sum(shards, [])), sorted(names), count)
-            self.assertLessEqual(max(map(len, shards)) - min(map(len, shards)), 1, count)
-        # Named in another order, and with some of the outputs there: the same shares.
-        flat = [name for name in names if "/" not in name]
-        first = taken(1, 2, *("in/" + name for name in flat))
-        self.assertEqual(taken(1, 2, *("in/" + name for name in reversed(flat))), first)
-        os.remove("out/" + first[1])
-        self.assertEqual(taken(1, 2, *("in/" + name for name in flat), again="--skip-existing"), [first[1]])
+        def part(name, count):  # as documented
+            return int(hashlib.sha256(name.encode()).hexdigest()[:16], 16) % count + 1
+
+        for count in 1, 2, 3, 9:
+            for index in range(1, count + 1):
+                self.assertEqual(taken(index, count), sorted(name for name in names if part(name, count) == index))
         # What comes in between two rounds is lit in the second, once.
         support.write_pnm("in/m.ppm", support.smooth(8, 8))
         self.assertEqual(sum([taken(index, 3, again="--skip-existing") for index in (1, 2, 3)], []), ["m.ppm"])
         for wrong in "0/4", "5/4", "1", "1/0", "-1/2", "1/4x", "/", "1/", "+1/2", "18446744073709551617/1":
             self.limn("apply", "-r", "in", "-o", "out/", "--shard", wrong, code=2, says="is not of the form I/N")
+
+    def test_standard_input_and_output(self):
+        support.write_png("in.png", support.smooth(30, 20))
+        self.limn("apply", "in.png", "-o", "lit.png")
+        whole = content("in.png")
+        for source, options, code, out in ((whole, ["-o", "-.png"], 0, content("lit.png")),
+                                           (whole, ["-o", "-", "--format", "png"], 0, content("lit.png")),
+                                           (whole[:-40], ["-o", "-.png"], 3, b""), (b"", ["-o", "-.png"], 3, b"")):
+            with self.subTest(code=code, options=options):
+                answer = subprocess.run([support.LIMN, "apply", "-", *options], input=source, capture_output=True)
+                self.assertEqual((answer.returncode, answer.stdout), (code, out), answer.stderr)
+                self.assertIn(b"standard input: " if code else b"", answer.stderr)
+        self.assertEqual(sorted(os.listdir()), ["in.png", "lit.png"])
+
+    def test_patterns_styles_and_formats(self):
+        stems = [os.path.splitext(name) for name in self.tree()]
+        self.limn("apply", "-r", "in", "-s", "Campfire", "-s", "Candlelight", "-o", "out/{style}/{name}-lit.{ext}")
+        self.assertEqual(self.found("out"), sorted(f"{style}/{stem}-lit{end}" for stem, end in stems
+                                                   for style in ("Campfire", "Candlelight")))
+        self.limn("apply", "in/a.ppm", "-s", "Candlelight", "-o", "single.ppm")
+        self.assertSame(support.read("out/Candlelight/a-lit.ppm"), support.read("single.ppm"))
+        self.limn("apply", "-r", "in", "-o", "other", "--format", "jpg[Q=50]")
+        self.assertEqual(self.found("other"), sorted(stem + ".jpg" for stem, _ in stems))
+
+    def test_dry_run_writes_nothing(self):
+        self.tree()
+        support.put("in/bad.ppm", "no picture")
+        answer = self.limn("apply", "-r", "in", "-o", "out/new", "--dry-run", "--json", code=3, says="bad.ppm: is not")
+        lines = [json.loads(line) for line in answer.stdout.splitlines()]
+        self.assertEqual([line.get("size") for line in lines if "dryRun" in line], [[20, 16]] * 4)
+        self.assertFalse(os.path.exists("out"))
+
+    def test_no_folder_is_left_of_an_output_that_failed(self):
+        support.write_png("cut.png", support.pattern(90, 70, 3))
+        os.truncate("cut.png", os.path.getsize("cut.png") // 2)
+        self.limn("apply", "cut.png", "-o", "new/deep/out.png", code=3)
+        self.assertEqual(os.listdir(), ["cut.png"])
+
+    def test_what_another_run_writes_meanwhile_is_skipped(self):
+        os.mkdir("in")
+        for name in "0.png", "1.png":
+            support.put("in/" + name, b"P6\n3000 2000\n255\n" + bytes(range(250)) * 72000)
+        process = subprocess.Popen([support.LIMN, "apply", "-r", "in", "-o", "out", "--skip-existing", "-j", "1", "--json"],
+                                   start_new_session=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        while not os.path.exists("out") or not os.listdir("out"):
+            time.sleep(0.001)
+        os.killpg(process.pid, signal.SIGSTOP)
+        for name in "0.png", "1.png":
+            support.put("out/" + name, "theirs")
+        os.killpg(process.pid, signal.SIGCONT)
+        told, problems = process.communicate(timeout=60)
+        self.assertEqual((process.returncode, problems), (0, ""))
+        self.assertEqual([json.loads(line)["skipped"] for line in told.splitlines()], [True, True])
+        self.assertEqual((content("out/0.png"), content("out/1.png")), (b"theirs", b"theirs"))
 
     def test_empty_folder(self):
         os.mkdir("in")

@@ -132,6 +132,10 @@ class Kill(support.LimnTest):
         self.assertEqual(set(os.listdir("out")), {"a.ppm", ".limn-1-0123.tmp", ".limn-mine", own(2) + ".bak", own(3),
                                                   own(5), own(6), own(7)})
         self.assertEqual(len(content("in.ppm")), 9 * 9 * 3 + 11)
+        with open("out/" + own(8), "w"):
+            pass
+        subprocess.run([LIMN, "apply", "-q", "--skip-existing", "in.ppm", "-o", "out/a.ppm"], check=True)
+        self.assertFalse(os.path.exists("out/" + own(8)))
         shutil.rmtree("out")
 
     def test_stopped_quickly(self):

@@ -205,6 +205,13 @@ class Surroundings(support.LimnTest):
         self.as_nobody("apply", "in.ppm", "-o", "readonly/out.ppm", code=CANNOT_WRITE, says="permission denied")
         self.as_nobody("apply", "in.ppm", "-o", "shut/out.ppm", code=CANNOT_WRITE, says="permission denied")
         self.as_nobody("apply", "shut/in.ppm", "-o", "out.ppm", code=BAD_INPUT, says="permission denied")
+        os.makedirs("tree/shut")
+        os.chmod("tree/shut", 0o700)
+        support.write_pnm("tree/a.ppm", support.smooth(9, 9))
+        os.mkdir("lit")
+        os.chmod("lit", 0o777)
+        self.as_nobody("apply", "-r", "tree", "-o", "lit/", code=BAD_INPUT, says="tree/shut: permission denied")
+        self.assertEqual(os.listdir("lit"), ["a.ppm"])
         for place in ["shut/data", "readonly"]:
             os.environ["XDG_DATA_HOME"] = os.path.abspath(place)
             self.assertEqual(self.as_nobody("styles", code=0, says="cannot be").stdout, names)

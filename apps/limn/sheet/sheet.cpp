@@ -43,9 +43,7 @@ std::vector<SheetStyle> StylesOf(const SheetOptions& options) {
     const NamedStyle named = FindStyle(name);
     if (!named.warning.empty())
       Note(options, std::string(name).append(": ").append(named.warning));
-    const std::filesystem::path path(IsJson(name) ? "Style" : name);
-    const auto shown = path.extension() == ".json" ? path.stem() : path.filename();
-    styles.push_back({shown.string(), named.style});
+    styles.push_back({LabelOf(name), named.style});
   }
   if (!options.styles.empty())
     return styles;
@@ -170,7 +168,7 @@ void Tell(const SheetOptions& options, const OutputName& output, const Photograp
     for (const SheetStyle& shown : styles)
       line["styles"].push_back(shown.name);
     PrintLine(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
-  } else if (!options.quiet) {
+  } else if (!options.quiet && !IsStandardOutput(output.path)) {
     char figures[120];
     std::snprintf(figures, sizeof figures, " (%s, %d × %d, %.2f s)",
                   Counted(styles.size(), "style", "styles").c_str(), sheet.width, sheet.height,
@@ -187,6 +185,8 @@ ExitCode WriteSheet(const SheetOptions& options) {
   const OutputName output = ParseOutputName(options.output);
   const std::vector<SheetStyle> styles = StylesOf(options);
   CheckTarget(options.image, output, existing);
+  if (options.json && IsStandardOutput(output.path))
+    throw Failure(ExitCode::WrongUsage, JSON_AND_PICTURE);
   StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
                     {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
@@ -196,9 +196,7 @@ ExitCode WriteSheet(const SheetOptions& options) {
   NoteFlatStyles(options, styles, read.photograph.numPlanes);
   try {
     Photograph sheet = DrawSheet(options, read, styles);
-    const std::string target = ResolveTarget(output.path);
-    MakeFolder(target);
-    WritePhotograph(sheet, output, target, existing);
+    WritePhotograph(sheet, output, ResolveTarget(output.path), existing);
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     Tell(options, output, sheet, styles, seconds.count());
   } catch (const vips::VError&) {

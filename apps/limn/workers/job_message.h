@@ -15,8 +15,8 @@ struct JobMessage {
   ExitCode code = ExitCode::Done;
   uint64_t job = 0;
   double share = 0;    // of a Progress
-  JobDone done;        // of a Result with ExitCode::Done
-  double seconds = 0;  // likewise
+  double seconds = 0;  // of a Result with ExitCode::Done
+  JobDone done;        // likewise
   uint32_t length = 0; // of the text
   char text[4000] = {};
 

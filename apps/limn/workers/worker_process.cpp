@@ -19,6 +19,7 @@ void TakeWorkerSignals(pid_t parent) {
   std::signal(SIGINT, SIG_IGN);
   std::signal(SIGHUP, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN); // a limit on file sizes is a failed write like any other
+  std::signal(SIGPIPE, SIG_IGN); // and so is a pipe that nobody reads
   std::signal(SIGTERM, RemoveTemporaryAndLeave);
   std::signal(SIGALRM, SIG_DFL); // whatever the caller ignores
   sigset_t none;
