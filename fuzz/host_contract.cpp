@@ -116,11 +116,18 @@ int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t, int32
     }
   return sum == 1 ? int16_t{CV_RESULT_NO_SERVICE} : AnyResult();
 }
+CVHandle ZeroBytes(Size size) {
+  CVHandle handle = NewHandle(size);
+  if (handle != nullptr)
+    std::memset(*handle, 0, static_cast<size_t>(size));
+  return handle;
+}
+
 int16_t QueryProperty(uint32_t, uint32_t key, int32_t, int32_t* value, CVHandle* handle) {
   if (key == CV_PROPERTY_NUM_CHANNELS)
     *value = host->channels;
   else if (host->input->Below(4) != 0)
-    *handle = NewHandleClear(host->input->Byte());
+    *handle = ZeroBytes(host->input->Byte());
   return AnyResult();
 }
 
@@ -180,7 +187,7 @@ void KeepParameters(FuzzInput& input) {
   FilterRecord& record = host->record;
   DisposeHandle(record.savedParams);
   const bool whole = input.Below(8) != 0;
-  record.savedParams = NewHandleClear(whole ? static_cast<Size>(sizeof(foo)) : input.Byte());
+  record.savedParams = ZeroBytes(whole ? static_cast<Size>(sizeof(foo)) : input.Byte());
   if (!whole)
     return;
   static foo* const params = WholeParameters();

@@ -139,8 +139,9 @@ TEST_F(Session, KeepsParametersAndSlotOverRuns) {
     };
     EXPECT_TRUE(run(session).ok());
 
-    TB_FailAllocationAfter(1);
+    TB_SetMemoryBudget(0);
     EXPECT_EQ(session.setParameters("6", 1).outcome, CVOutcome::NoMemory);
+    TB_ResetMemoryBudget();
     EXPECT_EQ(session.parameters().size(), 5u);
   }
   EXPECT_EQ(TB_BlocksInUse(), blocks);
@@ -210,8 +211,9 @@ TEST_F(Session, PropertiesAreAnswered) {
     EXPECT_NE(record.queryProperty(host, CV_PROPERTY_NUM_CHANNELS, 0, nullptr, &handle), 0);
     EXPECT_EQ(record.queryProperty(host, 5, 0, &count, &handle), CV_RESULT_NO_SERVICE);
     EXPECT_EQ(record.queryProperty(5, name, 0, &count, &handle), CV_RESULT_NO_SERVICE);
-    TB_FailAllocationAfter(1);
+    TB_SetMemoryBudget(0);
     EXPECT_EQ(record.queryProperty(host, name, 1, &count, &handle), CV_RESULT_NO_MEMORY);
+    TB_ResetMemoryBudget();
     EXPECT_EQ(handle, nullptr);
     EXPECT_EQ(record.nextTile(), CV_RESULT_NO_SERVICE); // nothing is delivered before start
     return 0;

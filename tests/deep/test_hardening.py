@@ -40,9 +40,8 @@ EXPORTS = {
     'limn_vips_module': {'g_module_check_init'},
     'limn_gegl': {'gegl_module_query', 'gegl_module_register'},
     'toolbox': declared(TOOLBOX, 'toolbox/core/*.h'),
-    'toolbox_qt': declared(TOOLBOX, 'toolbox/qt/*.h') | {'qd'},
+    'toolbox_qt': declared(TOOLBOX, 'toolbox/qt/*/*.h') | {'qd'},
 }
-CLASSES = declared(r'\bclass TB_EXPORT (\w+)', 'toolbox/*/*.h')
 
 
 def exported(path):

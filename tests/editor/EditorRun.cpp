@@ -1,9 +1,5 @@
 #include "EditorRun.h"
 
-#include "ToolboxScript.h"
-
-#include "Events.h"
-
 #include <QAction>
 #include <QApplication>
 #include <QFile>
@@ -71,9 +67,14 @@ void EditorRun::open(const QString& path) {
 }
 
 bool EditorRun::lightWithDialog() {
-  ToolboxScript script;
-  script.AwaitDialog().Wait(50).KeyPress(kReturnKeyCode);
-  script.Start();
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, [&poll] {
+    if (QWidget* dialog = QApplication::activeModalWidget()) {
+      poll.stop();
+      QTest::keyClick(dialog, Qt::Key_Return);
+    }
+  });
+  poll.start(50);
   return window->runFilter(CVDialog::Yes);
 }
 

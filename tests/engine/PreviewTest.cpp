@@ -1,5 +1,6 @@
 // The preview: its place, its picture, and the caches that keep it quick.
 #include "EngineRun.h"
+#include "FailingBlocks.h"
 #include "LM_preview.h"
 #include "LM_preview_geometry.h"
 #include "MacMemory.h"
@@ -139,9 +140,9 @@ TEST(Preview, MissingCachesDoNotShow) {
       EngineRun run(scene);
       ASSERT_TRUE(run.CollectPreview(64));
       const std::vector<uint8_t> expected = run.ReferencePreview();
-      TB_FailAllocationAfter(missing);
+      FailAllocationAfter(missing);
       ExpectSamePicture(expected, run.RenderPreview(), run.globals->previewWidth);
-      TB_FailAllocationAfter(0);
+      FailAllocationAfter(0);
       // The caches that come now hold nothing yet while the sums make the lights needless.
       ExpectSamePicture(expected, run.RenderPreview(), run.globals->previewWidth);
       // Half of a light's caches may have been there: only both together hold its results.
@@ -184,9 +185,9 @@ TEST(Preview, ShortMemoryLeavesNothingBehind) {
   EngineRun run(scene);
   const uint64_t blocks = TB_BlocksInUse();
   for (uint64_t missing = 1; missing <= 4; ++missing) {
-    TB_FailAllocationAfter(missing);
+    FailAllocationAfter(missing);
     EXPECT_FALSE(run.CollectPreview(64)) << missing;
-    TB_FailAllocationAfter(0);
+    FailAllocationAfter(0);
     EXPECT_EQ(TB_BlocksInUse(), blocks) << missing;
   }
   ASSERT_TRUE(run.CollectPreview(64));

@@ -1,8 +1,8 @@
 // Heights stored from whatever a host delivers, and which facets are one. What they look like, the
 // scenes tell.
 #include "EngineRun.h"
+#include "FailingBlocks.h"
 #include "LM_bumps.h"
-#include "MacMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -106,12 +106,12 @@ TEST(Relief, StoringSurvivesOddRectanglesAndShortMemory) {
   }
   Heights heights;
   ASSERT_EQ(heights.Store(20, 20, 256, ramp), 0);
-  TB_FailAllocationAfter(1);
+  FailAllocationAfter(1);
   EXPECT_EQ(heights.Store(40, 40, 256, ramp), 1);
   EXPECT_EQ(heights.Map().heights, nullptr);
-  TB_FailAllocationAfter(1); // must not write through null, whatever it answers
+  FailAllocationAfter(1); // must not write through null, whatever it answers
   heights.Store(10, 10, 256, ramp);
-  TB_FailAllocationAfter(0);
+  FailAllocationAfter(0);
   EXPECT_EQ(heights.Store(10, 10, 256, ramp), 0);
   EXPECT_NE(heights.Map().heights, nullptr);
 }

@@ -4,6 +4,7 @@
 #include "MacMemory.h"
 #include "ScriptedDialog.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <new>
 
@@ -101,7 +102,8 @@ TEST_F(InteractiveRun, AfterARepeatTheDialogBeginsWithDefaults) {
 // A block from some other program, or cut short: it stays until a dialog is accepted.
 TEST_F(InteractiveRun, AnUnreadableBlockMakesWayForTheDialogs) {
   ScriptedHost host(40, 30, SessionEntry);
-  const CVHandle unreadable = host.record.savedParams = NewHandleClear(12);
+  const CVHandle unreadable = host.record.savedParams = NewHandle(12);
+  std::memset(*unreadable, 0, 12);
   EXPECT_EQ(host.Run(), CV_RESULT_STOPPED);
   for (const int16_t answer : {int16_t{CV_RESULT_STOPPED}, int16_t{CV_RESULT_OK}}) {
     dialog.action = [&](LM_globals* g) {

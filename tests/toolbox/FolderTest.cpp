@@ -95,19 +95,3 @@ TEST_F(FolderTest, AListingShowsEveryChangeAtOnce) {
   HDelete(volume, id, TB_PString("b"));
   expectNames({});
 }
-
-TEST_F(FolderTest, APathIsSplitIntoFolderAndName) {
-  mkdir((folder / "inner").c_str(), 0777);
-  int16_t itsVolume = 0;
-  int32_t itsID = 0;
-  Str255 name;
-  ASSERT_EQ(TB_SplitPath(folder.native() + "/inner/../new", &itsVolume, &itsID, name), noErr);
-  EXPECT_EQ(itsID, id);
-  EXPECT_EQ(TB_StdString(name), "new");
-  ASSERT_EQ(TB_SplitPath("/new", &itsVolume, &itsID, name), noErr);
-  EXPECT_EQ(TB_PathOf(itsVolume, itsID, name), "/new");
-  EXPECT_EQ(TB_SplitPath(folder.native() + "/inner/", &itsVolume, &itsID, name), bdNamErr);
-  EXPECT_EQ(TB_SplitPath(folder.native() + "/..", &itsVolume, &itsID, name), bdNamErr);
-  EXPECT_EQ(TB_SplitPath(folder.native() + "/a\nb", &itsVolume, &itsID, name), bdNamErr);
-  EXPECT_EQ(TB_SplitPath(folder.native() + "/missing/x", &itsVolume, &itsID, name), dirNFErr);
-}

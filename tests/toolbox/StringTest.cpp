@@ -74,13 +74,6 @@ TEST(String, CutsBetweenCharacters) {
 TEST(String, LongTextsAreCutAtTheEndOfTheRecord) {
   const std::string longest(254, 'x');
   EXPECT_EQ(TB_StdString(TB_PString(longest + "é")), longest);
-  TB_Str255 text = TB_PString(longest);
-  PLstrcat(text.bytes, TB_PString("é"));
-  EXPECT_EQ(TB_StdString(text), longest);
-  PLstrcat(text.bytes, TB_PString("yz"));
-  EXPECT_EQ(TB_StdString(text), longest + "y");
-  PLstrcat(text.bytes, text);
-  EXPECT_EQ(TB_StdString(text), longest + "y");
 }
 
 TEST(String, Numbers) {

@@ -20,7 +20,6 @@ protected:
     ASSERT_EQ(TB_DirectoryForPath(folder.native(), &volume, &id), noErr);
   }
   void TearDown() override {
-    TB_FailFileOperationAfter(0, noErr);
     TB_SetDefaultDirectory("");
     std::filesystem::remove_all(folder);
   }

@@ -1,7 +1,7 @@
 // Layouts from resources, items, the modal loop and its filter.
 #include "SampleDialog.h"
-#include "ToolboxQtAccess.h"
 
+#include "Input.h"
 #include "MacStrings.h"
 #include "ToolboxDesktop.h"
 
@@ -14,7 +14,6 @@ namespace {
 
 TEST(Dialog, ItemsAreAsTheResourceSaysAndNoOthers) {
   SampleDialog sample(SAMPLE_DIALOG, false);
-  EXPECT_EQ(CountDITL(sample.dialog), 10);
   const std::pair<int16_t, int16_t> types[] = {{OK_ITEM, 4},
                                                {OUTLINE_ITEM, 0},
                                                {CHECK_ITEM, 5},
@@ -41,16 +40,6 @@ TEST(Dialog, ALayoutThatMakesNoSenseMakesNoDialog) {
   UseSampleResources();
   for (int16_t number = 910; number <= 917; ++number)
     EXPECT_EQ(GetNewDialog(number, nullptr, nullptr), nullptr) << number;
-}
-
-TEST(Dialog, FindsItemsByNumberNotBySize) {
-  SampleDialog sample(SAMPLE_DIALOG, false);
-  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(WELL_ITEM)), WELL_ITEM - 1);
-  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(DISABLED_ITEM)), DISABLED_ITEM - 1);
-  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(OK_ITEM)), OK_ITEM - 1);
-  EXPECT_EQ(FindDialogItem(sample.dialog, Point{0, 0}), -1);
-  HideDialogItem(sample.dialog, WELL_ITEM);
-  EXPECT_EQ(FindDialogItem(sample.dialog, sample.Middle(WELL_ITEM)), -1);
 }
 
 std::vector<int16_t>& Drawn() {
@@ -115,7 +104,7 @@ TEST(Dialog, ClicksHitEnabledItems) {
     script.Click(place.h, place.v).Click(okay.h, okay.v).Start();
     EXPECT_EQ(HitItem(), hit.hit) << hit.name;
     AwaitEnd(script);
-    FlushEvents(everyEvent, 0);
+    FlushEvents();
   }
   EXPECT_EQ(GetControlValue(sample.Control(CHECK_ITEM)), 1) << "a check box is its owner's to set";
 }
@@ -176,7 +165,6 @@ TEST(Dialog, AMovableDialogKeepsItsHostAlive) {
   EXPECT_EQ(item, OK_ITEM);
   EXPECT_NE(std::count(HostEvents().begin(), HostEvents().end(), nullEvent), 0);
   EXPECT_NE(std::count(HostEvents().begin(), HostEvents().end(), keyDown), 0);
-  ReleaseResource(resource);
 }
 
 TEST(Dialog, ClosingTheWindowCancelsAtOnce) {
@@ -195,7 +183,7 @@ TEST(Dialog, ACentredDialogOpensOverTheWindowInFront) {
   host.setGeometry(30, 40, 700, 500);
   host.show();
   host.activateWindow();
-  Delay(4, nullptr);
+  RunEvents(60);
   for (bool centred : {true, false}) {
     Handle resource = GetResource(CV_FOUR_CHARS('D', 'L', 'O', 'G'), NAME_DIALOG);
     if (centred)
@@ -204,7 +192,6 @@ TEST(Dialog, ACentredDialogOpensOverTheWindowInFront) {
     const QPoint offset =
         TB_PortWindow(sample.dialog)->geometry().center() - host.geometry().center();
     EXPECT_EQ(std::abs(offset.x()) <= 2 && std::abs(offset.y()) <= 2, centred);
-    ReleaseResource(resource);
   }
 }
 
@@ -215,7 +202,7 @@ TEST(Dialog, AClipLeftBehindDoesNotStopUpdates) {
   ClipRect(&corner);
   Drawn().clear();
   const Rect box = sample.Box(WELL_ITEM);
-  InvalRect(&box);
+  RequestUpdate(*sample.dialog->state, ToQRect(box));
   const Point okay = sample.Middle(OK_ITEM);
   ToolboxScript script;
   script.Wait(200).Click(okay.h, okay.v).Start();
@@ -250,11 +237,14 @@ TEST(Dialog, AuxiliaryRecordsAndDisposedWindows) {
     AuxWinHandle again = nullptr;
     GetAuxWin(sample.dialog, &again);
     EXPECT_EQ((**again).awRefCon, 4711);
+    AuxCtlHandle of = nullptr;
+    ASSERT_TRUE(GetAuxCtl(sample.Control(CHECK_ITEM), &of));
+    EXPECT_EQ((**of).acOwner, sample.Control(CHECK_ITEM));
+    EXPECT_FALSE(GetAuxCtl(nullptr, &of));
     EXPECT_EQ(FrontWindow(), sample.dialog);
   }
   EXPECT_FALSE(GetAuxWin(gone, &record));
   EXPECT_EQ(FrontWindow(), nullptr);
-  EXPECT_EQ(CountDITL(gone), 0);
   DrawDialog(gone);
   DisposeDialog(gone);
   EXPECT_EQ(HitItem(), -1);

@@ -1,9 +1,9 @@
 // Which pixels figures cover at ratio 1, the modes' arithmetic, clipping and text.
 #include "SampleDialog.h"
-#include "ToolboxQtAccess.h"
 
 #include "MacStrings.h"
 
+#include <QImage>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -102,14 +102,6 @@ const Figure FIGURES[] = {
        FrameRect(&inverted);
      },
      {"....", "....", "....", "...."}},
-    {"a hidden pen moves and does not draw",
-     [] {
-       HidePen();
-       DrawLineFromTo(0, 0, 2, 0);
-       ShowPen();
-       LineTo(2, 2);
-     },
-     {"..#", "..#", "..#"}},
     {"clipping keeps to the rectangle",
      [] {
        const Rect clip = Box(1, 1, 3, 3);
@@ -259,9 +251,7 @@ TEST(Drawing, TextWidthsAreThoseDrawnAndDoNotDependOnTheRatio) {
     EXPECT_EQ(StringWidth(text), plain);
     MoveTo(10, 20);
     DrawString(text);
-    Point pen;
-    GetPen(&pen);
-    EXPECT_NEAR(pen.h, 10 + plain, 1);
+    EXPECT_NEAR(port.port->pen.pnLoc.h, 10 + plain, 1);
     const std::vector<std::string> rows = port.Rows();
     int last = 0;
     for (const std::string& row : rows)
@@ -276,9 +266,9 @@ TEST(Drawing, ADisposedPortIsNoLongerDrawnInto) {
   GrafPtr before;
   GetPort(&before);
   const Rect bounds = Box(0, 0, 5, 5);
-  GWorldPtr world = NewPortWithRatio(&bounds, 1);
+  GrafPtr world = NewOffscreenPort(bounds);
   SetPort(world);
-  DisposeGWorld(world);
+  DisposePort(world);
   PaintRect(&bounds);
   GrafPtr now;
   GetPort(&now);

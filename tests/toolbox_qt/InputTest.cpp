@@ -1,6 +1,5 @@
 // The mouse and the keys as drags and filters see them.
 #include "SampleDialog.h"
-#include "ToolboxQtAccess.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -37,7 +36,7 @@ Drag FollowMouse() {
 // Waits for the press that a script sends.
 void WaitForPress() {
   EventRecord event;
-  ASSERT_TRUE(WaitNextEvent(1 << mouseDown, &event, 600, nullptr));
+  ASSERT_TRUE(TakeEvent(1 << mouseDown, &event, 10000));
 }
 
 TEST(Input, ADragSeesEveryPlaceAndEndsAtTheRelease) {
@@ -51,12 +50,12 @@ TEST(Input, ADragSeesEveryPlaceAndEndsAtTheRelease) {
   for (size_t i = 0; i < expected.size(); ++i)
     EXPECT_TRUE(EqualPt(drag.places[i], expected[i])) << i;
   // The mouse goes on; the drag's end stays where it was until the next event is taken.
-  Delay(20, nullptr);
+  RunEvents(330);
   Point mouse;
   GetMouse(&mouse);
   EXPECT_TRUE(EqualPt(mouse, Point{80, 70}));
   EventRecord event;
-  while (WaitNextEvent(MOUSE_EVENTS, &event, 0, nullptr)) {
+  while (TakeEvent(MOUSE_EVENTS, &event, 0)) {
   }
   GetMouse(&mouse);
   EXPECT_TRUE(EqualPt(mouse, Point{10, 10}));

@@ -148,27 +148,6 @@ TEST(Picture, HighlightingExchangesTheBackgroundAndComesBack) {
   EXPECT_EQ(port.Rows(), std::vector<std::string>({"......", ".###..", "......"}));
 }
 
-TEST(Picture, CopyingMovesPixelsThroughTheMask) {
-  TestPort target(8, 4);
-  std::vector<std::string> rows;
-  {
-    TestPort source(4, 4);
-    MoveTo(0, 0);
-    LineTo(3, 3);
-    SetPort(target.port);
-    RgnHandle mask = NewRgn();
-    SetRectRgn(mask, 0, 0, 7, 3);
-    const Rect from = {0, 0, 4, 4};
-    const Rect to = {0, 4, 4, 8};
-    CopyBits(GetPortBitMapForCopyBits(source.port), GetPortBitMapForCopyBits(target.port), &from,
-             &to, srcCopy, mask);
-    DisposeRgn(mask);
-    rows = target.Rows();
-    SetPort(source.port);
-  }
-  EXPECT_EQ(rows, std::vector<std::string>({"....#...", ".....#..", "......#.", "........"}));
-}
-
 TEST(Picture, CursorsAreSetAndTakenBack) {
   UseSampleResources();
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);

@@ -100,41 +100,4 @@ TEST(Region, RecordsWhatFramesSurround) {
   }
 }
 
-TEST(Region, RecordingAtAFractionalRatioIsInUnits) {
-  TestPort port(40, 40, 1.5);
-  RgnHandle region = NewRgn();
-  OpenRgn();
-  FrameOval(&OVAL);
-  CloseRgn(region);
-  const Rect box = (**region).rgnBBox;
-  EXPECT_TRUE(EqualRect(&box, &OVAL));
-  DisposeRgn(region);
-}
-
-TEST(Region, SetArithmetic) {
-  RgnHandle a = NewRgn();
-  RgnHandle b = NewRgn();
-  RgnHandle both = NewRgn();
-  SetRectRgn(a, 0, 0, 10, 10);
-  SetRectRgn(b, 5, 5, 15, 15);
-  SectRgn(a, b, both);
-  EXPECT_TRUE(PtInRgn(Point{5, 5}, both));
-  EXPECT_FALSE(PtInRgn(Point{10, 10}, both));
-  UnionRgn(a, b, both);
-  EXPECT_EQ((**both).rgnBBox.right, 15);
-  XorRgn(a, b, both);
-  EXPECT_FALSE(PtInRgn(Point{7, 7}, both));
-  DiffRgn(a, b, both);
-  EXPECT_TRUE(PtInRgn(Point{0, 9}, both));
-  EXPECT_FALSE(PtInRgn(Point{12, 12}, both));
-  OffsetRgn(a, 5, 5);
-  EXPECT_TRUE(EqualRgn(a, b));
-  SetEmptyRgn(a);
-  EXPECT_TRUE(EmptyRgn(a));
-  EXPECT_FALSE(PtInRgn(Point{0, 0}, nullptr));
-  CopyRgn(b, nullptr);
-  for (RgnHandle region : {a, b, both})
-    DisposeRgn(region);
-}
-
 } // namespace

@@ -1,7 +1,7 @@
 // Exclusive-or figures drawn twice leave no changed pixel, whatever the ratio and the ground.
 #include "SampleDialog.h"
-#include "ToolboxQtAccess.h"
 
+#include <QImage>
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
@@ -122,23 +122,6 @@ TEST_P(Reversible, AFigureDrawnTwiceChangesNothing) {
       figure.draw();
       EXPECT_EQ(TB_PortImage(port.port), before) << figure.name << (clipped ? ", clipped" : "");
     }
-  }
-}
-
-// A drag: erase, move, draw, many times, and figures that cross each other.
-TEST_P(Reversible, ADragLeavesNoTrace) {
-  TestPort port(120, 100, GetParam());
-  PaintGround();
-  const QImage before = TB_PortImage(port.port);
-  PenMode(patXor);
-  for (int step = 0; step < 60; ++step) {
-    const double tilt = step * 0.13;
-    for (int pass = 0; pass < 2; ++pass) {
-      DrawEllipse(40 + step % 7, 5 + step % 11, tilt);
-      MoveTo(60, 50);
-      LineTo(static_cast<short>(60 + step), static_cast<short>(50 - step / 2));
-    }
-    ASSERT_EQ(TB_PortImage(port.port), before) << "step " << step;
   }
 }
 

@@ -45,7 +45,6 @@ constexpr char DIALOGS[] = R"({
     "916": { "size": [100000, 100000], "items": [] }
   },
   "ALRT": { "16009": { "kind": "stop", "text": "\u201c^0\u201d is locked.", "buttons": ["OK"] } },
-  "MENU": { "140": { "title": "Type", "items": ["One", "Two"] } },
   "cicn": { "128": { "picture": "well.svg" }, "129": { "picture": "well.svg", "overlay": true },
             "130": { "picture": "missing.svg" }, "131": { "picture": "broken.svg" } },
   "CURS": { "128": { "picture": "well.svg", "hotSpot": [4, 4], "size": 16 } }
@@ -175,18 +174,18 @@ int16_t HitItem(ModalFilterUPP filter) {
 
 void AwaitEnd(const ToolboxScript& script) {
   while (!script.Done())
-    Delay(1, nullptr);
+    RunEvents(16);
 }
 
 TestPort::TestPort(short width, short height, double ratio) : port(nullptr), _saved(nullptr) {
   GetPort(&_saved);
   const Rect bounds = {0, 0, height, width};
-  port = NewPortWithRatio(&bounds, ratio);
+  port = NewOffscreenPort(bounds, ratio);
   SetPort(port);
 }
 
 TestPort::~TestPort() {
-  DisposeGWorld(port);
+  DisposePort(port);
   SetPort(_saved);
 }
 

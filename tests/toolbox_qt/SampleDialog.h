@@ -4,6 +4,7 @@
 
 #include "HostDialogs.h"
 #include "QuickDraw.h"
+#include "ToolboxProbe.h"
 #include "ToolboxScript.h"
 
 #include <string>
@@ -59,7 +60,7 @@ public:
   TestPort(const TestPort&) = delete;
   TestPort& operator=(const TestPort&) = delete;
 
-  GWorldPtr port;
+  GrafPtr port;
   // Rows of '#' (black), '.' (white) and '?' (anything else), one character a unit.
   std::vector<std::string> Rows() const;
 

@@ -1,7 +1,7 @@
 // Dark themes and forced ratios: what dialogs draw stays legible and in place.
+#include "PortState.h"
 #include "SampleDialog.h"
 #include "ToolboxDesktop.h"
-#include "ToolboxQtAccess.h"
 
 #include <QApplication>
 #include <QPalette>
@@ -106,7 +106,7 @@ TEST(Theme, AForcedRatioScalesTheWindowAndKeepsCoordinates) {
     }
     for (Point point : {Point{0, 0}, Point{17, 231}, Point{319, 439}}) {
       Point there = point;
-      LocalToGlobal(&there);
+      AddPt(GlobalOrigin(*sample.dialog), &there);
       GlobalToLocal(&there);
       EXPECT_TRUE(EqualPt(there, point)) << scale;
     }

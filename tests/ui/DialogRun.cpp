@@ -138,7 +138,6 @@ DialogRun::~DialogRun() {
     LM_DestroyGlobals(Globals());
   if (record.savedParams != nullptr)
     DisposeHandle(record.savedParams);
-  TB_FailFileOperationAfter(0, noErr);
   TB_SetDefaultDirectory("");
   std::error_code ignored;
   std::filesystem::remove_all(folder, ignored);

@@ -5,6 +5,7 @@
 
 #include "LM_mac_UI.h"
 #include "LM_style.h"
+#include "ToolboxProbe.h"
 #include "ToolboxScript.h"
 
 #include <filesystem>

@@ -1,6 +1,7 @@
 // The style menu in use: saving, replacing, loading and deleting, and every way to decline.
 #include "DialogRun.h"
 
+#include "DialogWindow.h"
 #include "Events.h"
 #include "LM_gallery.h"
 #include "LM_mac_stream.h"
@@ -194,7 +195,7 @@ TEST_F(DialogStyles, OnlyAClickReplaces) {
       // Back at the name, which stands there as it was typed.
       script.Wait(KEY_ANSWERED).Call([&, decline] {
         EXPECT_NE(FrontWindow(), Dialog()) << decline.name;
-        EXPECT_EQ(CountDITL(FrontWindow()), 5) << decline.name;
+        EXPECT_EQ(DialogWindow::Of(FrontWindow())->items.size(), 5U) << decline.name;
       });
       script.KeyPress(kEscapeKeyCode).Wait(KEY_ANSWERED);
     });
@@ -379,39 +380,6 @@ TEST_F(DialogStyles, SecondDialogKeepsTheChoiceAndForgetsOneThatIsGone) {
       EXPECT_EQ(Globals()->gloss, 3);
     });
   });
-}
-
-// File operations of the whole flow fail in turn, those before the writing too.
-TEST_F(DialogStyles, TheSaveFlowLosesNoStyleWhateverFails) {
-  OnlyStyles({{"Default", 2}, {"mine", 3}});
-  const std::string old = Bytes("mine");
-  std::string complete;
-  uint64_t operations = 0;
-  for (uint64_t n = 0; n <= operations; n += n == 0 ? 1 : 3) {
-    WriteStyle("mine", 3);
-    RunAndCancel([&](ToolboxScript& script) {
-      uint64_t before = 0;
-      ClickItem(script, LM_SAVE_STYLE_ITEM);
-      script.Wait(DIALOG_OPENS).Type("mine").Call([&] {
-        Globals()->gloss = 99;
-        before = TB_FileOperationCount();
-        TB_FailFileOperationAfter(n, dskFulErr);
-      });
-      ClickItem(script, 1, LM_SAVE_AS_DIALOG);
-      script.Wait(DIALOG_OPENS);
-      ClickItem(script, 2, LM_OVERWRITE_DIALOG);
-      script.Wait(DIALOG_OPENS).Call([&] {
-        TB_FailFileOperationAfter(0, noErr);
-        operations = std::max(operations, TB_FileOperationCount() - before);
-      });
-    });
-    if (n == 0)
-      complete = Bytes("mine");
-    ASSERT_TRUE(Bytes("mine") == old || Bytes("mine") == complete) << "operation " << n;
-    ASSERT_EQ(StyleFiles(), (Names{"Default", "mine"})) << "operation " << n;
-  }
-  ASSERT_NE(old, complete);
-  EXPECT_GT(operations, 20U);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "DialogRun.h"
 
 #include "Events.h"
+#include "FailingBlocks.h"
 #include "LM_drawing_scopes.h"
 #include "LM_style_fields.h"
 #include "MacStrings.h"
@@ -434,9 +435,9 @@ TEST_F(DialogRun, SurvivesWantOfMemory) {
     script.KeyPress(kTabKeyCode);
     ClickItem(script, LM_LIGHT_ON_ITEM);
     script.KeyPress(kEscapeKeyCode);
-    TB_FailAllocationAfter(n);
+    FailAllocationAfter(n);
     const int16_t result = Run(script, Script::MayBeCut);
-    TB_FailAllocationAfter(0);
+    FailAllocationAfter(0);
     EXPECT_TRUE(result == 0 || result == CV_RESULT_STOPPED || result == CV_RESULT_NO_MEMORY)
         << result << " at allocation " << n;
     ASSERT_EQ(FrontWindow(), nullptr) << n;

@@ -16,7 +16,9 @@ class Handles : public testing::Test {
 protected:
   void UsePort(short depth, uint16_t ground) {
     const Rect bounds = {0, 0, SIDE, SIDE};
-    ASSERT_EQ(NewGWorld(&port, depth, &bounds, nullptr, nullptr, 0), noErr);
+    port = NewOffscreenPort(bounds);
+    ASSERT_NE(port, nullptr);
+    (**port->portPixMap).pixelSize = depth;
     SetPort(port);
     const RGBColor color = {ground, ground, ground};
     const LM_color_pattern pattern(color);
@@ -35,10 +37,10 @@ protected:
     light().handle2 = {-8, 15};
     light().radius = 25;
   }
-  void TearDown() override { DisposeGWorld(port); }
+  void TearDown() override { DisposePort(port); }
   LM_light_UI& light() { return globals.lights[0]; }
 
-  GWorldPtr port = nullptr;
+  GrafPtr port = nullptr;
   LM_globals globals;
 };
 
@@ -135,7 +137,7 @@ TEST_F(Handles, OutlinesBrightenOrInvertByThePortsDepth) {
   EXPECT_EQ(PixelAt(120, 90), GREY) << "grey added to black";
   EXPECT_EQ(PixelAt(160, 90), GREY) << "the end point belongs to the line";
   EXPECT_EQ(PixelAt(161, 90), 0U);
-  DisposeGWorld(port);
+  DisposePort(port);
   UsePort(8, 0);
   light().DrawActive(&globals, 0);
   EXPECT_EQ(PixelAt(120, 90), RGB(127, 127, 127)) << "exclusive-or";

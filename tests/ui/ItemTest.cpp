@@ -85,9 +85,7 @@ TEST_F(Item, ColourBoxesShowTheColourAndGreyTheirFrameWhenDisabled) {
   EXPECT_NE(PixelAt(box.left, box.top), enabled);
   EXPECT_NEAR(PixelAt(box.left, box.top) & 255, 0x7F, 12);
   EXPECT_EQ(PixelAt(light.h, light.v), RGB(0, 64, 255));
-  RGBColor fore;
-  GetForeColor(&fore);
-  EXPECT_EQ(fore.red, 0);
+  EXPECT_EQ(test.dialog->rgbFgColor.red, 0);
 }
 
 TEST_F(Item, TheWellIsEmptyOnlyWithSixteenLights) {
@@ -171,7 +169,8 @@ TEST_F(Item, RefreshingAPartOfTheWorkAreaLooksLikeTheWhole) {
   DrawDialog(test.dialog);
   const Pixels whole = test.Picture();
   RgnHandle part = NewRgn();
-  SetRectRgn(part, 140, 150, 170, 190);
+  const Rect rect = {150, 140, 190, 170};
+  RectRgn(part, &rect);
   UpdateDialog(test.dialog, part);
   DisposeRgn(part);
   const Pixels refreshed = test.Picture();
@@ -191,9 +190,8 @@ TEST_F(Item, DrawingStaysInItsDialogWhateverPortIsCurrent) {
       {LM_DELETE_STYLE_ITEM, LM_DrawSmallButton},
       {LM_PROPERTIES_TITLE_ITEM, LM_DrawPropertiesTitle},
       {LM_STYLE_GROUP_ITEM, LM_DrawGroupBox}};
-  GrafPtr other = nullptr;
   const Rect bounds = {0, 0, 400, 640};
-  ASSERT_EQ(NewGWorld(&other, 32, &bounds, nullptr, nullptr, 0), noErr);
+  GrafPtr other = NewOffscreenPort(bounds);
   SetPort(other);
   const Pixels untouched = PixelsOf(bounds);
   for (const auto& [item, procedure] : procedures) {
@@ -213,7 +211,7 @@ TEST_F(Item, DrawingStaysInItsDialogWhateverPortIsCurrent) {
     EXPECT_TRUE(test.dialog->txFont == 0 && test.dialog->txSize == 0 && test.dialog->txFace == 0)
         << "item " << item;
   }
-  DisposeGWorld(other);
+  DisposePort(other);
 }
 
 } // namespace

@@ -151,12 +151,8 @@ Point LightDialog::Middle(int16_t item) const {
 void WithMouseDown(ToolboxScript& script, const std::function<void()>& body) {
   script.Start();
   EventRecord event;
-  const uint32_t start = TickCount();
-  do {
-    WaitNextEvent(everyEvent, &event, 60, nullptr);
-    ASSERT_LT(TickCount() - start, 600U) << "no press arrived";
-  } while (event.what != mouseDown);
+  ASSERT_TRUE(TakeEvent(1 << mouseDown, &event, 10000)) << "no press arrived";
   body();
-  FlushEvents(everyEvent, 0);
-  EXPECT_FALSE(Button()) << "the script did not release the button";
+  FlushEvents();
+  EXPECT_FALSE(IsButtonDown()) << "the script did not release the button";
 }

@@ -5,6 +5,7 @@
 
 #include "LM_drawing_scopes.h"
 #include "LM_mac_UI.h"
+#include "ToolboxProbe.h"
 #include "ToolboxScript.h"
 
 #include <functional>

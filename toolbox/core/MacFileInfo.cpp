@@ -201,21 +201,6 @@ OSErr TB_DirectoryForPath(std::string_view path, int16_t* vRefNum, int32_t* dirI
   return noErr;
 }
 
-OSErr TB_SplitPath(std::string_view path, int16_t* vRefNum, int32_t* dirID, StringPtr name) {
-  const size_t slash = path.rfind('/');
-  const std::string_view fileName = slash == std::string_view::npos ? path : path.substr(slash + 1);
-  const std::string_view folder = slash == std::string_view::npos ? "." : path.substr(0, slash + 1);
-  const std::optional<std::string> shown = TB_NameForFile(fileName);
-  if (!shown) {
-    return bdNamErr;
-  }
-  if (OSErr err = TB_DirectoryForPath(folder, vRefNum, dirID)) {
-    return err;
-  }
-  StoreName(name, *shown);
-  return noErr;
-}
-
 std::string TB_PathOf(int16_t vRefNum, int32_t dirID, ConstStr255Param name) {
   TB_FilePlace place;
   const OSErr err = name ? TB_FindPlace(vRefNum, dirID, name, &place)

@@ -274,15 +274,3 @@ OSErr GetEOF(int16_t refNum, int32_t* length) {
     });
   });
 }
-
-OSErr SetEOF(int16_t refNum, int32_t length) {
-  return TB_FileOperation([&] {
-    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
-      if (length < 0) {
-        return paramErr;
-      }
-      const auto cut = [&] { return ftruncate(file.descriptor, length); };
-      return file.writable ? Result(Uninterrupted(cut) == 0) : wrPermErr;
-    });
-  });
-}

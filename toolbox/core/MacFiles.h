@@ -117,8 +117,6 @@ TB_EXPORT OSErr FSWrite(int16_t refNum, int32_t* count, const void* buffer);
 // Closes the file, whatever the result, which may tell of a delayed write that failed.
 TB_EXPORT OSErr FSClose(int16_t refNum);
 TB_EXPORT OSErr GetEOF(int16_t refNum, int32_t* length);
-// Sets the file's length; new bytes are zero.
-TB_EXPORT OSErr SetEOF(int16_t refNum, int32_t length);
 
 // --- For hosts, tools and tests ---
 
@@ -127,17 +125,8 @@ TB_EXPORT OSErr SetEOF(int16_t refNum, int32_t length);
 TB_EXPORT OSErr TB_SetDefaultDirectory(std::string_view path);
 // The pair that stands for a folder.
 TB_EXPORT OSErr TB_DirectoryForPath(std::string_view path, int16_t* vRefNum, int32_t* dirID);
-// Splits the path to a file, which need not exist, into its folder, which must, and its name (256
-// bytes). bdNamErr when the file name is none that this File Manager could use.
-TB_EXPORT OSErr TB_SplitPath(std::string_view path, int16_t* vRefNum, int32_t* dirID,
-                             StringPtr name);
 // The absolute path of a name in a folder, or of the folder when name is null. Empty when there is
 // no such folder or the name cannot be a file's.
 TB_EXPORT std::string TB_PathOf(int16_t vRefNum, int32_t dirID, ConstStr255Param name);
-// The n-th file operation from now answers err and does nothing else (FSClose still closes). Every
-// call above counts as one, those for tools excepted. 1 is the next one; 0 calls the failure off.
-TB_EXPORT void TB_FailFileOperationAfter(uint64_t n, OSErr err);
-// File operations begun since the program started.
-TB_EXPORT uint64_t TB_FileOperationCount();
 
 #endif

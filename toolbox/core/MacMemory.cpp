@@ -48,8 +48,6 @@ struct State {
   std::optional<uint64_t> budget;
   uint64_t inUse = 0;
   uint64_t blocks = 0;
-  uint64_t attempts = 0;
-  uint64_t failAt = 0; // the attempt that fails, 0 for none
   uint64_t purgeableBytes = 0;
   HandleRecord* firstPurgeable = nullptr;
   // From the last question to the system: how far inUse may grow.
@@ -150,8 +148,7 @@ void Purge(State* state, uint64_t wanted, Clock::duration maximumAge) {
 
 // Takes `size` bytes from the budget, purging when there are not enough.
 bool Reserve(State* state, Size size) {
-  ++state->attempts;
-  if (state->attempts == state->failAt || size < 0 || size > LARGEST_SIZE) {
+  if (size < 0 || size > LARGEST_SIZE) {
     return false;
   }
   const Clock::duration age = size >= LARGE_BLOCK ? LARGE_BLOCK_AGE : SMALL_BLOCK_AGE;
@@ -205,13 +202,6 @@ void SetFlag(Handle handle, bool HandleRecord::*flag, bool value) {
   lastError = noErr;
 }
 
-template <typename Block> Block Cleared(Block block, Ptr bytes, Size size) {
-  if (block) {
-    memset(bytes, 0, static_cast<size_t>(size));
-  }
-  return block;
-}
-
 } // namespace
 
 Ptr NewPtr(Size size) {
@@ -226,7 +216,10 @@ Ptr NewPtr(Size size) {
 
 Ptr NewPtrClear(Size size) {
   Ptr block = NewPtr(size);
-  return Cleared(block, block, size);
+  if (block) {
+    memset(block, 0, static_cast<size_t>(size));
+  }
+  return block;
 }
 
 void DisposePtr(Ptr block) {
@@ -237,11 +230,6 @@ void DisposePtr(Ptr block) {
     ReleaseBytes(&state, block);
     --state.blocks;
   }
-}
-
-Size GetPtrSize(Ptr block) {
-  lastError = block ? noErr : memWZErr;
-  return block ? HeaderOf(block)->size : 0;
 }
 
 Handle NewHandle(Size size) {
@@ -260,11 +248,6 @@ Handle NewHandle(Size size) {
   *record = {bytes, false, false, nullptr, nullptr};
   ++state.blocks;
   return &record->master;
-}
-
-Handle NewHandleClear(Size size) {
-  Handle handle = NewHandle(size);
-  return Cleared(handle, handle ? *handle : nullptr, size);
 }
 
 void DisposeHandle(Handle handle) {
@@ -390,13 +373,6 @@ OSErr MemError() {
   return lastError;
 }
 
-void BlockMove(const void* source, void* dest, Size count) {
-  if (count > 0) {
-    memmove(dest, source, static_cast<size_t>(count));
-  }
-  lastError = noErr;
-}
-
 void TB_SetMemoryBudget(uint64_t bytes) {
   State& state = Shared();
   std::lock_guard lock(state.mutex);
@@ -420,16 +396,4 @@ uint64_t TB_BlocksInUse() {
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   return state.blocks;
-}
-
-void TB_FailAllocationAfter(uint64_t n) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.failAt = n == 0 ? 0 : state.attempts + n;
-}
-
-uint64_t TB_AllocationCount() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return state.attempts;
 }

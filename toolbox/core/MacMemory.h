@@ -17,8 +17,6 @@ TB_EXPORT Ptr NewPtr(Size size);
 TB_EXPORT Ptr NewPtrClear(Size size);
 // Releases a block of NewPtr; null is ignored.
 TB_EXPORT void DisposePtr(Ptr block);
-// The size the block was asked with; 0 for null.
-TB_EXPORT Size GetPtrSize(Ptr block);
 
 // The three that the contract with hosts declares too, as C; here they are exported.
 // NOLINTBEGIN(readability-redundant-declaration)
@@ -30,8 +28,6 @@ TB_EXPORT void DisposeHandle(Handle handle);
 // The block's size; 0 for null, with nilHandleErr, and for a purged block.
 TB_EXPORT Size GetHandleSize(Handle handle);
 // NOLINTEND(readability-redundant-declaration)
-// A new one, its content zero.
-TB_EXPORT Handle NewHandleClear(Size size);
 // Changes the size and keeps the content; the block may move. Sets MemError: memFullErr, or
 // memLockedErr when a locked block would have to grow; the block is then unchanged.
 TB_EXPORT void SetHandleSize(Handle handle, Size size);
@@ -56,8 +52,6 @@ TB_EXPORT void PurgeSpace(Size* total, Size* contiguous);
 
 // Result of the last Memory Manager call of this thread.
 TB_EXPORT OSErr MemError();
-// Copies `count` bytes between blocks that may overlap; a negative count copies nothing.
-TB_EXPORT void BlockMove(const void* source, void* dest, Size count);
 
 // --- For hosts and tests ---
 
@@ -68,10 +62,5 @@ TB_EXPORT void TB_ResetMemoryBudget();
 // Bytes requested in all blocks now alive, and the number of those blocks. A handle counts as one.
 TB_EXPORT uint64_t TB_MemoryInUse();
 TB_EXPORT uint64_t TB_BlocksInUse();
-// The n-th allocation from now fails once with memFullErr, whoever asks: NewPtr, NewHandle or a
-// growing SetHandleSize. 1 is the next one; 0 calls the failure off.
-TB_EXPORT void TB_FailAllocationAfter(uint64_t n);
-// Allocations attempted since the program began, refused ones included.
-TB_EXPORT uint64_t TB_AllocationCount();
 
 #endif

@@ -276,12 +276,6 @@ void TB_SetLanguage(std::string_view code) {
   state.merged.reset();
 }
 
-std::string TB_Language() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return ChooseLanguage(state);
-}
-
 const json* TB_Resource(std::string_view type, int16_t number) {
   State& state = Shared();
   std::lock_guard lock(state.mutex);

@@ -35,8 +35,6 @@ TB_EXPORT void TB_ForgetResources();
 // Chooses the language: "de", "de_AT", a whole locale name. A language without files, "C" and
 // "POSIX" mean English; empty goes back to LC_ALL, LC_MESSAGES or LANG, the first that is set.
 TB_EXPORT void TB_SetLanguage(std::string_view code);
-// The language in use, such as "en" or "de".
-TB_EXPORT std::string TB_Language();
 
 // The resource, in the language in use, or null. type: four characters such as "DLOG". The pointer
 // stays valid until files are added or forgotten or the language changes.

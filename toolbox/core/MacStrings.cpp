@@ -123,13 +123,6 @@ StringPtr PLstrcpy(StringPtr dest, ConstStr255Param source) {
   return dest;
 }
 
-StringPtr PLstrcat(StringPtr dest, ConstStr255Param source) {
-  std::string_view added = TB_CutUTF8(View(source), LONGEST - dest[0]);
-  memmove(dest + 1 + dest[0], added.data(), added.size());
-  dest[0] = static_cast<unsigned char>(dest[0] + added.size());
-  return dest;
-}
-
 TB_Str255 TB_PString(std::string_view text) {
   TB_Str255 result{};
   Store(result.bytes, TB_CutUTF8(text, LONGEST));

@@ -22,8 +22,6 @@ TB_EXPORT Boolean EqualString(ConstStr255Param a, ConstStr255Param b, Boolean ca
 TB_EXPORT void NumToString(int32_t number, StringPtr dest);
 // Copies source with its length byte; dest holds 256 bytes or as many as the source needs.
 TB_EXPORT StringPtr PLstrcpy(StringPtr dest, ConstStr255Param source);
-// Appends source to dest, cut where 255 bytes are full, never within a character.
-TB_EXPORT StringPtr PLstrcat(StringPtr dest, ConstStr255Param source);
 
 // A length-prefixed copy, cut to 255 bytes, never within a character.
 TB_EXPORT TB_Str255 TB_PString(std::string_view text);

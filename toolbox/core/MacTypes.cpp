@@ -1,7 +1,5 @@
 #include "MacTypes.h"
 
-#include <algorithm>
-
 namespace {
 
 int16_t Wrapped(int value) {
@@ -30,31 +28,11 @@ void InsetRect(Rect* rect, int16_t dh, int16_t dv) {
   }
 }
 
-Boolean SectRect(const Rect* a, const Rect* b, Rect* dest) {
-  Rect common{std::max(a->top, b->top), std::max(a->left, b->left), std::min(a->bottom, b->bottom),
-              std::min(a->right, b->right)};
-  *dest = EmptyRect(&common) ? Rect{} : common;
-  return !EmptyRect(&common);
-}
-
-void UnionRect(const Rect* a, const Rect* b, Rect* dest) {
-  *dest = {std::min(a->top, b->top), std::min(a->left, b->left), std::max(a->bottom, b->bottom),
-           std::max(a->right, b->right)};
-}
-
 Boolean PtInRect(Point point, const Rect* rect) {
   return point.v >= rect->top && point.v < rect->bottom && point.h >= rect->left &&
          point.h < rect->right;
 }
 
-Boolean EqualRect(const Rect* a, const Rect* b) {
-  return a->top == b->top && a->left == b->left && a->bottom == b->bottom && a->right == b->right;
-}
-
 Boolean EmptyRect(const Rect* rect) {
   return rect->bottom <= rect->top || rect->right <= rect->left;
-}
-
-void SetPt(Point* point, int16_t h, int16_t v) {
-  *point = {v, h};
 }

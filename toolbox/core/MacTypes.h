@@ -54,7 +54,6 @@ inline constexpr OSErr permErr = -54;   // opening for writing is not permitted:
 inline constexpr OSErr wrPermErr = -61; // the file was opened for reading only
 inline constexpr OSErr memFullErr = -108;   // not enough memory
 inline constexpr OSErr nilHandleErr = -109; // the handle is null, or purged
-inline constexpr OSErr memWZErr = -111;     // not a block of the Memory Manager
 inline constexpr OSErr memLockedErr = -117; // a locked block cannot grow
 inline constexpr OSErr dirNFErr = -120;     // folder not found
 inline constexpr OSErr resNotFound = -192;  // resource not found
@@ -67,16 +66,8 @@ TB_EXPORT void OffsetRect(Rect* rect, int16_t dh, int16_t dv);
 // Moves the sides inwards (outwards for negative amounts). A rectangle with nothing left becomes
 // 0, 0, 0, 0.
 TB_EXPORT void InsetRect(Rect* rect, int16_t dh, int16_t dv);
-// Writes the common part of two rectangles; an empty one is written as 0, 0, 0, 0 and answered 0.
-// dest may be one of the sources.
-TB_EXPORT Boolean SectRect(const Rect* a, const Rect* b, Rect* dest);
-// Writes the smallest rectangle around both.
-TB_EXPORT void UnionRect(const Rect* a, const Rect* b, Rect* dest);
 // 1 when the pixel right below the point belongs to the rectangle.
 TB_EXPORT Boolean PtInRect(Point point, const Rect* rect);
-TB_EXPORT Boolean EqualRect(const Rect* a, const Rect* b);
 TB_EXPORT Boolean EmptyRect(const Rect* rect);
-// The point (h, v).
-TB_EXPORT void SetPt(Point* point, int16_t h, int16_t v);
 
 #endif

@@ -38,9 +38,6 @@ struct State {
   std::map<std::string, int32_t> ids;
   std::string defaultFolder;
   std::map<std::string, CachedListing> listings;
-  uint64_t operations = 0;
-  uint64_t failAt = 0;
-  OSErr failWith = noErr;
 };
 
 // Never destroyed: files may be closed while the program ends.
@@ -211,24 +208,4 @@ OSErr TB_ErrorFor(int error) {
   default:
     return ioErr;
   }
-}
-
-OSErr TB_BeginFileOperation() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  ++state.operations;
-  return state.operations == state.failAt ? state.failWith : noErr;
-}
-
-void TB_FailFileOperationAfter(uint64_t n, OSErr err) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.failAt = n == 0 ? 0 : state.operations + n;
-  state.failWith = err;
-}
-
-uint64_t TB_FileOperationCount() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return state.operations;
 }

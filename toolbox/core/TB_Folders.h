@@ -29,14 +29,8 @@ void TB_ForgetListing(const std::string& path);
 // The result code for an errno.
 OSErr TB_ErrorFor(int error);
 
-// Counts one file operation; answers the code that a test wants it to fail with, or noErr.
-OSErr TB_BeginFileOperation();
-
-// Runs one File Manager call: its failure on demand, and memory exhaustion as a code.
+// Runs one File Manager call: memory exhaustion as a code.
 template <typename Operation> OSErr TB_FileOperation(Operation operation) {
-  if (OSErr wanted = TB_BeginFileOperation()) {
-    return wanted;
-  }
   try {
     return operation();
   } catch (const std::bad_alloc&) {

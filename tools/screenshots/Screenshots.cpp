@@ -5,14 +5,14 @@
 #include "MainWindow.h"
 #include "StylePanel.h"
 
-#include "Events.h"
 #include "ToolboxDesktop.h"
-#include "ToolboxScript.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QStyleFactory>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -38,18 +38,25 @@ QPalette DarkPalette() {
 
 void Settle() {
   for (int i = 0; i < 20; ++i)
-    TB_RunEvents(20);
+    QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
 // Lights the photograph, taking a picture of the dialog before OK.
 bool Light(editor::MainWindow& window, const QString& picture) {
   bool saved = false;
-  ToolboxScript script;
-  script.AwaitDialog()
-      .Wait(700)
-      .Call([&] { saved = QApplication::activeModalWidget()->grab().save(picture); })
-      .KeyPress(kReturnKeyCode);
-  script.Start();
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, [&] {
+    QWidget* dialog = QApplication::activeModalWidget();
+    if (dialog == nullptr)
+      return;
+    poll.stop();
+    QTimer::singleShot(700, dialog, [&saved, &picture, dialog] {
+      saved = dialog->grab().save(picture);
+      QKeyEvent accept(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+      QApplication::sendEvent(dialog, &accept);
+    });
+  });
+  poll.start(20);
   return window.runFilter(CVDialog::Yes) && saved;
 }
 

@@ -1,0 +1,160 @@
+#include "DialogTemplate.h"
+
+#include "ControlBlock.h"
+#include "MacResources.h"
+#include "ResourceJson.h"
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+constexpr int MAX_SIDE = 4000;
+constexpr int MAX_ITEMS = 500;
+
+struct KindName {
+  const char* name;
+  ItemKind kind;
+  int16_t type;
+  short procID;
+};
+
+constexpr KindName KINDS[] = {
+    {"button", ItemKind::Button, ctrlItem + btnCtrl, pushButProc},
+    {"checkBox", ItemKind::CheckBox, ctrlItem + chkCtrl, checkBoxProc},
+    {"popup", ItemKind::Popup, ctrlItem + resCtrl, popupMenuProc},
+    {"control", ItemKind::Control, ctrlItem + resCtrl, 0},
+    {"editText", ItemKind::EditText, editText, 0},
+    {"staticText", ItemKind::StaticText, statText, 0},
+    {"userItem", ItemKind::UserItem, userItem, 0},
+};
+
+const KindName* FindKind(const std::string& name) {
+  const auto* found = std::find_if(std::begin(KINDS), std::end(KINDS),
+                                   [&](const KindName& kind) { return name == kind.name; });
+  return found != std::end(KINDS) ? found : nullptr;
+}
+
+short ShortMember(const nlohmann::json& object, const char* name, short fallback) {
+  return static_cast<short>(IntMember(object, name, fallback, -32768, 32767));
+}
+
+// -1 for a definition nobody registered.
+short DefinitionOf(const nlohmann::json& item) {
+  const std::string name = StringMember(item, "definition");
+  const short number =
+      name.empty() ? ShortMember(item, "definition", -1) : ControlDefinitionNumber(name);
+  return number >= 0 && number < 2048 && FindControlDefinition(number) != nullptr ? number
+                                                                                  : short{-1};
+}
+
+intptr_t RefConOf(const nlohmann::json& item) {
+  const std::vector<int> halves = IntsMember(item, "refCon");
+  if (halves.size() != 2)
+    return IntMember(item, "refCon", 0, INT32_MIN, INT32_MAX);
+  return static_cast<int32_t>((static_cast<uint32_t>(halves[0]) << 16) |
+                              (static_cast<uint32_t>(halves[1]) & 0xFFFF));
+}
+
+bool ReadBox(const nlohmann::json& item, Rect& box) {
+  const std::vector<int> sides = IntsMember(item, "box");
+  if (sides.size() != 4)
+    return false;
+  for (int side : sides) {
+    if (side < -MAX_SIDE || side > MAX_SIDE)
+      return false;
+  }
+  box = ToRect(QRect(sides[0], sides[1], sides[2], sides[3]));
+  return sides[2] >= 0 && sides[3] >= 0;
+}
+
+void ReadControl(const nlohmann::json& json, ItemTemplate& item) {
+  item.value = ShortMember(json, "value", 0);
+  item.minimum = ShortMember(json, "min", 0);
+  item.maximum = ShortMember(json, "max", item.item.kind == ItemKind::CheckBox ? 1 : 0);
+  item.refCon = RefConOf(json);
+  item.choices = StringsMember(json, "choices");
+  if (item.item.kind == ItemKind::Popup)
+    item.maximum = ShortMember(json, "titleWidth", 0);
+}
+
+Qt::Alignment AlignmentOf(const std::string& name) {
+  if (name == "right")
+    return Qt::AlignRight;
+  return name == "center" ? Qt::AlignHCenter : Qt::AlignLeft;
+}
+
+bool ReadItem(const nlohmann::json& json, ItemTemplate& item) {
+  const KindName* kind = FindKind(StringMember(json, "kind"));
+  if (kind == nullptr || !ReadBox(json, item.item.box))
+    return false;
+  item.item.kind = kind->kind;
+  const bool enabled = BoolMember(json, "enabled", kind->kind != ItemKind::StaticText);
+  item.item.type = static_cast<int16_t>(kind->type | (enabled ? 0 : itemDisable));
+  item.item.title = StringMember(json, "title");
+  item.item.name = StringMember(json, "name");
+  item.item.isDecoration = kind->kind == ItemKind::UserItem && !enabled;
+  item.item.isPicture = StringMember(json, "role") == "picture";
+  item.item.small = BoolMember(json, "small", false);
+  item.item.align = AlignmentOf(StringMember(json, "align"));
+  item.procID = kind->procID;
+  if ((kind->type & ctrlItem) != 0)
+    ReadControl(json, item);
+  if (kind->kind == ItemKind::Control) {
+    const short definition = DefinitionOf(json);
+    if (definition < 0)
+      return false;
+    item.procID = static_cast<short>(definition * 16);
+  }
+  return true;
+}
+
+// Items in the order of their numbers, which must run from 1 without a gap.
+bool ReadItems(const nlohmann::json& list, std::vector<ItemTemplate>& items) {
+  if (!list.is_array() || list.size() > MAX_ITEMS)
+    return false;
+  std::vector<bool> seen(list.size(), false);
+  items.resize(list.size());
+  for (const nlohmann::json& json : list) {
+    const int number = IntMember(json, "number", 0, 0, MAX_ITEMS + 1);
+    if (number < 1 || static_cast<size_t>(number) > list.size())
+      return false;
+    const auto index = static_cast<size_t>(number - 1);
+    if (seen[index] || !ReadItem(json, items[index]))
+      return false;
+    seen[index] = true;
+  }
+  return true;
+}
+
+std::set<int16_t>& DialogsToCentre() {
+  static std::set<int16_t> dialogs;
+  return dialogs;
+}
+
+} // namespace
+
+void CentreNextDialog(int16_t dialogID) {
+  DialogsToCentre().insert(dialogID);
+}
+
+bool TakeCentring(int16_t dialogID) {
+  return DialogsToCentre().erase(dialogID) != 0;
+}
+
+std::optional<DialogTemplate> LoadDialogTemplate(int16_t dialogID) {
+  const nlohmann::json* resource = TB_Resource("DLOG", dialogID);
+  if (resource == nullptr || !resource->is_object())
+    return std::nullopt;
+  DialogTemplate dialog;
+  dialog.title = StringMember(*resource, "title");
+  const std::vector<int> size = IntsMember(*resource, "size");
+  if (size.size() != 2 || size[0] < 1 || size[1] < 1 || size[0] > MAX_SIDE || size[1] > MAX_SIDE)
+    return std::nullopt;
+  dialog.width = static_cast<short>(size[0]);
+  dialog.height = static_cast<short>(size[1]);
+  const auto items = resource->find("items");
+  if (items == resource->end() || !ReadItems(*items, dialog.items))
+    return std::nullopt;
+  return dialog;
+}

@@ -1,0 +1,94 @@
+#include "QDText.h"
+
+#include "Ink.h"
+#include "TextStyle.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+bool HasFonts() {
+  return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+short Cut(double value) {
+  return static_cast<short>(std::clamp(value, -32768.0, 32767.0));
+}
+
+double WidthOf(const QString& text) {
+  if (!HasFonts() || text.isEmpty())
+    return 0;
+  return QFontMetricsF(PortFont(*CurrentPort())).horizontalAdvance(text);
+}
+
+} // namespace
+
+QString ToQString(ConstStr255Param text) {
+  return text != nullptr ? QString::fromUtf8(reinterpret_cast<const char*>(text + 1), text[0])
+                         : QString();
+}
+
+QFont PortFont(const GrafPort& port) {
+  constexpr int FULL_SIZE = 13;
+  QFont font = QGuiApplication::font();
+  font.setPixelSize(port.txSize > 0 ? std::max(1, (port.txSize * 12 + 5) / 10) : FULL_SIZE);
+  // Widths must not depend on the pixel ratio, so only heights are fitted to pixels.
+  font.setHintingPreference(QFont::PreferVerticalHinting);
+  font.setBold((port.txFace & bold) != 0);
+  return font;
+}
+
+PortPainter::PortPainter(PortState& state) : _state(state) {
+  if (state.image.isNull())
+    return;
+  painter.begin(&state.image);
+  const Rect& bounds = state.port->portRect;
+  painter.setClipRegion(
+      state.clip.intersected(ToQRect(bounds)).translated(-bounds.left, -bounds.top));
+  painter.translate(-bounds.left, -bounds.top);
+}
+
+PortPainter::~PortPainter() {
+  if (painter.isActive())
+    painter.end();
+  MarkDirty(_state, _state.deviceClip.boundingRect() & DeviceRect(_state, changed));
+}
+
+void TextFont(short font) {
+  CurrentPort()->txFont = font;
+}
+void TextSize(short size) {
+  CurrentPort()->txSize = size;
+}
+void TextFace(short face) {
+  CurrentPort()->txFace = face;
+}
+void DrawString(ConstStr255Param text) {
+  PortState& state = CurrentState();
+  const QString string = ToQString(text);
+  if (string.isEmpty() || !HasFonts())
+    return;
+  Point& place = state.port->pen.pnLoc;
+  const double width = WidthOf(string);
+  if (CanDraw(state.port) && !state.image.isNull()) {
+    const QFont font = PortFont(*state.port);
+    const QFontMetrics metrics(font);
+    const QRect box(place.h - 2, place.v - metrics.ascent() - 1,
+                    static_cast<int>(std::ceil(width)) + 4, metrics.height() + 2);
+    PortPainter port(state);
+    port.changed = box;
+    port.painter.setFont(font);
+    port.painter.setPen(QColor::fromRgb(ForegroundInk(state, box)));
+    port.painter.drawText(QPointF(place.h, place.v), string);
+  }
+  place.h = Cut(place.h + std::round(width));
+}
+
+short StringWidth(ConstStr255Param text) {
+  return Cut(std::ceil(WidthOf(ToQString(text))));
+}
