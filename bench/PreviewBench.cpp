@@ -15,7 +15,7 @@ uint8_t NeverCancel() {
   return 0;
 }
 Rect ItemBox(LM_globals*, int16_t item) {
-  return item == LM_ITEM_WORK_AREA ? Rect{0, 0, 280, 280} : Rect{12, 12, 268, 268};
+  return item == LM_WORK_AREA_ITEM ? Rect{0, 0, 280, 280} : Rect{12, 12, 268, 268};
 }
 
 const LM_dialog_services NO_SCREEN = {nullptr,

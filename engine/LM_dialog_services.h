@@ -7,9 +7,9 @@
 
 class LM_globals;
 
-// Items of the parameter dialog that the preview depends on.
-constexpr int16_t LM_ITEM_WORK_AREA = 6;
-constexpr int16_t LM_ITEM_PREVIEW = 8;
+// The items of the parameter dialog that the preview depends on; the others are in LM_mac_UI.h.
+constexpr int16_t LM_WORK_AREA_ITEM = 6;
+constexpr int16_t LM_PREVIEW_ITEM = 8;
 
 // All present. Results are the program's result codes.
 struct LM_dialog_services {

@@ -125,7 +125,7 @@ int16_t LM_GeneratePreview([[maybe_unused]] GrafPort* port, LM_globals* globals)
   if (dialog != nullptr) {
     dialog->showArrow();
     if (result == CV_RESULT_OK)
-      dialog->redrawItem(globals, LM_ITEM_WORK_AREA);
+      dialog->redrawItem(globals, LM_WORK_AREA_ITEM);
   }
   return result;
 }

@@ -175,11 +175,11 @@ int16_t LM_CalculatePreviewScaling(FilterRecord* record, LM_globals* globals) {
   if (dialog == nullptr)
     return CV_RESULT_NO_DIALOG;
   const CVRect& area = record->filterArea;
-  const Rect frameBox = dialog->itemBox(globals, LM_ITEM_WORK_AREA);
+  const Rect frameBox = dialog->itemBox(globals, LM_WORK_AREA_ITEM);
   const LM_preview_geometry geometry =
       LM_FitPreview(area.right - area.left, area.bottom - area.top, frameBox,
-                    dialog->itemBox(globals, LM_ITEM_PREVIEW));
-  dialog->setItemBox(globals, LM_ITEM_PREVIEW, geometry.previewBox);
+                    dialog->itemBox(globals, LM_PREVIEW_ITEM));
+  dialog->setItemBox(globals, LM_PREVIEW_ITEM, geometry.previewBox);
   LM_UsePreviewGeometry(geometry, globals);
   for (CVPixelMap& map : globals->previewMaps)
     LM_DisposeAndClear(map.baseAddress);

@@ -160,7 +160,7 @@ int16_t RunDialog(FilterRecord*, LM_globals* globals) {
 }
 Rect ItemBox(LM_globals*, int16_t item) {
   const auto size = static_cast<int16_t>(host->channels % 16 + 8);
-  return item == LM_ITEM_WORK_AREA ? Rect{0, 0, size, size}
+  return item == LM_WORK_AREA_ITEM ? Rect{0, 0, size, size}
                                    : Rect{2, 2, static_cast<int16_t>(size - 2), size};
 }
 void RedrawItem(LM_globals* globals, int16_t) {

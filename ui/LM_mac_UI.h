@@ -7,6 +7,7 @@
 
 #include "Controls.h"
 #include "Dialogs.h"
+#include "LM_dialog_services.h"
 #include "LM_globals.h"
 #include "LM_sliders.h"
 #include "MacTypes.h"
@@ -37,16 +38,14 @@ constexpr int16_t LM_NEW_LIGHT_CURSOR = 128;
 // The slider's control definition.
 constexpr int16_t LM_SLIDER_DEFINITION = 129;
 
-// Items of the parameter dialog.
+// Items of the parameter dialog, but for 6 and 8, which the preview knows too.
 enum LM_dialog_item : int16_t {
   LM_OK_ITEM = 1,
   LM_CANCEL_ITEM = 2,
   LM_OK_OUTLINE_ITEM = 3,
   LM_SAVE_STYLE_ITEM = 4,
   LM_AMBIENT_COLOR_ITEM = 5,
-  LM_WORK_AREA_ITEM = 6,
   LM_LIGHT_COLOR_ITEM = 7,
-  LM_PREVIEW_ITEM = 8,
   LM_LIGHT_ON_ITEM = 9,
   LM_WHITE_IS_HIGH_ITEM = 10,
   LM_LIGHT_TYPE_ITEM = 11,

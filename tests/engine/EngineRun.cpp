@@ -30,7 +30,7 @@ int16_t DeliverNow() {
 
 Rect ItemBox(LM_globals*, int16_t item) {
   const auto size = static_cast<int16_t>(previewSize);
-  if (item == LM_ITEM_WORK_AREA) // a frame of 12 pixels all round, somewhere in the dialog
+  if (item == LM_WORK_AREA_ITEM) // a frame of 12 pixels all round, somewhere in the dialog
     return {20, 10, static_cast<int16_t>(size + 44), static_cast<int16_t>(size + 34)};
   return previewBox;
 }

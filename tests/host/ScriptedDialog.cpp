@@ -28,7 +28,7 @@ int16_t RunDialog(FilterRecord*, LM_globals* g) {
   return result;
 }
 Rect ItemBox(LM_globals*, int16_t item) {
-  return item == LM_ITEM_WORK_AREA ? Rect{100, 0, 380, 280} : dialog->previewBox;
+  return item == LM_WORK_AREA_ITEM ? Rect{100, 0, 380, 280} : dialog->previewBox;
 }
 void SetItemBox(LM_globals*, int16_t, const Rect& box) {
   dialog->previewBox = box;
