@@ -20,6 +20,7 @@ TB_EXPORT void DisposePtr(Ptr block);
 
 // The three that the contract with hosts declares too, as C; here they are exported.
 // NOLINTBEGIN(readability-redundant-declaration)
+extern "C" {
 // A new relocatable block, its content undefined. The caller owns it. Null and memFullErr as for
 // NewPtr.
 TB_EXPORT Handle NewHandle(Size size);
@@ -27,6 +28,7 @@ TB_EXPORT Handle NewHandle(Size size);
 TB_EXPORT void DisposeHandle(Handle handle);
 // The block's size; 0 for null, with nilHandleErr, and for a purged block.
 TB_EXPORT Size GetHandleSize(Handle handle);
+}
 // NOLINTEND(readability-redundant-declaration)
 // Changes the size and keeps the content; the block may move. Sets MemError: memFullErr, or
 // memLockedErr when a locked block would have to grow; the block is then unchanged.
