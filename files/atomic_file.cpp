@@ -29,8 +29,7 @@ char temporaryInProgress[PATH_MAX] = "";
 }
 
 // A folder that cannot be flushed (some network file systems) still holds the renamed file.
-void FlushFolder(const std::string& target) {
-  const std::string path = FolderOf(target);
+void FlushFolder(const std::string& path, const std::string& target) {
   const Descriptor folder(
       Uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   if (folder.Number() < 0)
@@ -211,11 +210,12 @@ void AtomicFile::Commit() {
   // An interrupted close has closed it all the same.
   if (second < 0 || (close(second) != 0 && errno != EINTR))
     Fail(_target, errno);
+  const std::string folder = FolderOf(_target); // no allocation may fail once the name is given
   _GiveName();
   _temporary.clear();
   _madeFolders.clear();
   temporaryInProgress[0] = '\0';
-  FlushFolder(_target);
+  FlushFolder(folder, _target);
 }
 
 void AtomicFile::_Print() {

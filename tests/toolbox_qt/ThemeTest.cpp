@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QWidget>
 #include <gtest/gtest.h>
 
 namespace {
