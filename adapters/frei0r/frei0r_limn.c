@@ -99,7 +99,7 @@ void f0r_get_param_info(f0r_param_info_t* info, int index) {
     info->name = "style";
     info->type = F0R_PARAM_STRING;
     info->explanation = STYLE_EXPLANATION;
-  } else if (index >= FIRST_SLIDER && index < PARAMETERS) {
+  } else if (index >= FIRST_SLIDER && index < AREA) {
     info->name = STYLE_SLIDER[index - FIRST_SLIDER].name;
     info->type = F0R_PARAM_DOUBLE;
     info->explanation = STYLE_SLIDER[index - FIRST_SLIDER].explanation;
@@ -155,7 +155,7 @@ void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index) 
     free(*text);
     *text = copy;
     Forget(filter);
-  } else if (index >= FIRST_SLIDER && index < PARAMETERS) {
+  } else if (index >= FIRST_SLIDER && index < AREA) {
     const double value = StyleSliderValue(*(const f0r_param_double*)param);
     if (value == filter->slider[index - FIRST_SLIDER])
       return;
@@ -172,7 +172,7 @@ void f0r_get_param_value(f0r_instance_t instance, f0r_param_t param, int index) 
   char** text = TextOf(filter, index);
   if (text != NULL)
     *(f0r_param_string*)param = *text;
-  else if (index >= FIRST_SLIDER && index < PARAMETERS)
+  else if (index >= FIRST_SLIDER && index < AREA)
     *(f0r_param_double*)param = filter->slider[index - FIRST_SLIDER];
 }
 

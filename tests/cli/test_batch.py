@@ -178,7 +178,7 @@ class Batch(support.LimnTest):
                 answer = subprocess.run([support.LIMN, "apply", "-", *options], input=source, capture_output=True)
                 self.assertEqual((answer.returncode, answer.stdout), (code, out), answer.stderr)
                 self.assertIn(b"standard input: " if code else b"", answer.stderr)
-        self.assertEqual(sorted(os.listdir()), ["in.png", "lit.png"])
+        self.assertEqual(set(os.listdir()) - {"data"}, {"in.png", "lit.png"})
 
     def test_patterns_styles_and_formats(self):
         stems = [os.path.splitext(name) for name in self.tree()]
@@ -202,7 +202,7 @@ class Batch(support.LimnTest):
         support.write_png("cut.png", support.pattern(90, 70, 3))
         os.truncate("cut.png", os.path.getsize("cut.png") // 2)
         self.limn("apply", "cut.png", "-o", "new/deep/out.png", code=3)
-        self.assertEqual(os.listdir(), ["cut.png"])
+        self.assertEqual(set(os.listdir()) - {"data"}, {"cut.png"})
 
     def test_what_another_run_writes_meanwhile_is_skipped(self):
         os.mkdir("in")
