@@ -15,12 +15,12 @@ class Documentation(support.LimnTest):
         os.symlink(f"{ROOT}/contrib", "contrib")
         for name, bands in ("photo.png", 3), ("heights.png", 1):
             support.write_png(name, support.smooth(60, 40, bands))
-        with open("four.json", "w", encoding="utf-8") as file:
-            file.write('{"lights": [{"type": "omni"}, {"type": "spot"}, {"type": "directional"}, {"type": "omni"}]}')
+        support.put("four.json",
+                    '{"lights": [{"type": "omni"}, {"type": "spot"}, {"type": "directional"}, {"type": "omni"}]}')
         self.run_in_shell("ffmpeg -v error -f lavfi -i testsrc2=size=854x480:rate=25 -frames:v 5 film.mp4")
         self.run_in_shell("melt film.mp4 -consumer xml:project.mlt")
-        with open(f"{ROOT}/docs/other-programs.md", encoding="utf-8") as file:
-            blocks = re.findall(r"^ *```sh\n(.*?)^ *```", file.read(), re.MULTILINE | re.DOTALL)
+        page = support.content(f"{ROOT}/docs/other-programs.md").decode()
+        blocks = re.findall(r"^ *```sh\n(.*?)^ *```", page, re.MULTILINE | re.DOTALL)
         self.assertGreater(len(blocks), 5)
         for block in blocks:
             for name in "lit.mp4", "lit.png":

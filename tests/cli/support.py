@@ -54,24 +54,23 @@ def smooth(width, height, bands=3, at=0):
 def write_pnm(path, picture):
     kind = {1: "P5", 3: "P6"}[picture.bands]
     top = 255 if picture.depth == 8 else 65535
-    with open(path, "wb") as file:
-        file.write(f"{kind}\n{picture.width} {picture.height}\n{top}\n".encode())
-        file.write(picture.packed(">"))
+    put(path, f"{kind}\n{picture.width} {picture.height}\n{top}\n".encode() + picture.packed(">"))
+
+
+PNG = b"\x89PNG\r\n\x1a\n"
+
+
+def png_chunk(kind, body):
+    return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
 
 
 def write_png(path, picture, extra=b""):
-    def chunk(kind, body):
-        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
-
     color_type = {1: 0, 2: 4, 3: 2, 4: 6}[picture.bands]
     line = picture.width * picture.bands * picture.depth // 8
     data = picture.packed(">")
     rows = b"".join(b"\0" + data[at : at + line] for at in range(0, len(data), line))
-    with open(path, "wb") as file:
-        file.write(b"\x89PNG\r\n\x1a\n")
-        file.write(chunk(b"IHDR", struct.pack(">IIBBBBB", picture.width, picture.height, picture.depth,
-                                              color_type, 0, 0, 0)))
-        file.write(extra + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+    head = struct.pack(">IIBBBBB", picture.width, picture.height, picture.depth, color_type, 0, 0, 0)
+    put(path, PNG + png_chunk(b"IHDR", head) + extra + png_chunk(b"IDAT", zlib.compress(rows)) + png_chunk(b"IEND", b""))
 
 
 def write_tiff(path, picture, photometric=2, orientation=1, fields=()):
@@ -95,9 +94,7 @@ def write_tiff(path, picture, photometric=2, orientation=1, fields=()):
             value, place = struct.pack("<I", 8 + len(body)), value
             body += place + b"\0" * (len(place) % 2)
         table += struct.pack("<HHI", tag, kind, count) + value.ljust(4, b"\0")
-    with open(path, "wb") as file:
-        file.write(struct.pack("<2sHI", b"II", 42, 8 + len(body)) + body)
-        file.write(struct.pack("<H", len(entries)) + table + struct.pack("<I", 0))
+    put(path, struct.pack("<2sHI", b"II", 42, 8 + len(body)) + body + struct.pack("<H", len(entries)) + table + bytes(4))
 
 
 def content(path):

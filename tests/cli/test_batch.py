@@ -226,5 +226,4 @@ class Batch(support.LimnTest):
         self.limn("apply", "-r", "in", "-o", "out", code=3, says="in: holds no image")
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

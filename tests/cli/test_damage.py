@@ -22,12 +22,10 @@ class Damage(support.LimnTest):
         path = "whole." + kind
         if kind != "ppm":
             support.vips("copy", "whole.ppm", path)
-        with open(path, "rb") as file:
-            return file.read()
+        return support.content(path)
 
     def refused(self, content, name, note):
-        with open(name, "wb") as file:
-            file.write(content)
+        support.put(name, content)
         with self.subTest(note):
             answer = self.limn("apply", name, "-o", "out.png", "-f", code=BAD_INPUT, says=name + ": ")
             self.assertEqual(len(answer.stderr.splitlines()), 1, answer.stderr)
@@ -47,8 +45,7 @@ class Damage(support.LimnTest):
     def test_compressed_tiff_truncated_inside(self):
         for compression in ["lzw", "deflate", "jpeg"]:
             support.vips("copy", "whole.ppm", f"whole.tif[compression={compression}]")
-            with open("whole.tif", "rb") as file:
-                content = bytearray(file.read())
+            content = bytearray(support.content("whole.tif"))
             content[len(content) // 3 : len(content) // 2] = b"\xff" * (len(content) // 2 - len(content) // 3)
             self.refused(content, "damaged.tif", compression)
 
@@ -71,8 +68,7 @@ class Damage(support.LimnTest):
 
     def test_mask_and_channels_too(self):
         content = self.make("png")
-        with open("cut.png", "wb") as file:
-            file.write(content[: len(content) // 2])
+        support.put("cut.png", content[: len(content) // 2])
         for option in ["--mask", "--channel"]:
             with self.subTest(option):
                 self.limn("apply", "whole.ppm", option, "cut.png", "-o", "out.png", code=BAD_INPUT, says="cut.png: ")
@@ -80,14 +76,10 @@ class Damage(support.LimnTest):
 
     def test_old_output_survives(self):
         content = self.make("jpg")
-        with open("cut.jpg", "wb") as file:
-            file.write(content[: len(content) // 2])
-        with open("out.jpg", "wb") as file:
-            file.write(b"old")
+        support.put("cut.jpg", content[: len(content) // 2])
+        support.put("out.jpg", "old")
         self.limn("apply", "cut.jpg", "-o", "out.jpg", "--force", code=BAD_INPUT)
-        with open("out.jpg", "rb") as file:
-            self.assertEqual(file.read(), b"old")
+        self.assertEqual(support.content("out.jpg"), b"old")
 
 
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])

@@ -35,8 +35,8 @@ class Interruption(support.LimnTest):
             support.write_pnm(name, support.smooth(width, 4))
         process = self.start("apply", "--through-plugin", "a.ppm", "b.ppm", "c.ppm", "stuck.ppm", "-o", "out/", "--jobs", 1,
                              env={"LIMN_PLUGIN": support.MISBEHAVING_MODULE})
-        wait_for(lambda: os.path.exists("out/c.ppm"))
-        time.sleep(0.2)
+        wait_for(lambda: os.path.exists("begun"))
+        os.remove("begun")
         return process
 
     def finished(self):
@@ -73,5 +73,4 @@ class Interruption(support.LimnTest):
         wait_for(lambda: not [pid for pid in workers if os.path.exists(f"/proc/{pid}")])
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -45,8 +45,7 @@ class Library(support.LimnTest):
         support.write_pnm("in.ppm", support.smooth(12, 8))
         self.limn("apply", "in.ppm", "-o", "with.ppm", "-q")
         names = self.names()
-        with open("file", "w"):
-            pass
+        support.put("file", "")
         missing = {"XDG_DATA_HOME": os.path.abspath("file")}
         self.assertEqual(self.names(says="cannot be created", env=missing), names)
         answer = self.limn("apply", "in.ppm", "-o", "without.ppm", "-q", env=missing)
@@ -54,5 +53,4 @@ class Library(support.LimnTest):
         self.assertSame(support.read("without.ppm"), support.read("with.ppm"))
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -93,8 +93,7 @@ class Lighting(support.LimnTest):
                         self.assertSame(support.read("here.tif"), support.read("there.tif"))
 
     def test_settings(self):
-        with open("other.json", "w") as file:
-            json.dump({**STYLE, "exposure": 150, "lights": [{**STYLE["lights"][0], "intensity": 40}]}, file)
+        support.put("other.json", json.dumps({**STYLE, "exposure": 150, "lights": [{**STYLE["lights"][0], "intensity": 40}]}))
         expected = self.lit()
         changed = self.lit("--set", "exposure=150", "--set", "light.0.intensity=40")
         self.limn("apply", "in.ppm", "-s", "other.json", "-o", "other.tif")
@@ -114,5 +113,4 @@ class Lighting(support.LimnTest):
         self.assertLess(usage.ru_maxrss, 400 * 1024)
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -24,8 +24,7 @@ DAMAGES = [lambda content: b"", lambda content: content[:40], lambda content: b"
 
 def documented(command):
     """The command line of the documentation that begins with this word."""
-    with open(f"{ROOT}/docs/many-images.md", encoding="utf-8") as file:
-        return re.search(rf"^{command} .*$", file.read(), re.MULTILINE).group()
+    return re.search(rf"^{command} .*$", content(f"{ROOT}/docs/many-images.md").decode(), re.MULTILINE).group()
 
 
 class ManyImages(support.LimnTest):
@@ -127,5 +126,4 @@ class ManyImages(support.LimnTest):
         print("counted: tasks run by Slurm 14")
 
 
-if __name__ == "__main__":
-    support.main(argv=sys.argv[:1])
+support.main(argv=sys.argv[:1])

@@ -29,9 +29,8 @@ class Metadata(support.LimnTest):
         support.write_pnm("in.ppm", support.smooth(40, 30))
         support.vips("icc_transform", "in.ppm", "plain.jpg", "p3", "--input-profile", "srgb")
         plain = support.content("plain.jpg")
-        with open("photo.jpg", "wb") as file:
-            file.write(plain[:2] + exif(6, "Lumen Works") +
-                       xmp('<x:xmpmeta xmlns:x="adobe:ns:meta/" tiff:Orientation="6" note="kept"/>') + plain[2:])
+        support.put("photo.jpg", plain[:2] + exif(6, "Lumen Works") +
+                    xmp('<x:xmpmeta xmlns:x="adobe:ns:meta/" tiff:Orientation="6" note="kept"/>') + plain[2:])
 
     def test_kept_in_each_format(self):
         loses = "its EXIF data is not written"
@@ -66,5 +65,4 @@ class Metadata(support.LimnTest):
         self.limn("apply", "in.tif", "-o", "out.jpg", says="too large for a jpg file")
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

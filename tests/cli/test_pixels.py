@@ -133,5 +133,4 @@ class Pixels(support.LimnTest):
                 self.assertLess(difference, 6)
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

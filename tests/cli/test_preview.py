@@ -60,5 +60,4 @@ class Preview(support.LimnTest):
         self.limn("preview", "in.ppm", "--set", "bumpChannel=9", "-o", "frame.png", says="has no channel 9")
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

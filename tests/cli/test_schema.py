@@ -9,8 +9,7 @@ import support
 
 PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
-with open(f"{PROJECT}/docs/style.schema.json") as schema_file:
-    SCHEMA = json.load(schema_file)
+SCHEMA = json.loads(support.content(f"{PROJECT}/docs/style.schema.json"))
 
 LIGHT = {"type": "omni", "radius": 40}
 CASES = [  # name, style, whether it is good
@@ -58,9 +57,7 @@ class Schema(support.LimnTest):
         styles = glob.glob(f"{PROJECT}/resources/styles/*.json")
         self.assertGreaterEqual(len(styles), 24)
         for path in styles:
-            with open(path) as file:
-                style = json.load(file)
-            jsonschema.validate(style, SCHEMA)
+            jsonschema.validate(json.loads(support.content(path)), SCHEMA)
             # What limn writes of it keeps to the schema too, and has every setting that the schema knows.
             shown = json.loads(self.limn("style", "show", path, "--json").stdout)
             jsonschema.validate(shown, SCHEMA)
@@ -77,5 +74,4 @@ class Schema(support.LimnTest):
                     self.assertEqual(values[key], entry["default"], key)
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -103,5 +103,4 @@ class Sheet(support.LimnTest):
         self.limn("sheet", "in.ppm", "-o", "there.png", "--force", says="no channel for the relief of Evening Lamp;")
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -3,7 +3,7 @@
 import json
 import os
 import random
-import resource
+import shutil
 import struct
 import subprocess
 import sys
@@ -13,7 +13,7 @@ import unittest
 import zlib
 
 import support
-from support import LIMN
+from support import LIMN, content, png_chunk, put
 
 IS_DEEP = "deep" in sys.argv
 SHRINKS = 200 if IS_DEEP else 12
@@ -23,22 +23,15 @@ NOBODY = 65534
 STYLES = "data/limn/Lighting Styles"
 
 
-def put(path, *parts):
-    with open(path, "wb") as file:
-        file.write(b"".join(parts))
-
-
 def sparse(path, size, start=b""):
     put(path, start)
     os.truncate(path, size)
 
 
 def png(width, height, *before, interlaced=0):
-    def chunk(kind, body):
-        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
     head = struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, interlaced)
-    return b"".join([b"\x89PNG\r\n\x1a\n", chunk(b"IHDR", head), *(chunk(*one) for one in before),
-                     chunk(b"IDAT", zlib.compress(bytes(10**6))), chunk(b"IEND", b"")])
+    return support.PNG + b"".join(png_chunk(*one) for one in (
+        (b"IHDR", head), *before, (b"IDAT", zlib.compress(bytes(10**6))), (b"IEND", b"")))
 
 
 def gif(width, height):
@@ -63,7 +56,7 @@ def tiff(width, height, *tags):
 
 def bombs():
     text = zlib.compress(bytes(7 * 10**6), 9)
-    yield "far too large", "large.png", png(60000, 60000)
+    yield "no side", "large.png", png(60000, 60000)
     yield "pixels", "all.gif", gif(30000, 30000)
     yield "as no photograph is", "fits.gif", gif(14000, 14000)
     yield "pixels", "all.webp", webp(16383, 16383)
@@ -103,10 +96,9 @@ class Surroundings(support.LimnTest):
 
     def test_bombs(self):
         number = 0
-        for says, name, content in bombs():
+        for says, name, bomb in bombs():
             with self.subTest(name):
-                put(name, content)
-                says = {"far too large": "no side"}.get(says, says)
+                put(name, bomb)
                 told = self.measured("apply", name, "-o", "out.png", "-f", code=BAD_INPUT, says=says)
                 self.assertIn(name + ": ", told)
                 self.assertFalse(os.path.exists("out.png"))
@@ -116,19 +108,17 @@ class Surroundings(support.LimnTest):
             self.measured("apply", name, "-o", "out.png", code=BAD_INPUT, says="is longer than")
         support.write_pnm("s.ppm", support.smooth(160, 120))
         support.vips("copy", "s.ppm", "scans.jpg[interlace]")
-        with open("scans.jpg", "rb") as file:
-            content = file.read()[:-2]
-        put("scans.jpg", content, content[content.rindex(b"\xff\xda") :] * 500, b"\xff\xd9")
+        scans = content("scans.jpg")[:-2]
+        put("scans.jpg", scans + scans[scans.rindex(b"\xff\xda") :] * 500 + b"\xff\xd9")
         self.measured("apply", "scans.jpg", "-o", "out.png", code=BAD_INPUT, says="scans", cpu=2)
         for kind, options, mark in [("jpg", "[interlace]", b"\xff\xc2"), ("heic", "", b"ispe"), ("avif", "", b"ispe")]:
             for side in [14000, 30000]:
                 support.vips("copy", "s.ppm", "s." + kind + options)
-                with open("s." + kind, "rb") as file:
-                    content = bytearray(file.read())
-                at = content.index(mark) + (5 if kind == "jpg" else 8)
+                grown = bytearray(content("s." + kind))
+                at = grown.index(mark) + (5 if kind == "jpg" else 8)
                 sides = struct.pack(">HH" if kind == "jpg" else ">II", side, side)
-                content[at : at + len(sides)] = sides
-                put("grown." + kind, content)
+                grown[at : at + len(sides)] = sides
+                put("grown." + kind, grown)
                 self.measured("apply", "grown." + kind, "-o", "out.png", code=BAD_INPUT, says=f"{side}")
                 number += 1
         print(f"counted: bombs refused {number + 2}")
@@ -156,7 +146,7 @@ class Surroundings(support.LimnTest):
                      "../" * 2000, "\x01\x1b[2J", "\udcff\udcfe", "Default\n", "%2e%2e%2fsecret", "~/x", "$HOME"]:
             with self.subTest(name[:30]):
                 self.limn("style", "show", name, code=BAD_INPUT)
-        put("named.json", json.dumps({"name": "../../x\0", "description": "/etc/x", "lights": [{}]}).encode())
+        put("named.json", json.dumps({"name": "../../x\0", "description": "/etc/x", "lights": [{}]}))
         self.limn("style", "pack", "named.json", "-o", "packed")
         self.assertEqual(sorted(os.listdir("data")), ["limn", "secret"])
 
@@ -226,12 +216,6 @@ class Surroundings(support.LimnTest):
                                 timeout=120, env={**os.environ, "XDG_DATA_HOME": os.path.abspath("disk")})
         return answer.stdout.splitlines(), answer.stdout + answer.stderr
 
-    def test_limit_on_files(self):
-        support.write_pnm("in.ppm", support.pattern(200, 200, 3))
-        for kind in ["png", "jpg", "tif", "ppm"]:
-            self.limn("apply", "in.ppm", "-o", "out." + kind, code=CANNOT_WRITE, says=f"out.{kind}: file too large",
-                      preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000, 5000)))
-
     def test_full_and_read_only_disks(self):
         support.write_pnm("in.ppm", support.pattern(200, 200, 3))
         names = len(self.limn("styles").stdout.splitlines())
@@ -285,10 +269,8 @@ class Surroundings(support.LimnTest):
 
     def test_ten_thousand_styles(self):
         self.limn("styles")
-        with open(f"{STYLES}/Default", "rb") as file:
-            style = file.read()
         for i in range(10000):
-            put(f"{STYLES}/style {i:05}", style)
+            shutil.copy(f"{STYLES}/Default", f"{STYLES}/style {i:05}")
         for arguments in [["styles"], ["styles", "--json"], ["style", "check", "STYLE 07000"]]:
             told = self.measured(*arguments, code=0, cpu=1)
         self.assertGreater(len(self.measured("styles", code=0, cpu=1).splitlines()), 10000)
@@ -325,5 +307,4 @@ class Surroundings(support.LimnTest):
             grower.join()
 
 
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])

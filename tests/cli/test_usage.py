@@ -29,8 +29,8 @@ class Usage(support.LimnTest):
         for name in "in.ppm", "colour.ppm":
             os.symlink("../old.ppm", f"linked/{name}")
         self.limn("styles")  # the library is there from here on
-        with open("long.style", "wb") as file:
-            file.truncate(2**40)
+        support.put("long.style", "")
+        os.truncate("long.style", 2**40)
 
     def test_refusals(self):
         apply = ["apply", "in.ppm", "-o", "out.ppm"]
@@ -45,25 +45,16 @@ class Usage(support.LimnTest):
             ([*apply, "--skip-exsting"], USAGE, "did you mean --skip-existing?"),
             ([*apply, "--jobs", "0"], USAGE, "--jobs"),
             ([*apply, "--area", "1,2,3"], USAGE, "X,Y,WIDTH,HEIGHT"),
-            ([*apply, "--area", "1,2,3,4,5"], USAGE, "X,Y,WIDTH,HEIGHT"),
             ([*apply, "--area", "0,0,0,4"], USAGE, "is empty"),
             ([*apply, "--area", "-1,0,3,4"], USAGE, "X,Y,WIDTH,HEIGHT"),
             ([*apply, "--area", "10,0,3,4"], USAGE, "reaches outside its 12 × 8"),
             ([*apply, "--area", "0,0,32767,32767"], USAGE, "reaches outside"),
             ([*apply, "--set", "brightness=3"], USAGE, "did you mean ambientBrightness?"),
-            ([*apply, "--set", "glos=3"], USAGE, "did you mean gloss?"),
             ([*apply, "--set", "light.0.colr=red"], USAGE, "did you mean light.0.color?"),
             ([*apply, "--set", "intensity=3"], USAGE, "did you mean light.0.intensity?"),
             ([*apply, "--set", "light.0.colour=oranje"], USAGE, "did you mean orange?"),
-            ([*apply, "--set", "light.0.colour=9,8,255"], USAGE, "Write 9,8,255/255 or 9,8,255/65535"),
-            ([*apply, "--set", "light.0.type=7"], USAGE, "spot, omni or directional"),
-            ([*apply, "--set", "light.0.on=2"], USAGE, "true or false"),
-            ([*apply, "--set", "light.9.on=1"], USAGE, "there is only 1 light"),
-            ([*apply, "--set", "version=9"], USAGE, "no such setting"),
             ([*apply, "--set", "gloss=256"], USAGE, "256 is not between 0 and 255"),
-            ([*apply, "--set", "ambience=128"], USAGE, "128 is not between -127 and 127"),
             ([*apply, "--set", "gloss"], USAGE, "KEY=VALUE"),
-            ([*apply, "--set", "gloss=99999"], USAGE, "gloss"),
             ([*apply, "--style", "No Such Style"], BAD_INPUT, "No Such Style: "),
             ([*apply, "--style", "Candelight"], BAD_INPUT, "did you mean Candlelight?"),
             *(([*apply, option, ""], USAGE, "the value is empty")
@@ -148,11 +139,11 @@ class Usage(support.LimnTest):
             self.assertEqual((status.st_uid, status.st_gid, status.st_mode & 0o7777), (65534, 65533, 0o640))
 
     def test_writing_fails(self):
-        support.write_pnm("large.ppm", support.filled(300, 300, 7, 3))
+        support.write_pnm("large.ppm", support.pattern(300, 300, 3))
         limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (5000, 5000))
-        for output in ["out.ppm", "out.tif", "out.png[compression=0]"]:
+        for output in ["out.ppm", "out.tif", "out.png[compression=0]", "out.jpg[Q=100]"]:
             with self.subTest(output):
-                self.limn("apply", "large.ppm", "-o", output, code=CANNOT_WRITE, says="out.", preexec_fn=limit)
+                self.limn("apply", "large.ppm", "-o", output, code=CANNOT_WRITE, says=": file too large", preexec_fn=limit)
                 self.assertFalse(os.path.exists(output.split("[")[0]))
         self.limn("apply", "large.ppm", "-o", "old.ppm", "-f", code=CANNOT_WRITE, preexec_fn=limit)
         self.assertSame(support.read("old.ppm"), support.smooth(12, 8))
@@ -190,5 +181,4 @@ class Usage(support.LimnTest):
         self.assertEqual(answer.stdout.splitlines()[3:], ["4  small"])
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -83,5 +83,4 @@ class VipsOperation(support.LimnTest):
             self.assertSame(support.read("python.ppm"), support.read("limn.ppm"), f"rounding {rounding}")
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

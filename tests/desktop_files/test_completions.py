@@ -126,5 +126,4 @@ class Completions(LimnTest):
         self.assertIn("style", answer.stdout.split("\t")[1])
 
 
-if __name__ == "__main__":
-    unittest.main()
+unittest.main()

@@ -66,5 +66,4 @@ class Entries(LimnTest):
             self.assertTrue(any(wanted in entry["MimeType"].split(";") for _, entry in entries()), wanted)
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -60,5 +60,4 @@ class Manual(LimnTest):
         self.assertEqual(struct.unpack_from(">HH", content, 36 + 28 + light["on"]), (1, 2))  # on, an omni light
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()

@@ -101,5 +101,4 @@ class Docs(unittest.TestCase):
         self.assertLess(mean, NEAR)
 
 
-if __name__ == "__main__":
-    unittest.main()
+unittest.main()

@@ -31,33 +31,22 @@ class CommandFaults(support.LimnTest):
         support.write_png("colour.png", support.pattern(90, 70, 3))
         support.vips("copy", "colour.png", "in.jpg")
         os.rename("colour.png", "in.png")
-        with open("in.json", "w") as file:
-            file.write('{"lights": [{"type": "omni", "radius": 40}], "gloss": 44}')
+        support.put("in.json", '{"lights": [{"type": "omni", "radius": 40}], "gloss": 44}')
         self.limn("styles")
         self.plan = os.path.join(self.folder, "plan")
 
     def run_with(self, words, kind, fail_at):
         """Exit code, standard error, what was written, number of operations, whether one failed."""
         for name in ["out.png", "out.style"]:
-            with open(name, "wb") as file:
-                file.write(b"old")
+            support.put(name, "old")
         if os.path.exists("new.tif"):
             os.remove("new.tif")
-        with open(self.plan, "wb") as file:
-            file.write(struct.pack(PLAN, kind, fail_at, 0, 0, 1, 0, os.fsencode(self.folder)))
+        support.put(self.plan, struct.pack(PLAN, kind, fail_at, 0, 0, 1, 0, os.fsencode(self.folder)))
         answer = subprocess.run([support.LIMN, *words], capture_output=True, timeout=60,
                                 env={**os.environ, "LD_PRELOAD": os.environ["FAULT_SHIM"], "FAULT_PLAN": self.plan})
-        with open(self.plan, "rb") as file:
-            _, _, count, failed, _, _, _ = struct.unpack(PLAN, file.read())
-        return answer, self.written(), count, failed
-
-    def written(self):
-        files = {}
-        for name in ["out.png", "out.style", "new.tif"]:
-            if os.path.exists(name):
-                with open(name, "rb") as file:
-                    files[name] = file.read()
-        return files
+        _, _, count, failed, _, _, _ = struct.unpack(PLAN, support.content(self.plan))
+        written = {name: support.content(name) for name in ["out.png", "out.style", "new.tif"] if os.path.exists(name)}
+        return answer, written, count, failed
 
     def check(self, note, kind, words, answer, before, after, written):
         note = f"{note}: exit {answer.returncode}, {answer.stderr.decode(errors='replace')}"
@@ -98,6 +87,4 @@ class CommandFaults(support.LimnTest):
         self.limn("styles")
 
 
-if __name__ == "__main__":
-    sys.argv = [word for word in sys.argv if word != "deep"]
-    support.main()
+support.main(argv=sys.argv[:1])

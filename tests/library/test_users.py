@@ -82,5 +82,4 @@ class Users(LimnTest):
             self.assertSame(Picture(80, 60, bands, pixels), support.read("limn.png"), f"{bands} {options}")
 
 
-if __name__ == "__main__":
-    unittest.main()
+unittest.main()

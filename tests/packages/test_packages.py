@@ -103,5 +103,4 @@ class Packages(unittest.TestCase):
         return ["/root/" + os.path.basename(path) for name in names for path in glob.glob(f"{PACKAGES}/{name}_*.deb")]
 
 
-if __name__ == "__main__":
-    support.main()
+support.main()
