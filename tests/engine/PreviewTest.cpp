@@ -179,17 +179,3 @@ TEST(Preview, SelectionIsReducedBesideThePicture) {
     ExpectSamePicture(run.ReferencePreview(), run.RenderPreview(), globals.previewWidth);
   }
 }
-
-TEST(Preview, ShortMemoryLeavesNothingBehind) {
-  const Scene scene = PreviewScene(2);
-  EngineRun run(scene);
-  const uint64_t blocks = TB_BlocksInUse();
-  for (uint64_t missing = 1; missing <= 4; ++missing) {
-    FailAllocationAfter(missing);
-    EXPECT_FALSE(run.CollectPreview(64)) << missing;
-    FailAllocationAfter(0);
-    EXPECT_EQ(TB_BlocksInUse(), blocks) << missing;
-  }
-  ASSERT_TRUE(run.CollectPreview(64));
-  ExpectSamePicture(run.ReferencePreview(), run.RenderPreview(), run.globals->previewWidth);
-}

@@ -4,7 +4,6 @@
 #include "RenderRun.h"
 
 #include <gtest/gtest.h>
-#include <thread>
 
 namespace {
 
@@ -48,23 +47,6 @@ TEST(Render, PiecesOfAnySizeGiveTheWhole) {
       }
     }
   }
-}
-
-TEST(Render, ThreadsShareAJob) {
-  const Scene scene = SizedScene(40, 300, 64, true);
-  EngineRun walk(scene);
-  const std::vector<uint8_t> expected = walk.RenderTiles();
-  RenderRun run(scene, *walk.Convert(0), {LM_BestKernels(), 3, 1, false});
-  std::vector<std::thread> threads;
-  threads.reserve(4);
-  for (int part = 0; part < 4; ++part)
-    threads.emplace_back([&run, part] {
-      for (int y = part * 4; y < 64; y += 16)
-        run.Light({y, 0, y + 4, 300});
-    });
-  for (std::thread& thread : threads)
-    thread.join();
-  ExpectSamePicture(expected, run.Picture(), scene.width);
 }
 
 TEST(Render, RefusesWhatTheViewsDoNotHold) {
