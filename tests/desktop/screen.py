@@ -8,10 +8,10 @@ import subprocess
 import tempfile
 import time
 
-SETTLED = 0.12  # a picture that stays the same for so many seconds is taken to be finished
+SETTLED = 0.12  # a picture that stays the same for so many seconds, while its program waits, is taken to be finished
 
 
-def wait_for(what, condition, seconds=20):
+def wait_for(what, condition, seconds=100):
     deadline = time.monotonic() + seconds
     while not (answer := condition()):
         if time.monotonic() > deadline:
@@ -21,6 +21,8 @@ def wait_for(what, condition, seconds=20):
 
 
 class Screen:
+    client = None  # the process that is watched
+
     def __init__(self):
         self.folder = tempfile.mkdtemp(prefix="screen-")
         read, write = os.pipe()
@@ -44,7 +46,14 @@ class Screen:
 
     def xdotool(self, *words):
         return subprocess.run(["xdotool", *map(str, words)], env=self.environment(), capture_output=True, text=True,
-                              timeout=20)
+                              timeout=100)
+
+    def is_client_at_work(self):
+        try:
+            with open(f"/proc/{self.client}/stat", encoding="utf-8") as file:
+                return file.read().rsplit(")", 1)[1].split()[0] in "RD"
+        except FileNotFoundError:  # none, or at its end
+            return False
 
     def pixels(self):
         """The bytes of the whole screen."""
@@ -54,11 +63,11 @@ class Screen:
     def settle(self):
         """The screen once it has stopped changing."""
         last, since = self.pixels(), time.monotonic()
-        deadline = since + 20
+        deadline = since + 100
         while time.monotonic() - since < SETTLED:
             time.sleep(0.03)
             now = self.pixels()
-            if now != last:
+            if now != last or self.is_client_at_work():
                 last, since = now, time.monotonic()
             if since > deadline:
                 raise TimeoutError("the screen never rests")

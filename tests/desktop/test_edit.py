@@ -8,6 +8,7 @@ import tempfile
 import unittest
 
 from screen import Screen, wait_for
+from support import content, put
 
 LIMN = os.environ["LIMN"]
 PROJECT = os.environ["PROJECT"]
@@ -49,9 +50,7 @@ class Edit(unittest.TestCase):
     def start(self, *command):
         self.process = subprocess.Popen(list(command), env=self.screen.environment(), stdout=subprocess.PIPE,
                                         stderr=subprocess.PIPE, text=True)
-        self.open_dialog()
-
-    def open_dialog(self):
+        self.screen.client = self.process.pid
         self.origin = self.screen.window("Lighting")
 
     def end(self, code, says=""):
@@ -110,8 +109,7 @@ class Edit(unittest.TestCase):
         self.screen.settle()
 
     def test_lighting_by_hand(self):
-        with open(self.path("mask, half.pgm"), "wb") as mask:
-            mask.write(b"P5\n1800 1200\n255\n" + bytes(at * 255 // 1799 for at in range(1800)) * 1200)
+        put(self.path("mask, half.pgm"), b"P5\n1800 1200\n255\n" + bytes(at * 255 // 1799 for at in range(1800)) * 1200)
         around = ["--channel", HEIGHTS, "--mask", self.path("mask, half.pgm"), "--area", "100,50,1500,1100"]
         self.start(LIMN, "edit", PHOTOGRAPH, *around, "--print-command", "-o", self.path("lit.png"))
         first = self.style("Default")["lights"][0]
@@ -169,8 +167,7 @@ class Edit(unittest.TestCase):
         self.end(4, "the lights are those of: limn apply ")
 
     def assertSameFiles(self, one, other):
-        with open(self.path(one), "rb") as first, open(self.path(other), "rb") as second:
-            self.assertTrue(first.read() == second.read(), f"{one} and {other} differ")
+        self.assertTrue(content(self.path(one)) == content(self.path(other)), f"{one} and {other} differ")
 
     def gloss_knob(self):
         """The indicator's place, which stands for the default style's gloss."""
@@ -196,12 +193,10 @@ class Edit(unittest.TestCase):
             self.start(f"{PROJECT}/contrib/photo-managers/limn-in-place", self.path("photo.jpg"))
             self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", key)
             self.end(0)
-            with open(self.path("photo.jpg"), "rb") as photo, open(expected, "rb") as wanted:
-                self.assertTrue(photo.read() == wanted.read(), key)
+            self.assertTrue(content(self.path("photo.jpg")) == content(expected), key)
 
     def test_a_long_run_can_be_cancelled(self):
-        with open(self.path("large.ppm"), "wb") as large:
-            large.write(b"P6\n6000 4000\n255\n" + bytes(range(240)) * (6000 * 4000 * 3 // 240))
+        put(self.path("large.ppm"), b"P6\n6000 4000\n255\n" + bytes(range(240)) * (6000 * 4000 * 3 // 240))
         self.start(LIMN, "edit", self.path("large.ppm"), "-o", self.path("lit.ppm"))
         self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", "Return")
         # Without a window manager keys go to the window under the mouse.
@@ -218,5 +213,4 @@ class Edit(unittest.TestCase):
         self.assertEqual((answer.returncode, answer.stderr), (6, "limn: there is no display to show the dialog on\n"))
 
 
-if __name__ == "__main__":
-    unittest.main()
+unittest.main()
