@@ -129,8 +129,10 @@ void LM_OpenStyleMenu(LM_style_menu& menu) {
   } else {
     const MenuHandle styles = LM_PopupMenu(menu.dialog, LM_STYLE_ITEM);
     const int16_t kept = menu.globals->StyleIndex();
-    const bool isThere = styles != nullptr && kept >= 0 && kept <= CountMenuItems(styles);
-    NoteLoaded(menu, isThere ? kept : int16_t{0});
+    if (styles == nullptr || kept < 0 || kept > CountMenuItems(styles))
+      menu.globals->SetStyleIndex(0);
+    // Another style may stand at the kept place by now, so that the first choice always loads.
+    menu.loadedPlace = 0;
   }
   Choose(menu, menu.globals->StyleIndex());
   EnableDeleteForChoice(menu);

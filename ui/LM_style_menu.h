@@ -11,7 +11,7 @@ struct LM_style_menu {
   FilterRecord* record;
   Str255 defaultName;  // a style of this name comes first and cannot be deleted
   Str255 openingName;  // the style that the dialog opens with; empty when it keeps settings
-  int16_t loadedPlace; // of the style in the menu that was loaded or saved last; 0 for none
+  int16_t loadedPlace; // of the style in the menu that this dialog loaded or saved last, or 0
 };
 
 // What a flow came to.

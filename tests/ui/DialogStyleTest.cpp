@@ -361,7 +361,7 @@ TEST_F(DialogStyles, AFolderThatCannotBeMadeGivesAnEmptyMenuAndAnAlert) {
 }
 
 TEST_F(DialogStyles, SecondDialogKeepsTheChoiceAndForgetsOneThatIsGone) {
-  OnlyStyles({{"Default", 2}, {"mine", 3}});
+  OnlyStyles({{"Default", 2}, {"mine", 3}, {"other", 4}});
   ToolboxScript first;
   ChooseStyle(first, 1);
   first.KeyPress(kReturnKeyCode);
@@ -371,13 +371,22 @@ TEST_F(DialogStyles, SecondDialogKeepsTheChoiceAndForgetsOneThatIsGone) {
     EXPECT_EQ(PopupText(LM_STYLE_ITEM), "mine");
     EXPECT_EQ(Globals()->gloss, 3);
   });
+  ClickItem(second, LM_DELETE_STYLE_ITEM);
+  second.Wait(DIALOG_OPENS);
+  Confirm(second, LM_DELETE_DIALOG);
   second.KeyPress(kReturnKeyCode);
   ASSERT_EQ(Run(second), 0);
-  std::filesystem::remove(StylePath("mine"));
+  ToolboxScript third; // another style stands where the deleted one stood
+  third.Call([&] { EXPECT_EQ(Globals()->gloss, 2); });
+  ChooseStyle(third, 0);
+  third.Call([&] { EXPECT_EQ(Globals()->gloss, 4) << PopupText(LM_STYLE_ITEM); });
+  third.KeyPress(kReturnKeyCode);
+  ASSERT_EQ(Run(third), 0);
+  std::filesystem::remove(StylePath("other"));
   RunAndCancel([&](ToolboxScript& script) {
     script.Call([&] {
       EXPECT_EQ(Globals()->StyleIndex(), 0);
-      EXPECT_EQ(Globals()->gloss, 3);
+      EXPECT_EQ(Globals()->gloss, 4);
     });
   });
 }
