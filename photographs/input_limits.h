@@ -10,8 +10,9 @@ namespace limn {
 enum class Decoding { ByRows, Whole };
 
 // Before libvips looks at the file. Throws Failure(BadInput) for a file that would have to be read
-// whole and is longer than a photograph can be, for a PNG or TIFF whose texts and profiles
-// would fill the memory, and for a JPEG of so many segments or scans that it would take for ever.
+// whole and is longer than a photograph can be, for a PNG or TIFF whose texts and profiles would
+// fill the memory, and for a file that its decoder would take far longer over than its length and
+// its pixels call for: many segments, scans, tags or frames, or the same bytes again and again.
 void CheckContent(int descriptor, Decoding decoding, const std::string& path);
 
 // After its header is read: throws Failure(BadInput) when the image has more pixels than

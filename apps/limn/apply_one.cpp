@@ -78,6 +78,7 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   ProgressTeller teller{channel};
   try {
     OpenedPhotograph opened = OpenPhotograph(pair.input);
+    complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();
     CheckSurroundings(tools.surroundings, width, height, source);

@@ -72,7 +72,18 @@ def bombs():
     channels = ((277, 3, 1, 900), (259, 3, 1, 8))
     yield "900 channels", "channels.tif", tiff(4000, 4000, *channels)
     yield "as no photograph is", "fits.tif", tiff(4000, 1000, *channels)
-    yield "segments", "markers.jpg", b"\xff\xd8" + b"\xff\xed\0\2" * 200000 + b"\xff\xd9"
+    yield "segments", "markers.jpg", b"\xff\xd8" + b"\xff\xed\0\2" * 2500 + b"\xff\xd9"
+    yield "tags", "tags.tif", tiff(9, 9, *((1000 + i, 3, 1, 1) for i in range(4000)))
+    yield "tags", "pages.tif", b"II*\0\x08\0\0\0" + b"".join(
+        struct.pack("<H108xI", 9, 8 + 114 * i) for i in range(1, 20000)) + bytes(9)
+    yield "tiles", "wide.tif", tiff(30000, 1, (322, 4, 1, 16), (323, 4, 1, 16000), (324, 4, 1, 8), (325, 4, 1, 100))
+    yield "again", "strips.tif", tiff(9, 8000, (278, 4, 1, 1), (273, 4, 8000, 250), (279, 4, 8000, 250)) + \
+        struct.pack("<I", 30000) * 8000
+    frames = (b"ANMF" + struct.pack("<I", 16) + bytes(16)) * 20000
+    yield "chunks", "frames.webp", b"RIFF" + struct.pack("<I", 4 + len(frames)) + b"WEBP" + frames
+    items = b"".join(struct.pack(">I4sIHH4sB", 21, b"infe", 2 << 24, 1, 0, b"iovl", 0) for _ in range(2))
+    yield "over each other", "overlays.avif", b"\0\0\0\x10ftypavif\0\0\0\0" + struct.pack(
+        ">I4s", 8 + len(items), b"meta") + items
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
 
 
