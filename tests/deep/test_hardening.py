@@ -45,16 +45,13 @@ EXPORTS = {
 
 
 def exported(path):
-    """Without arguments and namespaces of versions; a class for its members."""
+    """Without arguments and namespaces of versions."""
     names = set()
     for line in tool('nm', '-DC', '--defined-only', path).splitlines():
         kind, name = line.split(' ', 2)[1:]
         if kind == 'A':  # the name of a version
             continue
-        name = re.sub(r'\[abi:\w+\]|\(.*|@.*', '', name)
-        owner = name.split('::')[0]
-        if owner not in CLASSES:
-            names.add(name)
+        names.add(re.sub(r'\[abi:\w+\]|\(.*|@.*', '', name))
     return names
 
 

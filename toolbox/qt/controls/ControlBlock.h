@@ -46,7 +46,8 @@ void DisposeControl(ControlHandle control);
 short GetControlMinimum(ControlHandle control);
 // Who is told of every change of a control's value; null for nobody.
 typedef void (*ControlListener)(ControlHandle control);
-void ListenToControls(ControlListener listener);
+// Returns the one before.
+ControlListener ListenToControls(ControlListener listener);
 
 // Sends a message to the control's definition with its window's port current.
 int32_t SendToControl(ControlHandle control, short message, intptr_t param);

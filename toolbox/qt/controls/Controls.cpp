@@ -63,8 +63,8 @@ void DrawControlPart(ControlHandle control, short part) {
   InvalidateHidden(**control);
 }
 
-void ListenToControls(ControlListener listener) {
-  Listener() = listener;
+ControlListener ListenToControls(ControlListener listener) {
+  return std::exchange(Listener(), listener);
 }
 
 ControlHandle NewControl(WindowPtr window, const Rect* bounds, ConstStr255Param title, short value,
