@@ -25,13 +25,32 @@ float GreatestMagnitude(const float (&table)[LM_SPREAD_ENTRIES]) {
   return std::bit_cast<float>(greatest);
 }
 
-// The largest product of colour and falloff; infinite when something is NaN or infinite.
+bool IsNumber(const LM_vector3f& vector) {
+  return !std::isnan(vector.x) && !std::isnan(vector.y) && !std::isnan(vector.z);
+}
+
+// Not where all its products are 0: black, or with NaN in what decides where it shines.
+bool GivesLight(const LM_light& light) {
+  if (light.color.component[0] == 0 && light.color.component[1] == 0 &&
+      light.color.component[2] == 0)
+    return false;
+  switch (light.type) {
+  case LM_LIGHT_OMNI:
+    return IsNumber(light.position);
+  case LM_LIGHT_DIRECTIONAL:
+    return IsNumber(light.direction);
+  default:
+    return IsNumber(light.position) && IsNumber(light.direction) && !std::isnan(light.cosCutoff);
+  }
+}
+
 float StrongestLight(const LM_light& light) {
   float strongest = 1.0F;
   if (light.type == LM_LIGHT_SPOT) {
+    if (!std::isfinite(light.spreadScale) || !std::isfinite(light.spreadMinCos))
+      return NAN;
     const float falloff = GreatestMagnitude(light.spreadTable);
-    if (!std::isfinite(light.spreadScale) || !std::isfinite(light.spreadMinCos) ||
-        !std::isfinite(falloff))
+    if (!std::isfinite(falloff))
       return INFINITY;
     strongest = std::max(strongest, falloff);
   }
@@ -86,7 +105,7 @@ void AddLights(LM_sorted_lights& sorted, const foo& params, LM_light_type type, 
                int& count) {
   for (int j = 0; j < LM_LightCount(&params); ++j) {
     const LM_light& light = params.lights[j];
-    if (light.type != type || (flat && !LM_IsAboveSurface(light)))
+    if (light.type != type || !GivesLight(light) || (flat && !LM_IsAboveSurface(light)))
       continue;
     const int k = sorted.kernel.Count();
     sorted.kernel.light[k] = KernelLight(light);
@@ -107,7 +126,7 @@ LM_sorted_lights LM_SortLights(const foo& params, bool flat) {
   return sorted;
 }
 
-bool LM_FitsVectors(const LM_kernel_light& light, bool directional, const LM_extent& extent) {
+bool LM_FitsVectors(LM_kernel_light& light, bool directional, const LM_extent& extent) {
   SquaredWay x = {light.x * light.x, light.x * light.x};
   SquaredWay y = {light.ySquare, light.ySquare};
   if (!directional) {
@@ -116,17 +135,15 @@ bool LM_FitsVectors(const LM_kernel_light& light, bool directional, const LM_ext
   }
   const float least = x.least + y.least + light.zSquare;
   const float most = x.most + y.most + light.zSquare;
-  if (!(least >= LEAST_SQUARE && most <= MOST_SQUARE))
-    return false;
   const double longest = std::max(1.0, std::sqrt(static_cast<double>(most)));
-  return static_cast<double>(light.strongest) * longest < MOST_PRODUCT;
+  light.strong = light.strong || !(static_cast<double>(light.strongest) * longest < MOST_PRODUCT);
+  return least >= LEAST_SQUARE && most <= MOST_SQUARE && !std::isnan(light.strongest);
 }
 
-bool LM_FitVectors(const LM_kernel_lights& lights, const LM_extent& extent) {
+bool LM_FitVectors(LM_kernel_lights& lights, const LM_extent& extent) {
   const int local = lights.omnis + lights.spots;
-  for (int k = 0; k < lights.Count(); ++k) {
-    if (!LM_FitsVectors(lights.light[k], k >= local, extent))
-      return false;
-  }
-  return true;
+  bool fit = true;
+  for (int k = 0; k < lights.Count(); ++k)
+    fit = LM_FitsVectors(lights.light[k], k >= local, extent) && fit;
+  return fit;
 }

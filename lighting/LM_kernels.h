@@ -15,6 +15,7 @@ constexpr int LM_KERNEL_SLACK = 64;
 struct LM_kernel_light {
   float color[LM_PLANES];
   bool gray;     // all planes alike
+  bool strong;   // its products may leave 32 bits, or be NaN
   float x, y, z; // omni and spot: the light's x, and the way to it; directional: the direction
   float ySquare, zSquare;
   float inverse;      // directional: of the direction's length
@@ -22,8 +23,10 @@ struct LM_kernel_light {
   float axisY, axisZ; // spot: the axis' y and z, times this light's y and z
   float cosCutoff, spreadMinCos, spreadScale;
   const float* spreadTable;
-  double zWide;    // z
-  float strongest; // the largest product of colour and falloff; infinite when one is NaN
+  double zWide; // z
+  // The largest product of colour and falloff: infinite when a falloff is NaN, NaN when the table
+  // cannot be looked up on vectors.
+  float strongest;
 };
 
 // The lights of a job or of one of its rows: omnis, then spots, then directional ones.

@@ -81,8 +81,18 @@ HWY_INLINE void StorePlanes(const PlaneInts& values, const LM_kernel_planes& pla
   hn::StoreU(hn::DemoteTo(bytes, values.p2), bytes, planes.plane[2] + i);
 }
 
+HWY_INLINE Ints StrongPart(const LM_kernel_light& light, int plane, Floats factor) {
+  return TruncateAny(hn::Mul(SetFloat(light.color[plane]), factor));
+}
+
 // Adds colour times `factor`, each product truncated. Most lights are white: one product does then.
 HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats factor) {
+  if (HWY_UNLIKELY(light.strong)) {
+    sums = {hn::Add(sums.p0, StrongPart(light, 0, factor)),
+            hn::Add(sums.p1, StrongPart(light, 1, factor)),
+            hn::Add(sums.p2, StrongPart(light, 2, factor))};
+    return;
+  }
   const Ints part = Truncate(hn::Mul(SetFloat(light.color[0]), factor));
   const bool gray = light.gray;
   sums.p0 = hn::Add(sums.p0, part);

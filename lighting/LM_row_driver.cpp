@@ -76,20 +76,20 @@ LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store
                                                                  piece.columns[piece.Pixels() - 1],
                                                                  _grid.Y(piece.rect.top),
                                                                  _grid.Y(piece.rect.bottom - 1)},
-      _row(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()), _allFit(false),
-      _y(piece.rect.top) {
+      _lights(), _row(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
+      _allFit(false), _y(piece.rect.top) {
   if (!_onVectors)
     return;
-  _row = FirstRow(piece);
-  _allFit = LM_FitVectors(_row, _extent);
+  _lights = FirstRow(piece);
+  _allFit = LM_FitVectors(_lights, _extent);
+  _row = _lights;
 }
 
 bool LM_row_driver::_PutLightsIntoRow(float place) {
-  if (!_allFit && !LM_FitVectors(_row, {_extent.left, _extent.right, place, place}))
+  if (!_allFit && !LM_FitVectors(_lights, {_extent.left, _extent.right, place, place}))
     return false;
-  const LM_kernel_light* const lights = _piece.lights->kernel.light;
   for (int k = 0; k < _row.omnis + _row.spots; ++k)
-    LM_MoveToRow(lights[k], place, _row.light[k]);
+    LM_MoveToRow(_lights.light[k], place, _row.light[k]);
   return true;
 }
 

@@ -66,10 +66,11 @@ private:
   LM_sample_grid _grid;
   LM_height_rows _heights;
   LM_vector_sums _sums;
-  LM_extent _extent;     // of the piece's samples
-  LM_kernel_lights _row; // the lights as a row sees them
-  bool _onVectors;       // rows whose lights allow it go through the planes
-  bool _allFit;          // every row allows it
+  LM_extent _extent;        // of the piece's samples
+  LM_kernel_lights _lights; // in no row yet
+  LM_kernel_lights _row;    // as a row sees them
+  bool _onVectors;          // rows whose lights allow it go through the planes
+  bool _allFit;             // every row allows it
   int32_t _y;
 };
 

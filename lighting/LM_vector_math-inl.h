@@ -48,6 +48,18 @@ HWY_INLINE Ints Truncate(Floats value) {
 #endif
 }
 
+// Truncates any value: one beyond 32 bits gives the nearest integer, NaN gives 0.
+HWY_INLINE Ints TruncateAny(Floats value) {
+  const FloatTag tag;
+  const Floats ceiling = SetFloat(2147483648.0F);
+  const Mask inside = hn::And(hn::Ge(value, hn::Neg(ceiling)), hn::Lt(value, ceiling));
+  const Ints beyond =
+      hn::IfThenElseZero(RebindMask(IntTag(), hn::Ge(value, ceiling)), SetInt(INT32_MAX));
+  const Ints below =
+      hn::IfThenElseZero(RebindMask(IntTag(), hn::Lt(value, hn::Neg(ceiling))), SetInt(INT32_MIN));
+  return hn::Or(Truncate(hn::IfThenElseZero(inside, value)), hn::Or(beyond, below));
+}
+
 // Two halves of a vector, in double.
 struct DoublePair {
   Doubles low, high;

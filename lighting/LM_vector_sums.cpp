@@ -26,14 +26,14 @@ bool LM_vector_sums::_FindCold(const LM_extent& extent, ColdLights& cold) const 
     const LM_light& light = _params->lights[_sorted.source[k]];
     if (IsHot(light))
       continue;
-    if (!LM_FitsVectors(lights.light[k], k >= local, extent))
+    LM_kernel_light& own = cold.lights.light[cold.lights.Count()];
+    own = lights.light[k];
+    if (!LM_FitsVectors(own, k >= local, extent))
       return false;
-    const int count = cold.lights.Count();
-    cold.lights.light[count] = lights.light[k];
     if (k < local)
-      LM_MoveToRow(lights.light[k], extent.top, cold.lights.light[count]);
+      LM_MoveToRow(own, extent.top, own);
     if (IsKept(light))
-      cold.parts[count] = {light.diffuseCache, light.specularCache};
+      cold.parts[cold.lights.Count()] = {light.diffuseCache, light.specularCache};
     ++(k >= local          ? cold.lights.directionals
        : k >= lights.omnis ? cold.lights.spots
                            : cold.lights.omnis);

@@ -36,6 +36,21 @@ void MakeLoud(foo& params, SceneRandom& random) {
   params.exposure = 32767;
 }
 
+// Lights whose products leave 32 bits, are infinite or NaN, and one that is nowhere.
+void MakeStrong(foo& params, SceneRandom& random) {
+  constexpr float ODD[] = {NAN, INFINITY, -INFINITY, 3e38F, -1e30F, 7e4F, -0.0F};
+  for (int i = 0; i < LM_LightCount(&params); ++i) {
+    LM_light& light = params.lights[i];
+    for (int32_t& component : light.color.component)
+      component = random.OneIn(3) ? 0 : static_cast<int32_t>(random.Next());
+    for (float& entry : light.spreadTable)
+      if (random.OneIn(2))
+        entry = ODD[random.Between(0, 6)];
+    light.position.z *= random.OneIn(2) ? 1e4F : 1.0F;
+  }
+  params.lights[LM_LightCount(&params) - 1].position.y = NAN;
+}
+
 // A row of samples with its sums, and caches for every second light.
 struct KeptSamples {
   KeptSamples(int n, bool flat, SceneRandom& random)
@@ -93,7 +108,7 @@ TEST(Kernels, LastPlacesOfLightEqualThePlainRows) {
     const Scene scene = SizedScene(200 + seed, 517, 24, seed % 2 == 1);
     EngineRun settings(scene);
     foo& params = *settings.Convert(0);
-    MakeLoud(params, random);
+    seed % 3 == 0 ? MakeStrong(params, random) : MakeLoud(params, random);
     RenderRun plain(scene, params, {nullptr, 3, 1, false});
     const LM_rect all = {0, 0, 24, 517};
     plain.Light(all);
@@ -167,7 +182,7 @@ TEST(Kernels, KeptSumsEqualThePlainOnes) {
     const Scene scene = SizedScene(300 + seed, 64, 64, true);
     EngineRun settings(scene);
     foo& params = *settings.Convert(seed % 2 == 0 ? 1 : 0);
-    MakeLoud(params, random);
+    seed % 4 == 1 ? MakeStrong(params, random) : MakeLoud(params, random);
     const KeptSamples samples(std::array{1, 7, 15, 16, 17, 33, 900}[seed % 7], seed % 3 == 0,
                               random);
     KeptSamples plain = samples;
