@@ -4,8 +4,6 @@
 #include "TemporaryFolder.h"
 
 #include <algorithm>
-#include <chrono>
-#include <ctime>
 
 namespace {
 
@@ -18,22 +16,6 @@ protected:
     StyleFolder::TearDown();
   }
 };
-
-TEST_F(StyleLibrary, BeginsWithTheBundledStylesAndTheDefaultOneFirst) {
-  Use();
-  const std::vector<LM_listed_style> styles = LM_ListStyles();
-  const std::vector<std::string> bundled = LM_BundledStyleNames();
-  ASSERT_EQ(styles.size(), bundled.size());
-  EXPECT_EQ(styles[0].name, "Default");
-  for (size_t i = 0; i < styles.size(); ++i) {
-    EXPECT_EQ(styles[i].name, bundled[i]);
-    EXPECT_TRUE(styles[i].loads && styles[i].why.empty()) << styles[i].name;
-  }
-  EXPECT_EQ(LM_StyleFolderPath(), Style("").parent_path().native());
-  LM_style style;
-  EXPECT_TRUE(LM_BundledStyle("default", style));
-  EXPECT_FALSE(LM_BundledStyle("no such style", style));
-}
 
 TEST_F(StyleLibrary, ADeletedStyleStaysDeletedAndOnlyNewOnesAreAdded) {
   Use();
@@ -84,30 +66,6 @@ TEST_F(StyleLibrary, WithoutAFolderEveryOperationFailsAndNothingIsWrittenElsewhe
   Use();
 }
 
-TEST_F(StyleLibrary, ListsWhatTheMenuListsAndTellsWhatWouldNotLoad) {
-  Use();
-  Write("broken", StyleBytes(1).substr(0, 40));
-  Write("foreign.txt", "no style");
-  Write("empty", "");
-  Write("zebra", StyleBytes(2));
-  Write(std::string(40, 'n'), StyleBytes(3));
-  Write(".hidden", StyleBytes(4));
-  std::filesystem::create_directory(Style("folder"));
-  std::vector<std::string> indexed;
-  Str255 name;
-  while (LM_style_istream::IndexedInfo(static_cast<int16_t>(indexed.size()), name) != 0)
-    indexed.push_back(TB_StdString(name));
-  EXPECT_EQ(LM_StyleNames(), indexed);
-  const std::vector<LM_listed_style> styles = LM_ListStyles();
-  ASSERT_EQ(styles.size(), indexed.size());
-  EXPECT_EQ(styles.size(), LM_BundledStyleNames().size() + 2);
-  EXPECT_EQ(styles[0].name, "Default");
-  for (const LM_listed_style& style : styles)
-    EXPECT_EQ(style.loads, style.name != "broken") << style.name;
-  EXPECT_EQ(styles.back().name, "zebra");
-  EXPECT_EQ(styles.back().style.gloss, 2);
-}
-
 TEST_F(StyleLibrary, NamesThatDifferByCaseAndMarksStandForOneStyle) {
   Use();
   Write("Zébra", StyleBytes(9));
@@ -133,25 +91,6 @@ TEST_F(StyleLibrary, NamesThatDifferByCaseAndMarksStandForOneStyle) {
   std::ofstream(folder / "limn" / "bundled-styles") << "Something Old\n";
   Use();
   EXPECT_FALSE(std::filesystem::exists(Style("Campfire")));
-}
-
-// Listing reads each file once: the work grows with the files, not with their square.
-TEST_F(StyleLibrary, ListingCostsTheSameForEachFile) {
-  Use();
-  const std::string bytes = StyleBytes(5);
-  double perFile[2] = {};
-  int written = 0;
-  for (const int count : {100, 1000}) {
-    for (; written < count; ++written)
-      Write("style " + std::to_string(written), bytes);
-    std::filesystem::last_write_time(Style(""), std::filesystem::file_time_type::clock::now() -
-                                                    std::chrono::seconds(5));
-    const std::clock_t before = std::clock();
-    const size_t listed = LM_ListStyles().size();
-    EXPECT_EQ(listed, static_cast<size_t>(count) + LM_BundledStyleNames().size());
-    perFile[count == 1000] = static_cast<double>(std::clock() - before) / listed;
-  }
-  EXPECT_LT(perFile[1], perFile[0] * 4) << "ten times the files";
 }
 
 TEST_F(StyleLibrary, NeverReplacesWhatIsNoStyleNorFollowsALinkNorLetsOthersRead) {
