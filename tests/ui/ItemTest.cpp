@@ -88,18 +88,6 @@ TEST_F(Item, ColourBoxesShowTheColourAndGreyTheirFrameWhenDisabled) {
   EXPECT_EQ(test.dialog->rgbFgColor.red, 0);
 }
 
-TEST_F(Item, TheWellIsEmptyOnlyWithSixteenLights) {
-  const Point well = test.Middle(LM_LIGHT_WELL_ITEM);
-  const auto shown = [&](uint16_t lights) {
-    test.globals->numLights = lights;
-    LM_DrawLightWell(test.dialog, LM_LIGHT_WELL_ITEM);
-    return PixelAt(well.h, well.v);
-  };
-  EXPECT_EQ(shown(1), RGB(255, 0, 0));
-  EXPECT_EQ(shown(16), RGB(0, 0, 255));
-  EXPECT_EQ(shown(15), RGB(255, 0, 0));
-}
-
 TEST_F(Item, SmallButtonsHaveAFrameAndALabelAndAreGreyWhenDisabled) {
   LM_DrawSmallButton(test.dialog, LM_SAVE_STYLE_ITEM);
   LM_DrawSmallButton(test.dialog, LM_DELETE_STYLE_ITEM);
