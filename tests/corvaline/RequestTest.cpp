@@ -7,6 +7,11 @@
 
 namespace {
 
+CVRect box(int top, int left, int bottom, int right) {
+  const auto side = [](int at) { return static_cast<std::int16_t>(at); };
+  return {side(top), side(left), side(bottom), side(right)};
+}
+
 struct WrongRequest {
   const char* name;
   std::function<void(FilterRecord&)> ask; // on top of a right request
@@ -19,57 +24,29 @@ const WrongRequest wrongRequests[] = {
     {"input left", [](auto& r) { r.inTileRect.left = -1; }, "outside the image of 20 x 10"},
     {"input below", [](auto& r) { r.inTileRect.bottom = 11; }, "outside the image"},
     {"input right", [](auto& r) { r.inTileRect.right = 21; }, "outside the image"},
-    {"inverted input",
-     [](auto& r) {
-       r.inTileRect = {5, 0, 4, 4};
-     },
-     "inverted input"},
-    {"inverted output",
-     [](auto& r) {
-       r.outTileRect = {0, 5, 4, 4};
-     },
-     "inverted output"},
+    {"inverted input", [](auto& r) { r.inTileRect = box(5, 0, 4, 4); }, "inverted input"},
+    {"inverted output", [](auto& r) { r.outTileRect = box(0, 5, 4, 4); }, "inverted output"},
     {"output outside, replicated",
-     [](auto& r) {
-       r.inEdgeMode = CV_EDGE_REPLICATE;
-       r.outTileRect.top = -1;
-     },
-     "output rectangle"},
+     [](auto& r) { r.inEdgeMode = CV_EDGE_REPLICATE, r.outTileRect.top = -1; }, "output rectangle"},
     {"output right", [](auto& r) { r.outTileRect.right = 21; }, "output rectangle"},
-    {"mask outside",
-     [](auto& r) {
-       r.maskTileRect = {0, 0, 11, 1};
-     },
-     "mask rectangle"},
-    {"inverted mask",
-     [](auto& r) {
-       r.maskTileRect = {0, 3, 1, 1};
-     },
-     "inverted mask"},
+    {"mask outside", [](auto& r) { r.maskTileRect = box(0, 0, 11, 1); }, "mask rectangle"},
+    {"inverted mask", [](auto& r) { r.maskTileRect = box(0, 3, 1, 1); }, "inverted mask"},
     {"first plane below 0", [](auto& r) { r.inFirstPlane = -1; }, "input planes -1 to 2"},
     {"planes inverted", [](auto& r) { r.inLastPlane = -1; }, "input planes 0 to -1"},
     {"plane of no mode", [](auto& r) { r.inLastPlane = 3; }, "planes 0 to 2 exist"},
     {"output plane of no mode", [](auto& r) { r.outLastPlane = 3; }, "output planes 0 to 3"},
     {"absolute plane too high",
-     [](auto& r) {
-       r.absolutePlanesWanted = 1;
-       r.inFirstPlane = r.inLastPlane = 4;
-     },
+     [](auto& r) { r.absolutePlanesWanted = 1, r.inFirstPlane = r.inLastPlane = 4; },
      "planes 0 to 3 exist"},
     {"unknown edge mode", [](auto& r) { r.inEdgeMode = 7; }, "edge mode 7"},
     {"step 0", [](auto& r) { r.inSampleStep = 0; }, "input sampling step"},
     {"step below 1", [](auto& r) { r.inSampleStep = CV_FIXED_ONE - 1; }, "65535/65536"},
     {"step negative", [](auto& r) { r.inSampleStep = INT32_MIN; }, "below 1"},
-    {"mask step 0",
-     [](auto& r) {
-       r.maskTileRect = {0, 0, 1, 1};
-       r.maskSampleStep = 0;
-     },
+    {"mask step 0", [](auto& r) { r.maskTileRect = box(0, 0, 1, 1), r.maskSampleStep = 0; },
      "mask sampling step"},
     {"gigabytes of margin",
      [](auto& r) {
-       r.inTileRect = {-32768, -32768, 32767, 32767};
-       r.inEdgeMode = CV_EDGE_REPLICATE;
+       r.inTileRect = box(-32768, -32768, 32767, 32767), r.inEdgeMode = CV_EDGE_REPLICATE;
      },
      "more than"},
 };

@@ -1,4 +1,5 @@
 // Which pixels figures cover at ratio 1, the modes' arithmetic, clipping and text.
+#include "Figures.h"
 #include "SampleDialog.h"
 
 #include "MacStrings.h"
@@ -16,15 +17,6 @@ struct Figure {
   std::function<void()> draw;
   Rows rows;
 };
-
-Rect Box(short left, short top, short right, short bottom) {
-  return {top, left, bottom, right};
-}
-
-void DrawLineFromTo(short h, short v, short toH, short toV) {
-  MoveTo(h, v);
-  LineTo(toH, toV);
-}
 
 const Rect SEVEN = {1, 1, 8, 8};
 
@@ -44,46 +36,22 @@ const Figure FIGURES[] = {
      [] { DrawLineFromTo(0, 0, 2, 5); },
      {"#..", "#..", ".#.", ".#.", "..#", "..#"}},
     {"lines that go on from each other invert their joints once",
-     [] {
-       PenMode(patXor);
-       MoveTo(0, 0);
-       LineTo(2, 0);
-       LineTo(2, 0);
-       LineTo(2, 2);
-     },
+     [] { PenMode(patXor), MoveTo(0, 0), LineTo(2, 0), LineTo(2, 0), LineTo(2, 2); },
      {"###", "..#", "..#"}},
     {"lines that merely touch invert the point twice",
-     [] {
-       PenMode(patXor);
-       DrawLineFromTo(0, 0, 2, 0);
-       DrawLineFromTo(2, 0, 2, 2);
-     },
+     [] { PenMode(patXor), DrawLineFromTo(0, 0, 2, 0), DrawLineFromTo(2, 0, 2, 2); },
      {"##.", "..#", "..#"}},
     {"a pen hangs right and down",
-     [] {
-       PenSize(3, 2);
-       DrawLineFromTo(1, 1, 2, 1);
-     },
+     [] { PenSize(3, 2), DrawLineFromTo(1, 1, 2, 1); },
      {"......", ".####.", ".####.", "......"}},
     {"a frame lies inside its rectangle",
-     [] {
-       const Rect box = Box(1, 1, 5, 4);
-       FrameRect(&box);
-     },
+     [] { On(FrameRect, Box(1, 1, 5, 4)); },
      {"......", ".####.", ".#..#.", ".####.", "......"}},
     {"a thick frame",
-     [] {
-       PenSize(2, 1);
-       const Rect box = Box(0, 0, 6, 4);
-       FrameRect(&box);
-     },
+     [] { PenSize(2, 1), On(FrameRect, Box(0, 0, 6, 4)); },
      {"######", "##..##", "##..##", "######"}},
     {"a frame thicker than its rectangle fills it",
-     [] {
-       PenSize(3, 3);
-       const Rect box = Box(1, 1, 5, 4);
-       FrameRect(&box);
-     },
+     [] { PenSize(3, 3), On(FrameRect, Box(1, 1, 5, 4)); },
      {"......", ".####.", ".####.", ".####.", "......"}},
     {"an oval frame of seven",
      [] { FrameOval(&SEVEN); },
@@ -95,34 +63,22 @@ const Figure FIGURES[] = {
       "...###...", "........."}},
     {"an empty or inverted rectangle draws nothing",
      [] {
-       const Rect empty = Box(2, 2, 2, 3);
-       const Rect inverted = Box(3, 3, 1, 1);
-       PaintRect(&empty);
-       FrameOval(&inverted);
-       FrameRect(&inverted);
+       On(PaintRect, Box(2, 2, 2, 3));
+       On(FrameOval, Box(3, 3, 1, 1));
+       On(FrameRect, Box(3, 3, 1, 1));
      },
      {"....", "....", "....", "...."}},
     {"clipping keeps to the rectangle",
-     [] {
-       const Rect clip = Box(1, 1, 3, 3);
-       ClipRect(&clip);
-       DrawLineFromTo(0, 0, 3, 3);
-     },
+     [] { On(ClipRect, Box(1, 1, 3, 3)), DrawLineFromTo(0, 0, 3, 3); },
      {"....", ".#..", "..#.", "...."}},
     {"lines far outside cost nothing and leave their part",
      [] {
-       DrawLineFromTo(-32768, -32768, 32767, 32767);
-       const Rect vast = Box(-32768, -32768, 32767, 32767);
-       FrameOval(&vast);
+       DrawLineFromTo(-32768, -32768, 32767, 32767),
+           On(FrameOval, Box(-32768, -32768, 32767, 32767));
      },
      {"#...", ".#..", "..#.", "...#"}},
     {"erasing takes the background colour",
-     [] {
-       const Rect all = Box(0, 0, 4, 3);
-       const Rect part = Box(1, 1, 3, 2);
-       PaintRect(&all);
-       EraseRect(&part);
-     },
+     [] { On(PaintRect, Box(0, 0, 4, 3)), On(EraseRect, Box(1, 1, 3, 2)); },
      {"####", "#..#", "####"}},
 };
 

@@ -1,4 +1,5 @@
 // Recording, and points in recorded regions against what the same figures draw.
+#include "Figures.h"
 #include "SampleDialog.h"
 
 #include <functional>
@@ -11,10 +12,6 @@ struct Figure {
   std::function<void()> frame;
   std::function<void()> fill; // the squares that belong to the region
 };
-
-Rect Box(short left, short top, short right, short bottom) {
-  return {top, left, bottom, right};
-}
 
 void FrameAll(const std::vector<Rect>& boxes) {
   for (const Rect& box : boxes)
@@ -29,8 +26,7 @@ void Polygon(std::vector<Point> corners) {
 
 void PaintRows(const std::vector<std::pair<short, short>>& rows, short top) {
   for (const auto& [left, right] : rows) {
-    const Rect row = Box(left, top, right, static_cast<short>(top + 1));
-    PaintRect(&row);
+    On(PaintRect, Box(left, top, right, static_cast<short>(top + 1)));
     ++top;
   }
 }
@@ -47,10 +43,7 @@ const Figure FIGURES[] = {
      [] {
        Polygon({{0, 0}, {0, 12}, {7, 12}, {7, 0}});
      },
-     [] {
-       const Rect box = Box(0, 0, 12, 7);
-       PaintRect(&box);
-     }},
+     [] { On(PaintRect, Box(0, 0, 12, 7)); }},
     {"triangle",
      [] {
        Polygon({{2, 10}, {8, 16}, {8, 4}});
@@ -62,12 +55,7 @@ const Figure FIGURES[] = {
      [] {
        FrameAll({Box(1, 1, 15, 12), Box(4, 4, 9, 9)});
      },
-     [] {
-       const Rect outer = Box(1, 1, 15, 12);
-       const Rect inner = Box(4, 4, 9, 9);
-       PaintRect(&outer);
-       EraseRect(&inner);
-     }},
+     [] { On(PaintRect, Box(1, 1, 15, 12)), On(EraseRect, Box(4, 4, 9, 9)); }},
     {"nothing", [] {}, [] {}},
 };
 

@@ -1,4 +1,5 @@
 // Exclusive-or figures drawn twice leave no changed pixel, whatever the ratio and the ground.
+#include "Figures.h"
 #include "SampleDialog.h"
 
 #include <QImage>
@@ -28,60 +29,18 @@ void DrawEllipse(double axisH, double axisV, double tilt) {
 }
 
 const Figure FIGURES[] = {
-    {"flat line",
-     [] {
-       MoveTo(3, 40);
-       LineTo(110, 61);
-     }},
-    {"steep line",
-     [] {
-       MoveTo(90, 3);
-       LineTo(61, 97);
-     }},
-    {"horizontal line",
-     [] {
-       MoveTo(5, 33);
-       LineTo(77, 33);
-     }},
-    {"thick line",
-     [] {
-       PenSize(4, 3);
-       MoveTo(10, 80);
-       LineTo(100, 12);
-     }},
-    {"oval",
-     [] {
-       const Rect box = {13, 21, 88, 107};
-       FrameOval(&box);
-     }},
-    {"oval beyond the port",
-     [] {
-       const Rect box = {-40, -30, 88, 207};
-       FrameOval(&box);
-     }},
-    {"small filled oval",
-     [] {
-       const Rect box = {41, 41, 48, 48};
-       PaintOval(&box);
-     }},
-    {"handle",
-     [] {
-       const Rect box = {41, 61, 46, 66};
-       PaintRect(&box);
-     }},
-    {"rounded rectangle",
-     [] {
-       PenSize(3, 3);
-       const Rect box = {11, 15, 60, 90};
-       FrameRoundRect(&box, 16, 16);
-     }},
+    {"flat line", [] { DrawLineFromTo(3, 40, 110, 61); }},
+    {"steep line", [] { DrawLineFromTo(90, 3, 61, 97); }},
+    {"horizontal line", [] { DrawLineFromTo(5, 33, 77, 33); }},
+    {"thick line", [] { PenSize(4, 3), DrawLineFromTo(10, 80, 100, 12); }},
+    {"oval", [] { On(FrameOval, Box(21, 13, 107, 88)); }},
+    {"oval beyond the port", [] { On(FrameOval, Box(-30, -40, 207, 88)); }},
+    {"small filled oval", [] { On(PaintOval, Box(41, 41, 48, 48)); }},
+    {"handle", [] { On(PaintRect, Box(61, 41, 66, 46)); }},
+    {"rounded rectangle", [] { PenSize(3, 3), On(FrameRoundRect, Box(15, 11, 90, 60), 16, 16); }},
     {"ellipse of forty sides", [] { DrawEllipse(45, 20, 0.4); }},
     {"flat ellipse", [] { DrawEllipse(50, 1, 1.1); }},
-    {"inverted rectangle",
-     [] {
-       const Rect box = {11, 15, 60, 90};
-       InvertRect(&box);
-     }},
+    {"inverted rectangle", [] { On(InvertRect, Box(15, 11, 90, 60)); }},
 };
 
 void PaintGround() {
