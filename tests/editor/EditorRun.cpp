@@ -66,25 +66,31 @@ void EditorRun::open(const QString& path) {
   QApplication::processEvents();
 }
 
-bool EditorRun::lightWithDialog() {
-  QTimer poll;
-  QObject::connect(&poll, &QTimer::timeout, [&poll] {
-    if (QWidget* dialog = QApplication::activeModalWidget()) {
-      poll.stop();
-      QTest::keyClick(dialog, Qt::Key_Return);
+// Acts on the modal window of that kind that opens next. owner: nothing happens any more without
+// it.
+template <class Window> static void WhenShown(QObject* owner, std::function<void(Window&)> act) {
+  auto* poll = new QTimer(owner);
+  QObject::connect(poll, &QTimer::timeout, poll, [poll, act] {
+    if (auto* shown = qobject_cast<Window*>(QApplication::activeModalWidget())) {
+      poll->stop();
+      act(*shown);
+      poll->deleteLater();
     }
   });
-  poll.start(50);
+  poll->start(5);
+}
+
+bool EditorRun::lightWithDialog() {
+  WhenShown<QWidget>(window.get(),
+                     [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); });
   return window->runFilter(CVDialog::Yes);
 }
 
 void EditorRun::answerNext(QMessageBox::StandardButton button) {
-  QTimer::singleShot(0, window.get(), [this, button] {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    ASSERT_NE(box, nullptr);
+  WhenShown<QMessageBox>(window.get(), [this, button](QMessageBox& box) {
     ++questions;
-    ASSERT_NE(box->button(button), nullptr);
-    box->button(button)->click();
+    ASSERT_NE(box.button(button), nullptr);
+    box.button(button)->click();
   });
 }
 

@@ -4,7 +4,6 @@
 #include "Input.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
@@ -58,8 +57,7 @@ QWidget* KeyTarget() {
 struct ToolboxScript::State {
   std::deque<std::function<void()>> steps;
   QTimer timer;
-  QElapsedTimer waiting;
-  int waitMilliseconds = 0;
+  int roundsToWait = 0;
   bool awaitsDialog = false;
   bool awaitsMenu = false;
   Qt::KeyboardModifiers modifiers;
@@ -72,9 +70,8 @@ struct ToolboxScript::State {
 };
 
 void ToolboxScript::State::RunStep() {
-  if (waitMilliseconds > 0 && waiting.elapsed() < waitMilliseconds)
+  if (roundsToWait > 0 && --roundsToWait > 0)
     return;
-  waitMilliseconds = 0;
   if ((awaitsDialog && QApplication::activeModalWidget() == nullptr) ||
       (awaitsMenu && QApplication::activePopupWidget() == nullptr))
     return;
@@ -212,12 +209,11 @@ ToolboxScript& ToolboxScript::AwaitMenu() {
   return Call([=] { state->awaitsMenu = true; });
 }
 
+// In rounds of the program's own loop: while it works on what it was given the time does not pass,
+// so that a slow machine has as much of it as a fast one.
 ToolboxScript& ToolboxScript::Wait(int milliseconds) {
   State* state = _state.get();
-  return Call([=] {
-    state->waiting.start();
-    state->waitMilliseconds = milliseconds;
-  });
+  return Call([=] { state->roundsToWait = milliseconds / STEP_MILLISECONDS + 1; });
 }
 
 ToolboxScript& ToolboxScript::Call(std::function<void()> action) {
