@@ -34,7 +34,7 @@ class Documentation(support.LimnTest):
         self.run_in_shell(f"desktop-file-validate '{ROOT}'/contrib/*/*.desktop && sh -n '{ROOT}'/contrib/*/limn-in-place")
 
     def run_in_shell(self, commands):
-        answer = subprocess.run(["sh", "-euc", commands], capture_output=True, text=True, timeout=200,
+        answer = subprocess.run(["sh", "-euc", commands], capture_output=True, text=True, timeout=1200,
                                 env={**os.environ, "HOME": self.folder})
         self.assertEqual(answer.returncode, 0, commands + answer.stderr)
         self.assertNotIn("stays as it is", answer.stderr, commands)

@@ -27,7 +27,7 @@ class Gegl(AdapterTest):
         """What gegl makes of an image file, and what it said."""
         answer = subprocess.run(
             ["gegl", "--", "gegl:png-load", f"path={image}", *operations, "gegl:png-save", "path=gegl.png", "bitdepth=8"],
-            check=True, capture_output=True, timeout=100, text=True,
+            check=True, capture_output=True, timeout=600, text=True,
             env={**os.environ, "GEGL_PATH": f"modules:{os.path.dirname(os.environ['LIMN_GEGL'])}"})
         return support.read("gegl.png"), answer.stderr
 

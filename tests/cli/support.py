@@ -140,7 +140,7 @@ class LimnTest(unittest.TestCase):
 
     def limn(self, *arguments, code=0, says="", env=None, **options):
         """Runs the command; fails unless it exits with `code` and says `says` on standard error."""
-        answer = subprocess.run([LIMN, *map(str, arguments)], capture_output=True, text=True, timeout=120,
+        answer = subprocess.run([LIMN, *map(str, arguments)], capture_output=True, text=True, timeout=600,
                                 env={**os.environ, **(env or {})}, **options)
         told = f"limn {arguments}: {answer.returncode}\n{answer.stdout}{answer.stderr}"
         self.assertEqual(answer.returncode, code, told)

@@ -216,7 +216,7 @@ class Batch(support.LimnTest):
         for name in "0.png", "1.png":
             support.put("out/" + name, "theirs")
         os.killpg(process.pid, signal.SIGCONT)
-        told, problems = process.communicate(timeout=60)
+        told, problems = process.communicate(timeout=600)
         self.assertEqual((process.returncode, problems), (0, ""))
         self.assertEqual([json.loads(line)["skipped"] for line in told.splitlines()], [True, True])
         self.assertEqual((content("out/0.png"), content("out/1.png")), (b"theirs", b"theirs"))

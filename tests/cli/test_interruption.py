@@ -12,7 +12,7 @@ CANCELLED = 1
 
 
 def wait_for(condition):
-    deadline = time.monotonic() + 30
+    deadline = time.monotonic() + 200
     while not condition():
         if time.monotonic() > deadline:
             raise TimeoutError

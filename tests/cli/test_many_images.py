@@ -84,7 +84,7 @@ class ManyImages(support.LimnTest):
             for _ in range(COUNT // 6):  # lines, of what is lit or was before
                 process.stdout.readline()
             process.send_signal(number)
-            process.communicate(timeout=30)
+            process.communicate(timeout=600)
         time.sleep(0.5)  # a killed command's workers find out
         for where, _, names in os.walk("lit"):
             for name in names:

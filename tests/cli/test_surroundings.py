@@ -224,7 +224,7 @@ class Surroundings(support.LimnTest):
         if subprocess.run(["unshare", "-m", "mount", "-t", "tmpfs", "none", "/mnt"], capture_output=True).returncode:
             self.skipTest("mounting is not permitted here")
         answer = subprocess.run(["unshare", "-m", "sh", "-c", script, "sh", LIMN], capture_output=True, text=True,
-                                timeout=120, env={**os.environ, "XDG_DATA_HOME": os.path.abspath("disk")})
+                                timeout=600, env={**os.environ, "XDG_DATA_HOME": os.path.abspath("disk")})
         return answer.stdout.splitlines(), answer.stdout + answer.stderr
 
     def test_full_and_read_only_disks(self):

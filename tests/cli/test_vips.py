@@ -47,7 +47,7 @@ class VipsOperation(support.LimnTest):
         support.write_pnm("plane.pgm", support.pattern(90, 70, 1, seed=5))
 
     def vips(self, *arguments, says=None):
-        answer = subprocess.run(["vips", *arguments], capture_output=True, text=True, env=self.env, timeout=60)
+        answer = subprocess.run(["vips", *arguments], capture_output=True, text=True, env=self.env, timeout=600)
         self.assertEqual(answer.returncode != 0, says is not None, answer.stderr)
         self.assertIn(says or "", answer.stderr)
 
@@ -79,7 +79,7 @@ class VipsOperation(support.LimnTest):
         self.limn("apply", "in.ppm", "-s", "Evening Lamp", "-o", "limn.ppm", "-q")
         upwards = {"x86_64": ["2048"], "aarch64": ["4194304"]}.get(platform.machine(), [])
         for rounding in [], upwards:
-            subprocess.run(["/usr/bin/python3", "-c", FROM_PYTHON, *rounding], check=True, env=self.env, timeout=60)
+            subprocess.run(["/usr/bin/python3", "-c", FROM_PYTHON, *rounding], check=True, env=self.env, timeout=600)
             self.assertSame(support.read("python.ppm"), support.read("limn.ppm"), f"rounding {rounding}")
 
 

@@ -46,7 +46,7 @@ class Screen:
 
     def xdotool(self, *words):
         return subprocess.run(["xdotool", *map(str, words)], env=self.environment(), capture_output=True, text=True,
-                              timeout=100)
+                              timeout=600)
 
     def is_client_at_work(self):
         try:

@@ -54,12 +54,12 @@ class Edit(unittest.TestCase):
         self.origin = self.screen.window("Lighting")
 
     def end(self, code, says=""):
-        told, problems = self.process.communicate(timeout=60)
+        told, problems = self.process.communicate(timeout=600)
         self.assertEqual((self.process.returncode, says in problems), (code, True), problems)
         return told
 
     def limn(self, *arguments):
-        answer = subprocess.run([LIMN, *arguments], capture_output=True, text=True, timeout=60)
+        answer = subprocess.run([LIMN, *arguments], capture_output=True, text=True, timeout=600)
         self.assertEqual(answer.returncode, 0, answer.stderr)
         return answer.stdout
 
@@ -146,7 +146,7 @@ class Edit(unittest.TestCase):
         self.limn("apply", PHOTOGRAPH, *around, "-s", STYLE, "-o", self.path("applied.png"), "-q")
         self.assertSameFiles("lit.png", "applied.png")
         os.rename(self.path("lit.png"), self.path("by hand.png"))
-        subprocess.run(["sh", "-c", command], check=True, capture_output=True, timeout=60,
+        subprocess.run(["sh", "-c", command], check=True, capture_output=True, timeout=600,
                        env={**os.environ, "PATH": f"{os.path.dirname(LIMN)}:{os.environ['PATH']}"})
         self.assertSameFiles("lit.png", "by hand.png")
 
@@ -159,7 +159,7 @@ class Edit(unittest.TestCase):
 
     def test_writing_that_fails(self):
         answer = subprocess.run([LIMN, "edit", PHOTOGRAPH, "-o", "/proc/lit.png"], capture_output=True, text=True,
-                                env=self.screen.environment(), timeout=60)
+                                env=self.screen.environment(), timeout=600)
         self.assertEqual(answer.returncode, 4, "before the dialog")
         self.start(LIMN, "edit", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("lit.png"))
         os.symlink("nowhere", self.path("lit.png"))
@@ -209,7 +209,7 @@ class Edit(unittest.TestCase):
         environment = {name: value for name, value in os.environ.items()
                        if name not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
         answer = subprocess.run([LIMN, "edit", PHOTOGRAPH, "-o", self.path("lit.png")], env=environment,
-                                capture_output=True, text=True, timeout=60)
+                                capture_output=True, text=True, timeout=600)
         self.assertEqual((answer.returncode, answer.stderr), (6, "limn: there is no display to show the dialog on\n"))
 
 

@@ -62,7 +62,7 @@ class Terminal:
             os.execvpe(words[0], words, environment)
         self.text = ""
 
-    def read_until(self, found, seconds=20):
+    def read_until(self, found, seconds=200):
         deadline = time.monotonic() + seconds
         while not (answer := found(self.text)):
             if time.monotonic() > deadline:

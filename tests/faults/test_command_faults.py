@@ -42,7 +42,7 @@ class CommandFaults(support.LimnTest):
         if os.path.exists("new.tif"):
             os.remove("new.tif")
         support.put(self.plan, struct.pack(PLAN, kind, fail_at, 0, 0, 1, 0, os.fsencode(self.folder)))
-        answer = subprocess.run([support.LIMN, *words], capture_output=True, timeout=60,
+        answer = subprocess.run([support.LIMN, *words], capture_output=True, timeout=600,
                                 env={**os.environ, "LD_PRELOAD": os.environ["FAULT_SHIM"], "FAULT_PLAN": self.plan})
         _, _, count, failed, _, _, _ = struct.unpack(PLAN, support.content(self.plan))
         written = {name: support.content(name) for name in ["out.png", "out.style", "new.tif"] if os.path.exists(name)}
