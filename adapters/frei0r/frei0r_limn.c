@@ -43,34 +43,32 @@ static char* CopyOf(const char* text) {
   return copy;
 }
 
-/* Hosts that pad their rows have a picture that is wider than what they show: a light's place goes
- * by the width, so the filter has to know the part. False when the text is none. */
-static int ReadArea(const char* text, limn_area* area) {
+/* Hosts that pad their rows have a frame that is wider than what they show. A light's place goes by
+ * the width, and relief goes on beyond the edge, so the picture has to be the part that is shown.
+ * False when the area is none, or not in the frame. */
+static int ReadPicture(const Filter* filter, limn_picture* picture) {
   char more;
-  return text[0] == '\0' || sscanf(text, "%9dx%9d%c", &area->width, &area->height, &more) == 2;
-}
-
-static limn_picture PictureOf(const Filter* filter) {
-  limn_picture picture;
-  memset(&picture, 0, sizeof picture);
+  memset(picture, 0, sizeof *picture);
   /* A size that is too large is refused when it is prepared. */
-  picture.width = filter->width <= INT32_MAX ? (int32_t)filter->width : INT32_MAX;
-  picture.height = filter->height <= INT32_MAX ? (int32_t)filter->height : INT32_MAX;
-  picture.channels = 4;
-  ReadArea(filter->area, &picture.area);
-  return picture;
+  picture->width = filter->width <= INT32_MAX ? (int32_t)filter->width : INT32_MAX;
+  picture->height = filter->height <= INT32_MAX ? (int32_t)filter->height : INT32_MAX;
+  picture->channels = 4;
+  if (filter->area[0] == '\0')
+    return 1;
+  picture->source_stride = picture->output_stride = (ptrdiff_t)filter->width * 4;
+  return sscanf(filter->area, "%9dx%9d%c", &picture->width, &picture->height, &more) == 2 &&
+         picture->width > 0 && (unsigned int)picture->width <= filter->width &&
+         picture->height > 0 && (unsigned int)picture->height <= filter->height;
 }
 
 static void Prepare(Filter* filter) {
-  limn_error error = {LIMN_BAD_ARGUMENT, "area: it is not WIDTHxHEIGHT"};
-  limn_area area;
+  limn_error error = {LIMN_BAD_ARGUMENT, "area: it is not WIDTHxHEIGHT within the frame"};
+  limn_picture picture;
   limn_settings* settings =
-      ReadArea(filter->area, &area) ? LoadStyle(filter->style, filter->slider, &error) : NULL;
+      ReadPicture(filter, &picture) ? LoadStyle(filter->style, filter->slider, &error) : NULL;
   filter->isPrepared = 1;
-  if (settings != NULL) {
-    const limn_picture picture = PictureOf(filter);
+  if (settings != NULL)
     filter->lighting = limn_prepare(settings, &picture, &error);
-  }
   limn_settings_free(settings);
   if (filter->lighting == NULL)
     Complain(filter, error.text);
@@ -180,17 +178,20 @@ void f0r_update(f0r_instance_t instance, double time, const uint32_t* inframe, u
   Filter* filter = instance;
   limn_error error;
   limn_picture picture;
+  int isPart;
   (void)time;
   if (filter == NULL || inframe == NULL || outframe == NULL)
     return;
   if (!filter->isPrepared)
     Prepare(filter);
-  picture = PictureOf(filter);
+  isPart = filter->area[0] != '\0';
+  ReadPicture(filter, &picture);
   picture.source = (const uint8_t*)inframe;
   picture.output = (uint8_t*)outframe;
-  if (filter->lighting != NULL && limn_run(filter->lighting, &picture, NULL, &error) == LIMN_OK)
+  if (filter->lighting == NULL || isPart)
+    memmove(outframe, inframe, (size_t)filter->width * filter->height * sizeof *inframe);
+  if (filter->lighting == NULL || limn_run(filter->lighting, &picture, NULL, &error) == LIMN_OK)
     return;
-  if (filter->lighting != NULL)
-    Complain(filter, error.text);
+  Complain(filter, error.text);
   memmove(outframe, inframe, (size_t)filter->width * filter->height * sizeof *inframe);
 }

@@ -1,6 +1,7 @@
 // Opening, saving, and what happens to changes that were not saved.
 #include "EditorRun.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QDropEvent>
 #include <QMimeData>

@@ -85,7 +85,7 @@ TEST(Input, AHeldButtonCostsNextToNothing) {
   const double processor = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
   const double seconds = static_cast<double>(elapsed.elapsed()) / 1000;
   EXPECT_GT(seconds, 1.0);
-  EXPECT_LT(processor / seconds, 0.1);
+  EXPECT_LT(processor / seconds, 0.5);
   EXPECT_LT(drag.rounds, 200);
 }
 
