@@ -125,8 +125,8 @@ TEST_F(DialogRun, ADragOfASliderTellsItsSteps) {
   const auto middle = static_cast<int16_t>((start + box.right) / 2);
   RunAndCancel([&](ToolboxScript& script) {
     script.Call([] {
-      before = ListenToControls(
-          [](ControlHandle control) { told.push_back(GetControlValue(control)); });
+      before =
+          ListenToControls([](ControlHandle control) { told.push_back(GetControlValue(control)); });
     });
     script.Press(start, row).Wait(ANSWERED).MoveTo(middle, row).Wait(ANSWERED);
     script.Release(box.right, row).Wait(ANSWERED).Call([] {
