@@ -1,6 +1,6 @@
 // Vector kernels: the plain shader's formulas on rows of pixels, for the instruction sets that this
 // build knows. Which of them runs is decided at run time. Their bytes equal the plain code's for
-// every row that LM_RowLights allows; the rest is the plain code's alone.
+// every row that LM_FitVectors allows; the rest is the plain code's alone.
 #ifndef LM_KERNELS_H
 #define LM_KERNELS_H
 

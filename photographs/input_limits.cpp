@@ -86,12 +86,12 @@ public:
       _Read(place);
     return place < _start + _length ? _bytes[place - _start] : -1;
   }
-  // The first place from `place` on that holds `value`; -1 when none does.
-  int64_t Find(uint8_t value, int64_t place) {
-    for (; At(place) >= 0; place = _start + _length) {
+  // The first place from `place` on, and before `end`, that holds `value`; -1 when none does.
+  int64_t Find(uint8_t value, int64_t place, int64_t end = INT64_MAX) {
+    for (; place < end && At(place) >= 0; place = _start + _length) {
       const uint8_t* const from = _bytes + (place - _start);
       const void* const found =
-          std::memchr(from, value, static_cast<size_t>(_start + _length - place));
+          std::memchr(from, value, static_cast<size_t>(std::min(end, _start + _length) - place));
       if (found != nullptr)
         return place + (static_cast<const uint8_t*>(found) - from);
     }
@@ -197,6 +197,7 @@ void CheckTiffValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint
                      const std::string& path) {
   constexpr uint64_t MOST_VALUES = 32 << 20; // of whatever size, in one tag
   uint64_t width = 0, height = 0, tileWidth = 0, tileHeight = 0, numBytes = 0;
+  bool isCounted = false; // the decoder takes the first of such tags alone
   for (uint64_t i = 0; i < numTags; ++i) {
     const TiffTag tag = TagAt(numbers, tags + (numbers.IsLong() ? 20 : 12) * i);
     const auto value = [&] {
@@ -208,10 +209,12 @@ void CheckTiffValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint
       continue;
     case 279: // and how many bytes they take
     case 325:
-      for (uint64_t k = 0; k < tag.count && tag.size > 0 && tag.place + k * tag.size < fileLength &&
-                           numBytes / MOST_REPEATS <= fileLength;
+      for (uint64_t k = 0;
+           !isCounted && k < tag.count && tag.size > 0 && tag.place + k * tag.size < fileLength &&
+           numBytes / MOST_REPEATS <= fileLength;
            ++k)
         numBytes += std::min(numbers.At(tag.place + k * tag.size, tag.size), fileLength);
+      isCounted = true;
       continue;
     case 256:
       width = value();
@@ -251,11 +254,12 @@ void CheckTiff(int descriptor, uint64_t fileLength, const std::string& path) {
     const uint64_t numTags = numbers.At(page, head);
     if (numTags == 0 || numTags > MOST_DECODED)
       return;
-    if (allTags == 0)
-      CheckTiffValues(numbers, page + head, numTags, fileLength, path);
+    const bool isFirst = allTags == 0;
     allTags += numTags;
     if (numTags > MOST_TAGS_A_PAGE || allTags > MOST_TAGS)
       throw Failure(ExitCode::BadInput, path + ": holds more tags than a photograph does");
+    if (isFirst)
+      CheckTiffValues(numbers, page + head, numTags, fileLength, path);
     page = numbers.At(page + head + (numbers.IsLong() ? 20 : 12) * numTags, width);
   }
 }
@@ -288,8 +292,8 @@ void CheckHeifItems(int descriptor, const std::string& path) {
                            bytes.At(at + 2) << 8 | bytes.At(at + 3);
     const int64_t end = at + length;
     if (isType("meta", at + 4))
-      for (int64_t item = bytes.Find('i', at); item >= 0 && item < end;
-           item = bytes.Find('i', item + 1))
+      for (int64_t item = bytes.Find('i', at, end); item >= 0;
+           item = bytes.Find('i', item + 1, end))
         if (isType("infe", item) && (isType("iovl", item + 12) || isType("iovl", item + 14)))
           throw Failure(ExitCode::BadInput,
                         path + ": lays images over each other, which is not read");

@@ -21,7 +21,7 @@ MOMENTS = 200 if IS_DEEP else 12
 MEMORY_SIZES = 50 if IS_DEEP else 6
 CANCELLED = 1
 # A stopped batch does not finish what is left; how soon it ends is counted, since machines that run tests are shared.
-STOP_SECONDS_AT_WORST = 10
+STOP_SECONDS_AT_WORST = 60
 WAIT = 300
 
 

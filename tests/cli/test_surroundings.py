@@ -19,6 +19,7 @@ IS_DEEP = "deep" in sys.argv
 SHRINKS = 200 if IS_DEEP else 12
 BAD_INPUT, CANNOT_WRITE = 3, 4
 MOST_RESIDENT = 200 * 1024  # kB
+MOST_SECONDS = 30  # of a processor, however slow: what is refused late takes minutes
 NOBODY = 65534
 STYLES = "data/limn/Lighting Styles"
 
@@ -84,11 +85,12 @@ def bombs():
     items = b"".join(struct.pack(">I4sIHH4sB", 21, b"infe", 2 << 24, 1, 0, b"iovl", 0) for _ in range(2))
     yield "over each other", "overlays.avif", b"\0\0\0\x10ftypavif\0\0\0\0" + struct.pack(
         ">I4s", 8 + len(items), b"meta") + items
+    yield "", "boxes.avif", b"\0\0\0\x10ftypavif\0\0\0\0" + b"\0\0\0\x08meta" * 400000
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
 
 
 class Surroundings(support.LimnTest):
-    def measured(self, *arguments, code, says="", cpu=20):
+    def measured(self, *arguments, code, says=""):
         """Runs the command; fails unless it is quick, small and refuses, or does what `code` says."""
         process = subprocess.Popen([LIMN, *map(str, arguments)], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                    text=True)
@@ -101,7 +103,7 @@ class Surroundings(support.LimnTest):
         self.assertIn(says, told, note)
         if not support.IS_SANITIZED:
             self.assertLess(usage.ru_maxrss, MOST_RESIDENT, note)
-            self.assertLess(usage.ru_utime + usage.ru_stime, cpu, note)
+            self.assertLess(usage.ru_utime + usage.ru_stime, MOST_SECONDS, note)
         self.assertNoTemporaries()
         return told
 
@@ -121,7 +123,7 @@ class Surroundings(support.LimnTest):
         support.vips("copy", "s.ppm", "scans.jpg[interlace]")
         scans = content("scans.jpg")[:-2]
         put("scans.jpg", scans + scans[scans.rindex(b"\xff\xda") :] * 500 + b"\xff\xd9")
-        self.measured("apply", "scans.jpg", "-o", "out.png", code=BAD_INPUT, says="scans", cpu=2)
+        self.measured("apply", "scans.jpg", "-o", "out.png", code=BAD_INPUT, says="scans")
         for kind, options, mark in [("jpg", "[interlace]", b"\xff\xc2"), ("heic", "", b"ispe"), ("avif", "", b"ispe")]:
             for side in [14000, 30000]:
                 support.vips("copy", "s.ppm", "s." + kind + options)
@@ -169,10 +171,10 @@ class Surroundings(support.LimnTest):
         os.mkfifo(f"{STYLES}/pipe")
         sparse(f"{STYLES}/gigabyte", 1 << 30, b"BBCVLM")
         put(f"{STYLES}/json", b"[" * 10**6)
-        told = self.measured("styles", code=0, says="gigabyte: ", cpu=2).splitlines(keepends=True)
+        told = self.measured("styles", code=0, says="gigabyte: ").splitlines(keepends=True)
         self.assertEqual("".join(line for line in told if not line.startswith("limn: ")), names)
         for name in ["gone", "loop", "folder", "device", "pipe", "passwd", "gigabyte", "json"]:
-            self.measured("style", "show", name, code=BAD_INPUT, cpu=2)
+            self.measured("style", "show", name, code=BAD_INPUT)
 
     def test_links_as_files(self):
         support.write_pnm("in.ppm", support.smooth(9, 9))
@@ -283,8 +285,8 @@ class Surroundings(support.LimnTest):
         for i in range(10000):
             shutil.copy(f"{STYLES}/Default", f"{STYLES}/style {i:05}")
         for arguments in [["styles"], ["styles", "--json"], ["style", "check", "STYLE 07000"]]:
-            told = self.measured(*arguments, code=0, cpu=1)
-        self.assertGreater(len(self.measured("styles", code=0, cpu=1).splitlines()), 10000)
+            told = self.measured(*arguments, code=0)
+        self.assertGreater(len(self.measured("styles", code=0).splitlines()), 10000)
         print("counted: styles in the folder 10000")
 
     def test_long_and_deep_json(self):
@@ -299,7 +301,7 @@ class Surroundings(support.LimnTest):
         put("string", b'{"description": "' + b"x" * 10**6)
         for name in ["gigabyte", "style", "lists", "objects", "lights", "remark", "long", "string"]:
             with self.subTest(name):
-                told = self.measured("style", "show", "./" + name, code=BAD_INPUT, says=f"./{name}: ", cpu=2)
+                told = self.measured("style", "show", "./" + name, code=BAD_INPUT, says=f"./{name}: ")
                 self.assertLess(len(told), 300)
         put("grows", b'{"description": "')
         stop = threading.Event()
@@ -312,7 +314,7 @@ class Surroundings(support.LimnTest):
         grower = threading.Thread(target=grow)
         grower.start()
         try:
-            self.measured("style", "show", "./grows", code=BAD_INPUT, cpu=2)
+            self.measured("style", "show", "./grows", code=BAD_INPUT)
         finally:
             stop.set()
             grower.join()

@@ -58,8 +58,7 @@ struct ToolboxScript::State {
   std::deque<std::function<void()>> steps;
   QTimer timer;
   int roundsToWait = 0;
-  bool awaitsDialog = false;
-  bool awaitsMenu = false;
+  std::function<bool()> awaited;
   Qt::KeyboardModifiers modifiers;
   bool buttonDown = false;
   QPointer<QWidget> pressed;
@@ -72,10 +71,9 @@ struct ToolboxScript::State {
 void ToolboxScript::State::RunStep() {
   if (roundsToWait > 0 && --roundsToWait > 0)
     return;
-  if ((awaitsDialog && QApplication::activeModalWidget() == nullptr) ||
-      (awaitsMenu && QApplication::activePopupWidget() == nullptr))
+  if (awaited && !awaited())
     return;
-  awaitsDialog = awaitsMenu = false;
+  awaited = nullptr;
   if (steps.empty()) {
     timer.stop();
     return;
@@ -199,14 +197,17 @@ ToolboxScript& ToolboxScript::CloseWindow() {
   });
 }
 
-ToolboxScript& ToolboxScript::AwaitDialog() {
+ToolboxScript& ToolboxScript::Await(std::function<bool()> holds) {
   State* state = _state.get();
-  return Call([=] { state->awaitsDialog = true; });
+  return Call([state, holds = std::move(holds)] { state->awaited = holds; });
+}
+
+ToolboxScript& ToolboxScript::AwaitDialog() {
+  return Await([] { return QApplication::activeModalWidget() != nullptr; });
 }
 
 ToolboxScript& ToolboxScript::AwaitMenu() {
-  State* state = _state.get();
-  return Call([=] { state->awaitsMenu = true; });
+  return Await([] { return QApplication::activePopupWidget() != nullptr; });
 }
 
 // In rounds of the program's own loop: while it works on what it was given the time does not pass,

@@ -42,9 +42,11 @@ public:
   // Closes the front window, as its title bar's button does.
   ToolboxScript& CloseWindow();
   ToolboxScript& Wait(int milliseconds);
-  // The next step runs once a modal window is open, however long that takes.
+  // The next step runs once this holds, however long that takes.
+  ToolboxScript& Await(std::function<bool()> holds);
+  // Once a modal window is open.
   ToolboxScript& AwaitDialog();
-  // The same for a menu.
+  // Once a menu is.
   ToolboxScript& AwaitMenu();
   // Runs something between two steps, such as a check or a screenshot.
   ToolboxScript& Call(std::function<void()> action);
