@@ -1,6 +1,5 @@
-// The cost of a change in the dialog: LM_GeneratePreview on a 256 x 256 preview, with the caches as
+// The cost of a change in the dialog: LM_ShadePreview on a 256 x 256 preview, with the caches as
 // the change leaves them. The dialog's screen is left out. A frame at 60 Hz is 16.7 ms.
-#include "LM_dialog_services.h"
 #include "LM_parameters.h"
 #include "LM_preview.h"
 #include "LM_tiles.h"
@@ -14,31 +13,18 @@ namespace {
 uint8_t NeverCancel() {
   return 0;
 }
-Rect ItemBox(LM_globals*, int16_t item) {
-  return item == LM_WORK_AREA_ITEM ? Rect{0, 0, 280, 280} : Rect{12, 12, 268, 268};
-}
-
-const LM_dialog_services NO_SCREEN = {nullptr,
-                                      nullptr,
-                                      nullptr,
-                                      ItemBox,
-                                      [](LM_globals*, int16_t, const Rect&) {},
-                                      [](LM_globals*, int16_t) {},
-                                      [] {},
-                                      [] {}};
 
 // A collected preview of noise, and lights of every kind.
 class PreviewScene {
 public:
   PreviewScene(int lights, bool relief) : globals(LM_NewGlobals()) {
-    LM_SetDialogServices(&NO_SCREEN);
     record.testCancel = NeverCancel;
     record.colorMode = CV_MODE_RGB;
     record.filterArea = {0, 0, 256, 256};
     record.savedParams = LM_NewParameters();
     globals->record = &record;
-    globals->previewOn = 1;
-    if (LM_CalculatePreviewScaling(&record, globals) != CV_RESULT_OK)
+    Rect preview = {12, 12, 268, 268};
+    if (LM_SetUpPreview(&record, globals, {0, 0, 280, 280}, &preview) != CV_RESULT_OK)
       std::abort();
     FillWithNoise(globals->previewMaps[LM_PREVIEW_MAP], globals->previewHeight);
     FillWithNoise(globals->previewMaps[LM_BUMP_PREVIEW_MAP],
@@ -76,10 +62,10 @@ private:
 // change: what the user did, as the dialog leaves the caches.
 void Render(benchmark::State& state, void (*change)(LM_globals&)) {
   PreviewScene scene(static_cast<int>(state.range(0)), state.range(1) != 0);
-  LM_GeneratePreview(nullptr, scene.globals);
+  LM_ShadePreview(scene.globals);
   for (auto _ : state) {
     change(*scene.globals);
-    LM_GeneratePreview(nullptr, scene.globals);
+    LM_ShadePreview(scene.globals);
   }
 }
 

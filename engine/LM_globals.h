@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "LM_bumps.h"
+#include "LM_export.h"
 #include "LM_light_UI.h"
 #include "LM_parameters.h"
 #include "LM_sample_store.h"
@@ -92,7 +93,7 @@ public:
   static void operator delete(void* object, size_t size);
 
   // Back to one default spotlight and the default surface; the bump channel stays.
-  void Default();
+  LM_EXPORT void Default();
   // Copies settings, geometry and lights; the copy shares no cache with `other`. Always 0.
   int16_t CopySettingsFrom(const LM_globals& other);
   // Fills the block but for its header. preview 1: with the preview's falloff tables.
@@ -102,12 +103,12 @@ public:
   // Each adds a light at the dialog point (h, v) and selects it; with sixteen lights nothing
   // happens.
   void CreateNewOmniLight(int16_t h, int16_t v);
-  void CreateNewSpotlight(int16_t h, int16_t v); // shaped like the light selected before
-  void CopyNewLight(int16_t h, int16_t v);       // a copy of it
-  void CreateNewLight(int16_t h, int16_t v);     // a fresh white spotlight
+  void CreateNewSpotlight(int16_t h, int16_t v);       // shaped like the light selected before
+  LM_EXPORT void CopyNewLight(int16_t h, int16_t v);   // a copy of it
+  LM_EXPORT void CreateNewLight(int16_t h, int16_t v); // a fresh white spotlight
   // Removes the selected light and selects light 0. 0 when it is the last one: nothing changes
   // then.
-  LM_bool DeleteCurrentLight();
+  LM_EXPORT LM_bool DeleteCurrentLight();
   // The lights' figures on the preview, the selected one on top: defined with the user interface.
   void DrawLights();
   void DrawInactiveLights();
@@ -116,8 +117,8 @@ public:
   // when bumps is 1. What cannot be had stays absent, and shading does without. Never resizes: the
   // caller frees the caches when the sizes change.
   void AllocateCaches(unsigned long width, unsigned long height, LM_bool bumps);
-  void FreeCaches();
-  void InvalidateCaches();
+  LM_EXPORT void FreeCaches();
+  LM_EXPORT void InvalidateCaches();
 
   // For each cache: is its buffer there; the buffer; does it hold valid results; set that, which a
   // missing cache ignores.
@@ -151,12 +152,12 @@ public:
   void SpecularSumCacheHot(LM_bool hot) { _SetHot(specularSumCache, hot); }
 
   // Settings whose change makes caches stale. Values are not clamped.
-  void SetBumpAmplitude(int16_t amplitude);
+  LM_EXPORT void SetBumpAmplitude(int16_t amplitude);
   int16_t BumpAmplitude() const { return bumpAmplitude; }
-  void SetWhiteIsHigh(LM_bool high);
+  LM_EXPORT void SetWhiteIsHigh(LM_bool high);
   LM_bool WhiteIsHigh() const { return whiteIsHigh; }
   // To or from no channel frees the caches, since flat and relief samples differ in number.
-  void SetBumpChannel(int16_t channel);
+  LM_EXPORT void SetBumpChannel(int16_t channel);
   int16_t BumpChannel() const { return bumpChannel; }
   LM_bool UseCurrentSettings() const { return useCurrentSettings; }
   void SetUseCurrentSettings(LM_bool use) { useCurrentSettings = use; }

@@ -2,6 +2,7 @@
 #ifndef LM_HOST_SERVICES_H
 #define LM_HOST_SERVICES_H
 
+#include "LM_export.h"
 #include "LM_types.h"
 
 // True exactly when the host's signature is Corvaline's.
@@ -18,14 +19,14 @@ void LM_CallHostProc(FilterRecord* record, int16_t selector, int32_t* data);
 
 // Draws `source` of `map` with its top-left at (row, column) of the current port. The host must
 // offer showPixels, which the prepare step checks.
-int16_t LM_DisplayPixels(FilterRecord* record, const CVPixelMap* map, const CVRect32& source,
-                         int32_t row, int32_t column);
+LM_EXPORT int16_t LM_DisplayPixels(FilterRecord* record, const CVPixelMap* map,
+                                   const CVRect32& source, int32_t row, int32_t column);
 
 // Number of channels of the document. CV_RESULT_NO_SERVICE when the host answers no properties.
-int16_t LM_GetNumChannels(int16_t& count, FilterRecord* record);
+LM_EXPORT int16_t LM_GetNumChannels(int16_t& count, FilterRecord* record);
 
 // Name of channel `index`, from 0, cut to 255 bytes. CV_RESULT_NO_SERVICE when the host answers no
 // properties or no name.
-int16_t LM_GetChannelName(int16_t index, Str255 name, FilterRecord* record);
+LM_EXPORT int16_t LM_GetChannelName(int16_t index, Str255 name, FilterRecord* record);
 
 #endif

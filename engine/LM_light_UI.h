@@ -2,6 +2,7 @@
 #ifndef LM_LIGHT_UI_H
 #define LM_LIGHT_UI_H
 
+#include "LM_export.h"
 #include "LM_light_figure.h"
 #include "LM_types.h"
 #include "LM_vectori2.h"
@@ -45,16 +46,16 @@ public:
   void _BuildSpreadTable(LM_light* out, LM_bool forPreview) const;
   // After an edit of a spot: makes the second axis perpendicular to the first and no longer than
   // it.
-  void Validate();
+  LM_EXPORT void Validate();
 
   // Allocates the caches that are not there, for a light that is on; what cannot be had stays
   // absent.
   void AllocateCaches(unsigned long samples);
   // Forgets the caches without releasing them: for a copy that must not share them.
   void DetachCaches();
-  void FreeCaches();
+  LM_EXPORT void FreeCaches();
   // Makes both caches, and the owner's sums, cold.
-  void InvalidateCaches();
+  LM_EXPORT void InvalidateCaches();
   LM_bool UseDiffuseCache() const { return diffuseCache != nullptr; }
   LM_color96* DiffuseCache() const { return diffuseCache; }
   LM_bool DiffuseCacheHot() const { return diffuseCacheHot; }

@@ -3,7 +3,6 @@
 
 #include <cstring>
 
-#include "LM_dialog_services.h"
 #include "LM_preview_geometry.h"
 #include "LM_shader.h"
 
@@ -111,21 +110,4 @@ void LM_DrawPreviewFrameToPixelMap([[maybe_unused]] GrafPort* port, LM_globals* 
     return;
   LM_DrawPreviewOutlines(frame, globals->previewOffsetX, globals->previewOffsetY,
                          globals->previewWidth, globals->previewHeight);
-}
-
-int16_t LM_GeneratePreview([[maybe_unused]] GrafPort* port, LM_globals* globals) {
-  const LM_dialog_services* dialog = LM_DialogServices();
-  if (dialog != nullptr)
-    dialog->showWatch();
-  int16_t result = CV_RESULT_OK;
-  if (globals->previewOn == 1)
-    result = LM_ShadePreview(globals);
-  else
-    LM_CopyUnshadedPreview(globals);
-  if (dialog != nullptr) {
-    dialog->showArrow();
-    if (result == CV_RESULT_OK)
-      dialog->redrawItem(globals, LM_WORK_AREA_ITEM);
-  }
-  return result;
 }

@@ -5,12 +5,15 @@
 #ifndef LM_PREVIEW_H
 #define LM_PREVIEW_H
 
+#include "LM_export.h"
 #include "LM_globals.h"
 
-// Chooses the scale and the preview's place for the record's filter area, moves the dialog's item 8
-// there, and allocates the pixel maps, filled with white, and the preview's heights. Once per
-// interactive run, when the dialog has been built. CV_RESULT_NO_MEMORY leaves no buffer behind.
-int16_t LM_CalculatePreviewScaling(FilterRecord* record, LM_globals* globals);
+// Chooses the scale and the preview's place for the record's filter area, and allocates the pixel
+// maps, filled with white, and the preview's heights. frame, *preview: the dialog's frame and the
+// largest area that the preview may take, which becomes its place. CV_RESULT_NO_MEMORY leaves no
+// buffer behind.
+LM_EXPORT int16_t LM_SetUpPreview(FilterRecord* record, LM_globals* globals, const Rect& frame,
+                                  Rect* preview);
 
 // Reduces the delivered image tile into the preview map, and the mask tile into the frame map's
 // mask.
@@ -18,21 +21,18 @@ void LM_CalcTilePreview(FilterRecord* record, LM_globals* globals);
 
 // Collects the reduced bump channel: a walk of its own inside this call. Any code of the host's
 // nextTile.
-int16_t LM_GetPreviewBumpPixelMap(LM_globals* globals);
+LM_EXPORT int16_t LM_GetPreviewBumpPixelMap(LM_globals* globals);
 
 // Reduces one delivered bump tile, grown by the margin, into the bump preview map.
 void LM_CalcTileBumpPreview(FilterRecord* record, LM_globals* globals);
 
 // Renders the lit preview into the frame map. CV_RESULT_NO_MEMORY leaves the frame map as it was.
-int16_t LM_ShadePreview(LM_globals* globals);
+LM_EXPORT int16_t LM_ShadePreview(LM_globals* globals);
 
 // Copies the unlit preview into the frame map.
-void LM_CopyUnshadedPreview(LM_globals* globals);
+LM_EXPORT void LM_CopyUnshadedPreview(LM_globals* globals);
 
 // Draws black outlines around the preview image and along the frame map's border.
-void LM_DrawPreviewFrameToPixelMap(GrafPort* port, LM_globals* globals);
-
-// Renders, lit or not as the settings say, and redraws the dialog's item 6.
-int16_t LM_GeneratePreview(GrafPort* port, LM_globals* globals);
+LM_EXPORT void LM_DrawPreviewFrameToPixelMap(GrafPort* port, LM_globals* globals);
 
 #endif

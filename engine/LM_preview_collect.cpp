@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "LM_dialog_services.h"
 #include "LM_memory.h"
 #include "LM_preview.h"
 #include "LM_preview_geometry.h"
@@ -170,20 +169,16 @@ void ReduceMask(const FilterRecord* record, const LM_globals* g, int32_t row, in
 
 } // namespace
 
-int16_t LM_CalculatePreviewScaling(FilterRecord* record, LM_globals* globals) {
-  const LM_dialog_services* dialog = LM_DialogServices();
-  if (dialog == nullptr)
-    return CV_RESULT_NO_DIALOG;
+int16_t LM_SetUpPreview(FilterRecord* record, LM_globals* globals, const Rect& frame,
+                        Rect* preview) {
   const CVRect& area = record->filterArea;
-  const Rect frameBox = dialog->itemBox(globals, LM_WORK_AREA_ITEM);
   const LM_preview_geometry geometry =
-      LM_FitPreview(area.right - area.left, area.bottom - area.top, frameBox,
-                    dialog->itemBox(globals, LM_PREVIEW_ITEM));
-  dialog->setItemBox(globals, LM_PREVIEW_ITEM, geometry.previewBox);
+      LM_FitPreview(area.right - area.left, area.bottom - area.top, frame, *preview);
+  *preview = geometry.previewBox;
   LM_UsePreviewGeometry(geometry, globals);
   for (CVPixelMap& map : globals->previewMaps)
     LM_DisposeAndClear(map.baseAddress);
-  if (AllocateBuffers(record, globals, frameBox))
+  if (AllocateBuffers(record, globals, frame))
     return CV_RESULT_OK;
   LM_FreeRunBuffers(globals);
   return CV_RESULT_NO_MEMORY;

@@ -85,7 +85,7 @@ private:
   void TestBody() override {}
   int16_t Call(int16_t selector) {
     int16_t result = 0;
-    LM_AnswerCall(selector, &record, &slot, &result);
+    LM_AnswerHost(selector, &record, &slot, &result);
     return result;
   }
 };

@@ -3,9 +3,9 @@
 #include "FuzzInput.h"
 
 #include "LM_dialog_services.h"
-#include "LM_entry.h"
 #include "LM_host_services.h"
 #include "LM_preview.h"
+#include "LM_session.h"
 #include "LM_style_fields.h"
 #include "LM_style_settings.h"
 #include "MacDialogs.h"
@@ -132,10 +132,12 @@ int16_t QueryProperty(uint32_t, uint32_t key, int32_t, int32_t* value, CVHandle*
 }
 
 // A dialog whose user does something quick and gives some answer.
-int16_t ConstructDialog(FilterRecord*, LM_globals* globals) {
+int16_t ConstructDialog(FilterRecord* record, LM_globals* globals) {
   const int16_t result = AnyResult();
   globals->dialog = result == 0 ? FAKE_DIALOG : nullptr;
-  return result;
+  const auto size = static_cast<int16_t>(host->channels % 16 + 8);
+  Rect preview = {2, 2, static_cast<int16_t>(size - 2), size};
+  return result != 0 ? result : LM_SetUpPreview(record, globals, {0, 0, size, size}, &preview);
 }
 void DisposeDialog(LM_globals* globals) {
   globals->dialog = nullptr;
@@ -148,7 +150,9 @@ int16_t RunDialog(FilterRecord*, LM_globals* globals) {
     globals->SetBumpChannel(input.Number());
     if (globals->BumpChannel() != 0)
       LM_GetPreviewBumpPixelMap(globals);
-    LM_GeneratePreview(FAKE_DIALOG, globals);
+    const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
+    if (LM_ShadePreview(globals) == 0 && globals->record->showPixels != nullptr)
+      LM_DisplayPixels(globals->record, &frame, frame.bounds, 0, 0);
   }
   const int16_t result = AnyResult();
   // As the dialog's own code may: everything is left as it is.
@@ -158,19 +162,7 @@ int16_t RunDialog(FilterRecord*, LM_globals* globals) {
   DisposeDialog(globals);
   return result;
 }
-Rect ItemBox(LM_globals*, int16_t item) {
-  const auto size = static_cast<int16_t>(host->channels % 16 + 8);
-  return item == LM_WORK_AREA_ITEM ? Rect{0, 0, size, size}
-                                   : Rect{2, 2, static_cast<int16_t>(size - 2), size};
-}
-void RedrawItem(LM_globals* globals, int16_t) {
-  const CVPixelMap& frame = globals->previewMaps[LM_FRAME_MAP];
-  if (frame.baseAddress != nullptr && globals->record->showPixels != nullptr)
-    LM_DisplayPixels(globals->record, &frame, frame.bounds, 0, 0);
-}
-constexpr LM_dialog_services DIALOG = {
-    ConstructDialog, RunDialog, DisposeDialog, ItemBox, [](LM_globals*, int16_t, const Rect&) {},
-    RedrawItem,      [] {},     [] {}};
+constexpr LM_dialog_services DIALOG = {ConstructDialog, RunDialog, DisposeDialog};
 
 foo* WholeParameters() {
   static foo params;

@@ -8,6 +8,7 @@
 #include "LM_alerts.h"
 #include "LM_constants.h"
 #include "LM_dialog_services.h"
+#include "LM_floating_point.h"
 #include "LM_host_services.h"
 #include "LM_memory.h"
 #include "LM_preview.h"
@@ -16,8 +17,10 @@
 #include "LM_style_json.h"
 #include "LM_style_settings.h"
 #include "LM_tiles.h"
+#include "LimnResources.h"
 #include "MacDialogs.h"
 #include "MacMemory.h"
+#include "MacResources.h"
 
 namespace {
 
@@ -226,6 +229,33 @@ int16_t AnswerStep(int16_t selector, void* record, intptr_t* data, LM_globals* g
   }
 }
 
+void AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* result) {
+  *result = CV_RESULT_OK;
+  if (selector == LM_SEL_FINISH && *data == 0)
+    return;
+  if (*data == 0) {
+    LM_globals* made = LM_NewGlobals();
+    *data = reinterpret_cast<intptr_t>(made);
+    if (made == nullptr) {
+      *result = CV_RESULT_NO_MEMORY;
+      return;
+    }
+    made->SetUseCurrentSettings(0);
+  }
+  LM_SetConstants();
+  // The contract's slot is an integer as wide as a pointer.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  LM_globals* globals = reinterpret_cast<LM_globals*>(*data);
+  // A host whose services run its own event loop may come back here out of one of them.
+  if (std::exchange(globals->answering, 1) == 1) {
+    *result = CV_RESULT_STOPPED;
+    return;
+  }
+  *result = LM_ResultOf([&] { return AnswerStep(selector, record, data, globals); });
+  if (*data != 0)
+    globals->answering = 0;
+}
+
 } // namespace
 
 int16_t LM_DoAbout(const CVAboutRecord* about) {
@@ -285,9 +315,7 @@ int16_t LM_DoStart(FilterRecord* record, LM_globals* globals) {
     return CV_RESULT_NO_DIALOG;
   globals->previewOn = 1;
   globals->previewComplete = 0;
-  int16_t result = LM_DialogServices()->construct(record, globals);
-  if (result == CV_RESULT_OK)
-    result = LM_CalculatePreviewScaling(record, globals);
+  const int16_t result = LM_DialogServices()->construct(record, globals);
   if (result == CV_RESULT_OK)
     LM_SetFirstPreviewTileRects(record, globals);
   return result;
@@ -321,29 +349,13 @@ int16_t LM_DoFinish(LM_globals* globals) {
   return CV_RESULT_OK;
 }
 
-void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* result) {
-  *result = CV_RESULT_OK;
-  if (selector == LM_SEL_FINISH && *data == 0)
-    return;
-  if (*data == 0) {
-    LM_globals* made = LM_NewGlobals();
-    *data = reinterpret_cast<intptr_t>(made);
-    if (made == nullptr) {
-      *result = CV_RESULT_NO_MEMORY;
-      return;
-    }
-    made->SetUseCurrentSettings(0);
-  }
-  LM_SetConstants();
-  // The contract's slot is an integer as wide as a pointer.
-  // NOLINTNEXTLINE(performance-no-int-to-ptr)
-  LM_globals* globals = reinterpret_cast<LM_globals*>(*data);
-  // A host whose services run its own event loop may come back here out of one of them.
-  if (std::exchange(globals->answering, 1) == 1) {
-    *result = CV_RESULT_STOPPED;
-    return;
-  }
-  *result = LM_ResultOf([&] { return AnswerStep(selector, record, data, globals); });
-  if (*data != 0)
-    globals->answering = 0;
+int LM_AnswerHost(int selector, void* record, intptr_t* data, int16_t* result) noexcept {
+  const LM_floating_point floatingPoint;
+  *result = LM_ResultOf([&] {
+    static const Boolean carried = TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
+    static_cast<void>(carried);
+    AnswerCall(static_cast<int16_t>(selector), record, data, result);
+    return *result;
+  });
+  return 0;
 }

@@ -20,11 +20,12 @@ template <class Step> int16_t LM_ResultOf(Step step) noexcept {
   }
 }
 
-// Answers one call of the host; the arguments are the entry point's. The settings object is made on
-// the first call that needs it, its address kept in *data; a first interactive run that ends in
-// cancel or failure releases it again. A call out of a service that another call is using is
-// stopped.
-void LM_AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* result);
+// Answers one call of the host, the plug-in's resources at hand; arguments and result are those of
+// CVFilterEntry. The settings object is made on the first call that needs it, its address kept in
+// *data; a first interactive run that ends in cancel or failure releases it again. A call out of a
+// service that another call is using is stopped. Lets no exception out, for the host need not even
+// be C++.
+int LM_AnswerHost(int selector, void* record, intptr_t* data, int16_t* result) noexcept;
 
 // Shows the about box.
 int16_t LM_DoAbout(const CVAboutRecord* about);

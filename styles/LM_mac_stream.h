@@ -8,6 +8,7 @@
 #ifndef LM_MAC_STREAM_H
 #define LM_MAC_STREAM_H
 
+#include "LM_export.h"
 #include "LM_types.h"
 
 class LM_globals;
@@ -52,7 +53,7 @@ public:
   // Removes the style file of exactly that name: what goes for good is not guessed.
   static LM_bool Erase(StringPtr name);
   // True when the file is there and opening it for writing is not permitted.
-  static LM_bool IsLocked(StringPtr name);
+  LM_EXPORT static LM_bool IsLocked(StringPtr name);
 
 private:
   int32_t _WriteBytes(int32_t count, const uint8_t* bytes);
@@ -72,8 +73,8 @@ public:
   ~LM_style_istream() { Close(); }
 
   // Opens the file and checks what identifies it, so that other files of the folder never open.
-  LM_bool Open(StringPtr name);
-  LM_bool Close();
+  LM_EXPORT LM_bool Open(StringPtr name);
+  LM_EXPORT LM_bool Close();
 
   // Each reads its bytes most significant first; true when all were there. The value is left alone
   // otherwise.
@@ -85,7 +86,7 @@ public:
   LM_bool ReadS32(int32_t& value) { return _ReadBigEndian(value); }
 
   // True when a file of that name can be read, style file or not.
-  static LM_bool Exists(StringPtr name);
+  LM_EXPORT static LM_bool Exists(StringPtr name);
   // Name of the style file number `index`, from 0, in the folder's own order. False past the last
   // one, and `name` empty then. A negative index is true and leaves the name alone.
   static LM_bool IndexedInfo(int16_t index, StringPtr name);
@@ -113,10 +114,10 @@ private:
 LM_bool LM_SaveStyle(StringPtr name, LM_globals* globals);
 // Replaces the settings with a style's; false when it does not open or holds no whole light, and
 // the settings are then as before.
-LM_bool LM_LoadStyle(StringPtr name, LM_globals* globals);
-LM_bool LM_DeleteStyle(StringPtr name);
+LM_EXPORT LM_bool LM_LoadStyle(StringPtr name, LM_globals* globals);
+LM_EXPORT LM_bool LM_DeleteStyle(StringPtr name);
 
 // Copies the length byte and that many characters.
-void LM_PStringCopy(StringPtr dest, ConstStr255Param source);
+LM_EXPORT void LM_PStringCopy(StringPtr dest, ConstStr255Param source);
 
 #endif

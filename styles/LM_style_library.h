@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "LM_export.h"
 #include "LM_style.h"
 #include "MacTypes.h"
 
@@ -21,7 +22,7 @@ class LM_globals;
 // names the folder, and from then on there is no style folder, until a later call succeeds. With
 // true, `why` names bundled styles that could not be written, or is empty. Safe beside other
 // processes that do the same, and against being killed at any moment.
-bool LM_UseStyleLibrary(std::string& why);
+LM_EXPORT bool LM_UseStyleLibrary(std::string& why);
 
 // True after LM_UseStyleLibrary has failed.
 bool LM_StyleLibraryIsMissing();
@@ -43,7 +44,7 @@ std::vector<LM_listed_style> LM_ListStyles();
 
 // Names of the files of the folder that begin as a style does, in the folder's order: what
 // LM_style_istream::IndexedInfo answers for 0, 1, 2 …, in one walk.
-std::vector<std::string> LM_StyleNames();
+LM_EXPORT std::vector<std::string> LM_StyleNames();
 
 // Reads the style that the name stands for. False with a sentence that names the style. Throws
 // std::bad_alloc.
@@ -52,10 +53,10 @@ bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& wh
 // Replaces a style of the folder by the settings. At every moment, also after a crash, the name
 // stands for the old style or the complete new one. A file of that name that is no style is never
 // touched: false then, and when anything fails.
-LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals);
+LM_EXPORT LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals);
 
 // Adds a style to the folder: the complete one, or none. False when the name is taken or anything
 // fails.
-LM_bool LM_AddStyle(StringPtr name, LM_globals* globals);
+LM_EXPORT LM_bool LM_AddStyle(StringPtr name, LM_globals* globals);
 
 #endif

@@ -7,7 +7,7 @@
 
 #include "Controls.h"
 #include "Dialogs.h"
-#include "LM_dialog_services.h"
+#include "LM_export.h"
 #include "LM_globals.h"
 #include "LM_sliders.h"
 #include "MacTypes.h"
@@ -38,14 +38,16 @@ constexpr int16_t LM_NEW_LIGHT_CURSOR = 128;
 // The slider's control definition.
 constexpr int16_t LM_SLIDER_DEFINITION = 129;
 
-// Items of the parameter dialog, but for 6 and 8, which the preview knows too.
+// Items of the parameter dialog.
 enum LM_dialog_item : int16_t {
   LM_OK_ITEM = 1,
   LM_CANCEL_ITEM = 2,
   LM_OK_OUTLINE_ITEM = 3,
   LM_SAVE_STYLE_ITEM = 4,
   LM_AMBIENT_COLOR_ITEM = 5,
+  LM_WORK_AREA_ITEM = 6, // the frame, with the preview and the lights in it
   LM_LIGHT_COLOR_ITEM = 7,
+  LM_PREVIEW_ITEM = 8,
   LM_LIGHT_ON_ITEM = 9,
   LM_WHITE_IS_HIGH_ITEM = 10,
   LM_LIGHT_TYPE_ITEM = 11,
@@ -75,6 +77,10 @@ constexpr bool LM_IsSlider(int16_t item) {
 
 // --- The dialog as a whole (LM_parameter_dialog*.cpp) ---
 
+// Makes this dialog the session's. Building it then also sets up the user's style library. The
+// dialog's module shows this name, for the plug-in to call.
+extern "C" LM_EXPORT void LM_UseDesktopDialog();
+
 // Builds the dialog and stores it and its resource in the settings; it is drawn but not shown.
 // CV_RESULT_NO_MEMORY when it cannot be had, and nothing is stored then.
 int16_t LM_ConstructParameterDialog(FilterRecord* record, LM_globals* globals);
@@ -86,6 +92,13 @@ int16_t LM_DoParameterDialog(FilterRecord* record, LM_globals* globals);
 
 // Releases a dialog that the settings hold; nothing when there is none.
 void LM_DisposeParameterDialog(LM_globals* globals);
+
+// Chooses the preview's scale and its place, where item 8 is moved, and sets its pixel maps up.
+// Once the dialog has been built. CV_RESULT_NO_MEMORY leaves no buffer behind.
+int16_t LM_CalculatePreviewScaling(FilterRecord* record, LM_globals* globals);
+
+// Renders the preview, lit or not as the settings say, under a watch cursor, and redraws item 6.
+int16_t LM_GeneratePreview(GrafPort* port, LM_globals* globals);
 
 // Gives the user items their drawing procedures.
 void LM_InitDialogUserItems(DialogPtr dialog);

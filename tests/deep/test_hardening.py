@@ -32,8 +32,7 @@ FUNCTION = r'[^;{()]*?(\w+)\s*\('
 TOOLBOX = r'\bTB_EXPORT' + FUNCTION
 EXPORTS = {
     'liblimn': declared(r'\bLIMN_API' + FUNCTION, 'library/limn.h'),
-    'limn_module': {'main'},
-    'limn_dialog_module': {'LM_dialog_main'},
+    'limn_dialog_module': {'LM_UseDesktopDialog'},
     'limn_frei0r': {'f0r_' + name for name in (
         'init deinit get_plugin_info get_param_info construct destruct set_param_value get_param_value '
         'update').split()},
@@ -44,15 +43,12 @@ EXPORTS = {
 }
 
 
-def exported(path):
+def symbols(path, which):
     """Without arguments and namespaces of versions."""
-    names = set()
-    for line in tool('nm', '-DC', '--defined-only', path).splitlines():
-        kind, name = line.split(' ', 2)[1:]
-        if kind == 'A':  # the name of a version
-            continue
-        names.add(re.sub(r'\[abi:\w+\]|\(.*|@.*', '', name))
-    return names
+    for line in tool('nm', '-DC', which, path).splitlines():
+        kind, name = line[17:].split(' ', 1)
+        if kind != 'A':  # the name of a version
+            yield re.sub(r'\[abi:\w+\]|\(.*|@.*', '', name)
 
 
 class Hardening(unittest.TestCase):
@@ -75,7 +71,12 @@ class Hardening(unittest.TestCase):
         for name, path in FILES.items():
             if name not in PROGRAMS:
                 with self.subTest(name):
-                    self.assertEqual(exported(path), EXPORTS[name])
+                    self.assertEqual(set(symbols(path, '--defined-only')), EXPORTS[name])
+
+    def test_the_dialog_is_the_dialog_alone(self):
+        """Session and engine are the plug-in's beside it, whatever other copy the process has."""
+        self.assertIn('LM_SetDialogServices', EXPORTS['limn_module'])
+        self.assertIn('[$ORIGIN/limn.so]', tool('readelf', '-dW', FILES['limn_dialog_module']))
 
     def test_every_source_file(self):
         """What leaves no trace in a file that has no use for it."""
@@ -93,4 +94,7 @@ def machine():
     return tool('uname', '-m').strip()
 
 
+# The plug-in shows what its dialog asks for, and its entry.
+EXPORTS['limn_module'] = {'main'} | {
+    name for name in symbols(FILES['limn_dialog_module'], '--undefined-only') if name.startswith('LM_')}
 unittest.main(argv=sys.argv[:1])

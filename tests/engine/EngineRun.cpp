@@ -1,6 +1,5 @@
 #include "EngineRun.h"
 
-#include "LM_dialog_services.h"
 #include "LM_preview.h"
 #include "LM_shader.h"
 #include "LM_tiles.h"
@@ -16,8 +15,6 @@ constexpr int16_t HEIGHT_CHANNEL = 4; // after red, green and blue
 constexpr int ROW_PADDING = 5;        // strides are seldom the row's length
 
 EngineRun* currentRun = nullptr;
-Rect previewBox;
-int previewSize = 0;
 
 uint8_t NeverCancel() {
   return 0;
@@ -27,26 +24,6 @@ int16_t DeliverNow() {
   currentRun->Deliver();
   return 0;
 }
-
-Rect ItemBox(LM_globals*, int16_t item) {
-  const auto size = static_cast<int16_t>(previewSize);
-  if (item == LM_WORK_AREA_ITEM) // a frame of 12 pixels all round, somewhere in the dialog
-    return {20, 10, static_cast<int16_t>(size + 44), static_cast<int16_t>(size + 34)};
-  return previewBox;
-}
-
-void SetItemBox(LM_globals*, int16_t, const Rect& box) {
-  previewBox = box;
-}
-
-const LM_dialog_services services = {[](FilterRecord*, LM_globals*) -> int16_t { return 0; },
-                                     [](FilterRecord*, LM_globals*) -> int16_t { return 0; },
-                                     [](LM_globals*) {},
-                                     ItemBox,
-                                     SetItemBox,
-                                     [](LM_globals*, int16_t) {},
-                                     [] {},
-                                     [] {}};
 
 bool IsEmpty(const CVRect& r) {
   return r.bottom <= r.top || r.right <= r.left;
@@ -183,10 +160,11 @@ std::vector<uint8_t> EngineRun::RenderTiles() {
 }
 
 bool EngineRun::CollectPreview(int frameSize) {
-  previewSize = frameSize;
-  previewBox = {0, 0, static_cast<int16_t>(frameSize), static_cast<int16_t>(frameSize)};
-  LM_SetDialogServices(&services);
-  if (LM_CalculatePreviewScaling(&record, globals.get()) != 0)
+  const auto size = static_cast<int16_t>(frameSize);
+  // A frame of 12 pixels all round, somewhere in the dialog.
+  const Rect frame = {20, 10, static_cast<int16_t>(size + 44), static_cast<int16_t>(size + 34)};
+  Rect preview = {0, 0, size, size};
+  if (LM_SetUpPreview(&record, globals.get(), frame, &preview) != 0)
     return false;
   globals->previewComplete = 0;
   LM_SetFirstPreviewTileRects(&record, globals.get());

@@ -100,7 +100,7 @@ int16_t UseDialog(LM_globals* g, bool relief) {
   g->SetBumpChannel(relief ? 4 : 0);
   if (relief)
     result = LM_GetPreviewBumpPixelMap(g);
-  return result != CV_RESULT_OK ? result : LM_GeneratePreview(nullptr, g);
+  return result != CV_RESULT_OK ? result : LM_ShadePreview(g);
 }
 
 enum class History { First, Later };

@@ -32,7 +32,7 @@ TEST_F(InteractiveRun, LightsAsTheDialogLeftTheSettings) {
     EXPECT_EQ(host.Call(LM_SEL_FINISH), CV_RESULT_STOPPED);
     EXPECT_EQ(host.Call(LM_SEL_START), CV_RESULT_STOPPED);
     const FilterRecord before = host.record;
-    EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
+    EXPECT_EQ(LM_ShadePreview(g), CV_RESULT_OK);
     EXPECT_EQ(host.record.inPixels, before.inPixels);
     EXPECT_EQ(host.record.outPixels, before.outPixels);
     return CV_RESULT_OK;
@@ -107,7 +107,7 @@ TEST_F(InteractiveRun, AnUnreadableBlockMakesWayForTheDialogs) {
   EXPECT_EQ(host.Run(), CV_RESULT_STOPPED);
   for (const int16_t answer : {int16_t{CV_RESULT_STOPPED}, int16_t{CV_RESULT_OK}}) {
     dialog.action = [&](LM_globals* g) {
-      EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
+      EXPECT_EQ(LM_ShadePreview(g), CV_RESULT_OK);
       return answer;
     };
     EXPECT_EQ(RunWithDialog(host), answer);
@@ -126,7 +126,7 @@ TEST_F(InteractiveRun, WhateverTheDialogThrowsIsItsAnswer) {
   for (const int earlierRuns : {0, 1}) {
     dialog.action = [](LM_globals* g) -> int16_t {
       g->exposure = 11;
-      EXPECT_EQ(LM_GeneratePreview(nullptr, g), CV_RESULT_OK);
+      EXPECT_EQ(LM_ShadePreview(g), CV_RESULT_OK);
       throw std::bad_alloc();
     };
     EXPECT_EQ(RunWithDialog(host), CV_RESULT_NO_MEMORY);

@@ -1,7 +1,8 @@
 #include "ScriptedDialog.h"
 
 #include "LM_dialog_services.h"
-#include "LM_entry.h"
+#include "LM_preview.h"
+#include "LM_session.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +10,11 @@ namespace {
 
 ScriptedDialog* dialog = nullptr;
 
-int16_t Construct(FilterRecord*, LM_globals* g) {
+int16_t Construct(FilterRecord* record, LM_globals* g) {
   static char standIn;
   g->dialog = reinterpret_cast<GrafPort*>(&standIn);
   dialog->previewBox = {112, 12, 368, 268};
-  return CV_RESULT_OK;
+  return LM_SetUpPreview(record, g, {100, 0, 380, 280}, &dialog->previewBox);
 }
 void Dispose(LM_globals* g) {
   g->dialog = nullptr;
@@ -27,17 +28,8 @@ int16_t RunDialog(FilterRecord*, LM_globals* g) {
   Dispose(g);
   return result;
 }
-Rect ItemBox(LM_globals*, int16_t item) {
-  return item == LM_WORK_AREA_ITEM ? Rect{100, 0, 380, 280} : dialog->previewBox;
-}
-void SetItemBox(LM_globals*, int16_t, const Rect& box) {
-  dialog->previewBox = box;
-}
-void RedrawItem(LM_globals*, int16_t) {}
-void SetCursor() {}
 
-const LM_dialog_services SCRIPTED = {Construct,  RunDialog,  Dispose,   ItemBox,
-                                     SetItemBox, RedrawItem, SetCursor, SetCursor};
+constexpr LM_dialog_services SCRIPTED = {Construct, RunDialog, Dispose};
 
 // The preview's walk ends with an empty input rectangle, after which one more continue runs the
 // dialog.

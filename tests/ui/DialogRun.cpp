@@ -1,10 +1,10 @@
 #include "DialogRun.h"
 
 #include "HostDialogs.h"
+#include "LM_mac_UI.h"
 #include "LM_session.h"
 #include "LM_style_codec.h"
 #include "LM_style_fields.h"
-#include "LM_ui_services.h"
 #include "LimnResources.h"
 #include "MacFiles.h"
 #include "MacResources.h"
@@ -116,7 +116,7 @@ DialogRun::DialogRun() {
   setenv("XDG_DATA_HOME", folder.c_str(), 1);
   TB_SetLanguage("en");
   TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
-  LM_SetDialogServices(&LM_DesktopDialogServices());
+  LM_UseDesktopDialog();
   TB_SetAlertPresenter(NoteAlert);
   record.hostSignature = CV_HOST_SIGNATURE;
   record.colorMode = CV_MODE_RGB;
@@ -133,7 +133,7 @@ DialogRun::DialogRun() {
 
 DialogRun::~DialogRun() {
   int16_t result = 0;
-  LM_AnswerCall(LM_SEL_FINISH, &record, &slot, &result);
+  LM_AnswerHost(LM_SEL_FINISH, &record, &slot, &result);
   if (Globals() != nullptr)
     LM_DestroyGlobals(Globals());
   if (record.savedParams != nullptr)
@@ -146,7 +146,7 @@ DialogRun::~DialogRun() {
 int16_t DialogRun::Run(ToolboxScript& script, Script expected) {
   int16_t result = 0;
   const auto call = [&](int16_t selector) {
-    LM_AnswerCall(selector, &record, &slot, &result);
+    LM_AnswerHost(selector, &record, &slot, &result);
     return result;
   };
   call(LM_SEL_PARAMETERS);
@@ -168,7 +168,7 @@ int16_t DialogRun::Run(ToolboxScript& script, Script expected) {
       << "the dialog ended before its script";
   if (slot != 0) {
     int16_t finished = 0;
-    LM_AnswerCall(LM_SEL_FINISH, &record, &slot, &finished);
+    LM_AnswerHost(LM_SEL_FINISH, &record, &slot, &finished);
   }
   return result;
 }
