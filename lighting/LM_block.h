@@ -15,8 +15,8 @@ struct foo {
   int32_t version;
   int16_t reserved;
   int16_t gloss;
-  int16_t
-      material; // below 1: white highlights; above 255: coloured by the surface; between: a blend
+  // Below 1: white highlights; above 255: coloured by the surface; between: a blend.
+  int16_t material;
   int16_t exposure;   // final gain
   LM_color96 ambient; // ambient colour times ambience over 64
   float worldScale;   // shading units across the filter rectangle
