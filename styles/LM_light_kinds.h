@@ -3,6 +3,7 @@
 #define LM_LIGHT_KINDS_H
 
 #include <iterator>
+#include <string>
 #include <string_view>
 
 #include "LM_light.h"
@@ -15,7 +16,7 @@ struct LM_light_kind {
   std::string_view plainWord; // which --set takes too
 };
 
-// The last one is what every other type or code counts as.
+// Codes count from 1. The last one is what every other type or code counts as.
 constexpr LM_light_kind LM_LIGHT_KINDS[] = {
     {LM_LIGHT_DIRECTIONAL, LM_STYLE_DIRECTIONAL, "directional", "sun"},
     {LM_LIGHT_OMNI, LM_STYLE_OMNI, "omni", "bulb"},
@@ -33,6 +34,17 @@ constexpr const LM_light_kind& LM_LightKindOfCode(int code) {
     if (kind.code == code)
       return kind;
   return *std::rbegin(LM_LIGHT_KINDS);
+}
+
+// All of them, as in "directional, omni or spot".
+inline std::string LM_LightKindWords(std::string_view LM_light_kind::*word) {
+  std::string text;
+  for (const LM_light_kind& kind : LM_LIGHT_KINDS) {
+    if (!text.empty())
+      text += &kind == &*std::rbegin(LM_LIGHT_KINDS) ? " or " : ", ";
+    text += kind.*word;
+  }
+  return text;
 }
 
 #endif

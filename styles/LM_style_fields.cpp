@@ -144,7 +144,8 @@ std::string ReadValue(std::string_view text, LM_field kind, LM_field_ends bits, 
   if (isNumber && !IsOutside(value, LM_EndsOf(kind, bits)))
     return "";
   if (kind == LM_field::LightType)
-    return "it is spot, omni or directional, or spotlight, bulb or sun";
+    return "it is " + LM_LightKindWords(&LM_light_kind::word) + ", or " +
+           LM_LightKindWords(&LM_light_kind::plainWord);
   if (kind == LM_field::Flag)
     return "it is true or false";
   return isNumber ? OutsideOf(value, LM_EndsOf(kind, bits))

@@ -38,7 +38,7 @@ public:
       for (const LM_light_kind& kind : LM_LIGHT_KINDS)
         if (kind.word == value)
           return Number(kind.code);
-      return Fail("it is \"directional\", \"omni\" or \"spot\"");
+      return Fail("it is " + LM_LightKindWords(&LM_light_kind::word));
     }
     return Fail("it takes a number, not text");
   }

@@ -3,8 +3,8 @@
 #ifndef LM_STYLE_LAYOUT_H
 #define LM_STYLE_LAYOUT_H
 
+#include "LM_light_kinds.h"
 #include "LM_sliders.h"
-#include "LM_style.h"
 
 // What a field stands for, beside its bits.
 enum class LM_field {
@@ -37,7 +37,7 @@ constexpr LM_field_ends LM_EndsOf(LM_field kind, LM_field_ends bits) {
   case LM_field::Flag:
     return {0, 1};
   case LM_field::LightType:
-    return {LM_STYLE_DIRECTIONAL, LM_STYLE_SPOT};
+    return {1, static_cast<int64_t>(std::size(LM_LIGHT_KINDS))};
   default:
     return bits;
   }

@@ -3,6 +3,7 @@
 #include "apply.h"
 #include "max_pixels_option.h"
 
+#include "LM_light_kinds.h"
 #include "LM_style_fields.h"
 
 #include <memory>
@@ -31,7 +32,9 @@ std::string ApplyNotes() {
   for (const LM_style_key& key : LM_StyleKeys())
     keys.push_back(key.word.empty() ? key.name : key.word + " (or " + key.name + ")");
   return "Settings for --set, N being a light's number from 0:\n" + Folded(keys) +
-         "\nA light's type is spot, omni or directional (or spotlight, bulb or sun). Colours\n"
+         "\nA light's type is " + LM_LightKindWords(&LM_light_kind::word) + " (or " +
+         LM_LightKindWords(&LM_light_kind::plainWord) +
+         "). Colours\n"
          "are names or numbers, centre and handles two numbers, right and down:\n"
          "  --set light.0.colour=orange\n"
          "  --set light.0.colour=#ffa500\n"
