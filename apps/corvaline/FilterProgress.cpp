@@ -1,6 +1,7 @@
 #include "FilterProgress.h"
 
 #include <QApplication>
+#include <QPushButton>
 
 namespace editor {
 namespace {
@@ -52,6 +53,9 @@ void FilterProgress::_runEvents() {
     _window->setAutoReset(false);
     // Escape only hides a window that is not active yet.
     QObject::connect(_window.get(), &QDialog::rejected, _window.get(), &QProgressDialog::cancel);
+    // A Return pressed twice over OK lights the picture and stops nothing.
+    for (auto* button : _window->findChildren<QPushButton*>())
+      button->setAutoDefault(false);
     _window->show();
     _window->setValue(_steps);
   }

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QPushButton>
 
 namespace limn {
 namespace {
@@ -28,6 +29,9 @@ void RunWindow::_Open() {
   _window->setAutoClose(false);
   // Escape only hides a window that is not active yet.
   QObject::connect(_window.get(), &QDialog::rejected, _window.get(), &QProgressDialog::cancel);
+  // A Return pressed twice over OK lights the picture and stops nothing.
+  for (auto* button : _window->findChildren<QPushButton*>())
+    button->setAutoDefault(false);
   _window->show();
 }
 
