@@ -3,6 +3,7 @@
 #include "failure.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace limn {
 namespace {
@@ -24,7 +25,9 @@ public:
   }
   bool IsTiff() const { return _isTiff; }
   bool IsLong() const { return _isLong; } // with 64-bit offsets
-  uint64_t At(uint64_t place, uint64_t size) { return _bytes.Number(place, size, _order); }
+  uint64_t At(uint64_t place, uint64_t size) {
+    return _bytes.Number(static_cast<int64_t>(place), static_cast<int>(size), _order);
+  }
 
 private:
   FileBytes& _bytes;
@@ -38,11 +41,15 @@ struct TiffTag {
   uint64_t id, size, count, place;
 };
 
+// By type: those of whole numbers, with a sign too, all of which the decoder takes for a side.
+constexpr uint8_t SIZES[] = {0, 1, 0, 2, 4, 0, 1, 0, 2, 4, 0, 0, 0, 4, 0, 0, 8, 8, 8};
+
 TiffTag TagAt(TiffNumbers& numbers, uint64_t entry) {
   const uint64_t width = numbers.IsLong() ? 8 : 4;
   const uint64_t type = numbers.At(entry + 2, 2);
   TiffTag tag{numbers.At(entry, 2), 0, numbers.At(entry + 4, width), entry + 4 + width};
-  tag.size = type == 1 ? 1 : type == 3 ? 2 : type == 4 ? 4 : type == 16 ? 8 : 0;
+  if (type < std::size(SIZES))
+    tag.size = SIZES[type];
   if (tag.count > width || tag.size * tag.count > width)
     tag.place = numbers.At(tag.place, width);
   return tag;
@@ -58,36 +65,38 @@ void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t
                  const std::string& path) {
   constexpr uint64_t MOST_VALUES = 32 << 20; // of whatever size, in one tag
   uint64_t width = 0, height = 0, tileWidth = 0, tileHeight = 0, numBytes = 0;
-  bool isCounted = false; // the decoder takes the first of such tags alone
+  bool isCounted[2] = {};
   for (uint64_t i = 0; i < numTags; ++i) {
     const TiffTag tag = TagAt(numbers, tags + (numbers.IsLong() ? 20 : 12) * i);
-    const auto value = [&] {
-      return std::min<uint64_t>(numbers.At(tag.place, tag.size), 1U << 30);
+    // Of tags with the same number, the decoder takes the first.
+    const auto read = [&](uint64_t& value) {
+      if (value == 0)
+        value = std::min<uint64_t>(numbers.At(tag.place, tag.size), 1U << 30);
     };
     switch (tag.id) {
     case 273: // where the pixels are: the decoder checks these against the image's size
     case 324:
       continue;
-    case 279: // and how many bytes they take
+    case 279: // and how many bytes they take: of strips and tiles, either of which may count
     case 325:
       for (uint64_t k = 0;
-           !isCounted && k < tag.count && tag.size > 0 && tag.place + k * tag.size < fileLength &&
-           numBytes / MOST_REPEATS <= fileLength;
+           !isCounted[tag.id == 325] && k < tag.count && tag.size > 0 &&
+           tag.place + k * tag.size < fileLength && numBytes / MOST_REPEATS <= fileLength;
            ++k)
         numBytes += std::min(numbers.At(tag.place + k * tag.size, tag.size), fileLength);
-      isCounted = true;
+      isCounted[tag.id == 325] = true;
       continue;
     case 256:
-      width = value();
+      read(width);
       break;
     case 257:
-      height = value();
+      read(height);
       break;
     case 322:
-      tileWidth = value();
+      read(tileWidth);
       break;
     case 323:
-      tileHeight = value();
+      read(tileHeight);
       break;
     default:
       break;

@@ -77,9 +77,13 @@ def bombs():
     yield "tags", "tags.tif", tiff(9, 9, *((1000 + i, 3, 1, 1) for i in range(4000)))
     yield "tags", "pages.tif", b"II*\0\x08\0\0\0" + b"".join(
         struct.pack("<H108xI", 9, 8 + 114 * i) for i in range(1, 20000)) + bytes(9)
-    yield "tiles", "wide.tif", tiff(30000, 1, (322, 4, 1, 16), (323, 4, 1, 16000), (324, 4, 1, 8), (325, 4, 1, 100))
-    yield "again", "strips.tif", tiff(9, 8000, (278, 4, 1, 1), (273, 4, 8000, 250), (279, 4, 8000, 250)) + \
-        struct.pack("<I", 30000) * 8000
+    for name, lengths in [("strips.tif", 279), ("both.tif", 325)]:
+        yield "again and again", name, tiff(
+            9, 8000, (278, 4, 1, 1), (273, 4, 8000, 250), (lengths, 4, 8000, 250)) + struct.pack("<I", 30000) * 8000
+    for name, kind, twice in [("wide.tif", 4, 400), ("signed.tif", 9, 400), ("twice.tif", 4, 323)]:
+        yield "far beyond", name, tiff(
+            30000, 1, (322, kind, 1, 16), (323, kind, 1, 16000), (324, 4, 1, 8), (325, 4, 1, 100), (400, 4, 1, 16)
+        ).replace(struct.pack("<HH", 400, 4), struct.pack("<HH", twice, 4))
     frames = (b"ANMF" + struct.pack("<I", 16) + bytes(16)) * 20000
     yield "chunks", "frames.webp", b"RIFF" + struct.pack("<I", 4 + len(frames)) + b"WEBP" + frames
     items = b"".join(struct.pack(">I4sIHH4sB", 21, b"infe", 2 << 24, 1, 0, b"iovl", 0) for _ in range(2))
