@@ -17,9 +17,9 @@ public:
   // -1 after the file's end.
   int At(int64_t place);
   // `size` bytes, at most 8, as one number; 0 when they reach beyond the file's end.
-  uint64_t Number(uint64_t place, uint64_t size, std::endian order = std::endian::big);
-  // The first place from `place` on, and before `end`, that holds `value`; -1 when none does.
-  int64_t Find(uint8_t value, int64_t place, int64_t end = INT64_MAX);
+  uint64_t Number(int64_t place, int size, std::endian order = std::endian::big);
+  // The first place from `place` on that holds `value`; -1 when none does.
+  int64_t Find(uint8_t value, int64_t place);
 
 private:
   void _Read(int64_t place);
@@ -41,8 +41,8 @@ constexpr uint64_t NameOf(const char (&name)[5]) {
 
 // Of a PNG, and what an animated WebP is made of.
 constexpr int MOST_CHUNKS = 10'000;
-// How often the same bytes may be decoded again.
-constexpr int MOST_REPEATS = 10;
+// How often the same bytes, or the same image, may be decoded again.
+constexpr unsigned MOST_REPEATS = 10;
 
 // These throw Failure(BadInput) with a sentence that begins with `path`.
 void CheckPng(FileBytes& bytes, const std::string& path);
