@@ -55,6 +55,18 @@ def tiff(width, height, *tags):
             + b"".join(struct.pack("<HHII", *tag) for tag in tags) + bytes(4))
 
 
+def box(kind, *content):
+    return struct.pack(">I4s", 8 + sum(map(len, content)), kind) + b"".join(content)
+
+
+def heif(kinds, *references, before=b""):
+    """Items of these kinds, numbered from 1; references: a kind, the item from which, those to which."""
+    items = (box(b"infe", struct.pack(">IHH4sx", 2 << 24, i, 0, kind)) for i, kind in enumerate(kinds, 1))
+    lists = (box(kind, struct.pack(f">HH{len(to)}H", start, len(to), *to)) for kind, start, *to in references)
+    return box(b"ftyp", b"avif", bytes(4)) + before + box(
+        b"meta", bytes(4), box(b"iinf", struct.pack(">IH", 0, len(kinds)), *items), box(b"iref", bytes(4), *lists))
+
+
 def bombs():
     text = zlib.compress(bytes(7 * 10**6), 9)
     yield "no side", "large.png", png(60000, 60000)
@@ -77,14 +89,23 @@ def bombs():
     yield "tags", "tags.tif", tiff(9, 9, *((1000 + i, 3, 1, 1) for i in range(4000)))
     yield "tags", "pages.tif", b"II*\0\x08\0\0\0" + b"".join(
         struct.pack("<H108xI", 9, 8 + 114 * i) for i in range(1, 20000)) + bytes(9)
-    yield "tiles", "wide.tif", tiff(30000, 1, (322, 4, 1, 16), (323, 4, 1, 16000), (324, 4, 1, 8), (325, 4, 1, 100))
-    yield "again", "strips.tif", tiff(9, 8000, (278, 4, 1, 1), (273, 4, 8000, 250), (279, 4, 8000, 250)) + \
-        struct.pack("<I", 30000) * 8000
+    for name, lengths in [("strips.tif", 279), ("both.tif", 325)]:
+        yield "again and again", name, tiff(
+            9, 8000, (278, 4, 1, 1), (273, 4, 8000, 250), (lengths, 4, 8000, 250)) + struct.pack("<I", 30000) * 8000
+    for name, kind, twice in [("wide.tif", 4, 400), ("signed.tif", 9, 400), ("twice.tif", 4, 323)]:
+        yield "far beyond", name, tiff(
+            30000, 1, (322, kind, 1, 16), (323, kind, 1, 16000), (324, 4, 1, 8), (325, 4, 1, 100), (400, 4, 1, 16)
+        ).replace(struct.pack("<HH", 400, 4), struct.pack("<HH", twice, 4))
     frames = (b"ANMF" + struct.pack("<I", 16) + bytes(16)) * 20000
     yield "chunks", "frames.webp", b"RIFF" + struct.pack("<I", 4 + len(frames)) + b"WEBP" + frames
-    items = b"".join(struct.pack(">I4sIHH4sB", 21, b"infe", 2 << 24, 1, 0, b"iovl", 0) for _ in range(2))
-    yield "over each other", "overlays.avif", b"\0\0\0\x10ftypavif\0\0\0\0" + struct.pack(
-        ">I4s", 8 + len(items), b"meta") + items
+    yield "over each other", "overlays.avif", heif([b"iovl", b"iovl"])
+    yield "over each other", "long.avif", heif([b"iovl"], before=struct.pack(">I4sQ", 1, b"free", 16))
+    yield "made of others", "grids.avif", heif([b"grid", b"grid", b"av01"], (b"dimg", 1, 2, 2), (b"dimg", 2, 3, 3))
+    yield "made of others", "circle.avif", heif([b"iden", b"iden"], (b"dimg", 1, 2), (b"dimg", 2, 1))
+    yield "made of others", "alpha.avif", heif([b"grid", b"av01", b"grid"], (b"dimg", 1, 2), (b"auxl", 3, 2))
+    yield "again and again", "tiles.avif", heif([b"grid", b"av01"], (b"dimg", 1, *[2] * 100))
+    yield "65536", "references.avif", heif([b"grid"], *[(b"dimg", 1, *range(2, 40000))] * 2)
+    yield "fit their box", "counts.avif", heif([b"grid"], (b"dimg", 1, 2)).replace(b"dimg\0\1\0\1", b"dimg\0\1\xff\xff")
     yield "", "boxes.avif", b"\0\0\0\x10ftypavif\0\0\0\0" + b"\0\0\0\x08meta" * 400000
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
 

@@ -1,0 +1,139 @@
+#include "format_limits.h"
+
+#include "failure.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace limn {
+namespace {
+
+// Its decoder goes over all unknown tags of a page for each new one.
+constexpr uint64_t MOST_TAGS_A_PAGE = 300;
+constexpr uint64_t MOST_TAGS = 20'000;
+// How many pixels tiles may hold beside the image.
+constexpr uint64_t MOST_PADDING = 64'000'000;
+
+// A TIFF's numbers, in the byte order that it begins with.
+class TiffNumbers {
+public:
+  explicit TiffNumbers(FileBytes& bytes) : _bytes(bytes) {
+    const int first = bytes.At(0);
+    _order = first == 'M' ? std::endian::big : std::endian::little;
+    _isTiff = (first == 'I' || first == 'M') && bytes.At(1) == first;
+    _isLong = At(2, 2) == '+';
+  }
+  bool IsTiff() const { return _isTiff; }
+  bool IsLong() const { return _isLong; } // with 64-bit offsets
+  uint64_t At(uint64_t place, uint64_t size) {
+    return _bytes.Number(static_cast<int64_t>(place), static_cast<int>(size), _order);
+  }
+
+private:
+  FileBytes& _bytes;
+  std::endian _order;
+  bool _isTiff;
+  bool _isLong;
+};
+
+// One tag of a page: `count` values of `size` bytes from `place` on.
+struct TiffTag {
+  uint64_t id, size, count, place;
+};
+
+// By type: those of whole numbers, with a sign too, all of which the decoder takes for a side.
+constexpr uint8_t SIZES[] = {0, 1, 0, 2, 4, 0, 1, 0, 2, 4, 0, 0, 0, 4, 0, 0, 8, 8, 8};
+
+TiffTag TagAt(TiffNumbers& numbers, uint64_t entry) {
+  const uint64_t width = numbers.IsLong() ? 8 : 4;
+  const uint64_t type = numbers.At(entry + 2, 2);
+  TiffTag tag{numbers.At(entry, 2), 0, numbers.At(entry + 4, width), entry + 4 + width};
+  if (type < std::size(SIZES))
+    tag.size = SIZES[type];
+  if (tag.count > width || tag.size * tag.count > width)
+    tag.place = numbers.At(tag.place, width);
+  return tag;
+}
+
+uint64_t PaddedTo(uint64_t side, uint64_t piece) {
+  return piece == 0 ? side : (side + piece - 1) / piece * piece;
+}
+
+// The first page's tags. No profile or text may be longer than a photograph's are; its strips or
+// tiles may not be the same bytes over and over, and tiles not reach far beyond the image.
+void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t fileLength,
+                 const std::string& path) {
+  constexpr uint64_t MOST_VALUES = 32 << 20; // of whatever size, in one tag
+  uint64_t width = 0, height = 0, tileWidth = 0, tileHeight = 0, numBytes = 0;
+  bool isCounted[2] = {};
+  for (uint64_t i = 0; i < numTags; ++i) {
+    const TiffTag tag = TagAt(numbers, tags + (numbers.IsLong() ? 20 : 12) * i);
+    // Of tags with the same number, the decoder takes the first.
+    const auto read = [&](uint64_t& value) {
+      if (value == 0)
+        value = std::min<uint64_t>(numbers.At(tag.place, tag.size), 1U << 30);
+    };
+    switch (tag.id) {
+    case 273: // where the pixels are: the decoder checks these against the image's size
+    case 324:
+      continue;
+    case 279: // and how many bytes they take: of strips and tiles, either of which may count
+    case 325:
+      for (uint64_t k = 0;
+           !isCounted[tag.id == 325] && k < tag.count && tag.size > 0 &&
+           tag.place + k * tag.size < fileLength && numBytes / MOST_REPEATS <= fileLength;
+           ++k)
+        numBytes += std::min(numbers.At(tag.place + k * tag.size, tag.size), fileLength);
+      isCounted[tag.id == 325] = true;
+      continue;
+    case 256:
+      read(width);
+      break;
+    case 257:
+      read(height);
+      break;
+    case 322:
+      read(tileWidth);
+      break;
+    case 323:
+      read(tileHeight);
+      break;
+    default:
+      break;
+    }
+    if (tag.count > MOST_VALUES)
+      throw Failure(ExitCode::BadInput, path + ": holds more data beside its pixels than is read");
+  }
+  if (numBytes / MOST_REPEATS > fileLength)
+    throw Failure(ExitCode::BadInput, path + ": decodes the same bytes again and again");
+  const uint64_t rows = PaddedTo(height, tileHeight);
+  if (rows > 0 && PaddedTo(width, tileWidth) > (MOST_PADDING + 4 * width * height) / rows)
+    throw Failure(ExitCode::BadInput, path + ": has tiles that reach far beyond its pixels");
+}
+
+} // namespace
+
+// All pages are counted, by reading their tags.
+void CheckTiff(FileBytes& bytes, const std::string& path) {
+  constexpr uint64_t MOST_DECODED = 4096; // a page with more ends the decoder's reading
+  TiffNumbers numbers(bytes);
+  if (!numbers.IsTiff())
+    return;
+  const uint64_t width = numbers.IsLong() ? 8 : 4;
+  const uint64_t head = numbers.IsLong() ? 8 : 2;
+  uint64_t allTags = 0;
+  for (uint64_t page = numbers.At(width, width); page != 0;) {
+    const uint64_t numTags = numbers.At(page, head);
+    if (numTags == 0 || numTags > MOST_DECODED)
+      return;
+    const bool isFirst = allTags == 0;
+    allTags += numTags;
+    if (numTags > MOST_TAGS_A_PAGE || allTags > MOST_TAGS)
+      throw Failure(ExitCode::BadInput, path + ": holds more tags than a photograph does");
+    if (isFirst)
+      CheckValues(numbers, page + head, numTags, static_cast<uint64_t>(bytes.Length()), path);
+    page = numbers.At(page + head + (numbers.IsLong() ? 20 : 12) * numTags, width);
+  }
+}
+
+} // namespace limn
