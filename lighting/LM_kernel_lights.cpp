@@ -60,6 +60,14 @@ float StrongestLight(const LM_light& light) {
   return color * strongest;
 }
 
+// The cutoff, less what roundings may do to a cosine.
+double ReachCosine(const LM_light& light) {
+  const auto [x, y, z] = light.direction;
+  const double length =
+      std::hypot(static_cast<double>(x), static_cast<double>(y), static_cast<double>(z));
+  return static_cast<double>(light.cosCutoff) - 0x1p-19 * std::max(length, 1.0);
+}
+
 // Both squared lengths between which the way to a light stays, apart from its height.
 struct SquaredWay {
   float least, most;
@@ -97,6 +105,7 @@ LM_kernel_light KernelLight(const LM_light& light) {
   out.spreadMinCos = light.spreadMinCos;
   out.spreadScale = light.spreadScale;
   out.spreadTable = light.spreadTable;
+  out.reachCosine = ReachCosine(light);
   out.strongest = StrongestLight(light);
   return out;
 }

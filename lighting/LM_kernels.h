@@ -23,7 +23,8 @@ struct LM_kernel_light {
   float axisY, axisZ; // spot: the axis' y and z, times this light's y and z
   float cosCutoff, spreadMinCos, spreadScale;
   const float* spreadTable;
-  double zWide; // z
+  double zWide;       // z
+  double reachCosine; // spot: no sample whose exact cosine is smaller is lit
   // The largest product of colour and falloff: infinite when a falloff is NaN, NaN when the table
   // cannot be looked up on vectors.
   float strongest;

@@ -76,7 +76,7 @@ LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store
                                                                  piece.columns[piece.Pixels() - 1],
                                                                  _grid.Y(piece.rect.top),
                                                                  _grid.Y(piece.rect.bottom - 1)},
-      _lights(), _row(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
+      _lights(), _row(), _near(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
       _allFit(false), _y(piece.rect.top) {
   if (!_onVectors)
     return;
@@ -122,20 +122,36 @@ void LM_row_driver::_FillHeights(int32_t y) {
   }
 }
 
+// Lights n samples of a row's planes from the `first` one on.
+void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n) {
+  const foo& params = *_piece.params;
+  const LM_kernel_surface surface = {params.gloss, params.material, params.exposure};
+  const LM_kernel_planes planes = {
+      {_buffers.planes[0] + first, _buffers.planes[1] + first, _buffers.planes[2] + first}};
+  const float* const columns = _piece.columns + first;
+  if (_piece.IsFlat()) {
+    _piece.kernels->flat(lights, surface, columns, n, planes);
+    return;
+  }
+  const int32_t* const heights[3] = {_buffers.heights.At(row - 1) + first,
+                                     _buffers.heights.At(row) + first,
+                                     _buffers.heights.At(row + 1) + first};
+  _piece.kernels->relief(lights, surface, columns, n, heights, planes);
+}
+
 void LM_row_driver::_LightPlanes(int32_t y) {
   const LM_kernels& kernels = *_piece.kernels;
-  const foo& params = *_piece.params;
   const int n = static_cast<int>(_piece.Pixels());
-  const LM_kernel_surface surface = {params.gloss, params.material, params.exposure};
+  const int32_t row = y - _piece.rect.top;
   const LM_kernel_planes planes = {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}};
   kernels.split(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, n, planes);
-  if (_piece.IsFlat()) {
-    kernels.flat(_row, surface, _piece.columns, n, planes);
-  } else {
-    const int32_t row = y - _piece.rect.top;
-    const int32_t* const heights[3] = {_buffers.heights.At(row - 1), _buffers.heights.At(row),
-                                       _buffers.heights.At(row + 1)};
-    kernels.relief(_row, surface, _piece.columns, n, heights, planes);
+  const LM_row_reach reach = LM_FindReach(_row, _piece.columns, n);
+  const int pieces = LM_ReachPieces(n);
+  for (int piece = 0, end = 0; piece < pieces; piece = end) {
+    end = reach.EndOfRun(piece, pieces);
+    LM_SelectLights(_row, reach.lights[piece], _near);
+    const int first = piece * LM_REACH_PIECE;
+    _LightRun(_near, row, first, std::min(end * LM_REACH_PIECE, n) - first);
   }
   kernels.join(planes, n, _piece.output.At(_piece.rect.left, y), _piece.output.pixelStep);
 }

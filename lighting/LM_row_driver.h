@@ -7,6 +7,7 @@
 #include "LM_image.h"
 #include "LM_kernel_lights.h"
 #include "LM_light_sums.h"
+#include "LM_reach.h"
 #include "LM_sample_store.h"
 #include "LM_vector_sums.h"
 
@@ -52,6 +53,7 @@ public:
 private:
   bool _PutLightsIntoRow(float place);
   void _LightPlanes(int32_t y);
+  void _LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n);
   void _LightFlatSamples(int32_t y);
   void _LightFacets(int32_t y, uint32_t first, uint32_t pixels);
   uint32_t _MakeFacets(int32_t y, uint32_t first, uint32_t pixels);
@@ -69,6 +71,7 @@ private:
   LM_extent _extent;        // of the piece's samples
   LM_kernel_lights _lights; // in no row yet
   LM_kernel_lights _row;    // as a row sees them
+  LM_kernel_lights _near;   // those that reach a part of it
   bool _onVectors;          // rows whose lights allow it go through the planes
   bool _allFit;             // every row allows it
   int32_t _y;
