@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -99,25 +98,7 @@ template <typename Step> OSErr MoveBytes(int32_t wanted, int32_t* moved, Step st
   return noErr;
 }
 
-// Renames unless the new name is taken.
-bool RenameToFreeName(const std::string& from, const std::string& to) {
-#ifdef RENAME_NOREPLACE
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
-    return true;
-  }
-  if (errno != EINVAL && errno != ENOSYS) {
-    return false;
-  }
-#endif
-  struct stat status;
-  if (lstat(to.c_str(), &status) == 0) {
-    errno = EEXIST;
-    return false;
-  }
-  return rename(from.c_str(), to.c_str()) == 0;
-}
-
-// Whether a file may be removed or replaced. Of a link only the link itself would go.
+// Whether a file may be removed. Of a link only the link itself would go.
 OSErr CheckRemovable(const struct stat& status) {
   if (S_ISREG(status.st_mode)) {
     return TB_IsLocked(status) ? fLckdErr : noErr;
@@ -193,29 +174,6 @@ OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStr255Param name) {
     const OSErr deleted = Result(unlink(place.path.c_str()) == 0);
     TB_ForgetListing(place.folder);
     return deleted;
-  });
-}
-
-OSErr HRename(int16_t vRefNum, int32_t dirID, ConstStr255Param oldName, ConstStr255Param newName) {
-  return TB_FileOperation([&]() -> OSErr {
-    TB_FilePlace from;
-    TB_FilePlace to;
-    struct stat status;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, oldName, &from)) {
-      return err;
-    }
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, newName, &to)) {
-      return err;
-    }
-    if (OSErr err = TB_StatusOf(from.path, TB_Links::Keep, &status)) {
-      return err;
-    }
-    if (S_ISREG(status.st_mode) && TB_IsLocked(status)) {
-      return fLckdErr;
-    }
-    const OSErr renamed = Result(RenameToFreeName(from.path, to.path));
-    TB_ForgetListing(from.folder);
-    return renamed;
   });
 }
 
