@@ -13,6 +13,7 @@
 #include <map>
 #include <mutex>
 #include <sys/stat.h>
+#include <utility>
 
 namespace {
 
@@ -175,37 +176,14 @@ void TB_ForgetListing(const std::string& path) {
 }
 
 OSErr TB_ErrorFor(int error) {
-  switch (error) {
-  case ENOENT:
-    return fnfErr;
-  case ENOTDIR:
-    return dirNFErr;
-  case EEXIST:
-    return dupFNErr;
-  case EACCES:
-  case EPERM:
-  case ELOOP:
-  case ETXTBSY:
-    return permErr;
-  case EROFS:
-    return wPrErr;
-  case ENOSPC:
-  case EDQUOT:
-  case EFBIG:
-    return dskFulErr;
-  case EMFILE:
-  case ENFILE:
-    return tmfoErr;
-  case ENAMETOOLONG:
-    return bdNamErr;
-  case ENOTEMPTY:
-    return fBsyErr;
-  case EISDIR:
-  case ENXIO:
-    return notAFileErr;
-  case ENOMEM:
-    return memFullErr;
-  default:
-    return ioErr;
-  }
+  constexpr std::pair<int, OSErr> CODES[] = {
+      {ENOENT, fnfErr},     {ENOTDIR, dirNFErr},      {EEXIST, dupFNErr},   {EACCES, permErr},
+      {EPERM, permErr},     {ELOOP, permErr},         {ETXTBSY, permErr},   {EROFS, wPrErr},
+      {ENOSPC, dskFulErr},  {EDQUOT, dskFulErr},      {EFBIG, dskFulErr},   {EMFILE, tmfoErr},
+      {ENFILE, tmfoErr},    {ENAMETOOLONG, bdNamErr}, {ENOTEMPTY, fBsyErr}, {EISDIR, notAFileErr},
+      {ENXIO, notAFileErr}, {ENOMEM, memFullErr}};
+  for (const auto& [system, code] : CODES)
+    if (system == error)
+      return code;
+  return ioErr;
 }
