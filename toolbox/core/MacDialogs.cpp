@@ -26,22 +26,9 @@ State& Shared() {
   return state;
 }
 
-// Texts may hold a stranger's file name, which must not reach a terminal's control functions.
-std::string Printable(std::string_view text) {
-  std::string printable;
-  while (!text.empty()) {
-    const TB_Character next = TB_FirstCharacter(text);
-    const bool control = (next.code < 0x20 && next.code != '\n') ||
-                         (next.code >= 0x7F && next.code < 0xA0) || next.code >= TB_STRAY_BYTE;
-    printable += control ? std::string_view("?") : text.substr(0, next.length);
-    text.remove_prefix(next.length);
-  }
-  return printable;
-}
-
 int16_t PrintMessage(const TB_Message& message, void*, ModalFilterUPP) {
   std::string line = message.text + (message.detail.empty() ? "" : " " + message.detail);
-  std::fprintf(stderr, "%s\n", Printable(line).c_str());
+  std::fprintf(stderr, "%s\n", TB_Printable(line, '\n').c_str());
   return 1;
 }
 

@@ -30,3 +30,15 @@ TB_Character TB_FirstCharacter(std::string_view text) {
   }
   return {code, length};
 }
+
+std::string TB_Printable(std::string_view text, char32_t kept) {
+  std::string printable;
+  while (!text.empty()) {
+    const TB_Character next = TB_FirstCharacter(text);
+    const bool control = next.code < 0x20 || (next.code >= 0x7F && next.code < 0xA0);
+    const bool harmful = (control && next.code != kept) || next.code >= TB_STRAY_BYTE;
+    printable += harmful ? std::string_view("?") : text.substr(0, next.length);
+    text.remove_prefix(next.length);
+  }
+  return printable;
+}
