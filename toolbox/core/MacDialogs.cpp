@@ -40,23 +40,19 @@ std::string TextOf(const nlohmann::json& resource, const char* key) {
 
 std::optional<TB_Message> FindMessage(int16_t number) {
   const nlohmann::json* resource = TB_Resource("ALRT", number);
-  if (!resource || !resource->is_object()) {
+  if (!resource || !resource->is_object())
     return std::nullopt;
-  }
   TB_Message message{number,
                      TextOf(*resource, "kind"),
                      TextOf(*resource, "text"),
                      TextOf(*resource, "detail"),
                      {}};
   auto buttons = resource->find("buttons");
-  if (buttons != resource->end() && buttons->is_array()) {
-    for (const nlohmann::json& button : *buttons) {
+  if (buttons != resource->end() && buttons->is_array())
+    for (const nlohmann::json& button : *buttons)
       message.buttons.push_back(button.is_string() ? button.get<std::string>() : std::string());
-    }
-  }
-  if (message.buttons.empty()) {
+  if (message.buttons.empty())
     message.buttons.emplace_back("OK");
-  }
   return message;
 }
 
@@ -90,11 +86,9 @@ void ParamText(ConstStr255Param text0, ConstStr255Param text1, ConstStr255Param 
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   const ConstStr255Param given[4] = {text0, text1, text2, text3};
-  for (size_t i = 0; i < 4; ++i) {
-    if (given[i]) {
+  for (size_t i = 0; i < 4; ++i)
+    if (given[i])
       state.texts[i] = TB_StdString(given[i]);
-    }
-  }
 }
 
 std::string TB_FillInParamText(std::string_view text) {
@@ -104,11 +98,10 @@ std::string TB_FillInParamText(std::string_view text) {
   for (size_t i = 0; i < text.size(); ++i) {
     const bool mark =
         text[i] == '^' && i + 1 < text.size() && text[i + 1] >= '0' && text[i + 1] <= '3';
-    if (mark) {
+    if (mark)
       filled += state.texts[static_cast<size_t>(text[++i] - '0')];
-    } else {
+    else
       filled += text[i];
-    }
   }
   return filled;
 }

@@ -76,9 +76,8 @@ void AskSystem(State* state) {
   uint64_t available = UINT64_MAX;
   uint64_t resident = UINT64_MAX;
   try {
-    if (!state->groups) {
+    if (!state->groups)
       state->groups = TB_FindControlGroups("");
-    }
     available = TB_FreeMemory("", *state->groups);
     resident = TB_ResidentMemory();
   } catch (const std::exception&) {
@@ -122,18 +121,16 @@ bool Listed(const HandleRecord& record) {
 void AddToList(State* state, HandleRecord* record) {
   record->previous = nullptr;
   record->next = state->firstPurgeable;
-  if (record->next) {
+  if (record->next)
     record->next->previous = record;
-  }
   state->firstPurgeable = record;
   state->purgeableBytes += static_cast<uint64_t>(HeaderOf(record->master)->size);
 }
 
 void RemoveFromList(State* state, HandleRecord* record) {
   (record->previous ? record->previous->next : state->firstPurgeable) = record->next;
-  if (record->next) {
+  if (record->next)
     record->next->previous = record->previous;
-  }
   state->purgeableBytes -= static_cast<uint64_t>(HeaderOf(record->master)->size);
 }
 
@@ -148,15 +145,13 @@ void Purge(State* state, uint64_t wanted, Clock::duration maximumAge) {
 
 // Takes `size` bytes from the budget, purging when there are not enough.
 bool Reserve(State* state, Size size) {
-  if (size < 0 || size > LARGEST_SIZE) {
+  if (size < 0 || size > LARGEST_SIZE)
     return false;
-  }
   const Clock::duration age = size >= LARGE_BLOCK ? LARGE_BLOCK_AGE : SMALL_BLOCK_AGE;
   const auto wanted = static_cast<uint64_t>(size);
   Purge(state, wanted, age);
-  if (FreeBytes(state, age) < wanted) {
+  if (FreeBytes(state, age) < wanted)
     return false;
-  }
   state->inUse += wanted;
   return true;
 }
@@ -167,9 +162,8 @@ Ptr NewBytes(Size size) {
   lastError = memFullErr;
   {
     std::lock_guard lock(state.mutex);
-    if (!Reserve(&state, size)) {
+    if (!Reserve(&state, size))
       return nullptr;
-    }
   }
   const size_t offset = size >= PAGE_BLOCK ? PAGE_ALIGNMENT : SMALL_ALIGNMENT;
   void* memory = nullptr;
@@ -192,13 +186,11 @@ void SetFlag(Handle handle, bool HandleRecord::*flag, bool value) {
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   HandleRecord* record = RecordOf(handle);
-  if (Listed(*record)) {
+  if (Listed(*record))
     RemoveFromList(&state, record);
-  }
   record->*flag = value;
-  if (Listed(*record)) {
+  if (Listed(*record))
     AddToList(&state, record);
-  }
   lastError = noErr;
 }
 
@@ -216,9 +208,8 @@ Ptr NewPtr(Size size) {
 
 Ptr NewPtrClear(Size size) {
   Ptr block = NewPtr(size);
-  if (block) {
+  if (block)
     memset(block, 0, static_cast<size_t>(size));
-  }
   return block;
 }
 
@@ -234,9 +225,8 @@ void DisposePtr(Ptr block) {
 
 Handle NewHandle(Size size) {
   Ptr bytes = NewBytes(size);
-  if (!bytes) {
+  if (!bytes)
     return nullptr;
-  }
   State& state = Shared();
   auto* record = static_cast<HandleRecord*>(malloc(sizeof(HandleRecord)));
   std::lock_guard lock(state.mutex);
@@ -252,18 +242,15 @@ Handle NewHandle(Size size) {
 
 void DisposeHandle(Handle handle) {
   lastError = noErr;
-  if (!handle) {
+  if (!handle)
     return;
-  }
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   HandleRecord* record = RecordOf(handle);
-  if (Listed(*record)) {
+  if (Listed(*record))
     RemoveFromList(&state, record);
-  }
-  if (record->master) {
+  if (record->master)
     ReleaseBytes(&state, record->master);
-  }
   --state.blocks;
   free(record);
 }
@@ -278,18 +265,16 @@ Size GetHandleSize(Handle handle) {
 // SetHandleSize for a block that is not purgeable.
 static void Resize(Handle handle, Size size) {
   const Size oldSize = GetHandleSize(handle);
-  if (!handle || size == oldSize) {
+  if (!handle || size == oldSize)
     return;
-  }
   if (RecordOf(handle)->locked && size > oldSize) {
     lastError = memLockedErr;
     return;
   }
   // A locked block that shrinks must stay where it is, and so keeps its bytes.
   Ptr bytes = RecordOf(handle)->locked && size >= 0 ? *handle : NewBytes(size);
-  if (!bytes) {
+  if (!bytes)
     return;
-  }
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   HandleRecord* record = RecordOf(handle);
@@ -310,9 +295,8 @@ void SetHandleSize(Handle handle, Size size) {
   HNoPurge(handle);
   Resize(handle, size);
   const OSErr result = lastError;
-  if (purgeable) {
+  if (purgeable)
     HPurge(handle);
-  }
   lastError = result;
 }
 
@@ -345,9 +329,8 @@ void PurgeMem(Size size) {
 }
 
 Size MaxMem(Size* grow) {
-  if (grow) {
+  if (grow)
     *grow = 0;
-  }
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   Purge(&state, UINT64_MAX, QUERY_AGE);
@@ -360,12 +343,10 @@ void PurgeSpace(Size* total, Size* contiguous) {
   std::lock_guard lock(state.mutex);
   const uint64_t bytes = FreeBytes(&state, QUERY_AGE);
   const uint64_t all = bytes + std::min(state.purgeableBytes, UINT64_MAX - bytes);
-  if (total) {
+  if (total)
     *total = AsSize(all);
-  }
-  if (contiguous) {
+  if (contiguous)
     *contiguous = AsSize(all);
-  }
   lastError = noErr;
 }
 

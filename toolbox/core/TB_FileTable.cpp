@@ -29,9 +29,8 @@ Table& Shared() {
 
 // The place of a valid reference; the lock is held.
 Place* FindPlace(Table* table, int16_t refNum) {
-  if (refNum <= 0) {
+  if (refNum <= 0)
     return nullptr;
-  }
   Place& place = table->places[static_cast<size_t>(refNum % PLACES)];
   return place.file && place.round == refNum / PLACES ? &place : nullptr;
 }
@@ -39,9 +38,8 @@ Place* FindPlace(Table* table, int16_t refNum) {
 } // namespace
 
 TB_OpenFile::~TB_OpenFile() {
-  if (descriptor >= 0) {
+  if (descriptor >= 0)
     close(descriptor);
-  }
 }
 
 int16_t TB_AddOpenFile(std::shared_ptr<TB_OpenFile> file) {
@@ -70,9 +68,8 @@ std::shared_ptr<TB_OpenFile> TB_RemoveOpenFile(int16_t refNum) {
   Table& table = Shared();
   std::lock_guard lock(table.mutex);
   Place* place = FindPlace(&table, refNum);
-  if (!place) {
+  if (!place)
     return nullptr;
-  }
   place->round = place->round % LAST_ROUND + 1;
   return std::exchange(place->file, nullptr);
 }

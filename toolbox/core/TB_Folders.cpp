@@ -52,26 +52,22 @@ int64_t Nanoseconds(const timespec& time) {
 }
 
 bool IsRegularFile(DIR* folder, const dirent& entry) {
-  if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) {
+  if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK)
     return entry.d_type == DT_REG;
-  }
   struct stat status;
   return fstatat(dirfd(folder), entry.d_name, &status, 0) == 0 && S_ISREG(status.st_mode);
 }
 
 TB_Listing ReadFolder(const std::string& path) {
   std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.c_str()), closedir);
-  if (!folder) {
+  if (!folder)
     return nullptr;
-  }
   auto names = std::make_shared<std::vector<std::string>>();
   while (const dirent* entry = readdir(folder.get())) {
-    if (entry->d_name[0] == '.' || !IsRegularFile(folder.get(), *entry)) {
+    if (entry->d_name[0] == '.' || !IsRegularFile(folder.get(), *entry))
       continue;
-    }
-    if (auto name = TB_NameForFile(entry->d_name)) {
+    if (auto name = TB_NameForFile(entry->d_name))
       names->push_back(std::move(*name));
-    }
   }
   std::sort(names->begin(), names->end(),
             [](const std::string& a, const std::string& b) { return TB_CompareNames(a, b) < 0; });
@@ -79,9 +75,8 @@ TB_Listing ReadFolder(const std::string& path) {
 }
 
 std::string DefaultFolder(State* state) {
-  if (!state->defaultFolder.empty()) {
+  if (!state->defaultFolder.empty())
     return state->defaultFolder;
-  }
   std::string current;
   return TB_ResolveFolder(".", &current) == noErr ? current : "/";
 }
@@ -91,43 +86,38 @@ std::string DefaultFolder(State* state) {
 OSErr TB_ResolveFolder(const std::string& path, std::string* resolved) {
   std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), free);
   struct stat status;
-  if (!real || stat(real.get(), &status) != 0 || !S_ISDIR(status.st_mode)) {
+  if (!real || stat(real.get(), &status) != 0 || !S_ISDIR(status.st_mode))
     return dirNFErr;
-  }
   *resolved = real.get();
   return noErr;
 }
 
 int32_t TB_FolderID(const std::string& path) {
-  if (path == "/") {
+  if (path == "/")
     return ROOT_ID;
-  }
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   const auto known = state.ids.find(path);
-  if (known != state.ids.end()) {
+  if (known != state.ids.end())
     return known->second;
-  }
   // In this order no number is left without a folder when memory runs out.
   state.paths.push_back(path);
   return state.ids[path] = FIRST_ID + static_cast<int32_t>(state.paths.size() - 1);
 }
 
 OSErr TB_FolderPath(int16_t vRefNum, int32_t dirID, std::string* path) {
-  if (vRefNum != ONLY_VOLUME && vRefNum != 0) {
+  if (vRefNum != ONLY_VOLUME && vRefNum != 0)
     return nsvErr;
-  }
   State& state = Shared();
   std::lock_guard lock(state.mutex);
-  if (dirID == 0) {
+  if (dirID == 0)
     *path = DefaultFolder(&state);
-  } else if (dirID == ROOT_ID) {
+  else if (dirID == ROOT_ID)
     *path = "/";
-  } else if (dirID >= FIRST_ID && static_cast<size_t>(dirID - FIRST_ID) < state.paths.size()) {
+  else if (dirID >= FIRST_ID && static_cast<size_t>(dirID - FIRST_ID) < state.paths.size())
     *path = state.paths[static_cast<size_t>(dirID - FIRST_ID)];
-  } else {
+  else
     return dirNFErr;
-  }
   return noErr;
 }
 
@@ -141,17 +131,15 @@ TB_Listing TB_ListFolder(const std::string& path) {
   State& state = Shared();
   std::lock_guard lock(state.mutex);
   struct stat status;
-  if (stat(path.c_str(), &status) != 0) {
+  if (stat(path.c_str(), &status) != 0)
     return nullptr;
-  }
   const int64_t changed = Nanoseconds(status.st_mtim);
   auto cached = state.listings.find(path);
   if (cached != state.listings.end()) {
     const CachedListing& listing = cached->second;
     if (listing.settled && listing.device == status.st_dev && listing.node == status.st_ino &&
-        listing.changed == changed) {
+        listing.changed == changed)
       return listing.names;
-    }
     state.listings.erase(cached);
   }
   timespec time{};
@@ -159,9 +147,8 @@ TB_Listing TB_ListFolder(const std::string& path) {
   const int64_t age = Nanoseconds(time) - changed;
   TB_Listing names = ReadFolder(path);
   if (names) {
-    if (state.listings.size() >= MOST_LISTINGS) {
+    if (state.listings.size() >= MOST_LISTINGS)
       state.listings.clear();
-    }
     // A time ahead of ours comes from another machine's clock and cannot be judged.
     const bool settled = age < 0 || age > TIME_GRAIN;
     state.listings[path] = {status.st_dev, status.st_ino, changed, settled, names};
