@@ -7,7 +7,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QThread>
 
 namespace editor {
 namespace {
@@ -26,7 +25,7 @@ QString Patterns(limn::Use use) {
 } // namespace
 
 void StartImageFiles() {
-  limn::StartImageLibrary(QThread::idealThreadCount());
+  limn::StartImageLibrary(limn::ALL_THREADS);
 }
 
 // Formats that lose something are written finely; their programs' own default is for the web.
