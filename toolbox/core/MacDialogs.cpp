@@ -3,6 +3,7 @@
 #include "MacMemory.h"
 #include "MacResources.h"
 #include "MacStrings.h"
+#include "TB_Locked.h"
 #include "TB_Text.h"
 
 #include <array>
@@ -20,11 +21,6 @@ struct State {
   TB_MessagePresenter alertPresenter = nullptr;
   TB_MessagePresenter aboutPresenter = nullptr;
 };
-
-State& Shared() {
-  static State& state = *new State;
-  return state;
-}
 
 int16_t PrintMessage(const TB_Message& message, void*, ModalFilterUPP) {
   std::string line = message.text + (message.detail.empty() ? "" : " " + message.detail);
@@ -57,9 +53,8 @@ std::optional<TB_Message> FindMessage(int16_t number) {
 }
 
 TB_MessagePresenter Exchange(TB_MessagePresenter State::*place, TB_MessagePresenter presenter) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return std::exchange(state.*place, presenter);
+  const TB_Locked<State> state;
+  return std::exchange((*state).*place, presenter);
 }
 
 // Shows a message outside the lock: a presenter may run for long, and come back here.
@@ -72,9 +67,8 @@ int16_t Present(TB_MessagePresenter State::*place, int16_t number, void* window,
   }
   TB_MessagePresenter presenter = nullptr;
   {
-    State& state = Shared();
-    std::lock_guard lock(state.mutex);
-    presenter = state.*place;
+    const TB_Locked<State> state;
+    presenter = (*state).*place;
   }
   return (presenter ? presenter : PrintMessage)(*message, window, filter);
 }
@@ -83,23 +77,21 @@ int16_t Present(TB_MessagePresenter State::*place, int16_t number, void* window,
 
 void ParamText(ConstStr255Param text0, ConstStr255Param text1, ConstStr255Param text2,
                ConstStr255Param text3) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   const ConstStr255Param given[4] = {text0, text1, text2, text3};
   for (size_t i = 0; i < 4; ++i)
     if (given[i])
-      state.texts[i] = TB_StdString(given[i]);
+      state->texts[i] = TB_StdString(given[i]);
 }
 
 std::string TB_FillInParamText(std::string_view text) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   std::string filled;
   for (size_t i = 0; i < text.size(); ++i) {
     const bool mark =
         text[i] == '^' && i + 1 < text.size() && text[i + 1] >= '0' && text[i + 1] <= '3';
     if (mark)
-      filled += state.texts[static_cast<size_t>(text[++i] - '0')];
+      filled += state->texts[static_cast<size_t>(text[++i] - '0')];
     else
       filled += text[i];
   }

@@ -1,6 +1,7 @@
 #include "MacResources.h"
 
 #include "MacStrings.h"
+#include "TB_Locked.h"
 
 #include <algorithm>
 #include <charconv>
@@ -54,11 +55,6 @@ struct State {
   // English with the language in use laid over it; must be made anew when empty.
   std::unique_ptr<const Document> merged;
 };
-
-State& Shared() {
-  static State& state = *new State;
-  return state;
-}
 
 // The number of a numbered element of a list, or null.
 const json* NumberOf(const json& element) {
@@ -213,9 +209,8 @@ const json* Find(State* state, std::string_view type, int16_t number) {
 } // namespace
 
 void GetIndString(StringPtr dest, int16_t listID, int16_t index) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  const json* list = Find(&state, "STR#", listID);
+  const TB_Locked<State> state;
+  const json* list = Find(state, "STR#", listID);
   dest[0] = 0;
   if (list && list->is_array() && index >= 1 && static_cast<size_t>(index) <= list->size()) {
     const json& item = (*list)[static_cast<size_t>(index) - 1];
@@ -225,51 +220,46 @@ void GetIndString(StringPtr dest, int16_t listID, int16_t index) {
 }
 
 Boolean TB_UseResources(const TB_EmbeddedFile* files, size_t count) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  for (const Source& source : state.sources)
+  const TB_Locked<State> state;
+  for (const Source& source : state->sources)
     if (source.files == files && source.count == count)
       return 1;
-  state.merged.reset();
+  state->merged.reset();
   bool allUsed = true;
   for (size_t i = 0; i < count; ++i) {
     const std::string_view bytes(reinterpret_cast<const char*>(files[i].bytes), files[i].size);
-    allUsed = AddFile(&state, files[i].path, bytes) && allUsed;
+    allUsed = AddFile(state, files[i].path, bytes) && allUsed;
   }
   // Noted at the end: what ran out of memory on the way is tried again.
-  state.sources.push_back({files, count});
+  state->sources.push_back({files, count});
   return allUsed;
 }
 
 void TB_ForgetResources() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.sources.clear();
-  state.files.clear();
-  state.languages.clear();
-  state.merged.reset();
+  const TB_Locked<State> state;
+  state->sources.clear();
+  state->files.clear();
+  state->languages.clear();
+  state->merged.reset();
 }
 
 void TB_SetLanguage(std::string_view code) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.chosen = code;
-  state.merged.reset();
+  const TB_Locked<State> state;
+  state->chosen = code;
+  state->merged.reset();
 }
 
 const json* TB_Resource(std::string_view type, int16_t number) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return Find(&state, type, number);
+  const TB_Locked<State> state;
+  return Find(state, type, number);
 }
 
 std::string_view TB_ResourceFile(std::string_view path) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   for (const std::string& folder :
-       {ChooseLanguage(state) + "/", std::string(ENGLISH) + "/", std::string()}) {
-    auto found = state.files.find(folder + std::string(path));
-    if (found != state.files.end())
+       {ChooseLanguage(*state) + "/", std::string(ENGLISH) + "/", std::string()}) {
+    auto found = state->files.find(folder + std::string(path));
+    if (found != state->files.end())
       return found->second;
   }
   return {};

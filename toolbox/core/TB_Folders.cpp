@@ -3,6 +3,7 @@
 #include "MacFiles.h"
 #include "MacStrings.h"
 #include "TB_FileNames.h"
+#include "TB_Locked.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -40,12 +41,6 @@ struct State {
   std::string defaultFolder;
   std::map<std::string, CachedListing> listings;
 };
-
-// Never destroyed: files may be closed while the program ends.
-State& Shared() {
-  static State& state = *new State;
-  return state;
-}
 
 int64_t Nanoseconds(const timespec& time) {
   return time.tv_sec * INT64_C(1000000000) + time.tv_nsec;
@@ -95,71 +90,66 @@ OSErr TB_ResolveFolder(const std::string& path, std::string* resolved) {
 int32_t TB_FolderID(const std::string& path) {
   if (path == "/")
     return ROOT_ID;
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  const auto known = state.ids.find(path);
-  if (known != state.ids.end())
+  const TB_Locked<State> state;
+  const auto known = state->ids.find(path);
+  if (known != state->ids.end())
     return known->second;
   // In this order no number is left without a folder when memory runs out.
-  state.paths.push_back(path);
-  return state.ids[path] = FIRST_ID + static_cast<int32_t>(state.paths.size() - 1);
+  state->paths.push_back(path);
+  return state->ids[path] = FIRST_ID + static_cast<int32_t>(state->paths.size() - 1);
 }
 
 OSErr TB_FolderPath(int16_t vRefNum, int32_t dirID, std::string* path) {
   if (vRefNum != ONLY_VOLUME && vRefNum != 0)
     return nsvErr;
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   if (dirID == 0)
-    *path = DefaultFolder(&state);
+    *path = DefaultFolder(state);
   else if (dirID == ROOT_ID)
     *path = "/";
-  else if (dirID >= FIRST_ID && static_cast<size_t>(dirID - FIRST_ID) < state.paths.size())
-    *path = state.paths[static_cast<size_t>(dirID - FIRST_ID)];
+  else if (dirID >= FIRST_ID && static_cast<size_t>(dirID - FIRST_ID) < state->paths.size())
+    *path = state->paths[static_cast<size_t>(dirID - FIRST_ID)];
   else
     return dirNFErr;
   return noErr;
 }
 
 void TB_SetDefaultFolder(const std::string& path) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.defaultFolder = path;
+  const TB_Locked<State> state;
+  state->defaultFolder = path;
 }
 
 TB_Listing TB_ListFolder(const std::string& path) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   struct stat status;
   if (stat(path.c_str(), &status) != 0)
     return nullptr;
   const int64_t changed = Nanoseconds(status.st_mtim);
-  auto cached = state.listings.find(path);
-  if (cached != state.listings.end()) {
+  auto cached = state->listings.find(path);
+  if (cached != state->listings.end()) {
     const CachedListing& listing = cached->second;
     if (listing.settled && listing.device == status.st_dev && listing.node == status.st_ino &&
         listing.changed == changed)
       return listing.names;
-    state.listings.erase(cached);
+    state->listings.erase(cached);
   }
   timespec time{};
   clock_gettime(CLOCK_REALTIME, &time);
   const int64_t age = Nanoseconds(time) - changed;
   TB_Listing names = ReadFolder(path);
   if (names) {
-    if (state.listings.size() >= MOST_LISTINGS)
-      state.listings.clear();
+    if (state->listings.size() >= MOST_LISTINGS)
+      state->listings.clear();
     // A time ahead of ours comes from another machine's clock and cannot be judged.
     const bool settled = age < 0 || age > TIME_GRAIN;
-    state.listings[path] = {status.st_dev, status.st_ino, changed, settled, names};
+    state->listings[path] = {status.st_dev, status.st_ino, changed, settled, names};
   }
   return names;
 }
 
 void TB_ForgetListing(const std::string& path) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.listings.erase(path);
+  const TB_Locked<State> state;
+  state->listings.erase(path);
 }
 
 OSErr TB_ErrorFor(int error) {
