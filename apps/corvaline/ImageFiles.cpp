@@ -11,10 +11,6 @@
 namespace editor {
 namespace {
 
-std::string Encoded(const QString& path) {
-  return QFile::encodeName(path).toStdString();
-}
-
 QString Patterns(limn::Use use) {
   QStringList patterns;
   for (const std::string& extension : limn::Extensions(use))
@@ -23,6 +19,10 @@ QString Patterns(limn::Use use) {
 }
 
 } // namespace
+
+std::string Encoded(const QString& path) {
+  return QFile::encodeName(path).toStdString();
+}
 
 void StartImageFiles() {
   limn::StartImageLibrary(limn::ALL_THREADS);
