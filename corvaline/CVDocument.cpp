@@ -162,11 +162,6 @@ CVResult CVDocument::wrapMask(std::uint8_t* pixels, std::size_t rowStride) {
   });
 }
 
-void CVDocument::clearMask() {
-  _maskBuffer = CVBuffer();
-  _mask = {};
-}
-
 CVChannelView<const std::uint8_t> CVDocument::mask() const {
   return {_mask.data, _mask.rowStride, _mask.pixelStep};
 }
@@ -186,13 +181,4 @@ CVChannelView<const std::uint8_t> CVDocument::channel(int index) const {
     return {_base.view.data + index, _base.view.rowStride, _base.view.pixelStep};
   const auto& view = _extras[static_cast<std::size_t>(index - _basePlanes)].view;
   return {view.data, view.rowStride, view.pixelStep};
-}
-
-CVResult CVDocument::setChannelName(int index, const std::string& name) {
-  return CVGuarded("a channel's name", [&]() -> CVResult {
-    if (index < 0 || index >= channelCount())
-      return badImage("there is no channel " + std::to_string(index) + " to be named");
-    _names[static_cast<std::size_t>(index)] = name;
-    return {};
-  });
 }

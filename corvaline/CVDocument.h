@@ -53,7 +53,6 @@ public:
   // The selection: one byte a pixel, 255 fully selected. Without one everything is selected.
   CVResult createMask(std::uint8_t fill);
   CVResult wrapMask(std::uint8_t* pixels, std::size_t rowStride);
-  void clearMask();
   bool hasMask() const { return _mask.data != nullptr; }
   // data is null without a mask; pixelStep is 1.
   CVChannelView<std::uint8_t> mask() { return _mask; }
@@ -72,12 +71,11 @@ public:
   CVChannelView<std::uint8_t> channel(int index);
   CVChannelView<const std::uint8_t> channel(int index) const;
 
-  // Names are the bytes that a plug-in is given; until they are set they are Red, Green, Blue
-  // (Gray) and Alpha, then "Channel 5" and so on.
+  // Names are the bytes that a plug-in is given; the image's own are Red, Green, Blue (Gray) and
+  // Alpha, then "Channel 5" and so on.
   const std::string& channelName(int index) const {
     return _names[static_cast<std::size_t>(index)];
   }
-  CVResult setChannelName(int index, const std::string& name);
 
 private:
   friend class CVResultImage;

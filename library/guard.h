@@ -40,6 +40,13 @@ template <class Work> limn_result Guard(limn_error* error, Work work) noexcept {
   }
 }
 
+// What `work` makes; null or 0, and the call's error, where it throws.
+template <class Made, class Work> Made GuardedMade(limn_error* error, Work work) noexcept {
+  Made made = {};
+  Guard(error, [&] { made = work(); });
+  return made;
+}
+
 // Throws LIMN_BAD_ARGUMENT about a pointer that is null; `name` is the argument's.
 void NeedPointer(const void* pointer, const char* name);
 

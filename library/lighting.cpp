@@ -105,13 +105,13 @@ void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_
 } // namespace limn
 
 using limn::Guard;
+using limn::GuardedMade;
 using limn::NeedPointer;
 
 limn_lighting* limn_prepare(const limn_settings* settings, const limn_picture* picture,
                             limn_error* error) {
-  limn_lighting* lighting = nullptr;
-  Guard(error, [&] { lighting = limn::Prepare(settings, picture).release(); });
-  return lighting;
+  return GuardedMade<limn_lighting*>(error,
+                                     [&] { return limn::Prepare(settings, picture).release(); });
 }
 
 limn_result limn_run(const limn_lighting* lighting, const limn_picture* picture,
@@ -137,13 +137,11 @@ void limn_lighting_free(limn_lighting* lighting) {
 
 size_t limn_settings_parameters(const limn_settings* settings, const limn_picture* picture,
                                 void* buffer, size_t room, limn_error* error) {
-  size_t length = 0;
-  Guard(error, [&] {
+  return GuardedMade<size_t>(error, [&] {
     NeedPointer(picture, "picture");
     const auto params = limn::ParametersOf(settings, limn::FormatOf(*picture));
     if (buffer != nullptr && room >= sizeof *params)
       std::memcpy(buffer, params.get(), sizeof *params);
-    length = sizeof *params;
+    return sizeof *params;
   });
-  return length;
 }

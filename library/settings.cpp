@@ -17,6 +17,7 @@ namespace {
 
 using limn::CallFailure;
 using limn::Guard;
+using limn::GuardedMade;
 using limn::NeedPointer;
 using SettingsPointer = std::unique_ptr<limn_settings>;
 
@@ -47,59 +48,47 @@ limn_settings* SettingsOfName(const std::string& name) {
 } // namespace
 
 limn_settings* limn_settings_new(limn_error* error) {
-  limn_settings* settings = nullptr;
-  Guard(error, [&] { settings = SettingsOfName("Default"); });
-  return settings;
+  return GuardedMade<limn_settings*>(error, [&] { return SettingsOfName("Default"); });
 }
 
 limn_settings* limn_settings_load(const char* path, limn_error* error) {
-  limn_settings* settings = nullptr;
-  Guard(error, [&] {
+  return GuardedMade<limn_settings*>(error, [&] {
     NeedPointer(path, "path");
     const std::vector<uint8_t> bytes = limn::ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
-    settings = SettingsOfBytes(path, bytes.data(), bytes.size());
+    return SettingsOfBytes(path, bytes.data(), bytes.size());
   });
-  return settings;
 }
 
 limn_settings* limn_settings_from_memory(const void* bytes, size_t size, limn_error* error) {
-  limn_settings* settings = nullptr;
-  Guard(error, [&] {
+  return GuardedMade<limn_settings*>(error, [&] {
     NeedPointer(bytes, "bytes");
     if (size > LM_LONGEST_STYLE_FILE)
       throw CallFailure{LIMN_BAD_STYLE,
                         "it is longer than " + std::to_string(LM_LONGEST_STYLE_FILE) + " bytes"};
-    settings = SettingsOfBytes("", static_cast<const uint8_t*>(bytes), size);
+    return SettingsOfBytes("", static_cast<const uint8_t*>(bytes), size);
   });
-  return settings;
 }
 
 limn_settings* limn_settings_from_json(const char* text, limn_error* error) {
-  limn_settings* settings = nullptr;
-  Guard(error, [&] {
+  return GuardedMade<limn_settings*>(error, [&] {
     NeedPointer(text, "text");
-    settings = NewSettings(
+    return NewSettings(
         "", [&](LM_style& style, std::string& why) { return LM_StyleFromJson(text, style, why); });
   });
-  return settings;
 }
 
 limn_settings* limn_settings_bundled(const char* name, limn_error* error) {
-  limn_settings* settings = nullptr;
-  Guard(error, [&] {
+  return GuardedMade<limn_settings*>(error, [&] {
     NeedPointer(name, "name");
-    settings = SettingsOfName(name);
+    return SettingsOfName(name);
   });
-  return settings;
 }
 
 limn_settings* limn_settings_copy(const limn_settings* settings, limn_error* error) {
-  limn_settings* copy = nullptr;
-  Guard(error, [&] {
+  return GuardedMade<limn_settings*>(error, [&] {
     NeedPointer(settings, "settings");
-    copy = new limn_settings(*settings);
+    return new limn_settings(*settings);
   });
-  return copy;
 }
 
 void limn_settings_free(limn_settings* settings) {
@@ -121,12 +110,10 @@ limn_result limn_settings_set(limn_settings* settings, const char* key, const ch
 }
 
 size_t limn_settings_json(const limn_settings* settings, char* buffer, size_t room) {
-  size_t length = 0;
-  Guard(nullptr, [&] {
+  return GuardedMade<size_t>(nullptr, [&] {
     NeedPointer(settings, "settings");
-    length = limn::CopyText(LM_StyleToJson(settings->style), buffer, room);
+    return limn::CopyText(LM_StyleToJson(settings->style), buffer, room);
   });
-  return length;
 }
 
 const char* limn_settings_warning(const limn_settings* settings) {
@@ -134,11 +121,8 @@ const char* limn_settings_warning(const limn_settings* settings) {
 }
 
 size_t limn_bundled_name(size_t index, char* buffer, size_t room) {
-  size_t length = 0;
-  Guard(nullptr, [&] {
+  return GuardedMade<size_t>(nullptr, [&] {
     const std::vector<std::string> names = LM_BundledStyleNames();
-    if (index < names.size())
-      length = limn::CopyText(names[index], buffer, room);
+    return index < names.size() ? limn::CopyText(names[index], buffer, room) : 0;
   });
-  return length;
 }

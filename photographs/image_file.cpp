@@ -17,16 +17,6 @@ VImage Upright(const VImage& image) {
   return vips_image_get_orientation(image.get_image()) > 1 ? image.copy_memory().autorot() : image;
 }
 
-std::vector<uint8_t> Decode(const VImage& upright) {
-  const size_t numPixels = static_cast<size_t>(upright.width()) * upright.height();
-  std::vector<uint8_t> pixels(numPixels * upright.bands());
-  const VImage memory =
-      VImage::new_from_memory(pixels.data(), pixels.size(), upright.width(), upright.height(),
-                              upright.bands(), VIPS_FORMAT_UCHAR);
-  upright.write(memory);
-  return pixels;
-}
-
 void NotePages(const VImage& image, std::vector<std::string>& notices) {
   const int numPages = vips_image_get_n_pages(image.get_image());
   if (numPages > 1)
@@ -61,6 +51,14 @@ std::vector<uint8_t> NeutralPlane(const std::vector<uint8_t>& pixels, size_t num
 
 } // namespace
 
+std::vector<uint8_t> DecodedPixels(const VImage& image) {
+  const size_t numPixels = static_cast<size_t>(image.width()) * image.height();
+  std::vector<uint8_t> pixels(numPixels * image.bands());
+  image.write(VImage::new_from_memory(pixels.data(), pixels.size(), image.width(), image.height(),
+                                      image.bands(), VIPS_FORMAT_UCHAR));
+  return pixels;
+}
+
 OpenedPhotograph OpenPhotograph(const std::string& path, int shrink) {
   OpenedPhotograph opened;
   const VImage image = OpenImage(path, shrink);
@@ -80,22 +78,24 @@ Photograph ReadPhotograph(const std::string& path) {
     photograph.numPlanes = opened.planes.bands();
     photograph.width = opened.planes.width();
     photograph.height = opened.planes.height();
-    photograph.pixels = Decode(opened.planes);
+    photograph.pixels = DecodedPixels(opened.planes);
     return photograph;
   });
 }
 
 GreyImage ReadGreyImage(const std::string& path, std::vector<std::string>& notices) {
   return Guarded(path, [&] {
-    const VImage image = OpenImage(path);
-    const VImage planes = Upright(ToPlainPlanes(image, notices));
+    std::vector<std::string> own;
+    const VImage planes = Upright(ToPlainPlanes(OpenImage(path), own));
+    for (const std::string& notice : own)
+      notices.push_back(std::string(path).append(": ").append(notice));
     if (planes.bands() == 4)
       throw Failure(ExitCode::BadInput, path + ": is a CMYK image where a grey one is needed");
     GreyImage grey;
     grey.file = path;
     grey.width = planes.width();
     grey.height = planes.height();
-    grey.pixels = Decode(planes);
+    grey.pixels = DecodedPixels(planes);
     if (planes.bands() == 3)
       grey.pixels = NeutralPlane(grey.pixels, 3, path);
     return grey;

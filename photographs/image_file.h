@@ -39,6 +39,9 @@ struct OpenedPhotograph {
 // Failure or vips::VError. The caller holds Complaints.
 OpenedPhotograph OpenPhotograph(const std::string& path, int shrink = 1);
 
+// The pixels of an image of 8 bits a band. Throws vips::VError.
+std::vector<uint8_t> DecodedPixels(const vips::VImage& image);
+
 // Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
 // their profile to sRGB, more than 8 bits become 8, the orientation is applied; alpha and further
 // channels follow as they are. A file that is cut short or damaged is a Failure(BadInput).
@@ -46,7 +49,7 @@ Photograph ReadPhotograph(const std::string& path);
 
 // Reads an image whose grey values are meant as numbers: no profile is applied, an alpha channel is
 // ignored, more than 8 bits become 8, the orientation is applied. A coloured image is a
-// Failure(BadInput).
+// Failure(BadInput). The notices begin with the file's name.
 GreyImage ReadGreyImage(const std::string& path, std::vector<std::string>& notices);
 
 // How many planes ReadPhotograph would give, found without decoding the pixels.

@@ -2,12 +2,14 @@
 
 #include "termination.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <mutex>
 #include <string_view>
+#include <thread>
 #include <vips/vips8>
 
 namespace limn {
@@ -106,7 +108,8 @@ void StartImageLibrary(int threads, const SizeLimit& limit) {
   g_log_set_default_handler(KeepWarning, nullptr);
   if (vips_init("limn") != 0)
     throw Failure(ExitCode::Refused, "libvips does not start: " + Sentence(vips_error_buffer()));
-  vips_concurrency_set(threads);
+  const unsigned all = std::max(1U, std::thread::hardware_concurrency());
+  vips_concurrency_set(threads == ALL_THREADS ? static_cast<int>(all) : threads);
   // Each image is used once; a cache would only keep dead pictures in memory.
   vips_cache_set_max(0);
   vips_block_untrusted_set(TRUE);

@@ -18,6 +18,9 @@ struct SizeLimit {
 // The advice of the commands that take the option.
 constexpr const char* MAX_PIXELS_ADVICE = "; --max-pixels sets another limit";
 
+// As many threads as the machine runs at a time.
+constexpr int ALL_THREADS = 0;
+
 // Starts libvips with `threads` threads, without its operation cache, and with the loaders that are
 // not meant for strangers' files switched off (all but the simple PPM family). Call it in the
 // process that uses it, never before a fork. Throws Failure(Refused).

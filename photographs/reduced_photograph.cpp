@@ -44,23 +44,12 @@ VImage ProfileOf(const VImage& image) {
 // A grey image as a plane of the reduction.
 VImage ReadChannel(const std::string& path, const ReducedPhotograph& photograph,
                    const std::string& photographPath, std::vector<std::string>& notices) {
-  std::vector<std::string> own;
-  GreyImage grey = ReadGreyImage(path, own);
-  for (const std::string& notice : own)
-    notices.push_back(std::string(path).append(": ").append(notice));
+  GreyImage grey = ReadGreyImage(path, notices);
   if (grey.width != photograph.fullWidth || grey.height != photograph.fullHeight)
     throw Failure(ExitCode::BadInput, path + ": has another size than " + photographPath);
   const VImage full = VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
                                               grey.height, 1, VIPS_FORMAT_UCHAR);
   return Resized(full, photograph).copy_memory();
-}
-
-std::vector<uint8_t> Pixels(const VImage& image) {
-  std::vector<uint8_t> pixels(static_cast<size_t>(image.width()) * image.height() * image.bands());
-  const VImage memory = VImage::new_from_memory(pixels.data(), pixels.size(), image.width(),
-                                                image.height(), image.bands(), VIPS_FORMAT_UCHAR);
-  image.write(memory);
-  return pixels;
 }
 
 void MeasurePhotograph(const std::string& path, ReducedPhotograph& photograph) {
@@ -99,7 +88,7 @@ ReadReduction ReadReducedPhotograph(const std::string& path,
     for (const std::string& channel : channels)
       planes = planes.bandjoin(ReadChannel(channel, photograph, path, read.notices));
     photograph.numPlanes = planes.bands();
-    photograph.pixels = Pixels(planes);
+    photograph.pixels = DecodedPixels(planes);
   } catch (...) {
     throw CaughtLibraryFailure(ExitCode::BadInput, path);
   }

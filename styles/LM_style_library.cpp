@@ -117,13 +117,6 @@ bool LM_StyleLibraryIsMissing() {
   return libraryIsMissing;
 }
 
-std::string LM_StyleFolderPath() {
-  LM_style_place styles = {};
-  return LM_GetStyleFolder(&styles.vRefNum, &styles.dirID) != 0
-             ? TB_PathOf(styles.vRefNum, styles.dirID, nullptr)
-             : std::string();
-}
-
 LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals) {
   LM_style_istream old;
   const bool isStyle = old.Open(name) != 0;

@@ -27,9 +27,6 @@ LM_EXPORT bool LM_UseStyleLibrary(std::string& why);
 // True after LM_UseStyleLibrary has failed.
 bool LM_StyleLibraryIsMissing();
 
-// The path of the style folder, for messages and tools; empty when there is none.
-std::string LM_StyleFolderPath();
-
 // One file of the style folder that begins as a style does.
 struct LM_listed_style {
   std::string name;

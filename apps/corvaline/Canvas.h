@@ -37,7 +37,6 @@ public:
 
   // Shows the image as it was opened, without the selection.
   void showOriginal(bool show);
-  bool showsOriginal() const { return _showsOriginal; }
 
   QPointF toImage(QPointF viewportPoint) const;
   QPointF toViewport(QPointF imagePoint) const;

@@ -1,7 +1,6 @@
 #include "EditorDocument.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "lighting.h"
 
 #include <algorithm>
 #include <new>
@@ -14,10 +13,6 @@ CVRect ContractRect(const QRect& rect) {
   return {static_cast<std::int16_t>(rect.y()), static_cast<std::int16_t>(rect.x()),
           static_cast<std::int16_t>(rect.y() + rect.height()),
           static_cast<std::int16_t>(rect.x() + rect.width())};
-}
-
-std::string ChannelName(const limn::GreyImage& channel) {
-  return QFileInfo(QFile::decodeName(channel.file.c_str())).completeBaseName().toStdString();
 }
 
 // The bytes of `area` of an image of `width` pixels a row, exchanged with or copied to `bytes`.
@@ -87,7 +82,7 @@ QStringList EditorDocument::channelNames() const {
     for (int channel = 0; channel < document.channelCount(); ++channel)
       names << QString::fromStdString(document.channelName(channel));
   for (const limn::GreyImage& channel : _channels)
-    names << QString::fromStdString(ChannelName(channel));
+    names << QString::fromStdString(limn::ChannelName(channel.file));
   return names;
 }
 
@@ -187,7 +182,7 @@ CVResult EditorDocument::_wrap(CVDocument& document, QImage& mask) {
       photograph.width, photograph.height, CV_MODE_RGB, photograph.numPlanes);
   for (limn::GreyImage& channel : _channels)
     if (result.ok())
-      result = document.wrapChannel(ChannelName(channel), channel.pixels.data(), width);
+      result = document.wrapChannel(limn::ChannelName(channel.file), channel.pixels.data(), width);
   if (result.ok() && !mask.isNull())
     result = document.wrapMask(mask.bits(), static_cast<std::size_t>(mask.bytesPerLine()));
   return result;

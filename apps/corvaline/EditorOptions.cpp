@@ -2,6 +2,7 @@
 
 #include "describe_options.h"
 #include "failure.h"
+#include "option_value.h"
 
 #include <iostream>
 
@@ -13,10 +14,9 @@ std::optional<int> ReadEditorOptions(int argc, char** argv, EditorOptions& optio
   app.set_version_flag("--version", "corvaline " LIMN_VERSION);
   app.add_option("IMAGE", options.image, "The photograph to open");
   app.add_flag("--light", options.dialog, "Open the lighting dialog on it at once");
-  app.add_option("--style", options.style,
+  limn::AddValue(app, "--style", options.style, "NAME|FILE",
                  "Light it with this style: a style file, its JSON form,\n"
-                 "or the name of a style; without IMAGE, ask for one")
-      ->type_name("NAME|FILE");
+                 "or the name of a style; without IMAGE, ask for one");
   limn::AddDescription(app, LIMN_VERSION, {});
   try {
     app.parse(argc, argv);

@@ -7,14 +7,9 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QThread>
 
 namespace editor {
 namespace {
-
-std::string Encoded(const QString& path) {
-  return QFile::encodeName(path).toStdString();
-}
 
 QString Patterns(limn::Use use) {
   QStringList patterns;
@@ -25,8 +20,12 @@ QString Patterns(limn::Use use) {
 
 } // namespace
 
+std::string Encoded(const QString& path) {
+  return QFile::encodeName(path).toStdString();
+}
+
 void StartImageFiles() {
-  limn::StartImageLibrary(QThread::idealThreadCount());
+  limn::StartImageLibrary(limn::ALL_THREADS);
 }
 
 // Formats that lose something are written finely; their programs' own default is for the web.

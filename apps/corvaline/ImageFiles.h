@@ -16,6 +16,9 @@ struct OpenedImage {
   bool mayBeReplaced = false;
 };
 
+// A path as the file system has it.
+std::string Encoded(const QString& path);
+
 // Starts libvips, once in the program, before the others are used. Throws limn::Failure.
 void StartImageFiles();
 

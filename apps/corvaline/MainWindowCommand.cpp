@@ -16,10 +16,6 @@ namespace {
 
 constexpr int NOTICE_MILLISECONDS = 8000;
 
-std::string Encoded(const QString& path) {
-  return QFile::encodeName(path).toStdString();
-}
-
 // Where the command writes: beside the image, never over it, and as the editor would.
 std::string OutputFor(const QFileInfo& image) {
   const QString suffix = IsWritable(image.filePath()) ? image.suffix() : "png";

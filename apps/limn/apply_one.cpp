@@ -20,18 +20,8 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
   ApplyTools tools;
   if (plan.options.isThroughPlugin)
     tools.plugin = LoadPlugin();
-  const auto readGrey = [&](const std::string& file) {
-    std::vector<std::string> notices;
-    GreyImage grey = ReadGreyImage(file, notices);
-    for (const std::string& notice : notices)
-      tools.notices.push_back(std::string(file).append(": ").append(notice));
-    return grey;
-  };
-  tools.surroundings.area = plan.area;
-  if (!plan.options.mask.empty())
-    tools.surroundings.mask = readGrey(plan.options.mask);
-  for (const std::string& channel : plan.options.channels)
-    tools.surroundings.channels.push_back(readGrey(channel));
+  tools.surroundings =
+      ReadSurroundings(plan.area, plan.options.mask, plan.options.channels, tools.notices);
   return tools;
 }
 

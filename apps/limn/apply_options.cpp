@@ -1,7 +1,7 @@
 #include "command_line.h"
 
 #include "apply.h"
-#include "max_pixels_option.h"
+#include "option_value.h"
 
 #include "LM_light_kinds.h"
 #include "LM_style_fields.h"
@@ -62,33 +62,27 @@ constexpr const char* MANY_IMAGES =
 void AddInputs(CLI::App& apply, ApplyOptions& options) {
   apply.add_option("IMAGE", options.images,
                    "Photographs to light, or folders with -r;\n- for standard input");
-  apply
-      .add_option("--from-file", options.listFile,
-                  "A file with more names of photographs, one a line;\n"
-                  "- for standard input")
-      ->type_name("LIST|-");
+  AddValue(apply, "--from-file", options.listFile, "LIST|-",
+           "A file with more names of photographs, one a line;\n"
+           "- for standard input");
   apply.add_flag("-0,--null", options.isListNul, "Names in the list end in a NUL byte");
   apply.add_flag("-r,--recursive", options.isRecursive,
                  "Light all images in the folders and keep their tree");
-  apply.add_option("--shard", options.shard, "Light only part I of N, I from 1 to N; see below")
-      ->type_name("I/N");
+  AddValue(apply, "--shard", options.shard, "I/N",
+           "Light only part I of N, I from 1 to N; see below");
 }
 
 void AddOutput(CLI::App& apply, ApplyOptions& options) {
-  apply
-      .add_option("-o,--output", options.output,
-                  "The file to write, in the format of its extension, with\n"
-                  "libvips' save options in brackets (lit.jpg[Q=92]); for\n"
-                  "several images a folder, ending in a slash, or a pattern\n"
-                  "(lit/{name}-{style}.{ext}); or -, as in -.jpg, for\n"
-                  "standard output")
-      ->required()
-      ->type_name("FILE|FOLDER/");
-  apply
-      .add_option("--format", options.format,
-                  "Write in this format: an extension, with save options\n"
-                  "(jpg[Q=92]). For folders, patterns and standard output")
-      ->type_name("EXT");
+  AddValue(apply, "-o,--output", options.output, "FILE|FOLDER/",
+           "The file to write, in the format of its extension, with\n"
+           "libvips' save options in brackets (lit.jpg[Q=92]); for\n"
+           "several images a folder, ending in a slash, or a pattern\n"
+           "(lit/{name}-{style}.{ext}); or -, as in -.jpg, for\n"
+           "standard output")
+      ->required();
+  AddValue(apply, "--format", options.format, "EXT",
+           "Write in this format: an extension, with save options\n"
+           "(jpg[Q=92]). For folders, patterns and standard output");
   CLI::Option* const force = apply.add_flag("-f,--force", options.force,
                                             "Replace existing files, the inputs too if so named");
   apply
@@ -102,41 +96,29 @@ void AddOutput(CLI::App& apply, ApplyOptions& options) {
 }
 
 void AddLighting(CLI::App& apply, ApplyOptions& options) {
-  apply
-      .add_option("-s,--style", options.styles,
-                  "A style file, its JSON form, the JSON itself, or the\nname of a style (default: "
-                  "Default); may be repeated:\neach image in each style")
-      ->type_name("NAME|FILE")
-      ->allow_extra_args(false);
-  apply.add_option("--set", options.settings, "Change one setting of the style; may be repeated")
-      ->type_name("KEY=VALUE")
-      ->allow_extra_args(false);
-  apply.add_option("--area", options.area, "Light only this rectangle, in pixels")
-      ->type_name("X,Y,W,H");
-  apply
-      .add_option("--mask", options.mask,
-                  "A grey image of the same size: light fully where it is\n"
-                  "white, not at all where it is black")
-      ->type_name("IMAGE");
-  apply
-      .add_option("--channel", options.channels,
-                  "A grey image of the same size, as one more channel that\n"
-                  "a style can take its relief from; not written to the\n"
-                  "output; may be repeated")
-      ->type_name("IMAGE")
-      ->allow_extra_args(false);
+  AddValue(apply, "-s,--style", options.styles, "NAME|FILE",
+           "A style file, its JSON form, the JSON itself, or the\nname of a style (default: "
+           "Default); may be repeated:\neach image in each style");
+  AddValue(apply, "--set", options.settings, "KEY=VALUE",
+           "Change one setting of the style; may be repeated");
+  AddValue(apply, "--area", options.area, "X,Y,W,H", "Light only this rectangle, in pixels");
+  AddValue(apply, "--mask", options.mask, "IMAGE",
+           "A grey image of the same size: light fully where it is\n"
+           "white, not at all where it is black");
+  AddValue(apply, "--channel", options.channels, "IMAGE",
+           "A grey image of the same size, as one more channel that\n"
+           "a style can take its relief from; not written to the\n"
+           "output; may be repeated");
 }
 
 void AddRunning(CLI::App& apply, ApplyOptions& options) {
-  apply.add_option("-j,--jobs", options.jobs, "Images to work on at a time\n(default: processors)")
-      ->type_name("N")
+  AddValue(apply, "-j,--jobs", options.jobs, "N",
+           "Images to work on at a time\n(default: processors)")
       ->check(CLI::Range(1, 256));
   AddMaxPixels(apply, options.maxPixels);
-  apply
-      .add_option("--max-seconds", options.maxSeconds,
-                  "Give an image up that takes longer, which may be made\nto take for ever "
-                  "(default: no limit)")
-      ->type_name("N")
+  AddValue(apply, "--max-seconds", options.maxSeconds, "N",
+           "Give an image up that takes longer, which may be made\nto take for ever "
+           "(default: no limit)")
       ->check(CLI::Range(1, 1000000));
   apply.add_flag("--through-plugin", options.isThroughPlugin,
                  "Have the plug-in light the whole image in memory, as the\neditor does; the "

@@ -4,7 +4,7 @@
 #include "describe_options.h"
 #include "edit.h"
 #include "edit_options.h"
-#include "max_pixels_option.h"
+#include "option_value.h"
 #include "preview.h"
 #include "report.h"
 
@@ -29,22 +29,14 @@ void AddPreview(CLI::App& app, Command& command) {
       app.add_subcommand("preview", "Write the picture that the dialog shows of a style");
   preview->footer("The picture is the dialog's frame, 280 × 280 pixels, the photograph in it.");
   preview->add_option("IMAGE", options->image, "The photograph")->required();
-  preview->add_option("-o,--output", options->output, "The file to write, as for limn apply")
-      ->required()
-      ->type_name("FILE");
-  preview
-      ->add_option("-s,--style", options->style,
-                   "A style file, its JSON form, the JSON itself, or the\nname of a style "
-                   "(default: Default)")
-      ->type_name("NAME|FILE");
-  preview->add_option("--set", options->settings, "As for limn apply")
-      ->type_name("KEY=VALUE")
-      ->allow_extra_args(false);
-  preview->add_option("--area", options->area, "Show only this rectangle, in pixels")
-      ->type_name("X,Y,W,H");
-  preview->add_option("--channel", options->channels, "As for limn apply; may be repeated")
-      ->type_name("IMAGE")
-      ->allow_extra_args(false);
+  AddValue(*preview, "-o,--output", options->output, "FILE", "The file to write, as for limn apply")
+      ->required();
+  AddValue(*preview, "-s,--style", options->style, "NAME|FILE",
+           "A style file, its JSON form, the JSON itself, or the\nname of a style "
+           "(default: Default)");
+  AddValue(*preview, "--set", options->settings, "KEY=VALUE", "As for limn apply");
+  AddValue(*preview, "--area", options->area, "X,Y,W,H", "Show only this rectangle, in pixels");
+  AddValue(*preview, "--channel", options->channels, "IMAGE", "As for limn apply; may be repeated");
   AddMaxPixels(*preview, options->maxPixels);
   preview->add_flag("--unlit", options->isUnlit, "As with the dialog's preview switched off");
   preview->add_flag("-f,--force", options->force, "Replace an existing file");
@@ -70,9 +62,7 @@ void AddChannels(CLI::App& app, Command& command) {
       app.add_subcommand("channels", "List an image's channels by number and name");
   channels->footer("A style's bumpChannel takes such a number; 0 there means no relief.");
   channels->add_option("IMAGE", *image, "The image")->required();
-  channels->add_option("--channel", *added, "As for limn apply; may be repeated")
-      ->type_name("IMAGE")
-      ->allow_extra_args(false);
+  AddValue(*channels, "--channel", *added, "IMAGE", "As for limn apply; may be repeated");
   auto maxPixels = std::make_shared<uint64_t>(0);
   AddMaxPixels(*channels, *maxPixels);
   channels->callback([image, added, maxPixels, &command] {

@@ -7,27 +7,8 @@
 #include "report.h"
 #include "style_source.h"
 
-#include <algorithm>
-#include <thread>
-
 namespace limn {
 namespace {
-
-void PrintNotices(const std::string& file, const std::vector<std::string>& notices) {
-  for (const std::string& notice : notices)
-    PrintProblem(std::string(file).append(": ").append(notice));
-}
-
-Surroundings ReadSurroundings(const PreviewOptions& options) {
-  Surroundings surroundings;
-  surroundings.area = ParseArea(options.area);
-  for (const std::string& channel : options.channels) {
-    std::vector<std::string> notices;
-    surroundings.channels.push_back(ReadGreyImage(channel, notices));
-    PrintNotices(channel, notices);
-  }
-  return surroundings;
-}
 
 void WriteFrame(FramePicture frame, const OutputName& output, Existing existing) {
   Photograph picture;
@@ -50,15 +31,19 @@ ExitCode WritePreview(const PreviewOptions& options) {
   if (!named.warning.empty())
     PrintProblem(options.style + ": " + named.warning);
   CheckTarget(options.image, output, existing);
-  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
-                    {options.maxPixels, MAX_PIXELS_ADVICE});
+  StartImageLibrary(ALL_THREADS, {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
-  Surroundings surroundings = ReadSurroundings(options);
+  std::vector<std::string> notices;
+  Surroundings surroundings =
+      ReadSurroundings(ParseArea(options.area), "", options.channels, notices);
   Photograph photograph = ReadPhotograph(options.image);
   CVDocument document = MakeDocument(surroundings, photograph, options.image);
   if (!options.isUnlit)
     NoteMissingRelief(named.style, document.channelCount(), photograph.notices);
-  PrintNotices(options.image, photograph.notices);
+  for (const std::string& notice : photograph.notices)
+    notices.push_back(std::string(options.image).append(": ").append(notice));
+  for (const std::string& notice : notices)
+    PrintProblem(notice);
   FramePicture frame =
       DrawFrame(document, AreaOf(surroundings, photograph.width, photograph.height, options.image),
                 named.style, options.isUnlit ? Light::Off : Light::On, options.image);

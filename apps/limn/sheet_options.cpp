@@ -1,6 +1,6 @@
 #include "command_line.h"
 
-#include "max_pixels_option.h"
+#include "option_value.h"
 #include "sheet.h"
 
 #include <memory>
@@ -17,28 +17,18 @@ void AddSheet(CLI::App& app, Command& command) {
                 "  limn sheet -s Campfire -s 'Golden Hour' --size 600 photo.jpg -o two.png\n\n" +
                 std::string(EXIT_CODES));
   sheet->add_option("IMAGE", options->image, "The photograph")->required();
-  sheet->add_option("-o,--output", options->output, "The file to write, as for limn apply")
-      ->required()
-      ->type_name("FILE");
-  sheet
-      ->add_option(
-          "-s,--style", options->styles,
-          "A style file, its JSON form, the JSON itself, or the\nname of a style; may be repeated "
-          "(default: all of the library)")
-      ->type_name("NAME|FILE")
-      ->allow_extra_args(false);
-  sheet
-      ->add_option("--columns", options->columns, "Pictures side by side (default: by their shape)")
-      ->type_name("N")
+  AddValue(*sheet, "-o,--output", options->output, "FILE", "The file to write, as for limn apply")
+      ->required();
+  AddValue(*sheet, "-s,--style", options->styles, "NAME|FILE",
+           "A style file, its JSON form, the JSON itself, or the\nname of a style; may be repeated "
+           "(default: all of the library)");
+  AddValue(*sheet, "--columns", options->columns, "N",
+           "Pictures side by side (default: by their shape)")
       ->check(CLI::Range(1, 100));
-  sheet
-      ->add_option("--size", options->size,
-                   "The longer side of a picture, in pixels\n(default: 240)")
-      ->type_name("PX")
+  AddValue(*sheet, "--size", options->size, "PX",
+           "The longer side of a picture, in pixels\n(default: 240)")
       ->check(CLI::Range(48, 2048));
-  sheet->add_option("--channel", options->channels, "As for limn apply; may be repeated")
-      ->type_name("IMAGE")
-      ->allow_extra_args(false);
+  AddValue(*sheet, "--channel", options->channels, "IMAGE", "As for limn apply; may be repeated");
   AddMaxPixels(*sheet, options->maxPixels);
   sheet->add_flag("-f,--force", options->force, "Replace an existing file");
   sheet->add_flag("-q,--quiet", options->quiet, "Print nothing but failures");

@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include "library_list.h"
+#include "option_value.h"
 #include "style_commands.h"
 
 #include <memory>
@@ -28,9 +29,7 @@ void AddStylePack(CLI::App& style, Command& command) {
   CLI::App* pack = style.add_subcommand("pack", "Make a style file from its JSON form");
   pack->add_option("FILE", *input, "The JSON form, as limn style show --json prints it")
       ->required();
-  pack->add_option("-o,--output", *output, "The style file to write")
-      ->required()
-      ->type_name("STYLE");
+  AddValue(*pack, "-o,--output", *output, "STYLE", "The style file to write")->required();
   pack->add_flag("-f,--force", *force, "Replace an existing file");
   pack->callback([input, output, force, &command] {
     command = [input, output, force] {

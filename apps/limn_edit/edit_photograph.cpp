@@ -18,12 +18,10 @@
 
 #include <QApplication>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <future>
 #include <optional>
-#include <thread>
 #include <unistd.h>
 
 namespace limn {
@@ -41,20 +39,13 @@ void PrintNotices(const EditOptions& options, const std::string& file,
     PrintProblem(std::string(file).append(": ").append(notice));
 }
 
-GreyImage ReadGrey(const EditOptions& options, const std::string& file) {
-  std::vector<std::string> notices;
-  GreyImage grey = ReadGreyImage(file, notices);
-  PrintNotices(options, file, notices);
-  return grey;
-}
-
 Sources ReadSources(const EditOptions& options) {
   Sources sources;
-  sources.surroundings.area = ParseArea(options.area);
-  if (!options.mask.empty())
-    sources.surroundings.mask = ReadGrey(options, options.mask);
-  for (const std::string& channel : options.channels)
-    sources.surroundings.channels.push_back(ReadGrey(options, channel));
+  std::vector<std::string> notices;
+  sources.surroundings =
+      ReadSurroundings(ParseArea(options.area), options.mask, options.channels, notices);
+  for (const std::string& notice : options.quiet ? std::vector<std::string>() : notices)
+    PrintProblem(notice);
   sources.photograph = ReadPhotograph(options.image);
   return sources;
 }
@@ -158,8 +149,7 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
     BeginWithStyle(options);
   // What would stop the writing is reported before the lights are set, as far as it can be known.
   { const AtomicFile probe(ResolveTarget(output.path), existing); }
-  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
-                    {options.maxPixels, MAX_PIXELS_ADVICE});
+  StartImageLibrary(ALL_THREADS, {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
   const CVPlugin plugin = LoadPlugin();
   // The picture is decoded while the desktop starts.

@@ -68,6 +68,18 @@ std::optional<limn_area> ParseArea(const std::string& text) {
   return area;
 }
 
+Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::string& mask,
+                              const std::vector<std::string>& channels,
+                              std::vector<std::string>& notices) {
+  Surroundings surroundings;
+  surroundings.area = area;
+  if (!mask.empty())
+    surroundings.mask = ReadGreyImage(mask, notices);
+  for (const std::string& channel : channels)
+    surroundings.channels.push_back(ReadGreyImage(channel, notices));
+  return surroundings;
+}
+
 CVPlugin LoadPlugin() {
   std::vector<std::string> candidates;
   if (const char* named = std::getenv("LIMN_PLUGIN"); named != nullptr && *named != '\0') {

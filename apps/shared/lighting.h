@@ -24,6 +24,11 @@ struct Surroundings {
   std::vector<GreyImage> channels; // appended to the image's own
 };
 
+// With the pixels of these files; mask: empty for none. Throws Failure.
+Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::string& mask,
+                              const std::vector<std::string>& channels,
+                              std::vector<std::string>& notices);
+
 // The plug-in's module: $LIMN_PLUGIN, or the one that was installed or built together with the
 // program. Throws Failure(Refused) when it cannot be loaded.
 CVPlugin LoadPlugin();

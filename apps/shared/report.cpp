@@ -10,15 +10,7 @@
 
 namespace limn {
 std::string Printable(std::string_view text) {
-  std::string printable;
-  while (!text.empty()) {
-    const TB_Character next = TB_FirstCharacter(text);
-    const bool controls = next.code < 0x20 || (next.code >= 0x7f && next.code < 0xa0);
-    printable += controls || next.code >= TB_STRAY_BYTE ? std::string_view("?")
-                                                        : text.substr(0, next.length);
-    text.remove_prefix(next.length);
-  }
-  return printable;
+  return TB_Printable(text);
 }
 
 void PrintProblem(const std::string& sentence) {

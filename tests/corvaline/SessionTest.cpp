@@ -188,24 +188,24 @@ TEST_F(Session, ProgressIgnoresWhatPlugInsReport) {
 }
 
 TEST_F(Session, PropertiesAreAnswered) {
-  ASSERT_TRUE(document.setChannelName(3, "Höhe").ok());
-  ASSERT_TRUE(document.setChannelName(0, "").ok());
+  ASSERT_TRUE(document.addChannel("Höhe").ok());
+  ASSERT_TRUE(document.addChannel("").ok());
   const std::uint64_t blocks = TB_BlocksInUse();
   Plan plan;
   plan.prepare = [](FilterRecord& record) -> std::int16_t {
     const std::uint32_t host = CV_HOST_SIGNATURE, name = CV_PROPERTY_CHANNEL_NAME;
     std::int32_t count = 0;
     EXPECT_EQ(record.queryProperty(host, CV_PROPERTY_NUM_CHANNELS, 0, &count, nullptr), 0);
-    EXPECT_EQ(count, 4);
-    const char* const names[] = {"", "Green", "Blue", "Höhe"};
-    for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(count, 6);
+    const char* const names[] = {"Red", "Green", "Blue", "Extra", "Höhe", ""};
+    for (int i = 0; i < 6; ++i) {
       CVHandle handle = nullptr;
       EXPECT_EQ(record.queryProperty(host, name, i, nullptr, &handle), 0);
       EXPECT_EQ(std::string(*handle, static_cast<std::size_t>(GetHandleSize(handle))), names[i]);
       DisposeHandle(handle);
     }
     CVHandle handle = nullptr;
-    for (const int index : {-1, 4, INT32_MAX, INT32_MIN})
+    for (const int index : {-1, 6, INT32_MAX, INT32_MIN})
       EXPECT_NE(record.queryProperty(host, name, index, &count, &handle), 0);
     EXPECT_NE(record.queryProperty(host, name, 0, &count, nullptr), 0);
     EXPECT_NE(record.queryProperty(host, CV_PROPERTY_NUM_CHANNELS, 0, nullptr, &handle), 0);

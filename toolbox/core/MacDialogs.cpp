@@ -3,6 +3,7 @@
 #include "MacMemory.h"
 #include "MacResources.h"
 #include "MacStrings.h"
+#include "TB_Locked.h"
 #include "TB_Text.h"
 
 #include <array>
@@ -21,27 +22,9 @@ struct State {
   TB_MessagePresenter aboutPresenter = nullptr;
 };
 
-State& Shared() {
-  static State& state = *new State;
-  return state;
-}
-
-// Texts may hold a stranger's file name, which must not reach a terminal's control functions.
-std::string Printable(std::string_view text) {
-  std::string printable;
-  while (!text.empty()) {
-    const TB_Character next = TB_FirstCharacter(text);
-    const bool control = (next.code < 0x20 && next.code != '\n') ||
-                         (next.code >= 0x7F && next.code < 0xA0) || next.code >= TB_STRAY_BYTE;
-    printable += control ? std::string_view("?") : text.substr(0, next.length);
-    text.remove_prefix(next.length);
-  }
-  return printable;
-}
-
 int16_t PrintMessage(const TB_Message& message, void*, ModalFilterUPP) {
   std::string line = message.text + (message.detail.empty() ? "" : " " + message.detail);
-  std::fprintf(stderr, "%s\n", Printable(line).c_str());
+  std::fprintf(stderr, "%s\n", TB_Printable(line, '\n').c_str());
   return 1;
 }
 
@@ -53,30 +36,25 @@ std::string TextOf(const nlohmann::json& resource, const char* key) {
 
 std::optional<TB_Message> FindMessage(int16_t number) {
   const nlohmann::json* resource = TB_Resource("ALRT", number);
-  if (!resource || !resource->is_object()) {
+  if (!resource || !resource->is_object())
     return std::nullopt;
-  }
   TB_Message message{number,
                      TextOf(*resource, "kind"),
                      TextOf(*resource, "text"),
                      TextOf(*resource, "detail"),
                      {}};
   auto buttons = resource->find("buttons");
-  if (buttons != resource->end() && buttons->is_array()) {
-    for (const nlohmann::json& button : *buttons) {
+  if (buttons != resource->end() && buttons->is_array())
+    for (const nlohmann::json& button : *buttons)
       message.buttons.push_back(button.is_string() ? button.get<std::string>() : std::string());
-    }
-  }
-  if (message.buttons.empty()) {
+  if (message.buttons.empty())
     message.buttons.emplace_back("OK");
-  }
   return message;
 }
 
 TB_MessagePresenter Exchange(TB_MessagePresenter State::*place, TB_MessagePresenter presenter) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return std::exchange(state.*place, presenter);
+  const TB_Locked<State> state;
+  return std::exchange((*state).*place, presenter);
 }
 
 // Shows a message outside the lock: a presenter may run for long, and come back here.
@@ -89,9 +67,8 @@ int16_t Present(TB_MessagePresenter State::*place, int16_t number, void* window,
   }
   TB_MessagePresenter presenter = nullptr;
   {
-    State& state = Shared();
-    std::lock_guard lock(state.mutex);
-    presenter = state.*place;
+    const TB_Locked<State> state;
+    presenter = (*state).*place;
   }
   return (presenter ? presenter : PrintMessage)(*message, window, filter);
 }
@@ -100,28 +77,23 @@ int16_t Present(TB_MessagePresenter State::*place, int16_t number, void* window,
 
 void ParamText(ConstStr255Param text0, ConstStr255Param text1, ConstStr255Param text2,
                ConstStr255Param text3) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   const ConstStr255Param given[4] = {text0, text1, text2, text3};
-  for (size_t i = 0; i < 4; ++i) {
-    if (given[i]) {
-      state.texts[i] = TB_StdString(given[i]);
-    }
-  }
+  for (size_t i = 0; i < 4; ++i)
+    if (given[i])
+      state->texts[i] = TB_StdString(given[i]);
 }
 
 std::string TB_FillInParamText(std::string_view text) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   std::string filled;
   for (size_t i = 0; i < text.size(); ++i) {
     const bool mark =
         text[i] == '^' && i + 1 < text.size() && text[i + 1] >= '0' && text[i + 1] <= '3';
-    if (mark) {
-      filled += state.texts[static_cast<size_t>(text[++i] - '0')];
-    } else {
+    if (mark)
+      filled += state->texts[static_cast<size_t>(text[++i] - '0')];
+    else
       filled += text[i];
-    }
   }
   return filled;
 }

@@ -22,9 +22,8 @@ std::string ShownName(const std::string& fileName) {
 }
 
 void StoreName(StringPtr dest, const std::string& name) {
-  if (dest) {
+  if (dest)
     PLstrcpy(dest, TB_PString(name));
-  }
 }
 
 // The file at a place (from 1) of the folder's listing. A file that vanished since the folder was
@@ -32,20 +31,16 @@ void StoreName(StringPtr dest, const std::string& name) {
 OSErr FindListed(const std::string& folder, int16_t index, std::string* name, struct stat* status) {
   for (int attempt = 0; attempt < 3; ++attempt) {
     TB_Listing names = TB_ListFolder(folder);
-    if (!names) {
+    if (!names)
       return dirNFErr;
-    }
-    if (static_cast<size_t>(index) > names->size()) {
+    if (static_cast<size_t>(index) > names->size())
       return fnfErr;
-    }
     *name = (*names)[static_cast<size_t>(index) - 1];
     TB_FilePlace place;
-    if (OSErr err = TB_PlaceIn(folder, *name, &place)) {
+    if (OSErr err = TB_PlaceIn(folder, *name, &place))
       return err;
-    }
-    if (TB_StatusOf(place.path, TB_Links::Follow, status) == noErr && S_ISREG(status->st_mode)) {
+    if (TB_StatusOf(place.path, TB_Links::Follow, status) == noErr && S_ISREG(status->st_mode))
       return noErr;
-    }
     TB_ForgetListing(folder);
   }
   return fnfErr;
@@ -65,24 +60,19 @@ OSErr GetFileInfo(HFileParam* block) {
   if (block->ioFDirIndex > 0) {
     std::string folder;
     std::string name;
-    if (OSErr err = TB_FolderPath(block->ioVRefNum, block->ioDirID, &folder)) {
+    if (OSErr err = TB_FolderPath(block->ioVRefNum, block->ioDirID, &folder))
       return err;
-    }
-    if (OSErr err = FindListed(folder, block->ioFDirIndex, &name, &status)) {
+    if (OSErr err = FindListed(folder, block->ioFDirIndex, &name, &status))
       return err;
-    }
     StoreName(block->ioNamePtr, name);
   } else {
     TB_FilePlace place;
-    if (OSErr err = TB_FindPlace(block->ioVRefNum, block->ioDirID, block->ioNamePtr, &place)) {
+    if (OSErr err = TB_FindPlace(block->ioVRefNum, block->ioDirID, block->ioNamePtr, &place))
       return err;
-    }
-    if (OSErr err = TB_StatusOf(place.path, TB_Links::Follow, &status)) {
+    if (OSErr err = TB_StatusOf(place.path, TB_Links::Follow, &status))
       return err;
-    }
-    if (!S_ISREG(status.st_mode)) {
+    if (!S_ISREG(status.st_mode))
       return S_ISDIR(status.st_mode) ? fnfErr : notAFileErr;
-    }
   }
   block->ioFlAttrib = AttributesOf(status);
   block->ioFlLgLen = LengthOf(status);
@@ -93,41 +83,33 @@ OSErr GetCatInfo(HFileInfo* block) {
   struct stat status;
   TB_FilePlace place;
   if (block->ioFDirIndex < 0) {
-    if (OSErr err = TB_FolderPath(block->ioVRefNum, block->ioDirID, &place.path)) {
+    if (OSErr err = TB_FolderPath(block->ioVRefNum, block->ioDirID, &place.path))
       return err;
-    }
   } else if (block->ioFDirIndex == 0) {
-    if (OSErr err = TB_FindPlace(block->ioVRefNum, block->ioDirID, block->ioNamePtr, &place)) {
+    if (OSErr err = TB_FindPlace(block->ioVRefNum, block->ioDirID, block->ioNamePtr, &place))
       return err;
-    }
   } else {
     std::string name;
-    if (OSErr err = TB_FolderPath(block->ioVRefNum, block->ioDirID, &place.folder)) {
+    if (OSErr err = TB_FolderPath(block->ioVRefNum, block->ioDirID, &place.folder))
       return err;
-    }
-    if (OSErr err = FindListed(place.folder, block->ioFDirIndex, &name, &status)) {
+    if (OSErr err = FindListed(place.folder, block->ioFDirIndex, &name, &status))
       return err;
-    }
-    if (OSErr err = TB_PlaceIn(place.folder, name, &place)) {
+    if (OSErr err = TB_PlaceIn(place.folder, name, &place))
       return err;
-    }
     StoreName(block->ioNamePtr, name);
   }
-  if (OSErr err = TB_StatusOf(place.path, TB_Links::Follow, &status)) {
+  if (OSErr err = TB_StatusOf(place.path, TB_Links::Follow, &status))
     return err;
-  }
   block->ioFlAttrib = AttributesOf(status);
   if (!S_ISDIR(status.st_mode)) {
     block->ioFlLgLen = LengthOf(status);
     return noErr;
   }
   std::string resolved;
-  if (OSErr err = TB_ResolveFolder(place.path, &resolved)) {
+  if (OSErr err = TB_ResolveFolder(place.path, &resolved))
     return err;
-  }
-  if (block->ioFDirIndex < 0) {
+  if (block->ioFDirIndex < 0)
     StoreName(block->ioNamePtr, ShownName(LastPart(resolved)));
-  }
   block->ioDirID = TB_FolderID(resolved);
   return noErr;
 }
@@ -136,18 +118,16 @@ OSErr GetCatInfo(HFileInfo* block) {
 
 OSErr TB_PlaceIn(const std::string& folder, std::string_view name, TB_FilePlace* place) {
   const std::optional<std::string> fileName = TB_FileNameFor(name);
-  if (!fileName) {
+  if (!fileName)
     return bdNamErr;
-  }
   *place = {folder, (folder == "/" ? "" : folder) + "/" + *fileName};
   return noErr;
 }
 
 OSErr TB_FindPlace(int16_t vRefNum, int32_t dirID, ConstStr255Param name, TB_FilePlace* place) {
   std::string folder;
-  if (OSErr err = TB_FolderPath(vRefNum, dirID, &folder)) {
+  if (OSErr err = TB_FolderPath(vRefNum, dirID, &folder))
     return err;
-  }
   return name ? TB_PlaceIn(folder, TB_StdString(name), place) : bdNamErr;
 }
 
@@ -160,9 +140,8 @@ OSErr TB_StatusOf(const std::string& path, TB_Links links, struct stat* status) 
 OSErr PBHGetVol(WDPBPtr block, Boolean) {
   return block->ioResult = TB_FileOperation([&] {
            std::string folder;
-           if (OSErr err = TB_FolderPath(0, 0, &folder)) {
+           if (OSErr err = TB_FolderPath(0, 0, &folder))
              return err;
-           }
            StoreName(block->ioNamePtr, ShownName(LastPart(folder)));
            block->ioVRefNum = block->ioWDVRefNum = VOLUME;
            block->ioWDDirID = TB_FolderID(folder);
@@ -183,9 +162,8 @@ OSErr PBHGetFInfo(HParmBlkPtr block, Boolean) {
 OSErr TB_SetDefaultDirectory(std::string_view path) {
   std::string resolved;
   if (!path.empty()) {
-    if (OSErr err = TB_ResolveFolder(std::string(path), &resolved)) {
+    if (OSErr err = TB_ResolveFolder(std::string(path), &resolved))
       return err;
-    }
   }
   TB_SetDefaultFolder(resolved);
   return noErr;
@@ -193,9 +171,8 @@ OSErr TB_SetDefaultDirectory(std::string_view path) {
 
 OSErr TB_DirectoryForPath(std::string_view path, int16_t* vRefNum, int32_t* dirID) {
   std::string resolved;
-  if (OSErr err = TB_ResolveFolder(std::string(path), &resolved)) {
+  if (OSErr err = TB_ResolveFolder(std::string(path), &resolved))
     return err;
-  }
   *vRefNum = VOLUME;
   *dirID = TB_FolderID(resolved);
   return noErr;

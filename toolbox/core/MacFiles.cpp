@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -24,9 +23,8 @@ OSErr Result(bool done) {
 template <typename Call> int Uninterrupted(Call call) {
   for (;;) {
     const int result = call();
-    if (result >= 0 || errno != EINTR) {
+    if (result >= 0 || errno != EINTR)
       return result;
-    }
   }
 }
 
@@ -36,39 +34,32 @@ int OpenFile(const std::string& path, int flags) {
 
 // Whether what lies there may be opened: regular, and for writing neither a link nor locked.
 OSErr CheckOpenable(const struct stat& status, bool writing) {
-  if (writing && S_ISLNK(status.st_mode)) {
+  if (writing && S_ISLNK(status.st_mode))
     return permErr;
-  }
-  if (!S_ISREG(status.st_mode)) {
+  if (!S_ISREG(status.st_mode))
     return notAFileErr;
-  }
   return writing && TB_IsLocked(status) ? permErr : noErr;
 }
 
 OSErr OpenPlace(const std::string& path, int8_t permission, int16_t* refNum) {
   const bool writing = permission != fsRdPerm;
   struct stat status;
-  if (OSErr err = TB_StatusOf(path, writing ? TB_Links::Keep : TB_Links::Follow, &status)) {
+  if (OSErr err = TB_StatusOf(path, writing ? TB_Links::Keep : TB_Links::Follow, &status))
     return err;
-  }
-  if (OSErr err = CheckOpenable(status, writing)) {
+  if (OSErr err = CheckOpenable(status, writing))
     return err;
-  }
   const int access = permission == fsRdPerm   ? O_RDONLY
                      : permission == fsWrPerm ? O_WRONLY | O_NOFOLLOW
                                               : O_RDWR | O_NOFOLLOW;
   auto file = std::make_shared<TB_OpenFile>(-1, writing);
   file->descriptor = OpenFile(path, access);
-  if (file->descriptor < 0) {
+  if (file->descriptor < 0)
     return errno == EROFS ? permErr : TB_ErrorFor(errno);
-  }
   // What was looked at may have been replaced before it was opened.
-  if (fstat(file->descriptor, &status) != 0) {
+  if (fstat(file->descriptor, &status) != 0)
     return TB_ErrorFor(errno);
-  }
-  if (OSErr err = CheckOpenable(status, writing)) {
+  if (OSErr err = CheckOpenable(status, writing))
     return err;
-  }
   *refNum = TB_AddOpenFile(std::move(file));
   return *refNum == 0 ? tmfoErr : noErr;
 }
@@ -76,9 +67,8 @@ OSErr OpenPlace(const std::string& path, int8_t permission, int16_t* refNum) {
 // Runs an operation on an open file, alone among those on the same file.
 template <typename Operation> OSErr WithFile(int16_t refNum, Operation operation) {
   const std::shared_ptr<TB_OpenFile> file = TB_FindOpenFile(refNum);
-  if (!file) {
+  if (!file)
     return rfNumErr;
-  }
   std::lock_guard lock(file->mutex);
   return file->descriptor < 0 ? rfNumErr : operation(*file);
 }
@@ -87,41 +77,20 @@ template <typename Operation> OSErr WithFile(int16_t refNum, Operation operation
 template <typename Step> OSErr MoveBytes(int32_t wanted, int32_t* moved, Step step) {
   while (*moved < wanted) {
     const ssize_t done = step(*moved, static_cast<size_t>(wanted - *moved));
-    if (done == 0) {
+    if (done == 0)
       return eofErr;
-    }
-    if (done > 0) {
+    if (done > 0)
       *moved += static_cast<int32_t>(done);
-    } else if (errno != EINTR) {
+    else if (errno != EINTR)
       return TB_ErrorFor(errno);
-    }
   }
   return noErr;
 }
 
-// Renames unless the new name is taken.
-bool RenameToFreeName(const std::string& from, const std::string& to) {
-#ifdef RENAME_NOREPLACE
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
-    return true;
-  }
-  if (errno != EINVAL && errno != ENOSYS) {
-    return false;
-  }
-#endif
-  struct stat status;
-  if (lstat(to.c_str(), &status) == 0) {
-    errno = EEXIST;
-    return false;
-  }
-  return rename(from.c_str(), to.c_str()) == 0;
-}
-
-// Whether a file may be removed or replaced. Of a link only the link itself would go.
+// Whether a file may be removed. Of a link only the link itself would go.
 OSErr CheckRemovable(const struct stat& status) {
-  if (S_ISREG(status.st_mode)) {
+  if (S_ISREG(status.st_mode))
     return TB_IsLocked(status) ? fLckdErr : noErr;
-  }
   return S_ISLNK(status.st_mode) ? noErr : notAFileErr;
 }
 
@@ -131,15 +100,12 @@ OSErr DirCreate(int16_t vRefNum, int32_t parentDirID, ConstStr255Param name,
                 int32_t* createdDirID) {
   return TB_FileOperation([&]() -> OSErr {
     TB_FilePlace place;
-    if (OSErr err = TB_FindPlace(vRefNum, parentDirID, name, &place)) {
+    if (OSErr err = TB_FindPlace(vRefNum, parentDirID, name, &place))
       return err;
-    }
-    if (OSErr err = Result(mkdir(place.path.c_str(), 0777) == 0)) {
+    if (OSErr err = Result(mkdir(place.path.c_str(), 0777) == 0))
       return err;
-    }
-    if (createdDirID) {
+    if (createdDirID)
       *createdDirID = TB_FolderID(place.path);
-    }
     return noErr;
   });
 }
@@ -147,13 +113,11 @@ OSErr DirCreate(int16_t vRefNum, int32_t parentDirID, ConstStr255Param name,
 OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStr255Param name, OSType, OSType) {
   return TB_FileOperation([&]() -> OSErr {
     TB_FilePlace place;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place)) {
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place))
       return err;
-    }
     const int descriptor = OpenFile(place.path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
-    if (descriptor < 0) {
+    if (descriptor < 0)
       return TB_ErrorFor(errno);
-    }
     close(descriptor);
     TB_ForgetListing(place.folder);
     return noErr;
@@ -165,12 +129,10 @@ OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStr255Param name, int8_t permis
   *refNum = 0;
   return TB_FileOperation([&]() -> OSErr {
     TB_FilePlace place;
-    if (permission < fsCurPerm || permission > fsRdWrPerm) {
+    if (permission < fsCurPerm || permission > fsRdWrPerm)
       return paramErr;
-    }
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place)) {
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place))
       return err;
-    }
     const OSErr err = OpenPlace(place.path, permission, refNum);
     const bool readOnlyWillDo = permission == fsCurPerm && err == permErr;
     return readOnlyWillDo ? OpenPlace(place.path, fsRdPerm, refNum) : err;
@@ -181,41 +143,15 @@ OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStr255Param name) {
   return TB_FileOperation([&]() -> OSErr {
     TB_FilePlace place;
     struct stat status;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place)) {
+    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place))
       return err;
-    }
-    if (OSErr err = TB_StatusOf(place.path, TB_Links::Keep, &status)) {
+    if (OSErr err = TB_StatusOf(place.path, TB_Links::Keep, &status))
       return err;
-    }
-    if (OSErr err = CheckRemovable(status)) {
+    if (OSErr err = CheckRemovable(status))
       return err;
-    }
     const OSErr deleted = Result(unlink(place.path.c_str()) == 0);
     TB_ForgetListing(place.folder);
     return deleted;
-  });
-}
-
-OSErr HRename(int16_t vRefNum, int32_t dirID, ConstStr255Param oldName, ConstStr255Param newName) {
-  return TB_FileOperation([&]() -> OSErr {
-    TB_FilePlace from;
-    TB_FilePlace to;
-    struct stat status;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, oldName, &from)) {
-      return err;
-    }
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, newName, &to)) {
-      return err;
-    }
-    if (OSErr err = TB_StatusOf(from.path, TB_Links::Keep, &status)) {
-      return err;
-    }
-    if (S_ISREG(status.st_mode) && TB_IsLocked(status)) {
-      return fLckdErr;
-    }
-    const OSErr renamed = Result(RenameToFreeName(from.path, to.path));
-    TB_ForgetListing(from.folder);
-    return renamed;
   });
 }
 
@@ -223,9 +159,8 @@ OSErr FSRead(int16_t refNum, int32_t* count, void* buffer) {
   const int32_t wanted = std::exchange(*count, 0);
   return TB_FileOperation([&] {
     return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
-      if (wanted < 0) {
+      if (wanted < 0)
         return paramErr;
-      }
       return MoveBytes(wanted, count, [&](int32_t from, size_t size) {
         return read(file.descriptor, static_cast<char*>(buffer) + from, size);
       });
@@ -237,12 +172,10 @@ OSErr FSWrite(int16_t refNum, int32_t* count, const void* buffer) {
   const int32_t wanted = std::exchange(*count, 0);
   return TB_FileOperation([&] {
     return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
-      if (wanted < 0) {
+      if (wanted < 0)
         return paramErr;
-      }
-      if (!file.writable) {
+      if (!file.writable)
         return wrPermErr;
-      }
       const OSErr err = MoveBytes(wanted, count, [&](int32_t from, size_t size) {
         return write(file.descriptor, static_cast<const char*>(buffer) + from, size);
       });
@@ -266,9 +199,8 @@ OSErr GetEOF(int16_t refNum, int32_t* length) {
   return TB_FileOperation([&] {
     return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
       struct stat status;
-      if (fstat(file.descriptor, &status) != 0) {
+      if (fstat(file.descriptor, &status) != 0)
         return TB_ErrorFor(errno);
-      }
       *length = static_cast<int32_t>(std::clamp<int64_t>(status.st_size, 0, INT32_MAX));
       return noErr;
     });

@@ -104,10 +104,6 @@ TB_EXPORT OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStr255Param name, int
                       int16_t* refNum);
 // Removes a file; of a symbolic link, only the link. fLckdErr when it is locked.
 TB_EXPORT OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStr255Param name);
-// Renames a file or folder within its folder. dupFNErr when the new name is taken, fLckdErr when
-// the file is locked.
-TB_EXPORT OSErr HRename(int16_t vRefNum, int32_t dirID, ConstStr255Param oldName,
-                        ConstStr255Param newName);
 
 // Reads *count bytes, less only at the end of the file or after an error. *count becomes the bytes
 // read; eofErr when they are fewer than asked.

@@ -1,6 +1,7 @@
 #include "MacMemory.h"
 
 #include "TB_FreeMemory.h"
+#include "TB_Locked.h"
 
 #include <algorithm>
 #include <chrono>
@@ -56,12 +57,6 @@ struct State {
   std::optional<std::vector<TB_ControlGroup>> groups;
 };
 
-// Never destroyed: blocks may be released while the program ends.
-State& Shared() {
-  static State& state = *new State;
-  return state;
-}
-
 thread_local OSErr lastError = noErr;
 
 BlockHeader* HeaderOf(Ptr block) {
@@ -76,9 +71,8 @@ void AskSystem(State* state) {
   uint64_t available = UINT64_MAX;
   uint64_t resident = UINT64_MAX;
   try {
-    if (!state->groups) {
+    if (!state->groups)
       state->groups = TB_FindControlGroups("");
-    }
     available = TB_FreeMemory("", *state->groups);
     resident = TB_ResidentMemory();
   } catch (const std::exception&) {
@@ -122,18 +116,16 @@ bool Listed(const HandleRecord& record) {
 void AddToList(State* state, HandleRecord* record) {
   record->previous = nullptr;
   record->next = state->firstPurgeable;
-  if (record->next) {
+  if (record->next)
     record->next->previous = record;
-  }
   state->firstPurgeable = record;
   state->purgeableBytes += static_cast<uint64_t>(HeaderOf(record->master)->size);
 }
 
 void RemoveFromList(State* state, HandleRecord* record) {
   (record->previous ? record->previous->next : state->firstPurgeable) = record->next;
-  if (record->next) {
+  if (record->next)
     record->next->previous = record->previous;
-  }
   state->purgeableBytes -= static_cast<uint64_t>(HeaderOf(record->master)->size);
 }
 
@@ -148,34 +140,30 @@ void Purge(State* state, uint64_t wanted, Clock::duration maximumAge) {
 
 // Takes `size` bytes from the budget, purging when there are not enough.
 bool Reserve(State* state, Size size) {
-  if (size < 0 || size > LARGEST_SIZE) {
+  if (size < 0 || size > LARGEST_SIZE)
     return false;
-  }
   const Clock::duration age = size >= LARGE_BLOCK ? LARGE_BLOCK_AGE : SMALL_BLOCK_AGE;
   const auto wanted = static_cast<uint64_t>(size);
   Purge(state, wanted, age);
-  if (FreeBytes(state, age) < wanted) {
+  if (FreeBytes(state, age) < wanted)
     return false;
-  }
   state->inUse += wanted;
   return true;
 }
 
 // A block's bytes, after their header, charged to the budget but not yet counted as a block.
 Ptr NewBytes(Size size) {
-  State& state = Shared();
   lastError = memFullErr;
   {
-    std::lock_guard lock(state.mutex);
-    if (!Reserve(&state, size)) {
+    const TB_Locked<State> state;
+    if (!Reserve(state, size))
       return nullptr;
-    }
   }
   const size_t offset = size >= PAGE_BLOCK ? PAGE_ALIGNMENT : SMALL_ALIGNMENT;
   void* memory = nullptr;
   if (posix_memalign(&memory, offset, offset + static_cast<size_t>(size)) != 0) {
-    std::lock_guard lock(state.mutex);
-    state.inUse -= static_cast<uint64_t>(size);
+    const TB_Locked<State> state;
+    state->inUse -= static_cast<uint64_t>(size);
     return nullptr;
   }
   Ptr block = static_cast<Ptr>(memory) + offset;
@@ -189,16 +177,13 @@ void SetFlag(Handle handle, bool HandleRecord::*flag, bool value) {
     lastError = nilHandleErr;
     return;
   }
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   HandleRecord* record = RecordOf(handle);
-  if (Listed(*record)) {
-    RemoveFromList(&state, record);
-  }
+  if (Listed(*record))
+    RemoveFromList(state, record);
   record->*flag = value;
-  if (Listed(*record)) {
-    AddToList(&state, record);
-  }
+  if (Listed(*record))
+    AddToList(state, record);
   lastError = noErr;
 }
 
@@ -207,70 +192,60 @@ void SetFlag(Handle handle, bool HandleRecord::*flag, bool value) {
 Ptr NewPtr(Size size) {
   Ptr block = NewBytes(size);
   if (block) {
-    State& state = Shared();
-    std::lock_guard lock(state.mutex);
-    ++state.blocks;
+    const TB_Locked<State> state;
+    ++state->blocks;
   }
   return block;
 }
 
 Ptr NewPtrClear(Size size) {
   Ptr block = NewPtr(size);
-  if (block) {
+  if (block)
     memset(block, 0, static_cast<size_t>(size));
-  }
   return block;
 }
 
 void DisposePtr(Ptr block) {
   lastError = noErr;
   if (block) {
-    State& state = Shared();
-    std::lock_guard lock(state.mutex);
-    ReleaseBytes(&state, block);
-    --state.blocks;
+    const TB_Locked<State> state;
+    ReleaseBytes(state, block);
+    --state->blocks;
   }
 }
 
 Handle NewHandle(Size size) {
   Ptr bytes = NewBytes(size);
-  if (!bytes) {
+  if (!bytes)
     return nullptr;
-  }
-  State& state = Shared();
   auto* record = static_cast<HandleRecord*>(malloc(sizeof(HandleRecord)));
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   if (!record) {
-    ReleaseBytes(&state, bytes);
+    ReleaseBytes(state, bytes);
     lastError = memFullErr;
     return nullptr;
   }
   *record = {bytes, false, false, nullptr, nullptr};
-  ++state.blocks;
+  ++state->blocks;
   return &record->master;
 }
 
 void DisposeHandle(Handle handle) {
   lastError = noErr;
-  if (!handle) {
+  if (!handle)
     return;
-  }
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   HandleRecord* record = RecordOf(handle);
-  if (Listed(*record)) {
-    RemoveFromList(&state, record);
-  }
-  if (record->master) {
-    ReleaseBytes(&state, record->master);
-  }
-  --state.blocks;
+  if (Listed(*record))
+    RemoveFromList(state, record);
+  if (record->master)
+    ReleaseBytes(state, record->master);
+  --state->blocks;
   free(record);
 }
 
 Size GetHandleSize(Handle handle) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex); // another thread's request may purge the block
+  const TB_Locked<State> state; // another thread's request may purge the block
   lastError = handle && *handle ? noErr : nilHandleErr;
   return handle && *handle ? HeaderOf(*handle)->size : 0;
 }
@@ -278,27 +253,24 @@ Size GetHandleSize(Handle handle) {
 // SetHandleSize for a block that is not purgeable.
 static void Resize(Handle handle, Size size) {
   const Size oldSize = GetHandleSize(handle);
-  if (!handle || size == oldSize) {
+  if (!handle || size == oldSize)
     return;
-  }
   if (RecordOf(handle)->locked && size > oldSize) {
     lastError = memLockedErr;
     return;
   }
   // A locked block that shrinks must stay where it is, and so keeps its bytes.
   Ptr bytes = RecordOf(handle)->locked && size >= 0 ? *handle : NewBytes(size);
-  if (!bytes) {
+  if (!bytes)
     return;
-  }
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   HandleRecord* record = RecordOf(handle);
   if (bytes == record->master) {
-    state.inUse -= static_cast<uint64_t>(oldSize - size);
+    state->inUse -= static_cast<uint64_t>(oldSize - size);
     HeaderOf(bytes)->size = size;
   } else if (record->master) {
     memcpy(bytes, record->master, static_cast<size_t>(std::min(oldSize, size)));
-    ReleaseBytes(&state, record->master);
+    ReleaseBytes(state, record->master);
   }
   record->master = bytes;
   lastError = noErr;
@@ -310,9 +282,8 @@ void SetHandleSize(Handle handle, Size size) {
   HNoPurge(handle);
   Resize(handle, size);
   const OSErr result = lastError;
-  if (purgeable) {
+  if (purgeable)
     HPurge(handle);
-  }
   lastError = result;
 }
 
@@ -330,42 +301,35 @@ void HNoPurge(Handle handle) {
 }
 
 Size MaxBlock() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   lastError = noErr;
-  return AsSize(FreeBytes(&state, QUERY_AGE));
+  return AsSize(FreeBytes(state, QUERY_AGE));
 }
 
 void PurgeMem(Size size) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   const uint64_t wanted = static_cast<uint64_t>(std::max<Size>(size, 0));
-  Purge(&state, wanted, QUERY_AGE);
-  lastError = FreeBytes(&state, QUERY_AGE) < wanted ? memFullErr : noErr;
+  Purge(state, wanted, QUERY_AGE);
+  lastError = FreeBytes(state, QUERY_AGE) < wanted ? memFullErr : noErr;
 }
 
 Size MaxMem(Size* grow) {
-  if (grow) {
+  if (grow)
     *grow = 0;
-  }
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  Purge(&state, UINT64_MAX, QUERY_AGE);
+  const TB_Locked<State> state;
+  Purge(state, UINT64_MAX, QUERY_AGE);
   lastError = noErr;
-  return AsSize(FreeBytes(&state, QUERY_AGE));
+  return AsSize(FreeBytes(state, QUERY_AGE));
 }
 
 void PurgeSpace(Size* total, Size* contiguous) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  const uint64_t bytes = FreeBytes(&state, QUERY_AGE);
-  const uint64_t all = bytes + std::min(state.purgeableBytes, UINT64_MAX - bytes);
-  if (total) {
+  const TB_Locked<State> state;
+  const uint64_t bytes = FreeBytes(state, QUERY_AGE);
+  const uint64_t all = bytes + std::min(state->purgeableBytes, UINT64_MAX - bytes);
+  if (total)
     *total = AsSize(all);
-  }
-  if (contiguous) {
+  if (contiguous)
     *contiguous = AsSize(all);
-  }
   lastError = noErr;
 }
 
@@ -374,26 +338,22 @@ OSErr MemError() {
 }
 
 void TB_SetMemoryBudget(uint64_t bytes) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.budget = bytes;
+  const TB_Locked<State> state;
+  state->budget = bytes;
 }
 
 void TB_ResetMemoryBudget() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.budget.reset();
-  state.asked.reset();
+  const TB_Locked<State> state;
+  state->budget.reset();
+  state->asked.reset();
 }
 
 uint64_t TB_MemoryInUse() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return state.inUse;
+  const TB_Locked<State> state;
+  return state->inUse;
 }
 
 uint64_t TB_BlocksInUse() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return state.blocks;
+  const TB_Locked<State> state;
+  return state->blocks;
 }

@@ -1,6 +1,7 @@
 #include "MacResources.h"
 
 #include "MacStrings.h"
+#include "TB_Locked.h"
 
 #include <algorithm>
 #include <charconv>
@@ -27,9 +28,8 @@ struct Source {
 // program where it cannot.
 void Empty(json* value) {
   if (value->is_structured()) {
-    for (json& child : *value) {
+    for (json& child : *value)
       Empty(&child);
-    }
     value->clear();
   }
 }
@@ -56,16 +56,10 @@ struct State {
   std::unique_ptr<const Document> merged;
 };
 
-State& Shared() {
-  static State& state = *new State;
-  return state;
-}
-
 // The number of a numbered element of a list, or null.
 const json* NumberOf(const json& element) {
-  if (!element.is_object()) {
+  if (!element.is_object())
     return nullptr;
-  }
   auto number = element.find("number");
   return number != element.end() && number->is_number_integer() ? &*number : nullptr;
 }
@@ -76,9 +70,8 @@ size_t PlaceOf(const json& list, const json& over, size_t place) {
   if (const json* number = NumberOf(over)) {
     for (size_t i = 0; i < list.size(); ++i) {
       const json* other = NumberOf(list[i]);
-      if (other && *other == *number) {
+      if (other && *other == *number)
         return i;
-      }
     }
     return list.size();
   }
@@ -94,13 +87,11 @@ void LayOver(json* base, const json& over) {
     *base = json(over.type());
   }
   if (over.is_object() && base->is_object()) {
-    for (const auto& [key, value] : over.items()) {
+    for (const auto& [key, value] : over.items())
       LayOver(&(*base)[key], value);
-    }
   } else if (over.is_array() && base->is_array()) {
-    for (size_t i = 0; i < over.size(); ++i) {
+    for (size_t i = 0; i < over.size(); ++i)
       LayOver(&(*base)[isCopy ? i : PlaceOf(*base, over[i], i)], over[i]);
-    }
   } else if (!over.is_null()) {
     Empty(base);
     *base = over;
@@ -127,27 +118,22 @@ bool IsInLanguage(std::string_view path) {
 }
 
 bool IsResourceFile(const json& content) {
-  if (!content.is_object()) {
+  if (!content.is_object())
     return false;
-  }
   for (const auto& [type, resources] : content.items()) {
-    if (type.size() != 4 || !resources.is_object()) {
+    if (type.size() != 4 || !resources.is_object())
       return false;
-    }
-    for (const auto& entry : resources.items()) {
-      if (!IsNumber(entry.key())) {
+    for (const auto& entry : resources.items())
+      if (!IsNumber(entry.key()))
         return false;
-      }
-    }
   }
   return true;
 }
 
 // Makes an object of null. Left to operator[], that would end half made when memory runs out.
 void NeedObject(json* value) {
-  if (value->is_null()) {
+  if (value->is_null())
     *value = json::object();
-  }
 }
 
 bool AddFile(State* state, std::string_view path, std::string_view bytes) {
@@ -157,9 +143,8 @@ bool AddFile(State* state, std::string_view path, std::string_view bytes) {
   }
   Document content;
   nlohmann::detail::json_sax_dom_parser<json> builder(content.value, false);
-  if (!json::sax_parse(bytes, &builder) || !IsResourceFile(content.value)) {
+  if (!json::sax_parse(bytes, &builder) || !IsResourceFile(content.value))
     return false;
-  }
   json* language = &state->languages[std::string(path.substr(0, path.find('/')))].value;
   NeedObject(language);
   for (auto type = content.value.begin(); type != content.value.end(); ++type) {
@@ -177,9 +162,8 @@ bool AddFile(State* state, std::string_view path, std::string_view bytes) {
 std::string LocaleOfEnvironment() {
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     const char* value = std::getenv(name);
-    if (value && *value) {
+    if (value && *value)
       return value;
-    }
   }
   return {};
 }
@@ -190,11 +174,9 @@ std::string ChooseLanguage(const State& state) {
   wanted.resize(std::min(wanted.size(), wanted.find_first_of(".@")));
   std::replace(wanted.begin(), wanted.end(), '-', '_');
   const std::string general = wanted.substr(0, wanted.find('_'));
-  for (const std::string& language : {wanted, general}) {
-    if (state.languages.contains(language)) {
+  for (const std::string& language : {wanted, general})
+    if (state.languages.contains(language))
       return language;
-    }
-  }
   return std::string(ENGLISH);
 }
 
@@ -204,9 +186,8 @@ const json& Merged(State* state) {
     auto merged = std::make_unique<Document>();
     for (const std::string& language : {std::string(ENGLISH), ChooseLanguage(*state)}) {
       auto found = state->languages.find(language);
-      if (found != state->languages.end()) {
+      if (found != state->languages.end())
         LayOver(&merged->value, found->second.value);
-      }
     }
     state->merged = std::move(merged);
   }
@@ -215,9 +196,8 @@ const json& Merged(State* state) {
 
 // A member of an object, or null.
 const json* Member(const json* object, std::string_view key) {
-  if (!object || !object->is_object()) {
+  if (!object || !object->is_object())
     return nullptr;
-  }
   auto found = object->find(key);
   return found == object->end() ? nullptr : &*found;
 }
@@ -229,68 +209,58 @@ const json* Find(State* state, std::string_view type, int16_t number) {
 } // namespace
 
 void GetIndString(StringPtr dest, int16_t listID, int16_t index) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  const json* list = Find(&state, "STR#", listID);
+  const TB_Locked<State> state;
+  const json* list = Find(state, "STR#", listID);
   dest[0] = 0;
   if (list && list->is_array() && index >= 1 && static_cast<size_t>(index) <= list->size()) {
     const json& item = (*list)[static_cast<size_t>(index) - 1];
-    if (item.is_string()) {
+    if (item.is_string())
       PLstrcpy(dest, TB_PString(item.get_ref<const std::string&>()));
-    }
   }
 }
 
 Boolean TB_UseResources(const TB_EmbeddedFile* files, size_t count) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  for (const Source& source : state.sources) {
-    if (source.files == files && source.count == count) {
+  const TB_Locked<State> state;
+  for (const Source& source : state->sources)
+    if (source.files == files && source.count == count)
       return 1;
-    }
-  }
-  state.merged.reset();
+  state->merged.reset();
   bool allUsed = true;
   for (size_t i = 0; i < count; ++i) {
     const std::string_view bytes(reinterpret_cast<const char*>(files[i].bytes), files[i].size);
-    allUsed = AddFile(&state, files[i].path, bytes) && allUsed;
+    allUsed = AddFile(state, files[i].path, bytes) && allUsed;
   }
   // Noted at the end: what ran out of memory on the way is tried again.
-  state.sources.push_back({files, count});
+  state->sources.push_back({files, count});
   return allUsed;
 }
 
 void TB_ForgetResources() {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.sources.clear();
-  state.files.clear();
-  state.languages.clear();
-  state.merged.reset();
+  const TB_Locked<State> state;
+  state->sources.clear();
+  state->files.clear();
+  state->languages.clear();
+  state->merged.reset();
 }
 
 void TB_SetLanguage(std::string_view code) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  state.chosen = code;
-  state.merged.reset();
+  const TB_Locked<State> state;
+  state->chosen = code;
+  state->merged.reset();
 }
 
 const json* TB_Resource(std::string_view type, int16_t number) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
-  return Find(&state, type, number);
+  const TB_Locked<State> state;
+  return Find(state, type, number);
 }
 
 std::string_view TB_ResourceFile(std::string_view path) {
-  State& state = Shared();
-  std::lock_guard lock(state.mutex);
+  const TB_Locked<State> state;
   for (const std::string& folder :
-       {ChooseLanguage(state) + "/", std::string(ENGLISH) + "/", std::string()}) {
-    auto found = state.files.find(folder + std::string(path));
-    if (found != state.files.end()) {
+       {ChooseLanguage(*state) + "/", std::string(ENGLISH) + "/", std::string()}) {
+    auto found = state->files.find(folder + std::string(path));
+    if (found != state->files.end())
       return found->second;
-    }
   }
   return {};
 }

@@ -32,18 +32,14 @@ bool IsCombiningMark(char32_t code) {
 char32_t SmallLetter(char32_t code) {
   auto within = [code](char32_t first, char32_t last) { return code >= first && code <= last; };
   if (within('A', 'Z') || (within(0xC0, 0xDE) && code != 0xD7) ||
-      (within(0x391, 0x3A9) && code != 0x3A2) || within(0x410, 0x42F)) {
+      (within(0x391, 0x3A9) && code != 0x3A2) || within(0x410, 0x42F))
     return code + 0x20;
-  }
-  if (within(0x400, 0x40F)) {
+  if (within(0x400, 0x40F))
     return code + 0x50;
-  }
-  if (code == 0x178) {
+  if (code == 0x178)
     return 0xFF;
-  }
-  if (code == 0x17F) {
+  if (code == 0x17F)
     return 's';
-  }
   // Capital and small letters alternate; in two stretches the capitals are the odd ones. The
   // dotted and the dotless i are letters of their own.
   const bool evenCapitals = (within(0x100, 0x137) && !within(0x130, 0x131)) || within(0x14A, 0x177);
@@ -63,9 +59,8 @@ bool TakeFolded(std::string_view* text, Folding folding, char32_t* code) {
   while (!text->empty()) {
     TB_Character next = TB_FirstCharacter(*text);
     text->remove_prefix(next.length);
-    if (!folding.keepMarks && IsCombiningMark(next.code)) {
+    if (!folding.keepMarks && IsCombiningMark(next.code))
       continue;
-    }
     *code = folding.keepMarks ? next.code : WithoutMarks(next.code);
     *code = folding.keepCase ? *code : SmallLetter(*code);
     return true;
@@ -79,12 +74,10 @@ int CompareFolded(std::string_view a, std::string_view b, Folding folding) {
     char32_t codeOfB = 0;
     const bool moreOfA = TakeFolded(&a, folding, &codeOfA);
     const bool moreOfB = TakeFolded(&b, folding, &codeOfB);
-    if (!moreOfA || !moreOfB) {
+    if (!moreOfA || !moreOfB)
       return static_cast<int>(moreOfA) - static_cast<int>(moreOfB);
-    }
-    if (codeOfA != codeOfB) {
+    if (codeOfA != codeOfB)
       return codeOfA < codeOfB ? -1 : 1;
-    }
   }
 }
 
@@ -104,11 +97,9 @@ Boolean EqualString(ConstStr255Param a, ConstStr255Param b, Boolean caseSens, Bo
 }
 
 int TB_CompareNames(std::string_view a, std::string_view b) {
-  for (Folding folding : {Folding{false, false}, Folding{false, true}}) {
-    if (int order = CompareFolded(a, b, folding)) {
+  for (Folding folding : {Folding{false, false}, Folding{false, true}})
+    if (int order = CompareFolded(a, b, folding))
       return order;
-    }
-  }
   return a.compare(b);
 }
 
@@ -138,15 +129,13 @@ void TB_CutPString(StringPtr text, unsigned maxBytes) {
 }
 
 std::string_view TB_CutUTF8(std::string_view text, size_t maxBytes) {
-  if (text.size() <= maxBytes) {
+  if (text.size() <= maxBytes)
     return text;
-  }
   // A character is at most four bytes long, so its start is no more than three bytes back.
   for (size_t start = maxBytes - std::min<size_t>(maxBytes, 3); start < maxBytes; ++start) {
     TB_Character character = TB_FirstCharacter(text.substr(start));
-    if (character.length > 1 && start + character.length > maxBytes) {
+    if (character.length > 1 && start + character.length > maxBytes)
       return text.substr(0, start);
-    }
   }
   return text.substr(0, maxBytes);
 }

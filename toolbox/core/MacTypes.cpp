@@ -23,9 +23,8 @@ void InsetRect(Rect* rect, int16_t dh, int16_t dv) {
   const int bottom = rect->bottom - dv;
   const int right = rect->right - dh;
   *rect = {};
-  if (bottom > top && right > left) {
+  if (bottom > top && right > left)
     *rect = {Wrapped(top), Wrapped(left), Wrapped(bottom), Wrapped(right)};
-  }
 }
 
 Boolean PtInRect(Point point, const Rect* rect) {

@@ -15,14 +15,12 @@ bool IsControl(char32_t code) {
 
 // The byte that "%XY" at the start of text stands for, when it is one that gets escaped at all.
 std::optional<char> EscapeAt(std::string_view text) {
-  if (text.size() < 3 || text[0] != '%') {
+  if (text.size() < 3 || text[0] != '%')
     return std::nullopt;
-  }
   const size_t high = DIGITS.find(text[1]);
   const size_t low = DIGITS.find(text[2]);
-  if (high == std::string_view::npos || low == std::string_view::npos) {
+  if (high == std::string_view::npos || low == std::string_view::npos)
     return std::nullopt;
-  }
   const auto byte = static_cast<unsigned char>(high * 16 + low);
   const bool escaped = byte < 0x20 || byte >= 0x7F || byte == '/' || byte == '.' || byte == '%';
   return escaped ? std::optional<char>(static_cast<char>(byte)) : std::nullopt;
@@ -45,16 +43,14 @@ std::optional<std::string> TB_FileNameFor(std::string_view name) {
     const std::string_view bytes = rest.substr(0, next.length);
     const bool harmful = next.code == '/' || IsControl(next.code) || next.code >= TB_STRAY_BYTE ||
                          (dots && rest.size() == name.size());
-    if (harmful || EscapeAt(rest)) {
+    if (harmful || EscapeAt(rest))
       AppendEscaped(bytes, &fileName);
-    } else {
+    else
       fileName += bytes;
-    }
     rest.remove_prefix(next.length);
   }
-  if (fileName.empty() || fileName.size() > LONGEST_FILE_NAME) {
+  if (fileName.empty() || fileName.size() > LONGEST_FILE_NAME)
     return std::nullopt;
-  }
   return fileName;
 }
 
@@ -65,8 +61,7 @@ std::optional<std::string> TB_NameForFile(std::string_view fileName) {
     name += byte.value_or(fileName[at]);
     at += byte ? 3 : 1;
   }
-  if (TB_FileNameFor(name) != fileName) {
+  if (TB_FileNameFor(name) != fileName)
     return std::nullopt;
-  }
   return name;
 }

@@ -1,5 +1,7 @@
 #include "TB_FileTable.h"
 
+#include "TB_Locked.h"
+
 #include <array>
 #include <unistd.h>
 #include <utility>
@@ -22,16 +24,10 @@ struct Table {
   size_t next = 0; // where the search for a free place begins
 };
 
-Table& Shared() {
-  static Table& table = *new Table;
-  return table;
-}
-
 // The place of a valid reference; the lock is held.
 Place* FindPlace(Table* table, int16_t refNum) {
-  if (refNum <= 0) {
+  if (refNum <= 0)
     return nullptr;
-  }
   Place& place = table->places[static_cast<size_t>(refNum % PLACES)];
   return place.file && place.round == refNum / PLACES ? &place : nullptr;
 }
@@ -39,20 +35,18 @@ Place* FindPlace(Table* table, int16_t refNum) {
 } // namespace
 
 TB_OpenFile::~TB_OpenFile() {
-  if (descriptor >= 0) {
+  if (descriptor >= 0)
     close(descriptor);
-  }
 }
 
 int16_t TB_AddOpenFile(std::shared_ptr<TB_OpenFile> file) {
-  Table& table = Shared();
-  std::lock_guard lock(table.mutex);
+  const TB_Locked<Table> table;
   for (size_t tried = 0; tried < PLACES; ++tried) {
-    const size_t index = (table.next + tried) % PLACES;
-    Place& place = table.places[index];
+    const size_t index = (table->next + tried) % PLACES;
+    Place& place = table->places[index];
     if (!place.file) {
       place.file = std::move(file);
-      table.next = (index + 1) % PLACES;
+      table->next = (index + 1) % PLACES;
       return static_cast<int16_t>(place.round * PLACES + static_cast<int>(index));
     }
   }
@@ -60,19 +54,16 @@ int16_t TB_AddOpenFile(std::shared_ptr<TB_OpenFile> file) {
 }
 
 std::shared_ptr<TB_OpenFile> TB_FindOpenFile(int16_t refNum) {
-  Table& table = Shared();
-  std::lock_guard lock(table.mutex);
-  Place* place = FindPlace(&table, refNum);
+  const TB_Locked<Table> table;
+  Place* place = FindPlace(table, refNum);
   return place ? place->file : nullptr;
 }
 
 std::shared_ptr<TB_OpenFile> TB_RemoveOpenFile(int16_t refNum) {
-  Table& table = Shared();
-  std::lock_guard lock(table.mutex);
-  Place* place = FindPlace(&table, refNum);
-  if (!place) {
+  const TB_Locked<Table> table;
+  Place* place = FindPlace(table, refNum);
+  if (!place)
     return nullptr;
-  }
   place->round = place->round % LAST_ROUND + 1;
   return std::exchange(place->file, nullptr);
 }

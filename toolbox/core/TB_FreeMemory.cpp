@@ -16,16 +16,14 @@ class SystemFile {
 public:
   explicit SystemFile(const std::string& path) {
     int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
+    if (file < 0)
       return;
-    }
     while (_size < _bytes.size()) {
       ssize_t got = read(file, _bytes.data() + _size, _bytes.size() - _size);
-      if (got > 0) {
+      if (got > 0)
         _size += static_cast<size_t>(got);
-      } else if (got == 0 || errno != EINTR) {
+      else if (got == 0 || errno != EINTR)
         break;
-      }
     }
     close(file);
   }
@@ -45,9 +43,8 @@ std::string_view TakeUntil(std::string_view* text, char end) {
 
 std::optional<uint64_t> Number(std::string_view text) {
   size_t start = text.find_first_not_of(" \t");
-  if (start == std::string_view::npos) {
+  if (start == std::string_view::npos)
     return std::nullopt;
-  }
   uint64_t value = 0;
   auto [end, error] = std::from_chars(text.data() + start, text.data() + text.size(), value);
   return error == std::errc() ? std::optional<uint64_t>(value) : std::nullopt;
@@ -57,19 +54,16 @@ std::optional<uint64_t> Number(std::string_view text) {
 std::optional<uint64_t> NumberOf(std::string_view text, std::string_view key) {
   while (!text.empty()) {
     std::string_view line = TakeUntil(&text, '\n');
-    if (line.starts_with(key)) {
+    if (line.starts_with(key))
       return Number(line.substr(key.size()));
-    }
   }
   return std::nullopt;
 }
 
 bool HasWord(std::string_view list, std::string_view word) {
-  while (!list.empty()) {
-    if (TakeUntil(&list, ',') == word) {
+  while (!list.empty())
+    if (TakeUntil(&list, ',') == word)
       return true;
-    }
-  }
   return false;
 }
 
@@ -84,18 +78,15 @@ std::optional<Mount> FindMount(std::string_view mounts, bool unified) {
   while (!mounts.empty()) {
     std::string_view line = TakeUntil(&mounts, '\n');
     size_t dash = line.find(" - ");
-    if (dash == std::string_view::npos) {
+    if (dash == std::string_view::npos)
       continue;
-    }
     std::string_view end = line.substr(dash + 3);
     std::string_view type = TakeUntil(&end, ' ');
     TakeUntil(&end, ' ');
-    if (unified ? type != "cgroup2" : type != "cgroup" || !HasWord(end, "memory")) {
+    if (unified ? type != "cgroup2" : type != "cgroup" || !HasWord(end, "memory"))
       continue;
-    }
-    for (int skipped = 0; skipped < 3; ++skipped) {
+    for (int skipped = 0; skipped < 3; ++skipped)
       TakeUntil(&line, ' ');
-    }
     std::string group(TakeUntil(&line, ' '));
     return Mount{std::string(TakeUntil(&line, ' ')), group};
   }
@@ -108,9 +99,8 @@ std::optional<std::string> FindGroup(std::string_view groups, bool unified) {
     std::string_view line = TakeUntil(&groups, '\n');
     std::string_view number = TakeUntil(&line, ':');
     std::string_view controllers = TakeUntil(&line, ':');
-    if (unified ? number == "0" && controllers.empty() : HasWord(controllers, "memory")) {
+    if (unified ? number == "0" && controllers.empty() : HasWord(controllers, "memory"))
       return std::string(line);
-    }
   }
   return std::nullopt;
 }
@@ -119,14 +109,12 @@ void AddGroups(const std::string& root, bool unified, std::vector<TB_ControlGrou
   std::optional<std::string> group =
       FindGroup(SystemFile(root + "/proc/self/cgroup").Text(), unified);
   std::optional<Mount> mount = FindMount(SystemFile(root + "/proc/self/mountinfo").Text(), unified);
-  if (!group || !mount) {
+  if (!group || !mount)
     return;
-  }
   // In a container the mounted place is often the process's own group.
   std::string inside = *group;
-  if (mount->group != "/") {
+  if (mount->group != "/")
     inside = inside.starts_with(mount->group) ? inside.substr(mount->group.size()) : "";
-  }
   const std::string folder = root + mount->point;
   while (inside.size() > 1) {
     found->push_back({folder + inside, unified});
@@ -144,9 +132,8 @@ uint64_t FreeInGroup(const TB_ControlGroup& group) {
   std::optional<uint64_t> used =
       Number(SystemFile(memory + (unified ? "current" : "usage_in_bytes")).Text());
   // Version 1 says "no limit" with the largest number of pages.
-  if (!limit || !used || *limit >= UINT64_C(1) << 62) {
+  if (!limit || !used || *limit >= UINT64_C(1) << 62)
     return UINT64_MAX;
-  }
   SystemFile counts(memory + "stat");
   uint64_t cache =
       NumberOf(counts.Text(), unified ? "inactive_file " : "total_inactive_file ").value_or(0) +
@@ -166,12 +153,10 @@ std::vector<TB_ControlGroup> TB_FindControlGroups(const std::string& root) {
 
 uint64_t TB_FreeMemory(const std::string& root, const std::vector<TB_ControlGroup>& groups) {
   uint64_t least = UINT64_MAX;
-  if (auto kilobytes = NumberOf(SystemFile(root + "/proc/meminfo").Text(), "MemAvailable:")) {
+  if (auto kilobytes = NumberOf(SystemFile(root + "/proc/meminfo").Text(), "MemAvailable:"))
     least = std::min(*kilobytes, UINT64_MAX / 1024) * 1024;
-  }
-  for (const TB_ControlGroup& group : groups) {
+  for (const TB_ControlGroup& group : groups)
     least = std::min(least, FreeInGroup(group));
-  }
   return least;
 }
 

@@ -3,6 +3,7 @@
 #define TB_TEXT_H
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "MacTypes.h"
@@ -17,5 +18,9 @@ struct TB_Character {
 
 // The character at the start of text.
 TB_EXPORT TB_Character TB_FirstCharacter(std::string_view text);
+
+// Text that may hold a stranger's file name, safe for a terminal: control characters, except
+// `kept`, and bytes that are not UTF-8 become question marks.
+TB_EXPORT std::string TB_Printable(std::string_view text, char32_t kept = TB_STRAY_BYTE);
 
 #endif

@@ -10,7 +10,6 @@
 #include "style_source.h"
 #include "thumbnail.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -187,8 +186,7 @@ ExitCode WriteSheet(const SheetOptions& options) {
   CheckTarget(options.image, output, existing);
   if (options.json && IsStandardOutput(output.path))
     throw Failure(ExitCode::WrongUsage, JSON_AND_PICTURE);
-  StartImageLibrary(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())),
-                    {options.maxPixels, MAX_PIXELS_ADVICE});
+  StartImageLibrary(ALL_THREADS, {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
   const ReadReduction read = ReadReducedPhotograph(options.image, options.channels, options.size);
   for (const std::string& notice : read.notices)

@@ -7,6 +7,7 @@
 
 #include <QAccessible>
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -32,8 +33,8 @@ std::vector<int> FocusOrder(const DialogWindow& window) {
   return order;
 }
 
-// The value that a key asks for; the present one for another key.
-int ValueByKey(ControlHandle control, int key) {
+// The value that a key asks for, if it asks for one.
+std::optional<int> ValueByKey(ControlHandle control, int key) {
   const int value = GetControlValue(control);
   const int minimum = GetControlMinimum(control);
   const int maximum = GetControlMaximum(control);
@@ -57,14 +58,8 @@ int ValueByKey(ControlHandle control, int key) {
   case Qt::Key_End:
     return maximum;
   default:
-    return value;
+    return std::nullopt;
   }
-}
-
-bool IsValueKey(int key) {
-  constexpr int KEYS[] = {Qt::Key_Left,   Qt::Key_Right,    Qt::Key_Down, Qt::Key_Up,
-                          Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
-  return std::find(std::begin(KEYS), std::end(KEYS), key) != std::end(KEYS);
 }
 
 } // namespace
@@ -133,10 +128,10 @@ bool TakeFocusKey(DialogWindow& window, const QKeyEvent& key) {
     RequestPress(window, window.focusedItem);
     return true;
   }
-  if (!HasRange(*item) || !IsValueKey(key.key()))
-    return false;
-  RequestValue(window, window.focusedItem, ValueByKey(item->control, key.key()));
-  return true;
+  const auto value = HasRange(*item) ? ValueByKey(item->control, key.key()) : std::nullopt;
+  if (value)
+    RequestValue(window, window.focusedItem, *value);
+  return value.has_value();
 }
 
 void RequestPress(const DialogWindow& window, int number) {

@@ -1,6 +1,7 @@
 #include "Input.h"
 
 #include <QKeyEvent>
+#include <string_view>
 
 namespace {
 
@@ -30,47 +31,10 @@ constexpr KeyCode KEY_CODES[] = {
     {126, Qt::Key_Up, 30},
     {125, Qt::Key_Down, 31},
     {49, Qt::Key_Space, ' '},
-    {0, Qt::Key_A, 0},
-    {1, Qt::Key_S, 0},
-    {2, Qt::Key_D, 0},
-    {3, Qt::Key_F, 0},
-    {4, Qt::Key_H, 0},
-    {5, Qt::Key_G, 0},
-    {6, Qt::Key_Z, 0},
-    {7, Qt::Key_X, 0},
-    {8, Qt::Key_C, 0},
-    {9, Qt::Key_V, 0},
-    {11, Qt::Key_B, 0},
-    {12, Qt::Key_Q, 0},
-    {13, Qt::Key_W, 0},
-    {14, Qt::Key_E, 0},
-    {15, Qt::Key_R, 0},
-    {16, Qt::Key_Y, 0},
-    {17, Qt::Key_T, 0},
-    {18, Qt::Key_1, 0},
-    {19, Qt::Key_2, 0},
-    {20, Qt::Key_3, 0},
-    {21, Qt::Key_4, 0},
-    {22, Qt::Key_6, 0},
-    {23, Qt::Key_5, 0},
-    {25, Qt::Key_9, 0},
-    {26, Qt::Key_7, 0},
-    {27, Qt::Key_Minus, 0},
-    {28, Qt::Key_8, 0},
-    {29, Qt::Key_0, 0},
-    {31, Qt::Key_O, 0},
-    {32, Qt::Key_U, 0},
-    {34, Qt::Key_I, 0},
-    {35, Qt::Key_P, 0},
-    {37, Qt::Key_L, 0},
-    {38, Qt::Key_J, 0},
-    {40, Qt::Key_K, 0},
-    {43, Qt::Key_Comma, 0},
-    {44, Qt::Key_Slash, 0},
-    {45, Qt::Key_N, 0},
-    {46, Qt::Key_M, 0},
-    {47, Qt::Key_Period, 0},
 };
+
+// Keys that type what they are called, by their virtual codes from 0; x where there is none.
+constexpr std::string_view TYPING_KEYS = "ASDFHGZXCVxBQWERYT123465x97-80xOUxIPxLJxKxx,/NM.";
 
 const KeyCode* FindKey(int key) {
   for (const KeyCode& entry : KEY_CODES) {
@@ -85,8 +49,10 @@ const KeyCode* FindKey(int key) {
 int VirtualKeyCode(int key, bool keypad) {
   if (key == Qt::Key_Return && keypad)
     return kEnterKeyCode;
-  const KeyCode* entry = FindKey(key);
-  return entry != nullptr ? entry->virtualCode : -1;
+  if (const KeyCode* entry = FindKey(key))
+    return entry->virtualCode;
+  const bool isTyping = key > ' ' && key <= 'Z';
+  return isTyping ? static_cast<int>(TYPING_KEYS.find(static_cast<char>(key))) : -1;
 }
 
 uint8_t CharacterOf(const QKeyEvent& event) {
