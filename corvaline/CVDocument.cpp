@@ -21,7 +21,7 @@ static CVResult checkShape(int width, int height, int colorMode, int planes) {
   if (width > CV_MAX_SIDE || height > CV_MAX_SIDE)
     return badImage("the image is " + size + " pixels; its sides may have at most " +
                     std::to_string(CV_MAX_SIDE));
-  if (colorMode < 0 || colorMode > std::numeric_limits<std::int16_t>::max())
+  if (colorMode < 0 || colorMode > std::numeric_limits<int16_t>::max())
     return badImage("there is no colour mode " + std::to_string(colorMode));
   if (planes < 1 || planes > CV_MAX_CHANNELS || planes < planesOfMode(colorMode, planes))
     return badImage("an image of colour mode " + std::to_string(colorMode) + " cannot have " +
@@ -40,11 +40,10 @@ static std::string defaultName(int colorMode, int modePlanes, int index) {
   return "Channel " + std::to_string(index + 1);
 }
 
-static bool rowsHold(const std::uint8_t* pixels, std::size_t rowStride, std::size_t rowBytes,
-                     int rows) {
-  const std::size_t largest = std::numeric_limits<std::ptrdiff_t>::max();
+static bool rowsHold(const uint8_t* pixels, size_t rowStride, size_t rowBytes, int rows) {
+  const size_t largest = std::numeric_limits<ptrdiff_t>::max();
   return pixels != nullptr && rowStride >= rowBytes &&
-         rowStride <= largest / static_cast<std::size_t>(rows);
+         rowStride <= largest / static_cast<size_t>(rows);
 }
 
 void CVDocument::_become(Plane base, int width, int height, int colorMode, int planes) {
@@ -64,28 +63,28 @@ CVResult CVDocument::create(int width, int height, int colorMode, int planes) {
   return CVGuarded("the image", [&]() -> CVResult {
     if (CVResult shape = checkShape(width, height, colorMode, planes); !shape.ok())
       return shape;
-    const auto rowBytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(planes);
+    const auto rowBytes = static_cast<size_t>(width) * static_cast<size_t>(planes);
     Plane base;
-    base.owned = CVBuffer::zeroed(static_cast<std::size_t>(height), rowBytes);
+    base.owned = CVBuffer::zeroed(static_cast<size_t>(height), rowBytes);
     if (!base.owned)
       return CVOutOfMemory("the image");
-    base.view = {base.owned.data(), rowBytes, static_cast<std::size_t>(planes)};
+    base.view = {base.owned.data(), rowBytes, static_cast<size_t>(planes)};
     _become(std::move(base), width, height, colorMode, planes);
     return {};
   });
 }
 
-CVResult CVDocument::wrap(std::uint8_t* pixels, std::size_t rowStride, int width, int height,
-                          int colorMode, int planes) {
+CVResult CVDocument::wrap(uint8_t* pixels, size_t rowStride, int width, int height, int colorMode,
+                          int planes) {
   return CVGuarded("the image", [&]() -> CVResult {
     if (CVResult shape = checkShape(width, height, colorMode, planes); !shape.ok())
       return shape;
-    const auto rowBytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(planes);
+    const auto rowBytes = static_cast<size_t>(width) * static_cast<size_t>(planes);
     if (!rowsHold(pixels, rowStride, rowBytes, height))
       return badImage("rows of " + std::to_string(rowStride) + " bytes do not hold an image of " +
                       std::to_string(width) + " pixels and " + std::to_string(planes) + " planes");
     Plane base;
-    base.view = {pixels, rowStride, static_cast<std::size_t>(planes)};
+    base.view = {pixels, rowStride, static_cast<size_t>(planes)};
     _become(std::move(base), width, height, colorMode, planes);
     return {};
   });
@@ -111,8 +110,8 @@ CVResult CVDocument::addChannel(const std::string& name) {
     if (CVResult fits = _checkAppend(); !fits.ok())
       return fits;
     Plane plane;
-    const auto rowBytes = static_cast<std::size_t>(_width);
-    plane.owned = CVBuffer::zeroed(static_cast<std::size_t>(_height), rowBytes);
+    const auto rowBytes = static_cast<size_t>(_width);
+    plane.owned = CVBuffer::zeroed(static_cast<size_t>(_height), rowBytes);
     if (!plane.owned)
       return CVOutOfMemory("a channel");
     plane.view = {plane.owned.data(), rowBytes, 1};
@@ -121,12 +120,11 @@ CVResult CVDocument::addChannel(const std::string& name) {
   });
 }
 
-CVResult CVDocument::wrapChannel(const std::string& name, std::uint8_t* pixels,
-                                 std::size_t rowStride) {
+CVResult CVDocument::wrapChannel(const std::string& name, uint8_t* pixels, size_t rowStride) {
   return CVGuarded("a channel", [&]() -> CVResult {
     if (CVResult fits = _checkAppend(); !fits.ok())
       return fits;
-    if (!rowsHold(pixels, rowStride, static_cast<std::size_t>(_width), _height))
+    if (!rowsHold(pixels, rowStride, static_cast<size_t>(_width), _height))
       return badImage("the rows of channel \"" + name + "\" are too short for the image");
     Plane plane;
     plane.view = {pixels, rowStride, 1};
@@ -135,12 +133,12 @@ CVResult CVDocument::wrapChannel(const std::string& name, std::uint8_t* pixels,
   });
 }
 
-CVResult CVDocument::createMask(std::uint8_t fill) {
+CVResult CVDocument::createMask(uint8_t fill) {
   return CVGuarded("the selection", [&]() -> CVResult {
     if (_basePlanes == 0)
       return badImage("a selection needs an image to belong to");
-    const auto rowBytes = static_cast<std::size_t>(_width);
-    CVBuffer buffer = CVBuffer::zeroed(static_cast<std::size_t>(_height), rowBytes);
+    const auto rowBytes = static_cast<size_t>(_width);
+    CVBuffer buffer = CVBuffer::zeroed(static_cast<size_t>(_height), rowBytes);
     if (!buffer)
       return CVOutOfMemory("the selection");
     std::memset(buffer.data(), fill, buffer.size());
@@ -150,11 +148,11 @@ CVResult CVDocument::createMask(std::uint8_t fill) {
   });
 }
 
-CVResult CVDocument::wrapMask(std::uint8_t* pixels, std::size_t rowStride) {
+CVResult CVDocument::wrapMask(uint8_t* pixels, size_t rowStride) {
   return CVGuarded("the selection", [&]() -> CVResult {
     if (_basePlanes == 0)
       return badImage("a selection needs an image to belong to");
-    if (!rowsHold(pixels, rowStride, static_cast<std::size_t>(_width), _height))
+    if (!rowsHold(pixels, rowStride, static_cast<size_t>(_width), _height))
       return badImage("the rows of the selection are too short for the image");
     _maskBuffer = CVBuffer();
     _mask = {pixels, rowStride, 1};
@@ -162,23 +160,23 @@ CVResult CVDocument::wrapMask(std::uint8_t* pixels, std::size_t rowStride) {
   });
 }
 
-CVChannelView<const std::uint8_t> CVDocument::mask() const {
+CVChannelView<const uint8_t> CVDocument::mask() const {
   return {_mask.data, _mask.rowStride, _mask.pixelStep};
 }
 
 CVRect CVDocument::bounds() const {
-  return {0, 0, static_cast<std::int16_t>(_height), static_cast<std::int16_t>(_width)};
+  return {0, 0, static_cast<int16_t>(_height), static_cast<int16_t>(_width)};
 }
 
-CVChannelView<std::uint8_t> CVDocument::channel(int index) {
+CVChannelView<uint8_t> CVDocument::channel(int index) {
   if (index < _basePlanes)
     return {_base.view.data + index, _base.view.rowStride, _base.view.pixelStep};
-  return _extras[static_cast<std::size_t>(index - _basePlanes)].view;
+  return _extras[static_cast<size_t>(index - _basePlanes)].view;
 }
 
-CVChannelView<const std::uint8_t> CVDocument::channel(int index) const {
+CVChannelView<const uint8_t> CVDocument::channel(int index) const {
   if (index < _basePlanes)
     return {_base.view.data + index, _base.view.rowStride, _base.view.pixelStep};
-  const auto& view = _extras[static_cast<std::size_t>(index - _basePlanes)].view;
+  const auto& view = _extras[static_cast<size_t>(index - _basePlanes)].view;
   return {view.data, view.rowStride, view.pixelStep};
 }

@@ -1,6 +1,5 @@
 // The image that a filter works on: channels of 8 bits, their names, and the user's selection.
-#ifndef CV_DOCUMENT_H
-#define CV_DOCUMENT_H
+#pragma once
 
 #include "CVBuffer.h"
 #include "CVFilterRecord.h"
@@ -16,11 +15,11 @@ inline constexpr int CV_MAX_SIDE = 32767;
 inline constexpr int CV_MAX_CHANNELS = 1000;
 
 // One channel as bytes: pixel (row, column) is data[row * rowStride + column * pixelStep].
-// Byte is std::uint8_t or const std::uint8_t; the memory stays its owner's.
+// Byte is uint8_t or const uint8_t; the memory stays its owner's.
 template <typename Byte> struct CVChannelView {
   Byte* data = nullptr;
-  std::size_t rowStride = 0;
-  std::size_t pixelStep = 0;
+  size_t rowStride = 0;
+  size_t pixelStep = 0;
 };
 
 // Channels 0 to basePlanes() − 1 lie interleaved in one base buffer; each further channel is a
@@ -42,21 +41,21 @@ public:
   CVResult create(int width, int height, int colorMode, int planes);
   // The same over the caller's pixels: `planes` interleaved bytes a pixel, rowStride bytes a row
   // (at least width × planes).
-  CVResult wrap(std::uint8_t* pixels, std::size_t rowStride, int width, int height, int colorMode,
+  CVResult wrap(uint8_t* pixels, size_t rowStride, int width, int height, int colorMode,
                 int planes);
 
   // Appends a channel, filled with 0.
   CVResult addChannel(const std::string& name);
   // Appends a channel over the caller's memory: one byte a pixel, rowStride bytes a row.
-  CVResult wrapChannel(const std::string& name, std::uint8_t* pixels, std::size_t rowStride);
+  CVResult wrapChannel(const std::string& name, uint8_t* pixels, size_t rowStride);
 
   // The selection: one byte a pixel, 255 fully selected. Without one everything is selected.
-  CVResult createMask(std::uint8_t fill);
-  CVResult wrapMask(std::uint8_t* pixels, std::size_t rowStride);
+  CVResult createMask(uint8_t fill);
+  CVResult wrapMask(uint8_t* pixels, size_t rowStride);
   bool hasMask() const { return _mask.data != nullptr; }
   // data is null without a mask; pixelStep is 1.
-  CVChannelView<std::uint8_t> mask() { return _mask; }
-  CVChannelView<const std::uint8_t> mask() const;
+  CVChannelView<uint8_t> mask() { return _mask; }
+  CVChannelView<const uint8_t> mask() const;
 
   int width() const { return _width; }
   int height() const { return _height; }
@@ -68,21 +67,19 @@ public:
 
   // index: 0 to channelCount() − 1. The view of channel 0 is the base buffer too: its pixelStep is
   // basePlanes().
-  CVChannelView<std::uint8_t> channel(int index);
-  CVChannelView<const std::uint8_t> channel(int index) const;
+  CVChannelView<uint8_t> channel(int index);
+  CVChannelView<const uint8_t> channel(int index) const;
 
   // Names are the bytes that a plug-in is given; the image's own are Red, Green, Blue (Gray) and
   // Alpha, then "Channel 5" and so on.
-  const std::string& channelName(int index) const {
-    return _names[static_cast<std::size_t>(index)];
-  }
+  const std::string& channelName(int index) const { return _names[static_cast<size_t>(index)]; }
 
 private:
   friend class CVResultImage;
 
   struct Plane {
     CVBuffer owned; // empty when the pixels are the caller's
-    CVChannelView<std::uint8_t> view;
+    CVChannelView<uint8_t> view;
   };
 
   void _become(Plane base, int width, int height, int colorMode, int planes);
@@ -98,7 +95,5 @@ private:
   std::vector<Plane> _extras;
   std::vector<std::string> _names;
   CVBuffer _maskBuffer;
-  CVChannelView<std::uint8_t> _mask;
+  CVChannelView<uint8_t> _mask;
 };
-
-#endif

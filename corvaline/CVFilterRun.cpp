@@ -31,7 +31,7 @@ CVResult CVHostThrew() noexcept {
   return failed("a function that serves the filter failed");
 }
 
-CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, std::int16_t code) {
+CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, int16_t code) {
   const std::string name = plugin.name() + ": ";
   switch (code) {
   case CV_RESULT_OK:
@@ -59,7 +59,7 @@ CVFilterRun::CVFilterRun(CVFilterSession& session, CVDocument& document, CVRect 
                          const CVRunOptions& options)
     : _session(session), _document(document), _area(area), _options(options),
       _result(document, area), _tiles(document, _result) {
-  const auto lastPlane = static_cast<std::int16_t>(document.modePlanes() - 1);
+  const auto lastPlane = static_cast<int16_t>(document.modePlanes() - 1);
   _record.savedParams = session._parameters;
   _record.inLastPlane = lastPlane;
   _record.outLastPlane = lastPlane;
@@ -83,7 +83,7 @@ void CVFilterRun::_fillHostFields() {
   _record.maskPresent = masked ? 1 : 0;
   _record.hostSignature = CV_HOST_SIGNATURE;
   _record.hostCall = CVHostCall;
-  _record.colorMode = static_cast<std::int16_t>(_document.colorMode());
+  _record.colorMode = static_cast<int16_t>(_document.colorMode());
   _record.processEvent = _options.services.processEvent;
   _record.showPixels = _options.services.showPixels;
   _record.handleServices = nullptr; // handles are the Toolbox's
@@ -93,10 +93,10 @@ void CVFilterRun::_fillHostFields() {
   _record.colorPicker = _options.services.colorPicker;
 }
 
-std::int16_t CVFilterRun::_call(int selector) noexcept {
+int16_t CVFilterRun::_call(int selector) noexcept {
   _fillHostFields();
   _selector = selector;
-  std::int16_t code = CV_RESULT_OK;
+  int16_t code = CV_RESULT_OK;
   if (!_session._plugin.call(selector, &_record, &_session._dataSlot, &code))
     fail(CVPluginThrew());
   _session._parameters = _record.savedParams;
@@ -108,7 +108,7 @@ void CVFilterRun::fail(CVResult result) noexcept {
     _failure = std::move(result);
 }
 
-CVResult CVFilterRun::_judge(int selector, std::int16_t code) {
+CVResult CVFilterRun::_judge(int selector, int16_t code) {
   const std::string name = _session._plugin.name() + ": ";
   if (!_failure.ok()) {
     CVResult failure = _failure;
@@ -140,9 +140,9 @@ CVResult CVFilterRun::_refusal(const CVResult& request) const {
 
 // More calls than any sensible walk makes: row by row or column by column 64 times over, or in
 // tiles of 4 × 4 pixels.
-static std::int64_t mostCalls(const CVRect& area) {
-  const std::int64_t width = area.right - area.left;
-  const std::int64_t height = area.bottom - area.top;
+static int64_t mostCalls(const CVRect& area) {
+  const int64_t width = area.right - area.left;
+  const int64_t height = area.bottom - area.top;
   return 4096 + 64 * (width + height) + width * height / 16;
 }
 
@@ -154,8 +154,8 @@ CVResult CVFilterRun::_walk() {
     if (CVResult result = _step(selector); !result.ok())
       return result;
 
-  const std::int64_t most = mostCalls(_area);
-  for (std::int64_t calls = 0;; ++calls) {
+  const int64_t most = mostCalls(_area);
+  for (int64_t calls = 0;; ++calls) {
     if (testCancel())
       return {CVOutcome::Cancelled, 0, _session._plugin.name() + ": the filter was cancelled"};
     CVResult result = _tiles.read(_record);
@@ -188,7 +188,7 @@ CVResult CVFilterRun::execute() noexcept {
   };
   CVResult result = guarded([this] { return _walk(); });
   _tiles.withdraw(_record);
-  const std::int16_t code = _call(LM_SEL_FINISH);
+  const int16_t code = _call(LM_SEL_FINISH);
   if (result.ok())
     result = guarded([this, code] { return _judge(LM_SEL_FINISH, code); });
   if (result.ok())
@@ -203,7 +203,7 @@ bool CVFilterRun::testCancel() {
 }
 
 // A plug-in that reports nothing done begins its walk: what it took part in before was its preview.
-void CVFilterRun::reportProgress(std::int32_t done) {
+void CVFilterRun::reportProgress(int32_t done) {
   if (done > 0)
     return;
   _tiles.countFromZero();
@@ -221,7 +221,7 @@ void CVFilterRun::_showProgress() {
   _options.progress(done);
 }
 
-std::int16_t CVFilterRun::nextTile() {
+int16_t CVFilterRun::nextTile() {
   if (_selector != LM_SEL_START && _selector != LM_SEL_CONTINUE)
     return CV_RESULT_NO_SERVICE;
   _tiles.takeOutput();
@@ -239,9 +239,8 @@ std::int16_t CVFilterRun::nextTile() {
   return paramErr;
 }
 
-std::int16_t CVFilterRun::queryProperty(std::uint32_t signature, std::uint32_t key,
-                                        std::int32_t index, std::int32_t* simpleValue,
-                                        CVHandle* handle) const {
+int16_t CVFilterRun::queryProperty(uint32_t signature, uint32_t key, int32_t index,
+                                   int32_t* simpleValue, CVHandle* handle) const {
   if (signature != CV_HOST_SIGNATURE)
     return CV_RESULT_NO_SERVICE;
   if (key == CV_PROPERTY_NUM_CHANNELS) {

@@ -1,6 +1,5 @@
 // One run of a filter: the record, the order of the calls, and what the plug-in can ask meanwhile.
-#ifndef CV_FILTER_RUN_H
-#define CV_FILTER_RUN_H
+#pragma once
 
 #include "CVDocument.h"
 #include "CVFilterRecord.h"
@@ -17,7 +16,7 @@ CVResult CVPluginThrew() noexcept;
 CVResult CVHostThrew() noexcept;
 
 // What the answer of a call means to the user: Done for 0. May throw std::bad_alloc.
-CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, std::int16_t code);
+CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, int16_t code);
 
 // While it exists it is its thread's current run, which the functions in the record, having no
 // argument for it, work on. There is at most one on a thread.
@@ -36,18 +35,18 @@ public:
 
   // The services. They may throw; what calls them from the plug-in's side must not.
   bool testCancel();
-  void reportProgress(std::int32_t done);
-  std::int16_t nextTile();
-  std::int16_t queryProperty(std::uint32_t signature, std::uint32_t key, std::int32_t index,
-                             std::int32_t* simpleValue, CVHandle* handle) const;
+  void reportProgress(int32_t done);
+  int16_t nextTile();
+  int16_t queryProperty(uint32_t signature, uint32_t key, int32_t index, int32_t* simpleValue,
+                        CVHandle* handle) const;
   // Ends the run as soon as the plug-in returns. Only the first such result counts.
   void fail(CVResult result) noexcept;
 
 private:
   CVResult _walk();
   CVResult _step(int selector);
-  CVResult _judge(int selector, std::int16_t code);
-  std::int16_t _call(int selector) noexcept;
+  CVResult _judge(int selector, int16_t code);
+  int16_t _call(int selector) noexcept;
   void _fillHostFields();
   CVResult _refusal(const CVResult& request) const;
   void _showProgress();
@@ -64,5 +63,3 @@ private:
   bool _cancelled = false;
   double _progressShown = -1.0;
 };
-
-#endif

@@ -74,19 +74,19 @@ CVResult CVFilterSession::about(void* hostWindow) {
     if (CVResult result = checkTurn(turn, _plugin); !result.ok())
       return result;
     CVAboutRecord record{hostWindow};
-    std::int16_t code = CV_RESULT_OK;
+    int16_t code = CV_RESULT_OK;
     if (!_plugin.call(LM_SEL_ABOUT, &record, &_dataSlot, &code))
       return CVPluginThrew();
     return CVDescribeAnswer(_plugin, LM_SEL_ABOUT, code);
   });
 }
 
-CVResult CVFilterSession::setParameters(const void* bytes, std::size_t size) {
+CVResult CVFilterSession::setParameters(const void* bytes, size_t size) {
   return CVGuarded("the filter's parameters", [&]() -> CVResult {
     const Turn turn(_running);
     if (!turn.taken())
       return {CVOutcome::BadPlugin, 0, _plugin.name() + ": a filter is still at work"};
-    if (size > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+    if (size > static_cast<size_t>(std::numeric_limits<int32_t>::max()))
       return CVOutOfMemory("the filter's parameters");
     Handle block = NewHandle(static_cast<Size>(size));
     if (block == nullptr)
@@ -99,11 +99,11 @@ CVResult CVFilterSession::setParameters(const void* bytes, std::size_t size) {
   });
 }
 
-std::vector<std::uint8_t> CVFilterSession::parameters() const {
+std::vector<uint8_t> CVFilterSession::parameters() const {
   const Size size = GetHandleSize(_parameters);
   if (_parameters == nullptr || size <= 0)
     return {};
-  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+  std::vector<uint8_t> bytes(static_cast<size_t>(size));
   std::memcpy(bytes.data(), *_parameters, bytes.size());
   return bytes;
 }

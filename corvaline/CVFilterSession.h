@@ -1,6 +1,5 @@
 // Running a filter plug-in: what is kept between its runs, and the runs themselves.
-#ifndef CV_FILTER_SESSION_H
-#define CV_FILTER_SESSION_H
+#pragma once
 
 #include "CVDocument.h"
 #include "CVFilterRecord.h"
@@ -26,8 +25,8 @@ struct CVServices {
 
 // The showPixels of a host without a screen: draws nothing, answers 0 when the map, its rectangle
 // and its buffer make sense and −50 when they do not.
-std::int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, std::int32_t row,
-                             std::int32_t column, void* platformContext);
+int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, int32_t row, int32_t column,
+                        void* platformContext);
 
 enum class CVDialog { No, Yes };
 
@@ -65,10 +64,10 @@ public:
   CVResult about(void* hostWindow);
 
   // Makes `bytes` the parameter block that the next run finds, in place of the one kept.
-  CVResult setParameters(const void* bytes, std::size_t size);
+  CVResult setParameters(const void* bytes, size_t size);
   bool hasParameters() const { return _parameters != nullptr; }
   // A copy of the block as the last run left it; empty without one.
-  std::vector<std::uint8_t> parameters() const;
+  std::vector<uint8_t> parameters() const;
 
   const CVPlugin& plugin() const { return _plugin; }
 
@@ -76,9 +75,7 @@ private:
   friend class CVFilterRun;
 
   CVPlugin _plugin;
-  std::intptr_t _dataSlot = 0;
+  intptr_t _dataSlot = 0;
   CVHandle _parameters = nullptr;
   std::atomic<bool> _running{false};
 };
-
-#endif

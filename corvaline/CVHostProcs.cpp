@@ -23,28 +23,27 @@ static Answer withRun(Answer otherwise, Work work) noexcept {
   return otherwise;
 }
 
-std::uint8_t CVTestCancel() {
-  return withRun<std::uint8_t>(CVFilterRun::current() != nullptr ? 1 : 0,
-                               [](CVFilterRun& run) { return run.testCancel() ? 1 : 0; });
+uint8_t CVTestCancel() {
+  return withRun<uint8_t>(CVFilterRun::current() != nullptr ? 1 : 0,
+                          [](CVFilterRun& run) { return run.testCancel() ? 1 : 0; });
 }
 
-void CVReportProgress(std::int32_t done, std::int32_t) {
+void CVReportProgress(int32_t done, int32_t) {
   withRun(0, [done](CVFilterRun& run) {
     run.reportProgress(done);
     return 0;
   });
 }
 
-void CVHostCall(std::int16_t, std::int32_t*) {}
+void CVHostCall(int16_t, int32_t*) {}
 
-std::int16_t CVNextTile() {
-  return withRun<std::int16_t>(CV_RESULT_NO_SERVICE,
-                               [](CVFilterRun& run) { return run.nextTile(); });
+int16_t CVNextTile() {
+  return withRun<int16_t>(CV_RESULT_NO_SERVICE, [](CVFilterRun& run) { return run.nextTile(); });
 }
 
-std::int16_t CVQueryProperty(std::uint32_t signature, std::uint32_t key, std::int32_t index,
-                             std::int32_t* simpleValue, CVHandle* handle) {
-  return withRun<std::int16_t>(CV_RESULT_NO_SERVICE, [&](CVFilterRun& run) {
+int16_t CVQueryProperty(uint32_t signature, uint32_t key, int32_t index, int32_t* simpleValue,
+                        CVHandle* handle) {
+  return withRun<int16_t>(CV_RESULT_NO_SERVICE, [&](CVFilterRun& run) {
     return run.queryProperty(signature, key, index, simpleValue, handle);
   });
 }
@@ -53,8 +52,7 @@ CVServices::CVServices() : showPixels(CVCheckPixelMap) {}
 
 // Only what can be judged without reading the pixels: an order of the sides, and rows that hold the
 // width.
-std::int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, std::int32_t,
-                             std::int32_t, void*) {
+int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, int32_t, int32_t, void*) {
   if (map == nullptr || source == nullptr || map->baseAddress == nullptr)
     return paramErr;
   const CVRect32& bounds = map->bounds;
@@ -64,7 +62,7 @@ std::int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, std:
                       source->bottom <= bounds.bottom && source->right <= bounds.right;
   if (!ordered || !inside || map->columnBytes < 1 || map->rowBytes < 0)
     return paramErr;
-  const std::int64_t width = std::int64_t{bounds.right} - bounds.left;
+  const int64_t width = int64_t{bounds.right} - bounds.left;
   if (width > map->rowBytes / map->columnBytes)
     return paramErr;
   if (map->version < 0 || map->version > 1)

@@ -1,14 +1,11 @@
 // How a selection mask mixes a filter's result with what was there before.
-#ifndef CV_MIX_H
-#define CV_MIX_H
+#pragma once
 
 #include <cstdint>
 
 // selection: 0 keeps the old sample, 255 takes the new one; between them the mean by weight,
 // rounded to the nearest.
-inline std::uint8_t CVMixSelected(std::uint8_t before, std::uint8_t after, std::uint8_t selection) {
+inline uint8_t CVMixSelected(uint8_t before, uint8_t after, uint8_t selection) {
   const unsigned share = selection;
-  return static_cast<std::uint8_t>((before * (255 - share) + after * share + 127) / 255);
+  return static_cast<uint8_t>((before * (255 - share) + after * share + 127) / 255);
 }
-
-#endif

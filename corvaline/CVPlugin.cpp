@@ -9,8 +9,7 @@
 CVPlugin::CVPlugin(CVFilterEntry entry, std::string fileName)
     : _entry(entry), _name(std::move(fileName)) {}
 
-bool CVPlugin::call(int selector, void* record, std::intptr_t* dataSlot,
-                    std::int16_t* code) const noexcept {
+bool CVPlugin::call(int selector, void* record, intptr_t* dataSlot, int16_t* code) const noexcept {
   try {
     _entry(selector, record, dataSlot, code);
     return true;

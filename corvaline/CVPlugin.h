@@ -1,6 +1,5 @@
 // A filter plug-in: a loadable module whose one symbol is `main`.
-#ifndef CV_PLUGIN_H
-#define CV_PLUGIN_H
+#pragma once
 
 #include "CVFilterRecord.h"
 #include "CVResult.h"
@@ -23,12 +22,10 @@ public:
   bool isLoaded() const { return _entry != nullptr; }
   // One call of the loaded plug-in; arguments as CVFilterEntry has them. False when an exception
   // came out of it, which the contract forbids.
-  bool call(int selector, void* record, std::intptr_t* dataSlot, std::int16_t* code) const noexcept;
+  bool call(int selector, void* record, intptr_t* dataSlot, int16_t* code) const noexcept;
   const std::string& name() const { return _name; } // file name without its folder
 
 private:
   CVFilterEntry _entry = nullptr;
   std::string _name;
 };
-
-#endif

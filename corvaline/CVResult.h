@@ -1,6 +1,5 @@
 // What became of something the host was asked to do: a code to act on and a sentence to show.
-#ifndef CV_RESULT_H
-#define CV_RESULT_H
+#pragma once
 
 #include <cstdint>
 #include <exception>
@@ -22,7 +21,7 @@ enum class CVOutcome {
 // without a final stop, empty only with Done.
 struct CVResult {
   CVOutcome outcome = CVOutcome::Done;
-  std::int16_t code = 0;
+  int16_t code = 0;
   std::string message;
 
   bool ok() const { return outcome == CVOutcome::Done; }
@@ -40,5 +39,3 @@ template <typename Work> CVResult CVGuarded(const char* what, Work work) noexcep
     return CVOutOfMemory(what);
   }
 }
-
-#endif

@@ -1,6 +1,5 @@
 // The result of a run while it grows: the filter area of the channels that the plug-in writes.
-#ifndef CV_RESULT_IMAGE_H
-#define CV_RESULT_IMAGE_H
+#pragma once
 
 #include "CVBuffer.h"
 #include "CVDocument.h"
@@ -22,7 +21,7 @@ public:
   bool open(int firstChannel, int lastChannel);
 
   // A channel that was opened; its pixel (0, 0) is the area's top-left.
-  CVChannelView<std::uint8_t> channel(int index) const;
+  CVChannelView<uint8_t> channel(int index) const;
 
   // Puts what was written into the document. Cannot fail.
   void store();
@@ -36,5 +35,3 @@ private:
   CVBuffer _base;
   std::vector<CVBuffer> _extras; // by their position after the base; an empty one is not opened
 };
-
-#endif

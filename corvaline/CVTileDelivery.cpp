@@ -9,59 +9,56 @@
 
 // A tile may be the whole of any image, but only as much as this of it is copied for a plug-in: a
 // margin can make a request of gigabytes out of an image of one pixel.
-static constexpr std::int64_t LARGEST_COPY = 256 << 20;
+static constexpr int64_t LARGEST_COPY = 256 << 20;
 
 // Rows of a copy begin at multiples of 16 bytes.
-static std::size_t strideOfCopy(const CVTile& tile) {
-  const std::size_t bytes =
-      static_cast<std::size_t>(tile.columns()) * static_cast<std::size_t>(tile.channels());
+static size_t strideOfCopy(const CVTile& tile) {
+  const size_t bytes = static_cast<size_t>(tile.columns()) * static_cast<size_t>(tile.channels());
   return (bytes + 15) / 16 * 16;
 }
 
 static CVResult makeRoom(const char* what, const CVTile& tile, CVBuffer& buffer) {
-  const auto bytes =
-      static_cast<std::int64_t>(tile.rows()) * static_cast<std::int64_t>(strideOfCopy(tile));
+  const auto bytes = static_cast<int64_t>(tile.rows()) * static_cast<int64_t>(strideOfCopy(tile));
   if (bytes > LARGEST_COPY)
     return {CVOutcome::BadRequest, 0,
             "asked for an " + std::string(what) + " tile of " + std::to_string(bytes) +
                 " bytes, more than the " + std::to_string(LARGEST_COPY) + " that a tile may have"};
-  if (!buffer.reserve(static_cast<std::size_t>(bytes)))
+  if (!buffer.reserve(static_cast<size_t>(bytes)))
     return CVOutOfMemory("a tile of the image");
   return {};
 }
 
 // The sample `index` of a tile side that starts at `start`, as a coordinate inside the image.
-static std::size_t samplePosition(int start, int index, std::int32_t step, int imageSide) {
-  const std::int64_t position = start + ((std::int64_t{index} * step) >> 16);
-  return static_cast<std::size_t>(std::clamp<std::int64_t>(position, 0, imageSide - 1));
+static size_t samplePosition(int start, int index, int32_t step, int imageSide) {
+  const int64_t position = start + ((int64_t{index} * step) >> 16);
+  return static_cast<size_t>(std::clamp<int64_t>(position, 0, imageSide - 1));
 }
 
 // Copies the tile's samples of one channel to every pixelStep-th byte of dest. columns: image
 // column of each sample of a row.
-static void copySamples(const CVChannelView<const std::uint8_t>& channel, const CVTile& tile,
-                        int imageHeight, const std::vector<std::size_t>& columns,
-                        const CVChannelView<std::uint8_t>& dest) {
+static void copySamples(const CVChannelView<const uint8_t>& channel, const CVTile& tile,
+                        int imageHeight, const std::vector<size_t>& columns,
+                        const CVChannelView<uint8_t>& dest) {
   for (int row = 0; row < tile.rows(); ++row) {
-    const std::size_t y = samplePosition(tile.top, row, tile.step, imageHeight);
-    const std::uint8_t* source = channel.data + y * channel.rowStride;
-    std::uint8_t* sample = dest.data + static_cast<std::size_t>(row) * dest.rowStride;
-    for (const std::size_t x : columns) {
+    const size_t y = samplePosition(tile.top, row, tile.step, imageHeight);
+    const uint8_t* source = channel.data + y * channel.rowStride;
+    uint8_t* sample = dest.data + static_cast<size_t>(row) * dest.rowStride;
+    for (const size_t x : columns) {
       *sample = source[x * channel.pixelStep];
       sample += dest.pixelStep;
     }
   }
 }
 
-static void findColumns(const CVTile& tile, int imageWidth, std::vector<std::size_t>& columns) {
-  columns.resize(static_cast<std::size_t>(tile.columns()));
-  for (std::size_t i = 0; i < columns.size(); ++i)
+static void findColumns(const CVTile& tile, int imageWidth, std::vector<size_t>& columns) {
+  columns.resize(static_cast<size_t>(tile.columns()));
+  for (size_t i = 0; i < columns.size(); ++i)
     columns[i] = samplePosition(tile.left, static_cast<int>(i), tile.step, imageWidth);
 }
 
 // True when a pixel of the tile is the same bytes as a pixel of the buffer it belongs to.
 bool CVTileDelivery::_hasWholePixels(const CVTile& tile) const {
-  return _document.channel(tile.firstChannel).pixelStep ==
-             static_cast<std::size_t>(tile.channels()) &&
+  return _document.channel(tile.firstChannel).pixelStep == static_cast<size_t>(tile.channels()) &&
          (tile.firstChannel == 0 || tile.firstChannel >= _document.basePlanes());
 }
 
@@ -73,12 +70,12 @@ bool CVTileDelivery::_lendable(const CVTile& tile) const {
                       tile.left + tile.width <= _document.width();
   return inside && tile.step == CV_FIXED_ONE && _hasWholePixels(tile) &&
          _document.channel(tile.firstChannel).rowStride <=
-             static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+             static_cast<size_t>(std::numeric_limits<int32_t>::max());
 }
 
-static const std::uint8_t* at(const CVChannelView<const std::uint8_t>& view, int row, int column) {
-  return view.data + static_cast<std::size_t>(row) * view.rowStride +
-         static_cast<std::size_t>(column) * view.pixelStep;
+static const uint8_t* at(const CVChannelView<const uint8_t>& view, int row, int column) {
+  return view.data + static_cast<size_t>(row) * view.rowStride +
+         static_cast<size_t>(column) * view.pixelStep;
 }
 
 CVResult CVTileDelivery::_deliverInput(FilterRecord& record) {
@@ -88,18 +85,18 @@ CVResult CVTileDelivery::_deliverInput(FilterRecord& record) {
   if (_lendable(tile)) {
     const auto view = _document.channel(tile.firstChannel);
     record.inPixels = at(view, tile.top, tile.left);
-    record.inRowStride = static_cast<std::int32_t>(view.rowStride);
+    record.inRowStride = static_cast<int32_t>(view.rowStride);
     return {};
   }
   if (CVResult room = makeRoom("input", tile, _inputBuffer); !room.ok())
     return room;
-  const std::size_t stride = strideOfCopy(tile);
+  const size_t stride = strideOfCopy(tile);
   findColumns(tile, _document.width(), _columns);
   for (int i = 0; i < tile.channels(); ++i)
     copySamples(_document.channel(tile.firstChannel + i), tile, _document.height(), _columns,
-                {_inputBuffer.data() + i, stride, static_cast<std::size_t>(tile.channels())});
+                {_inputBuffer.data() + i, stride, static_cast<size_t>(tile.channels())});
   record.inPixels = _inputBuffer.data();
-  record.inRowStride = static_cast<std::int32_t>(stride);
+  record.inRowStride = static_cast<int32_t>(stride);
   return {};
 }
 
@@ -108,18 +105,18 @@ CVResult CVTileDelivery::_deliverMask(FilterRecord& record) {
   if (tile.isEmpty() || !_document.hasMask())
     return {};
   const auto view = _document.mask();
-  if (tile.step == CV_FIXED_ONE && view.rowStride <= std::numeric_limits<std::int32_t>::max()) {
+  if (tile.step == CV_FIXED_ONE && view.rowStride <= std::numeric_limits<int32_t>::max()) {
     record.maskPixels = at(view, tile.top, tile.left);
-    record.maskRowStride = static_cast<std::int32_t>(view.rowStride);
+    record.maskRowStride = static_cast<int32_t>(view.rowStride);
     return {};
   }
   if (CVResult room = makeRoom("mask", tile, _maskBuffer); !room.ok())
     return room;
-  const std::size_t stride = strideOfCopy(tile);
+  const size_t stride = strideOfCopy(tile);
   findColumns(tile, _document.width(), _columns);
   copySamples(view, tile, _document.height(), _columns, {_maskBuffer.data(), stride, 1});
   record.maskPixels = _maskBuffer.data();
-  record.maskRowStride = static_cast<std::int32_t>(stride);
+  record.maskRowStride = static_cast<int32_t>(stride);
   return {};
 }
 
@@ -136,19 +133,18 @@ static CVTile insideArea(const CVTile& tile, const CVRect& area) {
 }
 
 // The row of `view`, whose pixel (0, 0) is (top, left) of the image, at image position (y, x).
-static std::uint8_t* rowAt(const CVChannelView<std::uint8_t>& view, int top, int left, int y,
-                           int x) {
-  return view.data + static_cast<std::size_t>(y - top) * view.rowStride +
-         static_cast<std::size_t>(x - left) * view.pixelStep;
+static uint8_t* rowAt(const CVChannelView<uint8_t>& view, int top, int left, int y, int x) {
+  return view.data + static_cast<size_t>(y - top) * view.rowStride +
+         static_cast<size_t>(x - left) * view.pixelStep;
 }
 
-static void copyRow(const std::uint8_t* source, std::size_t sourceStep, std::uint8_t* dest,
-                    std::size_t destStep, std::size_t count) {
+static void copyRow(const uint8_t* source, size_t sourceStep, uint8_t* dest, size_t destStep,
+                    size_t count) {
   if (sourceStep == 1 && destStep == 1) {
     std::memcpy(dest, source, count);
     return;
   }
-  for (std::size_t i = 0; i < count; ++i) {
+  for (size_t i = 0; i < count; ++i) {
     *dest = *source;
     source += sourceStep;
     dest += destStep;
@@ -158,8 +154,8 @@ static void copyRow(const std::uint8_t* source, std::size_t sourceStep, std::uin
 // Fills the output tile with the present content: the document's, and in the filter area the
 // result's.
 void CVTileDelivery::_fillOutput(const CVTile& tile, const CVTile& part) {
-  const std::size_t stride = strideOfCopy(tile);
-  const auto channels = static_cast<std::size_t>(tile.channels());
+  const size_t stride = strideOfCopy(tile);
+  const auto channels = static_cast<size_t>(tile.channels());
   if (part.height != tile.height || part.width != tile.width) {
     findColumns(tile, _document.width(), _columns);
     for (int i = 0; i < tile.channels(); ++i)
@@ -170,9 +166,9 @@ void CVTileDelivery::_fillOutput(const CVTile& tile, const CVTile& part) {
     return;
   const CVRect& area = _result.area();
   const bool whole = _hasWholePixels(tile); // then a row goes over at once
-  const auto width = static_cast<std::size_t>(part.width);
+  const auto width = static_cast<size_t>(part.width);
   for (int i = 0; i < (whole ? 1 : tile.channels()); ++i) {
-    const CVChannelView<std::uint8_t> copy{_outputBuffer.data() + i, stride, channels};
+    const CVChannelView<uint8_t> copy{_outputBuffer.data() + i, stride, channels};
     const auto present = _result.channel(tile.firstChannel + i);
     for (int row = part.top; row < part.top + part.height; ++row)
       copyRow(rowAt(present, area.top, area.left, row, part.left), whole ? 1 : present.pixelStep,
@@ -193,7 +189,7 @@ CVResult CVTileDelivery::_deliverOutput(FilterRecord& record) {
   _fillOutput(tile, part);
   _output = tile;
   record.outPixels = _outputBuffer.data();
-  record.outRowStride = static_cast<std::int32_t>(strideOfCopy(tile));
+  record.outRowStride = static_cast<int32_t>(strideOfCopy(tile));
   return {};
 }
 
@@ -219,8 +215,8 @@ CVResult CVTileDelivery::deliver(FilterRecord& record) {
 }
 
 // Puts a row of a channel into the result in the selection's share, rounded to the nearest.
-static void mixRow(const std::uint8_t* left, std::size_t leftStep, const std::uint8_t* selection,
-                   std::uint8_t* result, std::size_t resultStep, int count) {
+static void mixRow(const uint8_t* left, size_t leftStep, const uint8_t* selection, uint8_t* result,
+                   size_t resultStep, int count) {
   for (int i = 0; i < count; ++i) {
     *result = CVMixSelected(*result, *left, selection[i]);
     left += leftStep;
@@ -238,15 +234,15 @@ void CVTileDelivery::takeOutput() {
   const auto selection = _document.mask();
   const bool mixed = selection.data != nullptr;
   const bool whole = !mixed && _hasWholePixels(tile);
-  const std::size_t stride = strideOfCopy(tile);
-  const auto channels = static_cast<std::size_t>(tile.channels());
-  const auto width = static_cast<std::size_t>(part.width);
+  const size_t stride = strideOfCopy(tile);
+  const auto channels = static_cast<size_t>(tile.channels());
+  const auto width = static_cast<size_t>(part.width);
   for (int i = 0; i < (whole ? 1 : tile.channels()); ++i) {
-    const CVChannelView<std::uint8_t> left{_outputBuffer.data() + i, stride, channels};
+    const CVChannelView<uint8_t> left{_outputBuffer.data() + i, stride, channels};
     const auto result = _result.channel(tile.firstChannel + i);
     for (int row = part.top; row < part.top + part.height; ++row) {
-      const std::uint8_t* source = rowAt(left, tile.top, tile.left, row, part.left);
-      std::uint8_t* dest = rowAt(result, area.top, area.left, row, part.left);
+      const uint8_t* source = rowAt(left, tile.top, tile.left, row, part.left);
+      uint8_t* dest = rowAt(result, area.top, area.left, row, part.left);
       if (mixed)
         mixRow(source, channels, at(selection, row, part.left), dest, result.pixelStep, part.width);
       else
@@ -254,5 +250,5 @@ void CVTileDelivery::takeOutput() {
                 whole ? width * channels : width);
     }
   }
-  _pixelsTaken += std::int64_t{part.height} * part.width;
+  _pixelsTaken += int64_t{part.height} * part.width;
 }

@@ -1,6 +1,5 @@
 // Hands a plug-in the pixels it asked for and takes back what it made of them.
-#ifndef CV_TILE_DELIVERY_H
-#define CV_TILE_DELIVERY_H
+#pragma once
 
 #include "CVBuffer.h"
 #include "CVDocument.h"
@@ -38,7 +37,7 @@ public:
   void takeOutput();
 
   // Pixels of the area taken so far, those taken twice counted twice.
-  std::int64_t pixelsTaken() const { return _pixelsTaken; }
+  int64_t pixelsTaken() const { return _pixelsTaken; }
   void countFromZero() { _pixelsTaken = 0; }
 
 private:
@@ -56,8 +55,6 @@ private:
   CVBuffer _inputBuffer;
   CVBuffer _outputBuffer;
   CVBuffer _maskBuffer;
-  std::vector<std::size_t> _columns; // scratch of a copy: image column of each delivered one
-  std::int64_t _pixelsTaken = 0;
+  std::vector<size_t> _columns; // scratch of a copy: image column of each delivered one
+  int64_t _pixelsTaken = 0;
 };
-
-#endif

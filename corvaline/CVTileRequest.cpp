@@ -44,7 +44,7 @@ static CVResult readPlanes(const char* what, int first, int last, int available,
   return {};
 }
 
-static CVResult readStep(const char* what, std::int32_t step, CVTile& tile) {
+static CVResult readStep(const char* what, int32_t step, CVTile& tile) {
   if (step < CV_FIXED_ONE)
     return refused("asked for the " + std::string(what) + " sampling step of " +
                    std::to_string(step) + "/65536 pixel, which is below 1");

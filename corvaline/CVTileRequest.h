@@ -1,6 +1,5 @@
 // What a plug-in asks for between two calls, checked against the document.
-#ifndef CV_TILE_REQUEST_H
-#define CV_TILE_REQUEST_H
+#pragma once
 
 #include "CVDocument.h"
 #include "CVFilterRecord.h"
@@ -14,7 +13,7 @@ struct CVTile {
   int top = 0, left = 0;
   int height = 0, width = 0; // 0 both when nothing is wanted
   int firstChannel = 0, lastChannel = 0;
-  std::int32_t step = CV_FIXED_ONE;
+  int32_t step = CV_FIXED_ONE;
 
   bool isEmpty() const { return width == 0; }
   int channels() const { return lastChannel - firstChannel + 1; }
@@ -23,7 +22,7 @@ struct CVTile {
 
 private:
   int _samples(int length) const {
-    return static_cast<int>((std::int64_t{length} * CV_FIXED_ONE + step - 1) / step);
+    return static_cast<int>((int64_t{length} * CV_FIXED_ONE + step - 1) / step);
   }
 };
 
@@ -37,5 +36,3 @@ struct CVTileRequest {
 // "the plug-in …", for what is not a request that the contract allows. May throw std::bad_alloc.
 CVResult CVReadRequest(const FilterRecord& record, const CVDocument& document,
                        CVTileRequest& request);
-
-#endif

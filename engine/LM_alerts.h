@@ -1,7 +1,6 @@
 // The stop alerts of the program, by what went wrong. Texts are resources. Each returns when the
 // user has dismissed it; without a screen the text goes to standard error.
-#ifndef LM_ALERTS_H
-#define LM_ALERTS_H
+#pragma once
 
 #include "LM_export.h"
 #include "MacTypes.h"
@@ -14,5 +13,3 @@ LM_EXPORT void LM_ShowStyleSaveError();    // 16007
 LM_EXPORT void LM_ShowStyleLoadError();    // 16008
 LM_EXPORT void LM_FileDeleteLockedError(ConstStr255Param name); // 16009: the style is a locked file
 LM_EXPORT void LM_FileSaveLockedError(ConstStr255Param name);   // 16010
-
-#endif

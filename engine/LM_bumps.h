@@ -1,6 +1,5 @@
 // Relief of the tile that the host has just delivered.
-#ifndef LM_BUMPS_H
-#define LM_BUMPS_H
+#pragma once
 
 #include "LM_heights.h"
 #include "LM_types.h"
@@ -16,5 +15,3 @@ constexpr uint32_t LM_FIRST_HEIGHT_BYTES = 17424;
 // and column go on; in the preview the buffer holds more than the rectangle says. Result:
 // 0, or 1 when the buffer cannot be had; the map then holds no heights.
 int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals);
-
-#endif

@@ -1,7 +1,6 @@
 // What the session asks of the parameter dialog. The dialog is a module above it, which hands these
 // functions in.
-#ifndef LM_DIALOG_SERVICES_H
-#define LM_DIALOG_SERVICES_H
+#pragma once
 
 #include "LM_export.h"
 #include "LM_types.h"
@@ -23,5 +22,3 @@ struct LM_dialog_services {
 // The dialog in use; null in a program without one, where an interactive run is refused.
 const LM_dialog_services* LM_DialogServices();
 LM_EXPORT void LM_SetDialogServices(const LM_dialog_services* services);
-
-#endif

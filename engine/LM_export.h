@@ -1,8 +1,5 @@
 // The mark of what the dialog calls of the engine and the styles. They are in the plug-in, limn.so,
 // and the dialog is a module of its own.
-#ifndef LM_EXPORT_H
-#define LM_EXPORT_H
+#pragma once
 
 #define LM_EXPORT __attribute__((visibility("default")))
-
-#endif

@@ -1,6 +1,5 @@
 // The settings-and-state object: all that the filter remembers between calls and runs.
-#ifndef LM_GLOBALS_H
-#define LM_GLOBALS_H
+#pragma once
 
 #include <cstddef>
 
@@ -187,5 +186,3 @@ void LM_DestroyGlobals(LM_globals* globals);
 // Releases the pixel maps' buffers, the frame map's mask and the height buffer, as far as they are
 // there.
 void LM_FreeRunBuffers(LM_globals* globals);
-
-#endif

@@ -1,6 +1,5 @@
 // What the plug-in asks of the host beside tiles. Each answers one of the host's result codes.
-#ifndef LM_HOST_SERVICES_H
-#define LM_HOST_SERVICES_H
+#pragma once
 
 #include "LM_export.h"
 #include "LM_types.h"
@@ -28,5 +27,3 @@ LM_EXPORT int16_t LM_GetNumChannels(int16_t& count, FilterRecord* record);
 // Name of channel `index`, from 0, cut to 255 bytes. CV_RESULT_NO_SERVICE when the host answers no
 // properties or no name.
 LM_EXPORT int16_t LM_GetChannelName(int16_t index, Str255 name, FilterRecord* record);
-
-#endif

@@ -1,6 +1,5 @@
 // A light as the user edits it on the preview.
-#ifndef LM_LIGHT_UI_H
-#define LM_LIGHT_UI_H
+#pragma once
 
 #include "LM_export.h"
 #include "LM_light_figure.h"
@@ -101,5 +100,3 @@ private:
   short _HitTestOmniGrabHandles(Point point, MacRegion** scratch);
   short _HitTestSpotGrabHandles(Point point, MacRegion** scratch);
 };
-
-#endif

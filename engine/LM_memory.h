@@ -1,6 +1,5 @@
 // The one allocator of large blocks.
-#ifndef LM_MEMORY_H
-#define LM_MEMORY_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -21,5 +20,3 @@ void LM_DisposePtr(void* block);
 template <class T> void LM_DisposeAndClear(T*& pointer) {
   LM_DisposePtr(std::exchange(pointer, nullptr));
 }
-
-#endif

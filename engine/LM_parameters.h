@@ -1,7 +1,6 @@
 // Where the plug-in's parameter block lives: in a handle that the host keeps in `savedParams`
 // between the runs of one host session.
-#ifndef LM_PARAMETERS_H
-#define LM_PARAMETERS_H
+#pragma once
 
 #include "LM_block.h"
 #include "LM_types.h"
@@ -13,5 +12,3 @@ CVHandle LM_NewParameters();
 // The block in the record's savedParams, or null when there is none, or one that this program
 // cannot have made. Valid while the handle is.
 foo* LM_Parameters(const FilterRecord* record);
-
-#endif

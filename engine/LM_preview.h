@@ -2,8 +2,7 @@
 // or unlit into the frame map, which the host draws.
 //
 // The frame map covers the dialog's item 6; the preview image lies in it at the preview offset.
-#ifndef LM_PREVIEW_H
-#define LM_PREVIEW_H
+#pragma once
 
 #include "LM_export.h"
 #include "LM_globals.h"
@@ -34,5 +33,3 @@ LM_EXPORT void LM_CopyUnshadedPreview(LM_globals* globals);
 
 // Draws black outlines around the preview image and along the frame map's border.
 LM_EXPORT void LM_DrawPreviewFrameToPixelMap(GrafPort* port, LM_globals* globals);
-
-#endif

@@ -1,7 +1,6 @@
 // Where the reduced image lies in the dialog's preview frame, and how far it is reduced. Style
 // files hold coordinates in preview pixels, so this decides where their lights fall on an image.
-#ifndef LM_PREVIEW_GEOMETRY_H
-#define LM_PREVIEW_GEOMETRY_H
+#pragma once
 
 #include "LM_arithmetic.h"
 #include "LM_types.h"
@@ -47,5 +46,3 @@ void LM_DrawPreviewOutlines(const CVPixelMap& frame, int32_t left, int32_t top, 
 
 // Stores the geometry in the settings.
 void LM_UsePreviewGeometry(const LM_preview_geometry& geometry, LM_globals* globals);
-
-#endif

@@ -1,6 +1,5 @@
 // Lighting of the tile that the host has just delivered.
-#ifndef LM_SHADER_H
-#define LM_SHADER_H
+#pragma once
 
 #include "LM_globals.h"
 #include "LM_light_shader.h"
@@ -28,5 +27,3 @@ void LM_ShadeTile(FilterRecord* record, LM_globals* globals);
 // left alone. The real run keeps nothing between tiles, the preview its samples and sums.
 void LM_ShadeTileWithBumps(FilterRecord* record, LM_bump_map* map, LM_globals* globals);
 void LM_ShadePreviewTileWithBumps(FilterRecord* record, LM_bump_map* map, LM_globals* globals);
-
-#endif

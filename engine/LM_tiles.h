@@ -4,8 +4,7 @@
 // Tiles run left to right within a band and bands top to bottom, aligned on the area's top-left
 // corner; the last of each band and the last band are narrower. The walk is over when the input
 // rectangle is empty.
-#ifndef LM_TILES_H
-#define LM_TILES_H
+#pragma once
 
 #include "LM_types.h"
 
@@ -43,5 +42,3 @@ int32_t LM_PreviewMargin(const LM_globals* globals);
 // The present bump request with its right and bottom sides as they were meant, where growing by
 // `margin` had to cut them to 16 bits. What was cut off lies outside any image.
 CVRect32 LM_WantedBumpRect(const FilterRecord* record, const LM_globals* globals, int32_t margin);
-
-#endif

@@ -1,6 +1,5 @@
 // The small types that every part of the engine shares: light's own, the host's and the Toolbox's.
-#ifndef LM_TYPES_H
-#define LM_TYPES_H
+#pragma once
 
 #include "CVFilterRecord.h"
 #include "LM_image.h"
@@ -11,5 +10,3 @@
 inline LM_rect LM_RectOf(const CVRect& r) {
   return {r.top, r.left, r.bottom, r.right};
 }
-
-#endif

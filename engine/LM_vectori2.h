@@ -1,6 +1,5 @@
 // Vectors in preview pixels.
-#ifndef LM_VECTORI2_H
-#define LM_VECTORI2_H
+#pragma once
 
 #include "LM_export.h"
 #include "LM_vectors.h"
@@ -22,5 +21,3 @@ struct LM_vectori2 {
 
   friend bool operator==(const LM_vectori2&, const LM_vectori2&) = default;
 };
-
-#endif

@@ -1,7 +1,6 @@
 // Someone at the dialog who does what bytes say: presses, drags, keys and typing, anywhere and at
 // any moment.
-#ifndef FUZZ_DIALOG_USER_H
-#define FUZZ_DIALOG_USER_H
+#pragma once
 
 #include "FuzzInput.h"
 
@@ -49,5 +48,3 @@ private:
   Qt::KeyboardModifiers _modifiers;
   QPointer<QWidget> _pressed, _first;
 };
-
-#endif

@@ -1,6 +1,5 @@
 // What every fuzzer shares: the entry point, its bytes taken as values, and the way to fail.
-#ifndef FUZZ_INPUT_H
-#define FUZZ_INPUT_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -46,5 +45,3 @@ inline void Check(bool holds, const char* law) {
   std::fprintf(stderr, "does not hold: %s\n", law);
   std::abort();
 }
-
-#endif

@@ -1,7 +1,6 @@
 // The steps of a run of the filter, as the host calls for them. One call at a time, on the host's
 // thread. Results are the program's result codes.
-#ifndef LM_SESSION_H
-#define LM_SESSION_H
+#pragma once
 
 #include <new>
 
@@ -45,5 +44,3 @@ int16_t LM_DoContinue(FilterRecord* record, LM_globals* globals);
 
 // Releases the buffers of the run and a dialog that is still there. Always 0.
 int16_t LM_DoFinish(LM_globals* globals);
-
-#endif

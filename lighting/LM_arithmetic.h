@@ -1,6 +1,5 @@
 // The integer and conversion rules that output bytes depend on, the same on every machine.
-#ifndef LM_ARITHMETIC_H
-#define LM_ARITHMETIC_H
+#pragma once
 
 #include <cstdint>
 
@@ -37,5 +36,3 @@ constexpr int16_t LM_Saturate16(int32_t value) {
                               : value < INT16_MIN ? INT16_MIN
                                                   : value);
 }
-
-#endif

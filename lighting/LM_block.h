@@ -1,6 +1,5 @@
 // The shading parameter block: all that lighting an image depends on, but for the pixels.
-#ifndef LM_BLOCK_H
-#define LM_BLOCK_H
+#pragma once
 
 #include <cstddef>
 
@@ -45,5 +44,3 @@ inline int LM_LightCount(const foo* params) {
 
 // Forgets the cache pointers of all lights: they belong to a preview, and a kept block outlives it.
 void LM_DetachParameterCaches(foo* params);
-
-#endif

@@ -1,8 +1,7 @@
 // Program-wide values that the entry point sets again on every call, so that they never depend on
 // how the module was loaded. They start out with the same values for programs that use the engine
 // directly.
-#ifndef LM_CONSTANTS_H
-#define LM_CONSTANTS_H
+#pragma once
 
 #include <cstdint>
 
@@ -14,5 +13,3 @@ extern int32_t LM_LIGHT_INTENSITY_SCALE;
 extern int32_t LM_BUMP_TOLERANCE;
 
 void LM_SetConstants();
-
-#endif

@@ -1,6 +1,5 @@
 // Rows of relief samples: making them from heights, and blending them back into pixels.
-#ifndef LM_FACETS_H
-#define LM_FACETS_H
+#pragma once
 
 #include "LM_heights.h"
 
@@ -34,5 +33,3 @@ LM_pixel_facets LM_MakePixelFacets(const LM_bump_map* map, uint32_t x, uint32_t 
 
 // Blends each pixel's shaded samples by weight into 3 bytes a pixel.
 void LM_BlendFacets(const uint8_t* shaded, const int32_t* weights, uint32_t pixels, uint8_t* out);
-
-#endif

@@ -1,6 +1,5 @@
 // Floating point as the arithmetic is defined on, whatever the calling program has set.
-#ifndef LM_FLOATING_POINT_H
-#define LM_FLOATING_POINT_H
+#pragma once
 
 #include <cfenv>
 
@@ -20,5 +19,3 @@ public:
 private:
   std::fenv_t _callers;
 };
-
-#endif

@@ -1,6 +1,5 @@
 // Rows of heights, filtered from a plane of bytes from the top down.
-#ifndef LM_HEIGHT_ROWS_H
-#define LM_HEIGHT_ROWS_H
+#pragma once
 
 #include "LM_image.h"
 #include "LM_kernels.h"
@@ -41,5 +40,3 @@ private:
   LM_row_ring<uint8_t>& _taps;
   bool _hasRowsAbove = false;
 };
-
-#endif

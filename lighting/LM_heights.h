@@ -1,7 +1,6 @@
 // Relief: one channel of the image read as a field of heights, and the facets that shading makes of
 // it.
-#ifndef LM_HEIGHTS_H
-#define LM_HEIGHTS_H
+#pragma once
 
 #include <cstddef>
 
@@ -59,5 +58,3 @@ int32_t LM_GeneratePreviewBumpSample(const int32_t& a, const int32_t& b, const i
                                      const int32_t& d, int32_t* firstGradX, int32_t* firstGradY,
                                      int32_t* firstWeight, int32_t** endGradX, int32_t** endGradY,
                                      int32_t** endWeight, uint32_t& count);
-
-#endif

@@ -3,8 +3,7 @@
 // A view names the part of the image that its memory holds, in the image's own coordinates, so a
 // strip, a tile and a whole image are all described alike. Nothing is owned. Rows may run upwards
 // (a negative stride); pixels may lie any number of bytes apart.
-#ifndef LM_IMAGE_H
-#define LM_IMAGE_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -38,5 +37,3 @@ template <class Byte> struct LM_view {
 };
 using LM_source_view = LM_view<const uint8_t>;
 using LM_output_view = LM_view<uint8_t>;
-
-#endif

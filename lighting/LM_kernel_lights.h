@@ -1,7 +1,6 @@
 // Lights of a block as the vector kernels read them, and which of them vectors light as the plain
 // code does.
-#ifndef LM_KERNEL_LIGHTS_H
-#define LM_KERNEL_LIGHTS_H
+#pragma once
 
 #include "LM_block.h"
 #include "LM_kernels.h"
@@ -35,5 +34,3 @@ inline void LM_MoveToRow(const LM_kernel_light& light, float place, LM_kernel_li
   moved.ySquare = moved.y * moved.y;
   moved.axisY = light.axisY * moved.y;
 }
-
-#endif

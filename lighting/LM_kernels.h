@@ -1,8 +1,7 @@
 // Vector kernels: the plain shader's formulas on rows of pixels, for the instruction sets that this
 // build knows. Which of them runs is decided at run time. Their bytes equal the plain code's for
 // every row that LM_FitVectors allows; the rest is the plain code's alone.
-#ifndef LM_KERNELS_H
-#define LM_KERNELS_H
+#pragma once
 
 #include <cstddef>
 
@@ -92,5 +91,3 @@ struct LM_kernels {
 int LM_ListKernels(const LM_kernels** list, int room);
 // The best of them, or null.
 const LM_kernels* LM_BestKernels();
-
-#endif

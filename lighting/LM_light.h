@@ -1,6 +1,5 @@
 // A light made ready for shading.
-#ifndef LM_LIGHT_H
-#define LM_LIGHT_H
+#pragma once
 
 #include "LM_vectors.h"
 
@@ -37,6 +36,4 @@ struct LM_light {
 
 #if UINTPTR_MAX == 0xffffffffu
 static_assert(sizeof(LM_light) == 4168);
-#endif
-
 #endif

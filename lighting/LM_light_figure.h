@@ -1,6 +1,5 @@
 // A light as people edit it, and its conversion into the light that shading reads.
-#ifndef LM_LIGHT_FIGURE_H
-#define LM_LIGHT_FIGURE_H
+#pragma once
 
 #include "LM_block.h"
 
@@ -43,5 +42,3 @@ void LM_ConvertSurface(const LM_surface_figure& figure, foo* params);
 
 // The angle of (x, y) in radians. (0, 0) has the angle of straight up.
 double LM_ATan2(double y, double x);
-
-#endif

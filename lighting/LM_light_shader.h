@@ -2,8 +2,7 @@
 //
 // Sums: one LM_color96 a sample, in units where full white at intensity 127 gives 260092 for light
 // straight on; they wrap modulo 2^32. There is no attenuation with distance.
-#ifndef LM_LIGHT_SHADER_H
-#define LM_LIGHT_SHADER_H
+#pragma once
 
 #include "LM_block.h"
 
@@ -23,5 +22,3 @@ void LM_ShadeLightBumps(const LM_light& light, uint32_t count, const LM_vector2f
 void LM_Combine(const foo* params, unsigned short n, const uint8_t* source,
                 const LM_color96* diffuseSum, const LM_color96* specularSum, int32_t* combined,
                 uint8_t* output);
-
-#endif

@@ -1,6 +1,5 @@
 // Pieces that flat and relief shading have in common.
-#ifndef LM_LIGHT_SUMS_H
-#define LM_LIGHT_SUMS_H
+#pragma once
 
 #include <cmath>
 
@@ -92,5 +91,3 @@ private:
   LM_rect _area;
   double _width, _height, _factor;
 };
-
-#endif

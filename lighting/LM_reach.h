@@ -9,8 +9,7 @@
 // The shader finds the cosine in single precision. Six roundings and the two of its inverse length
 // move it by less than 2^-21 |d|, so with a cutoff that is 2^-19 |d| smaller nothing is left out
 // that the shader would light.
-#ifndef LM_REACH_H
-#define LM_REACH_H
+#pragma once
 
 #include "LM_height_rows.h"
 #include "LM_kernels.h"
@@ -37,5 +36,3 @@ LM_row_reach LM_FindReach(const LM_kernel_lights& row, const float* places, int 
 
 // The marked lights of a row, which begin with the same light.
 void LM_SelectLights(const LM_kernel_lights& row, uint32_t lights, LM_kernel_lights& selected);
-
-#endif

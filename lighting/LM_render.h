@@ -4,8 +4,7 @@
 // Prepare a job once; then light rectangles with it, on as many threads as there are scratch
 // objects. Rectangles that do not overlap may be lit at the same time; their order and their shapes
 // change nothing in the result. Between two calls a caller may report progress, or stop.
-#ifndef LM_RENDER_H
-#define LM_RENDER_H
+#pragma once
 
 #include <memory>
 
@@ -74,5 +73,3 @@ struct LM_render_views {
 // but Done nothing is written.
 LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& views,
                                const LM_rect& rect, LM_render_scratch& scratch);
-
-#endif

@@ -1,7 +1,6 @@
 // Light on a piece of an image, row by row: on vectors where the processor has them and nothing is
 // to be kept, by the plain arithmetic otherwise, with the same bytes.
-#ifndef LM_ROW_DRIVER_H
-#define LM_ROW_DRIVER_H
+#pragma once
 
 #include "LM_height_rows.h"
 #include "LM_image.h"
@@ -76,5 +75,3 @@ private:
   bool _allFit;             // every row allows it
   int32_t _y;
 };
-
-#endif

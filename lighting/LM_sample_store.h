@@ -1,6 +1,5 @@
 // The rows of samples that a driver works in, and which of them are kept.
-#ifndef LM_SAMPLE_STORE_H
-#define LM_SAMPLE_STORE_H
+#pragma once
 
 #include "LM_block.h"
 #include "LM_facets.h"
@@ -47,5 +46,3 @@ struct LM_sample_store {
 
 // One that keeps nothing.
 LM_sample_store LM_ScratchStore(LM_scratch_rows& scratch);
-
-#endif

@@ -50,7 +50,6 @@ HWY_INLINE Ints Truncate(Floats value) {
 
 // Truncates any value: one beyond 32 bits gives the nearest integer, NaN gives 0.
 HWY_INLINE Ints TruncateAny(Floats value) {
-  const FloatTag tag;
   const Floats ceiling = SetFloat(2147483648.0F);
   const Mask inside = hn::And(hn::Ge(value, hn::Neg(ceiling)), hn::Lt(value, ceiling));
   const Ints beyond =

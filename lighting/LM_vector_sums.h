@@ -1,6 +1,5 @@
 // Sums of light for samples that are kept, by vectors: the preview's rows.
-#ifndef LM_VECTOR_SUMS_H
-#define LM_VECTOR_SUMS_H
+#pragma once
 
 #include "LM_kernel_lights.h"
 
@@ -25,5 +24,3 @@ private:
   const LM_sorted_lights& _sorted;
   const LM_kernels* _kernels;
 };
-
-#endif

@@ -1,6 +1,5 @@
 // The small types that light is computed in.
-#ifndef LM_VECTORS_H
-#define LM_VECTORS_H
+#pragma once
 
 #include <cstdint>
 
@@ -38,5 +37,3 @@ constexpr int LM_MAX_LIGHTS = 16;
 constexpr int LM_MAX_RUN = 1024;
 // Four facets a pixel: the longest row of relief pixels that fits a run.
 constexpr int LM_MAX_RELIEF_PIXELS = LM_MAX_RUN / 4;
-
-#endif

@@ -1,6 +1,5 @@
 // Colours as people write them.
-#ifndef LM_COLOR_WORDS_H
-#define LM_COLOR_WORDS_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -11,5 +10,3 @@
 // not say what is full are of 65535, unless none is above 255: they could be meant either way, and
 // are refused. False, with `why` telling what is wrong.
 bool LM_ReadColor(std::string_view text, LM_color48& color, std::string& why);
-
-#endif

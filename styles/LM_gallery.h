@@ -1,6 +1,5 @@
 // The styles that the program carries.
-#ifndef LM_GALLERY_H
-#define LM_GALLERY_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -13,5 +12,3 @@ std::vector<std::string> LM_BundledStyleNames();
 
 // The bundled style of that name, ignoring case and diacritical marks. False when there is none.
 bool LM_BundledStyle(std::string_view name, LM_style& style);
-
-#endif

@@ -1,6 +1,5 @@
 // The kinds of light: what shading, style files and people call each.
-#ifndef LM_LIGHT_KINDS_H
-#define LM_LIGHT_KINDS_H
+#pragma once
 
 #include <iterator>
 #include <string>
@@ -46,5 +45,3 @@ inline std::string LM_LightKindWords(std::string_view LM_light_kind::*word) {
   }
   return text;
 }
-
-#endif

@@ -5,8 +5,7 @@
 // stand for the same style, as the style menu compares them: a name becomes, in place, that of the
 // file it stands for. A folder that holds several such files, written by others, has them told
 // apart: there each stands for itself. Nothing here shows a message.
-#ifndef LM_MAC_STREAM_H
-#define LM_MAC_STREAM_H
+#pragma once
 
 #include "LM_export.h"
 #include "LM_types.h"
@@ -119,5 +118,3 @@ LM_EXPORT LM_bool LM_DeleteStyle(StringPtr name);
 
 // Copies the length byte and that many characters.
 LM_EXPORT void LM_PStringCopy(StringPtr dest, ConstStr255Param source);
-
-#endif

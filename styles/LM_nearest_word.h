@@ -1,6 +1,5 @@
 // What somebody may have meant who mistyped a word.
-#ifndef LM_NEAREST_WORD_H
-#define LM_NEAREST_WORD_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -16,5 +15,3 @@ std::string LM_DidYouMean(std::string_view typed, const std::vector<std::string>
 inline std::string LM_DidYouMean(std::string_view typed, const std::vector<std::string>& words) {
   return LM_DidYouMean(typed, words, words);
 }
-
-#endif

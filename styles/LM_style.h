@@ -1,6 +1,5 @@
 // The content of a style file as plain data: the whole lighting set-up, as the file has it.
-#ifndef LM_STYLE_H
-#define LM_STYLE_H
+#pragma once
 
 #include "CVFilterRecord.h"
 #include "LM_vectori2.h"
@@ -49,5 +48,3 @@ struct LM_style {
   LM_style_light lights[LM_MAX_LIGHTS];
   uint16_t lightsRead; // lights that are whole: at most numLights and LM_MAX_LIGHTS
 };
-
-#endif

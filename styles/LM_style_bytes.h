@@ -1,6 +1,5 @@
 // Styles in either form: a style file's bytes, or JSON.
-#ifndef LM_STYLE_BYTES_H
-#define LM_STYLE_BYTES_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -15,5 +14,3 @@ constexpr size_t LM_LONGEST_STYLE_FILE = 1 << 20;
 // mark, is JSON, anything else a style file. The answer and `why` are those of LM_StyleFromJson or
 // LM_DecodeStyle.
 bool LM_StyleFromBytes(const uint8_t* bytes, size_t size, LM_style& style, std::string& why);
-
-#endif

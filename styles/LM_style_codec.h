@@ -1,7 +1,6 @@
 // Styles as the bytes of a style file: big-endian whatever the machine, no padding, a header of
 // LM_STYLE_HEADER_BYTES and LM_STYLE_LIGHT_BYTES for each light.
-#ifndef LM_STYLE_CODEC_H
-#define LM_STYLE_CODEC_H
+#pragma once
 
 #include <string>
 
@@ -15,5 +14,3 @@ bool LM_DecodeStyle(const uint8_t* bytes, size_t size, LM_style& style, std::str
 // Writes a style's header and its whole lights; returns the number of bytes, which is what the
 // light count written calls for.
 size_t LM_EncodeStyle(const LM_style& style, uint8_t (&bytes)[LM_STYLE_MAX_BYTES]);
-
-#endif

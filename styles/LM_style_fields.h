@@ -1,8 +1,7 @@
 // A style's fields by name, as JSON styles and the command line spell them.
 //
 // Keys: "gloss", "ambientColor.0", "light.2.handle1.1" and so on; lights count from 0.
-#ifndef LM_STYLE_FIELDS_H
-#define LM_STYLE_FIELDS_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -39,5 +38,3 @@ struct LM_style_key {
 };
 // Every key that can be set: for help texts.
 std::vector<LM_style_key> LM_StyleKeys();
-
-#endif

@@ -1,6 +1,5 @@
 // Styles as JSON: the same fields under their names, lossless both ways.
-#ifndef LM_STYLE_JSON_H
-#define LM_STYLE_JSON_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -15,5 +14,3 @@ bool LM_StyleFromJson(std::string_view text, LM_style& style, std::string& why);
 
 // The JSON form of a style's settings and whole lights, one field a line, with a final newline.
 std::string LM_StyleToJson(const LM_style& style);
-
-#endif

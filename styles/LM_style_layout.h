@@ -1,7 +1,6 @@
 // The one place where a style file's fields, their widths, their order and their names stand.
 // Readers and writers of bytes, and of JSON, are visitors of these tables.
-#ifndef LM_STYLE_LAYOUT_H
-#define LM_STYLE_LAYOUT_H
+#pragma once
 
 #include "LM_light_kinds.h"
 #include "LM_sliders.h"
@@ -78,5 +77,3 @@ template <class Light, class Visit> bool LM_VisitStyleLight(Light& light, Visit 
          visit("handle2.1", light.handle2.v, LM_field::Number) &&
          visit("radius", light.radius, LM_field::Number);
 }
-
-#endif

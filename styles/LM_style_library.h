@@ -5,8 +5,7 @@
 // It becomes the default directory, so that the style folder lies in it. Bundled styles are written
 // into the style folder once; the names written are kept in a file beside it, so that a style
 // that the user deletes stays deleted, and a later version adds only what is new.
-#ifndef LM_STYLE_LIBRARY_H
-#define LM_STYLE_LIBRARY_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -55,5 +54,3 @@ LM_EXPORT LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals);
 // Adds a style to the folder: the complete one, or none. False when the name is taken or anything
 // fails.
 LM_EXPORT LM_bool LM_AddStyle(StringPtr name, LM_globals* globals);
-
-#endif

@@ -1,7 +1,6 @@
 // From a style to light on an image, as opening the dialog on the image, choosing the style and
 // pressing OK gives it.
-#ifndef LM_STYLE_LIGHTING_H
-#define LM_STYLE_LIGHTING_H
+#pragma once
 
 #include "LM_light_figure.h"
 #include "LM_preview_geometry.h"
@@ -35,5 +34,3 @@ bool LM_PreviewParametersFromStyle(const LM_style& style, const LM_preview_geome
 // LM_PrepareRender.
 LM_render_result LM_PrepareStyle(const LM_style& style, const LM_rect& area, int32_t imageWidth,
                                  int32_t imageHeight, int numChannels, LM_render_job& job);
-
-#endif

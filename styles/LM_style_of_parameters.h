@@ -1,6 +1,5 @@
 // From a parameter block back to a style.
-#ifndef LM_STYLE_OF_PARAMETERS_H
-#define LM_STYLE_OF_PARAMETERS_H
+#pragma once
 
 struct LM_style;
 struct foo;
@@ -14,5 +13,3 @@ bool LM_StyleOfParameters(const foo& params, int areaWidth, int areaHeight, LM_s
 
 // Whether shading gives the same with both blocks, whatever the image.
 bool LM_SameShading(const foo& params, const foo& other);
-
-#endif

@@ -1,6 +1,5 @@
 // A folder of styles, and writing into it. Private to the styles.
-#ifndef LM_STYLE_PLACE_H
-#define LM_STYLE_PLACE_H
+#pragma once
 
 #include <string_view>
 
@@ -21,5 +20,3 @@ bool LM_WriteStyleFile(const LM_style_place& folder, ConstStr255Param name, std:
 
 // Removes the files of writers that were killed.
 void LM_SweepStyles(const LM_style_place& folder);
-
-#endif

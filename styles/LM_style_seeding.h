@@ -1,6 +1,5 @@
 // Writing the bundled styles into a new user's library. Private to the styles.
-#ifndef LM_STYLE_SEEDING_H
-#define LM_STYLE_SEEDING_H
+#pragma once
 
 #include <string>
 
@@ -10,5 +9,3 @@ struct LM_style_place;
 // remembered; styles: the style folder. A file of the same name stays as it is. Empty, or which
 // style could not be written; it is tried again next time.
 std::string LM_SeedStyles(const LM_style_place& library, const LM_style_place& styles);
-
-#endif

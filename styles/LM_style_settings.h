@@ -1,6 +1,5 @@
 // Styles and the settings object.
-#ifndef LM_STYLE_SETTINGS_H
-#define LM_STYLE_SETTINGS_H
+#pragma once
 
 #include "LM_style_lighting.h"
 
@@ -12,5 +11,3 @@ bool LM_ApplyStyle(const LM_style& style, LM_globals& globals);
 
 // The style that saving the present settings gives.
 LM_style LM_StyleOfSettings(const LM_globals& globals);
-
-#endif

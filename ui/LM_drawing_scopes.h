@@ -1,7 +1,6 @@
 // What a drawing procedure changes in a port and must put back: each of these does so at the end of
 // its scope. Declare the port first, so that the others restore into it.
-#ifndef LM_DRAWING_SCOPES_H
-#define LM_DRAWING_SCOPES_H
+#pragma once
 
 #include "LM_types.h"
 #include "QuickDraw.h"
@@ -104,5 +103,3 @@ public:
 inline RGBColor LM_RGBOf(const LM_color48& color) {
   return {color.component[0], color.component[1], color.component[2]};
 }
-
-#endif

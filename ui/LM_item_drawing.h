@@ -2,8 +2,7 @@
 // whatever port is current, and leaves port, pen, clip and text as they were and the foreground
 // black. They find the settings through the dialog (LM_GlobalsOfDialog); without settings, and
 // where an item or a resource is missing, what depends on it is left out.
-#ifndef LM_ITEM_DRAWING_H
-#define LM_ITEM_DRAWING_H
+#pragma once
 
 #include "Dialogs.h"
 #include "LM_types.h"
@@ -42,5 +41,3 @@ void DrawButton(const Rect& rect, short color, LM_bool framed);
 void LM_DrawPropertiesTitle(DialogPtr dialog, int16_t item);
 // A group's lines, with a gap in the top one for the popup or title that sits on it.
 void LM_DrawGroupBox(DialogPtr dialog, int16_t item);
-
-#endif

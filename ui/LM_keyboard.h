@@ -1,7 +1,6 @@
 // The lights of the dialog from the keyboard. Each key becomes a short drag of the mouse, so that
 // it does what dragging does.
-#ifndef LM_KEYBOARD_H
-#define LM_KEYBOARD_H
+#pragma once
 
 #include "Dialogs.h"
 
@@ -14,5 +13,3 @@ void LM_DragByKey(DialogPtr dialog, LM_globals* globals, const EventRecord& even
 // Pulls a light out of the well to the middle of the work area: what pressing the well without the
 // mouse does.
 void LM_PullLightByKey(DialogPtr dialog, int16_t well, LM_globals* globals);
-
-#endif

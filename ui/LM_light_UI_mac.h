@@ -2,8 +2,7 @@
 //
 // All places are in the dialog's coordinates. A light's centre is drawn at center + anchor; what
 // would lie beyond 16 bits lies at their end.
-#ifndef LM_LIGHT_UI_MAC_H
-#define LM_LIGHT_UI_MAC_H
+#pragma once
 
 #include "LM_drawing_scopes.h"
 #include "LM_light_UI.h"
@@ -44,5 +43,3 @@ Rect LM_OmniBox(const LM_light_UI& light);
 
 // The pen mode of grey outlines: added to the picture, or exclusive-or on a port of 8 bits or less.
 void LM_SetAddOverMode();
-
-#endif

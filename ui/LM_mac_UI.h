@@ -2,8 +2,7 @@
 //
 // The dialog reaches the settings object through its auxiliary window record, so that filters and
 // drawing procedures need nothing but the dialog. All calls come on the host's thread.
-#ifndef LM_MAC_UI_H
-#define LM_MAC_UI_H
+#pragma once
 
 #include "Controls.h"
 #include "Dialogs.h"
@@ -209,5 +208,3 @@ LM_bool LM_AskSaveAsName(FilterRecord* record, StringPtr name);
 LM_bool LM_ConfirmOverwrite(ConstStr255Param name);
 LM_bool LM_ConfirmDelete(ConstStr255Param name);
 LM_bool LM_ConfirmDialogFilter(DialogPtr dialog, EventRecord* event, int16_t* item);
-
-#endif

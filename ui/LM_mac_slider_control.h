@@ -1,7 +1,6 @@
 // A slider of the dialog: a thin bar with a tick in its middle, an indicator under it, a title to
 // the left, a label at each end above it, and the value as a number above the middle.
-#ifndef LM_MAC_SLIDER_CONTROL_H
-#define LM_MAC_SLIDER_CONTROL_H
+#pragma once
 
 #include "Controls.h"
 
@@ -49,5 +48,3 @@ private:
 
 // What PartNumberForPoint answers, while drawing part inThumb (129) redraws the indicator.
 constexpr short LM_SLIDER_PART = 130;
-
-#endif

@@ -1,6 +1,5 @@
 // The slider as the Control Manager knows it: its definition procedure, and what that does.
-#ifndef LM_MAC_SLIDER_HANDLER_H
-#define LM_MAC_SLIDER_HANDLER_H
+#pragma once
 
 #include "LM_mac_slider_control.h"
 
@@ -18,5 +17,3 @@ LM_slider_type_0* LM_SliderOf(ControlHandle control);
 void LM_DispControl(LM_slider_type_0* slider);
 // Lets the indicator follow the mouse, sideways and along the bar, until the button is released.
 void LM_DragIndicator(LM_slider_type_0* slider);
-
-#endif

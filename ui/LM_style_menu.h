@@ -1,6 +1,5 @@
 // The style menu's part of the parameter dialog: opening, saving, loading and deleting styles.
-#ifndef LM_STYLE_MENU_H
-#define LM_STYLE_MENU_H
+#pragma once
 
 #include "LM_mac_UI.h"
 
@@ -34,5 +33,3 @@ int16_t LM_CheckBumpChannel(DialogPtr dialog, LM_globals* globals);
 void LM_RunSaveFlow(LM_style_menu& menu);
 LM_style_outcome LM_RunLoadFlow(LM_style_menu& menu);
 LM_style_outcome LM_RunDeleteFlow(LM_style_menu& menu);
-
-#endif

@@ -1,6 +1,5 @@
 /* The parameters that the adapters share: a style, and sliders for its main settings. */
-#ifndef STYLE_SLIDERS_H
-#define STYLE_SLIDERS_H
+#pragma once
 
 #include <limn.h>
 
@@ -29,5 +28,3 @@ double StyleSliderValue(double given);
  * the name of a bundled style; "" for a new dialog's settings. Null with an error. Freed by the
  * caller. */
 limn_settings* LoadStyle(const char* style, const double slider[STYLE_SLIDERS], limn_error* error);
-
-#endif

@@ -33,12 +33,12 @@ QRect PaintStroke(QImage& mask, QPointF from, QPointF to, const Brush& brush) {
                          .toAlignedRect()
                          .intersected(mask.rect());
   for (int y = area.top(); y <= area.bottom(); ++y) {
-    std::uint8_t* row = mask.scanLine(y);
+    uint8_t* row = mask.scanLine(y);
     for (int x = area.left(); x <= area.right(); ++x) {
       const int strength = Strength(Distance(QPointF(x + 0.5, y + 0.5), from, to), radius);
-      row[x] = static_cast<std::uint8_t>(brush.ink == BrushInk::Select
-                                             ? std::max<int>(row[x], strength)
-                                             : std::min<int>(row[x], 255 - strength));
+      row[x] = static_cast<uint8_t>(brush.ink == BrushInk::Select
+                                        ? std::max<int>(row[x], strength)
+                                        : std::min<int>(row[x], 255 - strength));
     }
   }
   return area;

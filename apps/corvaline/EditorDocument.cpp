@@ -10,27 +10,26 @@ namespace editor {
 namespace {
 
 CVRect ContractRect(const QRect& rect) {
-  return {static_cast<std::int16_t>(rect.y()), static_cast<std::int16_t>(rect.x()),
-          static_cast<std::int16_t>(rect.y() + rect.height()),
-          static_cast<std::int16_t>(rect.x() + rect.width())};
+  return {static_cast<int16_t>(rect.y()), static_cast<int16_t>(rect.x()),
+          static_cast<int16_t>(rect.y() + rect.height()),
+          static_cast<int16_t>(rect.x() + rect.width())};
 }
 
 // The bytes of `area` of an image of `width` pixels a row, exchanged with or copied to `bytes`.
 template <typename Row>
-void ForRows(const QRect& area, int width, std::size_t pixelBytes, std::uint8_t* data, Row row) {
-  const std::size_t length = static_cast<std::size_t>(area.width()) * pixelBytes;
+void ForRows(const QRect& area, int width, size_t pixelBytes, uint8_t* data, Row row) {
+  const size_t length = static_cast<size_t>(area.width()) * pixelBytes;
   for (int y = 0; y < area.height(); ++y) {
-    const std::size_t first =
-        static_cast<std::size_t>(area.y() + y) * static_cast<std::size_t>(width) +
-        static_cast<std::size_t>(area.x());
-    row(data + first * pixelBytes, static_cast<std::size_t>(y) * length, length);
+    const size_t first = static_cast<size_t>(area.y() + y) * static_cast<size_t>(width) +
+                         static_cast<size_t>(area.x());
+    row(data + first * pixelBytes, static_cast<size_t>(y) * length, length);
   }
 }
 
 } // namespace
 
-std::size_t EditorDocument::Step::bytes() const {
-  auto sum = static_cast<std::size_t>(selection.mask.sizeInBytes());
+size_t EditorDocument::Step::bytes() const {
+  auto sum = static_cast<size_t>(selection.mask.sizeInBytes());
   for (const auto& plane : planes)
     sum += plane.size();
   return sum;
@@ -52,12 +51,11 @@ void EditorDocument::setImage(OpenedImage image) {
 QImage EditorDocument::colours(const QRect& area) const {
   const limn::Photograph& photograph = _image.photograph;
   QImage image(area.size(), QImage::Format_RGB32);
-  const auto planes = static_cast<std::size_t>(photograph.numPlanes);
+  const auto planes = static_cast<size_t>(photograph.numPlanes);
   for (int y = 0; y < image.height(); ++y) {
-    const std::size_t first =
-        static_cast<std::size_t>(area.y() + y) * static_cast<std::size_t>(photograph.width) +
-        static_cast<std::size_t>(area.x());
-    const std::uint8_t* from = photograph.pixels.data() + first * planes;
+    const size_t first = static_cast<size_t>(area.y() + y) * static_cast<size_t>(photograph.width) +
+                         static_cast<size_t>(area.x());
+    const uint8_t* from = photograph.pixels.data() + first * planes;
     auto* into = reinterpret_cast<QRgb*>(image.scanLine(y));
     for (int x = 0; x < image.width(); ++x, from += planes)
       into[x] = qRgb(from[0], from[1], from[2]);
@@ -110,7 +108,7 @@ QRect EditorDocument::filterArea() const {
 
 std::vector<EditorDocument::Buffer> EditorDocument::_buffers() {
   std::vector<Buffer> buffers{
-      {_image.photograph.pixels.data(), static_cast<std::size_t>(_image.photograph.numPlanes)}};
+      {_image.photograph.pixels.data(), static_cast<size_t>(_image.photograph.numPlanes)}};
   for (limn::GreyImage& channel : _channels)
     buffers.push_back({channel.pixels.data(), 1});
   return buffers;
@@ -121,11 +119,10 @@ EditorDocument::Step EditorDocument::_stepBack(const QRect& pixelArea) {
   if (pixelArea.isEmpty())
     return step;
   for (const Buffer& buffer : _buffers()) {
-    std::vector<std::uint8_t> plane(static_cast<std::size_t>(pixelArea.width()) *
-                                    static_cast<std::size_t>(pixelArea.height()) *
-                                    buffer.pixelBytes);
+    std::vector<uint8_t> plane(static_cast<size_t>(pixelArea.width()) *
+                               static_cast<size_t>(pixelArea.height()) * buffer.pixelBytes);
     ForRows(pixelArea, size().width(), buffer.pixelBytes, buffer.data,
-            [&](std::uint8_t* row, std::size_t at, std::size_t length) {
+            [&](uint8_t* row, size_t at, size_t length) {
               std::copy_n(row, length, plane.data() + at);
             });
     step.planes.push_back(std::move(plane));
@@ -137,7 +134,7 @@ void EditorDocument::_record(Step step) {
   _redo.clear();
   _position = ++_lastPosition;
   _undo.push_back(std::move(step));
-  std::size_t total = 0;
+  size_t total = 0;
   for (const Step& kept : _undo)
     total += kept.bytes();
   while (_undo.size() > 1 && total > UNDO_BYTES) {
@@ -152,9 +149,9 @@ void EditorDocument::_exchange(Step& step) {
   std::swap(step.position, _position);
   const std::vector<Buffer> buffers = _buffers();
   // Channels that were added since the step are not in it.
-  for (std::size_t i = 0; i < std::min(buffers.size(), step.planes.size()); ++i)
+  for (size_t i = 0; i < std::min(buffers.size(), step.planes.size()); ++i)
     ForRows(step.area, size().width(), buffers[i].pixelBytes, buffers[i].data,
-            [&](std::uint8_t* row, std::size_t at, std::size_t length) {
+            [&](uint8_t* row, size_t at, size_t length) {
               std::swap_ranges(row, row + length, step.planes[i].data() + at);
             });
 }
@@ -176,15 +173,15 @@ void EditorDocument::_move(std::deque<Step>& from, std::deque<Step>& to) {
 
 CVResult EditorDocument::_wrap(CVDocument& document, QImage& mask) {
   limn::Photograph& photograph = _image.photograph;
-  const auto width = static_cast<std::size_t>(photograph.width);
-  CVResult result = document.wrap(
-      photograph.pixels.data(), width * static_cast<std::size_t>(photograph.numPlanes),
-      photograph.width, photograph.height, CV_MODE_RGB, photograph.numPlanes);
+  const auto width = static_cast<size_t>(photograph.width);
+  CVResult result =
+      document.wrap(photograph.pixels.data(), width * static_cast<size_t>(photograph.numPlanes),
+                    photograph.width, photograph.height, CV_MODE_RGB, photograph.numPlanes);
   for (limn::GreyImage& channel : _channels)
     if (result.ok())
       result = document.wrapChannel(limn::ChannelName(channel.file), channel.pixels.data(), width);
   if (result.ok() && !mask.isNull())
-    result = document.wrapMask(mask.bits(), static_cast<std::size_t>(mask.bytesPerLine()));
+    result = document.wrapMask(mask.bits(), static_cast<size_t>(mask.bytesPerLine()));
   return result;
 }
 

@@ -34,7 +34,7 @@ class EditorDocument : public QObject {
   Q_OBJECT
 
 public:
-  static constexpr std::size_t UNDO_BYTES = std::size_t{512} << 20;
+  static constexpr size_t UNDO_BYTES = size_t{512} << 20;
 
   // Takes an image over, without selection, further channels and steps.
   void setImage(OpenedImage image);
@@ -94,15 +94,15 @@ private:
   // `area`, of the image and then of each further channel.
   struct Step {
     QRect area; // empty when the pixels stay
-    std::vector<std::vector<std::uint8_t>> planes;
+    std::vector<std::vector<uint8_t>> planes;
     int pixelState = 0;
     Selection selection;
     int position = 0;
-    std::size_t bytes() const;
+    size_t bytes() const;
   };
   struct Buffer {
-    std::uint8_t* data;
-    std::size_t pixelBytes;
+    uint8_t* data;
+    size_t pixelBytes;
   };
 
   std::vector<Buffer> _buffers();

@@ -14,8 +14,8 @@ namespace {
 // The functions of the contract have no argument for whom they work.
 FilterProgress* currentProgress = nullptr;
 
-std::int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, std::int32_t row,
-                        std::int32_t column, void*) {
+int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, int32_t column,
+                   void*) {
   if (currentProgress != nullptr)
     currentProgress->yieldToDialog();
   return ShowPixelMap(map, source, row, column);

@@ -26,11 +26,11 @@ public:
   // meanwhile. title: for the progress.
   CVResult run(EditorDocument& document, CVDialog dialog, const QString& title, QWidget* owner);
   // Makes these the parameters to repeat.
-  CVResult setParameters(const void* bytes, std::size_t size) {
+  CVResult setParameters(const void* bytes, size_t size) {
     return _session.setParameters(bytes, size);
   }
   // The parameters of the last run.
-  std::vector<std::uint8_t> parameters() const { return _session.parameters(); }
+  std::vector<uint8_t> parameters() const { return _session.parameters(); }
   CVResult about() { return _session.about(nullptr); }
   bool isRunning() const { return _running; }
 

@@ -45,7 +45,7 @@ ImageLevels::ImageLevels(const QImage& image) {
 void ImageLevels::replace(QPoint place, const QImage& part) {
   QRect area(place, part.size());
   QPainter(&_levels.front()).drawImage(place, part);
-  for (std::size_t level = 1; level < _levels.size(); ++level) {
+  for (size_t level = 1; level < _levels.size(); ++level) {
     area.setCoords(area.left() / 2, area.top() / 2, area.right() / 2, area.bottom() / 2);
     Halve(_levels[level - 1], _levels[level], area);
   }
@@ -53,7 +53,7 @@ void ImageLevels::replace(QPoint place, const QImage& part) {
 
 void ImageLevels::draw(QPainter& painter, const QRectF& target, const QRectF& source,
                        double pixelSize) const {
-  std::size_t level = 0;
+  size_t level = 0;
   while (level + 1 < _levels.size() && pixelSize <= 0.5) {
     pixelSize *= 2.0;
     ++level;

@@ -76,7 +76,7 @@ StylePanel::StylePanel(const EditorDocument& document, QWidget* parent)
   connect(_thumbnails, &StyleThumbnails::finished, this, [this] { _areMade = true; });
   connect(_list, &StyleList::chosen, this, [this](int row) {
     // Held by value: the image changes below, and with it the list.
-    const LM_style style = _styles[static_cast<std::size_t>(row)];
+    const LM_style style = _styles[static_cast<size_t>(row)];
     Q_EMIT chosen(style);
   });
 }

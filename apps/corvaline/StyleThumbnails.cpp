@@ -8,14 +8,13 @@
 namespace editor {
 
 QImage ThumbnailImage(const limn::ReducedPhotograph& photograph,
-                      const std::vector<std::uint8_t>& pixels) {
+                      const std::vector<uint8_t>& pixels) {
   QImage image(photograph.width, photograph.height, QImage::Format_RGB888);
-  const auto rowBytes = static_cast<std::size_t>(photograph.width) * 3;
-  if (image.isNull() || pixels.size() < rowBytes * static_cast<std::size_t>(photograph.height))
+  const auto rowBytes = static_cast<size_t>(photograph.width) * 3;
+  if (image.isNull() || pixels.size() < rowBytes * static_cast<size_t>(photograph.height))
     return {};
   for (int y = 0; y < photograph.height; ++y)
-    std::copy_n(pixels.data() + static_cast<std::size_t>(y) * rowBytes, rowBytes,
-                image.scanLine(y));
+    std::copy_n(pixels.data() + static_cast<size_t>(y) * rowBytes, rowBytes, image.scanLine(y));
   return image;
 }
 
@@ -45,7 +44,7 @@ StyleThumbnails::~StyleThumbnails() {
 void StyleThumbnails::make(limn::ReducedPhotograph photograph, std::vector<LM_style> styles) {
   const int turn = ++_turn;
   _pool.start([this, turn, photograph = std::move(photograph), styles = std::move(styles)] {
-    for (std::size_t i = 0; i < styles.size(); ++i) {
+    for (size_t i = 0; i < styles.size(); ++i) {
       if (turn != _turn)
         return;
       const QImage picture = ThumbnailImage(photograph, limn::LitThumbnail(photograph, styles[i]));

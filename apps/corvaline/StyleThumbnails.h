@@ -16,7 +16,7 @@ namespace editor {
 
 // The picture of a reduced photograph's pixels: red, green and blue, width * 3 bytes a row.
 QImage ThumbnailImage(const limn::ReducedPhotograph& photograph,
-                      const std::vector<std::uint8_t>& pixels);
+                      const std::vector<uint8_t>& pixels);
 
 class StyleThumbnails : public QObject {
   Q_OBJECT

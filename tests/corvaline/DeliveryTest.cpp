@@ -9,8 +9,8 @@ int pick(std::mt19937& random, int from, int to) {
   return std::uniform_int_distribution<int>(from, to)(random);
 }
 
-std::int16_t side(std::mt19937& random, int from, int to) {
-  return static_cast<std::int16_t>(pick(random, from, to));
+int16_t side(std::mt19937& random, int from, int to) {
+  return static_cast<int16_t>(pick(random, from, to));
 }
 
 // A random input and mask request that the contract allows.
@@ -24,7 +24,7 @@ void ask(std::mt19937& random, const CVDocument& document, FilterRecord& record)
   in.bottom = side(random, in.top + 1, height + margin);
   in.right = side(random, in.left + 1, width + margin);
   record.inEdgeMode = replicate ? CV_EDGE_REPLICATE : CV_EDGE_NONE;
-  record.absolutePlanesWanted = static_cast<std::uint8_t>(pick(random, 0, 1));
+  record.absolutePlanesWanted = static_cast<uint8_t>(pick(random, 0, 1));
   const int planes = record.absolutePlanesWanted != 0 ? document.channelCount() : 3;
   record.inFirstPlane = side(random, 0, planes - 1);
   record.inLastPlane = side(random, record.inFirstPlane, planes - 1);
@@ -38,15 +38,15 @@ void ask(std::mt19937& random, const CVDocument& document, FilterRecord& record)
   mask.right = side(random, mask.left, width);
 }
 
-int samples(int length, std::int32_t step) {
+int samples(int length, int32_t step) {
   int count = 0;
-  while ((std::int64_t{count} * step) < (std::int64_t{length} << 16))
+  while ((int64_t{count} * step) < (int64_t{length} << 16))
     ++count;
   return count;
 }
 
-int sampleOffset(int index, std::int32_t step) {
-  return static_cast<int>((std::int64_t{index} * step) >> 16);
+int sampleOffset(int index, int32_t step) {
+  return static_cast<int>((int64_t{index} * step) >> 16);
 }
 
 // Number of delivered bytes that are not what the request says.
@@ -54,7 +54,7 @@ int wrongBytes(const FilterRecord& record, const CVDocument& document) {
   int wrong = 0;
   const CVRect& in = record.inTileRect;
   const int planes = record.inLastPlane - record.inFirstPlane + 1;
-  const std::int32_t step = record.inSampleStep;
+  const int32_t step = record.inSampleStep;
   for (int row = 0; row < samples(in.bottom - in.top, step); ++row)
     for (int column = 0; column < samples(in.right - in.left, step); ++column)
       for (int plane = 0; plane < planes; ++plane)
@@ -68,10 +68,9 @@ int wrongBytes(const FilterRecord& record, const CVDocument& document) {
   const auto view = document.mask();
   for (int row = 0; row < samples(mask.bottom - mask.top, step); ++row)
     for (int column = 0; column < samples(mask.right - mask.left, step); ++column)
-      wrong +=
-          record.maskPixels[row * record.maskRowStride + column] !=
-          view.data[static_cast<std::size_t>(mask.top + sampleOffset(row, step)) * view.rowStride +
-                    static_cast<std::size_t>(mask.left + sampleOffset(column, step))];
+      wrong += record.maskPixels[row * record.maskRowStride + column] !=
+               view.data[static_cast<size_t>(mask.top + sampleOffset(row, step)) * view.rowStride +
+                         static_cast<size_t>(mask.left + sampleOffset(column, step))];
   return wrong;
 }
 
@@ -79,12 +78,12 @@ int wrongBytes(const FilterRecord& record, const CVDocument& document) {
 void checkDeliveries(std::mt19937& random, CVDocument& document) {
   Plan plan;
   int left = 40;
-  plan.start = [&](FilterRecord& record) -> std::int16_t {
+  plan.start = [&](FilterRecord& record) -> int16_t {
     EXPECT_EQ(record.inPixels, nullptr);
     ask(random, document, record);
     return 0;
   };
-  plan.next = [&](FilterRecord& record) -> std::int16_t {
+  plan.next = [&](FilterRecord& record) -> int16_t {
     EXPECT_EQ(wrongBytes(record, document), 0);
     EXPECT_EQ(record.maskUsable != 0 && record.maskPresent > 0, document.hasMask());
     ask(random, document, record);
@@ -118,10 +117,10 @@ TEST(Delivery, EveryByteIsTheRequestedOne) {
 TEST(Delivery, WrappedMemoryKeepsItsStrides) {
   std::mt19937 random(2);
   constexpr int width = 19, height = 7;
-  std::vector<std::uint8_t> base(height * 100), extra(height * 23), mask(height * 21);
+  std::vector<uint8_t> base(height * 100), extra(height * 23), mask(height * 21);
   for (auto* bytes : {&base, &extra, &mask})
     for (auto& byte : *bytes)
-      byte = static_cast<std::uint8_t>(random());
+      byte = static_cast<uint8_t>(random());
   CVDocument document;
   ASSERT_TRUE(document.wrap(base.data(), 100, width, height, CV_MODE_RGB, 4).ok());
   ASSERT_TRUE(document.wrapChannel("Height", extra.data(), 23).ok());
@@ -134,12 +133,12 @@ TEST(Delivery, FarMarginsAndWholeImages) {
   std::mt19937 random(3);
   CVDocument document = randomDocument(random, 1, 1, 3, 0, false);
   Plan plan;
-  plan.start = [](FilterRecord& record) -> std::int16_t {
+  plan.start = [](FilterRecord& record) -> int16_t {
     record.inTileRect = {-32768, 32000, -32700, 32767};
     record.inEdgeMode = CV_EDGE_REPLICATE;
     return 0;
   };
-  plan.next = [&](FilterRecord& record) -> std::int16_t {
+  plan.next = [&](FilterRecord& record) -> int16_t {
     EXPECT_EQ(wrongBytes(record, document), 0);
     record.inTileRect = document.bounds();
     EXPECT_EQ(record.nextTile(), 0);

@@ -42,7 +42,7 @@ TEST(Document, ImpossibleShapesAreRefused) {
 }
 
 TEST(Document, WrappedMemoryMustHoldTheImage) {
-  std::vector<std::uint8_t> bytes(300);
+  std::vector<uint8_t> bytes(300);
   CVDocument document;
   EXPECT_FALSE(document.addChannel("Alone").ok());
   EXPECT_FALSE(document.createMask(0).ok());
@@ -102,7 +102,7 @@ TEST(Plugin, FilesThatAreNoneAreNamed) {
 }
 
 TEST(Services, PixelMapsAreChecked) {
-  std::vector<std::uint8_t> pixels(4 * 16), mask(4 * 8);
+  std::vector<uint8_t> pixels(4 * 16), mask(4 * 8);
   CVPixelMask selection{nullptr, mask.data(), 8, 1, 0};
   CVPixelMap good{};
   good.bounds = {0, 0, 4, 5};

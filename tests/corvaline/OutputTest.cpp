@@ -15,7 +15,7 @@ bool toNextTile(FilterRecord& record) {
   const CVRect& area = record.filterArea;
   CVRect& tile = record.outTileRect;
   const auto end = [](int start, int limit) {
-    return static_cast<std::int16_t>(std::min(start + TILE, limit));
+    return static_cast<int16_t>(std::min(start + TILE, limit));
   };
   if (tile.right == 0 && tile.bottom == 0) { // the first one
     tile.top = area.top;
@@ -46,17 +46,17 @@ void shiftAndInvert(const FilterRecord& record) {
   for (int row = 0; row < tile.bottom - tile.top; ++row)
     for (int i = 0; i < (tile.right - tile.left) * 3; ++i)
       record.outPixels[row * record.outRowStride + i] =
-          static_cast<std::uint8_t>(~record.inPixels[row * record.inRowStride + i]);
+          static_cast<uint8_t>(~record.inPixels[row * record.inRowStride + i]);
 }
 
 Plan shiftingPlan() {
   Plan plan;
-  plan.start = [](FilterRecord& record) -> std::int16_t {
+  plan.start = [](FilterRecord& record) -> int16_t {
     toNextTile(record);
     growMargin(record);
     return 0;
   };
-  plan.next = [](FilterRecord& record) -> std::int16_t {
+  plan.next = [](FilterRecord& record) -> int16_t {
     shiftAndInvert(record);
     if (toNextTile(record))
       growMargin(record);
@@ -68,8 +68,8 @@ Plan shiftingPlan() {
 }
 
 // The same over the whole image at once, through the selection, with the rounding of real numbers.
-std::vector<std::uint8_t> expectedShift(const CVDocument& document, const CVRect& area) {
-  std::vector<std::uint8_t> bytes;
+std::vector<uint8_t> expectedShift(const CVDocument& document, const CVRect& area) {
+  std::vector<uint8_t> bytes;
   for (int channel = 0; channel < document.channelCount(); ++channel)
     for (int row = 0; row < document.height(); ++row)
       for (int column = 0; column < document.width(); ++column) {
@@ -78,12 +78,12 @@ std::vector<std::uint8_t> expectedShift(const CVDocument& document, const CVRect
         const auto mask = document.mask();
         const int share = mask.data == nullptr
                               ? 255
-                              : mask.data[static_cast<std::size_t>(row) * mask.rowStride +
-                                          static_cast<std::size_t>(column)];
+                              : mask.data[static_cast<size_t>(row) * mask.rowStride +
+                                          static_cast<size_t>(column)];
         const bool filtered = channel < 3 && row >= area.top && row < area.bottom &&
                               column >= area.left && column < area.right;
-        bytes.push_back(static_cast<std::uint8_t>(
-            filtered ? std::lround(in + (out - in) * share / 255.0) : in));
+        bytes.push_back(
+            static_cast<uint8_t>(filtered ? std::lround(in + (out - in) * share / 255.0) : in));
       }
   return bytes;
 }
@@ -145,20 +145,20 @@ TEST(Output, SelectionMixesExactly) {
     CVDocument document;
     ASSERT_TRUE(document.create(256, 256, CV_MODE_RGB, 3).ok());
     ASSERT_TRUE(document.createMask(0).ok());
-    for (std::size_t row = 0; row < 256; ++row)
-      for (std::size_t column = 0; column < 256; ++column) {
-        document.channel(0).data[row * 768 + column * 3] = static_cast<std::uint8_t>(row);
-        document.mask().data[row * 256 + column] = static_cast<std::uint8_t>(column);
+    for (size_t row = 0; row < 256; ++row)
+      for (size_t column = 0; column < 256; ++column) {
+        document.channel(0).data[row * 768 + column * 3] = static_cast<uint8_t>(row);
+        document.mask().data[row * 256 + column] = static_cast<uint8_t>(column);
       }
     Plan plan;
-    plan.start = [&](FilterRecord& record) -> std::int16_t {
+    plan.start = [&](FilterRecord& record) -> int16_t {
       record.outTileRect = document.bounds();
       return 0;
     };
-    plan.next = [&](FilterRecord& record) -> std::int16_t {
+    plan.next = [&](FilterRecord& record) -> int16_t {
       for (int row = 0; row < 256; ++row)
         std::fill_n(record.outPixels + row * record.outRowStride, 768,
-                    static_cast<std::uint8_t>(painted));
+                    static_cast<uint8_t>(painted));
       stopAsking(record);
       return 0;
     };
@@ -180,14 +180,14 @@ TEST(Output, PresentContentIsDelivered) {
   CVDocument document = randomDocument(random, 20, 10, 4, 1, false);
   const auto original = bytesOf(document);
   Plan plan;
-  plan.start = [](FilterRecord& record) -> std::int16_t {
+  plan.start = [](FilterRecord& record) -> int16_t {
     record.absolutePlanesWanted = 1;
     record.outFirstPlane = 3;
     record.outLastPlane = 4;
     record.outTileRect = {0, 0, 10, 20};
     return 0;
   };
-  plan.next = [&](FilterRecord& record) -> std::int16_t {
+  plan.next = [&](FilterRecord& record) -> int16_t {
     for (int row = 0; row < 10; ++row)
       for (int column = 0; column < 20; ++column) {
         EXPECT_EQ(record.outPixels[row * record.outRowStride + column * 2],
@@ -196,7 +196,7 @@ TEST(Output, PresentContentIsDelivered) {
                   pixelAt(document, 4, row, column));
       }
     for (int row = 0; row < 10; ++row)
-      std::fill_n(record.outPixels + row * record.outRowStride, 40, std::uint8_t{7});
+      std::fill_n(record.outPixels + row * record.outRowStride, 40, uint8_t{7});
     record.outTileRect = {1, 1, 3, 3};
     record.outFirstPlane = 4;
     EXPECT_EQ(record.nextTile(), 0);
@@ -211,10 +211,10 @@ TEST(Output, PresentContentIsDelivered) {
   const CVResult result = session.run(document, {2, 2, 10, 20}, {});
   ASSERT_TRUE(result.ok()) << result.message;
   auto expected = original;
-  for (std::size_t channel = 3; channel < 5; ++channel)
-    for (std::size_t row = 2; row < 10; ++row)
-      std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(channel * 200 + row * 20 + 2), 18,
-                  std::uint8_t{7});
+  for (size_t channel = 3; channel < 5; ++channel)
+    for (size_t row = 2; row < 10; ++row)
+      std::fill_n(expected.begin() + static_cast<ptrdiff_t>(channel * 200 + row * 20 + 2), 18,
+                  uint8_t{7});
   expected[4 * 200 + 2 * 20 + 2] = 8;
   EXPECT_EQ(bytesOf(document), expected);
 }

@@ -42,13 +42,11 @@ void stopAsking(FilterRecord& record) {
   record.inTileRect = record.outTileRect = record.maskTileRect = {0, 0, 0, 0};
 }
 
-static void fill(std::mt19937& random, const CVChannelView<std::uint8_t>& view, int width,
-                 int height) {
+static void fill(std::mt19937& random, const CVChannelView<uint8_t>& view, int width, int height) {
   for (int row = 0; row < height; ++row)
     for (int column = 0; column < width; ++column)
-      view.data[static_cast<std::size_t>(row) * view.rowStride +
-                static_cast<std::size_t>(column) * view.pixelStep] =
-          static_cast<std::uint8_t>(random());
+      view.data[static_cast<size_t>(row) * view.rowStride +
+                static_cast<size_t>(column) * view.pixelStep] = static_cast<uint8_t>(random());
 }
 
 CVDocument randomDocument(std::mt19937& random, int width, int height, int planes, int extras,
@@ -66,8 +64,8 @@ CVDocument randomDocument(std::mt19937& random, int width, int height, int plane
   return document;
 }
 
-std::vector<std::uint8_t> bytesOf(const CVDocument& document) {
-  std::vector<std::uint8_t> bytes;
+std::vector<uint8_t> bytesOf(const CVDocument& document) {
+  std::vector<uint8_t> bytes;
   for (int channel = 0; channel < document.channelCount(); ++channel)
     for (int row = 0; row < document.height(); ++row)
       for (int column = 0; column < document.width(); ++column)
@@ -75,9 +73,9 @@ std::vector<std::uint8_t> bytesOf(const CVDocument& document) {
   return bytes;
 }
 
-std::uint8_t pixelAt(const CVDocument& document, int channel, int row, int column) {
+uint8_t pixelAt(const CVDocument& document, int channel, int row, int column) {
   const auto view = document.channel(channel);
-  const auto y = static_cast<std::size_t>(std::clamp(row, 0, document.height() - 1));
-  const auto x = static_cast<std::size_t>(std::clamp(column, 0, document.width() - 1));
+  const auto y = static_cast<size_t>(std::clamp(row, 0, document.height() - 1));
+  const auto x = static_cast<size_t>(std::clamp(column, 0, document.width() - 1));
   return view.data[y * view.rowStride + x * view.pixelStep];
 }

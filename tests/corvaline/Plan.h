@@ -1,6 +1,5 @@
 // What the test module does at each call, and documents to let it loose on.
-#ifndef CORVALINE_TEST_PLAN_H
-#define CORVALINE_TEST_PLAN_H
+#pragma once
 
 #include "CVDocument.h"
 #include "CVFilterRecord.h"
@@ -14,10 +13,10 @@
 
 // The part of the plug-in. A step that is not set answers 0. Only one plan at a time is acted out.
 struct Plan {
-  std::function<std::int16_t(FilterRecord&)> parameters, prepare, start, next, finish;
-  std::function<std::int16_t(CVAboutRecord&)> about;
+  std::function<int16_t(FilterRecord&)> parameters, prepare, start, next, finish;
+  std::function<int16_t(CVAboutRecord&)> about;
   std::vector<int> calls;         // selectors in their order
-  std::intptr_t* slot = nullptr;  // of the call under way
+  intptr_t* slot = nullptr;       // of the call under way
   FilterRecord* record = nullptr; // of the call under way
 };
 
@@ -32,9 +31,7 @@ CVDocument randomDocument(std::mt19937& random, int width, int height, int plane
                           bool masked);
 
 // Every byte of every channel, channel by channel.
-std::vector<std::uint8_t> bytesOf(const CVDocument& document);
+std::vector<uint8_t> bytesOf(const CVDocument& document);
 
 // The pixel of a channel, with the image's edges repeated around it.
-std::uint8_t pixelAt(const CVDocument& document, int channel, int row, int column);
-
-#endif
+uint8_t pixelAt(const CVDocument& document, int channel, int row, int column);

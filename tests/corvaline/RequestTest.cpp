@@ -8,7 +8,7 @@
 namespace {
 
 CVRect box(int top, int left, int bottom, int right) {
-  const auto side = [](int at) { return static_cast<std::int16_t>(at); };
+  const auto side = [](int at) { return static_cast<int16_t>(at); };
   return {side(top), side(left), side(bottom), side(right)};
 }
 
@@ -59,7 +59,7 @@ void askRightly(FilterRecord& record) {
 
 void paint(FilterRecord& record) {
   for (int row = 0; row < 4; ++row)
-    std::fill_n(record.outPixels + row * record.outRowStride, 12, std::uint8_t{99});
+    std::fill_n(record.outPixels + row * record.outRowStride, 12, uint8_t{99});
 }
 
 // Runs the plan and expects the refusal, the last step sent to be the only finish, and the image to
@@ -85,7 +85,7 @@ TEST(Request, WrongOnesAreRefused) {
   for (const WrongRequest& wrong : wrongRequests) {
     SCOPED_TRACE(wrong.name);
     Plan atStart;
-    atStart.start = [&](FilterRecord& record) -> std::int16_t {
+    atStart.start = [&](FilterRecord& record) -> int16_t {
       askRightly(record);
       wrong.ask(record);
       return 0;
@@ -95,11 +95,11 @@ TEST(Request, WrongOnesAreRefused) {
 
     // After output was taken, inside a call, by a plug-in that makes light of the answer.
     Plan inside;
-    inside.start = [](FilterRecord& record) -> std::int16_t {
+    inside.start = [](FilterRecord& record) -> int16_t {
       askRightly(record);
       return 0;
     };
-    inside.next = [&](FilterRecord& record) -> std::int16_t {
+    inside.next = [&](FilterRecord& record) -> int16_t {
       paint(record);
       wrong.ask(record);
       EXPECT_NE(record.nextTile(), 0);
@@ -116,11 +116,11 @@ TEST(Request, WrongOnesAreRefused) {
 
 TEST(Request, WalkThatNeverEndsIsEnded) {
   Plan plan;
-  plan.start = [](FilterRecord& record) -> std::int16_t {
+  plan.start = [](FilterRecord& record) -> int16_t {
     askRightly(record);
     return 0;
   };
-  plan.next = [](FilterRecord& record) -> std::int16_t {
+  plan.next = [](FilterRecord& record) -> int16_t {
     paint(record);
     return 0;
   };
@@ -133,7 +133,7 @@ TEST(Request, FilterAreaMustBePutBack) {
     SCOPED_TRACE(step);
     Plan plan;
     const auto act = [step](int now) {
-      return [step, now](FilterRecord& record) -> std::int16_t {
+      return [step, now](FilterRecord& record) -> int16_t {
         EXPECT_EQ(record.filterArea.right, 20);
         now == LM_SEL_CONTINUE ? stopAsking(record) : askRightly(record);
         if (now == step)

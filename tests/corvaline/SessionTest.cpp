@@ -15,13 +15,13 @@ const std::vector<int> WHOLE_RUN = {LM_SEL_PREPARE, LM_SEL_START, LM_SEL_CONTINU
 // A plug-in that paints two tiles of a 20 × 10 image.
 Plan paintingPlan() {
   Plan plan;
-  plan.start = [](FilterRecord& record) -> std::int16_t {
+  plan.start = [](FilterRecord& record) -> int16_t {
     record.outTileRect = {0, 0, 10, 10};
     return 0;
   };
-  plan.next = [](FilterRecord& record) -> std::int16_t {
+  plan.next = [](FilterRecord& record) -> int16_t {
     for (int row = 0; row < 10; ++row)
-      std::fill_n(record.outPixels + row * record.outRowStride, 30, std::uint8_t{99});
+      std::fill_n(record.outPixels + row * record.outRowStride, 30, uint8_t{99});
     if (record.outTileRect.right == 20)
       stopAsking(record);
     else
@@ -51,7 +51,7 @@ protected:
 TEST_F(Session, AnswersBecomeOutcomes) {
   const struct {
     int step;
-    std::int16_t code;
+    int16_t code;
     CVDialog dialog;
     CVOutcome outcome;
     const char* sentence;
@@ -74,9 +74,9 @@ TEST_F(Session, AnswersBecomeOutcomes) {
   for (const auto& test : cases) {
     SCOPED_TRACE(testing::Message() << "step " << test.step << " answers " << test.code);
     Plan plan = paintingPlan();
-    const auto answer = [&](int step, const std::function<std::int16_t(FilterRecord&)>& act) {
-      return [&test, step, act](FilterRecord& record) -> std::int16_t {
-        const auto code = act ? act(record) : std::int16_t{0};
+    const auto answer = [&](int step, const std::function<int16_t(FilterRecord&)>& act) {
+      return [&test, step, act](FilterRecord& record) -> int16_t {
+        const auto code = act ? act(record) : int16_t{0};
         return step == test.step ? test.code : code;
       };
     };
@@ -107,10 +107,10 @@ TEST_F(Session, AnswersBecomeOutcomes) {
 }
 
 TEST_F(Session, KeepsParametersAndSlotOverRuns) {
-  const std::uint64_t blocks = TB_BlocksInUse();
+  const uint64_t blocks = TB_BlocksInUse();
   {
     Plan plan = paintingPlan();
-    plan.prepare = [&](FilterRecord& record) -> std::int16_t {
+    plan.prepare = [&](FilterRecord& record) -> int16_t {
       EXPECT_EQ(record.savedParams, nullptr);
       record.savedParams = NewHandle(3);
       std::copy_n("abc", 3, *record.savedParams);
@@ -120,19 +120,19 @@ TEST_F(Session, KeepsParametersAndSlotOverRuns) {
     CVFilterSession session(playing(plan));
     EXPECT_FALSE(session.hasParameters());
     EXPECT_TRUE(run(session).ok());
-    EXPECT_EQ(session.parameters(), (std::vector<std::uint8_t>{'a', 'b', 'c'}));
+    EXPECT_EQ(session.parameters(), (std::vector<uint8_t>{'a', 'b', 'c'}));
 
     // Kept after a failed run too, which may have changed them.
-    plan.prepare = [&](FilterRecord& record) -> std::int16_t {
+    plan.prepare = [&](FilterRecord& record) -> int16_t {
       EXPECT_EQ(*plan.slot, 4711);
       (*record.savedParams)[0] = 'x';
       return -1;
     };
     EXPECT_FALSE(run(session).ok());
-    EXPECT_EQ(session.parameters(), (std::vector<std::uint8_t>{'x', 'b', 'c'}));
+    EXPECT_EQ(session.parameters(), (std::vector<uint8_t>{'x', 'b', 'c'}));
 
     EXPECT_TRUE(session.setParameters("12345", 5).ok());
-    plan.prepare = [](FilterRecord& record) -> std::int16_t {
+    plan.prepare = [](FilterRecord& record) -> int16_t {
       EXPECT_EQ(GetHandleSize(record.savedParams), 5);
       EXPECT_EQ((*record.savedParams)[4], '5');
       return 0;
@@ -156,7 +156,7 @@ TEST_F(Session, CancelLeavesTheImage) {
       SCOPED_TRACE(testing::Message() << (asks ? "asks, " : "does not ask, ") << callsBefore);
       Plan plan = paintingPlan();
       int continued = 0;
-      plan.next = [&, paint = plan.next](FilterRecord& record) -> std::int16_t {
+      plan.next = [&, paint = plan.next](FilterRecord& record) -> int16_t {
         ++continued;
         if (asks && record.testCancel() != 0)
           return 1;
@@ -174,7 +174,7 @@ TEST_F(Session, CancelLeavesTheImage) {
 
 TEST_F(Session, ProgressIgnoresWhatPlugInsReport) {
   Plan plan = paintingPlan();
-  plan.next = [paint = plan.next](FilterRecord& record) -> std::int16_t {
+  plan.next = [paint = plan.next](FilterRecord& record) -> int16_t {
     record.reportProgress(1, -5);
     record.reportProgress(INT32_MAX, INT32_MIN);
     return paint(record);
@@ -190,18 +190,18 @@ TEST_F(Session, ProgressIgnoresWhatPlugInsReport) {
 TEST_F(Session, PropertiesAreAnswered) {
   ASSERT_TRUE(document.addChannel("Höhe").ok());
   ASSERT_TRUE(document.addChannel("").ok());
-  const std::uint64_t blocks = TB_BlocksInUse();
+  const uint64_t blocks = TB_BlocksInUse();
   Plan plan;
-  plan.prepare = [](FilterRecord& record) -> std::int16_t {
-    const std::uint32_t host = CV_HOST_SIGNATURE, name = CV_PROPERTY_CHANNEL_NAME;
-    std::int32_t count = 0;
+  plan.prepare = [](FilterRecord& record) -> int16_t {
+    const uint32_t host = CV_HOST_SIGNATURE, name = CV_PROPERTY_CHANNEL_NAME;
+    int32_t count = 0;
     EXPECT_EQ(record.queryProperty(host, CV_PROPERTY_NUM_CHANNELS, 0, &count, nullptr), 0);
     EXPECT_EQ(count, 6);
     const char* const names[] = {"Red", "Green", "Blue", "Extra", "Höhe", ""};
     for (int i = 0; i < 6; ++i) {
       CVHandle handle = nullptr;
       EXPECT_EQ(record.queryProperty(host, name, i, nullptr, &handle), 0);
-      EXPECT_EQ(std::string(*handle, static_cast<std::size_t>(GetHandleSize(handle))), names[i]);
+      EXPECT_EQ(std::string(*handle, static_cast<size_t>(GetHandleSize(handle))), names[i]);
       DisposeHandle(handle);
     }
     CVHandle handle = nullptr;
@@ -229,7 +229,7 @@ TEST_F(Session, ThrowingFunctionsEndTheRun) {
   for (const bool memory : {true, false})
     for (const bool inProgress : {true, false}) {
       Plan plan = paintingPlan();
-      plan.next = [paint = plan.next](FilterRecord& record) -> std::int16_t {
+      plan.next = [paint = plan.next](FilterRecord& record) -> int16_t {
         record.reportProgress(0, 1);
         record.testCancel();
         return paint(record);
@@ -272,13 +272,13 @@ TEST_F(Session, OneRunAtATime) {
 TEST_F(Session, AboutGetsItsOwnRecord) {
   Plan plan;
   int window = 0;
-  plan.about = [&](CVAboutRecord& record) -> std::int16_t {
+  plan.about = [&](CVAboutRecord& record) -> int16_t {
     EXPECT_EQ(record.hostWindow, &window);
     *plan.slot = 5;
     return -30100;
   };
   CVFilterSession session(playing(plan));
   EXPECT_EQ(session.about(&window).code, -30100);
-  plan.prepare = [&](FilterRecord&) -> std::int16_t { return *plan.slot == 5 ? 0 : -1; };
+  plan.prepare = [&](FilterRecord&) -> int16_t { return *plan.slot == 5 ? 0 : -1; };
   EXPECT_TRUE(run(session).ok());
 }

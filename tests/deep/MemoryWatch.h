@@ -1,6 +1,5 @@
 // Whether a loop's memory grows for ever.
-#ifndef MEMORY_WATCH_H
-#define MEMORY_WATCH_H
+#pragma once
 
 #include <cstdint>
 
@@ -24,5 +23,3 @@ private:
   int _rounds = 0;
   MemoryState _start{};
 };
-
-#endif

@@ -1,6 +1,5 @@
 // Plays the host's side of one scene for the engine, straight at the engine's own functions.
-#ifndef ENGINE_RUN_H
-#define ENGINE_RUN_H
+#pragma once
 
 #include "LM_globals.h"
 #include "SceneGenerator.h"
@@ -62,5 +61,3 @@ uint8_t MaskAt(int x, int y);
 // Fails the running test with the first differing pixel.
 void ExpectSamePicture(const std::vector<uint8_t>& expected, const std::vector<uint8_t>& actual,
                        int width);
-
-#endif

@@ -1,7 +1,6 @@
 // Lets every allocation or file operation of a piece of work fail in turn, each time in a process
 // of its own, so that no failure, and no crash, reaches the next.
-#ifndef FAULT_RUN_H
-#define FAULT_RUN_H
+#pragma once
 
 #include "fault_shim.h"
 
@@ -47,5 +46,3 @@ protected:
   ~FaultTest() override;
   std::filesystem::path folder;
 };
-
-#endif

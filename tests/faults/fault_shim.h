@@ -3,8 +3,7 @@
    Linked into a test, or preloaded into a program (LD_PRELOAD, with FAULT_PLAN naming a file that
    holds a plan). Either way the plan is shared with the processes that fork: the n-th operation of
    all of them together fails, once. */
-#ifndef FAULT_SHIM_H
-#define FAULT_SHIM_H
+#pragma once
 
 #include <stdint.h>
 
@@ -38,6 +37,4 @@ extern struct fault_plan* fault_plan;
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -1,6 +1,5 @@
 // A dialog that does what a test tells it, for interactive runs of the session without a screen.
-#ifndef SCRIPTED_DIALOG_H
-#define SCRIPTED_DIALOG_H
+#pragma once
 
 #include "LM_globals.h"
 #include "ScriptedHost.h"
@@ -27,5 +26,3 @@ LM_globals* SettingsOf(const ScriptedHost& host);
 // A whole interactive run: parameters, start, preview tiles, dialog, tiles, finish. Answers the
 // first result that is not 0.
 int16_t RunWithDialog(ScriptedHost& host);
-
-#endif

@@ -1,6 +1,5 @@
 // A host that does exactly what a test tells it, and writes down what the plug-in does.
-#ifndef SCRIPTED_HOST_H
-#define SCRIPTED_HOST_H
+#pragma once
 
 #include "CVFilterRecord.h"
 #include "LM_style.h"
@@ -54,5 +53,3 @@ private:
 
 // A style of one light, with or without relief from channel 4.
 LM_style OneLight(bool relief);
-
-#endif

@@ -1,6 +1,5 @@
 // Lights scenes through the whole-image driver, from memory laid out in any way.
-#ifndef RENDER_RUN_H
-#define RENDER_RUN_H
+#pragma once
 
 #include "LM_render.h"
 #include "SceneGenerator.h"
@@ -38,5 +37,3 @@ private:
   LM_render_job _job;
   std::vector<uint8_t> _out;
 };
-
-#endif

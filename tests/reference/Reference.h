@@ -6,8 +6,7 @@
 // operation rounds once, library functions run in double and are rounded at once, colours are
 // 32-bit sums that wrap, and a number that does not fit a 32-bit integer is saturated (NaN
 // becomes 0).
-#ifndef REFERENCE_H
-#define REFERENCE_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -148,5 +147,3 @@ std::vector<uint8_t> ReferenceRenderPreview(const ReferenceSettings& settings,
                                             const ReferenceImage& image,
                                             const ReferencePlane& heights,
                                             const ReferenceArea& area, int scale);
-
-#endif

@@ -1,7 +1,6 @@
 // Scenes for comparing shaders: settings, lights and pictures made from a number alone, the same on
 // every machine and with every library.
-#ifndef SCENE_GENERATOR_H
-#define SCENE_GENERATOR_H
+#pragma once
 
 #include "Reference.h"
 
@@ -58,5 +57,3 @@ Scene MakeScene(uint64_t seed, const SceneLimits& limits = {});
 std::vector<uint8_t> RenderScene(const Scene& scene);
 // 64-bit FNV-1a.
 uint64_t HashBytes(const std::vector<uint8_t>& bytes);
-
-#endif

@@ -1,7 +1,6 @@
 // A style library in a test's own folder, and settings to save there. Base: a fixture whose
 // `folder` is that folder.
-#ifndef STYLE_FOLDER_H
-#define STYLE_FOLDER_H
+#pragma once
 
 #include "LM_globals.h"
 #include "LM_mac_stream.h"
@@ -70,5 +69,3 @@ protected:
   }
   LM_globals* settings = nullptr;
 };
-
-#endif

@@ -1,6 +1,5 @@
 // Styles that the tests share.
-#ifndef STYLE_SAMPLES_H
-#define STYLE_SAMPLES_H
+#pragma once
 
 #include "LM_style_codec.h"
 #include "LM_style_fields.h"
@@ -43,5 +42,3 @@ inline std::vector<uint8_t> BytesOf(const LM_style& style) {
   const size_t size = LM_EncodeStyle(style, bytes);
   return {bytes, bytes + size};
 }
-
-#endif

@@ -1,6 +1,5 @@
 // A folder of a test's own, and the File Manager's names for it.
-#ifndef TEMPORARY_FOLDER_H
-#define TEMPORARY_FOLDER_H
+#pragma once
 
 #include "MacFiles.h"
 #include "MacStrings.h"
@@ -62,5 +61,3 @@ protected:
   int16_t volume = 0;
   int32_t id = 0;
 };
-
-#endif

@@ -1,6 +1,5 @@
 // Figures as expressions, for tables of them.
-#ifndef FIGURES_H
-#define FIGURES_H
+#pragma once
 
 #include "QuickDraw.h"
 
@@ -15,5 +14,3 @@ inline void DrawLineFromTo(short h, short v, short toH, short toV) {
   MoveTo(h, v);
   LineTo(toH, toV);
 }
-
-#endif

@@ -1,6 +1,5 @@
 // A small dialog of every kind of item, and helpers to look into ports.
-#ifndef SAMPLE_DIALOG_H
-#define SAMPLE_DIALOG_H
+#pragma once
 
 #include "HostDialogs.h"
 #include "QuickDraw.h"
@@ -70,5 +69,3 @@ private:
 
 // What the sample slider was asked to do, in order.
 std::vector<std::string>& SliderLog();
-
-#endif

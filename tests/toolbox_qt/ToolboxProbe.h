@@ -1,7 +1,6 @@
 // A look behind the Toolbox, for tests that link its private functions: what ports hold, ports
 // without a window, single events.
-#ifndef TOOLBOX_PROBE_H
-#define TOOLBOX_PROBE_H
+#pragma once
 
 #include "ControlBlock.h"
 #include "Events.h"
@@ -38,5 +37,3 @@ void FlushEvents();
 bool IsButtonDown();
 // Lets events run for so long.
 void RunEvents(int milliseconds);
-
-#endif

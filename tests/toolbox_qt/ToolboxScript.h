@@ -8,8 +8,7 @@
 //
 // Steps run one per few milliseconds, in order, once Start was called and events are let run.
 // Points are in the port of the window that is in front when the step runs.
-#ifndef TOOLBOX_SCRIPT_H
-#define TOOLBOX_SCRIPT_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -58,5 +57,3 @@ private:
   struct State;
   std::unique_ptr<State> _state;
 };
-
-#endif

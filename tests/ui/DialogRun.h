@@ -1,7 +1,6 @@
 // The whole interactive path on a small picture: a host that delivers tiles, the session, and the
 // real dialog, moved by scripted events. Styles go to a folder of the test's own.
-#ifndef DIALOG_RUN_H
-#define DIALOG_RUN_H
+#pragma once
 
 #include "LM_mac_UI.h"
 #include "LM_style.h"
@@ -73,5 +72,3 @@ void DragBetween(ToolboxScript& script, Point from, Point to);
 // Where UseLights puts the body of a light, and the middle of the work area.
 Point BodyOf(int light);
 constexpr Point WORK_AREA_MIDDLE = {156, 156};
-
-#endif

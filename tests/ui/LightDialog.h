@@ -1,7 +1,6 @@
 // A dialog with the items that lights, sliders and drawing procedures need, on settings with a
 // picture to show; and the mouse to drag in it.
-#ifndef LIGHT_DIALOG_H
-#define LIGHT_DIALOG_H
+#pragma once
 
 #include "LM_drawing_scopes.h"
 #include "LM_mac_UI.h"
@@ -52,5 +51,3 @@ private:
 // Starts a script that presses the button, calls `body` as the press arrives, and expects that the
 // script has released the button when `body` returns.
 void WithMouseDown(ToolboxScript& script, const std::function<void()>& body);
-
-#endif

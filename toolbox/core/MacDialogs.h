@@ -2,8 +2,7 @@
 //
 // What is shown goes through a presenter. The one in place at first prints to standard error; a
 // program with a screen installs its own.
-#ifndef MAC_DIALOGS_H
-#define MAC_DIALOGS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -49,5 +48,3 @@ TB_EXPORT TB_MessagePresenter TB_SetAlertPresenter(TB_MessagePresenter presenter
 TB_EXPORT TB_MessagePresenter TB_SetAboutPresenter(TB_MessagePresenter presenter);
 // The text with ^0 to ^3 replaced by what ParamText set.
 TB_EXPORT std::string TB_FillInParamText(std::string_view text);
-
-#endif

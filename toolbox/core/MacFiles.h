@@ -18,8 +18,7 @@
 // through; for writing they count as locked. Only regular files open: no pipes, no devices.
 //
 // Calls are safe on any thread. Parameter blocks also receive their result in ioResult.
-#ifndef MAC_FILES_H
-#define MAC_FILES_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -124,5 +123,3 @@ TB_EXPORT OSErr TB_DirectoryForPath(std::string_view path, int16_t* vRefNum, int
 // The absolute path of a name in a folder, or of the folder when name is null. Empty when there is
 // no such folder or the name cannot be a file's.
 TB_EXPORT std::string TB_PathOf(int16_t vRefNum, int32_t dirID, ConstStr255Param name);
-
-#endif

@@ -5,8 +5,7 @@
 // Only requested bytes count against it, no overhead of the allocator. Calls are safe on any
 // thread; one block belongs to one thread at a time. A failing call answers null and leaves its
 // code for MemError.
-#ifndef MAC_MEMORY_H
-#define MAC_MEMORY_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -64,5 +63,3 @@ TB_EXPORT void TB_ResetMemoryBudget();
 // Bytes requested in all blocks now alive, and the number of those blocks. A handle counts as one.
 TB_EXPORT uint64_t TB_MemoryInUse();
 TB_EXPORT uint64_t TB_BlocksInUse();
-
-#endif

@@ -11,8 +11,7 @@
 // that number), so that a language file holds only what differs and a missing text, or null, falls
 // back to English. Other files (pictures) are found by
 // their path.
-#ifndef MAC_RESOURCES_H
-#define MAC_RESOURCES_H
+#pragma once
 
 #include "MacTypes.h"
 #include "TB_EmbeddedFile.h"
@@ -42,5 +41,3 @@ TB_EXPORT const nlohmann::json* TB_Resource(std::string_view type, int16_t numbe
 // The bytes of a file by its path without the language folder: the language's own, else the
 // English, else the one with exactly this path. Same lifetime; an empty view when there is none.
 TB_EXPORT std::string_view TB_ResourceFile(std::string_view path);
-
-#endif

@@ -1,6 +1,5 @@
 // Length-prefixed strings of UTF-8: comparing, copying, and the way to C++ strings.
-#ifndef MAC_STRINGS_H
-#define MAC_STRINGS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -33,5 +32,3 @@ TB_EXPORT std::string_view TB_CutUTF8(std::string_view text, size_t maxBytes);
 // Below 0, 0 or above 0: alphabetical order, where case and marks decide only between names that
 // are otherwise equal. A total order: 0 only for identical bytes.
 TB_EXPORT int TB_CompareNames(std::string_view a, std::string_view b);
-
-#endif

@@ -1,6 +1,5 @@
 // The types every Toolbox call speaks in, its result codes, and rectangle arithmetic.
-#ifndef MAC_TYPES_H
-#define MAC_TYPES_H
+#pragma once
 
 #include "CVFilterRecord.h"
 
@@ -69,5 +68,3 @@ TB_EXPORT void InsetRect(Rect* rect, int16_t dh, int16_t dv);
 // 1 when the pixel right below the point belongs to the rectangle.
 TB_EXPORT Boolean PtInRect(Point point, const Rect* rect);
 TB_EXPORT Boolean EmptyRect(const Rect* rect);
-
-#endif

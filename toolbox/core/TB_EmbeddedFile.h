@@ -1,6 +1,5 @@
 // A file carried inside a program or a plug-in.
-#ifndef TB_EMBEDDED_FILE_H
-#define TB_EMBEDDED_FILE_H
+#pragma once
 
 #include <cstddef>
 
@@ -11,5 +10,3 @@ struct TB_EmbeddedFile {
   const unsigned char* bytes;
   size_t size;
 };
-
-#endif

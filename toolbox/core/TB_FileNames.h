@@ -1,6 +1,5 @@
 // The way between names in memory and names in a folder; the rule is in MacFiles.h.
-#ifndef TB_FILE_NAMES_H
-#define TB_FILE_NAMES_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -13,5 +12,3 @@ std::optional<std::string> TB_FileNameFor(std::string_view name);
 // The name for a file name; null when the way back would not lead to this file name again, or the
 // name does not fit a Str255.
 std::optional<std::string> TB_NameForFile(std::string_view fileName);
-
-#endif

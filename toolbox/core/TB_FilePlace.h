@@ -1,6 +1,5 @@
 // Where a name in a folder lies, and what is there. Private to the File Manager.
-#ifndef TB_FILE_PLACE_H
-#define TB_FILE_PLACE_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -26,5 +25,3 @@ OSErr TB_StatusOf(const std::string& path, TB_Links links, struct stat* status);
 inline bool TB_IsLocked(const struct stat& status) {
   return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
 }
-
-#endif

@@ -1,6 +1,5 @@
 // Open files by their 16-bit reference. Private to the File Manager.
-#ifndef TB_FILE_TABLE_H
-#define TB_FILE_TABLE_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -28,5 +27,3 @@ int16_t TB_AddOpenFile(std::shared_ptr<TB_OpenFile> file);
 std::shared_ptr<TB_OpenFile> TB_FindOpenFile(int16_t refNum);
 // Takes the file out of the table; null when there is none.
 std::shared_ptr<TB_OpenFile> TB_RemoveOpenFile(int16_t refNum);
-
-#endif

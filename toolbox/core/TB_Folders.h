@@ -1,6 +1,5 @@
 // Folders by id, their listings, and what every File Manager call shares. Private to the toolbox.
-#ifndef TB_FOLDERS_H
-#define TB_FOLDERS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -37,5 +36,3 @@ template <typename Operation> OSErr TB_FileOperation(Operation operation) {
     return memFullErr;
   }
 }
-
-#endif

@@ -1,7 +1,6 @@
 // How much memory the machine and the control groups of this process have left. Private to the
 // Memory Manager.
-#ifndef TB_FREE_MEMORY_H
-#define TB_FREE_MEMORY_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -24,5 +23,3 @@ uint64_t TB_FreeMemory(const std::string& root, const std::vector<TB_ControlGrou
 
 // Bytes of this process that are in memory now; UINT64_MAX when the system does not say.
 uint64_t TB_ResidentMemory();
-
-#endif

@@ -1,6 +1,5 @@
 // State that a process has once, and that any thread may use.
-#ifndef TB_LOCKED_H
-#define TB_LOCKED_H
+#pragma once
 
 #include <mutex>
 
@@ -20,5 +19,3 @@ private:
   State& _state = Shared();
   std::lock_guard<std::mutex> _lock{_state.mutex};
 };
-
-#endif

@@ -1,6 +1,5 @@
 // Decoding of UTF-8 that may be damaged.
-#ifndef TB_TEXT_H
-#define TB_TEXT_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -22,5 +21,3 @@ TB_EXPORT TB_Character TB_FirstCharacter(std::string_view text);
 // Text that may hold a stranger's file name, safe for a terminal: control characters, except
 // `kept`, and bytes that are not UTF-8 become question marks.
 TB_EXPORT std::string TB_Printable(std::string_view text, char32_t kept = TB_STRAY_BYTE);
-
-#endif

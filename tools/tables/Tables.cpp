@@ -30,7 +30,7 @@ LM_light_UI WhiteLight(LM_light_type type) {
   light.on = 1;
   light.handle1 = {30, 30};
   light.handle2 = {-15, 15};
-  std::fill_n(light.color.component, LM_PLANES, std::uint16_t{65535});
+  std::fill_n(light.color.component, LM_PLANES, uint16_t{65535});
   light.intensity = 127;
   return light;
 }
@@ -46,7 +46,7 @@ double LightAt(const LM_light_UI& edited, int column) {
 
 void PrintSpreads(const std::vector<int>& spreads) {
   std::vector<LM_light> lights(spreads.size());
-  for (std::size_t i = 0; i < spreads.size(); ++i) {
+  for (size_t i = 0; i < spreads.size(); ++i) {
     LM_light_UI light = WhiteLight(LM_LIGHT_SPOT);
     light.spread = static_cast<int16_t>(spreads[i]);
     light.ConvertToRealLight(&lights[i], PREVIEW_PIXELS, 0);
@@ -101,11 +101,11 @@ void PrintSpots(int first, const std::vector<int>& seconds) {
 
 void PrintHeights(int amplitude, const std::vector<int>& values) {
   // Every row of the channel is the same, and its ends are repeated, as a host does.
-  const std::size_t count = values.size();
-  std::vector<std::uint8_t> row(count + 2);
-  for (std::size_t i = 0; i < row.size(); ++i)
-    row[i] = static_cast<std::uint8_t>(values[std::clamp<std::size_t>(i, 1, count) - 1]);
-  for (std::size_t i = 0; i < count; ++i)
+  const size_t count = values.size();
+  std::vector<uint8_t> row(count + 2);
+  for (size_t i = 0; i < row.size(); ++i)
+    row[i] = static_cast<uint8_t>(values[std::clamp<size_t>(i, 1, count) - 1]);
+  for (size_t i = 0; i < count; ++i)
     std::printf("%zu %.4f\n", i, LM_WeighHeight(&row[i], &row[i], &row[i], 2 * amplitude) / 4096.0);
 }
 

@@ -1,6 +1,5 @@
 // Controls behind their handles, and the definitions that come with the layer. Private to it.
-#ifndef CONTROL_BLOCK_H
-#define CONTROL_BLOCK_H
+#pragma once
 
 #include "Controls.h"
 
@@ -66,5 +65,3 @@ inline bool IsVisible(ControlHandle control) {
 inline bool IsActive(ControlHandle control) {
   return (**control).contrlHilite != 255;
 }
-
-#endif

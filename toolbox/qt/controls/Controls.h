@@ -5,8 +5,7 @@
 // A program registers further definitions by number and name. A control's definition can be
 // wrapped: put another handle made by NewControlDefinition into contrlDefProc, and call the one
 // that was there with CallControlDefinition.
-#ifndef MAC_CONTROLS_H
-#define MAC_CONTROLS_H
+#pragma once
 
 #include "MacMemory.h"
 #include "Menus.h"
@@ -112,5 +111,3 @@ TB_EXPORT intptr_t GetControlReference(ControlHandle control);
 TB_EXPORT void TB_TellControlBetween(ControlHandle control, short least, short most);
 // Tells the value, after a definition has changed it in the record by itself, as in a drag.
 TB_EXPORT void TB_TellControlValue(ControlHandle control);
-
-#endif

@@ -1,6 +1,5 @@
 // Menus behind their handles. Private to this layer.
-#ifndef MENU_BLOCK_H
-#define MENU_BLOCK_H
+#pragma once
 
 #include "Menus.h"
 #include "QDPorts.h"
@@ -14,5 +13,3 @@ QString MenuText(MenuHandle menu, int item);
 // Opens the menu over a point of the window's port with `item` at it, at least `width` units wide,
 // and waits. The item chosen, or 0.
 short OpenMenu(MenuHandle menu, WindowPtr window, Point place, short item, short width);
-
-#endif

@@ -1,6 +1,5 @@
 // Menus: lists of texts that popups show. Items count from 1.
-#ifndef MAC_MENUS_H
-#define MAC_MENUS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -17,5 +16,3 @@ TB_EXPORT void AppendMenu(MenuHandle menu, ConstStr255Param text);
 TB_EXPORT void DeleteMenuItem(MenuHandle menu, short item);
 // An empty text for an item that is not there.
 TB_EXPORT void GetMenuItemText(MenuHandle menu, short item, Str255 text);
-
-#endif

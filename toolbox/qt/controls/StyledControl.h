@@ -1,6 +1,5 @@
 // Drawing controls in the desktop's style, with the port's text settings. Private to this layer.
-#ifndef STYLED_CONTROL_H
-#define STYLED_CONTROL_H
+#pragma once
 
 #include "Controls.h"
 
@@ -15,5 +14,3 @@ QString ControlText(ControlHandle control);
 // Calls draw with a painter on the current port.
 void DrawStyled(ControlHandle control,
                 const std::function<void(QPainter& painter, const QStyle& style)>& draw);
-
-#endif

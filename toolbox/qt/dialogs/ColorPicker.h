@@ -1,6 +1,5 @@
 // The desktop's colour chooser.
-#ifndef MAC_COLOR_PICKER_H
-#define MAC_COLOR_PICKER_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -9,5 +8,3 @@
 // *outColor as it was.
 TB_EXPORT Boolean GetColor(Point where, ConstStr255Param prompt, const RGBColor* inColor,
                            RGBColor* outColor);
-
-#endif

@@ -1,6 +1,5 @@
 // A dialog's layout as its resource tells it. Private to this layer.
-#ifndef DIALOG_TEMPLATE_H
-#define DIALOG_TEMPLATE_H
+#pragma once
 
 #include "DialogWindow.h"
 
@@ -26,5 +25,3 @@ std::optional<DialogTemplate> LoadDialogTemplate(int16_t dialogID);
 // The next dialog made from that resource opens in the middle. Asked once per dialog made.
 void CentreNextDialog(int16_t dialogID);
 bool TakeCentring(int16_t dialogID);
-
-#endif

@@ -1,6 +1,5 @@
 // The real window behind a dialog's port, and the dialog's items. Private to this layer.
-#ifndef DIALOG_WINDOW_H
-#define DIALOG_WINDOW_H
+#pragma once
 
 #include "Dialogs.h"
 #include "PortState.h"
@@ -106,5 +105,3 @@ double RatioForNewWindow();
 WindowPtr WindowToUpdate();
 // The visible window opened last, or null.
 WindowPtr FrontWindow();
-
-#endif

@@ -29,8 +29,7 @@
 //   align             of a static text: left, center or right
 // Unknown members are ignored. Texts have ^0 to ^3 replaced when they are drawn. Another language's
 // file may change any member.
-#ifndef TOOLBOX_DIALOGS_H
-#define TOOLBOX_DIALOGS_H
+#pragma once
 
 #include "Controls.h"
 #include "Events.h"
@@ -108,5 +107,3 @@ TB_EXPORT void FlashDialogButton(DialogPtr dialog, int16_t item);
 // hit it. Assistive programs hit items in the same way. Closing the window, or the program, hits
 // item 2, or item 1 in a dialog without a button 2, again at every call. -1 when no dialog is open.
 TB_EXPORT void ModalDialog(ModalFilterUPP filter, int16_t* itemHit);
-
-#endif

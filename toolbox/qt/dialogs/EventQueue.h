@@ -1,6 +1,5 @@
 // What the loops of this layer take their events from. Private to this layer.
-#ifndef EVENT_QUEUE_H
-#define EVENT_QUEUE_H
+#pragma once
 
 #include "Events.h"
 #include "QDPorts.h"
@@ -13,5 +12,3 @@ enum { ITEM_CHANGED = 14, ITEM_PRESSED = 15 };
 // The next event and the window it belongs to, waiting up to milliseconds. False, and a null event,
 // when none came or the front window has been closed.
 bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseconds);
-
-#endif

@@ -1,7 +1,6 @@
 // Dialog utilities of the host process: movable modal dialogs, and the slider's indicator.
 // ShowAbout is in MacDialogs.h.
-#ifndef HOST_DIALOGS_H
-#define HOST_DIALOGS_H
+#pragma once
 
 #include "CVFilterRecord.h"
 #include "Dialogs.h"
@@ -29,5 +28,3 @@ TB_EXPORT void MoveableModalDialog(CVProcessEventProc processEvent, ModalFilterU
 // left to 5 right of the pen, in the pen's row and the 5 rows below it. Moves the pen back to where
 // it was. Between OpenRgn and CloseRgn its outline is recorded.
 TB_EXPORT void DrawPISlider();
-
-#endif

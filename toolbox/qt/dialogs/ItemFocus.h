@@ -3,8 +3,7 @@
 // F6 goes from item to item, Shift+F6 back, and Tab does where the program leaves it alone. The
 // item that has the keyboard is framed: Space presses it, and a slider or popup is changed by the
 // arrow keys, Page Up, Page Down, Home and End. Nothing has it until such a key asks for it.
-#ifndef ITEM_FOCUS_H
-#define ITEM_FOCUS_H
+#pragma once
 
 #include "DialogWindow.h"
 
@@ -29,5 +28,3 @@ bool TakeFocusKey(DialogWindow& window, const QKeyEvent& key);
 // item is hit, as if the mouse had done it.
 void RequestPress(const DialogWindow& window, int number);
 void RequestValue(const DialogWindow& window, int number, int value);
-
-#endif

@@ -1,6 +1,5 @@
 // Windows. A window is a port with a place on the screen; dialogs are the only kind made here.
-#ifndef MAC_WINDOWS_H
-#define MAC_WINDOWS_H
+#pragma once
 
 #include "QDPorts.h"
 #include "QDRegions.h"
@@ -18,5 +17,3 @@ TB_EXPORT Boolean GetAuxWin(WindowPtr window, AuxWinHandle* record);
 TB_EXPORT void ShowWindow(WindowPtr window);
 TB_EXPORT void SetWRefCon(WindowPtr window, intptr_t value);
 TB_EXPORT intptr_t GetWRefCon(WindowPtr window);
-
-#endif

@@ -1,10 +1,7 @@
 // Resources behind the handles of GetResource. Private to this layer.
-#ifndef RESOURCE_HANDLES_H
-#define RESOURCE_HANDLES_H
+#pragma once
 
 #include "MacTypes.h"
 
 // The number of the resource of that type behind a handle, or INT16_MIN.
 int16_t ResourceNumber(Handle resource, OSType type);
-
-#endif

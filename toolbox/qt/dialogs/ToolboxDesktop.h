@@ -1,6 +1,5 @@
 // The desktop under the Toolbox, for programs and hosts.
-#ifndef TOOLBOX_DESKTOP_H
-#define TOOLBOX_DESKTOP_H
+#pragma once
 
 #include "PixelMaps.h"
 
@@ -12,5 +11,3 @@
 TB_EXPORT bool TB_StartDesktop(int& argc, char** argv);
 // Whether dialogs can be shown: an application object exists.
 TB_EXPORT bool TB_HasDesktop();
-
-#endif

@@ -3,8 +3,7 @@
 // Every call here lets the desktop's own events run, so windows are repainted and timers fire
 // during a drag. Nothing spins: StillDown waits a moment for something to happen before it answers.
 // Option, Command and Shift are the Alt, Ctrl and Shift keys.
-#ifndef MAC_EVENTS_H
-#define MAC_EVENTS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -64,5 +63,3 @@ TB_EXPORT void GetKeys(KeyMap keys);
 // Puts a drag into the queue, from one point of the window's port to another, as if the mouse had
 // made it with no key held: for programs that can be used without a mouse.
 TB_EXPORT void TB_PostDrag(GrafPort* window, Point from, Point to);
-
-#endif

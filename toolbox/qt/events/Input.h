@@ -1,7 +1,6 @@
 // The state of mouse and keys, and the queue of events, as the desktop's events leave them. Private
 // to this layer.
-#ifndef INPUT_H
-#define INPUT_H
+#pragma once
 
 #include "Events.h"
 #include "PortState.h"
@@ -86,5 +85,3 @@ uint32_t TickCount();
 void RequestUpdate(PortState& state, const QRegion& units);
 // The character that a key types: ASCII, or the control characters that stand for keys; 0 for none.
 uint8_t CharacterOf(const QKeyEvent& event);
-
-#endif

@@ -3,8 +3,7 @@
 // A cursor is resource 'CURS': { "picture": "light.svg", "hotSpot": [8, 8], "size": 24 } (an SVG or
 // PNG beside the resource file, drawn `size` units wide and high, hot spot in those units), or
 // { "shape": "wait" } for one of the desktop's own: arrow, wait, cross, ibeam, hand, closedHand.
-#ifndef MAC_CURSORS_H
-#define MAC_CURSORS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -24,5 +23,3 @@ TB_EXPORT CursHandle GetCursor(short cursorID);
 TB_EXPORT void SetCursor(const Cursor* cursor);
 // Back to the arrow, or whatever each window asks for.
 TB_EXPORT void InitCursor();
-
-#endif

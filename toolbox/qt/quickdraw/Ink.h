@@ -1,6 +1,5 @@
 // Inks, and putting them on a port's image. Private to this layer.
-#ifndef INK_H
-#define INK_H
+#pragma once
 
 #include "PortState.h"
 
@@ -33,5 +32,3 @@ void ComposeRects(PortState& state, const QRect* begin, const QRect* end, const 
 void ComposeRegion(PortState& state, const QRegion& device, const Ink& ink);
 // Puts ink on a device path with smooth edges, within the clip.
 void ComposePath(PortState& state, const QPainterPath& path, const Ink& ink);
-
-#endif

@@ -1,6 +1,5 @@
 // Pictures from a host.
-#ifndef PIXEL_MAPS_H
-#define PIXEL_MAPS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -11,5 +10,3 @@
 // than grey (1) and RGB (3), more than 30000 pixels a side); memFullErr.
 TB_EXPORT int16_t ShowPixelMap(const CVPixelMap* map, const CVRect32* source, int32_t row,
                                int32_t column);
-
-#endif

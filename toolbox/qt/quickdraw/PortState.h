@@ -1,6 +1,5 @@
 // What a port holds behind its public fields. Private to this layer: Qt shows here.
-#ifndef PORT_STATE_H
-#define PORT_STATE_H
+#pragma once
 
 #include "QDPorts.h"
 #include "QDRegions.h"
@@ -103,5 +102,3 @@ inline QRect ToQRect(const Rect& rect) {
 }
 // Sides beyond 16 bits are cut to them.
 Rect ToRect(const QRect& rect);
-
-#endif

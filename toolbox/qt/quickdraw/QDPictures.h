@@ -5,8 +5,7 @@
 // picture: an SVG or PNG file beside the resource file. In an SVG the word currentColor stands for
 // the text colour of the theme. overlay: true for an icon that is drawn over what is there; any
 // other is drawn on the background colour.
-#ifndef QD_PICTURES_H
-#define QD_PICTURES_H
+#pragma once
 
 #include "QDPorts.h"
 #include "QDRegions.h"
@@ -30,5 +29,3 @@ TB_EXPORT const BitMap* GetPortBitMapForCopyBits(CGrafPtr port);
 // colour and back; the source does not count.
 TB_EXPORT void CopyBits(const BitMap* source, const BitMap* target, const Rect* sourceRect,
                         const Rect* targetRect, short mode, RgnHandle mask);
-
-#endif

@@ -8,8 +8,7 @@
 // a window, inks are exactly the colours asked for. On a dialog's own background the neutral inks
 // of RGBForeColor follow the desktop's theme: black is its text colour, white its window colour,
 // greys lie between, so that a dark theme stays legible. Pixel patterns are exact everywhere.
-#ifndef QD_PORTS_H
-#define QD_PORTS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -116,5 +115,3 @@ struct QDGlobals {
   Pattern black;
 };
 TB_EXPORT extern const QDGlobals qd;
-
-#endif

@@ -1,6 +1,5 @@
 // Regions and clipping. Rectangle arithmetic is in MacTypes.h.
-#ifndef QD_REGIONS_H
-#define QD_REGIONS_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -38,5 +37,3 @@ TB_EXPORT void ClipRect(const Rect* rect);
 void AddPt(Point source, Point* target);
 void SubPt(Point source, Point* target);
 TB_EXPORT Boolean EqualPt(Point a, Point b);
-
-#endif

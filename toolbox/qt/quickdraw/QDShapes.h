@@ -6,8 +6,7 @@
 // always copied whatever the pen's mode.
 // Exclusive-or and highlight figures have hard edges at every ratio, so they undo themselves
 // exactly. At ratio 1 all but rounded rectangles do; above, the other modes smooth slanted edges.
-#ifndef QD_SHAPES_H
-#define QD_SHAPES_H
+#pragma once
 
 #include "QDPorts.h"
 
@@ -30,5 +29,3 @@ TB_EXPORT void FillCOval(const Rect* rect, PixPatHandle pattern);
 
 // ovalWidth, ovalHeight: diameters of the corners.
 TB_EXPORT void FrameRoundRect(const Rect* rect, short ovalWidth, short ovalHeight);
-
-#endif

@@ -2,8 +2,7 @@
 //
 // Font 0 at size 0 is the text of full-sized controls (13 units high), font 1 at size 9 that of
 // small labels (11 units). A size other than 0 is drawn size * 1.2 units high.
-#ifndef QD_TEXT_H
-#define QD_TEXT_H
+#pragma once
 
 #include "MacTypes.h"
 
@@ -18,5 +17,3 @@ TB_EXPORT void TextFace(short face);
 TB_EXPORT void DrawString(ConstStr255Param text);
 // Width in units, rounded up; the same at every pixel ratio.
 TB_EXPORT short StringWidth(ConstStr255Param text);
-
-#endif

@@ -1,6 +1,5 @@
 // Which device pixels a figure covers. Private to this layer.
-#ifndef RASTER_H
-#define RASTER_H
+#pragma once
 
 #include "PortState.h"
 
@@ -19,5 +18,3 @@ std::vector<QRect> LinePixels(QPoint from, QPoint to, int thickness, const QRect
 QRegion ThickLinePixels(QPoint from, QPoint to, int penWidth, int penHeight, const QRect& visible);
 // Pixels whose middles are surrounded an odd number of times.
 QRegion SurroundedPixels(const std::vector<RecordedLine>& lines);
-
-#endif

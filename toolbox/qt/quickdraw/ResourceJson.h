@@ -1,7 +1,6 @@
 // Members of a resource, with a fallback where one is missing or of another kind. Private to this
 // layer.
-#ifndef RESOURCE_JSON_H
-#define RESOURCE_JSON_H
+#pragma once
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -15,5 +14,3 @@ int IntMember(const nlohmann::json& object, const char* name, int fallback, int 
 // Whole numbers of a list, each cut to 32 bits; empty unless all are numbers.
 std::vector<int> IntsMember(const nlohmann::json& object, const char* name);
 std::vector<std::string> StringsMember(const nlohmann::json& object, const char* name);
-
-#endif

@@ -1,6 +1,5 @@
 // Pictures of icons and cursors, from the program's resources. Private to this layer.
-#ifndef RESOURCE_PICTURES_H
-#define RESOURCE_PICTURES_H
+#pragma once
 
 #include <QByteArray>
 #include <QImage>
@@ -21,5 +20,3 @@ ResourcePicture LoadResourcePicture(const char* type, short number);
 // The picture drawn at that many pixels, transparent outside it; null when it cannot be read.
 // themed: currentColor is the theme's text colour, else black.
 QImage DrawResourcePicture(const ResourcePicture& picture, QSize size, bool themed);
-
-#endif

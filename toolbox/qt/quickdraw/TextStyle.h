@@ -1,6 +1,5 @@
 // Drawing into a port with a QPainter: text, controls, pictures. Private to this layer.
-#ifndef TEXT_STYLE_H
-#define TEXT_STYLE_H
+#pragma once
 
 #include "PortState.h"
 
@@ -26,5 +25,3 @@ public:
 private:
   PortState& _state;
 };
-
-#endif
