@@ -55,7 +55,8 @@ int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals) {
   int32_t row[LM_RENDER_BLOCK + LM_KERNEL_SLACK];
   for (int32_t x = 0; x < columns; x += LM_RENDER_BLOCK) {
     const int32_t count = std::min(columns - x, LM_RENDER_BLOCK);
-    LM_height_rows heights(plane, plane.bounds, x + 2, count, map.scale, LM_BestKernels(), taps);
+    LM_height_rows heights(plane, LM_pixel_kind::Bytes, plane.bounds, x + 2, count, map.scale,
+                           LM_BestKernels(), {&taps, nullptr});
     for (int32_t y = 0; y < rows; ++y) {
       heights.Make(y + 2, row);
       std::copy_n(row, count, map.heights + static_cast<size_t>(y) * map.width + x);

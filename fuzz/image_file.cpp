@@ -54,9 +54,8 @@ void Read(const std::string& path, size_t choice) {
   const vips::VImage header = OpenImage(path);
   if (header.width() > LARGEST_SIDE || header.height() > LARGEST_SIDE || header.bands() > 20)
     return;
-  std::vector<std::string> notices;
   if (choice % 4 == 0) {
-    const GreyImage grey = ReadGreyImage(path, notices);
+    const GreyImage grey = ReadGreyImage(path);
     Check(grey.pixels.size() == static_cast<size_t>(grey.width) * static_cast<size_t>(grey.height),
           "a grey image is one plane");
     return;

@@ -13,12 +13,15 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
-HWY_INLINE void AddFlatOmni(LightSums& sums, const LM_kernel_light& light, Floats inverse) {
+// sums: LightSums, or those of deep pixels.
+template <class Sums>
+HWY_INLINE void AddFlatOmni(Sums& sums, const LM_kernel_light& light, Floats inverse) {
   AddColor(sums.diffuse, light, hn::Mul(SetFloat(light.z), inverse));
   AddColor(sums.specular, light, hn::Mul(SetFloat(light.zSquare), inverse));
 }
 
-HWY_INLINE void AddFlatSpot(LightSums& sums, const LM_kernel_light& light, Floats inverse,
+template <class Sums>
+HWY_INLINE void AddFlatSpot(Sums& sums, const LM_kernel_light& light, Floats inverse,
                             Floats falloff) {
   AddColor(sums.diffuse, light, hn::Mul(hn::Mul(SetFloat(light.z), falloff), inverse));
   AddColor(sums.specular, light, hn::Mul(hn::Mul(SetFloat(light.zSquare), inverse), falloff));

@@ -19,25 +19,23 @@
 namespace {
 
 // Everything about a directional light is the same for all samples.
-void ShadeDirectional(const LM_light& light, int n, LM_color96* diffuse, LM_color96* specular) {
+template <class Color>
+void ShadeDirectional(const LM_light& light, int n, Color* diffuse, Color* specular) {
   const LM_vector3f& toLight = light.direction;
   const float inverse = LM_InverseLength(toLight.x, toLight.y, toLight.z);
-  LM_color96 diffuseLight = {};
-  LM_color96 specularLight = {};
+  Color diffuseLight = {};
+  Color specularLight = {};
   LM_AddLight(diffuseLight, light.color, toLight.z * inverse);
   LM_AddLight(specularLight, light.color, (toLight.z * toLight.z) * inverse);
   for (int i = 0; i < n; ++i) {
-    for (int plane = 0; plane < LM_PLANES; ++plane) {
-      diffuse[i].component[plane] =
-          LM_WrapAdd(diffuse[i].component[plane], diffuseLight.component[plane]);
-      specular[i].component[plane] =
-          LM_WrapAdd(specular[i].component[plane], specularLight.component[plane]);
-    }
+    LM_AddSum(diffuse[i], diffuseLight);
+    LM_AddSum(specular[i], specularLight);
   }
 }
 
-void ShadeOmni(const LM_light& light, int n, const LM_vector2f* positions, LM_color96* diffuse,
-               LM_color96* specular) {
+template <class Color>
+void ShadeOmni(const LM_light& light, int n, const LM_vector2f* positions, Color* diffuse,
+               Color* specular) {
   const float z = light.position.z;
   for (int i = 0; i < n; ++i) {
     const float x = light.position.x - positions[i].x;
@@ -48,8 +46,9 @@ void ShadeOmni(const LM_light& light, int n, const LM_vector2f* positions, LM_co
   }
 }
 
-void ShadeSpot(const LM_light& light, int n, const LM_vector2f* positions, LM_color96* diffuse,
-               LM_color96* specular) {
+template <class Color>
+void ShadeSpot(const LM_light& light, int n, const LM_vector2f* positions, Color* diffuse,
+               Color* specular) {
   const float z = light.position.z;
   for (int i = 0; i < n; ++i) {
     const float x = light.position.x - positions[i].x;
@@ -58,9 +57,29 @@ void ShadeSpot(const LM_light& light, int n, const LM_vector2f* positions, LM_co
     const float cosine = LM_SpotCosine(light, x, y, z, inverse);
     if (!(cosine > light.cosCutoff))
       continue;
-    const float falloff = LM_SpreadAt(light, cosine);
+    const float falloff = LM_FalloffAt(light, cosine, diffuse);
     LM_AddLight(diffuse[i], light.color, (z * falloff) * inverse);
     LM_AddLight(specular[i], light.color, ((z * z) * inverse) * falloff);
+  }
+}
+
+template <class Color>
+void Shade(const LM_light& light, int n, const LM_vector2f* positions, Color* diffuse,
+           Color* specular) {
+  if (!LM_IsAboveSurface(light))
+    return;
+  switch (light.type) {
+  case LM_LIGHT_DIRECTIONAL:
+    ShadeDirectional(light, n, diffuse, specular);
+    break;
+  case LM_LIGHT_OMNI:
+    ShadeOmni(light, n, positions, diffuse, specular);
+    break;
+  case LM_LIGHT_SPOT:
+    ShadeSpot(light, n, positions, diffuse, specular);
+    break;
+  default:
+    break;
   }
 }
 
@@ -101,21 +120,12 @@ uint8_t OutputByte(int32_t combined, int32_t exposure) {
 
 void LM_ShadeLight(const LM_light& light, unsigned short n, const LM_vector2f* positions,
                    LM_color96* diffuse, LM_color96* specular) {
-  if (!LM_IsAboveSurface(light))
-    return;
-  switch (light.type) {
-  case LM_LIGHT_DIRECTIONAL:
-    ShadeDirectional(light, n, diffuse, specular);
-    break;
-  case LM_LIGHT_OMNI:
-    ShadeOmni(light, n, positions, diffuse, specular);
-    break;
-  case LM_LIGHT_SPOT:
-    ShadeSpot(light, n, positions, diffuse, specular);
-    break;
-  default:
-    break;
-  }
+  Shade(light, n, positions, diffuse, specular);
+}
+
+void LM_ShadeDeepLight(const LM_light& light, const LM_vector2f& position, LM_deep_color& diffuse,
+                       LM_deep_color& specular) {
+  Shade(light, 1, &position, &diffuse, &specular);
 }
 
 void LM_Combine(const foo* params, unsigned short n, const uint8_t* source,

@@ -1,36 +1,71 @@
 #include "LM_height_rows.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 
 #include "LM_heights.h"
 
-void LM_height_rows::_FillTaps(int32_t y) {
+namespace {
+
+uint16_t ReadWord(const uint8_t* bytes) {
+  uint16_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+uint16_t ReadFloat(const uint8_t* bytes) {
+  float value;
+  std::memcpy(&value, bytes, sizeof value);
+  const float limited = value > 0.0F ? std::min(value, 1.0F) : 0.0F;
+  return static_cast<uint16_t>(std::nearbyint(limited * 65535.0F));
+}
+
+} // namespace
+
+template <class Tap, class Read> void LM_height_rows::_FillTaps(int32_t y, Tap* taps, Read read) {
   const int32_t row = std::clamp(y, _edges.top, _edges.bottom - 1);
   const int32_t begin = _first - 1;
   const int32_t end = _first + _count + 1;
   const int32_t left = std::clamp(begin, _edges.left, _edges.right - 1);
   const int32_t right = std::clamp(end, left + 1, _edges.right);
   const uint8_t* pixel = _plane.At(left, row);
-  uint8_t* const taps = _taps.At(y);
-  uint8_t* out = std::fill_n(taps, std::min(left, end) - begin, *pixel);
-  if (_plane.pixelStep == 1) {
-    out = std::copy_n(pixel, right - left, out);
+  Tap* out = std::fill_n(taps, std::min(left, end) - begin, read(pixel));
+  if (sizeof(Tap) == 1 && _plane.pixelStep == 1) {
+    std::memcpy(out, pixel, static_cast<size_t>(right - left));
+    out += right - left;
   } else {
     for (int32_t x = left; x < right; ++x, pixel += _plane.pixelStep)
-      *out++ = *pixel;
+      *out++ = read(pixel);
   }
-  std::fill_n(out, end - begin - (out - taps), *_plane.At(right - 1, row));
+  std::fill_n(out, end - begin - (out - taps), read(_plane.At(right - 1, row)));
+}
+
+void LM_height_rows::_FillTaps(int32_t y) {
+  if (_kind == LM_pixel_kind::Bytes)
+    _FillTaps(y, _taps.bytes->At(y), [](const uint8_t* byte) { return *byte; });
+  else if (_kind == LM_pixel_kind::Words)
+    _FillTaps(y, _taps.words->At(y), ReadWord);
+  else
+    _FillTaps(y, _taps.words->At(y), ReadFloat);
 }
 
 void LM_height_rows::Make(int32_t y, int32_t* heights) {
   for (int32_t row = _hasRowsAbove ? y + 1 : y - 1; row <= y + 1; ++row)
     _FillTaps(row);
   _hasRowsAbove = true;
-  const uint8_t* const taps[3] = {_taps.At(y - 1), _taps.At(y), _taps.At(y + 1)};
-  if (_kernels != nullptr) {
-    _kernels->heights(taps, _count, _scale, heights);
+  const auto weigh = [&](const auto* above, const auto* middle, const auto* below) {
+    for (int i = 0; i < _count; ++i)
+      heights[i] = LM_WeighHeight(above + i, middle + i, below + i, _scale);
+  };
+  if (_kind != LM_pixel_kind::Bytes) {
+    weigh(_taps.words->At(y - 1), _taps.words->At(y), _taps.words->At(y + 1));
     return;
   }
-  for (int i = 0; i < _count; ++i)
-    heights[i] = LM_WeighHeight(taps[0] + i, taps[1] + i, taps[2] + i, _scale);
+  const uint8_t* const taps[3] = {_taps.bytes->At(y - 1), _taps.bytes->At(y),
+                                  _taps.bytes->At(y + 1)};
+  if (_kernels != nullptr)
+    _kernels->heights(taps, _count, _scale, heights);
+  else
+    weigh(taps[0], taps[1], taps[2]);
 }

@@ -1,4 +1,4 @@
-// Rows of heights, filtered from a plane of bytes from the top down.
+// Rows of heights, filtered from a plane of any kind of pixel from the top down.
 #pragma once
 
 #include "LM_image.h"
@@ -15,13 +15,21 @@ template <class Element> struct LM_row_ring {
   Element* At(int32_t y) { return row[(y + 3) % 3]; } // y from -3
 };
 
+// Three rows of a plane: bytes, or words for a plane of more. Only the one is used.
+struct LM_tap_rows {
+  LM_row_ring<uint8_t>* bytes;
+  LM_row_ring<uint16_t>* words;
+};
+
 // Of `count` columns from `first` on, LM_RENDER_BLOCK + 2 at most. Beyond the edges, which lie in
-// the plane's bounds, the bytes at the edge go on. The plane and the ring outlive it.
+// the plane's bounds, what is at the edge goes on. A float counts from 0 to 1, rounded to 16 bits.
+// The plane and the rings outlive it.
 class LM_height_rows {
 public:
-  LM_height_rows(const LM_source_view& plane, const LM_rect& edges, int32_t first, int count,
-                 int32_t scale, const LM_kernels* kernels, LM_row_ring<uint8_t>& taps)
-      : _plane(plane), _edges(edges), _first(first), _count(count), _scale(scale),
+  LM_height_rows(const LM_source_view& plane, LM_pixel_kind kind, const LM_rect& edges,
+                 int32_t first, int count, int32_t scale, const LM_kernels* kernels,
+                 const LM_tap_rows& taps)
+      : _plane(plane), _kind(kind), _edges(edges), _first(first), _count(count), _scale(scale),
         _kernels(kernels), _taps(taps) {}
 
   // Makes the heights of row y. Once the first row is made, the one below each time. heights: room
@@ -29,14 +37,16 @@ public:
   void Make(int32_t y, int32_t* heights);
 
 private:
+  template <class Tap, class Read> void _FillTaps(int32_t y, Tap* taps, Read read);
   void _FillTaps(int32_t y);
 
   LM_source_view _plane;
+  LM_pixel_kind _kind;
   LM_rect _edges;
   int32_t _first;
   int _count;
   int32_t _scale;
   const LM_kernels* _kernels;
-  LM_row_ring<uint8_t>& _taps;
+  LM_tap_rows _taps;
   bool _hasRowsAbove = false;
 };

@@ -11,12 +11,26 @@ void LM_SetUpHeightFilter(LM_bump_map* map) {
   std::copy(&WEIGHTS[0][0], &WEIGHTS[0][0] + 25, &map->kernel[0][0]);
 }
 
+namespace {
+
+// 72 weights over 68: the gain is part of the look.
+constexpr int32_t GAIN = 68;
+
+template <class Tap> int32_t WeighTaps(const Tap* above, const Tap* middle, const Tap* below) {
+  return 2 * above[0] + 8 * above[1] + 2 * above[2] + 8 * middle[0] + 32 * middle[1] +
+         8 * middle[2] + 2 * below[0] + 8 * below[1] + 2 * below[2];
+}
+
+} // namespace
+
 int32_t LM_WeighHeight(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
                        int32_t scale) {
-  const int32_t sum = 2 * above[0] + 8 * above[1] + 2 * above[2] + 8 * middle[0] + 32 * middle[1] +
-                      8 * middle[2] + 2 * below[0] + 8 * below[1] + 2 * below[2];
-  // 72 weights over 68: the gain is part of the look.
-  return LM_WrapMultiply(sum, scale) / 68;
+  return LM_WrapMultiply(WeighTaps(above, middle, below), scale) / GAIN;
+}
+
+int32_t LM_WeighHeight(const uint16_t* above, const uint16_t* middle, const uint16_t* below,
+                       int32_t scale) {
+  return static_cast<int32_t>(int64_t{WeighTaps(above, middle, below)} * scale / (257 * GAIN));
 }
 
 int32_t LM_FilterHeight(const uint8_t* source, uint32_t rowBytes, int32_t scale,

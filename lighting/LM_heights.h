@@ -24,6 +24,10 @@ void LM_SetUpHeightFilter(LM_bump_map* map);
 int32_t LM_WeighHeight(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
                        int32_t scale);
 
+// The same of 16-bit words: 257 times a byte gives the byte's height. In 64 bits.
+int32_t LM_WeighHeight(const uint16_t* above, const uint16_t* middle, const uint16_t* below,
+                       int32_t scale);
+
 // The height in the middle of a 5 x 5 block of channel bytes, `source` its top-left corner. Only
 // the inner 3 x 3 is read, with fixed weights; the kernel is accepted for the callers' sake. Wraps
 // at 32 bits.

@@ -1,4 +1,4 @@
-// Views of 8-bit pixels that lie somewhere in an image.
+// Views of pixels that lie somewhere in an image.
 //
 // A view names the part of the image that its memory holds, in the image's own coordinates, so a
 // strip, a tile and a whole image are all described alike. Nothing is owned. Rows may run upwards
@@ -7,6 +7,16 @@
 
 #include <cstddef>
 #include <cstdint>
+
+// What a pixel's components are, in this machine's byte order.
+enum class LM_pixel_kind {
+  Bytes,
+  Words, // 16 bits
+  Floats // 1.0 is white; what is darker than black or brighter than white is kept
+};
+constexpr int LM_ComponentBytes(LM_pixel_kind kind) {
+  return kind == LM_pixel_kind::Bytes ? 1 : kind == LM_pixel_kind::Words ? 2 : 4;
+}
 
 // A rectangle in pixels: bottom and right are exclusive.
 struct LM_rect {
@@ -22,7 +32,8 @@ inline bool LM_Contains(const LM_rect& outer, const LM_rect& inner) {
          inner.right <= outer.right;
 }
 
-// Byte: uint8_t, or const uint8_t for pixels that are only read.
+// Byte: uint8_t, or const uint8_t for pixels that are only read, of whatever kind they are.
+// Components need no alignment.
 template <class Byte> struct LM_view {
   Byte* pixels;        // the pixel at (bounds.left, bounds.top), or null for none
   ptrdiff_t rowStride; // bytes from a pixel to the one below

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <numeric>
 
 #include "LM_light_sums.h"
 
@@ -124,6 +125,14 @@ void AddLights(LM_sorted_lights& sorted, const foo& params, LM_light_type type, 
   }
 }
 
+void Order(LM_sorted_lights& sorted) {
+  uint8_t* const ordered = sorted.kernel.ordered;
+  const int count = sorted.kernel.Count();
+  std::iota(ordered, ordered + count, uint8_t{0});
+  std::sort(ordered, ordered + count,
+            [&](uint8_t a, uint8_t b) { return sorted.source[a] < sorted.source[b]; });
+}
+
 } // namespace
 
 LM_sorted_lights LM_SortLights(const foo& params, bool flat) {
@@ -132,6 +141,7 @@ LM_sorted_lights LM_SortLights(const foo& params, bool flat) {
   AddLights(sorted, params, LM_LIGHT_OMNI, flat, sorted.kernel.omnis);
   AddLights(sorted, params, LM_LIGHT_SPOT, flat, sorted.kernel.spots);
   AddLights(sorted, params, LM_LIGHT_DIRECTIONAL, flat, sorted.kernel.directionals);
+  Order(sorted);
   return sorted;
 }
 

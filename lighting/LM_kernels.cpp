@@ -18,6 +18,7 @@
 #define LM_TARGET_HAS_KERNELS 0
 #else
 #define LM_TARGET_HAS_KERNELS 1
+#include "LM_deep_kernel-inl.h"
 #include "LM_flat_kernel-inl.h"
 #include "LM_pixel_kernels-inl.h"
 #include "LM_relief_kernel-inl.h"
@@ -37,6 +38,7 @@ const LM_kernels* TargetKernels() {
                                      LightFlat,
                                      FilterHeights,
                                      LightRelief,
+                                     LightDeep,
                                      SumLights,
                                      ReciprocalRoots};
   return &kernels;

@@ -33,6 +33,7 @@ struct LM_kernel_light {
 struct LM_kernel_lights {
   int omnis, spots, directionals;
   LM_kernel_light light[LM_MAX_LIGHTS];
+  uint8_t ordered[LM_MAX_LIGHTS]; // their places above, in the order of the block
   // What every sample has before these lights: ambient light, and what is the same everywhere.
   int32_t diffuse[LM_PLANES], specular[LM_PLANES];
 
@@ -46,6 +47,11 @@ struct LM_kernel_surface {
 // The bytes of a row by plane; lit in place.
 struct LM_kernel_planes {
   uint8_t* plane[LM_PLANES];
+};
+
+// A row's components of more than 8 bits by plane, 255 for white; lit in place.
+struct LM_deep_planes {
+  float* plane[LM_PLANES];
 };
 
 // Where what one light gives to each sample is kept; null where it is not.
@@ -77,6 +83,10 @@ struct LM_kernels {
   // Lights n pixels in relief. heights: three rows, each starting one pixel to the left.
   void (*relief)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
                  int n, const int32_t* const heights[3], const LM_kernel_planes& planes);
+  // Lights n pixels of more than 8 bits, all lights in their order, directional ones too. heights:
+  // as for relief, or null for a flat surface.
+  void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
+               int n, const int32_t* const* heights, const LM_deep_planes& planes);
   // Adds the lights to the samples' sums, and stores each light's part; parts go with the lights.
   void (*sum)(const LM_kernel_lights& lights, const LM_kernel_part* parts,
               const LM_kernel_samples& samples);

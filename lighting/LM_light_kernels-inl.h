@@ -23,6 +23,8 @@ struct SpotFalloff {
   Mask inside;
   Floats falloff; // anything outside
 };
+// smooth: between the table's entries too, for deep pixels.
+template <bool smooth>
 HWY_INLINE SpotFalloff FalloffAt(const LM_kernel_light& light, Floats x, Floats inverse) {
   const Floats inPlane = hn::Add(hn::Mul(SetFloat(light.axisX), x), SetFloat(light.axisY));
   const Floats along = hn::Add(inPlane, SetFloat(light.axisZ));
@@ -35,7 +37,14 @@ HWY_INLINE SpotFalloff FalloffAt(const LM_kernel_light& light, Floats x, Floats 
   // Clamped before it is truncated, which is the same for every number.
   const Floats last = SetFloat(static_cast<float>(LM_SPREAD_ENTRIES - 1));
   const Floats clamped = hn::Min(hn::Max(entry, hn::Zero(FloatTag())), last);
-  return {inside, hn::GatherIndex(FloatTag(), light.spreadTable, Truncate(clamped))};
+  const Ints index = Truncate(clamped);
+  const Floats here = hn::GatherIndex(FloatTag(), light.spreadTable, index);
+  if constexpr (!smooth)
+    return {inside, here};
+  const Ints after = hn::Min(hn::Add(index, SetInt(1)), SetInt(LM_SPREAD_ENTRIES - 1));
+  const Floats next = hn::GatherIndex(FloatTag(), light.spreadTable, after);
+  const Floats way = hn::Sub(clamped, hn::ConvertTo(FloatTag(), index));
+  return {inside, hn::Add(here, hn::Mul(hn::Sub(next, here), way))};
 }
 
 // The lights as the samples of one vector see them: omnis and directional ones, then those spots
@@ -47,9 +56,10 @@ struct SampleLights {
   Floats falloff[LM_MAX_LIGHTS]; // of spots
 };
 
+template <bool smooth>
 HWY_INLINE void AddSpotInReach(const LM_kernel_light& light, Floats x, Floats inverse,
                                SampleLights& at) {
-  const SpotFalloff reach = FalloffAt(light, x, inverse);
+  const SpotFalloff reach = FalloffAt<smooth>(light, x, inverse);
   if (hn::AllFalse(FloatTag(), reach.inside))
     return;
   const int k = at.count++;
@@ -107,10 +117,10 @@ HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, const float* places
     at[v].plain = at[v].count;
   for (const LM_kernel_light* light = spots; light != directionals; ++light) {
     const FourWays ways = WaysTo(*light, four);
-    AddSpotInReach(*light, ways.x.v0, ways.inverse.v0, at[0]);
-    AddSpotInReach(*light, ways.x.v1, ways.inverse.v1, at[1]);
-    AddSpotInReach(*light, ways.x.v2, ways.inverse.v2, at[2]);
-    AddSpotInReach(*light, ways.x.v3, ways.inverse.v3, at[3]);
+    AddSpotInReach<false>(*light, ways.x.v0, ways.inverse.v0, at[0]);
+    AddSpotInReach<false>(*light, ways.x.v1, ways.inverse.v1, at[1]);
+    AddSpotInReach<false>(*light, ways.x.v2, ways.inverse.v2, at[2]);
+    AddSpotInReach<false>(*light, ways.x.v3, ways.inverse.v3, at[3]);
   }
 }
 

@@ -17,6 +17,14 @@ void LM_ShadeLightBumps(const LM_light& light, uint32_t count, const LM_vector2f
                         const LM_vector3f* normals, LM_color96* diffuse, LM_color96* specular,
                         const int32_t* weights);
 
+// The same two for pixels of more than 8 bits: for one sample of a flat surface, and for the four
+// facets of one pixel.
+void LM_ShadeDeepLight(const LM_light& light, const LM_vector2f& position, LM_deep_color& diffuse,
+                       LM_deep_color& specular);
+void LM_ShadeDeepFacets(const LM_light& light, const LM_vector2f& position,
+                        const LM_vector3f (&normals)[4], LM_deep_color (&diffuse)[4],
+                        LM_deep_color (&specular)[4]);
+
 // Combines the sums of n samples with ambient light, surface colour, gloss, material and exposure
 // into 3 bytes a sample. combined: room for 3 n integers.
 void LM_Combine(const foo* params, unsigned short n, const uint8_t* source,

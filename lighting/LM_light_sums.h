@@ -41,6 +41,40 @@ inline void LM_AddLight(LM_color96& sum, const LM_color96& color, float factor) 
   }
 }
 
+inline void LM_AddSum(LM_color96& sum, const LM_color96& part) {
+  for (int plane = 0; plane < LM_PLANES; ++plane)
+    sum.component[plane] = LM_WrapAdd(sum.component[plane], part.component[plane]);
+}
+
+// A deep sum takes the product as it is; NaN adds 0 here too.
+inline void LM_AddLight(LM_deep_color& sum, const LM_color96& color, float factor) {
+  for (int plane = 0; plane < LM_PLANES; ++plane) {
+    const float part = static_cast<float>(color.component[plane]) * factor;
+    sum.component[plane] += part == part ? part : 0.0F;
+  }
+}
+
+inline void LM_AddSum(LM_deep_color& sum, const LM_deep_color& part) {
+  for (int plane = 0; plane < LM_PLANES; ++plane)
+    sum.component[plane] += part.component[plane];
+}
+
+// A spot's falloff for the sums at hand. A deep picture would show the table's steps, so the
+// falloff goes on linearly from entry to entry; the last one stands for itself.
+inline float LM_FalloffAt(const LM_light& light, float cosine, const LM_color96*) {
+  return LM_SpreadAt(light, cosine);
+}
+inline float LM_FalloffAt(const LM_light& light, float cosine, const LM_deep_color*) {
+  constexpr int LAST = LM_SPREAD_ENTRIES - 1;
+  const float place = (cosine - light.spreadMinCos) * light.spreadScale;
+  const float entry =
+      place > 0.0F ? (place < static_cast<float>(LAST) ? place : static_cast<float>(LAST)) : 0.0F;
+  const int index = static_cast<int>(entry);
+  const float here = light.spreadTable[index];
+  const float next = light.spreadTable[index < LAST ? index + 1 : LAST];
+  return here + (next - here) * (entry - static_cast<float>(index));
+}
+
 void LM_ClearSums(LM_color96* sums, int n);
 // Adds n sums to others, which must not overlap them.
 void LM_AddSums(const LM_color96* part, int n, LM_color96* sums);

@@ -92,12 +92,18 @@ void LM_SelectLights(const LM_kernel_lights& row, uint32_t lights, LM_kernel_lig
   selected.omnis = row.omnis;
   selected.spots = 0;
   selected.directionals = row.directionals;
-  int count = 0;
+  uint8_t places[LM_MAX_LIGHTS] = {};
+  uint8_t count = 0;
   for (int k = 0; k < row.Count(); ++k) {
     if ((lights >> k & 1U) == 0)
       continue;
+    places[k] = count;
     selected.light[count++] = row.light[k];
     if (k >= row.omnis && k < row.omnis + row.spots)
       ++selected.spots;
   }
+  count = 0;
+  for (int i = 0; i < row.Count(); ++i)
+    if ((lights >> row.ordered[i] & 1U) != 0)
+      selected.ordered[count++] = places[row.ordered[i]];
 }

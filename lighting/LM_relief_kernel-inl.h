@@ -90,8 +90,8 @@ HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
   return out;
 }
 
-template <bool spot>
-HWY_INLINE void AddFacetLight(LightSums& sums, const LM_kernel_light& light, const Facet& facet,
+template <bool spot, class Sums>
+HWY_INLINE void AddFacetLight(Sums& sums, const LM_kernel_light& light, const Facet& facet,
                               Floats x, Floats inverse, Floats falloff) {
   const Floats zero = hn::Zero(FloatTag());
   const Floats y = SetFloat(light.y);

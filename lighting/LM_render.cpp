@@ -85,6 +85,7 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
 struct LM_render_scratch {
   LM_row_buffers buffers;
   LM_scratch_rows samples;
+  LM_deep_buffers deep;
 };
 
 void LM_render_scratch_deleter::operator()(LM_render_scratch* scratch) const {
@@ -115,7 +116,10 @@ LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& 
                     views.output,
                     views.relief,
                     {0, 0, job.imageHeight, job.imageWidth},
-                    nullptr};
+                    nullptr,
+                    views.kind,
+                    views.reliefKind,
+                    &scratch.deep};
   for (int32_t x = rect.left; x < rect.right; x += LM_RENDER_BLOCK) {
     piece.rect.left = x;
     piece.rect.right = std::min(rect.right, x + LM_RENDER_BLOCK);

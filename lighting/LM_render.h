@@ -49,7 +49,7 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
 
 // Room to work in, of at most LM_MOST_SCRATCH_BYTES: to be allocated by the caller, one for each
 // thread, and kept from call to call. Holds nothing between calls.
-constexpr size_t LM_MOST_SCRATCH_BYTES = 110'000;
+constexpr size_t LM_MOST_SCRATCH_BYTES = 126'000;
 struct LM_render_scratch;
 struct LM_render_scratch_deleter {
   void operator()(LM_render_scratch* scratch) const;
@@ -58,15 +58,18 @@ using LM_render_scratch_pointer = std::unique_ptr<LM_render_scratch, LM_render_s
 // Null when memory is short.
 LM_render_scratch_pointer LM_NewRenderScratch();
 
-// What a call reads and writes. source and output: planes 0 to 2 are the first three bytes of a
-// pixel; further bytes of the output are left alone. They may be the same pixels. relief: the first
-// byte of a pixel is its height; its pixels are null for a flat surface. Beyond the image its edge
-// goes on, so the view has to hold the rectangle grown by LM_RELIEF_REACH and cut to the image. It
-// must not overlap the output.
+// What a call reads and writes. source and output: planes 0 to 2 are the first three components of
+// a pixel; further bytes of the output are left alone. They may be the same pixels. relief: the
+// first component of a pixel is its height; its pixels are null for a flat surface. Beyond the
+// image its edge goes on, so the view has to hold the rectangle grown by LM_RELIEF_REACH and cut to
+// the image. It must not overlap the output. kind: of the source's and the output's components
+// alike, the first three of a pixel; reliefKind: of the relief's. Pixels of more than 8 bits are
+// lit in the arithmetic of LM_deep_pixels.h, whatever the relief's kind; bytes in that of bytes.
 struct LM_render_views {
   LM_source_view source;
   LM_output_view output;
   LM_source_view relief;
+  LM_pixel_kind kind = LM_pixel_kind::Bytes, reliefKind = LM_pixel_kind::Bytes;
 };
 
 // Lights the pixels of `rect`, in image coordinates. An empty one is done at once. With any result

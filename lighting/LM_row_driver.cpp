@@ -18,9 +18,11 @@ void Unpack(const uint8_t* packed, uint32_t n, uint8_t* pixels, ptrdiff_t step) 
 }
 
 // The lights as a row's vectors begin with them. On a flat surface a directional light is the same
-// for all samples, so it is there from the start.
+// for all samples, so it is there from the start; but sums of floats keep the lights' order.
 LM_kernel_lights FirstRow(const LM_piece& piece) {
   LM_kernel_lights row = piece.lights->kernel;
+  if (piece.kind != LM_pixel_kind::Bytes)
+    return row;
   const int local = row.omnis + row.spots;
   for (int k = local; piece.IsFlat() && k < piece.lights->kernel.Count(); ++k) {
     const LM_vector2f anywhere = {};
@@ -69,9 +71,9 @@ LM_sample_store LM_ScratchStore(LM_scratch_rows& scratch) {
 LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store,
                              LM_row_buffers& buffers)
     : _piece(piece), _store(store), _buffers(buffers), _grid(piece.area, piece.params),
-      _heights(piece.plane, piece.edges, piece.rect.left - 1,
+      _heights(piece.plane, piece.planeKind, piece.edges, piece.rect.left - 1,
                piece.rect.right - piece.rect.left + 2, piece.params->bumpHeight, piece.kernels,
-               buffers.taps),
+               {&buffers.taps, piece.deep == nullptr ? nullptr : &piece.deep->taps}),
       _sums(piece.params, *piece.lights, piece.kernels), _extent{piece.columns[0],
                                                                  piece.columns[piece.Pixels() - 1],
                                                                  _grid.Y(piece.rect.top),
@@ -98,7 +100,10 @@ void LM_row_driver::LightNextRow() {
   const bool flat = _piece.IsFlat();
   if (!flat && (_onVectors || _piece.map == nullptr))
     _FillHeights(y);
-  if (_onVectors && _PutLightsIntoRow(_grid.Y(y))) {
+  const bool onVectors = _onVectors && _PutLightsIntoRow(_grid.Y(y));
+  if (_piece.kind != LM_pixel_kind::Bytes) {
+    _LightDeep(y, onVectors);
+  } else if (onVectors) {
     _LightPlanes(y);
   } else if (flat) {
     _LightFlatSamples(y);
@@ -126,34 +131,60 @@ void LM_row_driver::_FillHeights(int32_t y) {
 void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n) {
   const foo& params = *_piece.params;
   const LM_kernel_surface surface = {params.gloss, params.material, params.exposure};
-  const LM_kernel_planes planes = {
-      {_buffers.planes[0] + first, _buffers.planes[1] + first, _buffers.planes[2] + first}};
   const float* const columns = _piece.columns + first;
-  if (_piece.IsFlat()) {
-    _piece.kernels->flat(lights, surface, columns, n, planes);
-    return;
-  }
   const int32_t* const heights[3] = {_buffers.heights.At(row - 1) + first,
                                      _buffers.heights.At(row) + first,
                                      _buffers.heights.At(row + 1) + first};
-  _piece.kernels->relief(lights, surface, columns, n, heights, planes);
+  if (_piece.kind != LM_pixel_kind::Bytes) {
+    _piece.kernels->deep(lights, surface, columns, n, _piece.IsFlat() ? nullptr : heights,
+                         _piece.deep->Planes(first));
+    return;
+  }
+  const LM_kernel_planes planes = {
+      {_buffers.planes[0] + first, _buffers.planes[1] + first, _buffers.planes[2] + first}};
+  if (_piece.IsFlat())
+    _piece.kernels->flat(lights, surface, columns, n, planes);
+  else
+    _piece.kernels->relief(lights, surface, columns, n, heights, planes);
+}
+
+// Lights a row's planes, each run by the lights that reach it.
+void LM_row_driver::_LightRuns(int32_t y) {
+  const int n = static_cast<int>(_piece.Pixels());
+  const int pieces = LM_ReachPieces(n);
+  const LM_row_reach reach = LM_FindReach(_row, _piece.columns, n);
+  for (int piece = 0, end = 0; piece < pieces; piece = end) {
+    end = reach.EndOfRun(piece, pieces);
+    LM_SelectLights(_row, reach.lights[piece], _near);
+    const int first = piece * LM_REACH_PIECE;
+    _LightRun(_near, y - _piece.rect.top, first, std::min(end * LM_REACH_PIECE, n) - first);
+  }
 }
 
 void LM_row_driver::_LightPlanes(int32_t y) {
   const LM_kernels& kernels = *_piece.kernels;
   const int n = static_cast<int>(_piece.Pixels());
-  const int32_t row = y - _piece.rect.top;
   const LM_kernel_planes planes = {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}};
   kernels.split(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, n, planes);
-  const LM_row_reach reach = LM_FindReach(_row, _piece.columns, n);
-  const int pieces = LM_ReachPieces(n);
-  for (int piece = 0, end = 0; piece < pieces; piece = end) {
-    end = reach.EndOfRun(piece, pieces);
-    LM_SelectLights(_row, reach.lights[piece], _near);
-    const int first = piece * LM_REACH_PIECE;
-    _LightRun(_near, row, first, std::min(end * LM_REACH_PIECE, n) - first);
-  }
+  _LightRuns(y);
   kernels.join(planes, n, _piece.output.At(_piece.rect.left, y), _piece.output.pixelStep);
+}
+
+void LM_row_driver::_LightDeep(int32_t y, bool onVectors) {
+  const int n = static_cast<int>(_piece.Pixels());
+  const int32_t row = y - _piece.rect.top;
+  const LM_deep_planes planes = _piece.deep->Planes(0);
+  LM_LoadDeep(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, _piece.kind, n,
+              planes);
+  const int32_t* const heights[3] = {_buffers.heights.At(row - 1), _buffers.heights.At(row),
+                                     _buffers.heights.At(row + 1)};
+  if (onVectors)
+    _LightRuns(y);
+  else
+    LM_LightDeepPixels(*_piece.params, _piece.columns, _grid.Y(y), n,
+                       _piece.IsFlat() ? nullptr : heights, planes);
+  LM_StoreDeep(planes, n, _piece.kind, _piece.output.At(_piece.rect.left, y),
+               _piece.output.pixelStep);
 }
 
 // The pixels from (x, y) on, three bytes each.

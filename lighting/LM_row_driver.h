@@ -2,6 +2,7 @@
 // to be kept, by the plain arithmetic otherwise, with the same bytes.
 #pragma once
 
+#include "LM_deep_pixels.h"
 #include "LM_height_rows.h"
 #include "LM_image.h"
 #include "LM_kernel_lights.h"
@@ -25,6 +26,10 @@ struct LM_piece {
   // In relief: heights that were filtered before, the first one pixel up and left of the piece;
   // null where the plane is read.
   const LM_bump_map* map;
+  // Of source and output alike, and of the plane. deep: room for what is not bytes; may be null
+  // where all is.
+  LM_pixel_kind kind = LM_pixel_kind::Bytes, planeKind = LM_pixel_kind::Bytes;
+  LM_deep_buffers* deep = nullptr;
 
   bool IsFlat() const { return plane.pixels == nullptr && map == nullptr; }
   uint32_t Pixels() const { return static_cast<uint32_t>(rect.right - rect.left); }
@@ -52,7 +57,9 @@ public:
 private:
   bool _PutLightsIntoRow(float place);
   void _LightPlanes(int32_t y);
+  void _LightRuns(int32_t y);
   void _LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n);
+  void _LightDeep(int32_t y, bool onVectors);
   void _LightFlatSamples(int32_t y);
   void _LightFacets(int32_t y, uint32_t first, uint32_t pixels);
   uint32_t _MakeFacets(int32_t y, uint32_t first, uint32_t pixels);

@@ -54,7 +54,7 @@ template <bool relief>
 HWY_INLINE LightSums SpotPart(const LM_kernel_light& light, Floats x, Floats inverse,
                               const Facet& facet) {
   LightSums part = NoLight();
-  const SpotFalloff reach = FalloffAt(light, x, inverse);
+  const SpotFalloff reach = FalloffAt<false>(light, x, inverse);
   if (hn::AllFalse(FloatTag(), reach.inside))
     return part;
   const Floats falloff = hn::IfThenElseZero(reach.inside, reach.falloff);

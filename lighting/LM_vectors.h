@@ -31,6 +31,11 @@ struct LM_color96 {
 };
 static_assert(sizeof(LM_color96) == 16);
 
+// The same for pixels of more than 8 bits, whose sums of light are not rounded to integers.
+struct LM_deep_color {
+  float component[3];
+};
+
 constexpr int LM_PLANES = 3;
 constexpr int LM_MAX_LIGHTS = 16;
 // No run of samples is longer: every fixed row buffer holds this many.

@@ -1,4 +1,4 @@
-// From whatever space and depth an image has to 8-bit sRGB and further channels.
+// From whatever space and depth an image has to sRGB and further channels of one depth.
 #pragma once
 
 #include <string>
@@ -11,12 +11,17 @@ namespace limn {
 // and further channels.
 int NumColourBands(const vips::VImage& image);
 
-// Three 8-bit bands of colour, then the further channels in 8 bits. An RGB image keeps its numbers
-// and its profile; the rest goes through the image's own profile, where it has one, to sRGB. Adds
-// to `notices` what changed. Lazy: nothing is computed here. Throws vips::VError.
-vips::VImage ToRgbPlanes(const vips::VImage& image, std::vector<std::string>& notices);
+// Depths are libvips' formats UCHAR, USHORT and FLOAT, in which white is 255, 65535 and 1.0. This
+// one loses nothing of an image, but for integers of more than 16 bits and doubles.
+VipsBandFormat DepthOf(const vips::VImage& image);
 
-// The first colour bands in 8 bits, their numbers unchanged but for the depth. 1, 3 or 4 bands.
-vips::VImage ToPlainPlanes(const vips::VImage& image, std::vector<std::string>& notices);
+// Three bands of colour, then the further channels, all of that depth. An RGB image keeps its
+// numbers and its profile; the rest goes through the image's own profile, where it has one, to
+// sRGB. Adds to `notices` what changed. Lazy: nothing is computed here. Throws vips::VError.
+vips::VImage ToRgbPlanes(const vips::VImage& image, VipsBandFormat depth,
+                         std::vector<std::string>& notices);
+
+// The first colour bands in that depth, their numbers unchanged but for it. 1, 3 or 4 bands.
+vips::VImage ToPlainPlanes(const vips::VImage& image, VipsBandFormat depth);
 
 } // namespace limn

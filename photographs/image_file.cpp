@@ -6,6 +6,8 @@
 #include "image_source.h"
 #include "metadata.h"
 
+#include <algorithm>
+
 namespace limn {
 namespace {
 
@@ -59,11 +61,25 @@ std::vector<uint8_t> DecodedPixels(const VImage& image) {
   return pixels;
 }
 
-OpenedPhotograph OpenPhotograph(const std::string& path, int shrink) {
+namespace {
+
+std::vector<uint16_t> DecodedWords(const VImage& image) {
+  std::vector<uint16_t> words(static_cast<size_t>(image.width()) * image.height());
+  image.write(VImage::new_from_memory(words.data(), words.size() * sizeof words[0], image.width(),
+                                      image.height(), 1, VIPS_FORMAT_USHORT));
+  return words;
+}
+
+} // namespace
+
+OpenedPhotograph OpenPhotograph(const std::string& path, int shrink, VipsBandFormat depth,
+                                VipsBandFormat most) {
   OpenedPhotograph opened;
   const VImage image = OpenImage(path, shrink);
   NotePages(image, opened.notices);
-  const VImage planes = ToRgbPlanes(image, opened.notices);
+  if (depth == VIPS_FORMAT_NOTSET)
+    depth = std::min(DepthOf(image), most);
+  const VImage planes = ToRgbPlanes(image, depth, opened.notices);
   opened.metadata = CopyMetadata(planes);
   opened.planes = Upright(planes);
   return opened;
@@ -83,12 +99,13 @@ Photograph ReadPhotograph(const std::string& path) {
   });
 }
 
-GreyImage ReadGreyImage(const std::string& path, std::vector<std::string>& notices) {
+GreyImage ReadGreyImage(const std::string& path) {
   return Guarded(path, [&] {
-    std::vector<std::string> own;
-    const VImage planes = Upright(ToPlainPlanes(OpenImage(path), own));
-    for (const std::string& notice : own)
-      notices.push_back(std::string(path).append(": ").append(notice));
+    VImage image = OpenImage(path);
+    const bool isDeep = image.format() != VIPS_FORMAT_UCHAR;
+    if (isDeep)
+      image = image.copy_memory(); // for it is decoded twice
+    const VImage planes = Upright(ToPlainPlanes(image, VIPS_FORMAT_UCHAR));
     if (planes.bands() == 4)
       throw Failure(ExitCode::BadInput, path + ": is a CMYK image where a grey one is needed");
     GreyImage grey;
@@ -98,6 +115,8 @@ GreyImage ReadGreyImage(const std::string& path, std::vector<std::string>& notic
     grey.pixels = DecodedPixels(planes);
     if (planes.bands() == 3)
       grey.pixels = NeutralPlane(grey.pixels, 3, path);
+    if (isDeep)
+      grey.words = DecodedWords(Upright(ToPlainPlanes(image, VIPS_FORMAT_USHORT)).extract_band(0));
     return grey;
   });
 }

@@ -9,12 +9,14 @@
 
 namespace limn {
 
-// A plane of its own: a selection mask or a height map. width * height bytes, no padding.
+// A plane of its own: a selection mask or a height map. width * height bytes, no padding; of a file
+// of more than 8 bits the same in 16 bits too.
 struct GreyImage {
   std::string file;
   int width = 0;
   int height = 0;
   std::vector<uint8_t> pixels;
+  std::vector<uint16_t> words;
 };
 
 // numPlanes bytes a pixel (3 or more), width * numPlanes a row, no padding.
@@ -29,28 +31,32 @@ struct Photograph {
 
 // A photograph whose pixels have not been read yet.
 struct OpenedPhotograph {
-  vips::VImage planes;              // upright; the first three red, green and blue, all of 8 bits
-  vips::VImage metadata;            // as Photograph's
+  vips::VImage planes;   // upright; the first three red, green and blue, all of one depth
+  vips::VImage metadata; // as Photograph's
   std::vector<std::string> notices; // likewise
 };
 
 // Reads the header. The pixels are decoded once, from top to bottom, when asked for; what is wrong
-// with them shows then, as an error or a warning of libvips. shrink: as for OpenImage. Throws
-// Failure or vips::VError. The caller holds Complaints.
-OpenedPhotograph OpenPhotograph(const std::string& path, int shrink = 1);
+// with them shows then, as an error or a warning of libvips. shrink: as for OpenImage. depth: what
+// the planes are made, UCHAR, USHORT or FLOAT; given NOTSET, as deep as the file, but no deeper
+// than `most`. Throws Failure or vips::VError. The caller holds Complaints.
+OpenedPhotograph OpenPhotograph(const std::string& path, int shrink = 1,
+                                VipsBandFormat depth = VIPS_FORMAT_UCHAR,
+                                VipsBandFormat most = VIPS_FORMAT_FLOAT);
 
 // The pixels of an image of 8 bits a band. Throws vips::VError.
 std::vector<uint8_t> DecodedPixels(const vips::VImage& image);
 
-// Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
-// their profile to sRGB, more than 8 bits become 8, the orientation is applied; alpha and further
-// channels follow as they are. A file that is cut short or damaged is a Failure(BadInput).
+// Reads a photograph of 8 bits whatever its colour space and depth: grey becomes RGB, other spaces
+// go through their profile to sRGB, more than 8 bits become 8, the orientation is applied; alpha
+// and further channels follow as they are. A file that is cut short or damaged is a
+// Failure(BadInput).
 Photograph ReadPhotograph(const std::string& path);
 
 // Reads an image whose grey values are meant as numbers: no profile is applied, an alpha channel is
-// ignored, more than 8 bits become 8, the orientation is applied. A coloured image is a
+// ignored, the orientation is applied. A coloured image is a
 // Failure(BadInput). The notices begin with the file's name.
-GreyImage ReadGreyImage(const std::string& path, std::vector<std::string>& notices);
+GreyImage ReadGreyImage(const std::string& path);
 
 // How many planes ReadPhotograph would give, found without decoding the pixels.
 int CountPlanes(const std::string& path);

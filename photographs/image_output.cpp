@@ -32,6 +32,7 @@ struct Format {
   Exif exif;
   unsigned proof;
   bool isRead;
+  VipsBandFormat mostDepth = VIPS_FORMAT_UCHAR;
 };
 
 constexpr int ANY_NUMBER = 1000;
@@ -51,15 +52,15 @@ constexpr Format FORMATS[] = {
     {".jpg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
     {".jpeg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
     {".jpe", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
-    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept, NONE, true},
-    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true},
-    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true},
+    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept, NONE, true, VIPS_FORMAT_USHORT},
+    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true, VIPS_FORMAT_FLOAT},
+    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true, VIPS_FORMAT_FLOAT},
     {".webp", ".webp", "", 4, Exif::Kept, NONE, true},
-    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true},
-    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true},
-    {".heic", ".heic", "", 4, Exif::Kept, READ_BACK, true},
-    {".heif", ".heif", "", 4, Exif::Kept, READ_BACK, true},
-    {".avif", ".heif", "compression=av1", 4, Exif::Kept, READ_BACK, true},
+    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true, VIPS_FORMAT_USHORT},
+    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true, VIPS_FORMAT_USHORT},
+    {".heic", ".heic", "", 4, Exif::Kept, READ_BACK, true, VIPS_FORMAT_USHORT},
+    {".heif", ".heif", "", 4, Exif::Kept, READ_BACK, true, VIPS_FORMAT_USHORT},
+    {".avif", ".heif", "compression=av1", 4, Exif::Kept, READ_BACK, true, VIPS_FORMAT_USHORT},
     {".jp2", ".jp2", "", ANY_NUMBER, Exif::Lost, ROOM, false},
     {".gif", ".gif", "", 4, Exif::Lost, ROOM | READ_BACK, true},
     {".pgm", nullptr, "", 0, Exif::Lost, NONE, true},
@@ -190,6 +191,10 @@ std::vector<std::string> Extensions(Use use) {
   return extensions;
 }
 
+VipsBandFormat MostDepth(const std::string& path) {
+  return FormatOf(path).mostDepth;
+}
+
 void CheckOutputFormat(const OutputName& name) {
   const Format& format = FormatOf(name.path);
   const Complaints complaints;
@@ -217,7 +222,9 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
   AtomicFile file(target, existing);
   try {
     VImage planes =
-        image.planes.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+        image.planes.format() != VIPS_FORMAT_UCHAR
+            ? image.planes
+            : image.planes.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
     DropPlanes(planes, format, notices);
     planes = WithMetadata(planes, image.metadata);
     DropMetadata(planes, format, notices);

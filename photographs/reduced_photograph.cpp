@@ -43,8 +43,8 @@ VImage ProfileOf(const VImage& image) {
 
 // A grey image as a plane of the reduction.
 VImage ReadChannel(const std::string& path, const ReducedPhotograph& photograph,
-                   const std::string& photographPath, std::vector<std::string>& notices) {
-  GreyImage grey = ReadGreyImage(path, notices);
+                   const std::string& photographPath) {
+  GreyImage grey = ReadGreyImage(path);
   if (grey.width != photograph.fullWidth || grey.height != photograph.fullHeight)
     throw Failure(ExitCode::BadInput, path + ": has another size than " + photographPath);
   const VImage full = VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
@@ -86,7 +86,7 @@ ReadReduction ReadReducedPhotograph(const std::string& path,
       complaints.Check(ExitCode::BadInput, path);
     }
     for (const std::string& channel : channels)
-      planes = planes.bandjoin(ReadChannel(channel, photograph, path, read.notices));
+      planes = planes.bandjoin(ReadChannel(channel, photograph, path));
     photograph.numPlanes = planes.bands();
     photograph.pixels = DecodedPixels(planes);
   } catch (...) {

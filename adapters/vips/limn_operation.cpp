@@ -122,7 +122,8 @@ int Build(VipsObject* object) {
 }
 
 void DescribeArguments(OperationClass* type) {
-  VIPS_ARG_IMAGE(type, "in", 1, "Input", "Image to light: 8 bits, RGB with or without more bands",
+  VIPS_ARG_IMAGE(type, "in", 1, "Input",
+                 "Image to light: RGB of 8 or 16 bits or float, with or without more bands",
                  VIPS_ARGUMENT_REQUIRED_INPUT, G_STRUCT_OFFSET(Operation, in));
   VIPS_ARG_IMAGE(type, "out", 2, "Output", "Lit image", VIPS_ARGUMENT_REQUIRED_OUTPUT,
                  G_STRUCT_OFFSET(Operation, out));
@@ -130,7 +131,8 @@ void DescribeArguments(OperationClass* type) {
                   VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, style), nullptr);
   VIPS_ARG_STRING(type, "set", 4, "Set", "Changes to the style: KEY=VALUE; KEY=VALUE",
                   VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, set), nullptr);
-  VIPS_ARG_IMAGE(type, "relief", 5, "Relief", "Heights: one 8-bit band of the same size",
+  VIPS_ARG_IMAGE(type, "relief", 5, "Relief",
+                 "Heights: one band of the same size, of 8 or 16 bits or float",
                  VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, relief));
   VIPS_ARG_IMAGE(type, "mask", 6, "Mask", "Selection: one 8-bit band of the same size",
                  VIPS_ARGUMENT_OPTIONAL_INPUT, G_STRUCT_OFFSET(Operation, mask));

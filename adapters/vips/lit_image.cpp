@@ -83,22 +83,52 @@ VipsRect NeededOf(const Lighting& lighting, int number, const VipsRect& rect) {
 }
 
 template <class Byte> LM_view<Byte> ViewOf(VipsRegion* region, int band) {
-  return {VIPS_REGION_ADDR(region, region->valid.left, region->valid.top) + band,
-          static_cast<ptrdiff_t>(VIPS_REGION_LSKIP(region)), region->im->Bands,
+  const auto size = static_cast<ptrdiff_t>(VIPS_IMAGE_SIZEOF_ELEMENT(region->im));
+  return {VIPS_REGION_ADDR(region, region->valid.left, region->valid.top) + band * size,
+          static_cast<ptrdiff_t>(VIPS_REGION_LSKIP(region)), region->im->Bands * size,
           ToRect(region->valid)};
 }
 
-void MixRow(const VipsPel* before, const VipsPel* selection, VipsPel* lit, int bands, int width) {
-  for (int x = 0; x < width; ++x, before += bands, lit += bands)
-    for (int band = 0; band < NUM_LIT; ++band)
-      lit[band] = CVMixSelected(before[band], lit[band], selection[x]);
+// Bytes mix as the host mixes them; what is deeper without rounding to them.
+uint8_t MixOne(uint8_t before, uint8_t lit, uint8_t selected) {
+  return CVMixSelected(before, lit, selected);
+}
+uint16_t MixOne(uint16_t before, uint16_t lit, uint8_t selected) {
+  return static_cast<uint16_t>((before * (255 - selected) + lit * selected + 127) / 255);
+}
+float MixOne(float before, float lit, uint8_t selected) {
+  return selected == 0     ? before
+         : selected == 255 ? lit
+                           : before + (lit - before) * (static_cast<float>(selected) / 255.0F);
 }
 
+template <class Component>
 void Mix(const Worker& worker, int maskImage, VipsRegion* output, const LM_rect& part) {
-  for (int y = part.top; y < part.bottom; ++y)
-    MixRow(VIPS_REGION_ADDR(worker.regions[0], part.left, y),
-           VIPS_REGION_ADDR(worker.regions[maskImage], part.left, y),
-           VIPS_REGION_ADDR(output, part.left, y), output->im->Bands, part.right - part.left);
+  const int bands = output->im->Bands;
+  const auto row = [&](VipsRegion* region, int y) {
+    return reinterpret_cast<Component*>(VIPS_REGION_ADDR(region, part.left, y));
+  };
+  for (int y = part.top; y < part.bottom; ++y) {
+    const Component* before = row(worker.regions[0], y);
+    const VipsPel* selected = VIPS_REGION_ADDR(worker.regions[maskImage], part.left, y);
+    Component* lit = row(output, y);
+    for (int x = part.left; x < part.right; ++x, before += bands, lit += bands, ++selected)
+      for (int band = 0; band < NUM_LIT; ++band)
+        lit[band] = MixOne(before[band], lit[band], *selected);
+  }
+}
+
+std::optional<LM_pixel_kind> KindOf(VipsBandFormat format) {
+  switch (format) {
+  case VIPS_FORMAT_UCHAR:
+    return LM_pixel_kind::Bytes;
+  case VIPS_FORMAT_USHORT:
+    return LM_pixel_kind::Words;
+  case VIPS_FORMAT_FLOAT:
+    return LM_pixel_kind::Floats;
+  default:
+    return std::nullopt;
+  }
 }
 
 void CopyRows(VipsRegion* from, VipsRegion* into) {
@@ -136,16 +166,24 @@ int Light(VipsRegion* output, void* sequence, void*, void* shared, gboolean*) {
   LM_render_views views = {};
   views.source = ViewOf<const uint8_t>(worker.regions[0], 0);
   views.output = ViewOf<uint8_t>(output, 0);
-  if (lighting.reliefImage >= 0)
-    views.relief = ViewOf<const uint8_t>(worker.regions[lighting.reliefImage], lighting.reliefBand);
+  views.kind = *KindOf(output->im->BandFmt);
+  if (lighting.reliefImage >= 0) {
+    VipsRegion* const relief = worker.regions[lighting.reliefImage];
+    views.relief = ViewOf<const uint8_t>(relief, lighting.reliefBand);
+    views.reliefKind = *KindOf(relief->im->BandFmt);
+  }
   const LM_floating_point floatingPoint;
   const LM_render_result result = LM_RenderRect(lighting.job, views, part, *worker.scratch);
   if (result != LM_render_result::Done) {
     vips_error("limn", "%s", LM_RenderMessage(result));
     return -1;
   }
-  if (lighting.maskImage >= 0)
-    Mix(worker, lighting.maskImage, output, part);
+  if (lighting.maskImage >= 0 && views.kind == LM_pixel_kind::Bytes)
+    Mix<uint8_t>(worker, lighting.maskImage, output, part);
+  else if (lighting.maskImage >= 0 && views.kind == LM_pixel_kind::Words)
+    Mix<uint16_t>(worker, lighting.maskImage, output, part);
+  else if (lighting.maskImage >= 0)
+    Mix<float>(worker, lighting.maskImage, output, part);
   return 0;
 }
 
@@ -154,9 +192,9 @@ int Light(VipsRegion* output, void* sequence, void*, void* shared, gboolean*) {
   throw vips::VError();
 }
 
-void CheckPlane(const VImage& plane, const VImage& image, const char* sentence) {
-  if (plane.bands() != 1 || plane.format() != VIPS_FORMAT_UCHAR || plane.width() != image.width() ||
-      plane.height() != image.height())
+void CheckPlane(const VImage& plane, const VImage& image, bool canBeDeep, const char* sentence) {
+  if (plane.bands() != 1 || (plane.format() != VIPS_FORMAT_UCHAR && !canBeDeep) ||
+      !KindOf(plane.format()) || plane.width() != image.width() || plane.height() != image.height())
     Refuse(sentence);
 }
 
@@ -186,7 +224,8 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
   const int channel = lighting.job.params.bumpChannel - 1;
   if (channel >= image.bands()) {
     const VImage& relief = settings.channels[static_cast<size_t>(channel - image.bands())];
-    CheckPlane(relief, image, "the relief is not one 8-bit band of the image's size");
+    CheckPlane(relief, image, true,
+               "the relief is not one band of the image's size, of 8 or 16 bits or float");
     lighting.reliefImage = numImages;
     lighting.images[numImages++] = relief.get_image();
   } else if (channel >= 0) {
@@ -194,7 +233,7 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
     lighting.reliefBand = channel;
   }
   if (settings.mask) {
-    CheckPlane(*settings.mask, image, "the mask is not one 8-bit band of the image's size");
+    CheckPlane(*settings.mask, image, false, "the mask is not one 8-bit band of the image's size");
     lighting.maskImage = numImages;
     lighting.images[numImages] = settings.mask->get_image();
   }
@@ -210,9 +249,9 @@ void Release(void* lighting) {
 } // namespace
 
 VImage LitImage(const VImage& image, const LitSettings& settings) {
-  if (image.format() != VIPS_FORMAT_UCHAR || image.bands() < NUM_LIT ||
+  if (!KindOf(image.format()) || image.bands() < NUM_LIT ||
       vips_image_get_coding(image.get_image()) != VIPS_CODING_NONE)
-    Refuse("the image does not have 8-bit red, green and blue");
+    Refuse("the image does not have red, green and blue of 8 or 16 bits or float");
   if (image.width() > LIMN_LONGEST_SIDE || image.height() > LIMN_LONGEST_SIDE)
     Refuse("a side of the image has more than 32767 pixels");
   auto owned = std::make_unique<Lighting>();

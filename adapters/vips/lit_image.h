@@ -16,8 +16,9 @@ namespace limn {
 struct LitSettings {
   LM_style style;
   std::optional<limn_area> area; // none: the whole image
-  // Channels after the image's own bands, for the style's relief: one 8-bit band each, of the
-  // image's size. Only the one that the style names is ever read.
+  // Channels after the image's own bands, for the style's relief: one band each, of the image's
+  // size and of 8 or 16 bits or float, whatever the image has. Only the one that the style names is
+  // ever read.
   std::vector<vips::VImage> channels;
   // The selection, one 8-bit band of the image's size; a null image: everything is selected.
   std::optional<vips::VImage> mask;
@@ -26,9 +27,10 @@ struct LitSettings {
   std::shared_ptr<std::atomic<bool>> hasSourceFailed;
 };
 
-// The image, of 8-bit bands of which the first three are red, green and blue, with those three lit
-// in the area. Gives the bytes that the plug-in gives. Nothing is computed here; the images are
-// kept alive by the result. Throws vips::VError with a sentence when something does not fit.
+// The image, of bands of 8 or 16 bits or float of which the first three are red, green and blue,
+// with those three lit in the area; white is 255, 65535 or 1.0. Of 8 bits, gives the bytes that the
+// plug-in gives. Nothing is computed here; the images are kept alive by the result. Throws
+// vips::VError with a sentence when something does not fit.
 vips::VImage LitImage(const vips::VImage& image, const LitSettings& settings);
 
 } // namespace limn

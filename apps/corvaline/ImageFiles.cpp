@@ -41,8 +41,7 @@ OpenedImage OpenImageFile(const QString& path) {
 }
 
 limn::GreyImage OpenChannelFile(const QString& path) {
-  std::vector<std::string> notices;
-  return limn::ReadGreyImage(Encoded(path), notices);
+  return limn::ReadGreyImage(Encoded(path));
 }
 
 QStringList SaveImageFile(limn::Photograph& photograph, const QString& path) {

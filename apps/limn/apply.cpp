@@ -205,9 +205,6 @@ JobDone Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job
   try {
     if (!tools)
       tools = PrepareTools(plan);
-    if (job == 0)
-      for (const std::string& notice : tools->notices)
-        channel.Notice(notice);
     return ApplyOne(plan, *tools, job, channel);
   } catch (const AlreadyThere&) {
     if (!plan.options.isSkippingExisting)

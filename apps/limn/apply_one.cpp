@@ -6,6 +6,8 @@
 #include "lit_image.h"
 #include "output_target.h"
 
+#include <algorithm>
+
 namespace limn {
 namespace {
 
@@ -20,15 +22,17 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
   ApplyTools tools;
   if (plan.options.isThroughPlugin)
     tools.plugin = LoadPlugin();
-  tools.surroundings =
-      ReadSurroundings(plan.area, plan.options.mask, plan.options.channels, tools.notices);
+  tools.surroundings = ReadSurroundings(plan.area, plan.options.mask, plan.options.channels);
   return tools;
 }
 
 namespace {
 
-// A grey image as one band, its pixels borrowed.
-vips::VImage BandOf(GreyImage& grey) {
+// A grey image as one band, its pixels borrowed; as deep as it was read where that is wanted.
+vips::VImage BandOf(GreyImage& grey, bool isDeep) {
+  if (isDeep && !grey.words.empty())
+    return vips::VImage::new_from_memory(grey.words.data(), grey.words.size() * sizeof(uint16_t),
+                                         grey.width, grey.height, 1, VIPS_FORMAT_USHORT);
   return vips::VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
                                        grey.height, 1, VIPS_FORMAT_UCHAR);
 }
@@ -38,9 +42,9 @@ LitSettings SettingsFor(const LM_style& style, Surroundings& surroundings) {
   settings.style = style;
   settings.area = surroundings.area;
   for (GreyImage& channel : surroundings.channels)
-    settings.channels.push_back(BandOf(channel));
+    settings.channels.push_back(BandOf(channel, true));
   if (surroundings.mask)
-    settings.mask = BandOf(*surroundings.mask);
+    settings.mask = BandOf(*surroundings.mask, false);
   return settings;
 }
 
@@ -57,6 +61,15 @@ struct ProgressTeller {
   }
 };
 
+// Of the planes that are lit for that output; NOTSET leaves it to the image.
+VipsBandFormat WantedDepth(const std::string& asked, const std::string& output) {
+  const VipsBandFormat depth = asked == "8"       ? VIPS_FORMAT_UCHAR
+                               : asked == "16"    ? VIPS_FORMAT_USHORT
+                               : asked == "float" ? VIPS_FORMAT_FLOAT
+                                                  : VIPS_FORMAT_NOTSET;
+  return std::min(depth, MostDepth(output));
+}
+
 // Decodes, lights and writes a few rows at a time.
 JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                        const JobChannel& channel) {
@@ -67,7 +80,9 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   const Complaints complaints;
   ProgressTeller teller{channel};
   try {
-    OpenedPhotograph opened = OpenPhotograph(pair.input);
+    OpenedPhotograph opened =
+        OpenPhotograph(pair.input, 1, WantedDepth(plan.options.depth, pair.output.path),
+                       MostDepth(pair.output.path));
     complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();

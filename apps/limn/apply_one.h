@@ -27,7 +27,6 @@ struct ApplyPlan {
 struct ApplyTools {
   std::optional<CVPlugin> plugin; // none: the lighting is done here
   Surroundings surroundings;
-  std::vector<std::string> notices; // about mask and channels
 };
 
 // Starts the image library too. Throws Failure.

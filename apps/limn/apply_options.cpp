@@ -101,6 +101,10 @@ void AddLighting(CLI::App& apply, ApplyOptions& options) {
            "Default); may be repeated:\neach image in each style");
   AddValue(apply, "--set", options.settings, "KEY=VALUE",
            "Change one setting of the style; may be repeated");
+  AddValue(apply, "--depth", options.depth, "8|16|float",
+           "Light and write so many bits a channel (default: those\n"
+           "of the image, or as many as the output's format holds)")
+      ->check(CLI::IsMember({"8", "16", "float"}));
   AddValue(apply, "--area", options.area, "X,Y,W,H", "Light only this rectangle, in pixels");
   AddValue(apply, "--mask", options.mask, "IMAGE",
            "A grey image of the same size: light fully where it is\n"
@@ -121,8 +125,8 @@ void AddRunning(CLI::App& apply, ApplyOptions& options) {
            "(default: no limit)")
       ->check(CLI::Range(1, 1000000));
   apply.add_flag("--through-plugin", options.isThroughPlugin,
-                 "Have the plug-in light the whole image in memory, as the\neditor does; the "
-                 "result is the same");
+                 "Have the plug-in light the whole image in memory, as the\neditor does, in 8 "
+                 "bits; of those the result is the same");
   apply.add_flag("-q,--quiet", options.quiet, "Print nothing but failures");
   apply.add_flag("--json", options.json,
                  "Print a line of JSON for each image: input, output,\nsize, seconds");

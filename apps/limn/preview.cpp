@@ -33,17 +33,13 @@ ExitCode WritePreview(const PreviewOptions& options) {
   CheckTarget(options.image, output, existing);
   StartImageLibrary(ALL_THREADS, {options.maxPixels, MAX_PIXELS_ADVICE});
   CheckOutputFormat(output);
-  std::vector<std::string> notices;
-  Surroundings surroundings =
-      ReadSurroundings(ParseArea(options.area), "", options.channels, notices);
+  Surroundings surroundings = ReadSurroundings(ParseArea(options.area), "", options.channels);
   Photograph photograph = ReadPhotograph(options.image);
   CVDocument document = MakeDocument(surroundings, photograph, options.image);
   if (!options.isUnlit)
     NoteMissingRelief(named.style, document.channelCount(), photograph.notices);
   for (const std::string& notice : photograph.notices)
-    notices.push_back(std::string(options.image).append(": ").append(notice));
-  for (const std::string& notice : notices)
-    PrintProblem(notice);
+    PrintProblem(std::string(options.image).append(": ").append(notice));
   FramePicture frame =
       DrawFrame(document, AreaOf(surroundings, photograph.width, photograph.height, options.image),
                 named.style, options.isUnlit ? Light::Off : Light::On, options.image);

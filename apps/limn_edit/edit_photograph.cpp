@@ -41,11 +41,7 @@ void PrintNotices(const EditOptions& options, const std::string& file,
 
 Sources ReadSources(const EditOptions& options) {
   Sources sources;
-  std::vector<std::string> notices;
-  sources.surroundings =
-      ReadSurroundings(ParseArea(options.area), options.mask, options.channels, notices);
-  for (const std::string& notice : options.quiet ? std::vector<std::string>() : notices)
-    PrintProblem(notice);
+  sources.surroundings = ReadSurroundings(ParseArea(options.area), options.mask, options.channels);
   sources.photograph = ReadPhotograph(options.image);
   return sources;
 }

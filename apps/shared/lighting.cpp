@@ -69,14 +69,13 @@ std::optional<limn_area> ParseArea(const std::string& text) {
 }
 
 Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::string& mask,
-                              const std::vector<std::string>& channels,
-                              std::vector<std::string>& notices) {
+                              const std::vector<std::string>& channels) {
   Surroundings surroundings;
   surroundings.area = area;
   if (!mask.empty())
-    surroundings.mask = ReadGreyImage(mask, notices);
+    surroundings.mask = ReadGreyImage(mask);
   for (const std::string& channel : channels)
-    surroundings.channels.push_back(ReadGreyImage(channel, notices));
+    surroundings.channels.push_back(ReadGreyImage(channel));
   return surroundings;
 }
 

@@ -26,8 +26,7 @@ struct Surroundings {
 
 // With the pixels of these files; mask: empty for none. Throws Failure.
 Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::string& mask,
-                              const std::vector<std::string>& channels,
-                              std::vector<std::string>& notices);
+                              const std::vector<std::string>& channels);
 
 // The plug-in's module: $LIMN_PLUGIN, or the one that was installed or built together with the
 // program. Throws Failure(Refused) when it cannot be loaded.

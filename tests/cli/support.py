@@ -1,6 +1,7 @@
 """Runs the limn command on images that are written here byte by byte, so that what it must make of
 them is known without any image library."""
 
+import array
 import os
 import shutil
 import struct
@@ -119,12 +120,15 @@ def field(path, name):
 
 
 def read(path):
-    """The samples of an 8-bit image in any format."""
+    """The samples of an image in any format: of 8 or 16 bits, or float."""
     vips("copy", path, "read.v")
     data = content("read.v")
     os.remove("read.v")
-    width, height, bands = struct.unpack_from("<3I", data, 4)
-    return Picture(width, height, bands, data[64 : 64 + width * height * bands])
+    width, height, bands, _, kind = struct.unpack_from("=5I", data, 4)
+    code = {0: "B", 2: "H", 6: "f"}[kind]
+    size = struct.calcsize(code)
+    samples = array.array(code, data[64 : 64 + width * height * bands * size])
+    return Picture(width, height, bands, samples, 8 * size)
 
 
 class LimnTest(unittest.TestCase):

@@ -7,10 +7,6 @@ import support
 from support import Picture, pattern
 
 
-def high_bytes(picture):
-    return Picture(picture.width, picture.height, picture.bands, [value >> 8 for value in picture.samples])
-
-
 def grey_to_rgb(picture):
     """Grey three times, then what follows it."""
     bands = picture.bands
@@ -33,38 +29,72 @@ def upright(picture, orientation):
 
 
 class Pixels(support.LimnTest):
-    def converted(self, name, output, width, height, says=""):
+    def converted(self, name, output, width, height, says="", *options):
         support.write_pnm("none.pgm", support.filled(width, height, 0))
-        self.limn("apply", name, "--mask", "none.pgm", "-o", output, "-f", says=says)
+        self.limn("apply", name, "--mask", "none.pgm", "-o", output, "-f", *options, says=says)
         return support.read(output)
 
     def test_spaces_and_depths(self):
         grey, grey_alpha, grey16 = pattern(7, 5, 1), pattern(7, 5, 2), pattern(7, 5, 1, 16)
         rgb, rgba, rgb16, rgba16 = pattern(7, 5, 3), pattern(7, 5, 4), pattern(7, 5, 3, 16), pattern(7, 5, 4, 16)
         five, five16 = pattern(7, 5, 5), pattern(7, 5, 5, 16)
-        becomes8 = "16 bits a channel become 8"
         png, tiff, pnm = support.write_png, support.write_tiff, support.write_pnm
         cases = [
             ("grey.png", lambda path: png(path, grey), grey_to_rgb(grey), ""),
             ("grey-alpha.png", lambda path: png(path, grey_alpha), grey_to_rgb(grey_alpha), ""),
-            ("grey16.png", lambda path: png(path, grey16), grey_to_rgb(high_bytes(grey16)), becomes8),
+            ("grey16.png", lambda path: png(path, grey16), grey_to_rgb(grey16), ""),
             ("rgb.png", lambda path: png(path, rgb), rgb, ""),
             ("rgba.png", lambda path: png(path, rgba), rgba, ""),
-            ("rgb16.png", lambda path: png(path, rgb16), high_bytes(rgb16), becomes8),
-            ("rgba16.png", lambda path: png(path, rgba16), high_bytes(rgba16), becomes8),
+            ("rgb16.png", lambda path: png(path, rgb16), rgb16, ""),
+            ("rgba16.png", lambda path: png(path, rgba16), rgba16, ""),
             ("grey.pgm", lambda path: pnm(path, grey), grey_to_rgb(grey), ""),
             ("rgb.ppm", lambda path: pnm(path, rgb), rgb, ""),
-            ("rgb16.ppm", lambda path: pnm(path, rgb16), high_bytes(rgb16), becomes8),
+            ("rgb16.ppm", lambda path: pnm(path, rgb16), rgb16, ""),
             ("grey.tif", lambda path: tiff(path, grey, photometric=1), grey_to_rgb(grey), ""),
             ("grey and two more.tif", lambda path: tiff(path, rgb, photometric=1), grey_to_rgb(rgb), ""),
             ("rgba.tif", lambda path: tiff(path, rgba), rgba, ""),
             ("five.tif", lambda path: tiff(path, five), five, ""),
-            ("five16.tif", lambda path: tiff(path, five16), high_bytes(five16), becomes8),
+            ("five16.tif", lambda path: tiff(path, five16), five16, ""),
         ]
         for name, write, expected, says in cases:
             with self.subTest(name):
                 write(name)
                 self.assertSame(self.converted(name, "out.tif", 7, 5, says), expected)
+                if "16" in name:
+                    shallow = self.converted(name, "out.tif", 7, 5, "16 bits a channel become 8", "--depth", 8)
+                    self.assertEqual(list(shallow.samples), [value >> 8 for value in expected.samples])
+
+    def test_depth_is_kept(self):
+        """Lit, a picture of 257 times its bytes lies less than two levels above these; --depth forces one."""
+        small = support.smooth(60, 40)
+        support.write_pnm("in.ppm", small)
+        words = Picture(60, 40, 3, [257 * value for value in small.samples], 16)
+        support.write_png("in.png", words)
+        support.vips("copy", "in.png", "in.tif")
+        support.vips("cast", "in.ppm", "floats.v", "float")
+        support.vips("copy", "floats.v", "floats.tif", "--interpretation", "srgb")
+        self.limn("apply", "in.ppm", "-o", "bytes.ppm", "-q")
+        lit = support.read("bytes.ppm").samples
+        for name, output, depth in [("in.png", "out.png", 16), ("in.tif", "out.tif", 16), ("in.png", "out.ppm", 16),
+                                    ("floats.tif", "out.tif", 32), ("in.png", "out.jpg", 8), ("in.ppm", "out.png", 8)]:
+            with self.subTest(name=name, output=output):
+                says = "become 8" if depth == 8 and name == "in.png" else ""
+                self.limn("apply", name, "-o", output, "-f", says=says)
+                got = support.read(output)
+                self.assertEqual(got.depth, depth)
+                if depth == 16:
+                    above = [word / 257 - byte for word, byte in zip(got.samples, lit)]
+                    self.assertTrue(-0.01 <= min(above) and 0.3 < max(above) < 2, (min(above), max(above)))
+                    self.assertGreater(len(set(got.samples)), 4 * len(set(lit)), "lit in bytes")
+        for depth, bits in [("8", 8), ("16", 16), ("float", 32)]:
+            self.limn("apply", "in.ppm", "-o", "out.tif", "-f", "--depth", depth)
+            self.assertEqual(support.read("out.tif").depth, bits)
+        support.write_pnm("heights.pgm", Picture(60, 40, 1, [257 * (i % 60) for i in range(2400)], 16))
+        support.write_pnm("terraces.pgm", Picture(60, 40, 1, [i % 60 for i in range(2400)]))
+        relief = ["--set", "bumpChannel=4", "--set", "bumpAmplitude=30", "-qf"]
+        self.limn("apply", "in.ppm", "--channel", "heights.pgm", *relief, "-o", "a.ppm")
+        self.limn("apply", "in.ppm", "--channel", "terraces.pgm", *relief, "-o", "b.ppm")
+        self.assertSame(support.read("a.ppm"), support.read("b.ppm"))
 
     def test_orientation(self):
         picture = pattern(7, 5, 4)

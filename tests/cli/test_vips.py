@@ -62,16 +62,23 @@ class VipsOperation(support.LimnTest):
                 self.limn("apply", "in.ppm", *command, "-o", "limn.ppm", "-qf")
                 self.assertSame(support.read("vips.ppm"), support.read("limn.ppm"))
 
+    def test_deep(self):
+        support.write_pnm("deep.ppm", support.pattern(90, 70, 3, depth=16))
+        self.vips("limn", "deep.ppm", "vips.ppm", "--style", "Evening Lamp")
+        self.limn("apply", "deep.ppm", "-s", "Evening Lamp", "-o", "limn.ppm", "-q")
+        self.assertEqual(support.read("vips.ppm").depth, 16)
+        self.assertSame(support.read("vips.ppm"), support.read("limn.ppm"))
+
     def test_refusals(self):
-        support.write_pnm("deep.ppm", support.pattern(9, 7, 3, depth=16))
+        support.vips("cast", "in.ppm", "int.v", "int")
         support.write_pnm("wide.ppm", support.filled(32768, 1, 9, 3))
-        for arguments, says in [(["plane.pgm"], "red, green and blue"), (["deep.ppm"], "8-bit"),
+        for arguments, says in [(["plane.pgm"], "red, green and blue"), (["int.v"], "8 or 16 bits or float"),
                                 (["wide.ppm"], "more than 32767"),
                                 (["in.ppm", "--style", "nowhere"], "nowhere: no such file or directory, and no bundled style"),
                                 (["in.ppm", "--style", "plane.pgm"], "plane.pgm: "),
                                 (["in.ppm", "--set", "gloss"], "KEY=VALUE"), (["in.ppm", "--set", "glos=1"], "glos"),
                                 (["in.ppm", "--left", "80", "--width", "11"], "outside"),
-                                (["in.ppm", "--relief", "in.ppm"], "one 8-bit band")]:
+                                (["in.ppm", "--relief", "in.ppm"], "one band")]:
             with self.subTest(arguments):
                 self.vips("limn", arguments[0], "out.ppm", *arguments[1:], says=says)
 
