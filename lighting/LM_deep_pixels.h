@@ -9,8 +9,9 @@
 //   acc = light c + shine ((c m + (256 - m) 255) / 256)       otherwise
 //   out = (acc e) / 2^23
 // and in relief ((o0 + o1) + (o2 + o3)) / 4 of the four facets' results, clockwise from the top
-// left, of which none ends at white on its own. It is what the arithmetic of bytes does without rounding to integers on the way, so a byte
-// v and the word 257 v give results that differ by what those roundings cut.
+// left, of which none ends at white on its own. It is what the arithmetic of bytes does without
+// rounding to integers on the way, so a byte v and the word 257 v give results that differ by what
+// those roundings cut.
 #pragma once
 
 #include "LM_block.h"

@@ -24,7 +24,7 @@ struct ApplyOptions {
   std::string mask;
   std::vector<std::string> channels;
   uint64_t maxPixels = 0;  // 0: the usual limits
-  std::string depth; // 8, 16 or float; empty: the image's own
+  std::string depth;       // 8, 16 or float; empty: the image's own
   unsigned maxSeconds = 0; // for one image; 0: any number
   int jobs = 0;            // 0: as many as there are processors
   bool isThroughPlugin = false;
