@@ -148,8 +148,9 @@ public:
     const LM_rect all = {0, 0, ROWS, COLUMNS};
     static LM_row_ring<uint8_t> taps;
     static LM_row_ring<int32_t> heights;
-    LM_height_rows rows({_heights.data(), COLUMNS, 1, all}, all, -1, LM_RENDER_BLOCK + 2,
-                        _job.params.bumpHeight, _job.kernels, taps);
+    LM_height_rows rows({_heights.data(), COLUMNS, 1, all}, LM_pixel_kind::Bytes, all, -1,
+                        LM_RENDER_BLOCK + 2, _job.params.bumpHeight, _job.kernels,
+                        {&taps, nullptr});
     for (int32_t y = 0; y < ROWS; ++y)
       rows.Make(y, heights.At(y));
   }

@@ -39,7 +39,7 @@ TEST(Undo, GoesBackAndForthThroughPixelsAndSelections) {
   EditorDocument document;
   document.setImage(Picture());
   ASSERT_TRUE(document.addChannel(
-      {"heights.png", WIDTH, HEIGHT, std::vector<uint8_t>(WIDTH * HEIGHT, 100)}));
+      {"heights.png", WIDTH, HEIGHT, std::vector<uint8_t>(WIDTH * HEIGHT, 100), {}}));
   QImage mask(WIDTH, HEIGHT, QImage::Format_Grayscale8);
   mask.fill(80);
   const std::vector<std::function<void()>> changes = {
