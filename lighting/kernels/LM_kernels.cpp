@@ -7,7 +7,7 @@
 // The third set is for processors without a fused multiply-add. An older one is not worth its code.
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "LM_kernels.cpp"
+#define HWY_TARGET_INCLUDE "kernels/LM_kernels.cpp"
 #include "hwy/foreach_target.h"
 #include "hwy/highway.h"
 
