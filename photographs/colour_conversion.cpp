@@ -75,7 +75,10 @@ VImage ColourToRgb(const VImage& colour, VipsInterpretation space, const std::st
                    VipsBandFormat depth, std::vector<std::string>& notices) {
   const double white = WhiteOf(space);
   const bool isDeep = depth != VIPS_FORMAT_UCHAR;
-  if (IsPlainRgb(colour, space)) {
+  // Floats stay what they are, darker than black and brighter than white too.
+  const bool keepsFloats =
+      depth == VIPS_FORMAT_FLOAT && colour.bands() == 3 && space == VIPS_INTERPRETATION_scRGB;
+  if (IsPlainRgb(colour, space) || keepsFloats) {
     if (profile.empty() || profile == "RGB ")
       return ToDepth(colour, depth, white);
     notices.emplace_back("its colour profile is not one for RGB and is left out");

@@ -191,8 +191,12 @@ std::vector<std::string> Extensions(Use use) {
   return extensions;
 }
 
-VipsBandFormat MostDepth(const std::string& path) {
-  return FormatOf(path).mostDepth;
+VipsBandFormat MostDepth(const OutputName& name) {
+  // Compressions of TIFF that take bytes alone.
+  for (const char* option : {"compression=jpeg", "compression=webp"})
+    if (name.options.find(option) != std::string::npos)
+      return VIPS_FORMAT_UCHAR;
+  return FormatOf(name.path).mostDepth;
 }
 
 void CheckOutputFormat(const OutputName& name) {

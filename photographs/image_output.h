@@ -26,8 +26,9 @@ bool IsName(const std::string& path, Use use);
 // All such extensions, with their full stop: ".jpg".
 std::vector<std::string> Extensions(Use use);
 
-// The deepest that such a file holds: UCHAR, USHORT or FLOAT.
-VipsBandFormat MostDepth(const std::string& path);
+// The deepest that such a file holds: UCHAR, USHORT or FLOAT. Throws Failure(WrongUsage) when the
+// format is not one that is written.
+VipsBandFormat MostDepth(const OutputName& name);
 
 // Fails when the format or its options do not exist, or when its writer warns of the options
 // (WrongUsage), before any work is done.

@@ -63,8 +63,6 @@ constexpr InputFormat FORMATS[] = {
     {0, "P4"sv, vips::VImage::ppmload_source},
     {0, "P5"sv, vips::VImage::ppmload_source},
     {0, "P6"sv, vips::VImage::ppmload_source},
-    {0, "PF"sv, vips::VImage::ppmload_source}, // floats
-    {0, "Pf"sv, vips::VImage::ppmload_source},
     {0, "GIF8"sv, vips::VImage::gifload_source, Decoding::Whole},
     {4, "ftyp"sv, vips::VImage::heifload_source, Decoding::Whole},
 };

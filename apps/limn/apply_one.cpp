@@ -37,12 +37,13 @@ vips::VImage BandOf(GreyImage& grey, bool isDeep) {
                                        grey.height, 1, VIPS_FORMAT_UCHAR);
 }
 
-LitSettings SettingsFor(const LM_style& style, Surroundings& surroundings) {
+// isDeep: with all that the channels hold.
+LitSettings SettingsFor(const LM_style& style, Surroundings& surroundings, bool isDeep) {
   LitSettings settings;
   settings.style = style;
   settings.area = surroundings.area;
   for (GreyImage& channel : surroundings.channels)
-    settings.channels.push_back(BandOf(channel, true));
+    settings.channels.push_back(BandOf(channel, isDeep));
   if (surroundings.mask)
     settings.mask = BandOf(*surroundings.mask, false);
   return settings;
@@ -62,7 +63,7 @@ struct ProgressTeller {
 };
 
 // Of the planes that are lit for that output; NOTSET leaves it to the image.
-VipsBandFormat WantedDepth(const std::string& asked, const std::string& output) {
+VipsBandFormat WantedDepth(const std::string& asked, const OutputName& output) {
   const VipsBandFormat depth = asked == "8"       ? VIPS_FORMAT_UCHAR
                                : asked == "16"    ? VIPS_FORMAT_USHORT
                                : asked == "float" ? VIPS_FORMAT_FLOAT
@@ -80,9 +81,8 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   const Complaints complaints;
   ProgressTeller teller{channel};
   try {
-    OpenedPhotograph opened =
-        OpenPhotograph(pair.input, 1, WantedDepth(plan.options.depth, pair.output.path),
-                       MostDepth(pair.output.path));
+    OpenedPhotograph opened = OpenPhotograph(
+        pair.input, 1, WantedDepth(plan.options.depth, pair.output), MostDepth(pair.output));
     complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();
@@ -98,7 +98,7 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
       tellNotices();
       return {width, height};
     }
-    LitSettings settings = SettingsFor(style, tools.surroundings);
+    LitSettings settings = SettingsFor(style, tools.surroundings, plan.options.depth != "8");
     settings.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
     const vips::VImage lit = LitImage(opened.planes, settings);
     vips_image_set_progress(lit.get_image(), TRUE);

@@ -103,7 +103,8 @@ void AddLighting(CLI::App& apply, ApplyOptions& options) {
            "Change one setting of the style; may be repeated");
   AddValue(apply, "--depth", options.depth, "8|16|float",
            "Light and write so many bits a channel (default: those\n"
-           "of the image, or as many as the output's format holds)")
+           "of the image, or as many as the output's format holds);\n"
+           "8 is what the dialog does, with height maps too")
       ->check(CLI::IsMember({"8", "16", "float"}));
   AddValue(apply, "--area", options.area, "X,Y,W,H", "Light only this rectangle, in pixels");
   AddValue(apply, "--mask", options.mask, "IMAGE",

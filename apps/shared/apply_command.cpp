@@ -63,7 +63,8 @@ std::string CommandLine(const ApplyCommand& command) {
     line += " --channel " + FileWord(channel);
   if (command.maxPixels != 0)
     line += " --max-pixels " + std::to_string(command.maxPixels);
-  return line + " --style " + ShellWord(ShortJson(command.style));
+  // What the dialog has shown and lit, whatever the files hold.
+  return line + " --depth 8 --style " + ShellWord(ShortJson(command.style));
 }
 
 bool HasControls(const std::string& line) {

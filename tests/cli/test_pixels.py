@@ -86,6 +86,12 @@ class Pixels(support.LimnTest):
                     above = [word / 257 - byte for word, byte in zip(got.samples, lit)]
                     self.assertTrue(-0.01 <= min(above) and 0.3 < max(above) < 2, (min(above), max(above)))
                     self.assertGreater(len(set(got.samples)), 4 * len(set(lit)), "lit in bytes")
+        support.vips("linear", "floats.v", "bright.v", 0.01, "--", -0.2)
+        support.vips("copy", "bright.v", "bright.tif", "--interpretation", "scrgb")
+        support.write_pnm("none.pgm", support.filled(60, 40, 0))
+        self.limn("apply", "bright.tif", "--mask", "none.pgm", "-o", "out.tif", "-f")
+        self.assertSame(support.read("out.tif"), support.read("bright.tif"), "beyond black and white")
+        self.limn("apply", "in.png", "-o", "out.tif[compression=webp]", "-f", says="become 8")
         for depth, bits in [("8", 8), ("16", 16), ("float", 32)]:
             self.limn("apply", "in.ppm", "-o", "out.tif", "-f", "--depth", depth)
             self.assertEqual(support.read("out.tif").depth, bits)
@@ -95,6 +101,14 @@ class Pixels(support.LimnTest):
         self.limn("apply", "in.ppm", "--channel", "heights.pgm", *relief, "-o", "a.ppm")
         self.limn("apply", "in.ppm", "--channel", "terraces.pgm", *relief, "-o", "b.ppm")
         self.assertSame(support.read("a.ppm"), support.read("b.ppm"))
+        slope = Picture(60, 40, 1, [257 * 90 + 60 * (i % 60) for i in range(2400)], 16)  # terraces in bytes
+        support.write_pnm("slope.pgm", slope)
+        support.write_pnm("stairs.pgm", Picture(60, 40, 1, [value >> 8 for value in slope.samples]))
+        for depth, channel, output in [([], "slope.pgm", "a.ppm"), (["--depth", 8], "slope.pgm", "b.ppm"),
+                                       ([], "stairs.pgm", "c.ppm")]:
+            self.limn("apply", "in.ppm", "--channel", channel, *depth, *relief, "-o", output)
+        self.assertSame(support.read("b.ppm"), support.read("c.ppm"), "--depth 8 is what the dialog does")
+        self.assertNotEqual(list(support.read("a.ppm").samples), list(support.read("c.ppm").samples))
 
     def test_orientation(self):
         picture = pattern(7, 5, 4)

@@ -155,8 +155,6 @@ TEST(Deep, ReliefOfWordsIsThatOfBytes) {
       EXPECT_EQ(Light(scene, params, words, Words(scene.heights), kernels),
                 Light(scene, params, words, scene.heights, kernels));
     }
-    const std::vector<uint16_t> level(scene.pixels.size() / 3, 12345);
-    EXPECT_EQ(Light(scene, params, words, level, LM_BestKernels()).size(), words.size());
   }
 }
 
