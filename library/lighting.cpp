@@ -10,9 +10,11 @@
 #include <memory>
 
 struct limn_lighting {
-  LM_render_job job;
+  std::unique_ptr<LM_render_job> job;
   limn::Format format;
   int ownRelief; // the picture's channel that the style takes as relief, from 1, or 0
+  limn_keep keep = LIMN_KEEP_NOTHING;
+  mutable LM_kept_sums kept = {}; // of the last run, for pictures that are all flat or all not
 };
 
 namespace limn {
@@ -37,17 +39,23 @@ std::unique_ptr<foo> ParametersOf(const limn_settings* settings, const Format& f
   return params;
 }
 
+void PrepareFor(const limn_settings* settings, const Format& format, limn_lighting& lighting) {
+  const LM_style& style = StyleOf(settings);
+  auto job = std::make_unique<LM_render_job>();
+  // The area was checked, so that there can be but one reason.
+  if (LM_PrepareStyle(style, format.area, format.width, format.height, format.channels, *job) !=
+      LM_render_result::Done)
+    throw std::bad_alloc();
+  lighting.format = format;
+  lighting.ownRelief = job->params.bumpChannel;
+  lighting.job = std::move(job);
+  lighting.kept = {};
+}
+
 std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn_picture* picture) {
   NeedPointer(picture, "picture");
-  const Format format = FormatOf(*picture);
-  const LM_style& style = StyleOf(settings);
   auto lighting = std::make_unique<limn_lighting>();
-  lighting->format = format;
-  // The area was checked, so that there can be but one reason.
-  if (LM_PrepareStyle(style, format.area, format.width, format.height, format.channels,
-                      lighting->job) != LM_render_result::Done)
-    throw std::bad_alloc();
-  lighting->ownRelief = lighting->job.params.bumpChannel;
+  PrepareFor(settings, FormatOf(*picture), *lighting);
   return lighting;
 }
 
@@ -81,6 +89,18 @@ std::unique_ptr<uint8_t[]> CopyRelief(const Format& format, LM_pixel_kind kind,
   return copy;
 }
 
+// The sums that are kept for the picture, or null. Not to have them costs time alone.
+LM_kept_sums* KeptFor(const limn_lighting& lighting, const LM_render_views& views) {
+  const bool isFlat = views.relief.pixels == nullptr;
+  if (lighting.keep == LIMN_KEEP_NOTHING || (!isFlat && lighting.keep != LIMN_KEEP_RELIEF) ||
+      views.kind != LM_pixel_kind::Bytes)
+    return nullptr;
+  LM_kept_sums& kept = lighting.kept;
+  if (kept.sums == nullptr || (kept.facets == 1) != isFlat)
+    LM_StartKeeping(*lighting.job, !isFlat, kept);
+  return &kept;
+}
+
 void CopyRows(const Format& format, const LM_render_views& views, Rows rows) {
   const size_t bytes =
       static_cast<size_t>(format.width) * static_cast<size_t>(views.source.pixelStep);
@@ -98,6 +118,7 @@ void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_
   LM_render_views& views = pixels.views;
   if (pixels.reliefIsInOutput)
     relief = CopyRelief(format, views.reliefKind, views.relief);
+  views.kept = KeptFor(lighting, views);
   const LM_rect& area = format.area;
   const bool isWhole =
       area.top == 0 && area.left == 0 && area.bottom == format.height && area.right == format.width;
@@ -107,7 +128,7 @@ void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_
     if (copies)
       CopyRows(format, views, band);
     LM_RenderRect(
-        lighting.job, views,
+        *lighting.job, views,
         {std::max(band.first, area.top), area.left, std::min(band.last, area.bottom), area.right},
         scratch);
   });
@@ -140,6 +161,32 @@ limn_result limn_light(const limn_settings* settings, const limn_picture* pictur
   return Guard(error, [&] {
     const auto lighting = limn::Prepare(settings, picture);
     limn::Run(*lighting, *picture, options == nullptr ? limn_options{} : *options);
+  });
+}
+
+uint64_t limn_kept_bytes(const limn_lighting* lighting, limn_keep keep) {
+  if (lighting == nullptr || (keep != LIMN_KEEP_FLAT && keep != LIMN_KEEP_RELIEF))
+    return 0;
+  return LM_KeptBytes(*lighting->job, keep == LIMN_KEEP_RELIEF);
+}
+
+limn_result limn_set_keep(limn_lighting* lighting, limn_keep keep, limn_error* error) {
+  return Guard(error, [&] {
+    NeedPointer(lighting, "lighting");
+    if (keep < LIMN_KEEP_NOTHING || keep > LIMN_KEEP_RELIEF)
+      throw limn::CallFailure{LIMN_BAD_ARGUMENT, "keep: there is no such way to keep"};
+    lighting->keep = keep;
+    lighting->kept = {};
+  });
+}
+
+limn_result limn_set_settings(limn_lighting* lighting, const limn_settings* settings,
+                              limn_error* error) {
+  return Guard(error, [&] {
+    NeedPointer(lighting, "lighting");
+    const auto params = limn::ParametersOf(settings, lighting->format);
+    if (params->bumpChannel != lighting->ownRelief || !LM_ChangeSurface(*params, *lighting->job))
+      limn::PrepareFor(settings, lighting->format, *lighting);
   });
 }
 

@@ -191,9 +191,34 @@ typedef struct limn_lighting limn_lighting;
 LIMN_API limn_lighting* limn_prepare(const limn_settings* settings, const limn_picture* picture,
                                      limn_error* error);
 
-/* Lights a picture of that size. One lighting may serve several threads at once. */
+/* Lights a picture of that size. One lighting may serve several threads at once, unless it keeps
+ * what it has lit (limn_set_keep). */
 LIMN_API limn_result limn_run(const limn_lighting* lighting, const limn_picture* picture,
                               const limn_options* options, limn_error* error);
+
+/* What lights give depends on them and, in relief, on the heights, but on no pixel. A lighting can
+ * keep it from picture to picture, which leaves the combination with the pixels: gloss, material,
+ * exposure and ambience. The result is the same to the bit. Pictures of bytes alone gain by it. */
+typedef enum limn_keep {
+  LIMN_KEEP_NOTHING = 0,
+  LIMN_KEEP_FLAT = 1,  /* of pictures that are lit without relief */
+  LIMN_KEEP_RELIEF = 2 /* of those in relief too, as long as the heights of all are the same */
+} limn_keep;
+
+/* What keeping takes, in bytes: 24 for each pixel of the area, in relief four times as many. 0 where
+ * nothing is kept, or lighting is null. */
+LIMN_API uint64_t limn_kept_bytes(const limn_lighting* lighting, limn_keep keep);
+
+/* Keeps from the next run on, and forgets what was kept: call it again when the heights are others.
+ * Memory is taken by the run that needs it; where it is short, nothing is kept and all is lit. From
+ * now on a run changes the lighting, and one thread at a time may use it. LIMN_BAD_ARGUMENT. */
+LIMN_API limn_result limn_set_keep(limn_lighting* lighting, limn_keep keep, limn_error* error);
+
+/* Goes on with other settings for the same pictures, as a new limn_prepare would. What is kept
+ * stays while only gloss, material, exposure and ambience change. With an error all stays as it
+ * was: LIMN_BAD_ARGUMENT, LIMN_BAD_STYLE or LIMN_NO_MEMORY. */
+LIMN_API limn_result limn_set_settings(limn_lighting* lighting, const limn_settings* settings,
+                                       limn_error* error);
 
 LIMN_API void limn_lighting_free(limn_lighting* lighting);
 

@@ -59,6 +59,12 @@ struct LM_kernel_part {
   LM_color96 *diffuse, *specular;
 };
 
+// Sums of a row that are kept for the next picture: of every vector of pixels its sums plane by
+// plane, diffuse before specular, of a pixel in relief those of its four facets. The order within a
+// vector is the instruction set's own. The ambient light is not in them.
+constexpr int LM_KEPT_SUMS = 2 * LM_PLANES;
+constexpr int LM_FACETS = 4;
+
 // Samples of one row, and their sums of light so far. normals: null for a flat surface.
 struct LM_kernel_samples {
   const LM_vector2f* positions;
@@ -87,6 +93,13 @@ struct LM_kernels {
   // as for relief, or null for a flat surface.
   void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
                int n, const int32_t* const* heights, const LM_deep_planes& planes);
+  // The sums that flat and relief combine, kept: LM_KEPT_SUMS of each of n pixels or, with heights,
+  // of its LM_FACETS facets. The lights begin without the ambient light.
+  void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
+               int32_t* kept);
+  // Lights n pixels by sums that were kept, and the ambient light.
+  void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const int32_t* kept,
+                  int facets, int n, const LM_kernel_planes& planes);
   // Adds the lights to the samples' sums, and stores each light's part; parts go with the lights.
   void (*sum)(const LM_kernel_lights& lights, const LM_kernel_part* parts,
               const LM_kernel_samples& samples);

@@ -1,6 +1,7 @@
 #include "LM_render.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 #include "LM_row_driver.h"
@@ -37,6 +38,41 @@ bool FillColumns(LM_render_job& job) {
     job.columns[i] = grid.X(job.area.left + static_cast<int32_t>(i));
   std::fill_n(job.columns.get() + width, LM_KERNEL_SLACK, job.columns[width - 1]);
   return true;
+}
+
+// Whether two lights are the same to the bit, caches apart.
+bool IsSameLight(const LM_light& a, const LM_light& b) {
+  constexpr size_t OWN = offsetof(LM_light, spreadMinCos) + sizeof(LM_light::spreadMinCos);
+  return std::memcmp(&a, &b, OWN) == 0;
+}
+
+// Integers in a row of kept sums; vectors fill the last one up.
+size_t KeptRow(const LM_render_job& job, int facets) {
+  const size_t width = (static_cast<size_t>(job.AreaWidth()) + LM_KERNEL_SLACK - 1) /
+                       LM_KERNEL_SLACK * LM_KERNEL_SLACK;
+  return width * LM_KEPT_SUMS * static_cast<size_t>(facets);
+}
+size_t AreaHeight(const LM_render_job& job) {
+  return static_cast<size_t>(job.area.bottom - job.area.top);
+}
+size_t KeptFlags(const LM_render_job& job) {
+  const int blocks = (job.AreaWidth() + LM_RENDER_BLOCK - 1) / LM_RENDER_BLOCK;
+  return static_cast<size_t>(blocks) * AreaHeight(job);
+}
+
+// The rows of a block that begins `column` pixels into the area, in the sums that are kept for it.
+LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, const LM_rect& rect,
+                      int32_t column) {
+  const bool flat = views.relief.pixels == nullptr;
+  if (views.kept == nullptr || views.kept->sums == nullptr || (views.kept->facets == 1) != flat ||
+      views.kind != LM_pixel_kind::Bytes || rect.right - rect.left != job.AreaWidth())
+    return {};
+  const size_t stride = KeptRow(job, views.kept->facets);
+  const size_t row = static_cast<size_t>(rect.top - job.area.top);
+  const size_t block = static_cast<size_t>(column / LM_RENDER_BLOCK);
+  return {views.kept->sums.get() + row * stride +
+              static_cast<size_t>(column * LM_KEPT_SUMS * views.kept->facets),
+          static_cast<ptrdiff_t>(stride), views.kept->ready.get() + block * AreaHeight(job) + row};
 }
 
 } // namespace
@@ -82,6 +118,21 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
   return LM_render_result::Done;
 }
 
+bool LM_ChangeSurface(const foo& params, LM_render_job& job) {
+  const int count = LM_LightCount(&params);
+  if (count != LM_LightCount(&job.params) || params.bumpHeight != job.params.bumpHeight ||
+      params.worldScale != job.params.worldScale ||
+      !std::equal(params.lights, params.lights + count, job.params.lights, IsSameLight))
+    return false;
+  job.params.gloss = params.gloss;
+  job.params.material = params.material;
+  job.params.exposure = params.exposure;
+  job.params.ambient = params.ambient;
+  for (LM_sorted_lights* lights : {&job.flatLights, &job.reliefLights})
+    std::copy_n(params.ambient.component, LM_PLANES, lights->kernel.diffuse);
+  return true;
+}
+
 struct LM_render_scratch {
   LM_row_buffers buffers;
   LM_scratch_rows samples;
@@ -96,6 +147,25 @@ LM_render_scratch_pointer LM_NewRenderScratch() {
   static_assert(sizeof(LM_render_scratch) <= LM_MOST_SCRATCH_BYTES);
   // Cleared, since vectors read beyond a row's end.
   return LM_render_scratch_pointer(new (std::nothrow) LM_render_scratch());
+}
+
+uint64_t LM_KeptBytes(const LM_render_job& job, bool relief) {
+  return uint64_t{KeptRow(job, relief ? LM_FACETS : 1)} * AreaHeight(job) * sizeof(int32_t) +
+         KeptFlags(job);
+}
+
+bool LM_StartKeeping(const LM_render_job& job, bool relief, LM_kept_sums& kept) {
+  kept = {};
+  if (LM_KeptBytes(job, relief) > PTRDIFF_MAX)
+    return false;
+  const int facets = relief ? LM_FACETS : 1;
+  std::unique_ptr<int32_t[]> sums(new (std::nothrow)
+                                      int32_t[KeptRow(job, facets) * AreaHeight(job)]);
+  std::unique_ptr<uint8_t[]> ready(new (std::nothrow) uint8_t[KeptFlags(job)]());
+  if (sums == nullptr || ready == nullptr)
+    return false;
+  kept = {facets, std::move(sums), std::move(ready)};
+  return true;
 }
 
 LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& views,
@@ -119,11 +189,13 @@ LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& 
                     nullptr,
                     views.kind,
                     views.reliefKind,
-                    &scratch.deep};
+                    &scratch.deep,
+                    {}};
   for (int32_t x = rect.left; x < rect.right; x += LM_RENDER_BLOCK) {
     piece.rect.left = x;
     piece.rect.right = std::min(rect.right, x + LM_RENDER_BLOCK);
     piece.columns = job.columns.get() + (x - job.area.left);
+    piece.kept = KeptRows(job, views, rect, x - job.area.left);
     LM_row_driver driver(piece, LM_ScratchStore(scratch.samples), scratch.buffers);
     for (int32_t y = rect.top; y < rect.bottom; ++y)
       driver.LightNextRow();

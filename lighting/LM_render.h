@@ -47,6 +47,10 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
                                   int32_t imageHeight, const LM_kernels* kernels,
                                   LM_render_job& job);
 
+// Takes gloss, material, exposure and ambience of a block with the job's own lights and heights, so
+// that sums which are kept stay valid. False, and nothing changed, when the lights are others.
+bool LM_ChangeSurface(const foo& params, LM_render_job& job);
+
 // Room to work in, of at most LM_MOST_SCRATCH_BYTES: to be allocated by the caller, one for each
 // thread, and kept from call to call. Holds nothing between calls.
 constexpr size_t LM_MOST_SCRATCH_BYTES = 126'000;
@@ -58,6 +62,21 @@ using LM_render_scratch_pointer = std::unique_ptr<LM_render_scratch, LM_render_s
 // Null when memory is short.
 LM_render_scratch_pointer LM_NewRenderScratch();
 
+// The sums of light in the filter area of one job, kept from picture to picture: they depend on the
+// lights, and in relief on the heights, but on no pixel and on none of gloss, material, exposure
+// and ambience. Rows whose lights vectors do not take are lit anew each time, as everything is
+// without vectors. Threads may share it while their rectangles do not overlap.
+struct LM_kept_sums {
+  int facets;                       // 1 for a flat surface, LM_FACETS for relief
+  std::unique_ptr<int32_t[]> sums;  // null: nothing is kept
+  std::unique_ptr<uint8_t[]> ready; // by block of LM_RENDER_BLOCK columns, then by row of the area
+};
+// What it takes.
+uint64_t LM_KeptBytes(const LM_render_job& job, bool relief);
+// Makes room for sums that are to be kept, and forgets those that were. False when memory is short:
+// nothing is kept then.
+bool LM_StartKeeping(const LM_render_job& job, bool relief, LM_kept_sums& kept);
+
 // What a call reads and writes. source and output: planes 0 to 2 are the first three components of
 // a pixel; further bytes of the output are left alone. They may be the same pixels. relief: the
 // first component of a pixel is its height; its pixels are null for a flat surface. Beyond the
@@ -65,11 +84,14 @@ LM_render_scratch_pointer LM_NewRenderScratch();
 // the image. It must not overlap the output. kind: of the source's and the output's components
 // alike, the first three of a pixel; reliefKind: of the relief's. Pixels of more than 8 bits are
 // lit in the arithmetic of LM_deep_pixels.h, whatever the relief's kind; bytes in that of bytes.
+// kept: this job's, for the same heights, or null; used and filled by rectangles of bytes that are
+// as wide as the area.
 struct LM_render_views {
   LM_source_view source;
   LM_output_view output;
   LM_source_view relief;
   LM_pixel_kind kind = LM_pixel_kind::Bytes, reliefKind = LM_pixel_kind::Bytes;
+  LM_kept_sums* kept = nullptr;
 };
 
 // Lights the pixels of `rect`, in image coordinates. An empty one is done at once. With any result

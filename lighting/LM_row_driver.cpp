@@ -17,6 +17,10 @@ void Unpack(const uint8_t* packed, uint32_t n, uint8_t* pixels, ptrdiff_t step) 
     std::copy_n(packed, LM_PLANES, pixels);
 }
 
+LM_kernel_surface SurfaceOf(const foo& params) {
+  return {params.gloss, params.material, params.exposure};
+}
+
 // The lights as a row's vectors begin with them. On a flat surface a directional light is the same
 // for all samples, so it is there from the start; but sums of floats keep the lights' order.
 LM_kernel_lights FirstRow(const LM_piece& piece) {
@@ -127,14 +131,17 @@ void LM_row_driver::_FillHeights(int32_t y) {
   }
 }
 
-// Lights n samples of a row's planes from the `first` one on.
-void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n) {
-  const foo& params = *_piece.params;
-  const LM_kernel_surface surface = {params.gloss, params.material, params.exposure};
+// Lights n samples of a row's planes from the `first` one on; or only keeps what lights give them.
+void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n,
+                              int32_t* kept) {
+  const LM_kernel_surface surface = SurfaceOf(*_piece.params);
   const float* const columns = _piece.columns + first;
   const int32_t* const heights[3] = {_buffers.heights.At(row - 1) + first,
                                      _buffers.heights.At(row) + first,
                                      _buffers.heights.At(row + 1) + first};
+  if (kept != nullptr)
+    return _piece.kernels->keep(lights, columns, n, _piece.IsFlat() ? nullptr : heights,
+                                kept + ptrdiff_t{first} * LM_KEPT_SUMS * _piece.Facets());
   if (_piece.kind != LM_pixel_kind::Bytes) {
     _piece.kernels->deep(lights, surface, columns, n, _piece.IsFlat() ? nullptr : heights,
                          _piece.deep->Planes(first));
@@ -148,17 +155,32 @@ void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t row, int f
     _piece.kernels->relief(lights, surface, columns, n, heights, planes);
 }
 
-// Lights a row's planes, each run by the lights that reach it.
-void LM_row_driver::_LightRuns(int32_t y) {
+// Lights a row's planes, or keeps its sums, each run by the lights that reach it.
+void LM_row_driver::_LightRuns(int32_t y, int32_t* kept) {
   const int n = static_cast<int>(_piece.Pixels());
   const int pieces = LM_ReachPieces(n);
   const LM_row_reach reach = LM_FindReach(_row, _piece.columns, n);
   for (int piece = 0, end = 0; piece < pieces; piece = end) {
     end = reach.EndOfRun(piece, pieces);
     LM_SelectLights(_row, reach.lights[piece], _near);
+    for (int plane = 0; kept != nullptr && plane < LM_PLANES; ++plane)
+      _near.diffuse[plane] =
+          LM_WrapSubtract(_near.diffuse[plane], _piece.params->ambient.component[plane]);
     const int first = piece * LM_REACH_PIECE;
-    _LightRun(_near, y - _piece.rect.top, first, std::min(end * LM_REACH_PIECE, n) - first);
+    _LightRun(_near, y - _piece.rect.top, first, std::min(end * LM_REACH_PIECE, n) - first, kept);
   }
+}
+
+// Lights a row's planes by its kept sums, which are made first where they are not there.
+void LM_row_driver::_LightKept(int32_t y) {
+  const int32_t row = y - _piece.rect.top;
+  int32_t* sums = _piece.kept.sums + row * _piece.kept.stride;
+  if (_piece.kept.ready[row] == 0)
+    _LightRuns(y, sums);
+  _piece.kept.ready[row] = 1;
+  _piece.kernels->combine(SurfaceOf(*_piece.params), _piece.params->ambient.component, sums,
+                          _piece.Facets(), static_cast<int>(_piece.Pixels()),
+                          {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}});
 }
 
 void LM_row_driver::_LightPlanes(int32_t y) {
@@ -166,7 +188,10 @@ void LM_row_driver::_LightPlanes(int32_t y) {
   const int n = static_cast<int>(_piece.Pixels());
   const LM_kernel_planes planes = {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}};
   kernels.split(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, n, planes);
-  _LightRuns(y);
+  if (_piece.kept.sums != nullptr)
+    _LightKept(y);
+  else
+    _LightRuns(y, nullptr);
   kernels.join(planes, n, _piece.output.At(_piece.rect.left, y), _piece.output.pixelStep);
 }
 
@@ -179,7 +204,7 @@ void LM_row_driver::_LightDeep(int32_t y, bool onVectors) {
   const int32_t* const heights[3] = {_buffers.heights.At(row - 1), _buffers.heights.At(row),
                                      _buffers.heights.At(row + 1)};
   if (onVectors)
-    _LightRuns(y);
+    _LightRuns(y, nullptr);
   else
     LM_LightDeepPixels(*_piece.params, _piece.columns, _grid.Y(y), n,
                        _piece.IsFlat() ? nullptr : heights, planes);

@@ -11,6 +11,13 @@
 #include "LM_sample_store.h"
 #include "LM_vector_sums.h"
 
+// The rows of a piece in a store of sums. sums: null where nothing is kept.
+struct LM_kept_rows {
+  int32_t* sums;    // of the piece's first row
+  ptrdiff_t stride; // integers from a row to the next
+  uint8_t* ready;   // of each row: 1 when its sums are there
+};
+
 // All that the rows of a piece have in common. Nothing is owned.
 struct LM_piece {
   const foo* params;
@@ -30,8 +37,10 @@ struct LM_piece {
   // where all is.
   LM_pixel_kind kind = LM_pixel_kind::Bytes, planeKind = LM_pixel_kind::Bytes;
   LM_deep_buffers* deep = nullptr;
+  LM_kept_rows kept = {}; // where the rows' sums are kept from picture to picture
 
   bool IsFlat() const { return plane.pixels == nullptr && map == nullptr; }
+  int Facets() const { return IsFlat() ? 1 : LM_FACETS; }
   uint32_t Pixels() const { return static_cast<uint32_t>(rect.right - rect.left); }
 };
 
@@ -57,8 +66,9 @@ public:
 private:
   bool _PutLightsIntoRow(float place);
   void _LightPlanes(int32_t y);
-  void _LightRuns(int32_t y);
-  void _LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n);
+  void _LightRuns(int32_t y, int32_t* kept);
+  void _LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n, int32_t* kept);
+  void _LightKept(int32_t y);
   void _LightDeep(int32_t y, bool onVectors);
   void _LightFlatSamples(int32_t y);
   void _LightFacets(int32_t y, uint32_t first, uint32_t pixels);

@@ -17,7 +17,7 @@ typedef struct Filter {
   char* style;                  /* a file, or the name of a bundled style; never null */
   char* area;                   /* "WIDTHxHEIGHT", or "" for all of it; never null */
   double slider[STYLE_SLIDERS]; /* as of StyleSliderValue */
-  limn_lighting* lighting;      /* null: not prepared, or it cannot be */
+  limn_lighting* lighting;      /* null: not prepared, or it cannot be. It keeps its light */
   int isPrepared;               /* whether `lighting` is that of the parameters */
   int hasComplained;            /* since then */
 } Filter;
@@ -66,9 +66,14 @@ static void Prepare(Filter* filter) {
   limn_picture picture;
   limn_settings* settings =
       ReadPicture(filter, &picture) ? LoadStyle(filter->style, filter->slider, &error) : NULL;
-  filter->isPrepared = 1;
-  if (settings != NULL)
+  if (settings == NULL || limn_set_settings(filter->lighting, settings, NULL) != LIMN_OK)
+    Forget(filter);
+  if (settings != NULL && filter->lighting == NULL) {
     filter->lighting = limn_prepare(settings, &picture, &error);
+    limn_set_keep(filter->lighting, LIMN_KEEP_FLAT, NULL);
+  }
+  filter->isPrepared = 1;
+  filter->hasComplained = 0;
   limn_settings_free(settings);
   if (filter->lighting == NULL)
     Complain(filter, error.text);
@@ -158,7 +163,7 @@ void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index) 
     if (value == filter->slider[index - FIRST_SLIDER])
       return;
     filter->slider[index - FIRST_SLIDER] = value;
-    Forget(filter);
+    filter->isPrepared = 0; /* what the lights give is still good */
   }
 }
 

@@ -20,6 +20,7 @@
 #define LM_TARGET_HAS_KERNELS 1
 #include "LM_deep_kernel-inl.h"
 #include "LM_flat_kernel-inl.h"
+#include "LM_kept_kernel-inl.h"
 #include "LM_pixel_kernels-inl.h"
 #include "LM_relief_kernel-inl.h"
 #include "LM_sum_kernel-inl.h"
@@ -39,6 +40,8 @@ const LM_kernels* TargetKernels() {
                                      FilterHeights,
                                      LightRelief,
                                      LightDeep,
+                                     KeepSums,
+                                     CombineKept,
                                      SumLights,
                                      ReciprocalRoots};
   return &kernels;

@@ -211,6 +211,47 @@ TEST(Library, TakesHeightsOfAnyKind) {
   }
 }
 
+// Frames that differ, under lights that stay, then under another surface, then under other lights.
+TEST(Library, KeepsWhatLightGivesFromPictureToPicture) {
+  limn_error error;
+  for (const bool isFlat : {true, false}) {
+    SCOPED_TRACE(isFlat ? "flat" : "in relief");
+    const Settings settings = MakeSettings();
+    if (isFlat)
+      limn_settings_set(settings.get(), "bumpChannel", "0", nullptr);
+    Bytes heights = Noise(WIDTH * HEIGHT);
+    Bytes pixels(WIDTH * HEIGHT * 3);
+    limn_picture picture = Packed(pixels.data());
+    picture.relief = isFlat ? nullptr : heights.data();
+    const Lighting lighting(limn_prepare(settings.get(), &picture, nullptr), limn_lighting_free);
+    EXPECT_EQ(limn_set_keep(lighting.get(), static_cast<limn_keep>(3), &error), LIMN_BAD_ARGUMENT);
+    EXPECT_EQ(limn_set_keep(lighting.get(), LIMN_KEEP_RELIEF, &error), LIMN_OK) << error.text;
+    EXPECT_GE(limn_kept_bytes(lighting.get(), LIMN_KEEP_FLAT), 24U * WIDTH * HEIGHT);
+    EXPECT_GE(limn_kept_bytes(lighting.get(), LIMN_KEEP_RELIEF), 96U * WIDTH * HEIGHT);
+    for (int frame = 0; frame < 8; ++frame) {
+      SCOPED_TRACE(frame);
+      if (frame == 2)
+        for (const char* key : {"gloss", "material", "exposure", "ambience"})
+          limn_settings_set(settings.get(), key, "33", nullptr);
+      if (frame == 4)
+        limn_settings_set(settings.get(), "light.1.intensity", "-90", nullptr);
+      if (frame == 6) {
+        heights[heights.size() / 2] ^= 255;
+        limn_set_keep(lighting.get(), LIMN_KEEP_RELIEF, nullptr);
+      }
+      ASSERT_EQ(limn_set_settings(lighting.get(), settings.get(), &error), LIMN_OK) << error.text;
+      for (size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = static_cast<uint8_t>(i * 31 % 251 * static_cast<size_t>(frame));
+      Bytes expected = pixels;
+      limn_picture anew = picture;
+      anew.source = anew.output = expected.data();
+      ASSERT_EQ(limn_light(settings.get(), &anew, nullptr, nullptr), LIMN_OK);
+      ASSERT_EQ(limn_run(lighting.get(), &picture, nullptr, &error), LIMN_OK) << error.text;
+      EXPECT_TRUE(pixels == expected);
+    }
+  }
+}
+
 TEST(Library, RefusesWhatCannotBe) {
   const std::pair<const char*, std::function<void(limn_picture&)>> cases[] = {
       {"width: 0 ", [](limn_picture& p) { p.width = 0; }},

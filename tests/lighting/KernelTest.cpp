@@ -125,6 +125,43 @@ TEST(Kernels, LastPlacesOfLightEqualThePlainRows) {
   }
 }
 
+// The second picture is combined with what the first one's rows have kept, the third with another
+// surface; other lights are not taken for it.
+TEST(Kernels, KeptSumsGiveWhatLightGives) {
+  if (LM_BestKernels() == nullptr)
+    GTEST_SKIP() << "no vector kernels here";
+  SceneRandom random(53);
+  for (uint64_t seed = 0; seed < 24 && !testing::Test::HasFailure(); ++seed) {
+    // Wider than a block, and not as wide as vectors.
+    const Scene scene = SizedScene(900 + seed, seed % 4 < 2 ? 1039 : 77, 9, seed % 2 == 1);
+    EngineRun settings(scene);
+    foo params = *settings.Convert(0);
+    if (seed % 3 == 0)
+      MakeLoud(params, random);
+    if (seed % 3 == 1)
+      MakeStrong(params, random);
+    const LM_rect all = {0, 0, scene.height, scene.width};
+    for (const LM_kernels* kernels : AllKernels()) {
+      SCOPED_TRACE(scene.name + " " + std::to_string(seed) + ", " + NameOf(kernels));
+      RenderRun kept(scene, params, {kernels, 3, 1, false, true});
+      kept.Light({0, 0, 4, scene.width});
+      foo changed = params;
+      for (int picture = 0; picture < 3; ++picture) {
+        RenderRun plain(scene, changed, {nullptr, 3, 1, false});
+        plain.Light(all);
+        kept.Light(all);
+        ExpectSamePicture(plain.Picture(), kept.Picture(), scene.width);
+        changed.gloss = static_cast<int16_t>(random.Between(0, 255));
+        changed.material = static_cast<int16_t>(random.OneOf({0, 77, 256}));
+        changed.ambient.component[picture] = static_cast<int32_t>(random.Next());
+        EXPECT_TRUE(kept.ChangeSurface(changed));
+      }
+      changed.lights[0].spreadTable[LM_SPREAD_ENTRIES - 1] += 1.0F;
+      EXPECT_FALSE(kept.ChangeSurface(changed)) << "a falloff has changed";
+    }
+  }
+}
+
 TEST(Kernels, HeightsWrapAndDivideAsThePlainOnes) {
   SceneRandom random(7);
   for (const LM_kernels* kernels : AllKernels()) {

@@ -73,6 +73,8 @@ RenderRun::RenderRun(const Scene& scene, const foo& params, const RenderLayout& 
   EXPECT_EQ(LM_PrepareRender(params, {a.top, a.left, a.bottom, a.right}, scene.width, scene.height,
                              layout.kernels, _job),
             LM_render_result::Done);
+  if (layout.keeps)
+    EXPECT_TRUE(LM_StartKeeping(_job, !scene.heights.empty(), _kept));
   _out = CutOut(scene.pixels, scene.width, 3, layout.pixelStep, {0, 0, scene.height, scene.width});
 }
 
@@ -98,7 +100,10 @@ void RenderRun::Light(const LM_rect& rect) {
   const LM_render_views views = {
       {source.data(), ptrdiff_t{seen.right - seen.left} * step, step, seen},
       {_out.data(), ptrdiff_t{_scene.width} * step, step, all},
-      relief};
+      relief,
+      LM_pixel_kind::Bytes,
+      LM_pixel_kind::Bytes,
+      &_kept};
   const LM_render_scratch_pointer scratch = LM_NewRenderScratch();
   EXPECT_EQ(LM_RenderRect(_job, views, rect, *scratch), LM_render_result::Done);
 }

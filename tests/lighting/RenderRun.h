@@ -10,7 +10,8 @@ struct RenderLayout {
   const LM_kernels* kernels; // null: the plain rows
   int pixelStep;             // bytes from pixel to pixel of the picture
   int reliefStep;            // and of the relief plane
-  bool strips; // each call sees exactly the memory that it may read, and not a byte more
+  bool strips;        // each call sees exactly the memory that it may read, and not a byte more
+  bool keeps = false; // sums of light stay from call to call
 };
 
 // The kernels of this machine, and null for none.
@@ -26,6 +27,8 @@ public:
   RenderRun(const Scene& scene, const foo& params, const RenderLayout& layout);
   // Lights one rectangle. Rectangles that do not overlap may be lit on several threads.
   void Light(const LM_rect& rect);
+  // Whether what is kept goes on with the block's surface.
+  bool ChangeSurface(const foo& params) { return LM_ChangeSurface(params, _job); }
   // Rows of the area that vectors light; the others hold numbers that only the plain rows take.
   int VectorRows() const;
   // The picture, packed; fails the test when a byte beside the first three of a pixel was touched.
@@ -35,5 +38,6 @@ private:
   const Scene& _scene;
   RenderLayout _layout;
   LM_render_job _job;
+  LM_kept_sums _kept = {};
   std::vector<uint8_t> _out;
 };
