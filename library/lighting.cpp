@@ -51,29 +51,41 @@ std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn
   return lighting;
 }
 
+// n components of BYTES bytes each, `step` bytes apart, moved together. Returns the end.
+template <size_t BYTES> uint8_t* Gather(const uint8_t* in, ptrdiff_t step, size_t n, uint8_t* out) {
+  for (size_t i = 0; i < n; ++i, in += step, out += BYTES)
+    std::memcpy(out, in, BYTES);
+  return out;
+}
+
 // The relief that the area needs, moved to where no output is written. The view leads there.
-std::unique_ptr<uint8_t[]> CopyRelief(const Format& format, LM_source_view& relief) {
+std::unique_ptr<uint8_t[]> CopyRelief(const Format& format, LM_pixel_kind kind,
+                                      LM_source_view& relief) {
   const LM_rect& area = format.area;
   const LM_rect rect = {std::max(area.top - LM_RELIEF_REACH, 0),
                         std::max(area.left - LM_RELIEF_REACH, 0),
                         std::min(area.bottom + LM_RELIEF_REACH, format.height),
                         std::min(area.right + LM_RELIEF_REACH, format.width)};
+  const auto gather = kind == LM_pixel_kind::Bytes   ? Gather<1>
+                      : kind == LM_pixel_kind::Words ? Gather<2>
+                                                     : Gather<4>;
+  const ptrdiff_t bytes = LM_ComponentBytes(kind);
   const size_t width = static_cast<size_t>(rect.right - rect.left);
-  std::unique_ptr<uint8_t[]> copy(new uint8_t[width * static_cast<size_t>(rect.bottom - rect.top)]);
+  const size_t rowBytes = width * static_cast<size_t>(bytes);
+  std::unique_ptr<uint8_t[]> copy(
+      new uint8_t[rowBytes * static_cast<size_t>(rect.bottom - rect.top)]);
   uint8_t* out = copy.get();
-  for (int32_t y = rect.top; y < rect.bottom; ++y) {
-    const uint8_t* in = relief.At(rect.left, y);
-    for (size_t x = 0; x < width; ++x, in += relief.pixelStep)
-      *out++ = *in;
-  }
-  relief = {copy.get(), static_cast<ptrdiff_t>(width), 1, rect};
+  for (int32_t y = rect.top; y < rect.bottom; ++y)
+    out = gather(relief.At(rect.left, y), relief.pixelStep, width, out);
+  relief = {copy.get(), static_cast<ptrdiff_t>(rowBytes), bytes, rect};
   return copy;
 }
 
-void CopyRows(const Format& format, const Pixels& pixels, Rows rows) {
-  const size_t bytes = static_cast<size_t>(format.width) * static_cast<size_t>(format.channels);
+void CopyRows(const Format& format, const LM_render_views& views, Rows rows) {
+  const size_t bytes =
+      static_cast<size_t>(format.width) * static_cast<size_t>(views.source.pixelStep);
   for (int32_t y = rows.first; y < rows.last; ++y)
-    std::memcpy(pixels.output.At(0, y), pixels.source.At(0, y), bytes);
+    std::memcpy(views.output.At(0, y), views.source.At(0, y), bytes);
 }
 
 void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_options& options) {
@@ -83,9 +95,9 @@ void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_
                       "picture: its size, channels or area are not those of the lighting"};
   Pixels pixels = PixelsOf(picture, format, lighting.ownRelief);
   std::unique_ptr<uint8_t[]> relief;
+  LM_render_views& views = pixels.views;
   if (pixels.reliefIsInOutput)
-    relief = CopyRelief(format, pixels.relief);
-  const LM_render_views views = {pixels.source, pixels.output, pixels.relief};
+    relief = CopyRelief(format, views.reliefKind, views.relief);
   const LM_rect& area = format.area;
   const bool isWhole =
       area.top == 0 && area.left == 0 && area.bottom == format.height && area.right == format.width;
@@ -93,7 +105,7 @@ void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_
   const Rows rows = copies ? Rows{0, format.height} : Rows{area.top, area.bottom};
   LightInBands(rows, format.width, options, [&](Rows band, LM_render_scratch& scratch) {
     if (copies)
-      CopyRows(format, pixels, band);
+      CopyRows(format, views, band);
     LM_RenderRect(
         lighting.job, views,
         {std::max(band.first, area.top), area.left, std::min(band.last, area.bottom), area.right},

@@ -1,4 +1,5 @@
-/* Limn's lighting as a C library: lights, gloss and relief on 8-bit pixels in memory.
+/* Limn's lighting as a C library: lights, gloss and relief on pixels in memory, of 8 or 16 bits or
+ * floats.
  *
  *   limn_error error;
  *   limn_settings *settings = limn_settings_load("evening.json", &error);
@@ -9,8 +10,8 @@
  *     fprintf(stderr, "%s\n", error.text);
  *   limn_settings_free(settings);
  *
- * The bytes are those of the command `limn apply` with the same style, on every machine and with
- * any number of threads.
+ * The result is that of the command `limn apply` with the same style and depth, bit for bit, on
+ * every machine and with any number of threads.
  *
  * There is no global state. Functions may be called from several threads at once, as long as none
  * of them changes or frees an object that another one uses. Every pointer may be null where it says
@@ -36,7 +37,7 @@ extern "C" {
 /* The version of this header; limn_version() is that of the library. */
 #define LIMN_VERSION "1.0.0"
 
-/* Limits of a picture: pixels along a side, and bytes a pixel. */
+/* Limits of a picture: pixels along a side, and components a pixel. */
 #define LIMN_LONGEST_SIDE 32767
 #define LIMN_MOST_CHANNELS 32767
 
@@ -120,11 +121,23 @@ typedef struct limn_area {
   int32_t x, y, width, height;
 } limn_area;
 
+/* What one component of a pixel is, in this machine's byte order. Components need no alignment. */
+typedef enum limn_kind {
+  LIMN_BYTES = 0, /* 8 bits */
+  LIMN_WORDS = 1, /* 16 bits: white is 65535 */
+  LIMN_FLOATS = 2 /* single precision: white is 1.0; what is below 0 or above 1 is kept, in and out.
+                   * NaN counts as 0, and what is infinite as the largest number */
+} limn_kind;
+
 /* A picture in memory. Clear it first, then set what is needed; 0 stands for the usual. Pointers
- * lead to the first byte of the top left pixel. */
+ * lead to the first byte of the top left pixel, and strides and steps count bytes, whatever the
+ * kind of pixel. */
 typedef struct limn_picture {
   int32_t width, height; /* in pixels, 1 to LIMN_LONGEST_SIDE */
-  int32_t channels;      /* bytes a pixel: red, green, blue, then any others. At least 3 */
+  int32_t channels;      /* components a pixel: red, green, blue, then any others. At least 3 */
+  /* Of every component, in the source and in the output. Words and floats are lit in an arithmetic
+   * of single precision, bytes in that of the plug-in. */
+  limn_kind kind;
 
   /* Where the pixels come from, and where they go. The same pointer and stride: in place. Otherwise
    * the two must not share a byte, and the output gets all of the picture: what is not lit is
@@ -136,14 +149,17 @@ typedef struct limn_picture {
   uint8_t* output;
   ptrdiff_t output_stride;
 
-  /* Heights for relief, one byte a pixel, as many as the picture has pixels. Null: the style's
+  /* Heights for relief, one component a pixel, as many as the picture has pixels. Null: the style's
    * relief channel, if it is one of the picture's. It may be a part of the source or of the output:
    * what it holds when the call begins counts. */
   const uint8_t* relief;
   ptrdiff_t relief_stride; /* as above */
-  ptrdiff_t relief_step;   /* bytes from a pixel to its right neighbour. 0: 1 */
+  ptrdiff_t relief_step;   /* bytes from a pixel to its right neighbour. 0: those of a component */
+  /* Of the relief alone, whatever the picture's kind. Every kind has the same range of heights, 0
+   * to white; floats end there. Not looked at where relief is null. */
+  limn_kind relief_kind;
 
-  /* The part that is lit, and that the style is fitted to. All 0: everything. */
+  /* The part that is lit, in pixels, and that the style is fitted to. All 0: everything. */
   limn_area area;
 } limn_picture;
 
@@ -170,7 +186,8 @@ LIMN_API limn_result limn_light(const limn_settings* settings, const limn_pictur
 typedef struct limn_lighting limn_lighting;
 
 /* Prepares the settings for pictures of this width, height, number of channels and area; nothing
- * else of the picture is looked at. Null with an error. Freed by the caller. */
+ * else of the picture is looked at, and pictures of every kind can be lit. Null with an error.
+ * Freed by the caller. */
 LIMN_API limn_lighting* limn_prepare(const limn_settings* settings, const limn_picture* picture,
                                      limn_error* error);
 

@@ -3,6 +3,7 @@
 #include "guard.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 namespace limn {
@@ -23,6 +24,30 @@ void NeedReach(const char* name, ptrdiff_t step, int32_t count) {
   const ptrdiff_t most = PTRDIFF_MAX / 2 / std::max(count - 1, 1);
   if (step > most || step < -most)
     Refuse(std::string(name) + ": " + std::to_string(step) + " bytes reach beyond all memory");
+}
+
+// The field is read as a number, since a caller may have left any there.
+LM_pixel_kind KindOf(const char* name, const limn_kind& field) {
+  int32_t number = 0;
+  static_assert(sizeof number == sizeof field);
+  std::memcpy(&number, &field, sizeof number);
+  switch (number) {
+  case LIMN_BYTES:
+    return LM_pixel_kind::Bytes;
+  case LIMN_WORDS:
+    return LM_pixel_kind::Words;
+  case LIMN_FLOATS:
+    return LM_pixel_kind::Floats;
+  default:
+    Refuse(std::string(name) + ": " + std::to_string(number) + " is no kind of pixel");
+  }
+}
+
+// Neighbours that would share bytes, `step` bytes apart.
+void NeedRoom(const char* name, ptrdiff_t step, ptrdiff_t bytes, const char* what) {
+  if (step < bytes && step > -bytes)
+    Refuse(std::string(name) + ": " + what + " of " + std::to_string(bytes) +
+           " bytes overlap, being " + std::to_string(step) + " bytes apart");
 }
 
 // The addresses that a view touches, and some between them.
@@ -48,36 +73,41 @@ Extent ExtentOf(const char* name, const LM_view<Byte>& view, ptrdiff_t pixelByte
 }
 
 template <class Byte>
-LM_view<Byte> RowsOf(const char* name, Byte* pixels, ptrdiff_t stride, const Format& format) {
+LM_view<Byte> RowsOf(const char* name, Byte* pixels, ptrdiff_t stride, const Format& format,
+                     LM_pixel_kind kind) {
   NeedPointer(pixels, name);
-  const ptrdiff_t rowBytes = ptrdiff_t{format.width} * format.channels;
+  const ptrdiff_t pixelBytes = ptrdiff_t{format.channels} * LM_ComponentBytes(kind);
+  NeedReach(name, pixelBytes, format.width);
+  const ptrdiff_t rowBytes = format.width * pixelBytes;
   if (stride == 0)
     stride = rowBytes;
   NeedReach(name, stride, format.height);
-  if (format.height > 1 && stride < rowBytes && stride > -rowBytes)
-    Refuse(std::string(name) + ": rows of " + std::to_string(rowBytes) + " bytes overlap at " +
-           std::to_string(stride) + " bytes from row to row");
-  return {pixels, stride, format.channels, {0, 0, format.height, format.width}};
+  if (format.height > 1)
+    NeedRoom(name, stride, rowBytes, "rows");
+  return {pixels, stride, pixelBytes, {0, 0, format.height, format.width}};
 }
 
-LM_source_view ReliefOf(const limn_picture& picture, const Format& format) {
-  const ptrdiff_t step = picture.relief_step == 0 ? 1 : picture.relief_step;
+LM_source_view ReliefOf(const limn_picture& picture, const Format& format, LM_pixel_kind kind) {
+  const ptrdiff_t bytes = LM_ComponentBytes(kind);
+  const ptrdiff_t step = picture.relief_step == 0 ? bytes : picture.relief_step;
+  NeedRoom("relief", step, bytes, "heights");
   NeedReach("relief", step, format.width);
   const ptrdiff_t stride = picture.relief_stride == 0 ? step * format.width : picture.relief_stride;
+  NeedRoom("relief", stride, bytes, "heights");
   NeedReach("relief", stride, format.height);
   return {picture.relief, stride, step, {0, 0, format.height, format.width}};
 }
 
 // Rows of one view that fit into the gaps between those of the other, side by side in memory.
-bool AreSideBySide(const Pixels& pixels, const Format& format) {
-  const ptrdiff_t stride = pixels.source.rowStride;
-  if (stride != pixels.output.rowStride)
+bool AreSideBySide(const LM_render_views& views) {
+  const ptrdiff_t stride = views.source.rowStride;
+  if (stride != views.output.rowStride)
     return false;
   const uintptr_t period = static_cast<uintptr_t>(stride < 0 ? -stride : stride);
-  const uintptr_t rowBytes =
-      static_cast<uintptr_t>(format.width) * static_cast<uintptr_t>(format.channels);
-  const uintptr_t source = reinterpret_cast<uintptr_t>(pixels.source.pixels);
-  const uintptr_t output = reinterpret_cast<uintptr_t>(pixels.output.pixels);
+  const uintptr_t rowBytes = static_cast<uintptr_t>(views.source.bounds.right) *
+                             static_cast<uintptr_t>(views.source.pixelStep);
+  const uintptr_t source = reinterpret_cast<uintptr_t>(views.source.pixels);
+  const uintptr_t output = reinterpret_cast<uintptr_t>(views.output.pixels);
   const uintptr_t gap =
       output > source ? (output - source) % period : period - 1 - (source - output - 1) % period;
   return gap >= rowBytes && gap + rowBytes <= period;
@@ -110,22 +140,27 @@ Format FormatOf(const limn_picture& picture) {
 
 Pixels PixelsOf(const limn_picture& picture, const Format& format, int ownRelief) {
   Pixels pixels = {};
-  pixels.source = RowsOf("source", picture.source, picture.source_stride, format);
-  pixels.output = RowsOf("output", picture.output, picture.output_stride, format);
-  const Extent source = ExtentOf("source", pixels.source, format.channels);
-  const Extent output = ExtentOf("output", pixels.output, format.channels);
+  LM_render_views& views = pixels.views;
+  views.kind = KindOf("kind", picture.kind);
+  views.source = RowsOf("source", picture.source, picture.source_stride, format, views.kind);
+  views.output = RowsOf("output", picture.output, picture.output_stride, format, views.kind);
+  const Extent source = ExtentOf("source", views.source, views.source.pixelStep);
+  const Extent output = ExtentOf("output", views.output, views.output.pixelStep);
   pixels.inPlace = picture.source == picture.output &&
-                   (format.height == 1 || pixels.source.rowStride == pixels.output.rowStride);
-  if (!pixels.inPlace && source.Meets(output) && !AreSideBySide(pixels, format))
+                   (format.height == 1 || views.source.rowStride == views.output.rowStride);
+  if (!pixels.inPlace && source.Meets(output) && !AreSideBySide(views))
     Refuse("output: it shares bytes with the source without being the same pixels");
   if (picture.relief != nullptr) {
-    pixels.relief = ReliefOf(picture, format);
+    views.reliefKind = KindOf("relief_kind", picture.relief_kind);
+    views.relief = ReliefOf(picture, format, views.reliefKind);
   } else if (ownRelief > 0) {
-    pixels.relief = pixels.source;
-    pixels.relief.pixels += ownRelief - 1;
+    views.reliefKind = views.kind;
+    views.relief = views.source;
+    views.relief.pixels += ptrdiff_t{ownRelief - 1} * LM_ComponentBytes(views.kind);
   }
-  if (pixels.relief.pixels != nullptr)
-    pixels.reliefIsInOutput = ExtentOf("relief", pixels.relief, 1).Meets(output);
+  if (views.relief.pixels != nullptr)
+    pixels.reliefIsInOutput =
+        ExtentOf("relief", views.relief, LM_ComponentBytes(views.reliefKind)).Meets(output);
   return pixels;
 }
 

@@ -3,7 +3,7 @@
 
 #include "limn.h"
 
-#include "LM_image.h"
+#include "LM_render.h"
 
 namespace limn {
 
@@ -19,9 +19,7 @@ Format FormatOf(const limn_picture& picture);
 
 // The picture's pixels, with strides filled in. Every byte of a view lies within the address space.
 struct Pixels {
-  LM_source_view source;
-  LM_output_view output;
-  LM_source_view relief; // pixels null: none
+  LM_render_views views;
   bool inPlace;
   bool reliefIsInOutput; // its bytes may change while the output is written
 };

@@ -64,15 +64,28 @@ static GeglRectangle BoundingBox(GeglOperation* operation) {
   return box != NULL ? *box : *GEGL_RECTANGLE(0, 0, 0, 0);
 }
 
-/* Bytes in the picture's own colour space, so that a file's bytes are lit, as the command does. */
+/* What has no format yet is taken for bytes, as most files hold them. */
+static limn_kind KindOf(const Babl* format) {
+  return format == NULL || babl_format_get_type(format, 0) == babl_type("u8") ? LIMN_BYTES
+                                                                              : LIMN_FLOATS;
+}
+
+/* In the picture's own colour space, so that a file's own numbers are lit, as the command does:
+ * bytes where the graph has bytes, and floats where it has anything deeper. The heights' depth is
+ * their own. */
 static void Prepare(GeglOperation* operation) {
+  static const char* const COLORS[2][2] = {{"R'G'B' u8", "R'G'B' float"},
+                                           {"R'G'B'A u8", "R'G'B'A float"}};
   const Babl* source = gegl_operation_get_source_format(operation, "input");
+  const Babl* heights = gegl_operation_get_source_format(operation, "aux");
   const int hasAlpha = source == NULL || babl_format_has_alpha(source);
   const Babl* space = source != NULL ? babl_format_get_space(source) : NULL;
-  const Babl* format = babl_format_with_space(hasAlpha ? "R'G'B'A u8" : "R'G'B' u8", space);
+  const Babl* format =
+      babl_format_with_space(COLORS[hasAlpha != 0][KindOf(source) == LIMN_FLOATS], space);
   gegl_operation_set_format(operation, "input", format);
   gegl_operation_set_format(operation, "output", format);
-  gegl_operation_set_format(operation, "aux", babl_format("Y' u8"));
+  gegl_operation_set_format(operation, "aux",
+                            babl_format(KindOf(heights) == LIMN_FLOATS ? "Y' float" : "Y' u8"));
 }
 
 static guchar* BytesOf(GeglBuffer* buffer, const GeglRectangle* box, const Babl* format) {
@@ -84,12 +97,15 @@ static guchar* BytesOf(GeglBuffer* buffer, const GeglRectangle* box, const Babl*
 }
 
 /* Whether the work's pixels are lit. */
-static int Light(const LightOperation* self, GeglBuffer* input, GeglBuffer* aux,
-                 const GeglRectangle* box, const Babl* format, Work* work, limn_error* error) {
+static int Light(LightOperation* self, GeglBuffer* input, GeglBuffer* aux, const GeglRectangle* box,
+                 Work* work, limn_error* error) {
+  const Babl* format = gegl_operation_get_format((GeglOperation*)self, "output");
+  const Babl* heights = gegl_operation_get_format((GeglOperation*)self, "aux");
   limn_picture picture = {0};
   picture.width = box->width;
   picture.height = box->height;
-  picture.channels = babl_format_get_bytes_per_pixel(format);
+  picture.channels = babl_format_get_n_components(format);
+  picture.kind = KindOf(format);
   work->settings = LoadStyle(self->style, self->slider, error);
   if (work->settings == NULL)
     return 0;
@@ -99,7 +115,7 @@ static int Light(const LightOperation* self, GeglBuffer* input, GeglBuffer* aux,
     return 0;
   work->pixels = BytesOf(input, box, format);
   if (aux != NULL)
-    work->heights = BytesOf(aux, box, babl_format("Y' u8"));
+    work->heights = BytesOf(aux, box, heights);
   if (work->pixels == NULL || (aux != NULL && work->heights == NULL)) {
     error->code = LIMN_NO_MEMORY;
     g_strlcpy(error->text, "not enough memory", sizeof error->text);
@@ -107,6 +123,7 @@ static int Light(const LightOperation* self, GeglBuffer* input, GeglBuffer* aux,
   }
   picture.source = picture.output = work->pixels;
   picture.relief = work->heights;
+  picture.relief_kind = KindOf(heights);
   return limn_run(work->lighting, &picture, NULL, error) == LIMN_OK;
 }
 
@@ -119,8 +136,7 @@ static gboolean Process(GeglOperation* operation, GeglBuffer* input, GeglBuffer*
   (void)level;
   if (input == NULL)
     return TRUE;
-  if (HasPixels(box) &&
-      Light((const LightOperation*)operation, input, aux, box, format, &work, &error)) {
+  if (HasPixels(box) && Light((LightOperation*)operation, input, aux, box, &work, &error)) {
     gegl_buffer_set(output, box, 0, format, work.pixels, GEGL_AUTO_ROWSTRIDE);
   } else {
     if (HasPixels(box))

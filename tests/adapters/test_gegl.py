@@ -1,4 +1,4 @@
-"""limn:light in the gegl command: its pictures have the bytes that the command makes of the same file."""
+"""limn:light in the gegl command: its pictures are what the command makes of the same file, of 8 bits or deeper."""
 
 import os
 import subprocess
@@ -18,17 +18,18 @@ class Gegl(AdapterTest):
         support.write_png("rgb.png", support.pattern(WIDTH, HEIGHT, 3))
         support.write_png("rgba.png", support.pattern(WIDTH, HEIGHT, 4))
         support.write_png("gamma.png", support.pattern(WIDTH, HEIGHT, 3), extra=gamma)
-        support.write_png("heights.png", support.smooth(WIDTH, HEIGHT, 1))
         os.mkdir("modules")  # few, as loading them all takes longer than the lighting
-        for module in "gegl-core", "gegl-common", "png-load", "png-save":
+        for module in "gegl-core", "gegl-common", "png-load", "png-save", "tiff-load", "tiff-save":
             os.symlink(f"{MODULES}/{module}.so", f"modules/{module}.so")
+
+    def environment(self):
+        return {**os.environ, "GEGL_PATH": f"modules:{os.path.dirname(os.environ['LIMN_GEGL'])}"}
 
     def gegl(self, image, *operations):
         """What gegl makes of an image file, and what it said."""
         answer = subprocess.run(
             ["gegl", "--", "gegl:png-load", f"path={image}", *operations, "gegl:png-save", "path=gegl.png", "bitdepth=8"],
-            check=True, capture_output=True, timeout=600, text=True,
-            env={**os.environ, "GEGL_PATH": f"modules:{os.path.dirname(os.environ['LIMN_GEGL'])}"})
+            check=True, capture_output=True, timeout=600, text=True, env=self.environment())
         return support.read("gegl.png"), answer.stderr
 
     def test_pictures_are_those_of_the_command(self):
@@ -40,9 +41,29 @@ class Gegl(AdapterTest):
         for image in "rgba.png", "gamma.png":
             self.assertSame(self.gegl(image, "limn:light", "style=style.json")[0], self.lit(image, "style.json"), image)
 
+    def deep(self, image, *operations):
+        """The floats that gegl makes of a TIFF file."""
+        subprocess.run(["gegl", "--", "gegl:tiff-load", f"path={image}", *operations,
+                        "gegl:tiff-save", "path=gegl.tif", "bitdepth=32", "fp=1"],
+                       check=True, capture_output=True, timeout=600, env=self.environment())
+        return support.read("gegl.tif")
+
+    def test_deep_graphs_are_lit_as_floats(self):
+        support.write_png("words.png", support.pattern(WIDTH, HEIGHT, 3, 16))
+        support.vips("linear", "words.png", "floats.tif", 2 / 65535, -0.3)
+        support.vips("copy", "words.png", "words.tif")
+        for image in "words.tif", "floats.tif":
+            self.limn("apply", "--quiet", "--force", "--depth", "float", "--style", "style.json", image, "-o", "lit.tif")
+            picture = self.deep(image, "limn:light", "style=style.json")
+            self.assertSame(picture, support.read("lit.tif"), image)
+        self.assertLess(min(picture.samples), -0.1)
+        self.assertGreater(max(picture.samples), 1.1)
+
     def test_second_input_is_the_relief(self):
-        picture, _ = self.gegl("rgb.png", "limn:light", "style=style.json", "aux=[", "gegl:png-load", "path=heights.png", "]")
-        self.assertSame(picture, self.lit("rgb.png", "style.json", ["bumpChannel=4"], channel="heights.png"))
+        for depth in 8, 16:  # whatever the picture has
+            support.write_png("heights.png", support.pattern(WIDTH, HEIGHT, 1, depth, seed=3))
+            picture, _ = self.gegl("rgb.png", "limn:light", "style=style.json", "aux=[", "gegl:png-load", "path=heights.png", "]")
+            self.assertSame(picture, self.lit("rgb.png", "style.json", ["bumpChannel=4"], channel="heights.png"), depth)
 
     def test_a_part_is_lit_as_part_of_the_whole(self):
         support.vips("crop", "rgb.png", "part.png", 30, 40, 100, 60)

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cfenv>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -31,27 +32,45 @@ Settings MakeSettings(const char* json = STYLE) {
   return {limn_settings_from_json(json, nullptr), limn_settings_free};
 }
 
-Bytes Noise(size_t size) {
-  Bytes bytes(size);
+const limn_kind KINDS[] = {LIMN_BYTES, LIMN_WORDS, LIMN_FLOATS};
+constexpr int ComponentBytes(limn_kind kind) {
+  return 1 << kind;
+}
+
+// Bytes, words of as many values, or floats from -0.5 to 1.5.
+Bytes Noise(size_t components, limn_kind kind = LIMN_BYTES) {
+  Bytes bytes(components * static_cast<size_t>(ComponentBytes(kind)));
   uint32_t state = 7;
-  for (uint8_t& byte : bytes)
-    byte = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
+  for (size_t i = 0; i < components; ++i) {
+    state = state * 1664525 + 1013904223;
+    if (kind == LIMN_BYTES) {
+      bytes[i] = static_cast<uint8_t>(state >> 24);
+    } else if (kind == LIMN_WORDS) {
+      const auto word = static_cast<uint16_t>(state >> 16);
+      std::memcpy(&bytes[i * 2], &word, sizeof word);
+    } else {
+      const float number = static_cast<float>(state) / 0x1p31F - 0.5F;
+      std::memcpy(&bytes[i * 4], &number, sizeof number);
+    }
+  }
   return bytes;
 }
 
-limn_picture Packed(uint8_t* pixels) {
+limn_picture Packed(uint8_t* pixels, limn_kind kind = LIMN_BYTES) {
   limn_picture picture = {};
   picture.width = WIDTH;
   picture.height = HEIGHT;
   picture.channels = 3;
+  picture.kind = kind;
   picture.source = picture.output = pixels;
   return picture;
 }
 
-// The noise picture lit in place, in the plainest way: the measure of all others.
-Bytes Plain(limn_area area = {}) {
-  Bytes pixels = Noise(WIDTH * HEIGHT * 3);
-  limn_picture picture = Packed(pixels.data());
+// The noise picture lit in place, in the plainest way: the measure of all others. What it has to be
+// is in test_users.py.
+Bytes Plain(limn_area area = {}, limn_kind kind = LIMN_BYTES) {
+  Bytes pixels = Noise(WIDTH * HEIGHT * 3, kind);
+  limn_picture picture = Packed(pixels.data(), kind);
   picture.area = area;
   const limn_options options = {1, nullptr, nullptr};
   limn_error error;
@@ -63,7 +82,7 @@ Bytes Plain(limn_area area = {}) {
 struct Layout {
   const char* name;
   int channels;
-  int gap; // bytes between rows
+  int gap; // bytes between rows, which leave deeper components unaligned
   bool upwards, separate, sideBySide;
   int reliefStep; // 0: the style's own channel; below 0: mirrored rows
   limn_area area;
@@ -84,17 +103,17 @@ const Layout LAYOUTS[] = {
     {"an area, another buffer", 3, 3, false, true, false, 1, PART},
 };
 
-// The noise picture in some layout: every byte that is not a pixel's first three is BESIDE.
+// The noise picture in some layout: every byte that is not of a pixel's first three is BESIDE.
 class LaidOut {
 public:
-  explicit LaidOut(const Layout& layout) : _layout(layout) {
-    const int rowBytes = WIDTH * layout.channels + layout.gap;
+  LaidOut(const Layout& layout, limn_kind kind) : _layout(layout), _size(ComponentBytes(kind)) {
+    const int rowBytes = WIDTH * layout.channels * _size + layout.gap;
     const ptrdiff_t stride = layout.sideBySide ? 2 * rowBytes : rowBytes;
     _source.assign(static_cast<size_t>(stride * HEIGHT), BESIDE);
     if (layout.separate && !layout.sideBySide)
       _output.assign(_source.size(), 1);
     const ptrdiff_t first = layout.upwards ? stride * (HEIGHT - 1) : 0;
-    picture = Packed(_source.data() + first);
+    picture = Packed(_source.data() + first, kind);
     picture.channels = layout.channels;
     picture.source_stride = picture.output_stride = layout.upwards ? -stride : stride;
     if (layout.separate)
@@ -106,11 +125,11 @@ public:
   // What the caller sees as the lit picture, with the bytes beside checked.
   Bytes Result() const {
     Bytes out;
-    for (int i = 0; i < WIDTH * HEIGHT * _layout.channels; ++i) {
-      const int x = i % (WIDTH * _layout.channels);
-      const uint8_t byte =
-          picture.output[i / (WIDTH * _layout.channels) * picture.output_stride + x];
-      if (x % _layout.channels < 3)
+    const int pixelBytes = _layout.channels * _size;
+    for (int i = 0; i < WIDTH * HEIGHT * pixelBytes; ++i) {
+      const int x = i % (WIDTH * pixelBytes);
+      const uint8_t byte = picture.output[i / (WIDTH * pixelBytes) * picture.output_stride + x];
+      if (x % pixelBytes < 3 * _size)
         out.push_back(byte);
       else if (byte != BESIDE)
         ADD_FAILURE() << "byte " << i << " beside the colours is " << int{byte};
@@ -122,40 +141,72 @@ public:
 
 private:
   void Fill() {
-    const Bytes noise = Noise(WIDTH * HEIGHT * 3);
-    const ptrdiff_t step = _layout.reliefStep;
-    _relief.assign(static_cast<size_t>(WIDTH * HEIGHT * std::abs(step)), 0);
+    const Bytes noise = Noise(WIDTH * HEIGHT * 3, picture.kind);
+    const ptrdiff_t step = ptrdiff_t{_layout.reliefStep} * _size;
+    const ptrdiff_t stride = WIDTH * std::abs(step) + 1;
+    _relief.assign(static_cast<size_t>(HEIGHT * stride), 0);
     if (step != 0) {
       picture.relief = _relief.data() + (step < 0 ? (WIDTH - 1) * -step : 0);
       picture.relief_step = step;
-      picture.relief_stride = WIDTH * std::abs(step);
+      picture.relief_stride = stride;
+      picture.relief_kind = picture.kind;
     }
     uint8_t* source = const_cast<uint8_t*>(picture.source);
     for (int i = 0; i < WIDTH * HEIGHT; ++i) {
       const int x = i % WIDTH;
       const int y = i / WIDTH;
-      std::copy_n(&noise[static_cast<size_t>(i) * 3], 3,
-                  source + y * picture.source_stride + x * _layout.channels);
+      const uint8_t* const pixel = &noise[static_cast<size_t>(i) * 3 * _size];
+      std::copy_n(pixel, 3 * _size,
+                  source + y * picture.source_stride + x * _layout.channels * _size);
       if (step != 0)
-        const_cast<uint8_t*>(picture.relief)[y * picture.relief_stride + x * step] =
-            noise[static_cast<size_t>(i) * 3 + 1];
+        std::copy_n(pixel + _size, _size,
+                    const_cast<uint8_t*>(picture.relief) + y * stride + x * step);
     }
   }
 
   Layout _layout;
+  int _size; // of a component
   Bytes _source, _output, _relief;
 };
 
 TEST(Library, LightsEveryLayoutAlike) {
-  for (const Layout& layout : LAYOUTS) {
-    const Bytes expected = Plain(layout.area);
-    for (const int threads : {0, 1, 3, 1 << 30}) {
-      LaidOut pixels(layout);
-      const limn_options options = {threads, nullptr, nullptr};
-      limn_error error;
-      EXPECT_EQ(limn_light(MakeSettings().get(), &pixels.picture, &options, &error), LIMN_OK)
-          << layout.name << ": " << error.text;
-      EXPECT_TRUE(pixels.Result() == expected) << layout.name << ", " << threads << " threads";
+  for (const Layout& layout : LAYOUTS)
+    for (const limn_kind kind : KINDS) {
+      const Bytes expected = Plain(layout.area, kind);
+      for (const int threads : {0, 1, 3, 1 << 30}) {
+        LaidOut pixels(layout, kind);
+        const limn_options options = {threads, nullptr, nullptr};
+        limn_error error;
+        EXPECT_EQ(limn_light(MakeSettings().get(), &pixels.picture, &options, &error), LIMN_OK)
+            << layout.name << ": " << error.text;
+        EXPECT_TRUE(pixels.Result() == expected)
+            << layout.name << ", kind " << kind << ", " << threads << " threads";
+      }
+    }
+}
+
+// Bytes, words 257 times as large and floats from 0 to 1 are the same heights for every picture.
+TEST(Library, TakesHeightsOfAnyKind) {
+  const Bytes bytes = Noise(WIDTH * HEIGHT);
+  std::vector<uint16_t> words;
+  std::vector<float> floats;
+  for (const uint8_t byte : bytes) {
+    words.push_back(static_cast<uint16_t>(byte * 257));
+    floats.push_back(static_cast<float>(byte) / 255.0F);
+  }
+  const void* const heights[] = {bytes.data(), words.data(), floats.data()};
+  for (const limn_kind kind : KINDS) {
+    Bytes expected;
+    for (const limn_kind reliefKind : KINDS) {
+      Bytes pixels = Noise(WIDTH * HEIGHT * 3, kind);
+      limn_picture picture = Packed(pixels.data(), kind);
+      picture.relief = static_cast<const uint8_t*>(heights[reliefKind]);
+      picture.relief_kind = reliefKind;
+      EXPECT_EQ(limn_light(MakeSettings().get(), &picture, nullptr, nullptr), LIMN_OK);
+      EXPECT_TRUE(pixels != Plain({}, kind)) << "kind " << kind;
+      if (reliefKind == LIMN_BYTES)
+        expected = pixels;
+      EXPECT_TRUE(pixels == expected) << "kind " << kind << ", relief of kind " << reliefKind;
     }
   }
 }
@@ -175,6 +226,25 @@ TEST(Library, RefusesWhatCannotBe) {
       {"output: ", [](limn_picture& p) { p.output_stride = PTRDIFF_MIN / 2 / 260; }},
       {"relief: ", [](limn_picture& p) { p.relief = p.source, p.relief_stride = PTRDIFF_MIN; }},
       {"relief: ", [](limn_picture& p) { p.relief = p.source, p.relief_step = PTRDIFF_MAX; }},
+      {"kind: -1 is", [](limn_picture& p) { std::memset(&p.kind, 0xFF, sizeof p.kind); }},
+      {"relief_kind: 3 is",
+       [](limn_picture& p) {
+         p.relief = p.source;
+         p.relief_kind = static_cast<limn_kind>(3);
+       }},
+      {"source: rows of 1800 bytes overlap",
+       [](limn_picture& p) { p.kind = LIMN_WORDS, p.source_stride = 1799; }},
+      {"output: rows of 3600 bytes overlap",
+       [](limn_picture& p) { p.kind = LIMN_FLOATS, p.output_stride = -900; }},
+      {"relief: heights of 2 bytes overlap",
+       [](limn_picture& p) {
+         p.relief = p.source, p.relief_kind = LIMN_WORDS, p.relief_step = -1;
+       }},
+      {"relief: heights of 4 bytes overlap",
+       [](limn_picture& p) {
+         p.relief = p.source, p.relief_kind = LIMN_FLOATS, p.relief_stride = 3;
+       }},
+      {"shares bytes", [](limn_picture& p) { p.kind = LIMN_WORDS, p.source += 900 * 260; }},
       {"shares bytes", [](limn_picture& p) { p.output += 3; }},
       {"shares bytes", [](limn_picture& p) { p.source += 900 * 259; }},
       {"area.width: 0 ",
@@ -352,8 +422,9 @@ TEST(Library, HasItsOwnFloatingPoint) {
   EXPECT_TRUE(upward == expected);
 }
 
+// One lighting is good for pictures of every kind.
 TEST(Library, ServesSeveralThreadsAtOnce) {
-  const Bytes expected = Plain();
+  const Bytes expected[] = {Plain(), Plain({}, LIMN_WORDS), Plain({}, LIMN_FLOATS)};
   Settings settings = MakeSettings();
   const limn_picture format = Packed(nullptr);
   Lighting lighting(limn_prepare(settings.get(), &format, nullptr), limn_lighting_free);
@@ -362,13 +433,14 @@ TEST(Library, ServesSeveralThreadsAtOnce) {
   std::atomic<int> same = 0;
   for (int i = 0; i < 6; ++i)
     threads.emplace_back([&, i] {
-      Bytes pixels = Noise(WIDTH * HEIGHT * 3);
-      const limn_picture picture = Packed(pixels.data());
+      const limn_kind kind = KINDS[i % 3];
+      Bytes pixels = Noise(WIDTH * HEIGHT * 3, kind);
+      const limn_picture picture = Packed(pixels.data(), kind);
       if (i % 2 == 0)
         limn_run(lighting.get(), &picture, nullptr, nullptr);
       else
         limn_light(settings.get(), &picture, nullptr, nullptr);
-      same += pixels == expected ? 1 : 0;
+      same += pixels == expected[kind] ? 1 : 0;
     });
   for (std::thread& thread : threads)
     thread.join();

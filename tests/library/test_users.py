@@ -36,12 +36,13 @@ class Users(LimnTest):
         subprocess.run([os.environ["CC"], "-std=c99", *strict, source, *flags, "-o", "light"], check=True)
         subprocess.run([os.environ["CXX"], "-std=c++98", "-Wno-long-long", *strict, "-fsyntax-only", "-xc++",
                         f"{prefix}/include/limn.h"], check=True)
+        support.write_pnm("deep.ppm", support.pattern(61, 47, 3, depth=16))
         support.write_pnm("in.ppm", support.smooth(61, 47))
-        for style, of_command in ("style.json", "style.json"), ("Raking Light", "Raking Light"):
-            subprocess.run(["./light", style, "in.ppm", "c.ppm"], check=True, capture_output=True,
+        for style, image in ("style.json", "in.ppm"), ("Raking Light", "in.ppm"), ("Raking Light", "deep.ppm"):
+            subprocess.run(["./light", style, image, "c.ppm"], check=True, capture_output=True,
                            env={**os.environ, "LD_LIBRARY_PATH": library})
-            self.limn("apply", "--quiet", "--force", "--style", of_command, "in.ppm", "-o", "limn.ppm")
-            self.assertSame(support.read("c.ppm"), support.read("limn.ppm"), style)
+            self.limn("apply", "--quiet", "--force", "--style", style, image, "-o", "limn.ppm")
+            self.assertSame(support.read("c.ppm"), support.read("limn.ppm"), f"{style} {image}")
         answer = subprocess.run(["./light", "no.json", "in.ppm", "c.ppm"], capture_output=True, text=True,
                                 env={**os.environ, "LD_LIBRARY_PATH": library})
         self.assertEqual((answer.returncode, answer.stderr),
@@ -50,36 +51,48 @@ class Users(LimnTest):
     def test_from_python(self):
         os.environ.setdefault("LIBLIMN", LIBLIMN)
         import light
-        picture = support.pattern(90, 70, 3)
-        support.write_pnm("in.ppm", picture)
-        light.main("style.json", "in.ppm", "python.ppm", "exposure=150", "light.1.spread=40")
-        self.limn("apply", "--quiet", "--style", "style.json", "--set", "exposure=150", "--set",
-                  "light.1.spread=40", "in.ppm", "-o", "limn.ppm")
-        self.assertSame(support.read("python.ppm"), support.read("limn.ppm"))
+        for depth in 8, 16:
+            support.write_pnm("in.ppm", support.pattern(90, 70, 3, depth))
+            light.main("style.json", "in.ppm", "python.ppm", "exposure=150", "light.1.spread=40")
+            self.limn("apply", "--quiet", "--force", "--style", "style.json", "--set", "exposure=150", "--set",
+                      "light.1.spread=40", "in.ppm", "-o", "limn.ppm")
+            self.assertSame(support.read("python.ppm"), support.read("limn.ppm"))
         with self.assertRaisesRegex(RuntimeError, "^glos: there is no such setting; did you mean gloss.$"):
             light.main("style.json", "in.ppm", "x.ppm", "glos=1")
 
-    def test_alpha_area_and_height_map(self):
+    def test_depth_alpha_area_and_height_map(self):
         import light
-        heights = support.pattern(80, 60, 1, seed=5)
-        support.write_png("heights.png", heights)
-        for bands, options, area in (4, [], None), (4, ["--area", "7,9,50,40"], (7, 9, 50, 40)), \
-                (3, ["--channel", "heights.png"], None):
-            picture = support.pattern(80, 60, bands)
-            support.write_png("in.png", picture)
-            self.limn("apply", "--quiet", "--force", "--style", "style.json", *options, "in.png", "-o", "limn.png")
-            pixels, error = (ctypes.c_uint8 * len(picture.samples))(*picture.samples), light.Error()
-            relief = (ctypes.c_uint8 * len(heights.samples))(*heights.samples)
+        floats = "linear", "in.png", "in.tif", 2 / 65535, -0.3  # darker than black, brighter than white
+        for depth, bands, kind, area in (8, 4, light.BYTES, None), (8, 4, light.BYTES, (7, 9, 50, 40)), \
+                (8, 3, light.WORDS, None), (16, 4, light.WORDS, (7, 9, 50, 40)), (16, 3, light.BYTES, None), \
+                (32, 3, light.WORDS, None), (32, 4, light.BYTES, (7, 9, 50, 40)):
+            case = f"{depth} bits, {bands} bands, heights of kind {kind}, {area}"
+            support.write_png("in.png", support.pattern(80, 60, bands, min(depth, 16)))
+            source = "in.png"
+            if depth == 32:
+                support.vips(*floats)
+                source = "in.tif"
+            picture = support.read(source)
+            heights = support.pattern(80, 60, 1, 8 if kind == light.BYTES else 16, seed=5)
+            support.write_png("heights.png", heights)
+            channel = bands == 3
+            self.limn("apply", "--quiet", "--force", "--style", "style.json", source, "-o", "limn.tif",
+                      *(["--channel", "heights.png"] if channel else []),
+                      *(["--area", ",".join(map(str, area))] if area else []))
+            self.assertEqual(support.read("limn.tif").depth, depth, case)
+            component = {8: ctypes.c_uint8, 16: ctypes.c_uint16, 32: ctypes.c_float}
+            pixels, error = (component[depth] * len(picture.samples))(*picture.samples), light.Error()
+            relief = (component[heights.depth] * len(heights.samples))(*heights.samples)
             settings = light.limn.limn_settings_load(b"style.json", error)
             address = ctypes.addressof(pixels)
             given = light.Picture(width=80, height=60, channels=bands, source=address, output=address,
-                                  area=light.Area(*(area or ())))
-            if "--channel" in options:
-                given.relief = ctypes.addressof(relief)
+                                  kind=[8, 16, 32].index(depth), area=light.Area(*(area or ())))
+            if channel:
+                given.relief, given.relief_kind = ctypes.addressof(relief), kind
             light.limn.limn_light(settings, given, None, error)
             light.limn.limn_settings_free(settings)
             self.assertEqual(error.text, b"")
-            self.assertSame(Picture(80, 60, bands, pixels), support.read("limn.png"), f"{bands} {options}")
+            self.assertSame(Picture(80, 60, bands, pixels, depth), support.read("limn.tif"), case)
 
 
 unittest.main()

@@ -13,7 +13,7 @@ from fresh_system import FreshSystem
 PROJECT = os.environ["PROJECT"]
 # Packages that are there already are taken as they are.
 PACKAGES = os.environ.get("LIMN_PACKAGES") or os.path.join(os.environ["BUILD"], "packages")
-NAMES = {"limn", "corvaline", "liblimn0", "liblimn-dev", "limn-adapters"}
+NAMES = {"limn", "corvaline", "liblimn1", "liblimn-dev", "limn-adapters"}
 STYLE = "Evening Lamp"
 
 
@@ -67,7 +67,7 @@ class Packages(unittest.TestCase):
             self.limn("edit", "/root/photo.ppm", "-o", "/root/edited.ppm")
 
     def test_3_the_library(self):
-        self.system.install(*self.files("liblimn0", "liblimn-dev"), "gcc", "libc6-dev", "pkg-config")
+        self.system.install(*self.files("liblimn1", "liblimn-dev"), "gcc", "libc6-dev", "pkg-config")
         self.system.run("sh", "-c", "cd /root && gcc light.c $(pkg-config --cflags --libs limn) -o light")
         self.system.run("/root/light", STYLE, "/root/photo.ppm", "/root/library.ppm")
         self.assertLit("/root/library.ppm")
