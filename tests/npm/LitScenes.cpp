@@ -1,10 +1,11 @@
 // lit_scenes COUNT: writes that many generated scenes to the standard output, each as the package's
-// user would hand it over, and what this machine's own build makes of it. After twelve
+// user would hand it over, and what the C library makes of it. After twelve
 // little-endian words (width, height, channels, kind, area x, y, width and height, kind of the
 // relief plane or -1, length of the style, 0, 0) come style, pixels, relief plane and lit pixels.
+#include "LM_image.h"
 #include "LM_style_codec.h"
-#include "LM_style_lighting.h"
 #include "SceneGenerator.h"
+#include "limn.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -87,41 +88,33 @@ void WriteScene(uint64_t number) {
   if (style.lightsRead == 0)
     return;
 
-  const LM_rect area = {scene.area.top, scene.area.left, scene.area.bottom, scene.area.right};
-  const LM_rect all = {0, 0, scene.height, scene.width};
-  std::vector<uint8_t> lit = pixels;
-  LM_render_job job;
-  const LM_render_scratch_pointer scratch = LM_NewRenderScratch();
-  const ptrdiff_t component = LM_ComponentBytes(kind);
-  const ptrdiff_t step = component * channels;
-  LM_render_views views = {};
-  views.kind = kind;
-  views.source = {pixels.data(), step * scene.width, step, all};
-  views.output = {lit.data(), step * scene.width, step, all};
-  if (ownRelief) {
-    views.reliefKind = kind;
-    views.relief = {pixels.data() + 3 * component, step * scene.width, step, all};
-  } else if (hasRelief) {
-    const ptrdiff_t heightStep = LM_ComponentBytes(reliefKind);
-    views.reliefKind = reliefKind;
-    views.relief = {relief.data(), heightStep * scene.width, heightStep, all};
-  }
-  if (LM_PrepareStyle(style, area, scene.width, scene.height, channels, job) !=
-          LM_render_result::Done ||
-      LM_RenderRect(job, views, area, *scratch) != LM_render_result::Done) {
-    std::fprintf(stderr, "%s cannot be lit\n", scene.name.c_str());
-    std::exit(1);
-  }
   uint8_t file[LM_STYLE_MAX_BYTES];
   const size_t length = LM_EncodeStyle(style, file);
+  std::vector<uint8_t> lit(pixels.size());
+  const limn_area area = {scene.area.left, scene.area.top, scene.area.right - scene.area.left,
+                          scene.area.bottom - scene.area.top};
+  limn_picture picture = {};
+  picture.width = scene.width, picture.height = scene.height, picture.channels = channels;
+  picture.kind = static_cast<limn_kind>(kind);
+  picture.relief_kind = static_cast<limn_kind>(reliefKind);
+  picture.source = pixels.data(), picture.output = lit.data();
+  picture.relief = relief.empty() ? nullptr : relief.data();
+  picture.area = area;
+  limn_error error;
+  limn_settings* settings = limn_settings_from_memory(file, length, &error);
+  if (settings == nullptr || limn_light(settings, &picture, nullptr, &error) != LIMN_OK) {
+    std::fprintf(stderr, "%s: %s\n", scene.name.c_str(), error.text);
+    std::exit(1);
+  }
+  limn_settings_free(settings);
   const int32_t words[10] = {scene.width,
                              scene.height,
                              channels,
                              static_cast<int32_t>(kind),
-                             area.left,
-                             area.top,
-                             area.right - area.left,
-                             area.bottom - area.top,
+                             area.x,
+                             area.y,
+                             area.width,
+                             area.height,
                              relief.empty() ? -1 : static_cast<int32_t>(reliefKind),
                              static_cast<int32_t>(length)};
   Write(words, sizeof words);
