@@ -6,7 +6,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test test-deep build deps test-sanitize test-portable test-machines fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
+.PHONY: help demo test test-deep build deps test-sanitize test-portable test-machines test-web npm fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -50,6 +50,20 @@ test-portable: ## Run the tests with 32-bit pointers, and on an emulated 32-bit 
 test-machines: build ## The same, and with clang, the thread sanitizer, valgrind, emulated 64-bit Arm and on Debian 13
 	@scripts/deps deep
 	scripts/test-machines
+
+npm: ## Build the package for Node and browsers, packed into build-wasm
+	@scripts/deps web
+	cmake --preset wasm
+	cmake --build --preset wasm -j $(JOBS) --target limn_wasm
+	cd build-wasm && npm pack --silent ./npm
+
+test-web: npm ## Run the tests of light on WebAssembly, and those of the package in Node
+	cmake --build --preset wasm -j $(JOBS) --target test_lighting
+	ctest --preset wasm
+	@scripts/deps
+	cmake --preset release > /dev/null
+	cmake --build --preset release -j $(JOBS) --target lit_scenes limn
+	tests/npm/run build-wasm/limn-*.tgz $(BUILD)/bin/lit_scenes $(LIMN)
 
 fuzz: ## Let every fuzzer search for TIME seconds, or RUNS executions
 	@scripts/deps check

@@ -3,7 +3,9 @@
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(NOT EMSCRIPTEN)
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+endif()
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
@@ -45,24 +47,25 @@ add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>)
 if(LIMN_WERROR)
   add_compile_options(-Werror)
 endif()
-add_link_options(-Wl,--as-needed)
 
 # What makes a fault of ours harder to use for someone else; tests/deep/test_hardening.py reads it back from the
-# built files.
-include(CheckPIESupported)
-check_pie_supported()
-include(CheckCXXCompilerFlag)
-foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
-  string(MAKE_C_IDENTIFIER "LIMN_HAS${flag}" has)
-  check_cxx_compiler_flag("-Werror ${flag}" ${has})
-  if(${has})
-    add_compile_options(${flag})
+# built files. WebAssembly's own walls stand for it there.
+if(NOT EMSCRIPTEN)
+  add_link_options(-Wl,--as-needed -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+  include(CheckPIESupported)
+  check_pie_supported()
+  include(CheckCXXCompilerFlag)
+  foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+    string(MAKE_C_IDENTIFIER "LIMN_HAS${flag}" has)
+    check_cxx_compiler_flag("-Werror ${flag}" ${has})
+    if(${has})
+      add_compile_options(${flag})
+    endif()
+  endforeach()
+  if(NOT LIMN_SANITIZE) # the sanitizers watch the plain functions
+    add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
   endif()
-endforeach()
-if(NOT LIMN_SANITIZE) # the sanitizers watch the plain functions
-  add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
-add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
 
 if(LIMN_SANITIZE)
   # Unsigned arithmetic is meant to wrap; everything that undefined behaviour covers is an error.
@@ -73,6 +76,20 @@ endif()
 if(LIMN_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link -g1)
 endif()
+
+# limn_lone_headers(TARGET HEADER): the folder of one library of headers, on its own: a cross compiler must not see
+# the rest of the machine's include folder.
+function(limn_lone_headers target header)
+  get_filename_component(folder ${header} DIRECTORY)
+  find_path(LIMN_${target}_INCLUDE ${header} PATHS /usr/include REQUIRED)
+  set(alone ${CMAKE_BINARY_DIR}/third-party)
+  file(MAKE_DIRECTORY ${alone})
+  if(NOT EXISTS ${alone}/${header})
+    file(CREATE_LINK ${LIMN_${target}_INCLUDE}/${folder} ${alone}/${folder} SYMBOLIC)
+  endif()
+  add_library(${target} INTERFACE)
+  target_include_directories(${target} SYSTEM INTERFACE ${alone})
+endfunction()
 
 # limn_find_vips(): libvips, as PkgConfig::VIPS.
 macro(limn_find_vips)

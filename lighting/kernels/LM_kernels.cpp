@@ -11,10 +11,11 @@
 #include "hwy/foreach_target.h"
 #include "hwy/highway.h"
 
-// Emulated vectors, and those without doubles, are slower than the plain code. Vectors whose length
-// is not known here cannot be kept in structures.
+// Emulated vectors, and those without doubles, are slower than the plain code; for WebAssembly the
+// doubles are our own. Vectors whose length is not known here cannot be kept in structures.
 #undef LM_TARGET_HAS_KERNELS
-#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128 || !HWY_HAVE_FLOAT64 || HWY_HAVE_SCALABLE
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128 ||                                        \
+    (!HWY_HAVE_FLOAT64 && HWY_TARGET != HWY_WASM) || HWY_HAVE_SCALABLE
 #define LM_TARGET_HAS_KERNELS 0
 #else
 #define LM_TARGET_HAS_KERNELS 1
@@ -77,7 +78,7 @@ const LM_kernels* KernelsOf(int64_t target) {
 int LM_ListKernels(const LM_kernels** list, int room) {
   int count = 0;
   // Better targets have lower bits.
-  for (int64_t left = hwy::SupportedTargets() & HWY_TARGETS; left != 0 && count < room;
+  for (int64_t left = HWY_SUPPORTED_TARGETS & HWY_TARGETS; left != 0 && count < room;
        left &= left - 1) {
     const LM_kernels* kernels = KernelsOf(left & -left);
     if (kernels != nullptr)

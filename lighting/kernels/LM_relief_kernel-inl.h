@@ -18,7 +18,7 @@ HWY_INLINE Ints LoadBytes(const uint8_t* bytes) {
 }
 
 void FilterHeights(const uint8_t* const taps[3], int n, int32_t scale, int32_t* heights) {
-  const Doubles gain = hn::Set(DoubleTag(), 68.0);
+  const Doubles gain = SetDouble(68.0);
   for (int i = 0; i < n; i += Lanes()) {
     const uint8_t* above = taps[0] + i;
     const uint8_t* middle = taps[1] + i;
@@ -31,9 +31,7 @@ void FilterHeights(const uint8_t* const taps[3], int n, int32_t scale, int32_t* 
     const Ints sum = hn::ShiftLeft<1>(hn::Add(hn::Add(corners, center), hn::ShiftLeft<2>(edges)));
     // The product wraps. A quotient in double cannot round up to the next integer.
     const DoublePair wide = Promote(hn::Mul(sum, SetInt(scale)));
-    hn::StoreU(hn::Combine(IntTag(), hn::DemoteTo(HalfIntTag(), hn::Div(wide.high, gain)),
-                           hn::DemoteTo(HalfIntTag(), hn::Div(wide.low, gain))),
-               IntTag(), heights + i);
+    hn::StoreU(Truncate({Div(wide.low, gain), Div(wide.high, gain)}), IntTag(), heights + i);
   }
 }
 
@@ -66,8 +64,8 @@ HWY_INLINE Floats SquaredNormal(const Gradient& gradient) {
   const DoublePair x = Promote(gradient.x);
   const DoublePair y = Promote(gradient.y);
   // Heights stay below 2^25, so all is exact, fused or not, until the sum is rounded to float.
-  const Floats squares = Demote({hn::MulAdd(x.low, x.low, hn::Mul(y.low, y.low)),
-                                 hn::MulAdd(x.high, x.high, hn::Mul(y.high, y.high))});
+  const Floats squares = Demote(
+      {MulAdd(x.low, x.low, Mul(y.low, y.low)), MulAdd(x.high, x.high, Mul(y.high, y.high))});
   return hn::Add(squares, SetFloat(16777216.0F));
 }
 
@@ -77,8 +75,8 @@ HWY_INLINE void CompleteFacet(Facet& facet) {
   facet.mirroredX = hn::Mul(twice, facet.x);
   facet.mirroredY = hn::Mul(twice, facet.y);
   const DoublePair upwards = Promote(hn::Mul(twice, facet.z));
-  const Doubles one = hn::Set(DoubleTag(), 1.0);
-  facet.mirroredZ = {hn::Sub(upwards.low, one), hn::Sub(upwards.high, one)};
+  const Doubles one = SetDouble(1.0);
+  facet.mirroredZ = {Sub(upwards.low, one), Sub(upwards.high, one)};
 }
 
 HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
@@ -102,9 +100,9 @@ HWY_INLINE void AddFacetLight(Sums& sums, const LM_kernel_light& light, const Fa
 
   const DoublePair sideways =
       Promote(hn::Add(hn::Mul(facet.mirroredX, x), hn::Mul(facet.mirroredY, y)));
-  const Doubles z = hn::Set(DoubleTag(), light.zWide);
-  const Floats mirrored = Demote({hn::Add(sideways.low, hn::Mul(facet.mirroredZ.low, z)),
-                                  hn::Add(sideways.high, hn::Mul(facet.mirroredZ.high, z))});
+  const Doubles z = SetDouble(light.zWide);
+  const Floats mirrored = Demote({Add(sideways.low, Mul(facet.mirroredZ.low, z)),
+                                  Add(sideways.high, Mul(facet.mirroredZ.high, z))});
   const Floats seen = hn::IfThenElseZero(hn::Gt(facing, zero), hn::Max(mirrored, zero));
   const Floats highlight = hn::Mul(hn::Mul(seen, seen), inverse);
   AddColor(sums.specular, light, spot ? hn::Mul(highlight, falloff) : highlight);

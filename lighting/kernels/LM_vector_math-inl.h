@@ -17,12 +17,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 using FloatTag = hn::ScalableTag<float>;
 using IntTag = hn::RebindToSigned<FloatTag>;
 using ByteTag = hn::Rebind<uint8_t, FloatTag>;
-using DoubleTag = hn::Repartition<double, FloatTag>;
-using HalfFloatTag = hn::Rebind<float, DoubleTag>;
-using HalfIntTag = hn::Rebind<int32_t, DoubleTag>;
 using Floats = hn::Vec<FloatTag>;
 using Ints = hn::Vec<IntTag>;
-using Doubles = hn::Vec<DoubleTag>;
 using Mask = hn::Mask<FloatTag>;
 
 HWY_INLINE int Lanes() {
@@ -59,22 +55,21 @@ HWY_INLINE Ints TruncateAny(Floats value) {
   return hn::Or(Truncate(hn::IfThenElseZero(inside, value)), hn::Or(beyond, below));
 }
 
-// Two halves of a vector, in double.
-struct DoublePair {
-  Doubles low, high;
-};
-HWY_INLINE DoublePair Promote(Floats value) {
-  return {hn::PromoteTo(DoubleTag(), hn::LowerHalf(HalfFloatTag(), value)),
-          hn::PromoteTo(DoubleTag(), hn::UpperHalf(HalfFloatTag(), value))};
-}
-HWY_INLINE DoublePair Promote(Ints value) {
-  return {hn::PromoteTo(DoubleTag(), hn::LowerHalf(HalfIntTag(), value)),
-          hn::PromoteTo(DoubleTag(), hn::UpperHalf(HalfIntTag(), value))};
-}
-HWY_INLINE Floats Demote(const DoublePair& value) {
-  return hn::Combine(FloatTag(), hn::DemoteTo(HalfFloatTag(), value.high),
-                     hn::DemoteTo(HalfFloatTag(), value.low));
-}
+} // namespace HWY_NAMESPACE
+} // namespace
+HWY_AFTER_NAMESPACE();
+
+// Doubles: half a vector, in double, and DoublePair: its two halves. What is done to Doubles goes
+// by its name alone (Add, Mul, Sqrt), which is the library's or this build's own.
+#if HWY_TARGET == HWY_WASM
+#include "LM_wasm_doubles-inl.h"
+#else
+#include "LM_doubles-inl.h"
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
 
 // Four vectors on their way through the same steps, one step for all before the next, so that none
 // waits for another.
@@ -135,8 +130,8 @@ template <class Vectors> HWY_INLINE Vectors ReciprocalRoot(const Vectors& value)
 // Without a fused multiply-add, or with an estimate that is coarser than on x86, in double.
 HWY_INLINE Floats ReciprocalRoot(Floats value) {
   const DoublePair wide = Promote(value);
-  const Doubles one = hn::Set(DoubleTag(), 1.0);
-  return Demote({hn::Div(one, hn::Sqrt(wide.low)), hn::Div(one, hn::Sqrt(wide.high))});
+  const Doubles one = SetDouble(1.0);
+  return Demote({Div(one, Sqrt(wide.low)), Div(one, Sqrt(wide.high))});
 }
 HWY_INLINE Floats RootFromEstimate(Floats value, Floats) {
   return ReciprocalRoot(value);
