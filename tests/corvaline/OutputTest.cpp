@@ -138,41 +138,6 @@ TEST(Output, TiledEqualsWhole) {
     }
 }
 
-// All values under all shares: the mean is rounded to the nearest, 0 and 255 are exact.
-TEST(Output, SelectionMixesExactly) {
-  for (const int painted : {0, 1, 100, 254, 255}) {
-    SCOPED_TRACE(painted);
-    CVDocument document;
-    ASSERT_TRUE(document.create(256, 256, CV_MODE_RGB, 3).ok());
-    ASSERT_TRUE(document.createMask(0).ok());
-    for (size_t row = 0; row < 256; ++row)
-      for (size_t column = 0; column < 256; ++column) {
-        document.channel(0).data[row * 768 + column * 3] = static_cast<uint8_t>(row);
-        document.mask().data[row * 256 + column] = static_cast<uint8_t>(column);
-      }
-    Plan plan;
-    plan.start = [&](FilterRecord& record) -> int16_t {
-      record.outTileRect = document.bounds();
-      return 0;
-    };
-    plan.next = [&](FilterRecord& record) -> int16_t {
-      for (int row = 0; row < 256; ++row)
-        std::fill_n(record.outPixels + row * record.outRowStride, 768,
-                    static_cast<uint8_t>(painted));
-      stopAsking(record);
-      return 0;
-    };
-    CVFilterSession session(playing(plan));
-    ASSERT_TRUE(session.run(document, document.bounds(), {}).ok());
-    int wrong = 0;
-    for (int row = 0; row < 256; ++row)
-      for (int share = 0; share < 256; ++share)
-        wrong +=
-            pixelAt(document, 0, row, share) != std::lround(row + (painted - row) * share / 255.0);
-    EXPECT_EQ(wrong, 0);
-  }
-}
-
 // Tiles may overlap and be handed over inside a call; outside the filter area nothing is taken;
 // with absolute planes an extra channel can be written.
 TEST(Output, PresentContentIsDelivered) {

@@ -21,18 +21,6 @@ TEST(Memory, KeepsTheReserveFree) {
   TB_ResetMemoryBudget();
 }
 
-TEST(Memory, PurgesWhatMayBePurgedFirst) {
-  Handle purgeable = NewHandle(40000);
-  HPurge(purgeable);
-  TB_SetMemoryBudget(TB_MemoryInUse() + 100);
-  void* block = LM_NewPtr(20000);
-  EXPECT_NE(block, nullptr);
-  EXPECT_EQ(*purgeable, nullptr);
-  TB_ResetMemoryBudget();
-  LM_DisposePtr(block);
-  DisposeHandle(purgeable);
-}
-
 TEST(Memory, RefusesWhatNoMachineHas) {
   EXPECT_EQ(LM_NewPtr(SIZE_MAX), nullptr);
   EXPECT_EQ(LM_NewPtr(SIZE_MAX / 2 + 1), nullptr);

@@ -228,33 +228,22 @@ static mode_t ModeOf(int flags, va_list list) {
   return (flags & (O_CREAT | O_TMPFILE)) != 0 ? (mode_t)va_arg(list, int) : 0;
 }
 
-#define OPEN(name)                                                                                 \
-  EXPORT int name(const char* path, int flags, ...) {                                              \
-    NEXT(int, name, const char*, int, ...);                                                        \
+#define OPEN(name, counted, call, ...)                                                             \
+  EXPORT int name(__VA_ARGS__, int flags, ...) {                                                   \
+    NEXT(int, name, __VA_ARGS__, int, ...);                                                        \
     va_list list;                                                                                  \
     va_start(list, flags);                                                                         \
     const mode_t mode = ModeOf(flags, list);                                                       \
     va_end(list);                                                                                  \
-    const int counts = CountsPath(path);                                                           \
+    const int counts = counted;                                                                    \
     FAIL_WITH(counts, ((flags & O_CREAT) != 0 ? TAKES_SPACE : 0) | MAY_WAIT)                       \
-    return Note(next(path, flags, mode), counts);                                                  \
+    return Note(call, counts);                                                                     \
   }
-OPEN(open)
-OPEN(open64)
-
-#define OPEN_AT(name)                                                                              \
-  EXPORT int name(int folder, const char* path, int flags, ...) {                                  \
-    NEXT(int, name, int, const char*, int, ...);                                                   \
-    va_list list;                                                                                  \
-    va_start(list, flags);                                                                         \
-    const mode_t mode = ModeOf(flags, list);                                                       \
-    va_end(list);                                                                                  \
-    const int counts = CountsPath(path) && (folder == AT_FDCWD || CountsFile(folder));             \
-    FAIL_WITH(counts, ((flags & O_CREAT) != 0 ? TAKES_SPACE : 0) | MAY_WAIT)                       \
-    return Note(next(folder, path, flags, mode), counts);                                          \
-  }
-OPEN_AT(openat)
-OPEN_AT(openat64)
+#define COUNTS_IN_FOLDER CountsPath(path) && (folder == AT_FDCWD || CountsFile(folder))
+OPEN(open, CountsPath(path), next(path, flags, mode), const char* path)
+OPEN(open64, CountsPath(path), next(path, flags, mode), const char* path)
+OPEN(openat, COUNTS_IN_FOLDER, next(folder, path, flags, mode), int folder, const char* path)
+OPEN(openat64, COUNTS_IN_FOLDER, next(folder, path, flags, mode), int folder, const char* path)
 
 /* The names under which fortified programs call them. */
 EXPORT int __open_2(const char* path, int flags) {
@@ -282,68 +271,35 @@ EXPORT int close(int file) {
   return closed;
 }
 
-EXPORT ssize_t read(int file, void* buffer, size_t size) {
-  NEXT(ssize_t, read, int, void*, size_t);
-  FAIL_WITH(CountsFile(file), MAY_WAIT | MOVES_BYTES)
-  return next(file, buffer, fault < 0 && size > 1 ? 1 : size);
-}
-EXPORT ssize_t write(int file, const void* buffer, size_t size) {
-  NEXT(ssize_t, write, int, const void*, size_t);
-  FAIL_WITH(CountsFile(file), TAKES_SPACE | MAY_WAIT | MOVES_BYTES)
-  return next(file, buffer, fault < 0 && size > 1 ? 1 : size);
-}
-EXPORT ssize_t pread(int file, void* buffer, size_t size, off_t offset) {
-  NEXT(ssize_t, pread, int, void*, size_t, off_t);
-  FAIL_WITH(CountsFile(file), MAY_WAIT | MOVES_BYTES)
-  return next(file, buffer, fault < 0 && size > 1 ? 1 : size, offset);
-}
-EXPORT ssize_t pread64(int file, void* buffer, size_t size, off64_t offset) {
-  NEXT(ssize_t, pread64, int, void*, size_t, off64_t);
-  FAIL_WITH(CountsFile(file), MAY_WAIT | MOVES_BYTES)
-  return next(file, buffer, fault < 0 && size > 1 ? 1 : size, offset);
-}
-EXPORT ssize_t writev(int file, const struct iovec* pieces, int count) {
-  NEXT(ssize_t, writev, int, const struct iovec*, int);
-  FAIL_WITH(CountsFile(file), TAKES_SPACE | MAY_WAIT)
-  return next(file, pieces, count);
-}
-
+/* What fails, or goes on to the system's. */
+#define FORWARD(result, name, counts, traits, call, ...)                                           \
+  EXPORT result name(__VA_ARGS__) {                                                                \
+    NEXT(result, name, __VA_ARGS__);                                                               \
+    FAIL_WITH(counts, traits)                                                                      \
+    return call;                                                                                   \
+  }
+#define READS (MAY_WAIT | MOVES_BYTES)
+#define WRITES (TAKES_SPACE | MAY_WAIT)
+#define MOVED (fault < 0 && size > 1 ? 1 : size)
+FORWARD(ssize_t, read, CountsFile(file), READS, next(file, to, MOVED), int file, void* to,
+        size_t size)
+FORWARD(ssize_t, write, CountsFile(file), WRITES | MOVES_BYTES, next(file, from, MOVED), int file,
+        const void* from, size_t size)
+FORWARD(ssize_t, pread, CountsFile(file), READS, next(file, to, MOVED, offset), int file, void* to,
+        size_t size, off_t offset)
+FORWARD(ssize_t, pread64, CountsFile(file), READS, next(file, to, MOVED, offset), int file,
+        void* to, size_t size, off64_t offset)
+FORWARD(ssize_t, writev, CountsFile(file), WRITES, next(file, pieces, count), int file,
+        const struct iovec* pieces, int count)
 /* A test's files need not reach the disk. */
-EXPORT int fsync(int file) {
-  NEXT(int, fsync, int);
-  FAIL_WITH(CountsFile(file), TAKES_SPACE | MAY_WAIT)
-  return fault_plan != NULL ? 0 : next(file);
-}
-EXPORT int ftruncate(int file, off_t size) {
-  NEXT(int, ftruncate, int, off_t);
-  FAIL_WITH(CountsFile(file), TAKES_SPACE | MAY_WAIT)
-  return next(file, size);
-}
-EXPORT int ftruncate64(int file, off64_t size) {
-  NEXT(int, ftruncate64, int, off64_t);
-  FAIL_WITH(CountsFile(file), TAKES_SPACE | MAY_WAIT)
-  return next(file, size);
-}
-EXPORT int rename(const char* from, const char* to) {
-  NEXT(int, rename, const char*, const char*);
-  FAIL_WITH(CountsPath(to), TAKES_SPACE)
-  return next(from, to);
-}
-EXPORT int renameat2(int folder, const char* from, int other, const char* to, unsigned flags) {
-  NEXT(int, renameat2, int, const char*, int, const char*, unsigned);
-  FAIL_WITH(CountsPath(to), TAKES_SPACE)
-  return next(folder, from, other, to, flags);
-}
-EXPORT int mkdir(const char* path, mode_t mode) {
-  NEXT(int, mkdir, const char*, mode_t);
-  FAIL_WITH(CountsPath(path), TAKES_SPACE)
-  return next(path, mode);
-}
-EXPORT int unlink(const char* path) {
-  NEXT(int, unlink, const char*);
-  FAIL_WITH(CountsPath(path), 0)
-  return next(path);
-}
+FORWARD(int, fsync, CountsFile(file), WRITES, fault_plan != NULL ? 0 : next(file), int file)
+FORWARD(int, ftruncate, CountsFile(file), WRITES, next(file, size), int file, off_t size)
+FORWARD(int, ftruncate64, CountsFile(file), WRITES, next(file, size), int file, off64_t size)
+FORWARD(int, rename, CountsPath(to), TAKES_SPACE, next(from, to), const char* from, const char* to)
+FORWARD(int, renameat2, CountsPath(to), TAKES_SPACE, next(folder, from, other, to, flags),
+        int folder, const char* from, int other, const char* to, unsigned flags)
+FORWARD(int, mkdir, CountsPath(path), TAKES_SPACE, next(path, mode), const char* path, mode_t mode)
+FORWARD(int, unlink, CountsPath(path), 0, next(path), const char* path)
 EXPORT DIR* opendir(const char* path) {
   NEXT(DIR*, opendir, const char*);
   const int fault = Fault(CountsPath(path), 0);

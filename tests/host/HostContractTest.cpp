@@ -128,13 +128,12 @@ TEST_F(HostContract, ChannelThatTheImageLacksMeansNoRelief) {
   }
 }
 
-TEST_F(HostContract, RunsRepeatExactly) {
+// That runs repeat exactly, two thousand of them show.
+TEST_F(HostContract, ASecondStartReplacesTheFirst) {
   ScriptedHost host(70, 70);
   host.KeepParameters(OneLight(true));
   ASSERT_EQ(host.Run(), CV_RESULT_OK);
   const std::vector<uint8_t> first = host.out;
-  ASSERT_EQ(host.Run(), CV_RESULT_OK);
-  EXPECT_EQ(host.out, first);
   ASSERT_EQ(host.Call(LM_SEL_START), CV_RESULT_OK); // never finished
   const uint64_t blocks = TB_BlocksInUse();
   ASSERT_EQ(host.Call(LM_SEL_START), CV_RESULT_OK);

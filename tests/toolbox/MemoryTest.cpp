@@ -44,14 +44,6 @@ TEST_F(MemoryTest, TheBudgetIsExact) {
   DisposeHandle(handle);
 }
 
-TEST_F(MemoryTest, WithoutABudgetTheSystemDecides) {
-  TB_ResetMemoryBudget();
-  EXPECT_GT(MaxBlock(), 1 << 20);
-  Ptr block = NewPtr(1 << 20);
-  EXPECT_NE(block, nullptr);
-  DisposePtr(block);
-}
-
 TEST_F(MemoryTest, SizesThatCannotBe) {
   TB_SetMemoryBudget(UINT64_MAX);
   for (Size size : {Size{-1}, Size{INT32_MIN}, PTRDIFF_MIN, PTRDIFF_MAX, PTRDIFF_MAX - 64}) {

@@ -167,14 +167,6 @@ TEST(Dialog, AMovableDialogKeepsItsHostAlive) {
   EXPECT_NE(std::count(HostEvents().begin(), HostEvents().end(), keyDown), 0);
 }
 
-TEST(Dialog, ClosingTheWindowCancels) {
-  SampleDialog sample;
-  ToolboxScript script;
-  script.Wait(100).CloseWindow().Start();
-  for (int call = 0; call < 2; ++call)
-    EXPECT_EQ(HitItem(), CANCEL_ITEM);
-}
-
 TEST(Dialog, ACentredDialogOpensOverTheWindowInFront) {
   UseSampleResources();
   QWidget host;

@@ -20,29 +20,6 @@ std::string FieldText(const SampleDialog& sample) {
   return TB_StdString(text);
 }
 
-struct Typing {
-  const char* name;
-  short start, end; // of the selection
-  const char* typed;
-  const char* text;
-};
-
-TEST(EditText, TypingReplacesTheSelection) {
-  constexpr Typing CASES[] = {{"all", 0, 32767, "Dawn", "Dawn"},
-                              {"the first letter", 0, 1, "R", "Rusk"},
-                              {"beyond the end", 400, 500, "y", "Dusky"},
-                              {"nothing typed", 0, 32767, "", "Dusk"}};
-  for (const Typing& typing : CASES) {
-    SampleDialog sample(NAME_DIALOG);
-    SetDialogItemText(Field(sample), TB_PString("Dusk"));
-    SelectDialogItemText(sample.dialog, FIELD_ITEM, typing.start, typing.end);
-    ToolboxScript script;
-    script.Wait(30).Type(typing.typed).KeyPress(kReturnKeyCode).Start();
-    EXPECT_EQ(HitItem(), OK_ITEM) << typing.name;
-    EXPECT_EQ(FieldText(sample), typing.text) << typing.name;
-  }
-}
-
 TEST(EditText, HoldsAnyTextThatFits) {
   SampleDialog sample(NAME_DIALOG);
   EXPECT_EQ(FieldText(sample), "Dusk");
