@@ -115,13 +115,13 @@ void NoteDepth(const VImage& image, VipsBandFormat depth, std::vector<std::strin
                     std::to_string(8 * vips_format_sizeof(depth)));
 }
 
+} // namespace
+
 VipsInterpretation SpaceOf(VipsBandFormat depth) {
   return depth == VIPS_FORMAT_UCHAR    ? VIPS_INTERPRETATION_sRGB
          : depth == VIPS_FORMAT_USHORT ? VIPS_INTERPRETATION_RGB16
                                        : VIPS_INTERPRETATION_scRGB;
 }
-
-} // namespace
 
 int NumColourBands(const VImage& image) {
   const VipsInterpretation space = image.guess_interpretation();

@@ -15,6 +15,9 @@ int NumColourBands(const vips::VImage& image);
 // one loses nothing of an image, but for integers of more than 16 bits and doubles.
 VipsBandFormat DepthOf(const vips::VImage& image);
 
+// The space that ToRgbPlanes marks planes of that depth with.
+VipsInterpretation SpaceOf(VipsBandFormat depth);
+
 // Three bands of colour, then the further channels, all of that depth. An RGB image keeps its
 // numbers and its profile; the rest goes through the image's own profile, where it has one, to
 // sRGB. Adds to `notices` what changed. Lazy: nothing is computed here. Throws vips::VError.

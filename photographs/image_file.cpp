@@ -1,6 +1,7 @@
 #include "image_file.h"
 
 #include "colour_conversion.h"
+#include "deep_photograph.h"
 #include "failure.h"
 #include "image_library.h"
 #include "image_source.h"
@@ -54,10 +55,9 @@ std::vector<uint8_t> NeutralPlane(const std::vector<uint8_t>& pixels, size_t num
 } // namespace
 
 std::vector<uint8_t> DecodedPixels(const VImage& image) {
-  const size_t numPixels = static_cast<size_t>(image.width()) * image.height();
-  std::vector<uint8_t> pixels(numPixels * image.bands());
+  std::vector<uint8_t> pixels(VIPS_IMAGE_SIZEOF_IMAGE(image.get_image()));
   image.write(VImage::new_from_memory(pixels.data(), pixels.size(), image.width(), image.height(),
-                                      image.bands(), VIPS_FORMAT_UCHAR));
+                                      image.bands(), image.format()));
   return pixels;
 }
 
@@ -85,16 +85,20 @@ OpenedPhotograph OpenPhotograph(const std::string& path, int shrink, VipsBandFor
   return opened;
 }
 
-Photograph ReadPhotograph(const std::string& path) {
+Photograph ReadPhotograph(const std::string& path, VipsBandFormat most) {
   return Guarded(path, [&] {
-    OpenedPhotograph opened = OpenPhotograph(path);
+    OpenedPhotograph opened = OpenPhotograph(path, 1, VIPS_FORMAT_NOTSET, most);
     Photograph photograph;
     photograph.metadata = opened.metadata;
     photograph.notices = std::move(opened.notices);
     photograph.numPlanes = opened.planes.bands();
     photograph.width = opened.planes.width();
     photograph.height = opened.planes.height();
-    photograph.pixels = DecodedPixels(opened.planes);
+    photograph.depth = opened.planes.format();
+    const bool isDeep = photograph.depth != VIPS_FORMAT_UCHAR;
+    (isDeep ? photograph.deep : photograph.pixels) = DecodedPixels(opened.planes);
+    if (isDeep)
+      photograph.pixels = DecodedPixels(InBytes(PlanesOf(photograph)));
     return photograph;
   });
 }

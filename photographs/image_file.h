@@ -19,12 +19,16 @@ struct GreyImage {
   std::vector<uint16_t> words;
 };
 
-// numPlanes bytes a pixel (3 or more), width * numPlanes a row, no padding.
+// numPlanes samples a pixel (3 or more), width * numPlanes a row, no padding.
 struct Photograph {
   int width = 0;
   int height = 0;
   int numPlanes = 0;
-  std::vector<uint8_t> pixels;
+  std::vector<uint8_t> pixels; // in 8 bits
+  // Of more than 8 bits, the samples themselves, of which `pixels` are the 8-bit form; see
+  // deep_photograph.h.
+  VipsBandFormat depth = VIPS_FORMAT_UCHAR;
+  std::vector<uint8_t> deep;
   vips::VImage metadata;            // one pixel that carries profile, EXIF, resolution …
   std::vector<std::string> notices; // what reading changed: "16 bits a channel become 8"
 };
@@ -44,14 +48,13 @@ OpenedPhotograph OpenPhotograph(const std::string& path, int shrink = 1,
                                 VipsBandFormat depth = VIPS_FORMAT_UCHAR,
                                 VipsBandFormat most = VIPS_FORMAT_FLOAT);
 
-// The pixels of an image of 8 bits a band. Throws vips::VError.
+// The pixels of an image, in its own format. Throws vips::VError.
 std::vector<uint8_t> DecodedPixels(const vips::VImage& image);
 
-// Reads a photograph of 8 bits whatever its colour space and depth: grey becomes RGB, other spaces
-// go through their profile to sRGB, more than 8 bits become 8, the orientation is applied; alpha
-// and further channels follow as they are. A file that is cut short or damaged is a
-// Failure(BadInput).
-Photograph ReadPhotograph(const std::string& path);
+// Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
+// their profile to sRGB, the orientation is applied; alpha and further channels follow as they are.
+// It keeps its depth as far as `most`. A file that is cut short or damaged is a Failure(BadInput).
+Photograph ReadPhotograph(const std::string& path, VipsBandFormat most = VIPS_FORMAT_UCHAR);
 
 // Reads an image whose grey values are meant as numbers: no profile is applied, an alpha channel is
 // ignored, the orientation is applied. A coloured image is a

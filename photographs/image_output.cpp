@@ -1,5 +1,7 @@
 #include "image_output.h"
 
+#include "colour_conversion.h"
+#include "deep_photograph.h"
 #include "failure.h"
 #include "image_library.h"
 #include "metadata.h"
@@ -252,10 +254,13 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
 void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
                      Existing existing) {
   const Complaints complaints;
-  const VImage planes =
-      VImage::new_from_memory(photograph.pixels.data(), photograph.pixels.size(), photograph.width,
-                              photograph.height, photograph.numPlanes, VIPS_FORMAT_UCHAR);
-  WriteImage({planes, photograph.metadata, "", nullptr}, name, target, existing, complaints,
+  VImage planes = PlanesOf(photograph);
+  VImage metadata = photograph.metadata;
+  if (const VipsBandFormat most = MostDepth(name); most < photograph.depth) {
+    planes = ToRgbPlanes(WithMetadata(planes, metadata), most, photograph.notices);
+    metadata = CopyMetadata(planes);
+  }
+  WriteImage({planes, metadata, "", nullptr}, name, target, existing, complaints,
              photograph.notices);
 }
 

@@ -50,8 +50,9 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
                 Existing existing, const Complaints& complaints, std::vector<std::string>& notices);
 
 // Writes the photograph, with its metadata, to `target` (as ResolveTarget gives it). Channels that
-// the format cannot hold are left out, which is added to the photograph's notices. The old file, if
-// any, stays until the new one is complete. Throws Failure(CannotWrite or NoMemory).
+// the format cannot hold are left out, and more depth than it holds too, which is added to the
+// photograph's notices. The old file, if any, stays until the new one is complete. Throws
+// Failure(CannotWrite or NoMemory).
 void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
                      Existing existing);
 

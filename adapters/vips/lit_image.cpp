@@ -212,8 +212,11 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
   if (numChannels > LIMN_MOST_CHANNELS)
     Refuse("the image has more than 32767 channels");
   const LM_rect rect = {area.y, area.x, area.y + area.height, area.x + area.width};
-  const LM_render_result prepared = LM_PrepareStyle(settings.style, rect, image.width(),
-                                                    image.height(), numChannels, lighting.job);
+  const LM_render_result prepared =
+      settings.parameters ? LM_PrepareRender(*settings.parameters, rect, image.width(),
+                                             image.height(), LM_BestKernels(), lighting.job)
+                          : LM_PrepareStyle(settings.style, rect, image.width(), image.height(),
+                                            numChannels, lighting.job);
   if (prepared == LM_render_result::NoLight)
     Refuse("the style holds no light");
   if (prepared != LM_render_result::Done)
@@ -221,7 +224,7 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
   lighting.hasSourceFailed = settings.hasSourceFailed;
   int numImages = 1;
   lighting.images[0] = image.get_image();
-  const int channel = lighting.job.params.bumpChannel - 1;
+  const int channel = LM_ChannelOrNone(lighting.job.params.bumpChannel, numChannels) - 1;
   if (channel >= image.bands()) {
     const VImage& relief = settings.channels[static_cast<size_t>(channel - image.bands())];
     CheckPlane(relief, image, true,

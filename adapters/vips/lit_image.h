@@ -11,10 +11,14 @@
 #include <vector>
 #include <vips/vips8>
 
+struct foo;
+
 namespace limn {
 
 struct LitSettings {
   LM_style style;
+  // As a run of the plug-in has left them: they light instead of the style.
+  std::shared_ptr<const foo> parameters;
   std::optional<limn_area> area; // none: the whole image
   // Channels after the image's own bands, for the style's relief: one band each, of the image's
   // size and of 8 or 16 bits or float, whatever the image has. Only the one that the style names is

@@ -1,9 +1,9 @@
 #include "apply_one.h"
 
+#include "deep_lighting.h"
 #include "image_library.h"
 #include "image_output.h"
 #include "image_source.h"
-#include "lit_image.h"
 #include "output_target.h"
 
 #include <algorithm>
@@ -27,27 +27,6 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
 }
 
 namespace {
-
-// A grey image as one band, its pixels borrowed; as deep as it was read where that is wanted.
-vips::VImage BandOf(GreyImage& grey, bool isDeep) {
-  if (isDeep && !grey.words.empty())
-    return vips::VImage::new_from_memory(grey.words.data(), grey.words.size() * sizeof(uint16_t),
-                                         grey.width, grey.height, 1, VIPS_FORMAT_USHORT);
-  return vips::VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
-                                       grey.height, 1, VIPS_FORMAT_UCHAR);
-}
-
-// isDeep: with all that the channels hold.
-LitSettings SettingsFor(const LM_style& style, Surroundings& surroundings, bool isDeep) {
-  LitSettings settings;
-  settings.style = style;
-  settings.area = surroundings.area;
-  for (GreyImage& channel : surroundings.channels)
-    settings.channels.push_back(BandOf(channel, isDeep));
-  if (surroundings.mask)
-    settings.mask = BandOf(*surroundings.mask, false);
-  return settings;
-}
 
 // Tells libvips' progress, in whole percents.
 struct ProgressTeller {
@@ -98,7 +77,8 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
       tellNotices();
       return {width, height};
     }
-    LitSettings settings = SettingsFor(style, tools.surroundings, plan.options.depth != "8");
+    LitSettings settings = SettingsFor(tools.surroundings, plan.options.depth != "8");
+    settings.style = style;
     settings.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
     const vips::VImage lit = LitImage(opened.planes, settings);
     vips_image_set_progress(lit.get_image(), TRUE);

@@ -3,6 +3,7 @@
 #include "run_window.h"
 
 #include "apply_command.h"
+#include "deep_lighting.h"
 #include "image_library.h"
 #include "image_source.h"
 #include "lighting.h"
@@ -39,10 +40,11 @@ void PrintNotices(const EditOptions& options, const std::string& file,
     PrintProblem(std::string(file).append(": ").append(notice));
 }
 
-Sources ReadSources(const EditOptions& options) {
+// most: what the output holds.
+Sources ReadSources(const EditOptions& options, VipsBandFormat most) {
   Sources sources;
   sources.surroundings = ReadSurroundings(ParseArea(options.area), options.mask, options.channels);
-  sources.photograph = ReadPhotograph(options.image);
+  sources.photograph = ReadPhotograph(options.image, most);
   return sources;
 }
 
@@ -55,16 +57,39 @@ int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, i
   return ShowPixelMap(map, source, row, column);
 }
 
-CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, RunWindow& window) {
+// isDeep: the dialog is all that is wanted of the plug-in, which lights 8 bits.
+CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, RunWindow& window,
+                   bool isDeep) {
   CVRunOptions options;
   options.dialog = CVDialog::Yes;
   options.services.showPixels = ShowPixels;
   options.progress = [&](double share) { window.Show(share); };
-  options.cancelled = [&] { return window.IsCancelled(); };
+  options.cancelled = [&] { return window.IsCancelled() || (isDeep && window.HasRunBegun()); };
   runWindow = &window;
   CVResult result = session.run(document, area, options);
   runWindow = nullptr;
+  if (isDeep && window.HasRunBegun() && result.outcome == CVOutcome::Cancelled)
+    return {};
   return result;
+}
+
+// With what the dialog has left. False when it was cancelled.
+bool LightDeep(const CVFilterSession& session, Sources& sources, const std::string& file,
+               RunWindow& window) {
+  LitSettings settings = SettingsFor(sources.surroundings, true);
+  settings.parameters = ParametersOfBlock(session.parameters());
+  if (settings.parameters == nullptr)
+    throw Failure(ExitCode::Refused, file + ": the plug-in lights 8 bits a channel alone");
+  Photograph& photograph = sources.photograph;
+  std::vector<uint8_t> lit = LitSamples(
+      photograph, settings, {0, 0, photograph.width, photograph.height}, file, [&](double share) {
+        window.Show(share);
+        return !window.IsCancelled();
+      });
+  if (lit.empty())
+    return false;
+  photograph.deep = std::move(lit);
+  return true;
 }
 
 void WriteResult(const EditOptions& options, Photograph& photograph, const OutputName& output,
@@ -83,12 +108,12 @@ void BeginWithStyle(const EditOptions& options) {
 
 // That makes the same file again; none when no style lights exactly like this.
 std::optional<std::string> CommandFor(const EditOptions& options, const OutputName& output,
-                                      const std::vector<uint8_t>& block, CVRect area) {
+                                      const std::vector<uint8_t>& block, CVRect area, bool isDeep) {
   const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
   if (!style)
     return std::nullopt;
   return CommandLine({*style, options.image, output.path + output.options, options.area,
-                      options.mask, options.channels, options.maxPixels, options.force});
+                      options.mask, options.channels, options.maxPixels, options.force, isDeep});
 }
 
 void PrintCommand(const EditOptions& options, const std::optional<std::string>& command) {
@@ -149,7 +174,8 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   CheckOutputFormat(output);
   const CVPlugin plugin = LoadPlugin();
   // The picture is decoded while the desktop starts.
-  std::future<Sources> reading = std::async(std::launch::async, ReadSources, std::cref(options));
+  std::future<Sources> reading =
+      std::async(std::launch::async, ReadSources, std::cref(options), MostDepth(output));
   const bool hasDesktop = TB_StartDesktop(argc, argv);
   Sources sources = reading.get();
   if (!hasDesktop)
@@ -161,13 +187,16 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
   RunWindow window(Task(LIGHTING, options.image), TextOf(CANCEL));
   CVFilterSession session(plugin);
-  const CVResult result = RunDialog(session, document, area, window);
+  const bool isDeep = sources.photograph.depth != VIPS_FORMAT_UCHAR;
+  const CVResult result = RunDialog(session, document, area, window, isDeep);
   if (result.outcome == CVOutcome::Cancelled)
     return ExitCode::Cancelled;
   CheckRun(result, options.image);
-  window.ShowWriting(Task(WRITING, output.path));
-  const auto command = CommandFor(options, output, session.parameters(), area);
+  const auto command = CommandFor(options, output, session.parameters(), area, isDeep);
   try {
+    if (isDeep && !LightDeep(session, sources, options.image, window))
+      return ExitCode::Cancelled;
+    window.ShowWriting(Task(WRITING, output.path));
     WriteResult(options, sources.photograph, output, existing);
   } catch (...) {
     if (command) // or the lights that were set by hand would be lost

@@ -20,6 +20,8 @@ public:
   void Show(double share);
   // The picture is lit and is being written, which can no longer be stopped.
   void ShowWriting(const QString& task);
+  // OK has been pressed.
+  bool HasRunBegun() const { return _sinceStart.isValid(); }
   bool IsCancelled() const { return _window != nullptr && _window->wasCanceled(); }
 
 private:

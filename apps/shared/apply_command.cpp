@@ -1,13 +1,12 @@
 #include "apply_command.h"
 
-#include "LM_parameters.h"
+#include "deep_lighting.h"
+
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
 #include "LM_style_of_parameters.h"
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace limn {
@@ -63,8 +62,9 @@ std::string CommandLine(const ApplyCommand& command) {
     line += " --channel " + FileWord(channel);
   if (command.maxPixels != 0)
     line += " --max-pixels " + std::to_string(command.maxPixels);
-  // What the dialog has shown and lit, whatever the files hold.
-  return line + " --depth 8 --style " + ShellWord(ShortJson(command.style));
+  if (!command.wasLitDeep) // whatever the files hold
+    line += " --depth 8";
+  return line + " --style " + ShellWord(ShortJson(command.style));
 }
 
 bool HasControls(const std::string& line) {
@@ -73,13 +73,9 @@ bool HasControls(const std::string& line) {
 
 std::optional<LM_style> StyleOfBlock(const std::vector<uint8_t>& block, int areaWidth,
                                      int areaHeight) {
-  if (block.size() < sizeof(foo))
-    return std::nullopt;
-  const auto params = std::make_unique<foo>();
-  std::memcpy(params.get(), block.data(), sizeof *params);
+  const auto params = ParametersOfBlock(block);
   LM_style style;
-  if (params->magic != LM_PARAMS_MAGIC || params->version != LM_PARAMS_VERSION ||
-      !LM_StyleOfParameters(*params, areaWidth, areaHeight, style))
+  if (params == nullptr || !LM_StyleOfParameters(*params, areaWidth, areaHeight, style))
     return std::nullopt;
   return style;
 }

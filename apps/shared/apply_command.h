@@ -10,8 +10,6 @@
 #include <string>
 #include <vector>
 
-struct foo;
-
 namespace limn {
 
 struct ApplyCommand {
@@ -23,6 +21,7 @@ struct ApplyCommand {
   std::vector<std::string> channels;
   uint64_t maxPixels = 0; // 0: not named
   bool force = false;
+  bool wasLitDeep = false; // with all that the files hold; else with 8 bits, as the dialog does
 };
 
 // The command, for a shell. It names the files as they are named here, and holds the whole style.

@@ -8,7 +8,7 @@ import tempfile
 import unittest
 
 from screen import Screen, wait_for
-from support import content, put
+from support import content, put, vips
 
 LIMN = os.environ["LIMN"]
 PROJECT = os.environ["PROJECT"]
@@ -150,12 +150,34 @@ class Edit(unittest.TestCase):
                        env={**os.environ, "PATH": f"{os.path.dirname(LIMN)}:{os.environ['PATH']}"})
         self.assertSameFiles("lit.png", "by hand.png")
 
+    def deep_photograph(self, name, depth, scale, space):
+        """The photograph with values between those of bytes."""
+        vips("linear", PHOTOGRAPH, self.path("scaled.v"), str(scale), str(scale / 3))
+        vips("cast", self.path("scaled.v"), self.path("cast.v"), depth)
+        vips("copy", self.path("cast.v"), self.path(name), "--interpretation", space)
+        return self.path(name)
+
     def test_beginning_with_a_style(self):
-        self.start(LIMN, "edit", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("lit.png"))
-        self.press_item(OK)
-        self.assertEqual(self.end(0), "")
-        self.limn("apply", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("applied.png"), "-q")
-        self.assertSameFiles("lit.png", "applied.png")
+        """What is lit is what limn apply lights by itself, at the picture's own depth."""
+        words = self.deep_photograph("words.png", "ushort", 250.3, "rgb16")
+        floats = self.deep_photograph("floats.tif", "float", 1 / 200, "scrgb")  # beyond white too
+        vips("extract_band", words, self.path("slope.png"), "1")
+        relief = {**self.style("Campfire"), "bumpChannel": 4, "bumpAmplitude": 40}
+        around = ["--channel", self.path("slope.png"), "--mask", HEIGHTS, "--area", "100,50,1500,1100"]
+        for photograph, name, style, options, is_deep in [
+                (PHOTOGRAPH, "lit.png", "Campfire", [], False),
+                (words, "lit.png", json.dumps(relief), around, True),
+                (floats, "lit.tif", "Campfire", [], True),
+                (floats, "lit.ppm", "Campfire", [], True),
+                (words, "lit.jpg", "Campfire", [], False)]:
+            with self.subTest(photograph=photograph, name=name):
+                self.start(LIMN, "edit", photograph, *options, "-s", style, "-o", self.path(name), "--print-command")
+                self.press_item(OK)
+                command = self.end(0, "16 bits a channel become 8" if name == "lit.jpg" else "")
+                self.assertEqual("--depth" in command, not is_deep)
+                self.limn("apply", photograph, *options, "-s", style, "-o", self.path("applied-" + name), "-q")
+                self.assertSameFiles(name, "applied-" + name)
+                os.remove(self.path(name))
 
     def test_writing_that_fails(self):
         answer = subprocess.run([LIMN, "edit", PHOTOGRAPH, "-o", "/proc/lit.png"], capture_output=True, text=True,
@@ -196,14 +218,17 @@ class Edit(unittest.TestCase):
             self.assertTrue(content(self.path("photo.jpg")) == content(expected), key)
 
     def test_a_long_run_can_be_cancelled(self):
-        put(self.path("large.ppm"), b"P6\n6000 4000\n255\n" + bytes(range(240)) * (6000 * 4000 * 3 // 240))
-        self.start(LIMN, "edit", self.path("large.ppm"), "-o", self.path("lit.ppm"))
-        self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", "Return")
-        # Without a window manager keys go to the window under the mouse.
-        name = wait_for("no progress", lambda: self.screen.find("Limn"))
-        self.screen.xdotool("mousemove", "--window", name, 20, 20, "key", "Escape")
-        self.end(1)
-        self.assertEqual(sorted(os.listdir(self.folder)), ["data", "large.ppm"])
+        style = self.style("Campfire")
+        style.update(lights=(style["lights"] * 16)[:16], bumpChannel=1, bumpAmplitude=99)
+        for top, samples in (255, 3), (65535, 6):
+            put(self.path("large.ppm"), b"P6\n6000 4000\n%d\n" % top + bytes(range(240)) * (100000 * samples))
+            self.start(LIMN, "edit", self.path("large.ppm"), "-s", json.dumps(style), "-o", self.path("lit.ppm"))
+            self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", "Return")
+            # Without a window manager keys go to the window under the mouse.
+            name = wait_for("no progress", lambda: self.screen.find("Limn"))
+            self.screen.xdotool("mousemove", "--window", name, 20, 20, "key", "Escape")
+            self.end(1)
+            self.assertEqual(sorted(os.listdir(self.folder)), ["data", "large.ppm"])
 
     def test_without_a_display(self):
         environment = {name: value for name, value in os.environ.items()

@@ -1,0 +1,80 @@
+#include "deep_lighting.h"
+
+#include "deep_photograph.h"
+#include "image_library.h"
+
+#include "LM_block.h"
+
+#include <cstring>
+#include <utility>
+
+namespace limn {
+namespace {
+
+// Asks on the way whether to go on.
+struct Asker {
+  const std::function<bool(double)>& goOn;
+  bool isStopped = false;
+
+  static void Ask(VipsImage* image, VipsProgress* progress, Asker* asker) {
+    if (asker->isStopped || asker->goOn(progress->percent / 100.0))
+      return;
+    asker->isStopped = true;
+    vips_image_set_kill(image, TRUE);
+  }
+};
+
+} // namespace
+
+vips::VImage BandOf(GreyImage& grey, bool isDeep) {
+  if (isDeep && !grey.words.empty())
+    return vips::VImage::new_from_memory(grey.words.data(), grey.words.size() * sizeof(uint16_t),
+                                         grey.width, grey.height, 1, VIPS_FORMAT_USHORT);
+  return vips::VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
+                                       grey.height, 1, VIPS_FORMAT_UCHAR);
+}
+
+LitSettings SettingsFor(Surroundings& surroundings, bool isDeep) {
+  LitSettings settings{};
+  settings.area = surroundings.area;
+  for (GreyImage& channel : surroundings.channels)
+    settings.channels.push_back(BandOf(channel, isDeep));
+  if (surroundings.mask)
+    settings.mask = BandOf(*surroundings.mask, false);
+  return settings;
+}
+
+std::shared_ptr<const foo> ParametersOfBlock(const std::vector<uint8_t>& block) {
+  if (block.size() < sizeof(foo))
+    return nullptr;
+  auto parameters = std::make_shared<foo>();
+  std::memcpy(parameters.get(), block.data(), sizeof *parameters);
+  if (parameters->magic != LM_PARAMS_MAGIC || parameters->version != LM_PARAMS_VERSION)
+    return nullptr;
+  return parameters;
+}
+
+std::vector<uint8_t> LitSamples(Photograph& photograph, const LitSettings& settings,
+                                const limn_area& part, const std::string& file,
+                                const std::function<bool(double)>& goOn) {
+  Asker asker{goOn};
+  if (!goOn(0))
+    return {};
+  try {
+    const vips::VImage lit = LitImage(PlanesOf(photograph), settings)
+                                 .extract_area(part.x, part.y, part.width, part.height);
+    vips_image_set_progress(lit.get_image(), TRUE);
+    g_signal_connect(lit.get_image(), "eval", G_CALLBACK(Asker::Ask), &asker);
+    std::vector<uint8_t> samples = DecodedPixels(lit);
+    if (asker.isStopped) // at its very end
+      samples.clear();
+    return samples;
+  } catch (...) {
+    const Failure failure = CaughtLibraryFailure(ExitCode::Refused, file);
+    if (asker.isStopped)
+      return {};
+    throw failure;
+  }
+}
+
+} // namespace limn
