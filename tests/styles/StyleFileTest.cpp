@@ -1,11 +1,7 @@
 // The bytes of style files, read and written through the codec and through the streams.
-#include "LM_globals.h"
-#include "LM_mac_stream.h"
-#include "LM_memory.h"
 #include "LM_preview_geometry.h"
 #include "LM_style_settings.h"
-#include "LimnResources.h"
-#include "MacResources.h"
+#include "StyleFolder.h"
 #include "StyleSamples.h"
 #include "TemporaryFolder.h"
 
@@ -23,45 +19,25 @@ const std::vector<uint8_t> HAND_MADE = {
     0xFF, 0xF6, 0x00, 0x14, 0x00, 0x1E, 0xFF, 0xD8, // centre -10, 20; handle1 30, -40
     0x00, 0x05, 0x00, 0x06, 0x00, 0x07};            // handle2 5, 6; radius 7
 
-class StyleFile : public TemporaryFolder {
+class StyleFile : public StyleFolder<TemporaryFolder> {
 protected:
   void SetUp() override {
-    TemporaryFolder::SetUp();
-    TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
-    ASSERT_EQ(TB_SetDefaultDirectory(folder.native()), noErr);
-    Str255 name;
-    GetIndString(name, 138, 1);
-    styleFolder = folder / TB_StdString(name);
-    globals = LM_NewGlobals();
-    ASSERT_NE(globals, nullptr);
-    LM_UsePreviewGeometry(LM_FitPreviewInFrame(1000, 800), globals);
-    globals->Default();
-  }
-  void TearDown() override {
-    LM_DestroyGlobals(globals);
-    TemporaryFolder::TearDown();
+    StyleFolder::SetUp();
+    Use();
+    LM_UsePreviewGeometry(LM_FitPreviewInFrame(1000, 800), settings);
+    settings->Default();
   }
   void Put(const std::string& name, const std::vector<uint8_t>& bytes) const {
-    std::filesystem::create_directories(styleFolder);
-    std::ofstream(styleFolder / name, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-  }
-  std::vector<uint8_t> Get(const std::string& name) const {
-    std::ifstream file(styleFolder / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    Write(name, {bytes.begin(), bytes.end()});
   }
   LM_bool Load(std::string_view name) const {
     TB_Str255 copy = TB_PString(name);
-    return LM_LoadStyle(copy.bytes, globals);
+    return LM_LoadStyle(copy.bytes, settings);
   }
   LM_bool Save(std::string_view name) const {
     TB_Str255 copy = TB_PString(name);
-    return LM_SaveStyle(copy.bytes, globals);
+    return LM_SaveStyle(copy.bytes, settings);
   }
-
-  std::filesystem::path styleFolder;
-  LM_globals* globals = nullptr;
 };
 
 TEST(StyleCodec, HandMadeFileReadsFieldByFieldAndWritesTheSameBytes) {
@@ -101,14 +77,14 @@ TEST(StyleCodec, EveryTruncationIsToldAndKeepsWholeLights) {
 
 TEST_F(StyleFile, SettingsSurviveTheFileAndItsBytesAreTheCodecs) {
   for (const int lights : {1, 7, 16}) {
-    ASSERT_TRUE(LM_ApplyStyle(DistinctStyle(lights), *globals));
+    ASSERT_TRUE(LM_ApplyStyle(DistinctStyle(lights), *settings));
     const std::string name = "Style " + std::to_string(lights);
     ASSERT_EQ(Save(name), 1);
-    EXPECT_EQ(Get(name), BytesOf(LM_StyleOfSettings(*globals)));
-    EXPECT_EQ(Get(name).size(), 36U + 28U * static_cast<size_t>(lights));
-    globals->Default();
+    EXPECT_EQ(Bytes(name), StyleBytes(LM_StyleOfSettings(*settings)));
+    EXPECT_EQ(Bytes(name).size(), 36U + 28U * static_cast<size_t>(lights));
+    settings->Default();
     ASSERT_EQ(Load(name), 1);
-    EXPECT_EQ(BytesOf(LM_StyleOfSettings(*globals)), BytesOf(DistinctStyle(lights)));
+    EXPECT_EQ(BytesOf(LM_StyleOfSettings(*settings)), BytesOf(DistinctStyle(lights)));
     EXPECT_EQ(Save(name), 0) << "an existing style is never overwritten";
   }
 }
@@ -128,11 +104,11 @@ TEST_F(StyleFile, WhatIsNoStyleDoesNotLoadAndChangesNothing) {
                {"no lights", with(31, 0)},
                {"cut in the first light", {HAND_MADE.begin(), HAND_MADE.end() - 1}},
                {"empty", {}}};
-  const std::vector<uint8_t> before = BytesOf(LM_StyleOfSettings(*globals));
+  const std::vector<uint8_t> before = BytesOf(LM_StyleOfSettings(*settings));
   for (const auto& bad : cases) {
     Put(bad.name, bad.bytes);
     EXPECT_EQ(Load(bad.name), 0) << bad.name;
-    EXPECT_EQ(BytesOf(LM_StyleOfSettings(*globals)), before) << bad.name;
+    EXPECT_EQ(BytesOf(LM_StyleOfSettings(*settings)), before) << bad.name;
     LM_style style;
     std::string why;
     EXPECT_FALSE(LM_DecodeStyle(bad.bytes.data(), bad.bytes.size(), style, why)) << bad.name;
@@ -148,24 +124,24 @@ TEST_F(StyleFile, OddValuesLoadAsTheyAlwaysDid) {
   style.lights[2].on = 2;
   Put("odd", BytesOf(style));
   ASSERT_EQ(Load("odd"), 1);
-  EXPECT_EQ(globals->WhiteIsHigh(), 1);
-  EXPECT_EQ(globals->curLight, 0);
-  EXPECT_EQ(globals->lights[0].type, LM_LIGHT_SPOT);
-  EXPECT_EQ(globals->lights[1].type, LM_LIGHT_SPOT);
-  EXPECT_EQ(globals->lights[2].on, 0);
-  EXPECT_EQ(globals->lights[0].anchor, (LM_vectori2{140, 140}));
+  EXPECT_EQ(settings->WhiteIsHigh(), 1);
+  EXPECT_EQ(settings->curLight, 0);
+  EXPECT_EQ(settings->lights[0].type, LM_LIGHT_SPOT);
+  EXPECT_EQ(settings->lights[1].type, LM_LIGHT_SPOT);
+  EXPECT_EQ(settings->lights[2].on, 0);
+  EXPECT_EQ(settings->lights[0].anchor, (LM_vectori2{140, 140}));
 
   std::vector<uint8_t> twenty = BytesOf(DistinctStyle(16));
   twenty[31] = 20;
   twenty.resize(36 + 20 * 28, 0xEE);
   Put("twenty", twenty);
   ASSERT_EQ(Load("twenty"), 1);
-  EXPECT_EQ(globals->numLights, 16);
+  EXPECT_EQ(settings->numLights, 16);
 
   twenty.resize(36 + 2 * 28 + 27);
   Put("cut", twenty);
   ASSERT_EQ(Load("cut"), 1);
-  EXPECT_EQ(globals->numLights, 2);
+  EXPECT_EQ(settings->numLights, 2);
 }
 
 } // namespace
