@@ -50,7 +50,7 @@ class Gegl(AdapterTest):
 
     def test_deep_graphs_are_lit_as_floats(self):
         support.write_png("words.png", support.pattern(WIDTH, HEIGHT, 3, 16))
-        support.vips("linear", "words.png", "floats.tif", 2 / 65535, -0.3)
+        support.vips("linear", "--", "words.png", "floats.tif", 2 / 65535, -0.3)
         support.vips("copy", "words.png", "words.tif")
         for image in "words.tif", "floats.tif":
             self.limn("apply", "--quiet", "--force", "--depth", "float", "--style", "style.json", image, "-o", "lit.tif")

@@ -62,7 +62,7 @@ class Users(LimnTest):
 
     def test_depth_alpha_area_and_height_map(self):
         import light
-        floats = "linear", "in.png", "in.tif", 2 / 65535, -0.3  # darker than black, brighter than white
+        floats = "linear", "--", "in.png", "in.tif", 2 / 65535, -0.3  # darker than black, brighter than white
         for depth, bands, kind, area in (8, 4, light.BYTES, None), (8, 4, light.BYTES, (7, 9, 50, 40)), \
                 (8, 3, light.WORDS, None), (16, 4, light.WORDS, (7, 9, 50, 40)), (16, 3, light.BYTES, None), \
                 (32, 3, light.WORDS, None), (32, 4, light.BYTES, (7, 9, 50, 40)):
