@@ -6,7 +6,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test test-deep build deps test-sanitize test-portable test-machines test-web npm fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
+.PHONY: help demo test test-deep build python deps test-sanitize test-portable test-machines test-web npm fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -33,7 +33,11 @@ TESTS ?= ON
 build: ## Build programs into build/bin, modules and libraries into build/lib
 	@cmake --preset release -DLIMN_TESTS=$(TESTS) -DLIMN_BENCH=$(TESTS) > $(BUILD).log 2>&1 || { cat $(BUILD).log; rm $(BUILD).log; exit 1; }
 	@mkdir -p $(BUILD) && mv $(BUILD).log $(BUILD)/configure.log
-	@cmake --build --preset release -j $(JOBS)
+	@cmake --build --preset release -j $(JOBS) $(addprefix --target ,$(TARGET))
+
+python: ## Build the Python package into build/lib/python
+	@scripts/deps python
+	@$(MAKE) --no-print-directory build TESTS=OFF TARGET=limn_python
 
 deps: ## Install the Debian packages that building and testing need
 	@scripts/deps

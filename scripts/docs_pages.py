@@ -2,6 +2,7 @@
 
   ```sh               a block of commands that a reader can type; run one page after the other block by block,
                       in a folder that holds the bundled photographs, `photo.jpg` and a folder `photos`
+  ```python           the same for /usr/bin/python3, where the Python package is built; one program a page
   <!-- not run: WHY -->  before a block: it needs a screen, an installation or minutes; so do blocks that call
                          one of ELSEWHERE
   <!-- file: NAME -->    before a block of another kind: saved under that name, for the commands after it
@@ -24,6 +25,7 @@ PAGES = [os.path.join(ROOT, "README.md"), *sorted(glob.glob(os.path.join(ROOT, "
 
 # Programs that have tests of their own, where Limn is run by them.
 ELSEWHERE = re.compile(r"^(sudo|ffmpeg|melt|gegl|vips limn|sbatch|parallel)\b", re.MULTILINE)
+PYTHON = "/usr/bin/python3"  # for which the package is built, whatever other one comes first in the path
 # What is to be made is checked to be there, and not made.
 PRELUDE = f'make() {{ command make -n -C "{ROOT}" "$@" > make.out 2>&1 || {{ cat make.out; return 1; }}; }}\n'
 PIECE = re.compile(r"^<!-- (?P<kind>strip|pair|one|plot) (?P<name>[\w./-]+)(?::(?P<words>[^>]*?))? -->$"
@@ -48,6 +50,8 @@ class Block:
     at: int
 
     def is_run(self):
+        if self.language == "python":
+            return self.mark != "not run" and bool(glob.glob("build/lib/python/limn/_limn.*.so"))
         return self.language == "sh" and self.mark != "not run" and not ELSEWHERE.search(self.text)
 
     def run(self):
@@ -57,6 +61,10 @@ class Block:
                 file.write(self.text)
         if not self.is_run():
             return None
+        if self.language == "python":
+            return subprocess.run([PYTHON, "-"], input=self.text, check=True, text=True, timeout=300,
+                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                  env={**os.environ, "PYTHONPATH": os.path.abspath("build/lib/python")}).stdout
         return subprocess.run(["sh", "-eu"], input=PRELUDE + self.text, check=True, text=True, timeout=300,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
 
@@ -69,6 +77,10 @@ class Page:
         self._next = 0
         self._blocks = [Block(found["language"], found["text"], found["mark"], found["note"], found.start())
                         for found in PIECE.finditer(self.text) if not found["kind"]]
+        program = ""
+        for block in self._blocks:
+            if block.language == "python" and block.mark != "not run":
+                program = block.text = program + block.text
 
     def pictures(self):
         return [Picture(found["kind"], found["name"], shlex.split(found["words"] or ""), found.start())

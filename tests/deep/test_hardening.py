@@ -37,6 +37,7 @@ EXPORTS = {
         'init deinit get_plugin_info get_param_info construct destruct set_param_value get_param_value '
         'update').split()},
     'limn_vips_module': {'g_module_check_init'},
+    'limn_python': {'PyInit__limn'},
     'limn_gegl': {'gegl_module_query', 'gegl_module_register'},
     'toolbox': declared(TOOLBOX, 'toolbox/core/*.h'),
     'toolbox_qt': declared(TOOLBOX, 'toolbox/qt/*/*.h') | {'qd'},
