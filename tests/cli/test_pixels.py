@@ -35,7 +35,7 @@ class Pixels(support.LimnTest):
     def converted(self, name, output, width, height, says="", *options):
         support.write_pnm("none.pgm", support.filled(width, height, 0))
         self.limn("apply", name, "--mask", "none.pgm", "-o", output, "-f", *options, says=says)
-        return support.read(output)
+        return support.read(output.split("[")[0])
 
     def test_spaces_and_depths(self):
         grey, grey_alpha, grey16 = pattern(7, 5, 1), pattern(7, 5, 2), pattern(7, 5, 1, 16)
@@ -95,9 +95,10 @@ class Pixels(support.LimnTest):
         self.limn("apply", "bright.tif", "--mask", "none.pgm", "-o", "out.tif", "-f")
         self.assertSame(support.read("out.tif"), support.read("bright.tif"), "beyond black and white")
         self.limn("apply", "in.png", "-o", "out.tif[compression=webp]", "-f", says="become 8")
-        answer = self.limn("apply", "in.png", "in.tif", "-o", "lit/", "--format", "jpg", says="become 8, since jpg")
+        os.rename("in.tif", "two.tif")
+        answer = self.limn("apply", "in.png", "two.tif", "-o", "lit/", "--format", "jpg", says="become 8, since jpg")
         self.assertEqual(len(answer.stderr.splitlines()), 1, "once for a batch")
-        answer = self.limn("apply", "in.png", "in.tif", "-o", "lit/", "--format", "png", "--depth", "float",
+        answer = self.limn("apply", "in.png", "two.tif", "-o", "lit/", "--format", "png", "--depth", "float",
                            says="--depth float is not kept: png files hold 16 bits a channel")
         self.assertEqual(len(answer.stderr.splitlines()), 1, "once for a batch")
         for depth, bits in [("8", 8), ("16", 16), ("float", 32)]:
