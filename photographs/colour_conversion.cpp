@@ -5,6 +5,8 @@ namespace {
 
 using vips::VImage;
 
+constexpr VipsInterpretation LINEAR = VIPS_INTERPRETATION_scRGB;
+
 // The colour space that the embedded profile is for, as its header names it: "RGB ", "GRAY",
 // "CMYK", "Lab ". Empty without a profile.
 std::string ProfileSpace(const VImage& image) {
@@ -25,64 +27,73 @@ VImage WithoutProfile(const VImage& image) {
   return copy;
 }
 
-// What a float that is white counts in that space.
-double WhiteOf(VipsInterpretation space) {
-  return space == VIPS_INTERPRETATION_scRGB ? 1.0 : 255.0;
-}
-
 bool IsFloat(const VImage& image) {
   return vips_band_format_isfloat(image.format()) != FALSE;
 }
 
 // 8 bits from any number format. Integers keep their high bits, so that white stays white; floats
-// are cut to 0 … 255.
-VImage ToBytes(const VImage& image, double white) {
+// are rounded, and cut to 0 … 1.
+VImage ToBytes(const VImage& image) {
   if (image.format() == VIPS_FORMAT_USHORT || image.format() == VIPS_FORMAT_UINT)
     return image.cast(VIPS_FORMAT_UCHAR, VImage::option()->set("shift", true));
-  return (IsFloat(image) ? image * (255.0 / white) : image).cast(VIPS_FORMAT_UCHAR);
+  return (IsFloat(image) ? (image * 255.0).rint() : image).cast(VIPS_FORMAT_UCHAR);
 }
 
-VImage ToWords(const VImage& image, double white) {
+VImage ToWords(const VImage& image) {
   if (image.format() == VIPS_FORMAT_UINT)
     return image.cast(VIPS_FORMAT_USHORT, VImage::option()->set("shift", true));
   if (IsFloat(image))
-    return (image * (65535.0 / white)).rint().cast(VIPS_FORMAT_USHORT);
+    return (image * 65535.0).rint().cast(VIPS_FORMAT_USHORT);
   return (image.format() == VIPS_FORMAT_UCHAR ? image * 257 : image).cast(VIPS_FORMAT_USHORT);
 }
 
-VImage ToFloats(const VImage& image, double white) {
+// What is not of floats grows as sRGB does, and floats that do need a profile that says so.
+VImage ToFloats(const VImage& image) {
   if (IsFloat(image))
-    return (white == 1.0 ? image : image / white).cast(VIPS_FORMAT_FLOAT);
-  return (ToWords(image, white) / 65535.0).cast(VIPS_FORMAT_FLOAT);
+    return image.cast(VIPS_FORMAT_FLOAT);
+  VImage floats = (ToWords(image) / 65535.0).cast(VIPS_FORMAT_FLOAT);
+  if (floats.get_typeof(VIPS_META_ICC_NAME) == 0) {
+    VipsBlob* const srgb = VImage::profile_load("srgb");
+    size_t size = 0;
+    const void* bytes = vips_blob_get(srgb, &size);
+    vips_image_set_blob_copy(floats.get_image(), VIPS_META_ICC_NAME, bytes, size);
+    vips_area_unref(VIPS_AREA(srgb));
+  }
+  return floats;
 }
 
-VImage ToDepth(const VImage& image, VipsBandFormat depth, double white) {
-  if (image.format() == depth && (depth != VIPS_FORMAT_FLOAT || white == 1.0))
+VImage ToDepth(const VImage& image, VipsBandFormat depth) {
+  if (image.format() == depth)
     return image;
-  return depth == VIPS_FORMAT_UCHAR    ? ToBytes(image, white)
-         : depth == VIPS_FORMAT_USHORT ? ToWords(image, white)
-                                       : ToFloats(image, white);
+  return depth == VIPS_FORMAT_UCHAR    ? ToBytes(image)
+         : depth == VIPS_FORMAT_USHORT ? ToWords(image)
+                                       : ToFloats(image);
 }
 
 bool IsPlainRgb(const VImage& image, VipsInterpretation space) {
   return image.bands() == 3 &&
          (space == VIPS_INTERPRETATION_sRGB || space == VIPS_INTERPRETATION_RGB ||
-          space == VIPS_INTERPRETATION_RGB16 || space == VIPS_INTERPRETATION_MULTIBAND);
+          space == VIPS_INTERPRETATION_RGB16 || space == VIPS_INTERPRETATION_scRGB ||
+          space == VIPS_INTERPRETATION_MULTIBAND);
 }
 
 // profile: as ProfileSpace.
 VImage ColourToRgb(const VImage& colour, VipsInterpretation space, const std::string& profile,
                    VipsBandFormat depth, std::vector<std::string>& notices) {
-  const double white = WhiteOf(space);
   const bool isDeep = depth != VIPS_FORMAT_UCHAR;
-  // Floats stay what they are, darker than black and brighter than white too.
-  const bool keepsFloats =
-      depth == VIPS_FORMAT_FLOAT && colour.bands() == 3 && space == VIPS_INTERPRETATION_scRGB;
-  if (IsPlainRgb(colour, space) || keepsFloats) {
+  const VipsInterpretation deepest = isDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
+  if (IsPlainRgb(colour, space)) {
+    // Floats grow as the light does where no profile says how.
+    if (IsFloat(colour) && depth != VIPS_FORMAT_FLOAT && profile.empty()) {
+      notices.emplace_back("its linear light becomes sRGB");
+      return ToDepth(
+          colour.copy(VImage::option()->set("interpretation", LINEAR)).colourspace(deepest), depth);
+    }
+    // Numbers stay what they are; floats darker than black and brighter than white, too.
     if (profile.empty() || profile == "RGB ")
-      return ToDepth(colour, depth, white);
+      return ToDepth(colour, depth);
     notices.emplace_back("its colour profile is not one for RGB and is left out");
-    return ToDepth(WithoutProfile(colour), depth, white);
+    return ToDepth(WithoutProfile(colour), depth);
   }
   const bool isGrey = colour.bands() == 1;
   const bool isCmyk = colour.bands() == 4;
@@ -95,24 +106,15 @@ VImage ColourToRgb(const VImage& colour, VipsInterpretation space, const std::st
       options->set("input_profile", "cmyk");
     const VImage rgb = (isCmyk && profile != "CMYK" ? WithoutProfile(colour) : colour)
                            .icc_transform("srgb", options);
-    return ToDepth(rgb, depth, white);
+    return ToDepth(rgb, depth);
   }
   const VImage plain = WithoutProfile(colour);
   if (isGrey) {
-    const VImage grey = ToDepth(plain, depth, white);
+    const VImage grey = ToDepth(plain, depth);
     return VImage::bandjoin({grey, grey, grey});
   }
   notices.emplace_back("its colours become sRGB");
-  return ToDepth(plain.colourspace(isDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB),
-                 depth, 255.0);
-}
-
-void NoteDepth(const VImage& image, VipsBandFormat depth, std::vector<std::string>& notices) {
-  if (vips_format_sizeof(image.format()) <= vips_format_sizeof(depth))
-    return;
-  const size_t bits = 8 * vips_format_sizeof(image.format());
-  notices.push_back(std::to_string(bits) + " bits a channel become " +
-                    std::to_string(8 * vips_format_sizeof(depth)));
+  return ToDepth(plain.colourspace(deepest), depth);
 }
 
 } // namespace
@@ -138,10 +140,14 @@ VipsBandFormat DepthOf(const VImage& image) {
                                                   : VIPS_FORMAT_UCHAR;
 }
 
+int NumBits(const VImage& image) {
+  constexpr const char* BITS = "heif-bitdepth"; // of the 16 that libvips gives
+  return image.get_typeof(BITS) == G_TYPE_INT ? image.get_int(BITS) : NumBits(image.format());
+}
+
 VImage ToRgbPlanes(const VImage& image, VipsBandFormat depth, std::vector<std::string>& notices) {
   const VipsInterpretation space = image.guess_interpretation();
   const int numColour = NumColourBands(image);
-  NoteDepth(image, depth, notices);
   const VImage colour = image.bands() == numColour
                             ? image
                             : image.extract_band(0, VImage::option()->set("n", numColour));
@@ -149,8 +155,7 @@ VImage ToRgbPlanes(const VImage& image, VipsBandFormat depth, std::vector<std::s
   if (image.bands() > numColour) {
     const VImage further =
         image.extract_band(numColour, VImage::option()->set("n", image.bands() - numColour));
-    // Among these spaces only scRGB counts alpha from 0 to 1.
-    planes = planes.bandjoin(ToDepth(further, depth, WhiteOf(space)));
+    planes = planes.bandjoin(ToDepth(further, depth));
   }
   return planes.copy(VImage::option()->set("interpretation", SpaceOf(depth)));
 }
@@ -158,7 +163,7 @@ VImage ToRgbPlanes(const VImage& image, VipsBandFormat depth, std::vector<std::s
 VImage ToPlainPlanes(const VImage& image, VipsBandFormat depth) {
   const int numColour = NumColourBands(image);
   const VImage colour = image.extract_band(0, VImage::option()->set("n", numColour));
-  return ToDepth(colour, depth, WhiteOf(image.guess_interpretation()));
+  return ToDepth(colour, depth);
 }
 
 } // namespace limn

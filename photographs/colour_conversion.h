@@ -17,10 +17,16 @@ VipsBandFormat DepthOf(const vips::VImage& image);
 
 // The space that ToRgbPlanes marks planes of that depth with.
 VipsInterpretation SpaceOf(VipsBandFormat depth);
+// Bits a channel: of the image's file, and of a depth.
+int NumBits(const vips::VImage& image);
+inline int NumBits(VipsBandFormat depth) {
+  return static_cast<int>(8 * vips_format_sizeof(depth));
+}
 
 // Three bands of colour, then the further channels, all of that depth. An RGB image keeps its
 // numbers and its profile; the rest goes through the image's own profile, where it has one, to
-// sRGB. Adds to `notices` what changed. Lazy: nothing is computed here. Throws vips::VError.
+// sRGB, and so does the linear light of Radiance where it is not kept in floats. Adds to `notices`
+// what changed. Lazy: nothing is computed here. Throws vips::VError.
 vips::VImage ToRgbPlanes(const vips::VImage& image, VipsBandFormat depth,
                          std::vector<std::string>& notices);
 

@@ -50,5 +50,6 @@ void CheckJpeg(FileBytes& bytes, const std::string& path);
 void CheckTiff(FileBytes& bytes, const std::string& path);
 void CheckWebp(FileBytes& bytes, const std::string& path);
 void CheckHeif(FileBytes& bytes, const std::string& path); // and AVIF
+void CheckRadiance(FileBytes& bytes, const std::string& path);
 
 } // namespace limn

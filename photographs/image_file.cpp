@@ -39,12 +39,25 @@ template <typename Work> auto Guarded(const std::string& name, Work work) {
   }
 }
 
+// The components of an image of that format.
+template <class Component> std::vector<Component> Decoded(const VImage& image) {
+  const size_t numPixels = static_cast<size_t>(image.width()) * image.height();
+  std::vector<Component> pixels(numPixels * image.bands());
+  image.write(VImage::new_from_memory(pixels.data(), pixels.size() * sizeof(Component),
+                                      image.width(), image.height(), image.bands(),
+                                      image.format()));
+  return pixels;
+}
+
 // One plane of planes that are all the same.
-std::vector<uint8_t> NeutralPlane(const std::vector<uint8_t>& pixels, size_t numPlanes,
-                                  const std::string& path) {
-  std::vector<uint8_t> plane(pixels.size() / numPlanes);
+template <class Component>
+std::vector<Component> NeutralPlane(std::vector<Component> pixels, size_t numPlanes,
+                                    const std::string& path) {
+  if (numPlanes == 1)
+    return pixels;
+  std::vector<Component> plane(pixels.size() / numPlanes);
   for (size_t i = 0; i < plane.size(); ++i) {
-    const uint8_t* pixel = pixels.data() + i * numPlanes;
+    const Component* pixel = pixels.data() + i * numPlanes;
     if (pixel[1] != pixel[0] || pixel[2] != pixel[0])
       throw Failure(ExitCode::BadInput, path + ": is coloured where a grey image is needed");
     plane[i] = pixel[0];
@@ -61,27 +74,21 @@ std::vector<uint8_t> DecodedPixels(const VImage& image) {
   return pixels;
 }
 
-namespace {
-
-std::vector<uint16_t> DecodedWords(const VImage& image) {
-  std::vector<uint16_t> words(static_cast<size_t>(image.width()) * image.height());
-  image.write(VImage::new_from_memory(words.data(), words.size() * sizeof words[0], image.width(),
-                                      image.height(), 1, VIPS_FORMAT_USHORT));
-  return words;
+std::string DepthNotice(int before, int after) {
+  return std::to_string(before) + " bits a channel become " + std::to_string(after);
 }
-
-} // namespace
 
 OpenedPhotograph OpenPhotograph(const std::string& path, int shrink, VipsBandFormat depth,
                                 VipsBandFormat most) {
   OpenedPhotograph opened;
   const VImage image = OpenImage(path, shrink);
+  opened.numBits = NumBits(image);
   NotePages(image, opened.notices);
   if (depth == VIPS_FORMAT_NOTSET)
     depth = std::min(DepthOf(image), most);
-  const VImage planes = ToRgbPlanes(image, depth, opened.notices);
-  opened.metadata = CopyMetadata(planes);
-  opened.planes = Upright(planes);
+  // Turned as it is, since so much memory it was allowed.
+  opened.planes = ToRgbPlanes(Upright(image), depth, opened.notices);
+  opened.metadata = CopyMetadata(opened.planes, opened.notices);
   return opened;
 }
 
@@ -91,6 +98,9 @@ Photograph ReadPhotograph(const std::string& path, VipsBandFormat most) {
     Photograph photograph;
     photograph.metadata = opened.metadata;
     photograph.notices = std::move(opened.notices);
+    const int numBits = NumBits(opened.planes.format());
+    if (opened.numBits > numBits)
+      photograph.notices.push_back(DepthNotice(opened.numBits, numBits));
     photograph.numPlanes = opened.planes.bands();
     photograph.width = opened.planes.width();
     photograph.height = opened.planes.height();
@@ -105,24 +115,35 @@ Photograph ReadPhotograph(const std::string& path, VipsBandFormat most) {
 
 GreyImage ReadGreyImage(const std::string& path) {
   return Guarded(path, [&] {
-    VImage image = OpenImage(path);
+    const VImage image = OpenImage(path);
     const bool isDeep = image.format() != VIPS_FORMAT_UCHAR;
-    if (isDeep)
-      image = image.copy_memory(); // for it is decoded twice
-    const VImage planes = Upright(ToPlainPlanes(image, VIPS_FORMAT_UCHAR));
+    const VImage planes =
+        ToPlainPlanes(Upright(image), isDeep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
     if (planes.bands() == 4)
       throw Failure(ExitCode::BadInput, path + ": is a CMYK image where a grey one is needed");
     GreyImage grey;
     grey.file = path;
     grey.width = planes.width();
     grey.height = planes.height();
-    grey.pixels = DecodedPixels(planes);
-    if (planes.bands() == 3)
-      grey.pixels = NeutralPlane(grey.pixels, 3, path);
-    if (isDeep)
-      grey.words = DecodedWords(Upright(ToPlainPlanes(image, VIPS_FORMAT_USHORT)).extract_band(0));
+    const auto numPlanes = static_cast<size_t>(planes.bands());
+    if (!isDeep) {
+      grey.pixels = NeutralPlane(DecodedPixels(planes), numPlanes, path);
+      return grey;
+    }
+    grey.words = NeutralPlane(Decoded<uint16_t>(planes), numPlanes, path);
+    grey.pixels.reserve(grey.words.size());
+    for (const uint16_t word : grey.words)
+      grey.pixels.push_back(static_cast<uint8_t>(word >> 8));
     return grey;
   });
+}
+
+GreyImage ReadMask(const std::string& path) {
+  GreyImage mask = ReadGreyImage(path);
+  for (size_t i = 0; i < mask.words.size(); ++i)
+    mask.pixels[i] = static_cast<uint8_t>((mask.words[i] + 128) / 257);
+  mask.words = {};
+  return mask;
 }
 
 int CountPlanes(const std::string& path) {

@@ -37,8 +37,12 @@ struct Photograph {
 struct OpenedPhotograph {
   vips::VImage planes;   // upright; the first three red, green and blue, all of one depth
   vips::VImage metadata; // as Photograph's
-  std::vector<std::string> notices; // likewise
+  std::vector<std::string> notices; // likewise, but for what becomes of the depth
+  int numBits = 8;                  // that a channel has in the file
 };
+
+// That an image of `before` bits a channel has so many now.
+std::string DepthNotice(int before, int after);
 
 // Reads the header. The pixels are decoded once, from top to bottom, when asked for; what is wrong
 // with them shows then, as an error or a warning of libvips. shrink: as for OpenImage. depth: what
@@ -60,6 +64,10 @@ Photograph ReadPhotograph(const std::string& path, VipsBandFormat most = VIPS_FO
 // ignored, the orientation is applied. A coloured image is a
 // Failure(BadInput). The notices begin with the file's name.
 GreyImage ReadGreyImage(const std::string& path);
+
+// The same for a selection, in 8 bits whatever the file has: rounded to them, where a height's
+// lower ones are cut off.
+GreyImage ReadMask(const std::string& path);
 
 // How many planes ReadPhotograph would give, found without decoding the pixels.
 int CountPlanes(const std::string& path);

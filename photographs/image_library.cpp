@@ -114,6 +114,7 @@ void StartImageLibrary(int threads, const SizeLimit& limit) {
   vips_cache_set_max(0);
   vips_block_untrusted_set(TRUE);
   vips_operation_block_set("VipsForeignLoadPpm", FALSE);
+  vips_operation_block_set("VipsForeignLoadRad", FALSE);
   // A table of numbers in a text file is no photograph.
   vips_operation_block_set("VipsForeignLoadMatrix", TRUE);
 }

@@ -34,7 +34,8 @@ struct Format {
   Exif exif;
   unsigned proof;
   bool isRead;
-  VipsBandFormat mostDepth = VIPS_FORMAT_UCHAR;
+  int leastBits = 8; // a channel; 32 of floats
+  int mostBits = 8;
 };
 
 constexpr int ANY_NUMBER = 1000;
@@ -46,6 +47,7 @@ constexpr const char* JPEG_DEFAULTS = "Q=90,subsample-mode=on";
 constexpr const char* PNG_DEFAULTS = "compression=1,filter=sub";
 // Without libvips' comment that tells the time: the same picture gives the same bytes.
 constexpr const char* PPM_DEFAULTS = "strip";
+constexpr const char* PFM_DEFAULTS = "strip,format=pfm";
 
 // Formats in one file that hold a photograph. Folders of tiles, tables of numbers and the like are
 // not among them. Files are read by their content (image_source.cpp); here are the names of those
@@ -54,19 +56,21 @@ constexpr Format FORMATS[] = {
     {".jpg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
     {".jpeg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
     {".jpe", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
-    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept, NONE, true, VIPS_FORMAT_USHORT},
-    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true, VIPS_FORMAT_FLOAT},
-    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true, VIPS_FORMAT_FLOAT},
+    {".png", ".png", PNG_DEFAULTS, 4, Exif::Kept, NONE, true, 8, 16},
+    {".tif", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true, 8, 32},
+    {".tiff", ".tif", "", ANY_NUMBER, Exif::Lost, READ_BACK, true, 8, 32},
     {".webp", ".webp", "", 4, Exif::Kept, NONE, true},
-    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true, VIPS_FORMAT_USHORT},
-    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true, VIPS_FORMAT_USHORT},
-    {".heic", ".heic", "", 4, Exif::Kept, READ_BACK, true, VIPS_FORMAT_USHORT},
-    {".heif", ".heif", "", 4, Exif::Kept, READ_BACK, true, VIPS_FORMAT_USHORT},
-    {".avif", ".heif", "compression=av1", 4, Exif::Kept, READ_BACK, true, VIPS_FORMAT_USHORT},
+    {".ppm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true, 8, 16},
+    {".pnm", ".ppm", PPM_DEFAULTS, 3, Exif::Lost, NONE, true, 8, 16},
+    {".pfm", ".ppm", PFM_DEFAULTS, 3, Exif::Lost, NONE, true, 32, 32},
+    {".heic", ".heic", "", 4, Exif::Kept, READ_BACK, true, 8, 12},
+    {".heif", ".heif", "", 4, Exif::Kept, READ_BACK, true, 8, 12},
+    {".avif", ".heif", "compression=av1", 4, Exif::Kept, READ_BACK, true, 8, 12},
     {".jp2", ".jp2", "", ANY_NUMBER, Exif::Lost, ROOM, false},
     {".gif", ".gif", "", 4, Exif::Lost, ROOM | READ_BACK, true},
     {".pgm", nullptr, "", 0, Exif::Lost, NONE, true},
     {".pbm", nullptr, "", 0, Exif::Lost, NONE, true},
+    {".hdr", nullptr, "", 0, Exif::Lost, NONE, true},
 };
 
 const Format* FindFormat(const std::string& path) {
@@ -193,16 +197,33 @@ std::vector<std::string> Extensions(Use use) {
   return extensions;
 }
 
-VipsBandFormat MostDepth(const OutputName& name) {
-  // Compressions of TIFF that take bytes alone.
-  for (const char* option : {"compression=jpeg", "compression=webp"})
+OutputBits BitsOf(const OutputName& name) {
+  const Format& format = FormatOf(name.path);
+  OutputBits bits{format.leastBits, format.mostBits};
+  // Compressions of TIFF and a kind of PNG that take bytes alone.
+  for (const char* option : {"compression=jpeg", "compression=webp", "palette"})
     if (name.options.find(option) != std::string::npos)
-      return VIPS_FORMAT_UCHAR;
-  return FormatOf(name.path).mostDepth;
+      bits.most = 8;
+  constexpr std::string_view BITS = "bitdepth=";
+  if (const size_t at = name.options.find(BITS); at != std::string::npos)
+    bits.most =
+        std::min(bits.most, std::max(8, std::atoi(name.options.c_str() + at + BITS.size())));
+  return bits;
+}
+
+VipsBandFormat DepthOfBits(int bits) {
+  return bits <= 8 ? VIPS_FORMAT_UCHAR : bits <= 16 ? VIPS_FORMAT_USHORT : VIPS_FORMAT_FLOAT;
 }
 
 void CheckOutputFormat(const OutputName& name) {
   const Format& format = FormatOf(name.path);
+  // libheif 1.15, which Debian 12 has beside its libvips, asks the encoder for what it ends over.
+  const bool isOldEncoder = vips_version(0) == 8 && vips_version(1) < 15;
+  const int bits = BitsOf(name).most;
+  if (isOldEncoder && format.extension == ".avif" && bits > 8 && bits < 12)
+    throw Failure(ExitCode::WrongUsage,
+                  name.path + name.options +
+                      ": this machine's AV1 encoder takes 8 or 12 bits, and ends over 10");
   const Complaints complaints;
   const char* saver = vips_foreign_find_save_target(format.suffix);
   if (saver == nullptr)
@@ -232,6 +253,8 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
             ? image.planes
             : image.planes.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
     DropPlanes(planes, format, notices);
+    if (format.leastBits == 32) // PFM, whose lowest row is its first
+      planes = planes.copy_memory().flipver();
     planes = WithMetadata(planes, image.metadata);
     DropMetadata(planes, format, notices);
     planes.write_to_target((format.suffix + AllOptions(format, name.options)).c_str(),
@@ -256,9 +279,10 @@ void WritePhotograph(Photograph& photograph, const OutputName& name, const std::
   const Complaints complaints;
   VImage planes = PlanesOf(photograph);
   VImage metadata = photograph.metadata;
-  if (const VipsBandFormat most = MostDepth(name); most < photograph.depth) {
+  if (const VipsBandFormat most = DepthOfBits(BitsOf(name).most); most < photograph.depth) {
+    photograph.notices.push_back(DepthNotice(NumBits(photograph.depth), NumBits(most)));
     planes = ToRgbPlanes(WithMetadata(planes, metadata), most, photograph.notices);
-    metadata = CopyMetadata(planes);
+    metadata = CopyMetadata(planes, photograph.notices);
   }
   WriteImage({planes, metadata, "", nullptr}, name, target, existing, complaints,
              photograph.notices);

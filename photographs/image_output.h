@@ -26,9 +26,16 @@ bool IsName(const std::string& path, Use use);
 // All such extensions, with their full stop: ".jpg".
 std::vector<std::string> Extensions(Use use);
 
-// The deepest that such a file holds: UCHAR, USHORT or FLOAT. Throws Failure(WrongUsage) when the
-// format is not one that is written.
-VipsBandFormat MostDepth(const OutputName& name);
+// How many bits a channel such a file may have, by its format and options; 32 of floats. Throws
+// Failure(WrongUsage) when the format is not one that is written.
+struct OutputBits {
+  int least;
+  int most;
+};
+OutputBits BitsOf(const OutputName& name);
+
+// What so many bits are written from: UCHAR, USHORT or FLOAT.
+VipsBandFormat DepthOfBits(int bits);
 
 // Fails when the format or its options do not exist, or when its writer warns of the options
 // (WrongUsage), before any work is done.

@@ -63,6 +63,10 @@ constexpr InputFormat FORMATS[] = {
     {0, "P4"sv, vips::VImage::ppmload_source},
     {0, "P5"sv, vips::VImage::ppmload_source},
     {0, "P6"sv, vips::VImage::ppmload_source},
+    {0, "Pf"sv, vips::VImage::ppmload_source, Decoding::BottomUp},
+    {0, "PF"sv, vips::VImage::ppmload_source, Decoding::BottomUp},
+    {0, "#?RADIANCE\n"sv, vips::VImage::radload_source},
+    {0, "#?RGBE\n"sv, vips::VImage::radload_source},
     {0, "GIF8"sv, vips::VImage::gifload_source, Decoding::Whole},
     {4, "ftyp"sv, vips::VImage::heifload_source, Decoding::Whole},
 };
@@ -87,7 +91,40 @@ const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
     if (bytes.size() > format.offset && bytes.substr(format.offset).starts_with(format.magic))
       return format;
   throw Failure(ExitCode::BadInput,
-                path + ": is not a JPEG, PNG, TIFF, WebP, PPM, GIF, HEIF or AVIF image");
+                path + ": is not a JPEG, PNG, TIFF, WebP, PPM, PFM, HDR, GIF, HEIF or AVIF image");
+}
+
+// What a component is where the image is white, if its format counts to other ends than 255 and
+// 65535; 0 if not.
+int OwnWhite(const vips::VImage& image) {
+  constexpr int BITS = 16;
+  const auto number = [&](const char* field) {
+    return image.get_typeof(field) != 0 ? image.get_int(field) : 0;
+  };
+  if (image.format() == VIPS_FORMAT_UCHAR || image.format() == VIPS_FORMAT_USHORT)
+    if (const int most = number("ppm-max-value"); most > 1)
+      return most;
+  const int bits = number("heif-bitdepth"); // the highest of 16
+  if (image.format() == VIPS_FORMAT_USHORT && bits > 0 && bits < BITS)
+    return ((1 << bits) - 1) << (BITS - bits);
+  return 0;
+}
+
+// With numbers as pixels have them, whose white is that of their format, and the tag that turns it
+// the right way up.
+vips::VImage Normalized(vips::VImage image, Decoding decoding) {
+  if (image.coding() == VIPS_CODING_RAD)
+    image = image.rad2float();
+  const int white = OwnWhite(image);
+  const int full = image.format() == VIPS_FORMAT_UCHAR ? 255 : 65535;
+  if (white != 0 && white != full)
+    image = (image * (static_cast<double>(full) / white)).rint().cast(image.format());
+  if (decoding == Decoding::BottomUp) {
+    constexpr int FLIPPED = 4; // as EXIF counts
+    image = image.copy();
+    image.set(VIPS_META_ORIENTATION, FLIPPED);
+  }
+  return image;
 }
 
 // Formats are told apart, and some read, by going back and forth, which a pipe does not. It is read
@@ -121,7 +158,8 @@ vips::VImage OpenImage(const std::string& name, int shrink) {
                         ->set("fail_on", VIPS_FAIL_ON_WARNING);
     if (isShrunk)
       options->set("shrink", shrink);
-    const vips::VImage image = format.load(SourceOf(std::move(file)), options);
+    const vips::VImage image =
+        Normalized(format.load(SourceOf(std::move(file)), options), format.decoding);
     CheckPixels(image, isShrunk ? shrink : 1, format.decoding, length, path);
     return image;
   } catch (const vips::VError&) {

@@ -27,7 +27,7 @@ constexpr uint64_t LONG_ROW = 250'000;
 constexpr uint64_t MOST_GROWTH = 500;
 
 bool IsDecodedWhole(const vips::VImage& image, Decoding decoding) {
-  return decoding == Decoding::Whole || image.get_typeof("interlaced") != 0 ||
+  return decoding != Decoding::ByRows || image.get_typeof("interlaced") != 0 ||
          vips_image_get_orientation(image.get_image()) > 1;
 }
 
@@ -51,6 +51,8 @@ void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
     CheckWebp(bytes, path);
   else if (decoding == Decoding::Whole)
     CheckHeif(bytes, path);
+  if (start == NameOf("#?RA") || start == NameOf("#?RG"))
+    CheckRadiance(bytes, path);
   CheckTiff(bytes, path);
 }
 
@@ -64,13 +66,16 @@ void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64
   const bool isWhole = IsDecodedWhole(image, decoding);
   const SizeLimit& limit = ImageSizeLimit();
   const uint64_t most = limit.pixels > 0 ? limit.pixels : isWhole ? MOST_PIXELS_WHOLE : MOST_PIXELS;
-  // Every four channels count as a pixel.
+  const uint64_t component = vips_format_sizeof(image.format());
   const auto bands = static_cast<uint64_t>(image.bands());
+  const uint64_t counted = isWhole ? bands * component : bands;
   const uint64_t pixels = uint64_t{static_cast<uint32_t>(image.width())} *
                           static_cast<uint32_t>(image.height()) *
-                          static_cast<uint32_t>(shrink * shrink) * ((bands + 3) / 4);
+                          static_cast<uint32_t>(shrink * shrink) * ((counted + 3) / 4);
   if (bands > 4)
     size += " of " + std::to_string(bands) + " channels";
+  if (isWhole && component > 1)
+    size += " of " + std::to_string(8 * component) + " bits a channel";
   if (pixels > most)
     throw Failure(ExitCode::BadInput, path + ": has " + std::to_string(pixels) + " pixels (" +
                                           size + "), more than the " + std::to_string(most) +

@@ -6,8 +6,9 @@
 
 namespace limn {
 
-// How a format's pixels are decoded: row after row, or all at once.
-enum class Decoding { ByRows, Whole };
+// How a format's pixels are decoded: row after row, all at once, or row after row with the lowest
+// first, so that they are kept before they are used.
+enum class Decoding { ByRows, Whole, BottomUp };
 
 // Before libvips looks at the file. Throws Failure(BadInput) for a file that would have to be read
 // whole and is longer than a photograph can be, for a PNG or TIFF whose texts and profiles would
@@ -16,9 +17,10 @@ enum class Decoding { ByRows, Whole };
 void CheckContent(int descriptor, Decoding decoding, const std::string& path);
 
 // After its header is read: throws Failure(BadInput) when the image has more pixels than
-// ImageSizeLimit allows, every four channels counted as one, or, without such a limit, when a file
-// decoded whole, or one of very long rows, holds more of them than its length can mean. shrink: by
-// which the decoder reduced the sides.
+// ImageSizeLimit allows, or, without such a limit, when a file decoded whole, or one of very long
+// rows, holds more of them than its length can mean. Every four channels count as a pixel; of a
+// file decoded whole every four bytes, since these have to be in memory. shrink: by which the
+// decoder reduced the sides.
 void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64_t fileLength,
                  const std::string& path);
 

@@ -1,5 +1,7 @@
 #include "metadata.h"
 
+#include "further_images.h"
+
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -48,35 +50,48 @@ void CopyFields(VipsImage* from, VipsImage* into) {
   vips_image_remove(into, "jpeg-thumbnail-data");
 }
 
-// XMP packets repeat the orientation, as an attribute or an element with one digit.
-void ResetXmpOrientation(const VImage& image) {
-  if (image.get_typeof(XMP) != VIPS_TYPE_BLOB)
-    return;
-  size_t size = 0;
-  const char* bytes = static_cast<const char*>(image.get_blob(XMP, &size));
-  std::string packet(bytes, size);
+// Packets repeat the orientation, as an attribute or an element with one digit.
+void ResetOrientation(std::string& packet) {
   for (const char* opening : {"tiff:Orientation=\"", "tiff:Orientation='", "<tiff:Orientation>"})
     for (size_t at = packet.find(opening); at != std::string::npos; at = packet.find(opening, at)) {
       at += std::strlen(opening);
       if (at < packet.size() && packet[at] >= '1' && packet[at] <= '8')
         packet[at] = '1';
     }
-  vips_image_set_blob_copy(image.get_image(), XMP, packet.data(), packet.size());
+}
+
+// Makes the XMP one of the picture that is written.
+void FitXmp(const VImage& image, std::vector<std::string>& notices) {
+  if (image.get_typeof(XMP) != VIPS_TYPE_BLOB)
+    return;
+  size_t size = 0;
+  const char* bytes = static_cast<const char*>(image.get_blob(XMP, &size));
+  std::string packet(bytes, size);
+  if (std::optional<TrimmedXmp> trimmed = WithoutFurtherImages(packet)) {
+    notices.push_back(trimmed->notice);
+    packet = std::move(trimmed->packet);
+  }
+  ResetOrientation(packet);
+  if (packet.empty())
+    vips_image_remove(image.get_image(), XMP);
+  else
+    vips_image_set_blob_copy(image.get_image(), XMP, packet.data(), packet.size());
 }
 
 } // namespace
 
-VImage CopyMetadata(const VImage& image) {
+VImage CopyMetadata(const VImage& image, std::vector<std::string>& notices) {
   VImage metadata = VImage::black(1, 1).copy(
       VImage::option()->set("xres", image.xres())->set("yres", image.yres()));
   CopyFields(image.get_image(), metadata.get_image());
-  ResetXmpOrientation(metadata);
+  FitXmp(metadata, notices);
   return metadata;
 }
 
 VImage WithMetadata(const VImage& image, const VImage& metadata) {
   VImage copy =
       image.copy(VImage::option()->set("xres", metadata.xres())->set("yres", metadata.yres()));
+  vips_image_remove(copy.get_image(), XMP); // its source's own, where it is lit on the way
   CopyFields(metadata.get_image(), copy.get_image());
   return copy;
 }

@@ -18,6 +18,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sched.h>
+#include <set>
 #include <unistd.h>
 
 namespace limn {
@@ -46,8 +47,9 @@ public:
 
   void Progress(size_t job, double share) { _bar.Update(job, share); }
 
+  // What is true of the whole batch is told by each of its images, and printed once.
   void Notice(const std::string& text) {
-    if (_plan.options.quiet)
+    if (_plan.options.quiet || !_told.insert(text).second)
       return;
     _bar.Clear();
     PrintProblem(text);
@@ -120,6 +122,7 @@ private:
 
   const ApplyPlan& _plan;
   ProgressBar _bar;
+  std::set<std::string> _told; // notices
   ExitCode _worst = ExitCode::Done;
 };
 

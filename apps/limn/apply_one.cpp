@@ -1,5 +1,6 @@
 #include "apply_one.h"
 
+#include "colour_conversion.h"
 #include "deep_lighting.h"
 #include "image_library.h"
 #include "image_output.h"
@@ -41,13 +42,31 @@ struct ProgressTeller {
   }
 };
 
-// Of the planes that are lit for that output; NOTSET leaves it to the image.
-VipsBandFormat WantedDepth(const std::string& asked, const OutputName& output) {
-  const VipsBandFormat depth = asked == "8"       ? VIPS_FORMAT_UCHAR
-                               : asked == "16"    ? VIPS_FORMAT_USHORT
-                               : asked == "float" ? VIPS_FORMAT_FLOAT
-                                                  : VIPS_FORMAT_NOTSET;
-  return std::min(depth, MostDepth(output));
+// That --depth asks for; NOTSET leaves it to the image.
+VipsBandFormat AskedDepth(const std::string& asked) {
+  return asked == "8"       ? VIPS_FORMAT_UCHAR
+         : asked == "16"    ? VIPS_FORMAT_USHORT
+         : asked == "float" ? VIPS_FORMAT_FLOAT
+                            : VIPS_FORMAT_NOTSET;
+}
+
+// What becomes of a file's depth, or of the one that is asked for; empty when it is kept. lit: of
+// the planes. Without the image's name, so that a batch is told once.
+std::string NoteDepth(int numBits, VipsBandFormat lit, const std::string& asked,
+                      const OutputName& output) {
+  const OutputBits held = BitsOf(output);
+  const std::string files =
+      output.path.substr(output.path.rfind('.') + 1) + output.options + " files hold ";
+  const VipsBandFormat depth = AskedDepth(asked);
+  if (depth != VIPS_FORMAT_NOTSET && depth < DepthOfBits(held.least))
+    return "--depth " + asked + " is not kept: " + files + "floats";
+  if (depth > DepthOfBits(held.most))
+    return "--depth " + asked + " is not kept: " + files + std::to_string(held.most) +
+           " bits a channel";
+  const int left = std::min(NumBits(lit), held.most);
+  if (numBits <= left)
+    return "";
+  return DepthNotice(numBits, left) + (left == held.most ? ", since " + files + "no more" : "");
 }
 
 // Decodes, lights and writes a few rows at a time.
@@ -60,8 +79,11 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   const Complaints complaints;
   ProgressTeller teller{channel};
   try {
-    OpenedPhotograph opened = OpenPhotograph(
-        pair.input, 1, WantedDepth(plan.options.depth, pair.output), MostDepth(pair.output));
+    const OutputBits held = BitsOf(pair.output);
+    const VipsBandFormat most = DepthOfBits(held.most);
+    const VipsBandFormat asked = std::min(AskedDepth(plan.options.depth), most);
+    const bool isLifted = held.least > NumBits(VIPS_FORMAT_UCHAR);
+    OpenedPhotograph opened = OpenPhotograph(pair.input, 1, isLifted ? most : asked, most);
     complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();
@@ -69,7 +91,11 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
     NoteMissingRelief(style,
                       opened.planes.bands() + static_cast<int>(tools.surroundings.channels.size()),
                       opened.notices);
+    const std::string depthNotice =
+        NoteDepth(opened.numBits, opened.planes.format(), plan.options.depth, pair.output);
     const auto tellNotices = [&] {
+      if (!depthNotice.empty())
+        channel.Notice(depthNotice);
       for (const std::string& notice : opened.notices)
         channel.Notice(source + ": " + notice);
     };

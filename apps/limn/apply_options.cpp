@@ -108,12 +108,12 @@ void AddLighting(CLI::App& apply, ApplyOptions& options) {
       ->check(CLI::IsMember({"8", "16", "float"}));
   AddValue(apply, "--area", options.area, "X,Y,W,H", "Light only this rectangle, in pixels");
   AddValue(apply, "--mask", options.mask, "IMAGE",
-           "A grey image of the same size: light fully where it is\n"
-           "white, not at all where it is black");
+           "A grey image of the same size and of any depth: light\n"
+           "fully where it is white, not at all where it is black");
   AddValue(apply, "--channel", options.channels, "IMAGE",
            "A grey image of the same size, as one more channel that\n"
-           "a style can take its relief from; not written to the\n"
-           "output; may be repeated");
+           "a style can take its relief from, with all its depth;\n"
+           "not written to the output; may be repeated");
 }
 
 void AddRunning(CLI::App& apply, ApplyOptions& options) {

@@ -174,8 +174,8 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   CheckOutputFormat(output);
   const CVPlugin plugin = LoadPlugin();
   // The picture is decoded while the desktop starts.
-  std::future<Sources> reading =
-      std::async(std::launch::async, ReadSources, std::cref(options), MostDepth(output));
+  std::future<Sources> reading = std::async(std::launch::async, ReadSources, std::cref(options),
+                                            DepthOfBits(BitsOf(output).most));
   const bool hasDesktop = TB_StartDesktop(argc, argv);
   Sources sources = reading.get();
   if (!hasDesktop)

@@ -73,7 +73,7 @@ Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::s
   Surroundings surroundings;
   surroundings.area = area;
   if (!mask.empty())
-    surroundings.mask = ReadGreyImage(mask);
+    surroundings.mask = ReadMask(mask);
   for (const std::string& channel : channels)
     surroundings.channels.push_back(ReadGreyImage(channel));
   return surroundings;

@@ -3,6 +3,7 @@ them is known without any image library."""
 
 import array
 import os
+import re
 import shutil
 import struct
 import subprocess
@@ -111,6 +112,12 @@ def put(path, data):
 
 def vips(*arguments):
     subprocess.run(["vips", *map(str, arguments)], check=True, capture_output=True)
+
+
+def version(program):
+    """The two numbers that it begins with, of a program that prints "NAME-1.2..."."""
+    told = subprocess.run([program, "--version"], check=True, capture_output=True, text=True).stdout
+    return tuple(int(number) for number in re.findall(r"\d+", told)[:2])
 
 
 def field(path, name):

@@ -33,7 +33,7 @@ class Damage(support.LimnTest):
 
     def test_truncated(self):
         number = 0
-        for kind in ["jpg", "png", "tif", "webp", "ppm", "gif", "heic", "avif"]:
+        for kind in ["jpg", "png", "tif", "webp", "ppm", "pfm", "hdr", "gif", "heic", "avif"]:
             content = self.make(kind)
             end = len(content) - LOOSE_ENDS.get(kind, 0)
             further = random.Random(7).sample(range(end), 60) if IS_DEEP else []
@@ -62,7 +62,7 @@ class Damage(support.LimnTest):
         for name, content in [("notes.jpg", b"Dear diary\n" * 50), ("drawing.svg", svg), ("table.csv", b"1,2,3\n4,5,6\n"),
                               ("wide.ppm", b"P6\n40000 1\n255\n" + b"\0" * 120000),
                               ("huge.ppm", b"P6\n2000000000 2000000000\n255\n"),
-                              ("flat.ppm", b"P6\n0 5\n255\n"), ("zeros.tif", b"\0" * 500),
+                              ("flat.ppm", b"P6\n0 5\n255\n"), ("flat.hdr", b"#?RADIANCE\n\n-Y 0 +X 5\n"), ("zeros.tif", b"\0" * 500),
                               ("nothing.tif", b"II*\0\x08\0\0\0\0\0\0\0\0\0")]:
             self.refused(content, name, name)
 

@@ -52,6 +52,37 @@ class Metadata(support.LimnTest):
         self.assertIn(b'tiff:Orientation="1" note="kept"', content)
         self.assertRegex(support.field("out.jpg", "exif-ifd0-Orientation") or "1 ", "^1 ")
 
+    def test_gain_map_goes_with_its_tags(self):
+        """Tags without their map would have a viewer brighten the picture. All else is kept byte for byte."""
+        names = [("rdf", "http://www.w3.org/1999/02/22-rdf-syntax-ns#"), ("dc", "http://purl.org/dc/elements/1.1/"),
+                 ("map", "http://ns.adobe.com/hdr-gain-map/1.0/"), ("all", "http://ns.google.com/photos/1.0/container/"),
+                 ("Item", "http://ns.google.com/photos/1.0/container/item/")]
+        kept = [f' xmlns:{name}="{uri}"' for name, uri in names]
+        items = "".join(f'<rdf:li><all:Item Item:Semantic="{kind}" Item:Length="{length}"/></rdf:li>'
+                        for kind, length in [("Primary", 0), ("GainMap", 9)])
+        parts = ["<?xpacket begin='' id='x'?>\n<x:xmpmeta xmlns:x='adobe:ns:meta/'>", f"<rdf:RDF{kept[0]}><rdf:Description",
+                 "".join(kept[2:]), kept[1], ' map:Version="1.0"', ' dc:format=\'map:Version="1.0"\'>',
+                 f"<all:Directory><rdf:Seq>{items}</rdf:Seq></all:Directory>", "<dc:title>kept &amp; whole</dc:title>",
+                 "<map:GainMapMax><rdf:Seq><rdf:li>2.0</rdf:li></rdf:Seq></map:GainMapMax>",
+                 "</rdf:Description></rdf:RDF></x:xmpmeta>\n", " " * 500, "<?xpacket end='w'?>"]
+        packet = "".join(parts)
+        rest = "".join(parts[i] for i in (0, 1, 3, 5, 7, 9, 10, 11))
+        plain = support.content("plain.jpg")
+        index = b"MPF\0II*\0\x08\0\0\0\0\0\0\0\0\0"
+        segment = b"\xff\xe2" + struct.pack(">H", len(index) + 2) + index
+        support.put("hdr.jpg", plain[:2] + xmp(packet) + segment + plain[2:] + plain[:2] + xmp(packet) + plain[2:])
+        for output, *options in [("out.jpg",), ("out.png",), ("out.tif",), ("out.webp",), ("out.jpg", "--through-plugin")]:
+            with self.subTest(output, options=options):
+                self.limn("apply", "hdr.jpg", "-o", output, "-f", *options, says="its gain map and the tags for it")
+                self.assertEqual(base64.b64decode(support.field(output, "xmp-data")), rest.encode())
+                self.assertNotIn(b"MPF\0", support.content(output))
+                self.assertNotIn(b"gain-map", support.content(output))
+        for name, broken in [("cut", packet[:700]), ("doctype", "<!DOCTYPE x>" + packet)]:
+            with self.subTest(name):
+                support.put("hdr.jpg", plain[:2] + xmp(broken) + plain[2:])
+                self.limn("apply", "hdr.jpg", "-o", "out.jpg", "-f", says="its gain map and the tags for it")
+                self.assertIsNone(support.field("out.jpg", "xmp-data"))
+
     def test_profile_of_another_space_is_not_kept(self):
         support.vips("icc_transform", "in.ppm", "ink.jpg", "cmyk", "--input-profile", "srgb")
         profile = base64.b64decode(support.field("ink.jpg", "icc-profile-data"))

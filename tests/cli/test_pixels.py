@@ -1,10 +1,13 @@
 """What becomes of every kind of image on its way to the plug-in and back. A mask that selects nothing
 leaves the lighting out, so the pixels are known."""
 
+import array
+import base64
 import os
+import struct
 
 import support
-from support import Picture, pattern
+from support import Picture, content, pattern
 
 
 def grey_to_rgb(picture):
@@ -32,7 +35,7 @@ class Pixels(support.LimnTest):
     def converted(self, name, output, width, height, says="", *options):
         support.write_pnm("none.pgm", support.filled(width, height, 0))
         self.limn("apply", name, "--mask", "none.pgm", "-o", output, "-f", *options, says=says)
-        return support.read(output)
+        return support.read(output.split("[")[0])
 
     def test_spaces_and_depths(self):
         grey, grey_alpha, grey16 = pattern(7, 5, 1), pattern(7, 5, 2), pattern(7, 5, 1, 16)
@@ -92,6 +95,12 @@ class Pixels(support.LimnTest):
         self.limn("apply", "bright.tif", "--mask", "none.pgm", "-o", "out.tif", "-f")
         self.assertSame(support.read("out.tif"), support.read("bright.tif"), "beyond black and white")
         self.limn("apply", "in.png", "-o", "out.tif[compression=webp]", "-f", says="become 8")
+        os.rename("in.tif", "two.tif")
+        answer = self.limn("apply", "in.png", "two.tif", "-o", "lit/", "--format", "jpg", says="become 8, since jpg")
+        self.assertEqual(len(answer.stderr.splitlines()), 1, "once for a batch")
+        answer = self.limn("apply", "in.png", "two.tif", "-o", "lit/", "--format", "png", "--depth", "float",
+                           says="--depth float is not kept: png files hold 16 bits a channel")
+        self.assertEqual(len(answer.stderr.splitlines()), 1, "once for a batch")
         for depth, bits in [("8", 8), ("16", 16), ("float", 32)]:
             self.limn("apply", "in.ppm", "-o", "out.tif", "-f", "--depth", depth)
             self.assertEqual(support.read("out.tif").depth, bits)
@@ -109,6 +118,91 @@ class Pixels(support.LimnTest):
             self.limn("apply", "in.ppm", "--channel", channel, *depth, *relief, "-o", output)
         self.assertSame(support.read("b.ppm"), support.read("c.ppm"), "--depth 8 is what the dialog does")
         self.assertNotEqual(list(support.read("a.ppm").samples), list(support.read("c.ppm").samples))
+
+    def unlit(self, name, output, *options, says="", size=(8, 6)):
+        return self.converted(name, output, *size, says, *options)
+
+    def test_formats_at_depth(self):
+        """Unlit, each format gives and takes all that it holds, the right way up and with white at its end."""
+        picture = Picture(8, 6, 3, [65535 * i // 143 for i in range(144)], 16)
+        support.write_png("in.png", picture)
+        support.vips("cast", "in.png", "in.v", "uint", "--shift")
+        support.vips("copy", "in.v", "in.tif")
+        self.assertSame(self.unlit("in.tif", "out.png"), picture, "32-bit integers")
+        ten = Picture(8, 6, 3, [7 * i for i in range(143)] + [1023], 16)
+        support.put("in.ppm", b"P6\n8 6\n1023\n" + ten.packed(">"))
+        self.assertEqual(list(self.unlit("in.ppm", "out.png").samples),
+                         [int(value * 65535 / 1023 + 0.5) for value in ten.samples])
+
+        numbers = array.array("f", [i / 100 - 0.2 for i in range(144)])
+        rows = [numbers[at : at + 24].tobytes() for at in range(0, 144, 24)]
+        support.put("in.pfm", b"PF\n8 6\n-1.0\n" + b"".join(reversed(rows)))
+        self.assertEqual(list(self.unlit("in.pfm", "out.tif").samples), list(numbers))
+        self.unlit("in.pfm", "out.pfm")
+        self.assertEqual(content("out.pfm")[-576:], content("in.pfm")[-576:])
+        self.unlit("in.png", "out.pfm")
+        self.assertAlmostEqual(struct.unpack("<f", content("out.pfm")[-196:-192])[0], 71 / 143, places=4)
+        self.unlit("in.png", "out.pfm", "--depth", 8, says="--depth 8 is not kept: pfm files hold floats")
+
+        light = bytes([128, 128, 128, 129]) * 24 + bytes([64, 64, 64, 128]) * 24
+        support.put("in.hdr", b"#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 6 +X 8\n" + light)
+        self.assertAlmostEqual(self.unlit("in.hdr", "out.tif").samples[-1], 0.25, places=2)
+        encoded = self.unlit("in.hdr", "out.png", "--depth", 8, says="linear light becomes sRGB").samples
+        self.assertTrue(encoded[0] == 255 and abs(encoded[-1] - 137) <= 1, (encoded[0], encoded[-1]))
+        self.assertEqual(self.unlit("in.png", "out.tif", "--depth", "float").depth, 32)
+        self.assertSame(self.unlit("out.tif", "back.png", "--depth", 16), picture, "a profile says that these are sRGB")
+
+        flat = Picture(64, 64, 3, [65535] * 12288, 16)
+        support.write_png("white.png", flat)
+        for output, bits in [("out.heic[bitdepth=10,Q=90]", "10"), ("out.heic[Q=90]", "12"), ("out.avif[Q=90]", "12"),
+                             ("out.heic[bitdepth=8]", "8")]:
+            with self.subTest(output):
+                says = f"16 bits a channel become {bits}, since {output.split('.')[1]} files hold no more"
+                self.converted("white.png", output, 64, 64, says)
+                self.assertEqual(support.field(output.split("[")[0], "heif-bitdepth"), bits)
+                deep = self.converted(output.split("[")[0], "back.png", 64, 64)
+                white = 255 if bits == "8" else 65535
+                self.assertGreaterEqual(min(deep.samples), white - (500 if "avif" in output else 0), output)
+        is_old = support.version("vips") < (8, 15)
+        self.limn("apply", "white.png", "-o", "new.avif[bitdepth=10]", code=2 if is_old else 0,
+                  says="takes 8 or 12 bits" if is_old else "")
+
+    def test_wide_gamut(self):
+        """A white ambience of 64 and nothing else is the picture as it is: its numbers, its profile, its depth."""
+        support.write_pnm("in.ppm", support.smooth(8, 6))
+        support.vips("icc_transform", "in.ppm", "p3.tif", "p3", "--input-profile", "srgb")
+        profile = base64.b64decode(support.field("p3.tif", "icc-profile-data"))
+        picture = pattern(8, 6, 3, 16)
+        support.write_tiff("words.tif", picture, fields=[(34675, 7, len(profile), profile)])
+        support.vips("linear", "words.tif", "floats.v", 1 / 65535, 0)
+        support.vips("copy", "floats.v", "floats.tif", "--interpretation", "scrgb")
+        support.vips("copy", "words.tif", "words.png")
+        support.vips("copy", "p3.tif", "bytes.png")
+        for name, output, count in [("words.tif", "out.tif", 1), ("words.png", "out.png", 1), ("bytes.png", "out.png", 1),
+                                    ("floats.tif", "out.tif", 1 / 65535), ("floats.tif", "out.png", 0)]:
+            with self.subTest(name=name, output=output):
+                self.limn("apply", name, "-o", output, "-f", "--set", "ambience=64", "--set", "ambientColor=white",
+                          "--set", "light.0.on=false")
+                before, after = support.read(name), support.read(output)
+                if count:
+                    self.assertEqual(after.depth, before.depth)
+                    self.assertLessEqual(max(abs(a - b) for a, b in zip(before.samples, after.samples)), 1.01 * count)
+                else:
+                    self.assertLessEqual(max(abs(a - b) for a, b in zip(picture.samples, after.samples)), 1)
+                self.assertEqual(support.field(output, "icc-profile-data"), base64.b64encode(profile).decode())
+
+    def test_masks_of_any_depth(self):
+        """They are rounded to 8 bits."""
+        support.write_pnm("in.ppm", support.smooth(8, 6))
+        support.write_pnm("bytes.pgm", Picture(8, 6, 1, [5 * i for i in range(48)]))
+        self.limn("apply", "in.ppm", "--mask", "bytes.pgm", "-o", "expected.ppm")
+        support.write_pnm("words.pgm", Picture(8, 6, 1, [max(0, 257 * 5 * i - 120) for i in range(48)], 16))
+        rows = [struct.pack("<8f", *((5 * i + 0.4) / 255 for i in range(at, at + 8))) for at in range(40, -1, -8)]
+        support.put("floats.pfm", b"Pf\n8 6\n-1.0\n" + b"".join(rows))
+        for mask in ["words.pgm", "floats.pfm"]:
+            with self.subTest(mask):
+                self.limn("apply", "in.ppm", "--mask", mask, "-o", "out.ppm", "-f")
+                self.assertSame(support.read("out.ppm"), support.read("expected.ppm"))
 
     def test_orientation(self):
         picture = pattern(7, 5, 4)

@@ -108,6 +108,13 @@ def bombs():
     yield "fit their box", "counts.avif", heif([b"grid"], (b"dimg", 1, 2)).replace(b"dimg\0\1\0\1", b"dimg\0\1\xff\xff")
     yield "", "boxes.avif", b"\0\0\0\x10ftypavif\0\0\0\0" + b"\0\0\0\x08meta" * 400000
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
+    for says, side in [("pixels", 30000), ("as no photograph is", 8000), ("", 3000)]:
+        yield says, f"{side}.pfm", b"PF\n%d %d\n-1.0\n" % (side, side)
+    sides = b"#?RADIANCE\n%b\n%b 30000 +X 30000\n"
+    yield "as no photograph is", "large.hdr", sides % (b"", b"-Y")
+    yield "unusual order", "mirrored.hdr", sides % (b"", b"+Y")
+    yield "XYZ", "xyz.hdr", sides % (b"FORMAT=32-bit_rle_xyze\n", b"-Y")
+    yield "how large", "lines.hdr", sides % (b"VIEW=x\n" * 10**6, b"-Y")
 
 
 class Surroundings(support.LimnTest):
@@ -170,6 +177,11 @@ class Surroundings(support.LimnTest):
                 os.remove("out.ppm")
         self.limn("apply", "in.ppm", "--mask", "mask.pgm", "-o", "out.ppm", "--max-pixels", 700, code=BAD_INPUT,
                   says="mask.pgm: has 800")
+        # What has to be in memory whole counts by its bytes, four of which an 8-bit pixel takes.
+        support.write_tiff("turned.tif", support.pattern(30, 20, 3, 16), orientation=6)
+        self.limn("apply", "turned.tif", "-o", "out.tif", "--max-pixels", 1199, code=BAD_INPUT,
+                  says="has 1200 pixels (30 × 20 of 16 bits a channel)")
+        self.limn("apply", "turned.tif", "-o", "out.tif", "--max-pixels", 1200)
         for wrong in ["0", "-5", "many", "99999999999999999999"]:
             self.limn("apply", "in.ppm", "-o", "out.ppm", "--max-pixels", wrong, code=2, says="max-pixels")
 
