@@ -1,6 +1,8 @@
 #include "EditorDocument.h"
 
-#include "lighting.h"
+#include "deep_lighting.h"
+#include "deep_photograph.h"
+#include "failure.h"
 
 #include <algorithm>
 #include <new>
@@ -24,6 +26,14 @@ void ForRows(const QRect& area, int width, size_t pixelBytes, uint8_t* data, Row
                          static_cast<size_t>(area.x());
     row(data + first * pixelBytes, static_cast<size_t>(y) * length, length);
   }
+}
+
+// A mask as one band, its pixels borrowed.
+vips::VImage BandOf(QImage& mask) {
+  return vips::VImage::new_from_memory(mask.bits(), static_cast<size_t>(mask.sizeInBytes()),
+                                       static_cast<int>(mask.bytesPerLine()), mask.height(), 1,
+                                       VIPS_FORMAT_UCHAR)
+      .extract_area(0, 0, mask.width(), mask.height());
 }
 
 } // namespace
@@ -107,8 +117,11 @@ QRect EditorDocument::filterArea() const {
 }
 
 std::vector<EditorDocument::Buffer> EditorDocument::_buffers() {
-  std::vector<Buffer> buffers{
-      {_image.photograph.pixels.data(), static_cast<size_t>(_image.photograph.numPlanes)}};
+  limn::Photograph& photograph = _image.photograph;
+  const auto numPlanes = static_cast<size_t>(photograph.numPlanes);
+  std::vector<Buffer> buffers{{photograph.pixels.data(), numPlanes}};
+  if (isDeep())
+    buffers.push_back({photograph.deep.data(), numPlanes * vips_format_sizeof(photograph.depth)});
   for (limn::GreyImage& channel : _channels)
     buffers.push_back({channel.pixels.data(), 1});
   return buffers;
@@ -185,20 +198,73 @@ CVResult EditorDocument::_wrap(CVDocument& document, QImage& mask) {
   return result;
 }
 
-CVResult EditorDocument::change(const std::function<CVResult(CVDocument&, CVRect)>& filter) {
+CVResult EditorDocument::_run(const Filter& filter, const QRect& area) {
+  QImage mask = _selection.mask;
+  CVDocument document;
+  const CVResult wrapped = _wrap(document, mask);
+  return wrapped.ok() ? filter(document, ContractRect(area)) : wrapped;
+}
+
+CVResult EditorDocument::change(const Filter& filter) {
   const QRect area = filterArea();
   CVResult result = CVGuarded("the filter's run", [&]() -> CVResult {
-    QImage mask = _selection.mask;
-    CVDocument document;
-    if (CVResult wrapped = _wrap(document, mask); !wrapped.ok())
-      return wrapped;
     Step step = _stepBack(area);
-    CVResult filtered = filter(document, ContractRect(area));
+    CVResult filtered = _run(filter, area);
     if (filtered.ok()) {
       _pixelState = ++_lastState;
       _record(std::move(step));
     }
     return filtered;
+  });
+  if (result.ok()) {
+    Q_EMIT pixelsChanged(area);
+    Q_EMIT stateChanged();
+  }
+  return result;
+}
+
+CVResult EditorDocument::ask(const Filter& filter) {
+  return CVGuarded("the filter's run", [&] {
+    CVResult result = _run(filter, filterArea());
+    if (result.ok()) // and has lit the 8 bits
+      _image.photograph.pixels =
+          limn::DecodedPixels(limn::InBytes(limn::PlanesOf(_image.photograph)));
+    return result;
+  });
+}
+
+CVResult EditorDocument::light(std::shared_ptr<const foo> parameters,
+                               const std::function<bool(double)>& goOn) {
+  const QRect area = filterArea();
+  const limn_area part{area.x(), area.y(), area.width(), area.height()};
+  const CVResult result = CVGuarded("the lighting", [&]() -> CVResult {
+    limn::LitSettings settings{};
+    settings.parameters = std::move(parameters);
+    settings.area = part;
+    for (limn::GreyImage& channel : _channels)
+      settings.channels.push_back(limn::BandOf(channel, true));
+    QImage mask = _selection.mask;
+    if (!mask.isNull())
+      settings.mask = BandOf(mask);
+    try {
+      Step step{area, {}, ++_lastState, _selection, _position};
+      limn::Photograph lit;
+      lit.width = part.width;
+      lit.height = part.height;
+      lit.numPlanes = _image.photograph.numPlanes;
+      lit.depth = _image.photograph.depth;
+      lit.deep =
+          limn::LitSamples(_image.photograph, settings, part, _image.path.toStdString(), goOn);
+      if (lit.deep.empty())
+        return {CVOutcome::Cancelled, 0, "cancelled"};
+      step.planes.push_back(limn::DecodedPixels(limn::InBytes(limn::PlanesOf(lit))));
+      step.planes.push_back(std::move(lit.deep));
+      _exchange(step);
+      _record(std::move(step));
+      return {};
+    } catch (const limn::Failure& failure) {
+      return {CVOutcome::Failed, 0, failure.what()};
+    }
   });
   if (result.ok()) {
     Q_EMIT pixelsChanged(area);

@@ -14,7 +14,10 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <vector>
+
+struct foo;
 
 namespace editor {
 
@@ -42,6 +45,8 @@ public:
   const OpenedImage& image() const { return _image; }
   QSize size() const { return {_image.photograph.width, _image.photograph.height}; }
   QRect bounds() const { return {QPoint(0, 0), size()}; }
+  // Of more than 8 bits a channel: shown, and given to filters, in 8 bits, and lit as it is.
+  bool isDeep() const { return _image.photograph.depth != VIPS_FORMAT_UCHAR; }
   // `area` of the pixels in 32-bit colour; alpha and further channels are not shown.
   QImage colours(const QRect& area) const;
 
@@ -63,9 +68,15 @@ public:
   // The area that a filter runs on.
   QRect filterArea() const;
 
-  // Runs `filter` on the image and the filter area, as one step that can be undone when it answers
-  // Done; otherwise nothing has changed.
-  CVResult change(const std::function<CVResult(CVDocument&, CVRect)>& filter);
+  // Runs `filter` on an image that is not deep, and the filter area, as one step that can be undone
+  // when it answers Done; otherwise nothing has changed.
+  using Filter = std::function<CVResult(CVDocument&, CVRect)>;
+  CVResult change(const Filter& filter);
+  // Lets `filter` see a deep image, whatever it does to it, for what it asks the user.
+  CVResult ask(const Filter& filter);
+  // Lights a deep image and the filter area with the filter's parameters, as one such step. goOn:
+  // gets 0 … 1, and answers whether to.
+  CVResult light(std::shared_ptr<const foo> parameters, const std::function<bool(double)>& goOn);
 
   bool canUndo() const { return !_undo.empty(); }
   bool canRedo() const { return !_redo.empty(); }
@@ -91,7 +102,7 @@ Q_SIGNALS:
 
 private:
   // One step: what to exchange with the document to go back, or forth again. planes: the bytes of
-  // `area`, of the image and then of each further channel.
+  // `area`, of the image (of a deep one in 8 bits and as it is) and then of each further channel.
   struct Step {
     QRect area; // empty when the pixels stay
     std::vector<std::vector<uint8_t>> planes;
@@ -111,6 +122,7 @@ private:
   void _move(std::deque<Step>& from, std::deque<Step>& to);
   void _exchange(Step& step);
   CVResult _wrap(CVDocument& document, QImage& mask);
+  CVResult _run(const Filter& filter, const QRect& area);
 
   OpenedImage _image;
   std::vector<limn::GreyImage> _channels;

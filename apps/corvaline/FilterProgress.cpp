@@ -20,6 +20,7 @@ FilterProgress::FilterProgress(QString title, QWidget* owner)
 }
 
 void FilterProgress::show(double share) {
+  _hasDialogEnded = _hasDialogShown;
   if (share <= 0.0)
     _sinceStart.restart();
   _steps = static_cast<int>(share * STEPS);
@@ -34,6 +35,7 @@ bool FilterProgress::isCancelled() {
 }
 
 void FilterProgress::yieldToDialog() {
+  _hasDialogShown = true;
   _window.reset();
   _sinceStart.restart();
 }

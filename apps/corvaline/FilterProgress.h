@@ -22,6 +22,8 @@ public:
   bool isCancelled();
   // The filter has drawn into a dialog of its own.
   void yieldToDialog();
+  // There was such a dialog, and what is shown now is what follows it.
+  bool hasDialogEnded() const { return _hasDialogEnded; }
 
 private:
   void _runEvents();
@@ -30,6 +32,7 @@ private:
   QWidget* _owner;
   std::unique_ptr<QProgressDialog> _window; // null until it is worth showing
   int _steps = 0;
+  bool _hasDialogShown = false, _hasDialogEnded = false;
   QElapsedTimer _sinceStart, _sinceEvents;
 };
 

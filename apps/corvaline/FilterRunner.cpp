@@ -2,6 +2,8 @@
 
 #include "FilterProgress.h"
 
+#include "deep_lighting.h"
+
 #include "ToolboxDesktop.h"
 
 #include <QCoreApplication>
@@ -35,6 +37,30 @@ CVResult LoadFilter(CVPlugin& plugin) {
   return plugin.load(QFile::encodeName(QDir(folder).absoluteFilePath(FILTER_FILE)).toStdString());
 }
 
+CVResult FilterRunner::_runDeep(EditorDocument& document, CVRunOptions& options,
+                                FilterProgress& progress) {
+  // Another filter could only work on the 8 bits.
+  if (_session.plugin().name() != FILTER_FILE)
+    return {CVOutcome::BadMode, 0,
+            QObject::tr("This filter works with 8 bits a channel, and the image has more.")
+                .toStdString()};
+  if (options.dialog == CVDialog::Yes) {
+    // The run is ended where the dialog is.
+    options.cancelled = [&] { return progress.hasDialogEnded() || progress.isCancelled(); };
+    CVResult asked = document.ask(
+        [&](CVDocument& image, CVRect area) { return _session.run(image, area, options); });
+    if (!asked.ok() && !progress.hasDialogEnded())
+      return asked;
+  }
+  auto parameters = limn::ParametersOfBlock(_session.parameters());
+  if (parameters == nullptr)
+    return {CVOutcome::Failed, 0, "there are no settings to light with"};
+  return document.light(std::move(parameters), [&](double share) {
+    progress.show(share);
+    return !progress.isCancelled();
+  });
+}
+
 CVResult FilterRunner::run(EditorDocument& document, CVDialog dialog, const QString& title,
                            QWidget* owner) {
   FilterProgress progress(title, owner);
@@ -45,8 +71,10 @@ CVResult FilterRunner::run(EditorDocument& document, CVDialog dialog, const QStr
   options.cancelled = [&] { return progress.isCancelled(); };
   currentProgress = &progress;
   _running = true;
-  CVResult result = document.change(
-      [&](CVDocument& image, CVRect area) { return _session.run(image, area, options); });
+  CVResult result = document.isDeep() ? _runDeep(document, options, progress)
+                                      : document.change([&](CVDocument& image, CVRect area) {
+                                          return _session.run(image, area, options);
+                                        });
   _running = false;
   currentProgress = nullptr;
   return result;

@@ -10,6 +10,8 @@
 
 namespace editor {
 
+class FilterProgress;
+
 // The filter from $CORVALINE_PLUGINS, the lib folder beside the program's own, or the one that was
 // installed. Otherwise than with Done `plugin` is not loaded.
 CVResult LoadFilter(CVPlugin& plugin);
@@ -22,8 +24,9 @@ public:
   // A run has left parameters to repeat.
   bool canRepeat() const { return isLoaded() && _session.hasParameters(); }
 
-  // Runs the filter as one step that can be undone. owner: the window to keep alive; it is blocked
-  // meanwhile. title: for the progress.
+  // Runs the filter as one step that can be undone; a deep image is lit with the parameters that
+  // the run would have taken. owner: the window to keep alive; it is blocked meanwhile. title: for
+  // the progress.
   CVResult run(EditorDocument& document, CVDialog dialog, const QString& title, QWidget* owner);
   // Makes these the parameters to repeat.
   CVResult setParameters(const void* bytes, size_t size) {
@@ -35,6 +38,8 @@ public:
   bool isRunning() const { return _running; }
 
 private:
+  CVResult _runDeep(EditorDocument& document, CVRunOptions& options, FilterProgress& progress);
+
   CVFilterSession _session;
   bool _running = false;
 };

@@ -35,7 +35,7 @@ std::string SaveOptions(const QString& path) {
 }
 
 OpenedImage OpenImageFile(const QString& path) {
-  OpenedImage image{limn::ReadPhotograph(Encoded(path)), path, false};
+  OpenedImage image{limn::ReadPhotograph(Encoded(path), VIPS_FORMAT_FLOAT), path, false};
   image.mayBeReplaced = image.photograph.notices.empty() && IsWritable(path);
   return image;
 }
@@ -61,6 +61,10 @@ QString ReadablePatterns() {
 
 QString WritablePatterns() {
   return Patterns(limn::Use::Writing);
+}
+
+QString OutputSuffix(const QString& path, VipsBandFormat depth) {
+  return IsWritable(path) ? QFileInfo(path).suffix() : depth == VIPS_FORMAT_FLOAT ? "tif" : "png";
 }
 
 bool IsWritable(const QString& path) {

@@ -35,6 +35,8 @@ std::string SaveOptions(const QString& path);
 // For file dialogs: patterns of files that can be opened, and that can be written.
 QString ReadablePatterns();
 QString WritablePatterns();
+// Under which an image from `path` is written: its own, or if that cannot be, one that keeps depth.
+QString OutputSuffix(const QString& path, VipsBandFormat depth);
 // Whether an image can be written under this name, going by its extension.
 bool IsWritable(const QString& path);
 

@@ -51,11 +51,17 @@ void MainWindow::_showState() {
   _copyCommand->setEnabled(hasImage && _lastRun.has_value());
   _repeat->setEnabled(hasImage && _filter.canRepeat());
   const QStringList channels = _document.channelNames();
-  _imageFacts->setText(hasImage ? tr("%1 × %2 pixels, %3 channels")
-                                      .arg(_document.size().width())
-                                      .arg(_document.size().height())
-                                      .arg(channels.size())
-                                : QString());
+  QString facts;
+  if (hasImage)
+    facts = tr("%1 × %2 pixels, %3 channels")
+                .arg(_document.size().width())
+                .arg(_document.size().height())
+                .arg(channels.size());
+  if (_document.isDeep())
+    facts +=
+        ", " + (_document.image().photograph.depth == VIPS_FORMAT_USHORT ? tr("16 bits a channel")
+                                                                         : tr("float"));
+  _imageFacts->setText(facts);
   _imageFacts->setToolTip(channels.join("\n"));
   _showZoom();
 }

@@ -74,6 +74,7 @@ private:
     QImage mask;
     std::vector<std::string> channels;
     bool wasModified; // the image was no longer that of the file
+    VipsBandFormat depth;
   };
   CommandFacts _commandFacts() const;
 

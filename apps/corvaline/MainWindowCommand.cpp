@@ -17,9 +17,9 @@ namespace {
 constexpr int NOTICE_MILLISECONDS = 8000;
 
 // Where the command writes: beside the image, never over it, and as the editor would.
-std::string OutputFor(const QFileInfo& image) {
-  const QString suffix = IsWritable(image.filePath()) ? image.suffix() : "png";
-  const QString path = image.absolutePath() + "/" + image.completeBaseName() + "-lit." + suffix;
+std::string OutputFor(const QFileInfo& image, VipsBandFormat depth) {
+  const QString path = image.absolutePath() + "/" + image.completeBaseName() + "-lit." +
+                       OutputSuffix(image.filePath(), depth);
   return Encoded(path) + SaveOptions(path);
 }
 
@@ -42,7 +42,8 @@ MainWindow::CommandFacts MainWindow::_commandFacts() const {
           _document.filterArea() == _document.bounds(),
           _document.selection().mask,
           _document.channelFiles(),
-          _document.isModified()};
+          _document.isModified(),
+          _document.image().photograph.depth};
 }
 
 bool MainWindow::copyCommand(const QString& maskPath) {
@@ -60,10 +61,10 @@ bool MainWindow::copyCommand(const QString& maskPath) {
     return false;
   }
   const QFileInfo image(run.path);
-  const std::string command =
-      limn::CommandLine({*style, Encoded(image.absoluteFilePath()), OutputFor(image),
-                         run.isWhole ? "" : AreaWords(run.area),
-                         run.mask.isNull() ? "" : Encoded(maskPath), run.channels});
+  const std::string command = limn::CommandLine(
+      {*style, Encoded(image.absoluteFilePath()), OutputFor(image, run.depth),
+       run.isWhole ? "" : AreaWords(run.area), run.mask.isNull() ? "" : Encoded(maskPath),
+       run.channels, 0, false, run.depth != VIPS_FORMAT_UCHAR});
   if (limn::HasControls(command)) {
     _complain(title, tr("A file's name has characters that a terminal takes for keys."));
     return false;

@@ -146,7 +146,7 @@ bool MainWindow::saveAs() {
   if (_document.isEmpty())
     return false;
   const QFileInfo old(_document.image().path);
-  const QString suffix = IsWritable(old.filePath()) ? old.suffix() : "png";
+  const QString suffix = OutputSuffix(old.filePath(), _document.image().photograph.depth);
   QFileDialog dialog(this, tr("Save the image as"), _folder(),
                      tr("Images") + " (" + WritablePatterns() + ")");
   dialog.setAcceptMode(QFileDialog::AcceptSave);

@@ -12,12 +12,16 @@ TEST_F(EditorRun, ACopiedCommandWritesWhatTheEditorWrites) {
   const struct {
     const char *name, *output;
     editor::Selection selection;
-  } cases[] = {{"it's a picture.png", "it's a picture-lit.png", {}},
-               {"area.jpg", "area-lit.jpg", {QRect(20, 10, 60, 30), {}}},
-               {"mask.tif", "mask-lit.tif", {QRect(3, 2, 80, 50), plane(slope)}}};
+    VipsBandFormat depth = VIPS_FORMAT_UCHAR;
+  } cases[] = {
+      {"it's a picture.png", "it's a picture-lit.png", {}},
+      {"area.jpg", "area-lit.jpg", {QRect(20, 10, 60, 30), {}}},
+      {"mask.tif", "mask-lit.tif", {QRect(3, 2, 80, 50), plane(slope)}},
+      {"deep.png", "deep-lit.png", {QRect(3, 2, 80, 50), plane(slope)}, VIPS_FORMAT_USHORT},
+      {"float.tif", "float-lit.tif", {}, VIPS_FORMAT_FLOAT}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    open(makePicture(c.name));
+    open(makePicture(c.name, 3, c.depth));
     EXPECT_FALSE(action("Copy Command")->isEnabled()) << "nothing has been done";
     ASSERT_TRUE(window->loadChannel(heights));
     window->document().select(c.selection);
@@ -26,6 +30,7 @@ TEST_F(EditorRun, ACopiedCommandWritesWhatTheEditorWrites) {
     ASSERT_TRUE(window->copyCommand(pathTo("the mask.png")));
     const QString command = QGuiApplication::clipboard()->text();
     EXPECT_EQ(command.contains("the mask"), !c.selection.mask.isNull());
+    EXPECT_EQ(command.contains("--depth"), c.depth == VIPS_FORMAT_UCHAR);
     EXPECT_EQ(QProcess::execute("sh", {"-c", shell + command}), 0) << command.toStdString();
     EXPECT_EQ(contentOf(pathTo(c.output)), contentOf(pathTo("saved-" + QString(c.output))));
     ASSERT_TRUE(window->applyStyle(QString("Forest Dapples")));

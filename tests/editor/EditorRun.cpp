@@ -15,7 +15,7 @@ EditorRun::EditorRun() {
   window->show();
 }
 
-QString EditorRun::makePicture(const QString& name, int planes) const {
+QString EditorRun::makePicture(const QString& name, int planes, VipsBandFormat depth) const {
   std::vector<uint8_t> bytes;
   for (int y = 0; y < HEIGHT; ++y)
     for (int x = 0; x < WIDTH; ++x)
@@ -28,6 +28,12 @@ QString EditorRun::makePicture(const QString& name, int planes) const {
   vips::VImage image = vips::VImage::new_from_memory(bytes.data(), bytes.size(), WIDTH, HEIGHT,
                                                      planes, VIPS_FORMAT_UCHAR)
                            .copy(tags);
+  if (depth != VIPS_FORMAT_UCHAR)
+    image = (image * (depth == VIPS_FORMAT_FLOAT ? 1.0 / 180 : 257.9))
+                .cast(depth)
+                .copy(vips::VImage::option()->set(
+                    "interpretation", depth == VIPS_FORMAT_FLOAT ? VIPS_INTERPRETATION_scRGB
+                                                                 : VIPS_INTERPRETATION_RGB16));
   image.set("exif-ifd0-Artist", "Ada (Ada, ASCII, 4 components, 4 bytes)");
   image.write_to_file(pathTo(name).toLocal8Bit().constData());
   return pathTo(name);

@@ -17,8 +17,10 @@ protected:
   EditorRun();
 
   QString pathTo(const QString& name) const { return _folder.filePath(name); }
-  // Writes a picture of WIDTH × HEIGHT with an artist and a resolution.
-  QString makePicture(const QString& name, int planes = 3) const;
+  // Writes a picture of WIDTH × HEIGHT with an artist and a resolution. Deeper than 8 bits, it
+  // holds what these do not, as floats beyond white too.
+  QString makePicture(const QString& name, int planes = 3,
+                      VipsBandFormat depth = VIPS_FORMAT_UCHAR) const;
   // Writes a grey picture of that size.
   QString makePlane(const QString& name, const std::function<int(int x, int y)>& value) const;
   static QImage plane(const std::function<int(int x, int y)>& value);
@@ -34,6 +36,7 @@ protected:
   int questions = 0; // asked so far
 
   const std::vector<uint8_t>& pixels() { return window->document().photograph().pixels; }
+  const std::vector<uint8_t>& deep() { return window->document().photograph().deep; }
   QAction* action(const QString& text) const;
   QPoint at(int x, int y) const; // of the image, in the viewport
 

@@ -11,7 +11,9 @@ TEST_F(EditorRun, FilesThatLoseSomethingAreNotReplacedUnasked) {
   EXPECT_TRUE(editor::OpenImageFile(makePicture("plain.png")).mayBeReplaced);
   EXPECT_TRUE(editor::OpenImageFile(makePicture("alpha.png", 4)).mayBeReplaced);
   const QString deep = makeFile("deep.ppm", "P6 1 1 65535\n\1\2\3\4\5\6");
-  EXPECT_FALSE(editor::OpenImageFile(deep).mayBeReplaced);
+  EXPECT_TRUE(editor::OpenImageFile(deep).mayBeReplaced);
+  const QString deeper = makePicture("deeper.tif", 3, VIPS_FORMAT_UINT);
+  EXPECT_FALSE(editor::OpenImageFile(deeper).mayBeReplaced);
 }
 
 TEST_F(EditorRun, WhatCannotBeOpenedOrSavedLeavesTheImage) {

@@ -1,15 +1,19 @@
 // The real plug-in in the editor: its dialog, its repetition, and how a run is cut short.
 #include "EditorRun.h"
 
+#include "deep_photograph.h"
 #include "lighting.h"
 #include "style_source.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QProgressDialog>
+#include <QStatusBar>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -77,6 +81,68 @@ TEST_F(EditorRun, AStyleDoesWhatTheCommandDoes) {
   EXPECT_FALSE(window->applyStyle("no such style"));
   EXPECT_EQ(questions, 1);
   EXPECT_EQ(pixels(), lit.pixels);
+}
+
+TEST_F(EditorRun, APictureKeepsItsDepth) {
+  const struct {
+    VipsBandFormat depth;
+    QString name, told;
+  } cases[] = {{VIPS_FORMAT_USHORT, "deep.png", " channels, 16 bits a channel"},
+               {VIPS_FORMAT_FLOAT, "deep.tif", " channels, float"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name.toStdString());
+    open(makePicture(c.name, 3, c.depth));
+    EXPECT_TRUE(std::ranges::any_of(window->statusBar()->findChildren<QLabel*>(),
+                                    [&](auto* label) { return label->text().endsWith(c.told); }));
+    editor::EditorDocument& document = window->document();
+    const auto formIsTrue = [&] {
+      const auto planes = limn::InBytes(limn::PlanesOf(document.photograph()));
+      return limn::DecodedPixels(planes) == pixels();
+    };
+    std::vector<std::vector<uint8_t>> states = {deep()};
+    const std::function<void()> changes[] = {
+        [&] { EXPECT_TRUE(lightWithDialog()); }, [&] { action("Repeat")->trigger(); },
+        [&] { EXPECT_TRUE(window->applyStyle("Campfire")); },
+        [&] {
+          document.select({QRect(20, 10, 31, 22), plane([](int x, int y) { return 2 * x + y; })});
+          action("Repeat")->trigger();
+        }};
+    for (const auto& change : changes) {
+      change();
+      states.push_back(deep());
+      EXPECT_NE(states.back(), states[states.size() - 2]);
+      EXPECT_TRUE(formIsTrue());
+    }
+    for (size_t i = states.size() - 1; i-- > 0;) {
+      action("Undo")->trigger();
+      if (i == 3) // the selection is a step of its own
+        action("Undo")->trigger();
+      EXPECT_EQ(deep(), states[i]) << "back to " << i;
+      EXPECT_TRUE(formIsTrue());
+    }
+    EXPECT_FALSE(document.canUndo());
+    while (document.canRedo())
+      document.redo();
+    EXPECT_EQ(deep(), states.back());
+    ASSERT_TRUE(window->saveTo(pathTo(c.name)));
+    ASSERT_TRUE(window->saveTo(pathTo("shallow.jpg")));
+    EXPECT_TRUE(window->statusBar()->currentMessage().contains("become 8"));
+    open(pathTo(c.name));
+    EXPECT_EQ(deep(), states.back());
+    EXPECT_TRUE(formIsTrue());
+    EXPECT_TRUE(document.image().mayBeReplaced);
+  }
+  const auto before = deep();
+  const auto form = pixels();
+  auto other = std::make_unique<editor::MainWindow>(CVPlugin(SlowFilter, "slow"));
+  window.swap(other);
+  window->show();
+  open(pathTo("deep.tif"));
+  answerNext(QMessageBox::Ok);
+  EXPECT_FALSE(window->runFilter(CVDialog::No));
+  EXPECT_EQ(questions, 1) << "a filter of 8 bits is refused";
+  EXPECT_EQ(deep(), before);
+  EXPECT_EQ(pixels(), form);
 }
 
 TEST_F(EditorRun, ALongRunShowsItsProgressAndCanBeCancelled) {

@@ -1,6 +1,10 @@
 // The document's steps, without a window.
 #include "EditorDocument.h"
 
+#include "style_source.h"
+
+#include "LM_style_lighting.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -109,6 +113,25 @@ TEST(Undo, AFailedChangeIsNoStep) {
   EXPECT_FALSE(document.canUndo());
   EXPECT_TRUE(document.canRedo()) << "what was taken back is still there";
   EXPECT_FALSE(document.isModified());
+
+  constexpr int SIDE = 1500;
+  OpenedImage deep;
+  deep.photograph.width = deep.photograph.height = SIDE;
+  deep.photograph.numPlanes = 3;
+  deep.photograph.depth = VIPS_FORMAT_USHORT;
+  deep.photograph.pixels.resize(size_t{SIDE} * SIDE * 3, 77);
+  deep.photograph.deep.resize(deep.photograph.pixels.size() * 2, 77);
+  const std::vector<uint8_t> before = deep.photograph.deep;
+  document.setImage(std::move(deep));
+  const auto parameters = std::make_shared<foo>();
+  const LM_style style = limn::FindStyle("Campfire").style;
+  ASSERT_TRUE(LM_ParametersFromStyle(style, SIDE, SIDE, 3, parameters.get()));
+  for (const double end : {0.0, 0.3, 2.0}) {
+    const CVResult result = document.light(parameters, [&](double share) { return share < end; });
+    EXPECT_EQ(result.outcome, end > 1 ? CVOutcome::Done : CVOutcome::Cancelled) << end;
+    EXPECT_EQ(document.photograph().deep != before, end > 1);
+    EXPECT_EQ(document.canUndo(), end > 1);
+  }
 }
 
 TEST(Undo, ModificationFollowsTheSavedState) {
