@@ -144,6 +144,13 @@ std::string ShownName(const std::string& path) {
   return path == STANDARD_INPUT ? "standard input" : path;
 }
 
+int ShrinkFor(int side, int wanted) {
+  int shrink = 8;
+  while (shrink > 1 && side / shrink < wanted)
+    shrink /= 2;
+  return shrink;
+}
+
 vips::VImage OpenImage(const std::string& name, int shrink) {
   Descriptor file = name == STANDARD_INPUT ? KeptStandardInput() : OpenRegularFile(name);
   const std::string path = ShownName(name);

@@ -15,4 +15,8 @@ std::string ShownName(const std::string& path);
 // its size, which saves most of the work, other formats to all of it. Throws Failure(BadInput).
 vips::VImage OpenImage(const std::string& name, int shrink = 1);
 
+// The most that a JPEG whose longer side is `side` may be shrunk by so that it is still `wanted`
+// long.
+int ShrinkFor(int side, int wanted);
+
 } // namespace limn

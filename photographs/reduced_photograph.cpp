@@ -1,6 +1,6 @@
 #include "reduced_photograph.h"
 
-#include "failure.h"
+#include "height_image.h"
 #include "image_file.h"
 #include "image_library.h"
 #include "image_source.h"
@@ -22,15 +22,6 @@ VImage Resized(const VImage& image, const ReducedPhotograph& to) {
       VImage::option()->set("vscale", static_cast<double>(to.height) / image.height()));
 }
 
-// How much smaller a JPEG may be decoded so that there is still enough for the reduction.
-int ShrinkFor(const ReducedPhotograph& photograph) {
-  int shrink = 8;
-  while (shrink > 1 && std::max(photograph.fullWidth, photograph.fullHeight) / shrink <
-                           std::max(photograph.width, photograph.height))
-    shrink /= 2;
-  return shrink;
-}
-
 VImage ProfileOf(const VImage& image) {
   VImage pixel = VImage::black(1, 1);
   if (image.get_typeof(VIPS_META_ICC_NAME) != 0) {
@@ -45,8 +36,7 @@ VImage ProfileOf(const VImage& image) {
 VImage ReadChannel(const std::string& path, const ReducedPhotograph& photograph,
                    const std::string& photographPath) {
   GreyImage grey = ReadGreyImage(path);
-  if (grey.width != photograph.fullWidth || grey.height != photograph.fullHeight)
-    throw Failure(ExitCode::BadInput, path + ": has another size than " + photographPath);
+  CheckShape(grey, photograph.fullWidth, photograph.fullHeight, photographPath);
   const VImage full = VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
                                               grey.height, 1, VIPS_FORMAT_UCHAR);
   return Resized(full, photograph).copy_memory();
@@ -79,7 +69,9 @@ ReadReduction ReadReducedPhotograph(const std::string& path,
       const Complaints complaints;
       MeasurePhotograph(path, photograph);
       FitReduction(photograph, longestSide);
-      const OpenedPhotograph opened = OpenPhotograph(path, ShrinkFor(photograph));
+      const OpenedPhotograph opened =
+          OpenPhotograph(path, ShrinkFor(std::max(photograph.fullWidth, photograph.fullHeight),
+                                         std::max(photograph.width, photograph.height)));
       read.notices = opened.notices;
       read.metadata = ProfileOf(opened.metadata);
       planes = Resized(opened.planes, photograph).copy_memory();

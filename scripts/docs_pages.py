@@ -1,7 +1,7 @@
 """The pages of the documentation, read for what is run and drawn in them.
 
   ```sh               a block of commands that a reader can type; run one page after the other block by block,
-                      in a folder that holds the bundled photographs, `photo.jpg` and a folder `photos`
+                      in a folder that holds the bundled photographs, `photo.jpg`, `camera.jpg` and a folder `photos`
   ```python           the same for /usr/bin/python3, where the Python package is built; one program a page
   <!-- not run: WHY -->  before a block: it needs a screen, an installation or minutes; so do blocks that call
                          one of ELSEWHERE
@@ -103,6 +103,22 @@ def shrink_photographs(folder, width):
                        check=True, capture_output=True)
 
 
+def make_camera_photograph(clean, target):
+    """The picture with the grain of a camera's."""
+    def vips(*words):
+        return subprocess.run(["vips", *words], check=True, capture_output=True, text=True).stdout
+
+    size = [subprocess.run(["vipsheader", "-f", side, clean], check=True, capture_output=True, text=True).stdout.strip()
+            for side in ("width", "height")]
+    steps = [target + step for step in (".grain.v", ".sum.v", ".bytes.v")]
+    vips("gaussnoise", steps[0], *size, "--sigma", "5.3", "--mean", "0", "--seed", "1")
+    vips("add", clean, steps[0], steps[1])
+    vips("cast", steps[1], steps[2], "uchar")
+    vips("copy", steps[2], target + "[Q=92]")
+    for step in steps:
+        os.remove(step)
+
+
 @contextlib.contextmanager
 def working_folder(build, photos=PHOTOS):
     """Makes a folder as the pages assume it the current one, with `build`'s programs in the path."""
@@ -118,6 +134,7 @@ def working_folder(build, photos=PHOTOS):
             shutil.copy(f"{photos}/{photo}", folder)
         shutil.copy(f"{photos}/still-life.jpg", f"{folder}/photo.jpg")
         subprocess.run(["vips", "copy", f"{photos}/still-life.jpg", f"{folder}/photo.png[compression=1]"], check=True)
+        make_camera_photograph(f"{photos}/still-life.jpg", f"{folder}/camera.jpg")
         shutil.copy(f"{photos}/portrait.jpg", f"{folder}/photos")
         shutil.copy(f"{photos}/landscape.jpg", f"{folder}/photos/lake")
         with open(f"{folder}/last-time", "w", encoding="utf-8"):

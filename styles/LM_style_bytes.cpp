@@ -17,11 +17,12 @@ bool IsJson(std::string_view text) {
 
 } // namespace
 
-bool LM_StyleFromBytes(const uint8_t* bytes, size_t size, LM_style& style, std::string& why) {
+bool LM_StyleFromBytes(const uint8_t* bytes, size_t size, LM_style& style, std::string& why,
+                       LM_height_source* relief) {
   std::string_view text(reinterpret_cast<const char*>(bytes), size);
   if (!IsJson(text))
     return LM_DecodeStyle(bytes, size, style, why);
   if (text.starts_with(BYTE_ORDER_MARK))
     text.remove_prefix(BYTE_ORDER_MARK.size());
-  return LM_StyleFromJson(text, style, why);
+  return LM_StyleFromJson(text, style, why, relief);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "LM_height_words.h"
 #include "LM_light_kinds.h"
 #include "LM_style_fields.h"
 #include "LM_style_layout.h"
@@ -19,7 +20,8 @@ bool IsRemark(std::string_view key) {
 // key.
 class StyleReader : public nlohmann::json_sax<nlohmann::json> {
 public:
-  StyleReader(LM_style& style, std::string& why) : _style(style), _why(why) {}
+  StyleReader(LM_style& style, LM_height_source& relief, std::string& why)
+      : _style(style), _relief(relief), _why(why) {}
 
   bool null() override { return Fail("null is no value"); }
   bool boolean(bool value) override { return Number(value ? 1 : 0); }
@@ -40,6 +42,9 @@ public:
           return Number(kind.code);
       return Fail("it is " + LM_LightKindWords(&LM_light_kind::word));
     }
+    if (_place == Place::Relief && _key == "source")
+      return LM_SetHeightSource(_relief, value) ||
+             Fail("it is a channel's number, or " + LM_HeightSourceWords());
     return Fail("it takes a number, not text");
   }
   bool binary(binary_t&) override { return Fail("it takes a number"); }
@@ -47,6 +52,10 @@ public:
   bool start_object(size_t) override {
     if (_place == Place::Outside) {
       _place = Place::Style;
+      return true;
+    }
+    if (_place == Place::Style && _key == "relief") {
+      _place = Place::Relief;
       return true;
     }
     if (_place != Place::Lights)
@@ -65,7 +74,9 @@ public:
     return true;
   }
   bool end_object() override {
-    _place = _place == Place::Light ? Place::Lights : Place::Outside;
+    _place = _place == Place::Light    ? Place::Lights
+             : _place == Place::Relief ? Place::Style
+                                       : Place::Outside;
     _key = "lights";
     return true;
   }
@@ -92,7 +103,7 @@ public:
   }
 
 private:
-  enum class Place { Outside, Style, Lights, Light, Array };
+  enum class Place { Outside, Style, Relief, Lights, Light, Array };
   static constexpr size_t LONGEST_KEY = 40;
 
   // The parser's message without its own error number, and without what it read last where that is
@@ -110,7 +121,8 @@ private:
     std::string path =
         place == Place::Light || place == Place::Lights
             ? "light." + std::to_string(std::max<int>(_style.lightsRead, 1) - 1) + "."
-            : "";
+        : place == Place::Relief ? "relief."
+                                 : "";
     path += _key;
     return _place == Place::Array ? path + "." + std::to_string(_index) : path;
   }
@@ -124,6 +136,8 @@ private:
     if (_place == Place::Outside || _place == Place::Lights)
       return Fail("it takes no number");
     std::string what;
+    if (_place == Place::Relief)
+      return LM_SetHeightNumber(_relief, _key, value, what) || Fail(what);
     if (!LM_SetStyleNumber(_style, Path(), value, what))
       return Fail(what);
     ++_index;
@@ -131,6 +145,7 @@ private:
   }
 
   LM_style& _style;
+  LM_height_source& _relief;
   std::string& _why;
   Place _place = Place::Outside;
   Place _arrayIn = Place::Style;
@@ -189,10 +204,12 @@ private:
 
 } // namespace
 
-bool LM_StyleFromJson(std::string_view text, LM_style& style, std::string& why) {
+bool LM_StyleFromJson(std::string_view text, LM_style& style, std::string& why,
+                      LM_height_source* relief) {
   style = LM_NewStyle();
   why.clear();
-  StyleReader reader(style, why);
+  LM_height_source heights;
+  StyleReader reader(style, heights, why);
   if (!nlohmann::json::sax_parse(text.begin(), text.end(), &reader)) {
     if (why.empty())
       why = "it is not JSON";
@@ -202,16 +219,24 @@ bool LM_StyleFromJson(std::string_view text, LM_style& style, std::string& why) 
     why = "version: it is not " + std::to_string(LM_STYLE_VERSION);
     return false;
   }
+  if (heights.kind == LM_height_kind::Style && heights != LM_height_source()) {
+    why = "relief: it has no source";
+    return false;
+  }
+  if (relief != nullptr)
+    *relief = heights;
   if (style.lightsRead == 0)
     why = "it holds no light";
   return style.lightsRead > 0;
 }
 
-std::string LM_StyleToJson(const LM_style& style) {
+std::string LM_StyleToJson(const LM_style& style, const LM_height_source& relief) {
   std::string text = "{";
   JsonWriter header(text, "  ");
   LM_VisitStyleHeader(style, std::ref(header));
   header.Finish();
+  if (const std::string words = LM_HeightSourceToJson(relief); !words.empty())
+    text += ",\n  \"relief\": " + words;
   text += ",\n  \"lights\": [";
   for (int i = 0; i < style.lightsRead; ++i) {
     text += i == 0 ? "\n    {" : ",\n    {";

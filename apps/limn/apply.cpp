@@ -144,6 +144,7 @@ void AddStyle(ApplyPlan& plan, const std::string& name) {
   for (const std::string& setting : plan.options.settings)
     SetField(named.style, setting);
   plan.styles.push_back(named.style);
+  plan.reliefs.push_back(ReliefOf(plan.options.relief, named, plan.options.channels));
   plan.labels.push_back(LabelOf(name));
   if (!named.warning.empty() && !plan.options.quiet)
     PrintProblem(LabelOf(name) + ": " + named.warning);
@@ -162,6 +163,9 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
     OpenRegularFile(options.mask);
   for (const std::string& channel : options.channels)
     OpenRegularFile(channel);
+  for (const LM_height_source& relief : plan.reliefs)
+    if (relief.kind == LM_height_kind::File)
+      OpenRegularFile(relief.file);
   ImageList list = Images(plan);
   plan.pairs = std::move(list.pairs);
   plan.failures = std::move(list.failures);
@@ -231,6 +235,9 @@ ExitCode Apply(const ApplyOptions& options) {
     std::vector<std::string> shared = options.channels;
     if (!options.mask.empty())
       shared.push_back(options.mask);
+    for (const LM_height_source& relief : plan.reliefs)
+      if (relief.kind == LM_height_kind::File)
+        shared.push_back(relief.file);
     RefuseSharedFiles(plan.pairs, plan.targets, shared);
   }
   const int numProcessors = NumProcessors();

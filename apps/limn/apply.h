@@ -2,6 +2,7 @@
 #pragma once
 
 #include "failure.h"
+#include "relief_options.h"
 
 #include <cstdint>
 #include <string>
@@ -23,6 +24,7 @@ struct ApplyOptions {
   std::string area; // "X,Y,W,H", or empty
   std::string mask;
   std::vector<std::string> channels;
+  ReliefOptions relief;
   uint64_t maxPixels = 0;  // 0: the usual limits
   std::string depth;       // 8, 16 or float; empty: the image's own
   unsigned maxSeconds = 0; // for one image; 0: any number

@@ -2,6 +2,7 @@
 
 #include "colour_conversion.h"
 #include "deep_lighting.h"
+#include "height_image.h"
 #include "image_library.h"
 #include "image_output.h"
 #include "image_source.h"
@@ -24,10 +25,58 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
   if (plan.options.isThroughPlugin)
     tools.plugin = LoadPlugin();
   tools.surroundings = ReadSurroundings(plan.area, plan.options.mask, plan.options.channels);
+  // Only --relief names a file, and it does so for all styles.
+  if (!plan.reliefs.empty() && plan.reliefs[0].kind == LM_height_kind::File)
+    tools.surroundings.relief = ReadGreyImage(plan.reliefs[0].file);
   return tools;
 }
 
 namespace {
+
+HeightSubject SubjectOf(const std::string& path, int width, int height,
+                        const Surroundings& surroundings) {
+  return {path, width, height, surroundings.channels,
+          surroundings.relief ? &*surroundings.relief : nullptr};
+}
+
+// The channels that follow a photograph's own, made its size, and the heights that its relief is
+// taken from, if they are none of these. style: gets the channel that they are.
+std::vector<vips::VImage> ChannelsFor(const LM_height_source& source, const HeightSubject& subject,
+                                      std::vector<GreyImage>& added, int numPlanes, bool isDeep,
+                                      LM_style& style) {
+  const auto asDeep = [isDeep](const vips::VImage& image) {
+    return isDeep ? image
+                  : image.cast(VIPS_FORMAT_UCHAR, vips::VImage::option()->set("shift", true));
+  };
+  std::vector<vips::VImage> channels;
+  for (GreyImage& channel : added)
+    channels.push_back(channel.width == subject.width && channel.height == subject.height
+                           ? BandOf(channel, isDeep)
+                           : asDeep(ScaledImage(channel, subject)));
+  const int numChannels = numPlanes + static_cast<int>(channels.size());
+  if (source.kind == LM_height_kind::None) {
+    style.bumpChannel = 0;
+  } else if (source.kind == LM_height_kind::Channel && source.channel <= numChannels &&
+             LM_IsPlain(source)) {
+    style.bumpChannel = static_cast<int16_t>(source.channel);
+  } else if (source.kind != LM_height_kind::Style) {
+    channels.push_back(asDeep(HeightImage(source, subject)));
+    style.bumpChannel = static_cast<int16_t>(numChannels + 1);
+  }
+  return channels;
+}
+
+void NoteScaled(const Surroundings& surroundings, int width, int height,
+                std::vector<std::string>& notices) {
+  const auto note = [&](const GreyImage& grey) {
+    if (grey.width != width || grey.height != height)
+      notices.push_back(ScaledNotice(grey, width, height));
+  };
+  for (const GreyImage& channel : surroundings.channels)
+    note(channel);
+  if (surroundings.relief)
+    note(*surroundings.relief);
+}
 
 // Tells libvips' progress, in whole percents.
 struct ProgressTeller {
@@ -87,10 +136,14 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
     complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();
-    CheckSurroundings(tools.surroundings, width, height, source);
-    NoteMissingRelief(style,
-                      opened.planes.bands() + static_cast<int>(tools.surroundings.channels.size()),
-                      opened.notices);
+    Surroundings& surroundings = tools.surroundings;
+    CheckSurroundings(surroundings, width, height, source);
+    const LM_height_source& relief = plan.reliefs[pair.style];
+    if (relief.kind == LM_height_kind::Style)
+      NoteMissingRelief(style,
+                        opened.planes.bands() + static_cast<int>(surroundings.channels.size()),
+                        opened.notices);
+    NoteScaled(surroundings, width, height, opened.notices);
     const std::string depthNotice =
         NoteDepth(opened.numBits, opened.planes.format(), plan.options.depth, pair.output);
     const auto tellNotices = [&] {
@@ -103,8 +156,12 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
       tellNotices();
       return {width, height};
     }
-    LitSettings settings = SettingsFor(tools.surroundings, plan.options.depth != "8");
+    const bool isDeep = plan.options.depth != "8";
+    LitSettings settings = SettingsFor(surroundings, isDeep);
     settings.style = style;
+    settings.channels =
+        ChannelsFor(relief, SubjectOf(pair.input, width, height, surroundings),
+                    surroundings.channels, opened.planes.bands(), isDeep, settings.style);
     settings.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
     const vips::VImage lit = LitImage(opened.planes, settings);
     vips_image_set_progress(lit.get_image(), TRUE);
@@ -120,6 +177,33 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   }
 }
 
+// Makes a photograph's heights its last channel, unless they are the style's own.
+void AddRelief(const LM_height_source& source, const std::string& path, LM_style& style,
+               Surroundings& surroundings, Photograph& photograph) {
+  const Complaints complaints;
+  try {
+    const HeightSubject subject =
+        SubjectOf(path, photograph.width, photograph.height, surroundings);
+    CheckSurroundings(surroundings, subject.width, subject.height, ShownName(path));
+    NoteScaled(surroundings, subject.width, subject.height, photograph.notices);
+    const size_t numAdded = surroundings.channels.size();
+    const std::vector<vips::VImage> channels =
+        ChannelsFor(source, subject, surroundings.channels, photograph.numPlanes, false, style);
+    for (size_t i = 0; i < channels.size(); ++i) {
+      const bool isFitting = i < numAdded && surroundings.channels[i].width == subject.width &&
+                             surroundings.channels[i].height == subject.height;
+      if (isFitting)
+        continue;
+      surroundings.channels.resize(std::max(surroundings.channels.size(), i + 1));
+      GreyImage& channel = surroundings.channels[i];
+      channel = {channel.file, subject.width, subject.height, DecodedPixels(channels[i]), {}};
+    }
+    complaints.Check(ExitCode::BadInput, ShownName(path));
+  } catch (...) {
+    throw CaughtLibraryFailure(ExitCode::BadInput, ShownName(path));
+  }
+}
+
 // Decodes the whole image, has the plug-in light it, and writes it.
 JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                            const JobChannel& channel) {
@@ -129,13 +213,15 @@ JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t inde
   Photograph photograph = ReadPhotograph(pair.input);
   channel.Progress(READ_SHARE);
   double told = 0;
-  LightPhotograph(*tools.plugin, plan.styles[pair.style], tools.surroundings, photograph, source,
-                  [&](double share) {
-                    if (share < told + 0.01)
-                      return;
-                    told = share;
-                    channel.Progress(READ_SHARE + share * (LIT_SHARE - READ_SHARE));
-                  });
+  LM_style style = plan.styles[pair.style];
+  Surroundings surroundings = tools.surroundings; // which are fitted to this photograph
+  AddRelief(plan.reliefs[pair.style], pair.input, style, surroundings, photograph);
+  LightPhotograph(*tools.plugin, style, surroundings, photograph, source, [&](double share) {
+    if (share < told + 0.01)
+      return;
+    told = share;
+    channel.Progress(READ_SHARE + share * (LIT_SHARE - READ_SHARE));
+  });
   WritePhotograph(photograph, pair.output, plan.targets[index], existing);
   for (const std::string& notice : photograph.notices)
     channel.Notice(source + ": " + notice);

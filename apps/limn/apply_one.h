@@ -14,8 +14,9 @@ namespace limn {
 // All that a process needs for any image of the batch.
 struct ApplyPlan {
   ApplyOptions options;
-  std::vector<LM_style> styles;    // by the pairs' numbers
-  std::vector<std::string> labels; // what to call each
+  std::vector<LM_style> styles;          // by the pairs' numbers
+  std::vector<LM_height_source> reliefs; // of each, resolved
+  std::vector<std::string> labels;       // what to call each
   std::optional<limn_area> area;
   std::vector<ImagePair> pairs;
   std::vector<UnlistedName> failures; // told for the whole batch

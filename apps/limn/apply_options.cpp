@@ -45,7 +45,8 @@ std::string ApplyNotes() {
          "Examples:\n"
          "  limn apply photo.jpg -o lit.jpg\n"
          "  limn apply -s 'Evening Lamp' --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
-         "  limn apply --channel heights.png --set relief=4 photo.jpg -o lit.png\n"
+         "  limn apply -s 'Carved in Stone' --relief auto photo.jpg -o lit.jpg\n"
+         "  limn apply -s 'Raking Light' --relief heights.png photo.jpg -o lit.png\n"
          "  limn apply -s Campfire -s Clay *.jpg -o 'lit/{name}-{style}.{ext}'\n"
          "  limn apply -r holiday -o lit/ --skip-existing --json\n"
          "  fetch photo.jpg | limn apply - -o -.jpg | store lit.jpg\n\n";
@@ -111,9 +112,10 @@ void AddLighting(CLI::App& apply, ApplyOptions& options) {
            "A grey image of the same size and of any depth: light\n"
            "fully where it is white, not at all where it is black");
   AddValue(apply, "--channel", options.channels, "IMAGE",
-           "A grey image of the same size, as one more channel that\n"
+           "A grey image of the same shape, as one more channel that\n"
            "a style can take its relief from, with all its depth;\n"
            "not written to the output; may be repeated");
+  AddReliefOptions(apply, options.relief, "the style's");
 }
 
 void AddRunning(CLI::App& apply, ApplyOptions& options) {

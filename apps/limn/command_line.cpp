@@ -4,6 +4,7 @@
 #include "describe_options.h"
 #include "edit.h"
 #include "edit_options.h"
+#include "heights.h"
 #include "option_value.h"
 #include "preview.h"
 #include "report.h"
@@ -70,6 +71,27 @@ void AddChannels(CLI::App& app, Command& command) {
   });
 }
 
+void AddHeights(CLI::App& app, Command& command) {
+  auto options = std::make_shared<HeightsOptions>();
+  CLI::App* heights =
+      app.add_subcommand("heights", "Write the heights that a photograph is lit with");
+  heights->footer("White is high. The picture has 16 bits where its format has, and can be given\n"
+                  "to limn apply --relief or --channel, or painted on first.\n\n"
+                  "  limn heights photo.jpg -o heights.png --preview look.jpg\n\n" +
+                  std::string(EXIT_CODES));
+  heights->add_option("IMAGE", options->image, "The photograph")->required();
+  AddValue(*heights, "-o,--output", options->output, "FILE", "The file to write, as for limn apply")
+      ->required();
+  AddValue(*heights, "--preview", options->preview, "FILE",
+           "Write them lit from the upper left too, to be looked at");
+  AddReliefOptions(*heights, options->relief, "auto");
+  AddValue(*heights, "--channel", options->channels, "IMAGE", "As for limn apply; may be repeated");
+  AddMaxPixels(*heights, options->maxPixels);
+  heights->add_flag("-f,--force", options->force, "Replace existing files");
+  heights->callback(
+      [options, &command] { command = [options] { return WriteHeights(*options); }; });
+}
+
 // The vector code that this processor gets, or that there is none for it.
 std::string Version() {
   const LM_kernels* const kernels = LM_BestKernels();
@@ -93,6 +115,7 @@ std::unique_ptr<CLI::App> MakeCommandLine(Command& command, char** argv) {
   AddPreview(*app, command);
   AddSheet(*app, command);
   AddChannels(*app, command);
+  AddHeights(*app, command);
   AddStyles(*app, command);
   AddStyle(*app, command);
   std::vector<std::string> settings;

@@ -84,7 +84,7 @@ ExitCode ShowStyle(const std::string& name, StyleForm form) {
   if (!named.warning.empty())
     PrintProblem(name + ": " + named.warning);
   if (form == StyleForm::Json)
-    PrintText(LM_StyleToJson(named.style));
+    PrintText(LM_StyleToJson(named.style, named.relief));
   else
     PrintStyle(named.style);
   return ExitCode::Done;
@@ -94,6 +94,8 @@ ExitCode PackStyle(const std::string& jsonFile, const std::string& styleFile, Ov
   const NamedStyle named = ReadStyleFile(jsonFile);
   if (!named.warning.empty())
     PrintProblem(jsonFile + ": " + named.warning);
+  if (named.relief != LM_height_source())
+    PrintProblem(jsonFile + ": its relief object is left out, for which a style file has no room");
   const bool isReplacing = overwrite == Overwrite::Yes;
   const std::string target = ResolveTarget(styleFile);
   uint8_t bytes[LM_STYLE_MAX_BYTES];

@@ -1,6 +1,7 @@
 #include "lighting.h"
 
 #include "failure.h"
+#include "height_image.h"
 #include "posix_file.h"
 
 #include "LM_style_lighting.h"
@@ -123,9 +124,26 @@ void CheckSurroundings(const Surroundings& surroundings, int width, int height,
                        const std::string& file) {
   AreaOf(surroundings, width, height, file);
   for (const GreyImage& channel : surroundings.channels)
-    CheckSize(channel, width, height, file);
+    CheckShape(channel, width, height, file);
+  if (surroundings.relief)
+    CheckShape(*surroundings.relief, width, height, file);
   if (surroundings.mask)
     CheckSize(*surroundings.mask, width, height, file);
+}
+
+std::string ScaledNotice(const GreyImage& grey, int width, int height) {
+  return grey.file + " is scaled from " + Size(grey.width, grey.height) + " to its " +
+         Size(width, height) + " pixels";
+}
+
+void FitChannels(std::vector<GreyImage>& channels, int width, int height, const std::string& file,
+                 std::vector<std::string>& notices) {
+  for (GreyImage& channel : channels) {
+    if (channel.width == width && channel.height == height)
+      continue;
+    notices.push_back(ScaledNotice(channel, width, height));
+    ScaleGrey(channel, width, height, file);
+  }
 }
 
 CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
@@ -135,8 +153,8 @@ CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
   CheckRun(document.wrap(photograph.pixels.data(), rowStride, photograph.width, photograph.height,
                          CV_MODE_RGB, photograph.numPlanes),
            file);
+  FitChannels(surroundings.channels, photograph.width, photograph.height, file, photograph.notices);
   for (GreyImage& channel : surroundings.channels) {
-    CheckSize(channel, photograph.width, photograph.height, file);
     CheckRun(document.wrapChannel(ChannelName(channel.file), channel.pixels.data(),
                                   static_cast<size_t>(channel.width)),
              file);

@@ -22,6 +22,7 @@ struct Surroundings {
   std::optional<limn_area> area;   // none: the whole image
   std::optional<GreyImage> mask;   // none: everything is selected
   std::vector<GreyImage> channels; // appended to the image's own
+  std::optional<GreyImage> relief; // heights from a file, which are no channel
 };
 
 // With the pixels of these files; mask: empty for none. Throws Failure.
@@ -40,8 +41,14 @@ void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings
 
 // The pieces of that, for other kinds of runs.
 
-// The photograph as the editor's document, with mask and channels. It borrows all pixels. Throws
-// Failure when mask or channels do not fit.
+// What to say of a photograph of that size to which a grey image is scaled.
+std::string ScaledNotice(const GreyImage& grey, int width, int height);
+// Makes the channels ones of that size, and notes those that were not. file: what has that size.
+// Throws Failure when one has another shape.
+void FitChannels(std::vector<GreyImage>& channels, int width, int height, const std::string& file,
+                 std::vector<std::string>& notices);
+// The photograph as the editor's document, with mask and channels. It borrows all pixels; channels
+// are fitted. Throws Failure when mask or channels do not fit.
 CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
                         const std::string& file);
 // The rectangle to filter. Throws Failure(WrongUsage) when it is not inside the image.

@@ -74,7 +74,7 @@ std::vector<LM_listed_style> AllStyles() {
 NamedStyle ReadStyleFile(const std::string& path) {
   NamedStyle named{};
   const std::vector<uint8_t> bytes = ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
-  if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning))
+  if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning, &named.relief))
     throw Failure(ExitCode::BadInput, path + ": " + named.warning);
   return named;
 }
@@ -96,7 +96,7 @@ NamedStyle ReadNamed(const std::string& name) {
   NamedStyle named{};
   if (IsJson(name)) {
     std::string why;
-    if (!LM_StyleFromJson(name, named.style, why))
+    if (!LM_StyleFromJson(name, named.style, why, &named.relief))
       throw Failure(ExitCode::BadInput, "the style's JSON: " + why);
     return named;
   }

@@ -1,6 +1,7 @@
 // Where the command gets styles from: files, in either form, and names.
 #pragma once
 
+#include "LM_height_source.h"
 #include "LM_style.h"
 #include "LM_style_library.h"
 
@@ -9,11 +10,13 @@
 
 namespace limn {
 
-// A style and what had to be said about it, for instance that its file is cut short after some
-// whole lights; `warning` is empty when there is nothing.
+// A style, where its heights come from if it says so, and what had to be said about it, for
+// instance that its file is cut short after some whole lights; `warning` is empty when there is
+// nothing.
 struct NamedStyle {
   LM_style style;
   std::string warning;
+  LM_height_source relief = {};
 };
 
 // Reads a style file or its JSON form, told apart by their content. Throws Failure(BadInput).

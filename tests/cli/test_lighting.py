@@ -73,6 +73,27 @@ class Lighting(support.LimnTest):
         self.assertIn("has no channel 4", answer.stderr)
         self.assertSame(support.read("lit.tif"), flat, "a channel that is not there")
 
+    def test_relief_from_elsewhere(self):
+        flat = self.lit()
+        red = self.lit("--set", "bumpChannel=1")
+        self.assertSame(self.lit("--relief", "red"), red, "a channel as it is")
+        self.assertSame(self.lit("--relief", "none", "--set", "bumpChannel=1"), flat, "none")
+        self.assertSame(self.lit("--relief", "auto"), flat, "auto in a style without relief")
+        made = self.lit("--relief", "auto", "--set", "bumpChannel=1")
+        self.assertFalse(list(made.samples) in (list(flat.samples), list(red.samples)), "auto")
+        support.put("auto.json", json.dumps({**STYLE, "bumpChannel": 1, "relief": {"source": "auto"}}))
+        self.limn("apply", "in.ppm", "-s", "auto.json", "-o", "lit.tif", "-f")
+        self.assertSame(support.read("lit.tif"), made, "a style that says so")
+        self.assertIn("relief object is left out", self.limn("style", "pack", "auto.json", "-o", "auto.style").stderr)
+        # What limn heights writes is what is lit with.
+        self.limn("heights", "in.ppm", "-o", "heights.png", "--preview", "look.png")
+        self.assertSame(self.lit("--relief", "heights.png"), made, "heights written and read")
+        self.assertEqual((support.read("look.png").width, support.read("look.png").height), (90, 70))
+        support.write_pnm("half.pgm", support.filled(45, 35, 77))
+        answer = self.limn("apply", "in.ppm", "-s", "light.json", "--relief", "half.pgm", "-o", "lit.tif", "-f")
+        self.assertIn("half.pgm is scaled from 45 × 35 to its 90 × 70 pixels", answer.stderr)
+        self.assertSame(support.read("lit.tif"), flat, "a level map of half the size")
+
     def test_plugin_lights_the_same(self):
         support.write_pnm("heights.pgm", support.pattern(90, 70, 1, seed=7))
         support.write_pnm("mask.pgm", support.pattern(90, 70, 1, seed=8))
@@ -83,6 +104,7 @@ class Lighting(support.LimnTest):
         for image in ["in.ppm", "alpha.png", "turned.tif", "wide.ppm"]:
             for style in ["Default", "Evening Lamp", "light.json"]:
                 for channel, options in [(0, []), (2, []), (4, ["--channel", "heights.pgm"]), (0, surroundings),
+                                         (1, ["--relief", "auto", "--depth", "8"]),
                                          (4, surroundings)]:
                     if options and image in ("turned.tif", "wide.ppm"):
                         continue

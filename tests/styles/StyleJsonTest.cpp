@@ -19,6 +19,26 @@ TEST(StyleJson, EveryFieldSurvivesBothWays) {
   }
 }
 
+TEST(StyleJson, ReliefSurvivesBothWays) {
+  LM_height_source all;
+  all.kind = LM_height_kind::Channel;
+  all.channel = 7;
+  all.smoothing = 0;
+  all.detail = 1000;
+  all.fit = all.invert = true;
+  LM_height_source usual;
+  usual.kind = LM_height_kind::Auto;
+  for (const LM_height_source& relief : {all, usual, LM_height_source()}) {
+    LM_style read;
+    LM_height_source found = all;
+    std::string why;
+    ASSERT_TRUE(LM_StyleFromJson(LM_StyleToJson(DistinctStyle(2), relief), read, why, &found))
+        << why;
+    EXPECT_EQ(found, relief);
+    EXPECT_EQ(BytesOf(read), BytesOf(DistinctStyle(2)));
+  }
+}
+
 TEST(StyleJson, WhatIsWrongIsNamed) {
   std::string many = R"({"lights": [{})";
   for (int i = 0; i < 16; ++i)
@@ -41,6 +61,11 @@ TEST(StyleJson, WhatIsWrongIsNamed) {
       {R"({"lights": [{"color": [[1]]}]})", "it takes no list"},
       {R"({"lights": [{"on": null}]})", "light.0.on: null"},
       {R"({"lights": []})", "no light"},
+      {R"({"relief": {"source": "file.png"}, "lights": [{}]})", "relief.source: it is a channel's"},
+      {R"({"relief": {"source": 0}, "lights": [{}]})", "relief.source: it is 1 to 32767"},
+      {R"({"relief": {"detail": 1001}, "lights": [{}]})", "relief.detail: it is 0 to 1000"},
+      {R"({"relief": {"lights": [{}]}})", "it takes no list"},
+      {R"({"relief": {"fit": true}, "lights": [{}]})", "relief: it has no source"},
       {R"({"lights": [{}]} x)", "parse error"},
       {R"({"version": 145, "lights": [{}]})", "version"},
       {many + "]}", "more than 16 lights"},

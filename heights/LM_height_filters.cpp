@@ -1,0 +1,83 @@
+#include "LM_height_filters.h"
+
+#include "LM_box_sums.h"
+
+#include <cmath>
+
+LM_box_radius LM_box_radius::Of(double pixels) {
+  const int sixteenths = static_cast<int>(std::lround(16 * pixels));
+  return {sixteenths / 16, sixteenths % 16};
+}
+
+double LM_box_radius::Weight() const {
+  const double side = 16.0 * (2 * whole + 1) + 2 * sixteenths;
+  return side * side;
+}
+
+LM_height_plane LM_BoxMeans(const LM_height_plane& plane, double radius) {
+  const LM_box_radius square = LM_box_radius::Of(radius);
+  const double share = 1 / square.Weight();
+  LM_height_plane means(plane.width, plane.height);
+  LM_box_sums box(plane.width, plane.height, square);
+  std::vector<uint64_t> sums(static_cast<size_t>(plane.width));
+  const auto valueAt = [&](int x, int y) { return uint32_t{plane.Row(y)[x]}; };
+  for (int y = 0; y < plane.height; ++y) {
+    box.MakeRow(y, sums.data(), valueAt);
+    uint16_t* const row = means.Row(y);
+    for (int x = 0; x < plane.width; ++x)
+      row[x] =
+          static_cast<uint16_t>(static_cast<double>(sums[static_cast<size_t>(x)]) * share + 0.5);
+  }
+  return means;
+}
+
+namespace {
+
+// Of each square: what part of a pixel's difference from the mean is kept, of 65535, and what is
+// added to that part of the pixel.
+struct KeptParts {
+  LM_height_plane part;
+  LM_height_plane rest;
+};
+
+KeptParts FindKeptParts(const LM_height_plane& plane, const LM_box_radius& square,
+                        double contrast) {
+  const double share = 1 / square.Weight();
+  const double noise = contrast * contrast;
+  KeptParts kept{{plane.width, plane.height}, {plane.width, plane.height}};
+  LM_box_sums box(plane.width, plane.height, square);
+  LM_box_sums squaresBox(plane.width, plane.height, square);
+  std::vector<uint64_t> sums(static_cast<size_t>(plane.width));
+  std::vector<uint64_t> squares(sums.size());
+  const auto valueAt = [&](int x, int y) { return uint32_t{plane.Row(y)[x]}; };
+  const auto squareAt = [&](int x, int y) {
+    const uint32_t value = plane.Row(y)[x];
+    return value * value;
+  };
+  for (int y = 0; y < plane.height; ++y) {
+    box.MakeRow(y, sums.data(), valueAt);
+    squaresBox.MakeRow(y, squares.data(), squareAt);
+    for (int x = 0; x < plane.width; ++x) {
+      const double mean = static_cast<double>(sums[static_cast<size_t>(x)]) * share;
+      const double spread =
+          std::max(0.0, static_cast<double>(squares[static_cast<size_t>(x)]) * share - mean * mean);
+      const double part = spread / (spread + noise);
+      kept.part.Row(y)[x] = static_cast<uint16_t>(part * 65535 + 0.5);
+      kept.rest.Row(y)[x] = static_cast<uint16_t>((1 - part) * mean + 0.5);
+    }
+  }
+  return kept;
+}
+
+} // namespace
+
+void LM_SmoothBetweenEdges(LM_height_plane& plane, double radius, double contrast) {
+  KeptParts kept = FindKeptParts(plane, LM_box_radius::Of(radius), contrast);
+  kept.part = LM_BoxMeans(kept.part, radius);
+  kept.rest = LM_BoxMeans(kept.rest, radius);
+  for (size_t i = 0; i < plane.values.size(); ++i) {
+    const double value =
+        plane.values[i] * (kept.part.values[i] / 65535.0) + kept.rest.values[i] + 0.5;
+    plane.values[i] = static_cast<uint16_t>(std::min(value, 65535.0));
+  }
+}

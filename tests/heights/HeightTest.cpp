@@ -1,0 +1,156 @@
+// The laws of heights.
+
+#include "LM_height_filters.h"
+#include "LM_height_source.h"
+#include "LM_plane_scaling.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+LM_height_source Prepared(int smoothing, int detail, bool fit) {
+  LM_height_source source;
+  source.kind = LM_height_kind::Luminance;
+  source.smoothing = smoothing;
+  source.detail = detail;
+  source.fit = fit;
+  return source;
+}
+
+LM_height_plane Noisy(int width, int height, double mean, double deviation) {
+  std::mt19937 random(5);
+  LM_height_plane plane(width, height);
+  for (uint16_t& value : plane.values) {
+    double sum = 0; // of twelve even ones: near enough to a bell, and the same in every library
+    for (int i = 0; i < 12; ++i)
+      sum += random() / 4294967296.0;
+    value = static_cast<uint16_t>(mean + deviation * (sum - 6));
+  }
+  return plane;
+}
+
+// Waves as wide as a part of the picture, and an edge as soft.
+LM_height_plane Waves(int width, int height) {
+  LM_height_plane plane(width, height);
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) {
+      const double across = (x + 0.5) / width;
+      const double down = (y + 0.5) / width;
+      plane.Row(y)[x] =
+          static_cast<uint16_t>(32768 + 4000 * std::sin(130 * across) * std::cos(110 * down) +
+                                9000 * std::tanh(100 * (across - 0.6)));
+    }
+  return plane;
+}
+
+double SteepnessOf(const LM_height_plane& plane) {
+  double sum = 0;
+  for (int y = 0; y < plane.height; ++y)
+    for (int x = 1; x < plane.width; ++x)
+      sum += std::pow(plane.Row(y)[x] - plane.Row(y)[x - 1], 2);
+  return std::sqrt(sum / static_cast<double>(plane.values.size()));
+}
+
+// As a photograph of that size is: made smaller, prepared, and made as large again.
+LM_height_plane HeightsOf(const LM_height_source& source, const LM_height_plane& picture) {
+  const LM_plane_size size = LM_PreparedSize(source, picture.width, picture.height);
+  LM_height_plane plane = LM_ScaledPlane(picture, size.width, size.height);
+  LM_PrepareHeights(source, std::max(picture.width, picture.height), plane);
+  return LM_ScaledPlane(plane, picture.width, picture.height);
+}
+
+TEST(Heights, AConstantStaysConstant) {
+  for (const uint16_t value : {0, 1, 30000, 65535})
+    for (const LM_height_source& source :
+         {Prepared(16, 0, false), Prepared(0, 20, false), Prepared(16, 20, true),
+          Prepared(255, 1000, true), Prepared(0, 0, true)})
+      for (const auto& [width, height] : {std::pair{1, 1}, {1, 40}, {63, 5}, {2500, 30}}) {
+        LM_height_plane plane(width, height);
+        std::fill(plane.values.begin(), plane.values.end(), value);
+        const LM_height_plane heights = HeightsOf(source, plane);
+        for (const uint16_t found : heights.values)
+          ASSERT_EQ(found, heights.values[0]) << value << ", " << width << " × " << height;
+      }
+}
+
+TEST(Heights, NothingAskedForIsThePlaneItselfAndInvertingTwiceToo) {
+  const LM_height_plane plane = Noisy(2100, 37, 30000, 9000);
+  LM_height_source source = Prepared(0, 0, false);
+  EXPECT_TRUE(LM_IsPlain(source));
+  EXPECT_EQ(HeightsOf(source, plane).values, plane.values);
+  source.invert = true;
+  const LM_height_plane inverted = HeightsOf(source, plane);
+  EXPECT_NE(inverted.values, plane.values);
+  EXPECT_EQ(HeightsOf(source, inverted).values, plane.values);
+}
+
+TEST(Heights, SlopesAreThoseOfAnySizeOnceFitted) {
+  for (const LM_height_source& source : {Prepared(0, 0, true), Prepared(16, 20, true)})
+    for (const int width : {500, 900, 1500}) {
+      const double small = SteepnessOf(HeightsOf(source, Waves(width, width / 10)));
+      const double large = SteepnessOf(HeightsOf(source, Waves(2 * width, width / 5)));
+      EXPECT_NEAR(large / small, 1, 0.05) << width << ", detail " << source.detail;
+    }
+}
+
+// A step of 80 levels among grain of 5: the grain goes, the step keeps its height and place.
+TEST(Heights, SmoothingTakesTheGrainAndKeepsTheEdge) {
+  LM_height_plane plane = Noisy(400, 100, 20000, 5.3 * 257);
+  for (int y = 0; y < plane.height; ++y)
+    for (int x = 200; x < plane.width; ++x)
+      plane.Row(y)[x] = static_cast<uint16_t>(plane.Row(y)[x] + 80 * 257);
+  LM_SmoothBetweenEdges(plane, 4, 16 * 257);
+  double squares = 0;
+  for (int x = 20; x < 180; ++x)
+    squares += std::pow(plane.Row(50)[x] - 20000, 2);
+  EXPECT_LT(std::sqrt(squares / 160), 1.0 * 257);
+  EXPECT_GT(plane.Row(50)[203] - plane.Row(50)[196], 65 * 257);
+}
+
+// What the sums of a running square are, added up plainly.
+TEST(Heights, MeansAreThoseOfTheSquare) {
+  const LM_height_plane plane = Noisy(23, 17, 30000, 9000);
+  for (const double radius : {0.0, 0.5, 1.25, 4.0, 30.5}) {
+    const LM_height_plane means = LM_BoxMeans(plane, radius);
+    const int reach = static_cast<int>(std::ceil(radius));
+    const double rim = radius == reach ? 1 : radius - std::floor(radius);
+    for (int y = 0; y < plane.height; ++y)
+      for (int x = 0; x < plane.width; ++x) {
+        double sum = 0;
+        for (int v = -reach; v <= reach; ++v)
+          for (int u = -reach; u <= reach; ++u)
+            sum += (std::abs(u) == reach ? rim : 1) * (std::abs(v) == reach ? rim : 1) *
+                   plane.Row(std::clamp(y + v, 0,
+                                        plane.height - 1))[std::clamp(x + u, 0, plane.width - 1)];
+        const double mean = sum / std::pow(2 * radius + 1, 2);
+        ASSERT_NEAR(means.Row(y)[x], mean, 0.51) << radius << " at " << x << ", " << y;
+      }
+  }
+}
+
+TEST(Heights, APieceOfARowIsThatOfTheWhole) {
+  const LM_height_plane plane = Noisy(31, 19, 30000, 9000);
+  const LM_plane_enlarger enlarger(plane, 100, 77);
+  std::vector<double> scratch;
+  std::vector<uint16_t> whole(100);
+  std::vector<uint16_t> piece(100);
+  for (const int y : {76, 0, 40})
+    for (const auto& [left, count] : {std::pair{0, 1}, {99, 1}, {13, 50}}) {
+      enlarger.MakeRow(y, 0, 100, whole.data(), scratch);
+      enlarger.MakeRow(y, left, count, piece.data(), scratch);
+      for (int i = 0; i < count; ++i)
+        ASSERT_EQ(piece[static_cast<size_t>(i)], whole[static_cast<size_t>(left + i)]);
+    }
+}
+
+// Each pixel of the reduction is the mean of what it covers, parts of pixels too.
+TEST(Heights, SmallerIsTheMeanOfWhatIsCovered) {
+  LM_height_plane plane(5, 1);
+  plane.values = {10, 20, 30, 40, 50};
+  EXPECT_EQ(LM_ScaledPlane(plane, 2, 1).values, (std::vector<uint16_t>{18, 42}));
+  EXPECT_EQ(LM_ScaledPlane(plane, 1, 1).values, (std::vector<uint16_t>{30}));
+}
+
+} // namespace
