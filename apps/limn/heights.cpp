@@ -80,7 +80,7 @@ ExitCode WriteHeights(const HeightsOptions& options) {
   CheckOutput(options.image, output, existing);
   if (!options.preview.empty())
     CheckOutput(options.image, preview, existing);
-  if (MostDepth(output) == VIPS_FORMAT_UCHAR)
+  if (BitsOf(output).most == 8)
     PrintProblem(output.path + ": has 8 bits; in PNG or TIFF the heights have 16");
   Surroundings surroundings = ReadSurroundings({}, "", options.channels);
   if (source.kind == LM_height_kind::File)
