@@ -279,9 +279,13 @@ void WritePhotograph(Photograph& photograph, const OutputName& name, const std::
   const Complaints complaints;
   VImage planes = PlanesOf(photograph);
   VImage metadata = photograph.metadata;
-  if (const VipsBandFormat most = DepthOfBits(BitsOf(name).most); most < photograph.depth) {
-    photograph.notices.push_back(DepthNotice(NumBits(photograph.depth), NumBits(most)));
-    planes = ToRgbPlanes(WithMetadata(planes, metadata), most, photograph.notices);
+  const OutputBits held = BitsOf(name);
+  const VipsBandFormat depth =
+      std::clamp(photograph.depth, DepthOfBits(held.least), DepthOfBits(held.most));
+  if (depth != photograph.depth) {
+    if (depth < photograph.depth)
+      photograph.notices.push_back(DepthNotice(NumBits(photograph.depth), NumBits(depth)));
+    planes = ToRgbPlanes(WithMetadata(planes, metadata), depth, photograph.notices);
     metadata = CopyMetadata(planes, photograph.notices);
   }
   WriteImage({planes, metadata, "", nullptr}, name, target, existing, complaints,

@@ -56,6 +56,8 @@ void Write(const VImage& planes, const OutputName& output, Existing existing,
 void CheckOutput(const std::string& input, const OutputName& output, Existing existing) {
   CheckTarget(input, output, existing);
   CheckOutputFormat(output);
+  if (BitsOf(output).least > 16)
+    throw Failure(ExitCode::WrongUsage, output.path + ": heights are written with 16 bits at most");
 }
 
 // Of a style that has relief.
