@@ -1,8 +1,8 @@
 #include "LM_kernel_lights.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
+#include <cstring>
 #include <numeric>
 
 #include "LM_light_sums.h"
@@ -21,9 +21,14 @@ constexpr double MOST_PRODUCT = 2140000000.0;
 // real run asks this for each of its spots.
 float GreatestMagnitude(const float (&table)[LM_SPREAD_ENTRIES]) {
   int32_t greatest = 0;
-  for (const float& entry : table)
-    greatest = std::max(greatest, std::bit_cast<int32_t>(entry) & INT32_MAX);
-  return std::bit_cast<float>(greatest);
+  for (const float& entry : table) {
+    int32_t bits;
+    std::memcpy(&bits, &entry, sizeof bits);
+    greatest = std::max(greatest, bits & INT32_MAX);
+  }
+  float magnitude;
+  std::memcpy(&magnitude, &greatest, sizeof magnitude);
+  return magnitude;
 }
 
 bool IsNumber(const LM_vector3f& vector) {
