@@ -35,7 +35,8 @@ void AddReliefOptions(CLI::App& command, ReliefOptions& options, const std::stri
           "Where heights come from: auto (luminance, made ready,\n"
           "for styles that have relief), luminance, red, green,\n"
           "blue, a channel's number or the name of an added one, a\n"
-          "grey image of the same shape, or none (default: " +
+          "grey image of the same shape, or none\n"
+          "(default: " +
               otherwise + ")");
   AddMade(command, "--relief-smoothing", options.smoothing, "N",
           "Take differences below N, of 255, for grain and even\n"

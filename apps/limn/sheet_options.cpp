@@ -20,7 +20,7 @@ void AddSheet(CLI::App& app, Command& command) {
   AddValue(*sheet, "-o,--output", options->output, "FILE", "The file to write, as for limn apply")
       ->required();
   AddValue(*sheet, "-s,--style", options->styles, "NAME|FILE",
-           "A style file, its JSON form, the JSON itself, or the\nname of a style; may be repeated "
+           "A style file, its JSON form, the JSON itself, or the\nname of a style; may be repeated\n"
            "(default: all of the library)");
   AddValue(*sheet, "--columns", options->columns, "N",
            "Pictures side by side (default: by their shape)")
