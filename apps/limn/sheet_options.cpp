@@ -19,9 +19,10 @@ void AddSheet(CLI::App& app, Command& command) {
   sheet->add_option("IMAGE", options->image, "The photograph")->required();
   AddValue(*sheet, "-o,--output", options->output, "FILE", "The file to write, as for limn apply")
       ->required();
-  AddValue(*sheet, "-s,--style", options->styles, "NAME|FILE",
-           "A style file, its JSON form, the JSON itself, or the\nname of a style; may be repeated\n"
-           "(default: all of the library)");
+  AddValue(
+      *sheet, "-s,--style", options->styles, "NAME|FILE",
+      "A style file, its JSON form, the JSON itself, or the\nname of a style; may be repeated\n"
+      "(default: all of the library)");
   AddValue(*sheet, "--columns", options->columns, "N",
            "Pictures side by side (default: by their shape)")
       ->check(CLI::Range(1, 100));

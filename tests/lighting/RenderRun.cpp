@@ -73,8 +73,9 @@ RenderRun::RenderRun(const Scene& scene, const foo& params, const RenderLayout& 
   EXPECT_EQ(LM_PrepareRender(params, {a.top, a.left, a.bottom, a.right}, scene.width, scene.height,
                              layout.kernels, _job),
             LM_render_result::Done);
-  if (layout.keeps)
+  if (layout.keeps) {
     EXPECT_TRUE(LM_StartKeeping(_job, !scene.heights.empty(), _kept));
+  }
   _out = CutOut(scene.pixels, scene.width, 3, layout.pixelStep, {0, 0, scene.height, scene.width});
 }
 
