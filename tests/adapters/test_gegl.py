@@ -55,7 +55,11 @@ class Gegl(AdapterTest):
         for image in "words.tif", "floats.tif":
             self.limn("apply", "--quiet", "--force", "--depth", "float", "--style", "style.json", image, "-o", "lit.tif")
             picture = self.deep(image, "limn:light", "style=style.json")
-            self.assertSame(picture, support.read("lit.tif"), image)
+            expected = support.read("lit.tif")
+            if image == "floats.tif":
+                self.assertSame(picture, expected, image)
+            # The graph divides words by 65535, the command multiplies by its inverse.
+            self.assertLess(max(abs(a - b) for a, b in zip(picture.samples, expected.samples)), 1e-5, image)
         self.assertLess(min(picture.samples), -0.1)
         self.assertGreater(max(picture.samples), 1.1)
 
