@@ -52,14 +52,15 @@ class Entries(LimnTest):
 
     def test_images_are_those_that_the_one_table_reads(self):
         with open(os.path.join(os.environ["PROJECT"], "photographs/image_output.cpp"), encoding="utf-8") as file:
-            read = set(re.findall(r'^    \{"\.(\w+)", .*, true(?:, \w+)?\},$', file.read(), re.MULTILINE))
+            read = set(re.findall(r'^    \{"\.(\w+)", .*, true(?:, \w+)*\},$', file.read(), re.MULTILINE))
         self.assertGreater(len(read), 10)
         with open("/usr/share/mime/globs2", encoding="utf-8") as file:
             known = [line.strip().split(":") for line in file if not line.startswith("#")]
         wanted = {fields[1] for fields in known if fields[2].removeprefix("*.") in read}
+        types = {fields[1] for fields in known} # older releases know nothing of Radiance
         for path, entry in entries():
             if "limn-style" not in path:
-                self.assertEqual(set(entry["MimeType"].strip(";").split(";")), wanted, path)
+                self.assertEqual(set(entry["MimeType"].strip(";").split(";")) & types, wanted, path)
 
     def test_files_have_the_type_that_opens_them(self):
         packages = os.path.join(self.folder, "data/mime/packages")
