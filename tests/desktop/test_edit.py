@@ -175,7 +175,7 @@ class Edit(unittest.TestCase):
                 self.press_item(OK)
                 command = self.end(0, "16 bits a channel become 8" if name == "lit.jpg" else "")
                 self.assertEqual("--depth" in command, not is_deep)
-                self.limn("apply", photograph, *options, "-s", style, "-o", self.path("applied-" + name), "-q")
+                self.limn("apply", photograph, *options, "-s", style, "-o", self.path("applied-" + name), "-q", "-f")
                 self.assertSameFiles(name, "applied-" + name)
                 os.remove(self.path(name))
 
