@@ -125,8 +125,11 @@ TEST(Drawing, ModesCombineInkAndPicture) {
     PenMode(mode.mode);
     MoveTo(1, 1);
     LineTo(1, 1);
-    EXPECT_EQ(PixelAt(1, 1) >> 16, static_cast<unsigned>(mode.after)) << mode.name;
-    EXPECT_EQ(PixelAt(0, 1) & 255, static_cast<unsigned>(mode.before)) << mode.name;
+    RGBColor after;
+    GetCPixel(1, 1, &after);
+    EXPECT_EQ(after.red >> 8, mode.after) << mode.name;
+    GetCPixel(0, 1, &after);
+    EXPECT_EQ(after.green >> 8, mode.before) << mode.name;
   }
 }
 
@@ -143,7 +146,10 @@ TEST(Drawing, FillingIgnoresThePenAndPenStateComesBack) {
   FillCRect(&port.port->portRect, pattern);
   FillCRect(&port.port->portRect, pattern);
   DisposePixPat(pattern);
-  EXPECT_EQ(PixelAt(2, 2), RGB(255, 0, 0));
+  RGBColor color;
+  GetCPixel(2, 2, &color);
+  EXPECT_EQ(color.red, 65535);
+  EXPECT_EQ(color.green, 0);
   SetPenState(&saved);
   EXPECT_EQ(port.port->pen.pnMode, patCopy);
   EXPECT_EQ(port.port->pen.pnSize.h, 1);
@@ -161,7 +167,9 @@ TEST(Drawing, UnitSquaresMeetWithoutGapAtEveryRatio) {
       PaintRect(&column);
     }
     for (short h = 0; h < 40; ++h) {
-      ASSERT_EQ(PixelAt(h, 5) >> 16, (255U + 100) & 255) << "ratio " << ratio << " column " << h;
+      RGBColor color;
+      GetCPixel(h, 5, &color);
+      ASSERT_EQ(color.red >> 8, (255 + 100) & 255) << "ratio " << ratio << " column " << h;
     }
   }
 }

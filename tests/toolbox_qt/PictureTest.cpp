@@ -46,11 +46,14 @@ TEST(Picture, AMapIsShownPixelForPixel) {
   ASSERT_EQ(ShowPixelMap(&sample.map, &part, 3, 5), 0);
   for (short row = 0; row < 12; ++row) {
     for (short column = 0; column < 20; ++column) {
+      RGBColor color;
+      GetCPixel(column, row, &color);
       const bool inside = row >= 3 && row < 6 && column >= 5 && column < 11;
       const uint8_t white[] = {255, 255, 255};
       const uint8_t* expected = inside ? sample.At(row - 3 + 1, column - 5 + 2) : white;
-      ASSERT_EQ(PixelAt(column, row), RGB(expected[0], expected[1], expected[2]))
-          << row << "," << column;
+      ASSERT_EQ(color.red, expected[0] * 257) << row << "," << column;
+      ASSERT_EQ(color.green, expected[1] * 257);
+      ASSERT_EQ(color.blue, expected[2] * 257);
     }
   }
 }
@@ -64,8 +67,11 @@ TEST(Picture, AMaskBlendsAndTheSourceIsCutToTheMap) {
     TestPort port(20, 12);
     sample.map.version = version;
     ASSERT_EQ(ShowPixelMap(&sample.map, &beyond, 0, 0), 0);
-    EXPECT_EQ(PixelAt(3, 2) >> 16, sample.At(0, 0)[0]);
-    EXPECT_EQ(PixelAt(4, 2) >> 16, version == 1 ? 255 : sample.At(0, 1)[0]);
+    RGBColor color;
+    GetCPixel(3, 2, &color);
+    EXPECT_EQ(color.red, sample.At(0, 0)[0] * 257);
+    GetCPixel(4, 2, &color);
+    EXPECT_EQ(color.red, version == 1 ? 65535 : sample.At(0, 1)[0] * 257);
   }
 }
 
@@ -111,8 +117,13 @@ TEST(Picture, IconsAreDrawnOverOrInsteadOfWhatIsThere) {
     ASSERT_NE(handle, nullptr);
     PlotCIcon(&box, handle);
     DisposeCIcon(handle);
-    EXPECT_EQ(PixelAt(18, 8) & 0xFF00FF, 0xFF0000U);
-    EXPECT_EQ(PixelAt(2, 2) >> 16, icon == 129 ? 0U : 255U) << icon;
+    RGBColor middle;
+    GetCPixel(18, 8, &middle);
+    EXPECT_EQ(middle.red, 65535);
+    EXPECT_EQ(middle.blue, 0);
+    RGBColor corner;
+    GetCPixel(2, 2, &corner);
+    EXPECT_EQ(corner.red, icon == 129 ? 0 : 65535) << icon;
   }
   for (short icon : {130, 131}) {
     TestPort port(36, 36);

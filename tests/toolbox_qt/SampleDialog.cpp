@@ -194,8 +194,11 @@ std::vector<std::string> TestPort::Rows() const {
   for (short v = 0; v < port->portRect.bottom; ++v) {
     std::string row;
     for (short h = 0; h < port->portRect.right; ++h) {
-      const uint32_t pixel = PixelAt(h, v);
-      row += pixel == 0 ? '#' : pixel == RGB(255, 255, 255) ? '.' : '?';
+      RGBColor color;
+      GetCPixel(h, v, &color);
+      const bool black = color.red == 0 && color.green == 0 && color.blue == 0;
+      const bool white = color.red == 65535 && color.green == 65535 && color.blue == 65535;
+      row += black ? '#' : white ? '.' : '?';
     }
     rows.push_back(row);
   }

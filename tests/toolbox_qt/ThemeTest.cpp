@@ -27,8 +27,10 @@ private:
   QPalette _saved;
 };
 
-int LevelAt(int h, int v) {
-  return static_cast<int>(PixelAt(h, v) & 255);
+int LevelAt(short h, short v) {
+  RGBColor color;
+  GetCPixel(h, v, &color);
+  return color.green >> 8;
 }
 
 void PaintAt(short h, short v) {

@@ -14,21 +14,15 @@ QWidget* TB_PortWindow(GrafPtr port) {
   return DialogWindow::Of(port);
 }
 
-uint32_t PixelAt(int h, int v) {
+void GetCPixel(short h, short v, RGBColor* color) {
   const PortState& state = CurrentState();
   const Rect& bounds = state.port->portRect;
   const int x = DeviceEdge(state, h) - DeviceEdge(state, bounds.left);
   const int y = DeviceEdge(state, v) - DeviceEdge(state, bounds.top);
-  return (state.image.rect().contains(x, y) ? state.image.pixel(x, y) : 0xFFFFFF) & 0xFFFFFF;
-}
-
-Pixels PixelsOf(const Rect& rect) {
-  Pixels pixels;
-  for (int v = rect.top; v < rect.bottom; ++v) {
-    for (int h = rect.left; h < rect.right; ++h)
-      pixels.push_back(PixelAt(h, v));
-  }
-  return pixels;
+  const bool isInside = state.image.rect().contains(x, y);
+  const QRgb pixel = isInside ? state.image.pixel(x, y) : 0xFFFFFFFF;
+  *color = {static_cast<uint16_t>(qRed(pixel) * 257), static_cast<uint16_t>(qGreen(pixel) * 257),
+            static_cast<uint16_t>(qBlue(pixel) * 257)};
 }
 
 GrafPtr NewOffscreenPort(const Rect& bounds, double ratio) {

@@ -6,8 +6,6 @@
 #include "Events.h"
 #include "QDPorts.h"
 
-#include <vector>
-
 class QImage;
 class QWidget;
 
@@ -15,14 +13,9 @@ class QWidget;
 QImage TB_PortImage(GrafPtr port);
 // The window of a port, or null.
 QWidget* TB_PortWindow(GrafPtr port);
-// The colour of one unit square of the current port as 0xRRGGBB, taken at its top-left device
-// pixel, white outside the port; and of every square of a rectangle, in rows.
-uint32_t PixelAt(int h, int v);
-typedef std::vector<uint32_t> Pixels;
-Pixels PixelsOf(const Rect& rect);
-constexpr uint32_t RGB(unsigned red, unsigned green, unsigned blue) {
-  return red << 16 | green << 8 | blue;
-}
+// The colour of one unit square of the current port, taken at its top-left device pixel; white
+// outside the port.
+void GetCPixel(short h, short v, RGBColor* color);
 
 // A port without a window, erased to white, which does not follow the theme. Null when it cannot be
 // had; released with DisposePort.

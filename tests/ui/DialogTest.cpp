@@ -113,13 +113,49 @@ TEST_F(DialogRun, DeleteRemovesTheCurrentLightButNotTheLast) {
   });
 }
 
+uint32_t PixelOf(DialogPtr dialog, int h, int v) {
+  const LM_port_scope port(dialog);
+  RGBColor color;
+  GetCPixel(static_cast<short>(h), static_cast<short>(v), &color);
+  return static_cast<uint32_t>(color.red >> 8 << 16 | color.green >> 8 << 8 | color.blue >> 8);
+}
+
+std::vector<uint32_t> PixelsOf(DialogPtr dialog, const Rect& box) {
+  std::vector<uint32_t> pixels;
+  for (int v = box.top; v < box.bottom; ++v)
+    for (int h = box.left; h < box.right; ++h)
+      pixels.push_back(PixelOf(dialog, h, v));
+  return pixels;
+}
+
+// The popup with its title stands in the gap, and nowhere else on the line.
+TEST_F(DialogRun, GroupsLeaveAGapForTheirPopupAndNoMore) {
+  const std::pair<int16_t, int16_t> groups[] = {{LM_LIGHT_GROUP_ITEM, LM_LIGHT_TYPE_ITEM},
+                                                {LM_BUMP_GROUP_ITEM, LM_BUMP_CHANNEL_ITEM},
+                                                {LM_STYLE_GROUP_ITEM, LM_STYLE_ITEM}};
+  RunAndCancel([&](ToolboxScript& script) {
+    script.Wait(60).Call([&] {
+      for (const auto& [group, popup] : groups) {
+        const Rect box = LM_ItemGetBox(Dialog(), group);
+        const Rect gap = LM_ItemGetBox(Dialog(), popup);
+        const uint32_t line = PixelOf(Dialog(), box.left, box.bottom - 1);
+        for (int h = box.left; h < box.right; ++h) {
+          if (h < gap.left || h >= gap.right + 4) {
+            ASSERT_EQ(PixelOf(Dialog(), h, box.top), line) << group << " at " << h;
+          }
+        }
+        EXPECT_NE(PixelOf(Dialog(), gap.right + 2, box.top), line) << group;
+      }
+    });
+  });
+}
+
 TEST_F(DialogRun, TheWellGivesLightsUpToSixteen) {
   const Point well = MiddleOf(LM_LIGHT_WELL_ITEM);
   const Point target = {200, 100};
   std::vector<uint32_t> full;
   const auto wellPixels = [&] {
-    const LM_port_scope port(Dialog());
-    return PixelsOf(LM_ItemGetBox(Dialog(), LM_LIGHT_WELL_ITEM));
+    return PixelsOf(Dialog(), LM_ItemGetBox(Dialog(), LM_LIGHT_WELL_ITEM));
   };
   RunAndCancel([&](ToolboxScript& script) {
     script.Wait(60).Call([&] {

@@ -80,6 +80,21 @@ int16_t Show(const CVPixelMap* map, const CVRect32* source, int32_t row, int32_t
 
 } // namespace
 
+uint32_t PixelAt(int h, int v) {
+  RGBColor color;
+  GetCPixel(static_cast<short>(h), static_cast<short>(v), &color);
+  return RGB(color.red >> 8, color.green >> 8, color.blue >> 8);
+}
+
+Pixels PixelsOf(const Rect& rect) {
+  Pixels pixels;
+  for (int v = rect.top; v < rect.bottom; ++v) {
+    for (int h = rect.left; h < rect.right; ++h)
+      pixels.push_back(PixelAt(h, v));
+  }
+  return pixels;
+}
+
 LightDialog::LightDialog() {
   UseResources();
   dialog = GetNewDialog(LIGHT_DIALOG, nullptr, nullptr);

@@ -15,6 +15,14 @@
 constexpr int16_t LIGHT_DIALOG = 950;
 constexpr int16_t SLIDER_LABELS = 150;
 
+// Colours of every unit square of a rectangle, in rows.
+typedef std::vector<uint32_t> Pixels;
+Pixels PixelsOf(const Rect& rect);
+uint32_t PixelAt(int h, int v);
+constexpr uint32_t RGB(unsigned red, unsigned green, unsigned blue) {
+  return red << 16 | green << 8 | blue;
+}
+
 inline std::ostream& operator<<(std::ostream& out, const LM_vectori2& vector) {
   return out << "(" << vector.h << ", " << vector.v << ")";
 }
