@@ -112,7 +112,7 @@ export class Panel {
       return button;
     });
     this.#renders.push((recipe) => (input.value = hexOf(read(recipe))));
-    return make("div", { className: "row" }, make("span", { className: "name", "aria-hidden": "true" }, say(word)),
+    return make("div", { className: "row" }, make("span", { className: "name", "aria-hidden": "true" }, say("colour")),
       make("div", { className: "swatches" }, ...lamps, input));
   }
 
