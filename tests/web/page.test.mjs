@@ -26,6 +26,7 @@ after(stop);
 async function visit(options = {}) {
   const context = await browser.newContext({ viewport: { width: 1200, height: 800 }, ...options });
   await context.grantPermissions(["clipboard-read", "clipboard-write"]);
+  context.setDefaultTimeout(120_000); // a machine may be busy
   const page = await context.newPage();
   page.failures = [];
   page.on("pageerror", (error) => page.failures.push(error.message));
@@ -113,7 +114,7 @@ test("what is dragged, typed and chosen is saved as the copied command gives it"
   assert.equal(path.basename(saved), "photo of mine-lit.png");
   await page.click("#save");
   await page.click("#copyCommand");
-  await page.waitForSelector("#status:not([hidden])");
+  await page.waitForFunction(() => document.querySelector("#status").textContent.includes("command"));
   const command = await page.evaluate(() => navigator.clipboard.readText());
   const there = mkdtempSync(path.join(folder, "there-"));
   copyFileSync(source, path.join(there, "photo of mine.png"));

@@ -26,6 +26,11 @@ export class History<State> {
     this.#at += 1;
   }
 
+  /** Another state for the present step: what is selected is no step of its own. */
+  amend(state: State) {
+    this.#steps[this.#at] = { ...this.#steps[this.#at], state };
+  }
+
   undo() {
     this.#at = Math.max(this.#at - 1, 0);
   }

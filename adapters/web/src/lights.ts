@@ -3,7 +3,7 @@
 
 import { CENTER, type Handles, type Hit } from "./handles.ts";
 import { make, svg } from "./elements.ts";
-import { addedLight, hexOf, withLight, withoutLight, withStyle, type Light, type Point, type Recipe } from "./recipe.ts";
+import { addedLight, hexOf, withLight, withoutLight, type Light, type Point, type Recipe } from "./recipe.ts";
 import { say, type Word } from "./texts.ts";
 import type { View } from "./view.ts";
 
@@ -16,6 +16,7 @@ export interface LightsUser {
   view(): View | undefined;
   /** Shown, not kept. */
   attempt(recipe: Recipe): void;
+  select(light: number): void;
   keep(recipe: Recipe, step: Word): void;
   pan(dx: number, dy: number): void;
   tell(word: Word): void;
@@ -128,12 +129,15 @@ export class Lights {
         if (copied === start) return this.#user.tell("mostLights");
         start = copied;
         hit.light = start.style.curLight;
-      } else start = withStyle(start, { curLight: hit.light });
+        this.#user.attempt(start);
+      } else {
+        this.#user.select(hit.light);
+        start = this.#user.recipe();
+      }
       const handle = this.#handles.of(light).find(({ code }) => code === hit.code)!;
       const [x, y] = this.#user.view()!.toUnits(place);
       grabbed = [x - handle.place[0], y - handle.place[1]];
       (this.#buttons.children[hit.light] as HTMLElement | undefined)?.focus({ preventScroll: true });
-      this.#user.attempt(start);
     }
     this.#stage.setPointerCapture(event.pointerId);
     this.#drag = { pointer: event.pointerId, hit, start, grabbed, last: place, moved: false };
@@ -189,9 +193,7 @@ export class Lights {
 
   #focused(event: Event) {
     const index = [...this.#buttons.children].indexOf(event.currentTarget as Element);
-    const recipe = this.#user.recipe();
-    if (this.#drag === null && recipe.style.curLight !== index)
-      this.#user.attempt(withStyle(recipe, { curLight: index }));
+    if (this.#drag === null && this.#user.recipe().style.curLight !== index) this.#user.select(index);
   }
 
   #key(event: KeyboardEvent) {

@@ -57,8 +57,16 @@ function attempt(next: Recipe | null) {
   render();
 }
 
-function keep(next: Recipe, step: Word) {
+function select(light: number) {
   attempted = null;
+  history.amend(withStyle(history.now, { curLight: light }));
+  render();
+}
+
+/** Kept as files and links hold it. */
+function keep(wished: Recipe, step: Word) {
+  attempted = null;
+  const next: Recipe = { ...wished, style: JSON.parse(jsonOf(wished)) };
   const relief = history.now.relief;
   history.keep(next, step);
   if (picture !== null) {
@@ -329,7 +337,7 @@ async function start() {
   stage = new Stage(room, find("#before"), find("#lit"), lighter);
   const handles = new Handles(lighter.engine);
   const user = {
-    recipe, attempt, keep, tell: (word: Word) => tell(say(word)),
+    recipe, attempt, select, keep, tell: (word: Word) => tell(say(word)),
     view: () => (picture === null ? undefined : stage.view),
     pan: (dx: number, dy: number) => stage.pan(dx, dy),
   };

@@ -8,6 +8,7 @@ import { say, type Word } from "./texts.ts";
 export interface PanelUser {
   recipe(): Recipe;
   attempt(recipe: Recipe): void;
+  select(light: number): void;
   keep(recipe: Recipe, step: Word): void;
   tell(word: Word): void;
   validated(light: Light): Light;
@@ -112,7 +113,7 @@ export class Panel {
       return button;
     });
     this.#renders.push((recipe) => (input.value = hexOf(read(recipe))));
-    return make("div", { className: "row" }, make("span", { className: "name", "aria-hidden": "true" }, say(word)),
+    return make("div", { className: "row" }, make("span", { className: "name", "aria-hidden": "true" }, say("colour")),
       make("div", { className: "swatches" }, ...lamps, input));
   }
 
@@ -172,7 +173,7 @@ export class Panel {
     const on = make("input", { type: "checkbox", className: "switch" });
     on.addEventListener("change", () => this.#user.keep(withLight(recipe(), index, { on: on.checked }), "on"));
     return make("li", {},
-      make("button", { type: "button", className: "choice", onclick: () => this.#user.attempt(withStyle(recipe(), { curLight: index })) },
+      make("button", { type: "button", className: "choice", onclick: () => this.#user.select(index) },
         make("i", { className: "dot", "aria-hidden": "true" }), make("span", {})),
       on,
       make("button", { type: "button", className: "quiet", title: say("remove"), onclick: () => this.#remove(index) }, icon(ICONS.bin)));

@@ -60,13 +60,15 @@ export function normalised(json: Record<string, unknown>): Style {
   return style;
 }
 
-/** Rounded to what nobody sees, so that files and links stay short. */
+const GRID = 1; // parts of a unit that styles keep
+
+/** As styles keep it; files and links stay short. */
 export function jsonOf({ style, relief }: Recipe, source = false): string {
   const written = source && style.bumpChannel > 0 && relief !== "map"
     ? { ...style, relief: { source: relief } }
     : style;
   return JSON.stringify(written, (_, value) =>
-    typeof value === "number" ? Math.round(value) : value);
+    typeof value === "number" ? Math.round(value * GRID) / GRID : value);
 }
 
 export function withLight(recipe: Recipe, index: number, change: Partial<Light>): Recipe {
