@@ -39,31 +39,20 @@ HeightSubject SubjectOf(const std::string& path, int width, int height,
           surroundings.relief ? &*surroundings.relief : nullptr};
 }
 
-// The channels that follow a photograph's own, made its size, and the heights that its relief is
-// taken from, if they are none of these. style: gets the channel that they are.
-std::vector<vips::VImage> ChannelsFor(const LM_height_source& source, const HeightSubject& subject,
-                                      std::vector<GreyImage>& added, int numPlanes, bool isDeep,
-                                      LM_style& style) {
+// Gives the settings the channels that follow a photograph's own, made its size, and the heights
+// that its relief is taken from, if they are none of these.
+void SetChannels(const LM_height_source& source, const HeightSubject& subject,
+                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings) {
   const auto asDeep = [isDeep](const vips::VImage& image) {
     return isDeep ? image
                   : image.cast(VIPS_FORMAT_UCHAR, vips::VImage::option()->set("shift", true));
   };
-  std::vector<vips::VImage> channels;
+  settings.channels.clear();
   for (GreyImage& channel : added)
-    channels.push_back(channel.width == subject.width && channel.height == subject.height
-                           ? BandOf(channel, isDeep)
-                           : asDeep(ScaledImage(channel, subject)));
-  const int numChannels = numPlanes + static_cast<int>(channels.size());
-  if (source.kind == LM_height_kind::None) {
-    style.bumpChannel = 0;
-  } else if (source.kind == LM_height_kind::Channel && source.channel <= numChannels &&
-             LM_IsPlain(source)) {
-    style.bumpChannel = static_cast<int16_t>(source.channel);
-  } else if (source.kind != LM_height_kind::Style) {
-    channels.push_back(asDeep(HeightImage(source, subject)));
-    style.bumpChannel = static_cast<int16_t>(numChannels + 1);
-  }
-  return channels;
+    settings.channels.push_back(channel.width == subject.width && channel.height == subject.height
+                                    ? BandOf(channel, isDeep)
+                                    : asDeep(ScaledImage(channel, subject)));
+  UseHeights(source, numPlanes, settings, [&] { return asDeep(HeightImage(source, subject)); });
 }
 
 void NoteScaled(const Surroundings& surroundings, int width, int height,
@@ -159,9 +148,8 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
     const bool isDeep = plan.options.depth != "8";
     LitSettings settings = SettingsFor(surroundings, isDeep);
     settings.style = style;
-    settings.channels =
-        ChannelsFor(relief, SubjectOf(pair.input, width, height, surroundings),
-                    surroundings.channels, opened.planes.bands(), isDeep, settings.style);
+    SetChannels(relief, SubjectOf(pair.input, width, height, surroundings), surroundings.channels,
+                opened.planes.bands(), isDeep, settings);
     settings.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
     const vips::VImage lit = LitImage(opened.planes, settings);
     vips_image_set_progress(lit.get_image(), TRUE);
@@ -187,8 +175,11 @@ void AddRelief(const LM_height_source& source, const std::string& path, LM_style
     CheckSurroundings(surroundings, subject.width, subject.height, ShownName(path));
     NoteScaled(surroundings, subject.width, subject.height, photograph.notices);
     const size_t numAdded = surroundings.channels.size();
-    const std::vector<vips::VImage> channels =
-        ChannelsFor(source, subject, surroundings.channels, photograph.numPlanes, false, style);
+    LitSettings settings{};
+    settings.style = style;
+    SetChannels(source, subject, surroundings.channels, photograph.numPlanes, false, settings);
+    style = settings.style;
+    const std::vector<vips::VImage>& channels = settings.channels;
     for (size_t i = 0; i < channels.size(); ++i) {
       const bool isFitting = i < numAdded && surroundings.channels[i].width == subject.width &&
                              surroundings.channels[i].height == subject.height;
