@@ -1,5 +1,6 @@
 #include "height_image.h"
 
+#include "colour_conversion.h"
 #include "failure.h"
 #include "image_source.h"
 
@@ -74,8 +75,12 @@ LM_height_plane SourcePlane(const LM_height_source& source, const HeightSubject&
     return LM_ScaledPlane(PlaneOf(*subject.file), size.width, size.height);
   const int shrink =
       ShrinkFor(std::max(subject.width, subject.height), std::max(size.width, size.height));
+  std::vector<std::string> notices; // heights need no colour
   const VImage planes =
-      OpenPhotograph(subject.path, shrink, VIPS_FORMAT_NOTSET, VIPS_FORMAT_USHORT).planes;
+      subject.planes != nullptr
+          ? ToRgbPlanes(*subject.planes, std::min(subject.planes->format(), VIPS_FORMAT_USHORT),
+                        notices)
+          : OpenPhotograph(subject.path, shrink, VIPS_FORMAT_NOTSET, VIPS_FORMAT_USHORT).planes;
   if (source.kind == LM_height_kind::Luminance)
     return ReadPlane(planes, LM_LUMINANCE, size);
   if (source.channel <= planes.bands())
@@ -89,11 +94,11 @@ LM_height_plane SourcePlane(const LM_height_source& source, const HeightSubject&
 
 // A plane and how it is made larger; the image that shows it owns it.
 struct Enlarged {
-  LM_height_plane plane;
+  std::shared_ptr<const LM_height_plane> plane;
   LM_plane_enlarger enlarger;
 
-  Enlarged(LM_height_plane made, int width, int height)
-      : plane(std::move(made)), enlarger(plane, width, height) {}
+  Enlarged(std::shared_ptr<const LM_height_plane> made, int width, int height)
+      : plane(std::move(made)), enlarger(*plane, width, height) {}
 };
 
 int Fill(VipsRegion* region, void*, void* enlarged, void*, gboolean*) try {
@@ -114,7 +119,22 @@ void Release(void* enlarged) {
   delete static_cast<Enlarged*>(enlarged);
 }
 
-VImage Shown(LM_height_plane plane, int width, int height) {
+std::shared_ptr<const LM_height_plane> Held(LM_height_plane plane) {
+  return std::make_shared<const LM_height_plane>(std::move(plane));
+}
+
+} // namespace
+
+LM_height_plane HeightPlane(const LM_height_source& source, const HeightSubject& subject) {
+  LM_height_plane plane = SourcePlane(source, subject);
+  LM_PrepareHeights(source, std::max(subject.width, subject.height), plane);
+  return plane;
+}
+
+VImage ShownHeights(std::shared_ptr<const LM_height_plane> plane, int width, int height) {
+  if (width < plane->width || height < plane->height)
+    plane = Held(
+        LM_ScaledPlane(*plane, std::min(width, plane->width), std::min(height, plane->height)));
   auto owned = std::make_unique<Enlarged>(std::move(plane), width, height);
   Enlarged* const enlarged = owned.get();
   VipsImage* const output = vips_image_new();
@@ -128,19 +148,12 @@ VImage Shown(LM_height_plane plane, int width, int height) {
   return result;
 }
 
-} // namespace
-
 VImage HeightImage(const LM_height_source& source, const HeightSubject& subject) {
-  LM_height_plane plane = SourcePlane(source, subject);
-  LM_PrepareHeights(source, std::max(subject.width, subject.height), plane);
-  return Shown(std::move(plane), subject.width, subject.height);
+  return ShownHeights(Held(HeightPlane(source, subject)), subject.width, subject.height);
 }
 
 VImage ScaledImage(const GreyImage& grey, const HeightSubject& subject) {
-  const LM_height_plane plane = PlaneOf(grey);
-  return Shown(LM_ScaledPlane(plane, std::min(grey.width, subject.width),
-                              std::min(grey.height, subject.height)),
-               subject.width, subject.height);
+  return ShownHeights(Held(PlaneOf(grey)), subject.width, subject.height);
 }
 
 void CheckShape(const GreyImage& grey, int width, int height, const std::string& file) {

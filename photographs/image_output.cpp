@@ -282,8 +282,12 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
 
 void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
                      Existing existing) {
+  WritePhotograph(photograph, PlanesOf(photograph), name, target, existing);
+}
+
+void WritePhotograph(Photograph& photograph, VImage planes, const OutputName& name,
+                     const std::string& target, Existing existing) {
   const Complaints complaints;
-  VImage planes = PlanesOf(photograph);
   VImage metadata = photograph.metadata;
   const OutputBits held = BitsOf(name);
   const VipsBandFormat depth =

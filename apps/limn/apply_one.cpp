@@ -139,8 +139,11 @@ void AddRelief(const LM_height_source& source, const std::string& path, LM_style
     CheckSurroundings(surroundings, subject.width, subject.height, ShownName(path));
     NoteScaled(surroundings, subject.width, subject.height, photograph.notices);
     const size_t numAdded = surroundings.channels.size();
-    const std::vector<vips::VImage> channels =
-        ChannelsFor(source, subject, surroundings.channels, photograph.numPlanes, false, style);
+    LitSettings settings{};
+    settings.style = style;
+    SetChannels(source, subject, surroundings.channels, photograph.numPlanes, false, settings);
+    style = settings.style;
+    const std::vector<vips::VImage>& channels = settings.channels;
     for (size_t i = 0; i < channels.size(); ++i) {
       const bool isFitting = i < numAdded && surroundings.channels[i].width == subject.width &&
                              surroundings.channels[i].height == subject.height;

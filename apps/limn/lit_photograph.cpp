@@ -11,31 +11,18 @@ HeightSubject SubjectOf(const std::string& path, int width, int height,
           surroundings.relief ? &*surroundings.relief : nullptr};
 }
 
-// The channels that follow a photograph's own, made its size, and the heights that its relief is
-// taken from, if they are none of these. style: gets the channel that they are.
-std::vector<vips::VImage> ChannelsFor(const LM_height_source& source, const HeightSubject& subject,
-                                      std::vector<GreyImage>& added, int numPlanes, bool isDeep,
-                                      LM_style& style) {
+void SetChannels(const LM_height_source& source, const HeightSubject& subject,
+                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings) {
   const auto asDeep = [isDeep](const vips::VImage& image) {
     return isDeep ? image
                   : image.cast(VIPS_FORMAT_UCHAR, vips::VImage::option()->set("shift", true));
   };
-  std::vector<vips::VImage> channels;
+  settings.channels.clear();
   for (GreyImage& channel : added)
-    channels.push_back(channel.width == subject.width && channel.height == subject.height
-                           ? BandOf(channel, isDeep)
-                           : asDeep(ScaledImage(channel, subject)));
-  const int numChannels = numPlanes + static_cast<int>(channels.size());
-  if (source.kind == LM_height_kind::None) {
-    style.bumpChannel = 0;
-  } else if (source.kind == LM_height_kind::Channel && source.channel <= numChannels &&
-             LM_IsPlain(source)) {
-    style.bumpChannel = static_cast<int16_t>(source.channel);
-  } else if (source.kind != LM_height_kind::Style) {
-    channels.push_back(asDeep(HeightImage(source, subject)));
-    style.bumpChannel = static_cast<int16_t>(numChannels + 1);
-  }
-  return channels;
+    settings.channels.push_back(channel.width == subject.width && channel.height == subject.height
+                                    ? BandOf(channel, isDeep)
+                                    : asDeep(ScaledImage(channel, subject)));
+  UseHeights(source, numPlanes, settings, [&] { return asDeep(HeightImage(source, subject)); });
 }
 
 void NoteScaled(const Surroundings& surroundings, int width, int height,
@@ -65,9 +52,8 @@ LightingOfPhotographs::Light(const std::string& path, const vips::VImage& planes
                              const std::shared_ptr<std::atomic<bool>>& hasSourceFailed) const {
   LitSettings settings = SettingsFor(surroundings, isDeep);
   settings.style = style;
-  settings.channels =
-      ChannelsFor(relief, SubjectOf(path, planes.width(), planes.height(), surroundings),
-                  surroundings.channels, planes.bands(), isDeep, settings.style);
+  SetChannels(relief, SubjectOf(path, planes.width(), planes.height(), surroundings),
+              surroundings.channels, planes.bands(), isDeep, settings);
   settings.hasSourceFailed = hasSourceFailed;
   return LitImage(planes, settings);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lighting.h"
+#include "lit_image.h"
 
 #include "LM_height_source.h"
 #include "height_image.h"
@@ -18,11 +19,10 @@ namespace limn {
 HeightSubject SubjectOf(const std::string& path, int width, int height,
                         const Surroundings& surroundings);
 
-// The channels that follow a photograph's own, made its size, and the heights that its relief is
-// taken from, if they are none of these. style: gets the channel that they are.
-std::vector<vips::VImage> ChannelsFor(const LM_height_source& source, const HeightSubject& subject,
-                                      std::vector<GreyImage>& added, int numPlanes, bool isDeep,
-                                      LM_style& style);
+// Gives the settings the channels that follow a photograph's own, made its size, and the heights
+// that its relief is taken from, if they are none of these.
+void SetChannels(const LM_height_source& source, const HeightSubject& subject,
+                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings);
 
 // Tells which channels and heights are scaled to a photograph of that size.
 void NoteScaled(const Surroundings& surroundings, int width, int height,
