@@ -68,7 +68,7 @@ LM_style MakeLights(int count, bool relief) {
 
 void AwaitFrame(editor::Canvas& canvas) {
   while (!canvas.isUpToDate())
-    QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+    QApplication::processEvents(QEventLoop::WaitForMoreEvents);
   canvas.viewport()->repaint();
 }
 

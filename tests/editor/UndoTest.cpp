@@ -165,8 +165,8 @@ TEST(Undo, AFailedChangeIsNoStep) {
     for (const double end : {0.0, 0.3}) {
       EXPECT_EQ(document.bake("Bake", [&](double share) { return share < end; }).outcome,
                 CVOutcome::Cancelled);
-      const auto stop = [](CVDocument& image, CVRect area) {
-        Brighten(image, area);
+      const auto stop = [](CVDocument& opened, CVRect area) {
+        Brighten(opened, area);
         return CVResult{CVOutcome::Cancelled, 0, "cancelled"};
       };
       EXPECT_FALSE(document.change("Stop", stop, [&](double share) { return share < end; }).ok());
