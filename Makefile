@@ -86,9 +86,10 @@ fuzz-quick: ## The same for a few seconds each, from one seed
 	@scripts/deps check
 	TIME=10 SEED=1 scripts/fuzz $(FUZZERS)
 
-bench: build ## Measure the shading and the preview
+bench: build ## Measure the shading, the preview and the editor's canvas
 	$(BUILD)/bin/bench_shading
 	$(BUILD)/bin/bench_preview
+	$(BUILD)/bin/bench_canvas
 
 bench-peers: build ## Time limn apply beside other programs, and lights beside theirs
 	bench/peers $(LIMN)

@@ -1,8 +1,10 @@
 #include "height_image.h"
 
+#include "colour_conversion.h"
 #include "failure.h"
 #include "image_source.h"
 
+#include "LM_height_rows.h"
 #include "LM_plane_scaling.h"
 
 #include <algorithm>
@@ -14,27 +16,16 @@ namespace {
 
 using vips::VImage;
 
-// Of the components of a pixel that is read as a height, in 65536ths.
-struct Weights {
-  int first = 0; // band
-  uint32_t weight[3] = {65536, 0, 0};
-};
-constexpr Weights LUMINANCE = {0, {19595, 38470, 7471}};
-
 // Reads rows as heights and makes them fewer and shorter.
 struct RowReader {
-  Weights weights;
+  LM_height_weights weights;
   LM_plane_reducer reducer;
   std::vector<uint16_t> row;
 
-  template <class Component> void Read(const void* pixels, int bands, uint32_t step) {
-    const auto* pixel = static_cast<const Component*>(pixels) + weights.first;
-    const int numWeighed = weights.weight[1] == 0 ? 1 : 3;
+  template <class Sample> void Read(const void* pixels, int bands) {
+    const auto* pixel = static_cast<const Sample*>(pixels);
     for (uint16_t& height : row) {
-      uint64_t sum = 0;
-      for (int i = 0; i < numWeighed; ++i)
-        sum += uint64_t{pixel[i]} * step * weights.weight[i];
-      height = static_cast<uint16_t>((sum + 32768) / 65536);
+      height = LM_HeightOf(pixel, weights);
       pixel += bands;
     }
   }
@@ -44,16 +35,17 @@ struct RowReader {
     for (int y = area->top; y < area->top + area->height; ++y) {
       const void* const pixels = VIPS_REGION_ADDR(region, 0, y);
       if (region->im->BandFmt == VIPS_FORMAT_USHORT)
-        self.Read<uint16_t>(pixels, region->im->Bands, 1);
+        self.Read<uint16_t>(pixels, region->im->Bands);
       else
-        self.Read<uint8_t>(pixels, region->im->Bands, 257);
+        self.Read<uint8_t>(pixels, region->im->Bands);
       self.reducer.Add(self.row.data());
     }
     return 0;
   }
 };
 
-LM_height_plane ReadPlane(const VImage& planes, const Weights& weights, const LM_plane_size& size) {
+LM_height_plane ReadPlane(const VImage& planes, const LM_height_weights& weights,
+                          const LM_plane_size& size) {
   RowReader reader{weights,
                    {planes.width(), planes.height(), std::min(size.width, planes.width()),
                     std::min(size.height, planes.height())},
@@ -83,10 +75,14 @@ LM_height_plane SourcePlane(const LM_height_source& source, const HeightSubject&
     return LM_ScaledPlane(PlaneOf(*subject.file), size.width, size.height);
   const int shrink =
       ShrinkFor(std::max(subject.width, subject.height), std::max(size.width, size.height));
+  std::vector<std::string> notices; // heights need no colour
   const VImage planes =
-      OpenPhotograph(subject.path, shrink, VIPS_FORMAT_NOTSET, VIPS_FORMAT_USHORT).planes;
+      subject.planes != nullptr
+          ? ToRgbPlanes(*subject.planes, std::min(subject.planes->format(), VIPS_FORMAT_USHORT),
+                        notices)
+          : OpenPhotograph(subject.path, shrink, VIPS_FORMAT_NOTSET, VIPS_FORMAT_USHORT).planes;
   if (source.kind == LM_height_kind::Luminance)
-    return ReadPlane(planes, LUMINANCE, size);
+    return ReadPlane(planes, LM_LUMINANCE, size);
   if (source.channel <= planes.bands())
     return ReadPlane(planes, {source.channel - 1}, size);
   const auto added = static_cast<size_t>(source.channel - planes.bands() - 1);
@@ -98,11 +94,11 @@ LM_height_plane SourcePlane(const LM_height_source& source, const HeightSubject&
 
 // A plane and how it is made larger; the image that shows it owns it.
 struct Enlarged {
-  LM_height_plane plane;
+  std::shared_ptr<const LM_height_plane> plane;
   LM_plane_enlarger enlarger;
 
-  Enlarged(LM_height_plane made, int width, int height)
-      : plane(std::move(made)), enlarger(plane, width, height) {}
+  Enlarged(std::shared_ptr<const LM_height_plane> made, int width, int height)
+      : plane(std::move(made)), enlarger(*plane, width, height) {}
 };
 
 int Fill(VipsRegion* region, void*, void* enlarged, void*, gboolean*) try {
@@ -123,7 +119,22 @@ void Release(void* enlarged) {
   delete static_cast<Enlarged*>(enlarged);
 }
 
-VImage Shown(LM_height_plane plane, int width, int height) {
+std::shared_ptr<const LM_height_plane> Held(LM_height_plane plane) {
+  return std::make_shared<const LM_height_plane>(std::move(plane));
+}
+
+} // namespace
+
+LM_height_plane HeightPlane(const LM_height_source& source, const HeightSubject& subject) {
+  LM_height_plane plane = SourcePlane(source, subject);
+  LM_PrepareHeights(source, std::max(subject.width, subject.height), plane);
+  return plane;
+}
+
+VImage ShownHeights(std::shared_ptr<const LM_height_plane> plane, int width, int height) {
+  if (width < plane->width || height < plane->height)
+    plane = Held(
+        LM_ScaledPlane(*plane, std::min(width, plane->width), std::min(height, plane->height)));
   auto owned = std::make_unique<Enlarged>(std::move(plane), width, height);
   Enlarged* const enlarged = owned.get();
   VipsImage* const output = vips_image_new();
@@ -137,19 +148,12 @@ VImage Shown(LM_height_plane plane, int width, int height) {
   return result;
 }
 
-} // namespace
-
 VImage HeightImage(const LM_height_source& source, const HeightSubject& subject) {
-  LM_height_plane plane = SourcePlane(source, subject);
-  LM_PrepareHeights(source, std::max(subject.width, subject.height), plane);
-  return Shown(std::move(plane), subject.width, subject.height);
+  return ShownHeights(Held(HeightPlane(source, subject)), subject.width, subject.height);
 }
 
 VImage ScaledImage(const GreyImage& grey, const HeightSubject& subject) {
-  const LM_height_plane plane = PlaneOf(grey);
-  return Shown(LM_ScaledPlane(plane, std::min(grey.width, subject.width),
-                              std::min(grey.height, subject.height)),
-               subject.width, subject.height);
+  return ShownHeights(Held(PlaneOf(grey)), subject.width, subject.height);
 }
 
 void CheckShape(const GreyImage& grey, int width, int height, const std::string& file) {

@@ -5,6 +5,7 @@
 
 #include "LM_height_source.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 #include <vips/vips8>
@@ -20,11 +21,17 @@ struct HeightSubject {
   // photograph's shape.
   const std::vector<GreyImage>& added;
   const GreyImage* file = nullptr;
+  // The photograph's pixels where they are in memory, and no file has them any more; else null.
+  const vips::VImage* planes = nullptr;
 };
 
-// One band of 16 bits, of the photograph's size. Its pixels are made when asked for, from a plane
-// that is made here: of LM_PreparedSize, so that no more than that is in memory. source: resolved,
-// of luminance, a channel or a file. Throws Failure or vips::VError. The caller holds Complaints.
+// The heights, of LM_PreparedSize. source: resolved, of luminance, a channel or a file. Throws
+// Failure or vips::VError. The caller holds Complaints.
+LM_height_plane HeightPlane(const LM_height_source& source, const HeightSubject& subject);
+// A plane as one band of 16 bits of that size, larger or smaller, which keeps the plane. Larger,
+// its pixels are made when asked for. Throws vips::VError.
+vips::VImage ShownHeights(std::shared_ptr<const LM_height_plane> plane, int width, int height);
+// Both: the heights in the photograph's size, with no more than the plane in memory.
 vips::VImage HeightImage(const LM_height_source& source, const HeightSubject& subject);
 
 // The grey image, of the subject's shape, in its size, made likewise.

@@ -211,6 +211,12 @@ OutputBits BitsOf(const OutputName& name) {
   return bits;
 }
 
+bool HoldsXmp(const OutputName& name) {
+  const std::string_view suffix = FormatOf(name.path).suffix;
+  return suffix == ".jpg" || suffix == ".png" || suffix == ".tif" || suffix == ".webp" ||
+         suffix == ".heic" || suffix == ".heif";
+}
+
 VipsBandFormat DepthOfBits(int bits) {
   return bits <= 8 ? VIPS_FORMAT_UCHAR : bits <= 16 ? VIPS_FORMAT_USHORT : VIPS_FORMAT_FLOAT;
 }
@@ -276,8 +282,12 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
 
 void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
                      Existing existing) {
+  WritePhotograph(photograph, PlanesOf(photograph), name, target, existing);
+}
+
+void WritePhotograph(Photograph& photograph, VImage planes, const OutputName& name,
+                     const std::string& target, Existing existing) {
   const Complaints complaints;
-  VImage planes = PlanesOf(photograph);
   VImage metadata = photograph.metadata;
   const OutputBits held = BitsOf(name);
   const VipsBandFormat depth =

@@ -34,6 +34,9 @@ struct OutputBits {
 };
 OutputBits BitsOf(const OutputName& name);
 
+// Whether files of that format hold XMP, as libvips writes them.
+bool HoldsXmp(const OutputName& name);
+
 // What so many bits are written from: UCHAR, USHORT or FLOAT.
 VipsBandFormat DepthOfBits(int bits);
 
@@ -62,5 +65,8 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
 // Failure(CannotWrite or NoMemory).
 void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
                      Existing existing);
+// The same with other pixels of the photograph's depth, which may still have to be lit.
+void WritePhotograph(Photograph& photograph, vips::VImage planes, const OutputName& name,
+                     const std::string& target, Existing existing);
 
 } // namespace limn

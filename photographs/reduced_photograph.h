@@ -1,6 +1,8 @@
 // A photograph made small while it is read: all that a thumbnail needs of it.
 #pragma once
 
+#include "LM_height_source.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -18,6 +20,9 @@ struct ReducedPhotograph {
   int numPlanes = 0;
   std::vector<uint8_t> pixels;
   std::vector<uint8_t> mask; // how much of the light each pixel takes, 0 … 255; empty: all of it
+  // Where heights come from, and these where they are none of the planes: 16 bits a pixel.
+  LM_height_source relief;
+  std::vector<uint16_t> heights;
 };
 
 // A photograph reduced, and what goes with it.

@@ -18,10 +18,24 @@ LM_source_view PlanesFrom(const ReducedPhotograph& photograph, int plane, const 
   return {photograph.pixels.data() + plane, photograph.width * step, step, bounds};
 }
 
-// Heights of fewer pixels are less far apart for the same slope.
-void FitRelief(foo& params, const ReducedPhotograph& photograph) {
-  const double share = static_cast<double>(photograph.width) / photograph.fullWidth;
-  params.bumpHeight = static_cast<int32_t>(std::lround(params.bumpHeight * share));
+// The heights of a style's relief in the picture; null where it has none.
+LM_source_view ReliefOf(const ReducedPhotograph& photograph, const LM_style& style,
+                        const foo& params, const LM_rect& bounds, LM_pixel_kind& kind) {
+  const LM_height_source relief = LM_ResolvedSource(photograph.relief, style.bumpChannel != 0);
+  kind = LM_pixel_kind::Bytes;
+  if (relief.kind == LM_height_kind::None)
+    return {};
+  const bool isChannel = relief.kind == LM_height_kind::Channel && LM_IsPlain(relief) &&
+                         relief.channel <= photograph.numPlanes;
+  if (relief.kind == LM_height_kind::Style || isChannel) {
+    const int channel = isChannel ? relief.channel : params.bumpChannel;
+    return channel > 0 ? PlanesFrom(photograph, channel - 1, bounds) : LM_source_view{};
+  }
+  if (photograph.heights.empty())
+    return {};
+  kind = LM_pixel_kind::Words;
+  return {reinterpret_cast<const uint8_t*>(photograph.heights.data()),
+          ptrdiff_t{photograph.width} * 2, 2, bounds};
 }
 
 // Takes back the light that the mask keeps off.
@@ -44,7 +58,7 @@ std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_
       !LM_ParametersFromStyle(style, photograph.fullWidth, photograph.fullHeight,
                               photograph.numPlanes, &job->params))
     return {};
-  FitRelief(job->params, photograph);
+  FitRelief(job->params, photograph.width, photograph.fullWidth);
   const LM_rect whole = {0, 0, photograph.height, photograph.width};
   if (LM_PrepareRender(job->params, whole, photograph.width, photograph.height, LM_BestKernels(),
                        *job) != LM_render_result::Done)
@@ -53,14 +67,18 @@ std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_
   LM_render_views views = {};
   views.source = PlanesFrom(photograph, 0, whole);
   views.output = {lit.data(), ptrdiff_t{photograph.width} * NUM_LIT, NUM_LIT, whole};
-  if (job->params.bumpChannel > 0)
-    views.relief = PlanesFrom(photograph, job->params.bumpChannel - 1, whole);
+  views.relief = ReliefOf(photograph, style, job->params, whole, views.reliefKind);
   if (LM_RenderRect(*job, views, whole, *scratch) != LM_render_result::Done)
     return {};
   KeepToMask(photograph, lit);
   return lit;
 } catch (const std::bad_alloc&) {
   return {};
+}
+
+void FitRelief(foo& params, int width, int fullWidth) {
+  const double share = static_cast<double>(width) / fullWidth;
+  params.bumpHeight = static_cast<int32_t>(std::lround(params.bumpHeight * share));
 }
 
 std::vector<uint8_t> UnlitThumbnail(const ReducedPhotograph& photograph) {

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+struct foo;
+
 namespace limn {
 
 // The reduced photograph lit as the whole one would be: red, green and blue, width * 3 bytes a row.
@@ -18,5 +20,9 @@ std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_
 
 // The same without light.
 std::vector<uint8_t> UnlitThumbnail(const ReducedPhotograph& photograph);
+
+// Heights of fewer pixels are less far apart for the same slope: makes the parameters those of a
+// picture that is `width` pixels wide instead of `fullWidth`.
+void FitRelief(foo& params, int width, int fullWidth);
 
 } // namespace limn

@@ -9,26 +9,80 @@
 
 namespace editor {
 
+// What takes longer than this is told, in milliseconds.
+static constexpr int PATIENCE = 250;
+// From the line, within which it is dragged.
+static constexpr double SPLIT_REACH = 6.0;
+
 Canvas::Canvas(EditorDocument& document, QWidget* parent)
-    : QAbstractScrollArea(parent), _document(document) {
+    : QAbstractScrollArea(parent), _document(document), _lighting(document) {
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::StrongFocus);
   viewport()->setMouseTracking(true);
   connect(&document, &EditorDocument::opened, this, &Canvas::_showImage);
-  connect(&document, &EditorDocument::pixelsChanged, this, &Canvas::_updatePixels);
+  connect(&document, &EditorDocument::shownChanged, this, &Canvas::_ask);
   connect(&document, &EditorDocument::selectionChanged, viewport(), qOverload<>(&QWidget::update));
+  connect(&_lighting, &CanvasLighting::made, this, &Canvas::_take);
+  _patience.setSingleShot(true);
+  _patience.setInterval(PATIENCE);
+  connect(&_patience, &QTimer::timeout, this, [this] { Q_EMIT waiting(true); });
 }
 
 void Canvas::_showImage() {
   _drag = Drag::None;
-  _picture = ImageLevels(_document.colours(_document.bounds()));
-  _original = _picture;
+  _frame = _whole = {};
+  _firstAsked = _asked.number + 1;
   zoomToFit();
   _updateCursor();
 }
 
-void Canvas::_updatePixels(const QRect& area) {
-  _picture.replace(area.topLeft(), _document.colours(area));
+// What is seen: below its own size the picture is reduced to whole pixels of the screen.
+View Canvas::_view() const {
+  const QSize full = _document.size();
+  const double zoom = std::min(_zoom, 1.0);
+  const auto reduced = [zoom](int side) {
+    return std::max(1, static_cast<int>(std::lround(side * zoom)));
+  };
+  const View view{{reduced(full.width()), reduced(full.height())}, {}};
+  const double shareX = static_cast<double>(view.size.width()) / full.width();
+  const double shareY = static_cast<double>(view.size.height()) / full.height();
+  const QRectF seen(viewport()->rect());
+  const QPointF from = toImage(seen.topLeft());
+  const QPointF to = toImage(seen.bottomRight());
+  const QRect part = QRectF(QPointF(from.x() * shareX, from.y() * shareY),
+                            QPointF(to.x() * shareX, to.y() * shareY))
+                         .toAlignedRect();
+  return {view.size, part.intersected(QRect(QPoint(0, 0), view.size))};
+}
+
+void Canvas::_ask() {
+  viewport()->update();
+  if (_document.isEmpty())
+    return;
+  const View view = _view();
+  if (view.part.isEmpty())
+    return;
+  _asked = {view,       _document.shown(), _document.selection(), _document.originalNumber(),
+            _marksEnds, _asked.number + 1};
+  _lighting.ask(_asked);
+  if (!_patience.isActive())
+    _patience.start();
+}
+
+void Canvas::_take(const Frame& frame) {
+  if (frame.number < _firstAsked)
+    return;
+  if (!frame.problem.isEmpty())
+    Q_EMIT failed(frame.problem);
+  _frame = frame;
+  if (frame.view.part.size() == frame.view.size)
+    _whole = frame;
+  if (isUpToDate()) {
+    _patience.stop();
+    Q_EMIT waiting(false);
+  } else {
+    _patience.start(); // something moves
+  }
   viewport()->update();
 }
 
@@ -50,6 +104,22 @@ void Canvas::setBrushDiameter(int diameter) {
 void Canvas::showOriginal(bool show) {
   _showsOriginal = show;
   viewport()->update();
+}
+
+void Canvas::showSplit(bool show) {
+  _showsSplit = show;
+  _updateCursor();
+  viewport()->update();
+}
+
+void Canvas::markEnds(bool mark) {
+  _marksEnds = mark;
+  _ask();
+}
+
+bool Canvas::_isOnSplit(QPointF viewportPoint) const {
+  const double line = toViewport({_split * _document.size().width(), 0}).x();
+  return _showsSplit && !_document.isEmpty() && std::abs(viewportPoint.x() - line) <= SPLIT_REACH;
 }
 
 double Canvas::_scale() const {
@@ -96,6 +166,7 @@ void Canvas::setZoom(double zoom, QPointF anchor) {
   const QPointF corner = fixed * _scale() - anchor;
   horizontalScrollBar()->setValue(static_cast<int>(std::lround(corner.x())));
   verticalScrollBar()->setValue(static_cast<int>(std::lround(corner.y())));
+  _ask();
   Q_EMIT zoomChanged();
 }
 
@@ -129,10 +200,11 @@ void Canvas::resizeEvent(QResizeEvent*) {
     zoomToFit();
   else
     _fitScrollBars();
+  _ask();
 }
 
 void Canvas::scrollContentsBy(int, int) {
-  viewport()->update();
+  _ask();
 }
 
 void Canvas::wheelEvent(QWheelEvent* event) {
@@ -145,7 +217,9 @@ void Canvas::wheelEvent(QWheelEvent* event) {
 }
 
 void Canvas::_updateCursor() {
-  if (_drag == Drag::Pan)
+  if (_drag == Drag::Split || (_drag == Drag::None && _isOnSplit(_hover)))
+    viewport()->setCursor(Qt::SplitHCursor);
+  else if (_drag == Drag::Pan)
     viewport()->setCursor(Qt::ClosedHandCursor);
   else if (_document.isEmpty())
     viewport()->unsetCursor();
@@ -187,7 +261,9 @@ void Canvas::mousePressEvent(QMouseEvent* event) {
     return;
   const QPointF point = toImage(event->position());
   _draft = _document.selection();
-  if (pans) {
+  if (event->button() == Qt::LeftButton && _isOnSplit(event->position())) {
+    _drag = Drag::Split;
+  } else if (pans) {
     _drag = Drag::Pan;
     _dragStart = event->position();
     _scrollStart = {horizontalScrollBar()->value(), verticalScrollBar()->value()};
@@ -209,13 +285,19 @@ void Canvas::mouseMoveEvent(QMouseEvent* event) {
     const QPoint moved = (event->position() - _dragStart).toPoint();
     horizontalScrollBar()->setValue(_scrollStart.x() - moved.x());
     verticalScrollBar()->setValue(_scrollStart.y() - moved.y());
+  } else if (_drag == Drag::Split) {
+    const double place = toImage(event->position()).x() / _document.size().width();
+    _split = std::clamp(place, 0.0, 1.0);
+    viewport()->update();
   } else if (_drag == Drag::Rectangle) {
     _draft.area = _rectangleTo(toImage(event->position()));
     viewport()->update();
   } else if (_drag == Drag::Brush) {
     _stroke(toImage(event->position()));
-  } else if (_tool == Tool::Brush) {
-    viewport()->update();
+  } else {
+    _updateCursor();
+    if (_tool == Tool::Brush)
+      viewport()->update();
   }
 }
 

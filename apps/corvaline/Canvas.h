@@ -2,10 +2,11 @@
 #pragma once
 
 #include "Brush.h"
+#include "CanvasLighting.h"
 #include "EditorDocument.h"
-#include "ImageLevels.h"
 
 #include <QAbstractScrollArea>
+#include <QTimer>
 
 namespace editor {
 
@@ -35,8 +36,17 @@ public:
   void setZoom(double zoom, QPointF anchor);
   void setZoom(double zoom) { setZoom(zoom, QRectF(viewport()->rect()).center()); }
 
-  // Shows the image as it was opened, without the selection.
+  // Shows the image without light, and without the selection.
   void showOriginal(bool show);
+  // Shows it so to the left of a line that can be dragged, or not any more.
+  void showSplit(bool show);
+
+  // Marks pixels that have become white in a colour, or black.
+  void markEnds(bool mark);
+
+  // The latest picture of what is seen, and whether it is of what is to be seen now.
+  const Frame& frame() const { return _frame; }
+  bool isUpToDate() const { return _frame.number == _asked.number; }
 
   QPointF toImage(QPointF viewportPoint) const;
   QPointF toViewport(QPointF imagePoint) const;
@@ -44,6 +54,10 @@ public:
 Q_SIGNALS:
   void zoomChanged();
   void brushChanged();
+  // A picture is being made that takes a while; or is there.
+  void waiting(bool isWaiting);
+  // Why there is none.
+  void failed(const QString& problem);
 
 protected:
   void paintEvent(QPaintEvent* event) override;
@@ -56,10 +70,12 @@ protected:
   void scrollContentsBy(int dx, int dy) override;
 
 private:
-  enum class Drag { None, Pan, Rectangle, Brush };
+  enum class Drag { None, Pan, Rectangle, Brush, Split };
 
   void _showImage();
-  void _updatePixels(const QRect& area);
+  View _view() const;
+  void _ask();
+  void _take(const Frame& frame);
   double _scale() const; // viewport units per image pixel
   QPointF _origin() const;
   void _fitScrollBars();
@@ -68,15 +84,24 @@ private:
   void _stroke(QPointF point);
   QRect _rectangleTo(QPointF imagePoint) const;
   void _updateCursor();
+  bool _isOnSplit(QPointF viewportPoint) const;
+  void _paintFrame(QPainter& painter, const Frame& frame, const QImage& image) const;
   void _paintImage(QPainter& painter) const;
+  void _paintSplit(QPainter& painter) const;
   void _paintMask(QPainter& painter, const QImage& mask) const;
   void _paintArea(QPainter& painter, const QRect& area) const;
   void _paintBrush(QPainter& painter) const;
   void _paintHint(QPainter& painter) const;
 
   EditorDocument& _document;
-  ImageLevels _picture, _original;
-  bool _showsOriginal = false;
+  CanvasLighting _lighting;
+  FrameWish _asked;    // last
+  int _firstAsked = 0; // of the present image
+  Frame _frame;
+  Frame _whole; // the latest that shows all of the image, for where _frame does not reach
+  QTimer _patience;
+  bool _showsOriginal = false, _showsSplit = false, _marksEnds = false;
+  double _split = 0.5; // of the image's width
   Tool _tool = Tool::Hand;
   Brush _brush;
   double _zoom = 1.0;

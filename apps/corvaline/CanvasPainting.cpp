@@ -5,6 +5,8 @@
 #include <QPen>
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace editor {
 namespace {
@@ -39,6 +41,8 @@ void Canvas::paintEvent(QPaintEvent*) {
   _paintImage(painter);
   if (_showsOriginal)
     return;
+  if (_showsSplit)
+    _paintSplit(painter);
   const bool drafting = _drag == Drag::Rectangle || _drag == Drag::Brush;
   const Selection& selection = drafting ? _draft : _document.selection();
   if (!selection.mask.isNull())
@@ -65,10 +69,67 @@ static QRect visiblePart(const Canvas& canvas, QSize image) {
       .intersected(QRect(QPoint(0, 0), image));
 }
 
+// As large as the zoom has it by now: pixel for pixel where it was made for this one.
+void Canvas::_paintFrame(QPainter& painter, const Frame& frame, const QImage& image) const {
+  const QSizeF full = _document.size();
+  const double shareX = full.width() / frame.view.size.width();
+  const double shareY = full.height() / frame.view.size.height();
+  const QRectF part(frame.view.part);
+  QRectF target(toViewport({part.left() * shareX, part.top() * shareY}),
+                toViewport({part.right() * shareX, part.bottom() * shareY}));
+  const double ratio = devicePixelRatioF();
+  const bool isExact = _zoom <= 1.0 && frame.view.size == _view().size;
+  if (isExact) // and on the screen's own pixels
+    target = {std::round(target.x() * ratio) / ratio, std::round(target.y() * ratio) / ratio,
+              part.width() / ratio, part.height() / ratio};
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, !isExact && _zoom < 1.0);
+  painter.drawImage(target, image, QRectF(image.rect()));
+}
+
 void Canvas::_paintImage(QPainter& painter) const {
-  const QRectF source(visiblePart(*this, _document.size()));
-  const QRectF target(toViewport(source.topLeft()), toViewport(source.bottomRight()));
-  (_showsOriginal ? _original : _picture).draw(painter, target, source, _zoom);
+  const View view = _view();
+  const auto paint = [&](bool isLit) {
+    for (const Frame* frame : {&_whole, &_frame}) {
+      const QImage& image = isLit ? frame->shownLit : frame->shownPlain;
+      const bool isCovered = frame == &_whole && _frame.view == view;
+      if (!image.isNull() && !isCovered)
+        _paintFrame(painter, *frame, image);
+    }
+  };
+  paint(!_showsOriginal);
+  if (!_showsSplit || _showsOriginal)
+    return;
+  const double line = toViewport({_split * _document.size().width(), 0}).x();
+  painter.save();
+  painter.setClipRect(QRectF(0, 0, std::round(line), viewport()->height()));
+  paint(false);
+  painter.restore();
+}
+
+void Canvas::_paintSplit(QPainter& painter) const {
+  constexpr double GRIP = 7;
+  const QSizeF full = _document.size();
+  const QPointF top = toViewport({_split * full.width(), 0});
+  const QPointF bottom = toViewport({_split * full.width(), full.height()});
+  const QRectF seen(viewport()->rect());
+  const double x = std::round(top.x());
+  const double from = std::max(seen.top(), top.y());
+  const double to = std::min(seen.bottom(), bottom.y());
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  const QPointF middle(x, (from + to) / 2);
+  for (const auto& [colour, width] :
+       {std::pair(QColor(0, 0, 0, 150), 4.0), std::pair(QColor(Qt::white), 2.0)}) {
+    painter.setPen(QPen(colour, width));
+    painter.setBrush(QColor(40, 40, 40, 200));
+    painter.drawLine(QPointF(x, from), QPointF(x, to));
+    painter.drawEllipse(middle, GRIP, GRIP);
+  }
+  painter.setPen(QPen(Qt::white, 1.5));
+  for (const int side : {-1, 1})
+    painter.drawPolyline(QPolygonF({middle + QPointF(side * 2, -3), middle + QPointF(side * 5, 0),
+                                    middle + QPointF(side * 2, 3)}));
+  painter.restore();
 }
 
 void Canvas::_paintMask(QPainter& painter, const QImage& mask) const {

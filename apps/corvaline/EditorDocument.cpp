@@ -3,19 +3,17 @@
 #include "deep_lighting.h"
 #include "deep_photograph.h"
 #include "failure.h"
+#include "lighting.h"
+
+#include "LM_style_lighting.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace editor {
 namespace {
-
-CVRect ContractRect(const QRect& rect) {
-  return {static_cast<int16_t>(rect.y()), static_cast<int16_t>(rect.x()),
-          static_cast<int16_t>(rect.y() + rect.height()),
-          static_cast<int16_t>(rect.x() + rect.width())};
-}
 
 // The bytes of `area` of an image of `width` pixels a row, exchanged with or copied to `bytes`.
 template <typename Row>
@@ -28,56 +26,62 @@ void ForRows(const QRect& area, int width, size_t pixelBytes, uint8_t* data, Row
   }
 }
 
-// A mask as one band, its pixels borrowed.
-vips::VImage BandOf(QImage& mask) {
-  return vips::VImage::new_from_memory(mask.bits(), static_cast<size_t>(mask.sizeInBytes()),
-                                       static_cast<int>(mask.bytesPerLine()), mask.height(), 1,
-                                       VIPS_FORMAT_UCHAR)
-      .extract_area(0, 0, mask.width(), mask.height());
+LM_style InWorldUnit(LM_style style) {
+  for (int i = 0; style.worldUnit != WORLD_UNIT && i < style.lightsRead; ++i)
+    style.lights[i] = LM_TranslateLight(style.lights[i], style.worldUnit, WORLD_UNIT);
+  style.worldUnit = WORLD_UNIT;
+  return style;
 }
 
 } // namespace
 
 size_t EditorDocument::Step::bytes() const {
-  auto sum = static_cast<size_t>(selection.mask.sizeInBytes());
+  size_t sum = sizeof *this + mask.bytes();
   for (const auto& plane : planes)
     sum += plane.size();
   return sum;
 }
 
 void EditorDocument::setImage(OpenedImage image) {
-  _image = std::move(image);
-  _channels.clear();
+  {
+    const std::unique_lock lock(_lock);
+    _original.photograph = std::move(image.photograph);
+    _original.channels.clear();
+    _path = _originalPath = image.path;
+    _mayBeReplaced = image.mayBeReplaced;
+    _present = _saved = {};
+    _isOverwritten = false;
+    _notePixels();
+  }
   _selection = {};
+  _recipe = _lastLit = {};
+  _tried.reset();
   _undo.clear();
   _redo.clear();
-  _pixelState = _savedState = _lastState = 0;
-  _position = ++_lastPosition;
   Q_EMIT opened();
   Q_EMIT selectionChanged();
+  Q_EMIT recipeChanged();
   Q_EMIT stateChanged();
 }
 
-QImage EditorDocument::colours(const QRect& area) const {
-  const limn::Photograph& photograph = _image.photograph;
-  QImage image(area.size(), QImage::Format_RGB32);
-  const auto planes = static_cast<size_t>(photograph.numPlanes);
-  for (int y = 0; y < image.height(); ++y) {
-    const size_t first = static_cast<size_t>(area.y() + y) * static_cast<size_t>(photograph.width) +
-                         static_cast<size_t>(area.x());
-    const uint8_t* from = photograph.pixels.data() + first * planes;
-    auto* into = reinterpret_cast<QRgb*>(image.scanLine(y));
-    for (int x = 0; x < image.width(); ++x, from += planes)
-      into[x] = qRgb(from[0], from[1], from[2]);
-  }
-  return image;
+// After every change of the original, with the lock held.
+void EditorDocument::_notePixels() {
+  const bool isInFile = _present.pixels == 0 && !_isOverwritten;
+  _original.file = isInFile ? Encoded(_originalPath) : std::string();
+  _original.noteChange();
+  ++_originalNumber;
 }
 
 bool EditorDocument::addChannel(limn::GreyImage channel) {
   if (QSize(channel.width, channel.height) != size())
     return false;
-  _channels.push_back(std::move(channel));
+  {
+    const std::unique_lock lock(_lock);
+    _original.channels.push_back(std::move(channel));
+    _notePixels();
+  }
   Q_EMIT channelsChanged();
+  Q_EMIT shownChanged();
   Q_EMIT stateChanged();
   return true;
 }
@@ -86,49 +90,97 @@ QStringList EditorDocument::channelNames() const {
   QStringList names;
   // A document names its own channels; it needs no pixels for that.
   CVDocument document;
-  if (!isEmpty() && document.create(1, 1, CV_MODE_RGB, _image.photograph.numPlanes).ok())
+  if (!isEmpty() && document.create(1, 1, CV_MODE_RGB, photograph().numPlanes).ok())
     for (int channel = 0; channel < document.channelCount(); ++channel)
       names << QString::fromStdString(document.channelName(channel));
-  for (const limn::GreyImage& channel : _channels)
+  for (const limn::GreyImage& channel : _original.channels)
     names << QString::fromStdString(limn::ChannelName(channel.file));
   return names;
-}
-
-std::vector<std::string> EditorDocument::channelFiles() const {
-  std::vector<std::string> files;
-  for (const limn::GreyImage& channel : _channels)
-    files.push_back(channel.file);
-  return files;
-}
-
-void EditorDocument::select(Selection selection) {
-  selection.area &= bounds();
-  if (selection == _selection || isEmpty())
-    return;
-  Step step = _stepBack({});
-  _selection = std::move(selection);
-  _record(std::move(step));
-  Q_EMIT selectionChanged();
-  Q_EMIT stateChanged();
 }
 
 QRect EditorDocument::filterArea() const {
   return _selection.area.isEmpty() ? bounds() : _selection.area;
 }
 
+void EditorDocument::select(Selection selection) {
+  selection.area &= bounds();
+  if (selection == _selection || isEmpty())
+    return;
+  Step step = _stepBack(tr("Selection"), {});
+  step.mask = MaskChange(selection.mask, _selection.mask);
+  _selection = std::move(selection);
+  _present.selection = ++_lastNumber;
+  _record(std::move(step));
+  Q_EMIT selectionChanged();
+  Q_EMIT shownChanged();
+  Q_EMIT stateChanged();
+}
+
+Recipe EditorDocument::withLights(const LM_style& lights) const {
+  Recipe recipe = _recipe;
+  recipe.block = nullptr;
+  recipe.lights.reset();
+  if (lights.lightsRead > 0)
+    recipe.lights = InWorldUnit(lights);
+  return recipe;
+}
+
+Recipe EditorDocument::withoutLights() const {
+  Recipe recipe;
+  recipe.relief = _recipe.relief;
+  return recipe;
+}
+
+void EditorDocument::tryLights(const LM_style& lights) {
+  if (isEmpty())
+    return;
+  _tried = withLights(lights);
+  Q_EMIT shownChanged();
+}
+
+void EditorDocument::stopTrying() {
+  if (!_tried)
+    return;
+  _tried.reset();
+  Q_EMIT shownChanged();
+}
+
+void EditorDocument::keep(Recipe recipe, const QString& step) {
+  if (isEmpty())
+    return;
+  const bool hasSource = recipe.relief == _recipe.relief;
+  Step back = _stepBack(step, {});
+  _tried.reset();
+  _recipe = std::move(recipe);
+  if (_recipe.isLit())
+    _lastLit = _recipe;
+  _present.recipe = ++_lastNumber;
+  _record(std::move(back));
+  Q_EMIT recipeChanged();
+  if (!hasSource)
+    Q_EMIT reliefChanged();
+  Q_EMIT shownChanged();
+  Q_EMIT stateChanged();
+}
+
+vips::VImage EditorDocument::litPlanes() {
+  return _recipe.isLit() ? _original.lit(_recipe, _selection)
+                         : limn::PlanesOf(_original.photograph);
+}
+
 std::vector<EditorDocument::Buffer> EditorDocument::_buffers() {
-  limn::Photograph& photograph = _image.photograph;
+  limn::Photograph& photograph = _original.photograph;
   const auto numPlanes = static_cast<size_t>(photograph.numPlanes);
   std::vector<Buffer> buffers{{photograph.pixels.data(), numPlanes}};
   if (isDeep())
     buffers.push_back({photograph.deep.data(), numPlanes * vips_format_sizeof(photograph.depth)});
-  for (limn::GreyImage& channel : _channels)
+  for (limn::GreyImage& channel : _original.channels)
     buffers.push_back({channel.pixels.data(), 1});
   return buffers;
 }
 
-EditorDocument::Step EditorDocument::_stepBack(const QRect& pixelArea) {
-  Step step{pixelArea, {}, _pixelState, _selection, _position};
+EditorDocument::Step EditorDocument::_stepBack(const QString& name, const QRect& pixelArea) {
+  Step step{name, _present, _recipe, _selection.area, {}, pixelArea, {}};
   if (pixelArea.isEmpty())
     return step;
   for (const Buffer& buffer : _buffers()) {
@@ -143,27 +195,33 @@ EditorDocument::Step EditorDocument::_stepBack(const QRect& pixelArea) {
   return step;
 }
 
-void EditorDocument::_record(Step step) {
-  _redo.clear();
-  _position = ++_lastPosition;
-  _undo.push_back(std::move(step));
+size_t EditorDocument::undoBytes() const {
   size_t total = 0;
   for (const Step& kept : _undo)
     total += kept.bytes();
-  while (_undo.size() > 1 && total > UNDO_BYTES) {
+  return total;
+}
+
+void EditorDocument::_record(Step step) {
+  _redo.clear();
+  _undo.push_back(std::move(step));
+  for (size_t total = undoBytes(); _undo.size() > 1 && total > UNDO_BYTES;) {
     total -= _undo.front().bytes();
     _undo.pop_front();
   }
 }
 
 void EditorDocument::_exchange(Step& step) {
-  std::swap(step.selection, _selection);
-  std::swap(step.pixelState, _pixelState);
-  std::swap(step.position, _position);
+  const QImage mask = step.mask.apply(_selection.mask);
+  step.mask = MaskChange(mask, _selection.mask);
+  _selection.mask = mask;
+  std::swap(step.area, _selection.area);
+  std::swap(step.recipe, _recipe);
+  std::swap(step.content, _present);
   const std::vector<Buffer> buffers = _buffers();
   // Channels that were added since the step are not in it.
   for (size_t i = 0; i < std::min(buffers.size(), step.planes.size()); ++i)
-    ForRows(step.area, size().width(), buffers[i].pixelBytes, buffers[i].data,
+    ForRows(step.pixelArea, size().width(), buffers[i].pixelBytes, buffers[i].data,
             [&](uint8_t* row, size_t at, size_t length) {
               std::swap_ranges(row, row + length, step.planes[i].data() + at);
             });
@@ -174,23 +232,128 @@ void EditorDocument::_move(std::deque<Step>& from, std::deque<Step>& to) {
     return;
   Step step = std::move(from.back());
   from.pop_back();
-  const bool changesPixels = !step.area.isEmpty();
-  const QRect area = step.area;
-  _exchange(step);
+  _tried.reset();
+  const bool changesPixels = !step.pixelArea.isEmpty();
+  const bool hasSource = step.recipe.relief == _recipe.relief;
+  {
+    std::unique_lock lock(_lock, std::defer_lock);
+    if (changesPixels)
+      lock.lock();
+    _exchange(step);
+    if (changesPixels)
+      _notePixels();
+  }
   to.push_back(std::move(step));
   if (changesPixels)
-    Q_EMIT pixelsChanged(area);
+    Q_EMIT pixelsChanged();
   Q_EMIT selectionChanged();
+  Q_EMIT recipeChanged();
+  if (!hasSource)
+    Q_EMIT reliefChanged();
+  Q_EMIT shownChanged();
   Q_EMIT stateChanged();
 }
 
+// Puts the area's pixels in the place of the original's.
+CVResult EditorDocument::_light(const QRect& area, const GoOn& goOn) {
+  if (!_recipe.isLit())
+    return {};
+  limn::Photograph lit;
+  lit.width = area.width();
+  lit.height = area.height();
+  lit.numPlanes = photograph().numPlanes;
+  lit.depth = photograph().depth;
+  std::vector<uint8_t> samples = limn::LitSamples(_original.lit(_recipe, _selection),
+                                                  {area.x(), area.y(), area.width(), area.height()},
+                                                  Encoded(_originalPath), goOn);
+  if (samples.empty())
+    return {CVOutcome::Cancelled, 0, "cancelled"};
+  std::vector<std::vector<uint8_t>> planes;
+  if (isDeep()) {
+    lit.deep = std::move(samples);
+    planes.push_back(limn::DecodedPixels(limn::InBytes(limn::PlanesOf(lit))));
+    planes.push_back(std::move(lit.deep));
+  } else {
+    planes.push_back(std::move(samples));
+  }
+  const std::vector<Buffer> buffers = _buffers();
+  for (size_t i = 0; i < planes.size(); ++i)
+    ForRows(area, size().width(), buffers[i].pixelBytes, buffers[i].data,
+            [&](uint8_t* row, size_t at, size_t length) {
+              std::copy_n(planes[i].data() + at, length, row);
+            });
+  return {};
+}
+
+// Runs `change` on the area's pixels as one step; when it fails nothing has changed.
+CVResult EditorDocument::_changePixels(const QString& name,
+                                       const std::function<CVResult()>& change) {
+  const QRect area = filterArea();
+  const CVResult result = CVGuarded("the picture's pixels", [&]() -> CVResult {
+    const std::unique_lock lock(_lock);
+    Step step = _stepBack(name, area);
+    CVResult changed = CVGuarded("the picture's pixels", [&]() -> CVResult {
+      try {
+        return change();
+      } catch (const limn::Failure& failure) {
+        return {CVOutcome::Failed, 0, failure.what()};
+      }
+    });
+    if (!changed.ok()) {
+      _exchange(step);
+      return changed;
+    }
+    _present.pixels = ++_lastNumber;
+    _present.recipe = _lastNumber;
+    _notePixels();
+    _record(std::move(step));
+    return changed;
+  });
+  if (!result.ok())
+    return result;
+  _tried.reset();
+  Q_EMIT pixelsChanged();
+  Q_EMIT recipeChanged();
+  Q_EMIT shownChanged();
+  Q_EMIT stateChanged();
+  return result;
+}
+
+CVResult EditorDocument::bake(const QString& step, const GoOn& goOn, const Recipe& next) {
+  if (!_recipe.isLit()) {
+    if (next.isLit())
+      keep(next, step);
+    return {};
+  }
+  const Recipe kept = next.isLit() ? next : withoutLights();
+  return _changePixels(step, [&] {
+    CVResult lit = _light(filterArea(), goOn);
+    _recipe = kept;
+    return lit;
+  });
+}
+
+CVResult EditorDocument::change(const QString& step, const Filter& filter, const GoOn& goOn) {
+  return _changePixels(step, [&] {
+    CVResult lit = _light(filterArea(), goOn);
+    if (!lit.ok())
+      return lit;
+    _recipe = withoutLights();
+    return _run(filter, filterArea());
+  });
+}
+
+CVResult EditorDocument::ask(const Filter& filter) {
+  return CVGuarded("the filter's dialog", [&] { return _run(filter, filterArea()); });
+}
+
 CVResult EditorDocument::_wrap(CVDocument& document, QImage& mask) {
-  limn::Photograph& photograph = _image.photograph;
+  limn::Photograph& photograph = _original.photograph;
   const auto width = static_cast<size_t>(photograph.width);
   CVResult result =
       document.wrap(photograph.pixels.data(), width * static_cast<size_t>(photograph.numPlanes),
                     photograph.width, photograph.height, CV_MODE_RGB, photograph.numPlanes);
-  for (limn::GreyImage& channel : _channels)
+  for (limn::GreyImage& channel : _original.channels)
     if (result.ok())
       result = document.wrapChannel(limn::ChannelName(channel.file), channel.pixels.data(), width);
   if (result.ok() && !mask.isNull())
@@ -202,81 +365,27 @@ CVResult EditorDocument::_run(const Filter& filter, const QRect& area) {
   QImage mask = _selection.mask;
   CVDocument document;
   const CVResult wrapped = _wrap(document, mask);
-  return wrapped.ok() ? filter(document, ContractRect(area)) : wrapped;
+  const auto side = [](int value) { return static_cast<int16_t>(value); };
+  const CVRect rect = {side(area.y()), side(area.x()), side(area.y() + area.height()),
+                       side(area.x() + area.width())};
+  return wrapped.ok() ? filter(document, rect) : wrapped;
 }
 
-CVResult EditorDocument::change(const Filter& filter) {
-  const QRect area = filterArea();
-  CVResult result = CVGuarded("the filter's run", [&]() -> CVResult {
-    Step step = _stepBack(area);
-    CVResult filtered = _run(filter, area);
-    if (filtered.ok()) {
-      _pixelState = ++_lastState;
-      _record(std::move(step));
-    }
-    return filtered;
-  });
-  if (result.ok()) {
-    Q_EMIT pixelsChanged(area);
-    Q_EMIT stateChanged();
-  }
-  return result;
-}
-
-CVResult EditorDocument::ask(const Filter& filter) {
-  return CVGuarded("the filter's run", [&] {
-    CVResult result = _run(filter, filterArea());
-    if (result.ok()) // and has lit the 8 bits
-      _image.photograph.pixels =
-          limn::DecodedPixels(limn::InBytes(limn::PlanesOf(_image.photograph)));
-    return result;
-  });
-}
-
-CVResult EditorDocument::light(std::shared_ptr<const foo> parameters,
-                               const std::function<bool(double)>& goOn) {
-  const QRect area = filterArea();
-  const limn_area part{area.x(), area.y(), area.width(), area.height()};
-  const CVResult result = CVGuarded("the lighting", [&]() -> CVResult {
-    limn::LitSettings settings{};
-    settings.parameters = std::move(parameters);
-    settings.area = part;
-    for (limn::GreyImage& channel : _channels)
-      settings.channels.push_back(limn::BandOf(channel, true));
-    QImage mask = _selection.mask;
-    if (!mask.isNull())
-      settings.mask = BandOf(mask);
-    try {
-      Step step{area, {}, ++_lastState, _selection, _position};
-      limn::Photograph lit;
-      lit.width = part.width;
-      lit.height = part.height;
-      lit.numPlanes = _image.photograph.numPlanes;
-      lit.depth = _image.photograph.depth;
-      lit.deep =
-          limn::LitSamples(_image.photograph, settings, part, _image.path.toStdString(), goOn);
-      if (lit.deep.empty())
-        return {CVOutcome::Cancelled, 0, "cancelled"};
-      step.planes.push_back(limn::DecodedPixels(limn::InBytes(limn::PlanesOf(lit))));
-      step.planes.push_back(std::move(lit.deep));
-      _exchange(step);
-      _record(std::move(step));
-      return {};
-    } catch (const limn::Failure& failure) {
-      return {CVOutcome::Failed, 0, failure.what()};
-    }
-  });
-  if (result.ok()) {
-    Q_EMIT pixelsChanged(area);
-    Q_EMIT stateChanged();
-  }
-  return result;
+EditorDocument::Content EditorDocument::_content() const {
+  // What is selected shows in nothing but light.
+  return _recipe.isLit() ? _present : Content{_present.pixels, 0, 0};
 }
 
 void EditorDocument::noteSaved(const QString& path) {
-  _image.path = path;
-  _image.mayBeReplaced = true;
-  _savedState = _pixelState;
+  const bool overwrites = QFileInfo(path) == QFileInfo(_originalPath);
+  _path = path;
+  _mayBeReplaced = true;
+  _saved = _content();
+  if (overwrites && (_saved.pixels != 0 || _recipe.isLit())) {
+    const std::unique_lock lock(_lock);
+    _isOverwritten = true;
+    _original.file.clear();
+  }
   Q_EMIT stateChanged();
 }
 

@@ -1,114 +1,142 @@
-// The image being edited: its pixels, its channels, the selection, and the way back.
+// The picture being edited: what is lit, how it is lit, what is selected, and the way back.
 #pragma once
 
 #include "ImageFiles.h"
+#include "MaskChange.h"
+#include "Original.h"
+#include "Recipe.h"
 
 #include "CVDocument.h"
-#include "reduced_photograph.h"
 
-#include <QImage>
 #include <QObject>
-#include <QRect>
 #include <QStringList>
 
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <memory>
+#include <shared_mutex>
 #include <vector>
-
-struct foo;
 
 namespace editor {
 
-// What a filter works on. area: in image pixels; empty means the whole image. mask: 8-bit grey, as
-// large as the image, 255 fully selected; null means that everything is selected.
-struct Selection {
-  QRect area;
-  QImage mask;
-  bool operator==(const Selection& other) const {
-    return area == other.area && mask.cacheKey() == other.mask.cacheKey();
-  }
-};
-
-// Every change of pixels or selection can be undone, back to the opening of the image or until the
-// steps hold more memory than UNDO_BYTES (the latest one is always kept).
+// Light is a recipe beside the original pixels, and changes none of them until it is baked. Every
+// change of recipe, selection or pixels is a step that can be undone, back to the opening of the
+// picture or until the steps hold more memory than UNDO_BYTES (the latest one is always kept). All
+// is called on the window's thread, unless it says otherwise.
 class EditorDocument : public QObject {
   Q_OBJECT
 
 public:
   static constexpr size_t UNDO_BYTES = size_t{512} << 20;
 
-  // Takes an image over, without selection, further channels and steps.
+  // Takes an image over, unlit, without selection, further channels and steps.
   void setImage(OpenedImage image);
-  bool isEmpty() const { return _image.photograph.pixels.empty(); }
-  const OpenedImage& image() const { return _image; }
-  QSize size() const { return {_image.photograph.width, _image.photograph.height}; }
+  bool isEmpty() const { return _original.photograph.pixels.empty(); }
+  QString path() const { return _path; }
+  // Writing the picture to its path loses nothing that the file held.
+  bool mayBeReplaced() const { return _mayBeReplaced; }
+  const limn::Photograph& photograph() const { return _original.photograph; }
+  QSize size() const { return _original.size(); }
   QRect bounds() const { return {QPoint(0, 0), size()}; }
   // Of more than 8 bits a channel: shown, and given to filters, in 8 bits, and lit as it is.
-  bool isDeep() const { return _image.photograph.depth != VIPS_FORMAT_UCHAR; }
-  // `area` of the pixels in 32-bit colour; alpha and further channels are not shown.
-  QImage colours(const QRect& area) const;
+  bool isDeep() const { return photograph().depth != VIPS_FORMAT_UCHAR; }
 
-  // `area` of the image, of its further channels and of the selection's mask, its longer side
-  // reduced to `longestSide`. Looks at some pixels only, so that it takes a few milliseconds for an
-  // image of any size.
-  limn::ReducedPhotograph reduced(const QRect& area, int longestSide) const;
+  // For other threads: who holds the lock shared may read the original and its number, which is
+  // another one after each change of its pixels or channels.
+  std::shared_mutex& lock() { return _lock; }
+  Original& original() { return _original; }
+  int originalNumber() const { return _originalNumber; }
 
-  // Appends a channel for filters to read. It is not written with the image. False when its sides
-  // are not the image's.
+  // Appends a channel for relief and for filters to read. It is not written with the image. False
+  // when its sides are not the image's.
   bool addChannel(limn::GreyImage channel);
   QStringList channelNames() const;
-  // The files of the appended channels.
-  std::vector<std::string> channelFiles() const;
 
   const Selection& selection() const { return _selection; }
-  // As one step that can be undone; `area` is cut to the image.
+  // As one step; `area` is cut to the image.
   void select(Selection selection);
-  // The area that a filter runs on.
+  // The area that is lit, and that a filter runs on.
   QRect filterArea() const;
 
-  // Runs `filter` on an image that is not deep, and the filter area, as one step that can be undone
-  // when it answers Done; otherwise nothing has changed.
+  const Recipe& recipe() const { return _recipe; }
+  // The recipe's lights, in WORLD_UNIT; null when it has none.
+  const LM_style* lights() const { return _recipe.lights ? &*_recipe.lights : nullptr; }
+  // What is to be seen: the recipe, or what is tried in its place.
+  const Recipe& shown() const { return _tried ? *_tried : _recipe; }
+  // The recipe with other lights, whatever unit these are in; without any it is unlit.
+  Recipe withLights(const LM_style& lights) const;
+  // Without any light, and with its source of heights.
+  Recipe withoutLights() const;
+  // Shows other lights without keeping them, until something is kept or stopTrying.
+  void tryLights(const LM_style& lights);
+  void stopTrying();
+  // Makes it the recipe. step: what undoing it is called, "Move Light".
+  void keep(Recipe recipe, const QString& step);
+  void keepLights(const LM_style& lights, const QString& step) { keep(withLights(lights), step); }
+  // The latest recipe that lit the picture, also after it was baked or undone; may be unlit.
+  const Recipe& lastLit() const { return _lastLit; }
+
+  // The whole picture as it is to be saved, in its own depth: made while it is written. Throws as
+  // Original::lit.
+  vips::VImage litPlanes();
+
+  // Makes the light pixels, and then `next` the recipe, as one step. goOn: gets 0 … 1, and answers
+  // whether to.
+  using GoOn = std::function<bool(double)>;
+  CVResult bake(const QString& step, const GoOn& goOn, const Recipe& next = {});
+  // Bakes, and runs `filter` on the 8 bits and the filter area, as one step when it answers Done;
+  // otherwise nothing has changed. Not for deep images.
   using Filter = std::function<CVResult(CVDocument&, CVRect)>;
-  CVResult change(const Filter& filter);
-  // Lets `filter` see a deep image, whatever it does to it, for what it asks the user.
+  CVResult change(const QString& step, const Filter& filter, const GoOn& goOn);
+  // Lets `filter` see the original. It is ended before it answers Done.
   CVResult ask(const Filter& filter);
-  // Lights a deep image and the filter area with the filter's parameters, as one such step. goOn:
-  // gets 0 … 1, and answers whether to.
-  CVResult light(std::shared_ptr<const foo> parameters, const std::function<bool(double)>& goOn);
 
   bool canUndo() const { return !_undo.empty(); }
   bool canRedo() const { return !_redo.empty(); }
-  // A number of its own for each point of this history: the same again after going back to it.
-  int position() const { return _position; }
+  // What the next step back, or forth, is called; empty when there is none.
+  QString undoName() const { return canUndo() ? _undo.back().name : QString(); }
+  QString redoName() const { return canRedo() ? _redo.back().name : QString(); }
   void undo() { _move(_undo, _redo); }
   void redo() { _move(_redo, _undo); }
+  // What the steps hold.
+  size_t undoBytes() const;
 
-  // Whether the pixels differ from those of the file.
-  bool isModified() const { return _pixelState != _savedState; }
-  // The image is now what `path` holds; it may be saved there again.
+  // Whether the picture differs from its file.
+  bool isModified() const { return _content() != _saved; }
+  // The picture, lit, is now what `path` holds; it may be saved there again.
   void noteSaved(const QString& path);
-  // For writing; what the writer has to say is added to its notices.
-  limn::Photograph& photograph() { return _image.photograph; }
-
+  // Whether the file that was opened still holds the original.
+  bool hasOriginalFile() const { return !_original.file.empty(); }
+  QString originalPath() const { return _originalPath; }
 Q_SIGNALS:
   void opened();
-  void pixelsChanged(const QRect& area);
+  void pixelsChanged();
   void selectionChanged();
   void channelsChanged();
+  void recipeChanged();
+  // The source of heights, which is part of the recipe.
+  void reliefChanged();
+  // What is to be seen: with the recipe, or because something is tried.
+  void shownChanged();
   // Modification, steps, channels or name.
   void stateChanged();
 
 private:
+  // Numbers of their own for each content that pixels, recipe and selection ever had.
+  struct Content {
+    int pixels = 0, recipe = 0, selection = 0;
+    bool operator==(const Content&) const = default;
+  };
   // One step: what to exchange with the document to go back, or forth again. planes: the bytes of
-  // `area`, of the image (of a deep one in 8 bits and as it is) and then of each further channel.
+  // `pixelArea`, of the image (of a deep one in 8 bits and as it is) and then of each channel.
   struct Step {
-    QRect area; // empty when the pixels stay
+    QString name;
+    Content content;
+    Recipe recipe;
+    QRect area;
+    MaskChange mask;
+    QRect pixelArea; // empty when the pixels stay
     std::vector<std::vector<uint8_t>> planes;
-    int pixelState = 0;
-    Selection selection;
-    int position = 0;
     size_t bytes() const;
   };
   struct Buffer {
@@ -116,23 +144,30 @@ private:
     size_t pixelBytes;
   };
 
+  Content _content() const;
   std::vector<Buffer> _buffers();
-  Step _stepBack(const QRect& pixelArea);
+  Step _stepBack(const QString& name, const QRect& pixelArea);
+  CVResult _light(const QRect& area, const GoOn& goOn);
   void _record(Step step);
   void _move(std::deque<Step>& from, std::deque<Step>& to);
   void _exchange(Step& step);
+  void _notePixels();
   CVResult _wrap(CVDocument& document, QImage& mask);
   CVResult _run(const Filter& filter, const QRect& area);
+  CVResult _changePixels(const QString& step, const std::function<CVResult()>& change);
 
-  OpenedImage _image;
-  std::vector<limn::GreyImage> _channels;
+  Original _original;
+  std::shared_mutex _lock;
+  int _originalNumber = 0;
+  QString _path, _originalPath;
+  bool _mayBeReplaced = false;
+  bool _isOverwritten = false; // the file that was opened has other pixels by now
   Selection _selection;
+  Recipe _recipe, _lastLit;
+  std::optional<Recipe> _tried;
   std::deque<Step> _undo, _redo;
-  int _pixelState = 0; // a number of its own for each content the pixels ever had
-  int _savedState = 0;
-  int _lastState = 0;
-  int _position = 0;
-  int _lastPosition = 0;
+  Content _present, _saved;
+  int _lastNumber = 0;
 };
 
 } // namespace editor

@@ -1,4 +1,4 @@
-// The editor's filter: found in the plug-in folder, run on the image.
+// The editor's filter: found in the plug-in folder, asked for a recipe, or run on the image.
 #pragma once
 
 #include "EditorDocument.h"
@@ -16,31 +16,32 @@ class FilterProgress;
 // installed. Otherwise than with Done `plugin` is not loaded.
 CVResult LoadFilter(CVPlugin& plugin);
 
+// Limn's own plug-in is asked for lights, which become the document's recipe; any other changes
+// pixels.
 class FilterRunner {
 public:
   explicit FilterRunner(CVPlugin plugin) : _session(std::move(plugin)) {}
 
+  // Limn's own.
+  bool isOwn() const;
   bool isLoaded() const { return _session.plugin().isLoaded(); }
-  // A run has left parameters to repeat.
-  bool canRepeat() const { return isLoaded() && _session.hasParameters(); }
+  // There is something to repeat.
+  bool canRepeat(const EditorDocument& document) const;
 
-  // Runs the filter as one step that can be undone; a deep image is lit with the parameters that
-  // the run would have taken. owner: the window to keep alive; it is blocked meanwhile. title: for
-  // the progress.
+  // With Yes, opens the filter's dialog; with No, does again what a filter other than ours last
+  // did. title: for the progress, and what undoing it is called. owner: the window to keep
+  // alive; it is blocked meanwhile.
   CVResult run(EditorDocument& document, CVDialog dialog, const QString& title, QWidget* owner);
-  // Makes these the parameters to repeat.
-  CVResult setParameters(const void* bytes, size_t size) {
-    return _session.setParameters(bytes, size);
-  }
-  // The parameters of the last run.
-  std::vector<uint8_t> parameters() const { return _session.parameters(); }
   CVResult about() { return _session.about(nullptr); }
   bool isRunning() const { return _running; }
 
 private:
-  CVResult _runDeep(EditorDocument& document, CVRunOptions& options, FilterProgress& progress);
+  CVResult _ask(EditorDocument& document, CVRunOptions& options, FilterProgress& progress,
+                const QString& title);
+  CVResult _run(EditorDocument& document, CVRunOptions& options, FilterProgress& progress,
+                const QString& title);
 
-  CVFilterSession _session;
+  CVFilterSession _session; // of a filter that changes pixels
   bool _running = false;
 };
 

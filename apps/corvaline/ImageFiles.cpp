@@ -4,12 +4,18 @@
 #include "failure.h"
 #include "image_library.h"
 #include "image_output.h"
+#include "image_source.h"
 
 #include <QFile>
 #include <QFileInfo>
 
+#include <mutex>
+
 namespace editor {
 namespace {
+
+// What libvips complains about is told from what others read and write only one at a time.
+std::mutex oneAtATime;
 
 QString Patterns(limn::Use use) {
   QStringList patterns;
@@ -35,20 +41,38 @@ std::string SaveOptions(const QString& path) {
 }
 
 OpenedImage OpenImageFile(const QString& path) {
+  const std::lock_guard lock(oneAtATime);
   OpenedImage image{limn::ReadPhotograph(Encoded(path), VIPS_FORMAT_FLOAT), path, false};
   image.mayBeReplaced = image.photograph.notices.empty() && IsWritable(path);
   return image;
 }
 
 limn::GreyImage OpenChannelFile(const QString& path) {
+  const std::lock_guard lock(oneAtATime);
   return limn::ReadGreyImage(Encoded(path));
 }
 
-QStringList SaveImageFile(limn::Photograph& photograph, const QString& path) {
+LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubject& subject) {
+  const std::lock_guard lock(oneAtATime);
+  const std::string file = limn::ShownName(subject.path);
+  const limn::Complaints complaints;
+  try {
+    LM_height_plane plane = limn::HeightPlane(source, subject);
+    complaints.Check(limn::ExitCode::BadInput, file);
+    return plane;
+  } catch (...) {
+    throw limn::CaughtLibraryFailure(limn::ExitCode::BadInput, file);
+  }
+}
+
+QStringList SaveImageFile(limn::Photograph& photograph, const vips::VImage& planes,
+                          const QString& path) {
+  const std::lock_guard lock(oneAtATime);
   const limn::OutputName name{Encoded(path), SaveOptions(path)};
   limn::CheckOutputFormat(name);
   photograph.notices.clear();
-  limn::WritePhotograph(photograph, name, limn::ResolveTarget(name.path), limn::Existing::Replace);
+  limn::WritePhotograph(photograph, planes, name, limn::ResolveTarget(name.path),
+                        limn::Existing::Replace);
   QStringList notices;
   for (const std::string& notice : photograph.notices)
     notices << QString::fromStdString(notice);

@@ -1,6 +1,7 @@
 // Opening and saving images, in the words of the desktop.
 #pragma once
 
+#include "height_image.h"
 #include "image_file.h"
 
 #include <QString>
@@ -22,12 +23,17 @@ std::string Encoded(const QString& path);
 // Starts libvips, once in the program, before the others are used. Throws limn::Failure.
 void StartImageFiles();
 
-// All of these throw limn::Failure, whose sentence names the file.
+// All of these throw limn::Failure, whose sentence names the file. On any thread; one waits for the
+// other.
 OpenedImage OpenImageFile(const QString& path);
 limn::GreyImage OpenChannelFile(const QString& path);
-// Replaces what is at `path`, which keeps its old content until the new one is complete. Its
-// extension decides the format. Answers what the format could not hold, a sentence each.
-QStringList SaveImageFile(limn::Photograph& photograph, const QString& path);
+LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubject& subject);
+// Writes these pixels of the photograph's depth, which may still have to be lit, with all that it
+// says beside its own. Replaces what is at `path`, which keeps its old content until the new one is
+// complete. Its extension decides the format. Answers what the format could not hold, a sentence
+// each.
+QStringList SaveImageFile(limn::Photograph& photograph, const vips::VImage& planes,
+                          const QString& path);
 
 // libvips' save options, in brackets, with which images are written under such a name.
 std::string SaveOptions(const QString& path);

@@ -1,70 +1,59 @@
 #include "ImageLevels.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace editor {
-namespace {
 
-constexpr int SMALLEST_LEVEL = 64;
+using vips::VImage;
 
-QRgb Mean(QRgb a, QRgb b, QRgb c, QRgb d) {
-  return qRgb((qRed(a) + qRed(b) + qRed(c) + qRed(d) + 2) / 4,
-              (qGreen(a) + qGreen(b) + qGreen(c) + qGreen(d) + 2) / 4,
-              (qBlue(a) + qBlue(b) + qBlue(c) + qBlue(d) + 2) / 4);
+static constexpr int SMALLEST_LEVEL = 64;
+
+VImage Resized(const VImage& image, QSize size) {
+  if (image.width() == size.width() && image.height() == size.height())
+    return image;
+  return image.resize(
+      static_cast<double>(size.width()) / image.width(),
+      VImage::option()->set("vscale", static_cast<double>(size.height()) / image.height()));
 }
 
-// Makes `area` of the half-size picture again. The edge of an odd side counts twice. Pictures that
-// there was no memory for stay as they are.
-void Halve(const QImage& whole, QImage& half, const QRect& area) {
-  if (whole.isNull() || half.bits() == nullptr)
-    return;
-  for (int y = area.top(); y <= area.bottom(); ++y) {
-    const auto* upper = reinterpret_cast<const QRgb*>(whole.constScanLine(2 * y));
-    const auto* lower =
-        reinterpret_cast<const QRgb*>(whole.constScanLine(std::min(2 * y + 1, whole.height() - 1)));
-    auto* into = reinterpret_cast<QRgb*>(half.scanLine(y));
-    for (int x = area.left(); x <= area.right(); ++x) {
-      const int right = std::min(2 * x + 1, whole.width() - 1);
-      into[x] = Mean(upper[2 * x], upper[right], lower[2 * x], lower[right]);
-    }
-  }
+ImageLevels::ImageLevels(const VImage& image) {
+  _levels.push_back(image);
+  while (std::max(_levels.back().width(), _levels.back().height()) > SMALLEST_LEVEL)
+    _levels.push_back(
+        _levels.back().shrink(2, 2, VImage::option()->set("ceil", true)).copy_memory());
 }
 
-} // namespace
-
-ImageLevels::ImageLevels(const QImage& image) {
-  _levels.push_back(image.convertToFormat(QImage::Format_RGB32));
-  while (std::max(_levels.back().width(), _levels.back().height()) > SMALLEST_LEVEL) {
-    const QImage& whole = _levels.back();
-    QImage half((whole.width() + 1) / 2, (whole.height() + 1) / 2, QImage::Format_RGB32);
-    Halve(whole, half, half.rect());
-    _levels.push_back(half);
-  }
-}
-
-void ImageLevels::replace(QPoint place, const QImage& part) {
-  QRect area(place, part.size());
-  QPainter(&_levels.front()).drawImage(place, part);
-  for (size_t level = 1; level < _levels.size(); ++level) {
-    area.setCoords(area.left() / 2, area.top() / 2, area.right() / 2, area.bottom() / 2);
-    Halve(_levels[level - 1], _levels[level], area);
-  }
-}
-
-void ImageLevels::draw(QPainter& painter, const QRectF& target, const QRectF& source,
-                       double pixelSize) const {
+// The smallest level that is not smaller than that share of the picture.
+const VImage& ImageLevels::_levelFor(double shareX, double shareY) const {
+  const VImage& whole = _levels.front();
   size_t level = 0;
-  while (level + 1 < _levels.size() && pixelSize <= 0.5) {
-    pixelSize *= 2.0;
+  while (level + 1 < _levels.size() && _levels[level + 1].width() >= shareX * whole.width() &&
+         _levels[level + 1].height() >= shareY * whole.height())
     ++level;
-  }
-  const QImage& image = _levels[level];
-  const double scaleX = static_cast<double>(image.width()) / size().width();
-  const double scaleY = static_cast<double>(image.height()) / size().height();
-  painter.setRenderHint(QPainter::SmoothPixmapTransform, pixelSize < 1.0);
-  painter.drawImage(target, image,
-                    QRectF(source.x() * scaleX, source.y() * scaleY, source.width() * scaleX,
-                           source.height() * scaleY));
+  return _levels[level];
+}
+
+VImage ImageLevels::at(QSize size) const {
+  const VImage& whole = _levels.front();
+  return Resized(_levelFor(static_cast<double>(size.width()) / whole.width(),
+                           static_cast<double>(size.height()) / whole.height()),
+                 size);
+}
+
+VImage ImageLevels::part(const QRect& area, QSize size) const {
+  const VImage& whole = _levels.front();
+  const VImage& level = _levelFor(static_cast<double>(size.width()) / area.width(),
+                                  static_cast<double>(size.height()) / area.height());
+  const auto place = [](int at, int full, int reduced) {
+    return static_cast<int>(std::lround(static_cast<double>(at) * reduced / full));
+  };
+  const int left = std::min(place(area.x(), whole.width(), level.width()), level.width() - 1);
+  const int top = std::min(place(area.y(), whole.height(), level.height()), level.height() - 1);
+  const int right = place(area.x() + area.width(), whole.width(), level.width());
+  const int bottom = place(area.y() + area.height(), whole.height(), level.height());
+  return Resized(
+      level.extract_area(left, top, std::max(1, right - left), std::max(1, bottom - top)), size);
 }
 
 } // namespace editor

@@ -1,32 +1,35 @@
-// A picture with its halves, quarters and so on, so that it can be drawn small quickly and well.
+// A picture with its halves, quarters and so on, so that it is made small quickly and well.
 #pragma once
 
-#include <QImage>
-#include <QPainter>
-#include <QRectF>
+#include <QRect>
+#include <QSize>
 
 #include <vector>
+#include <vips/vips8>
 
 namespace editor {
 
-// Copies share their pixels until one of them changes.
+// The image at that size, each pixel the mean of those that it covers, or a little more. Pixels are
+// made when asked for. Throws vips::VError.
+vips::VImage Resized(const vips::VImage& image, QSize size);
+
 class ImageLevels {
 public:
   ImageLevels() = default;
-  explicit ImageLevels(const QImage& image);
+  // The image's pixels are in memory, and stay its owner's. Throws vips::VError.
+  explicit ImageLevels(const vips::VImage& image);
 
   bool isNull() const { return _levels.empty(); }
-  QSize size() const { return isNull() ? QSize() : _levels.front().size(); }
 
-  // Replaces a part of the picture, its top-left at `place`.
-  void replace(QPoint place, const QImage& part);
-
-  // Draws the part `source` (in pixels of the picture) into `target`. pixelSize: device pixels that
-  // one pixel of the picture covers; above 1 pixels show as squares.
-  void draw(QPainter& painter, const QRectF& target, const QRectF& source, double pixelSize) const;
+  // The whole picture at a size that is no larger than its own. Pixels are made when asked for.
+  vips::VImage at(QSize size) const;
+  // A part of it, in pixels of the picture, at a size that is no larger than the part's.
+  vips::VImage part(const QRect& area, QSize size) const;
 
 private:
-  std::vector<QImage> _levels; // each half as large as the one before, rounded up; 32-bit colour
+  const vips::VImage& _levelFor(double shareX, double shareY) const;
+
+  std::vector<vips::VImage> _levels; // each half as large as the one before, rounded up
 };
 
 } // namespace editor

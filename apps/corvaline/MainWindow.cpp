@@ -1,5 +1,7 @@
 #include "MainWindow.h"
 
+#include "EditorTexts.h"
+
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QFileInfo>
@@ -27,29 +29,49 @@ MainWindow::MainWindow(CVPlugin plugin)
   _makeFileMenu();
   _makeEditMenu();
   _makeViewMenu();
+  _makeLightMenu();
   _makeFilterMenu();
   _makeToolBar();
   _makeStatusBar();
   _useIcons();
   connect(&_document, &EditorDocument::stateChanged, this, &MainWindow::_showState);
   connect(_canvas, &Canvas::zoomChanged, this, &MainWindow::_showZoom);
+  connect(_canvas, &Canvas::waiting, this, [this](bool isWaiting) {
+    _lightFact->setText(isWaiting ? tr("Lighting …") : QString());
+  });
+  connect(_canvas, &Canvas::failed, this, [this](const QString& problem) {
+    statusBar()->showMessage(tr("The image could not be lit.") + " " + TranslatedProblem(problem));
+  });
   _showState();
   resize(1100, 760);
   _canvas->setFocus();
 }
 
+// What works on the document in threads of its own goes first.
+MainWindow::~MainWindow() {
+  delete _styles;
+  delete _canvas;
+}
+
 void MainWindow::_showState() {
   const bool hasImage = !_document.isEmpty();
-  const QString name = QFileInfo(_document.image().path).fileName();
+  const QString name = QFileInfo(_document.path()).fileName();
   setWindowTitle(hasImage ? name + "[*] – Corvaline" : QString("Corvaline"));
   setWindowModified(_document.isModified());
   for (QAction* action : std::as_const(_imageActions))
     action->setEnabled(hasImage);
   _undo->setEnabled(_document.canUndo());
+  const auto withStep = [](const QString& text, QString step) {
+    return text.arg(step.replace('&', "&&")).trimmed();
+  };
+  _undo->setText(withStep(tr("&Undo %1"), _document.undoName()));
   _redo->setEnabled(_document.canRedo());
+  _redo->setText(withStep(tr("&Redo %1"), _document.redoName()));
   _lighting->setEnabled(hasImage && _filter.isLoaded());
-  _copyCommand->setEnabled(hasImage && _lastRun.has_value());
-  _repeat->setEnabled(hasImage && _filter.canRepeat());
+  _copyCommand->setEnabled(hasImage && _document.recipe().isLit());
+  _repeat->setEnabled(hasImage && _filter.canRepeat(_document));
+  _bake->setEnabled(_document.recipe().isLit());
+  _unlight->setEnabled(_document.recipe().isLit());
   const QStringList channels = _document.channelNames();
   QString facts;
   if (hasImage)
@@ -58,9 +80,8 @@ void MainWindow::_showState() {
                 .arg(_document.size().height())
                 .arg(channels.size());
   if (_document.isDeep())
-    facts +=
-        ", " + (_document.image().photograph.depth == VIPS_FORMAT_USHORT ? tr("16 bits a channel")
-                                                                         : tr("float"));
+    facts += ", " + (_document.photograph().depth == VIPS_FORMAT_USHORT ? tr("16 bits a channel")
+                                                                        : tr("float"));
   _imageFacts->setText(facts);
   _imageFacts->setToolTip(channels.join("\n"));
   _showZoom();
@@ -70,21 +91,6 @@ void MainWindow::_showZoom() {
   _zoomFact->setText(_document.isEmpty()
                          ? QString()
                          : tr("%1 %").arg(locale().toString(_canvas->zoom() * 100, 'g', 3)));
-}
-
-bool MainWindow::runFilter(CVDialog dialog) {
-  if (_document.isEmpty() || _filter.isRunning() || !_filter.isLoaded())
-    return false;
-  const CommandFacts facts = _commandFacts();
-  const CVResult result = _filter.run(_document, dialog, tr("Lighting"), this);
-  if (result.ok())
-    _lastRun = facts;
-  _showState();
-  // Who cancelled knows, and who was told by the filter need not be told again.
-  if (!result.ok() && result.outcome != CVOutcome::Cancelled &&
-      result.outcome != CVOutcome::Stopped)
-    _complain(tr("The image could not be lit."), QString::fromStdString(result.message));
-  return result.ok();
 }
 
 void MainWindow::selectAll() {
@@ -106,7 +112,7 @@ bool MainWindow::_mayLose() {
   if (!_document.isModified())
     return true;
   QMessageBox box(QMessageBox::Question, "Corvaline",
-                  tr("Save the changes to “%1”?").arg(QFileInfo(_document.image().path).fileName()),
+                  tr("Save the changes to “%1”?").arg(QFileInfo(_document.path()).fileName()),
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
   box.setTextFormat(Qt::PlainText);
   box.setInformativeText(tr("Without saving they are lost."));

@@ -12,10 +12,6 @@
 #include <QMainWindow>
 #include <QSpinBox>
 
-#include <optional>
-
-struct LM_style;
-
 namespace editor {
 
 class MainWindow : public QMainWindow {
@@ -24,6 +20,7 @@ class MainWindow : public QMainWindow {
 public:
   // plugin: the filter; when it is not loaded its menu entries are disabled.
   explicit MainWindow(CVPlugin plugin);
+  ~MainWindow() override;
 
   // These tell the user what went wrong and answer whether it went well. Opening asks first what to
   // do with unsaved changes.
@@ -32,12 +29,12 @@ public:
   bool loadChannel(const QString& path);
   // Lighting… with Yes, Repeat with No.
   bool runFilter(CVDialog dialog);
-  // Lights the image with a style, as choosing it in the dialog and OK would. name: a style file,
-  // its JSON form, or a style's name.
-  bool applyStyle(const LM_style& style);
+  // Lights the image with a style: a style file, its JSON form, or a style's name.
   bool applyStyle(const QString& name);
-  // Puts the limn apply command on the clipboard that does what the last run of the filter did.
-  // maskPath: where to write the mask that it needs if one was painted.
+  // Makes the light pixels.
+  bool bake();
+  // Puts the limn apply command on the clipboard that lights the original like this. maskPath:
+  // where to write the mask that it needs if one was painted.
   bool copyCommand(const QString& maskPath);
 
   EditorDocument& document() { return _document; }
@@ -65,18 +62,7 @@ protected:
 
 private:
   enum class Needs { Nothing, Image };
-
-  // What a run of the filter depends on beside its parameters.
-  struct CommandFacts {
-    QString path;
-    QRect area; // of the image; the whole of it
-    bool isWhole;
-    QImage mask;
-    std::vector<std::string> channels;
-    bool wasModified; // the image was no longer that of the file
-    VipsBandFormat depth;
-  };
-  CommandFacts _commandFacts() const;
+  static constexpr int NOTICE_MILLISECONDS = 8000; // that a notice stays
 
   template <typename Slot>
   QAction* _add(QMenu* menu, const QString& icon, const QString& text,
@@ -88,12 +74,16 @@ private:
   void _makeViewMenu();
   void _makeFilterMenu();
   void _makeStylePanel(QMenu* menu);
-  void _tryStyle(const LM_style& style);
+  void _makeLightMenu();
+  void _tellResult(const CVResult& result);
+  // Tells how far something is in the status bar, %1 percent, when it takes a while.
+  EditorDocument::GoOn _progress(const QString& text);
   void _makeToolBar();
   void _makeStatusBar();
   void _showState();
   void _showZoom();
   void _useIcons();
+  QStringList _write(const QString& path);
   bool _mayLose(); // asks about unsaved changes; true to go on
   void _complain(const QString& what, const QString& why);
   QString _folder() const;
@@ -106,11 +96,10 @@ private:
   QList<QAction*> _imageActions; // those that need an image
   QAction *_open = nullptr, *_save = nullptr, *_undo = nullptr, *_redo = nullptr;
   QAction *_lighting = nullptr, *_repeat = nullptr, *_original = nullptr, *_fit = nullptr;
-  QAction* _copyCommand = nullptr;
+  QAction *_copyCommand = nullptr, *_bake = nullptr, *_unlight = nullptr;
   QList<QAction*> _tools;
   QSpinBox* _brushSize = nullptr;
-  std::optional<CommandFacts> _lastRun;
-  QLabel *_imageFacts = nullptr, *_zoomFact = nullptr;
+  QLabel *_imageFacts = nullptr, *_zoomFact = nullptr, *_lightFact = nullptr;
 };
 
 } // namespace editor

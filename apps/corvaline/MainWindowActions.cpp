@@ -64,9 +64,11 @@ void MainWindow::_makeFileMenu() {
 
 void MainWindow::_makeEditMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Edit"));
-  _undo = _add(menu, "undo", tr("&Undo"), QKeySequence::keyBindings(QKeySequence::Undo),
-               tr("Take the last change back"), Needs::Nothing, [this] { _document.undo(); });
-  _redo = _add(menu, "redo", tr("&Redo"), {QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")},
+  _undo = _add(menu, "undo", tr("&Undo %1").arg(QString()),
+               QKeySequence::keyBindings(QKeySequence::Undo), tr("Take the last change back"),
+               Needs::Nothing, [this] { _document.undo(); });
+  _redo = _add(menu, "redo", tr("&Redo %1").arg(QString()),
+               {QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")},
                tr("Make the change again that was taken back"), Needs::Nothing,
                [this] { _document.redo(); });
   menu->addSeparator();
@@ -123,18 +125,38 @@ void MainWindow::_makeViewMenu() {
   // The key works while it is held, so it is no shortcut; the menu shows it as one.
   _original =
       _add(menu, "original", tr("&Before") + "\tO", {},
-           tr("Show the image as it was opened; hold O for a short look"), Needs::Image, [] {});
+           tr("Show the image without light; hold O for a short look"), Needs::Image, [] {});
   _original->setCheckable(true);
   connect(_original, &QAction::toggled, _canvas, &Canvas::showOriginal);
+  QAction* split = _add(menu, "", tr("Before &and After"), {QKeySequence("Y")},
+                        tr("Show the image without light to the left of a line; drag the line"),
+                        Needs::Image, [] {});
+  split->setCheckable(true);
+  connect(split, &QAction::toggled, _canvas, &Canvas::showSplit);
+  QAction* ends =
+      _add(menu, "", tr("&Clipped Pixels"), {QKeySequence("K")},
+           tr("Mark pixels that are burnt (red) or drowned (blue)"), Needs::Image, [] {});
+  ends->setCheckable(true);
+  connect(ends, &QAction::toggled, _canvas, &Canvas::markEnds);
   menu->addSeparator();
   _makeStylePanel(menu);
+}
+
+void MainWindow::_makeLightMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Light"));
+  _bake = _add(menu, "", tr("&Bake"), {QKeySequence("Ctrl+B")},
+               tr("Make the light pixels, so that more light can be put on top"), Needs::Nothing,
+               &MainWindow::bake);
+  _unlight = _add(menu, "", tr("&Remove Light"), {QKeySequence("Ctrl+Shift+L")},
+                  tr("Show and save the image without light"), Needs::Nothing,
+                  [this] { _document.keep(_document.withoutLights(), tr("Remove Light")); });
 }
 
 void MainWindow::_makeFilterMenu() {
   QMenu* menu = menuBar()->addMenu(tr("Fi&lter"));
   _repeat = _add(menu, "repeat", tr("&Repeat"), {QKeySequence("Ctrl+F")},
-                 tr("Light the image again with the same settings"), Needs::Nothing,
-                 [this] { runFilter(CVDialog::No); });
+                 tr("Make the light pixels, and light the image again with the same settings"),
+                 Needs::Nothing, [this] { runFilter(CVDialog::No); });
   menu->addSeparator();
   _lighting =
       _add(menu, "lighting", tr("&Lighting…"), {QKeySequence("Ctrl+L")},
@@ -168,8 +190,10 @@ void MainWindow::_makeToolBar() {
 }
 
 void MainWindow::_makeStatusBar() {
+  _lightFact = new QLabel(this);
   _imageFacts = new QLabel(this);
   _zoomFact = new QLabel(this);
+  statusBar()->addPermanentWidget(_lightFact);
   statusBar()->addPermanentWidget(_imageFacts);
   statusBar()->addPermanentWidget(_zoomFact);
 }

@@ -1,4 +1,4 @@
-// The last run of the filter as a command for the terminal.
+// How the image is lit, as a command for the terminal.
 #include "MainWindow.h"
 
 #include "apply_command.h"
@@ -13,8 +13,6 @@
 
 namespace editor {
 namespace {
-
-constexpr int NOTICE_MILLISECONDS = 8000;
 
 // Where the command writes: beside the image, never over it, and as the editor would.
 std::string OutputFor(const QFileInfo& image, VipsBandFormat depth) {
@@ -36,52 +34,48 @@ std::string AreaWords(const QRect& area) {
 
 } // namespace
 
-MainWindow::CommandFacts MainWindow::_commandFacts() const {
-  return {_document.image().path,
-          _document.filterArea(),
-          _document.filterArea() == _document.bounds(),
-          _document.selection().mask,
-          _document.channelFiles(),
-          _document.isModified(),
-          _document.image().photograph.depth};
-}
-
 bool MainWindow::copyCommand(const QString& maskPath) {
-  if (!_lastRun)
+  const Recipe& recipe = _document.recipe();
+  if (!recipe.isLit())
     return false;
-  const CommandFacts& run = *_lastRun;
   const QString title = tr("The command could not be copied.");
-  const auto style = limn::StyleOfBlock(_filter.parameters(), run.area.width(), run.area.height());
-  if (!style) {
+  if (!recipe.lights) {
     _complain(title, tr("No style lights the image exactly like this."));
     return false;
   }
-  if (!run.mask.isNull() && !SaveMask(run.mask, maskPath)) {
+  const Selection& selection = _document.selection();
+  if (!selection.mask.isNull() && !SaveMask(selection.mask, maskPath)) {
     _complain(title, tr("The mask could not be saved."));
     return false;
   }
-  const QFileInfo image(run.path);
-  const std::string command = limn::CommandLine(
-      {*style, Encoded(image.absoluteFilePath()), OutputFor(image, run.depth),
-       run.isWhole ? "" : AreaWords(run.area), run.mask.isNull() ? "" : Encoded(maskPath),
-       run.channels, 0, false, run.depth != VIPS_FORMAT_UCHAR});
-  if (limn::HasControls(command)) {
+  const QFileInfo image(_document.originalPath());
+  limn::ApplyCommand command{};
+  command.style = *recipe.lights;
+  command.relief = recipe.relief;
+  command.image = Encoded(image.absoluteFilePath());
+  command.output = OutputFor(image, _document.photograph().depth);
+  command.area = selection.area.isEmpty() ? "" : AreaWords(selection.area);
+  command.mask = selection.mask.isNull() ? "" : Encoded(maskPath);
+  for (const limn::GreyImage& channel : _document.original().channels)
+    command.channels.push_back(channel.file);
+  command.wasLitDeep = true;
+  const std::string line = limn::CommandLine(command);
+  if (limn::HasControls(line)) {
     _complain(title, tr("A file's name has characters that a terminal takes for keys."));
     return false;
   }
-  QGuiApplication::clipboard()->setText(QFile::decodeName(command.c_str()));
-  statusBar()->showMessage(
-      run.wasModified
-          ? tr("Copied the command of the last step; the image was no longer that of its file")
-          : tr("Copied the command"),
-      NOTICE_MILLISECONDS);
+  QGuiApplication::clipboard()->setText(QFile::decodeName(line.c_str()));
+  statusBar()->showMessage(_document.hasOriginalFile()
+                               ? tr("Copied the command")
+                               : tr("Copied the command; the file no longer has what is lit here"),
+                           NOTICE_MILLISECONDS);
   return true;
 }
 
 void MainWindow::chooseAndCopyCommand() {
   QString maskPath;
-  if (_lastRun && !_lastRun->mask.isNull()) {
-    const QFileInfo image(_lastRun->path);
+  if (!_document.selection().mask.isNull()) {
+    const QFileInfo image(_document.originalPath());
     maskPath = QFileDialog::getSaveFileName(
         this, tr("Save the mask as"),
         image.absolutePath() + "/" + image.completeBaseName() + "-mask.png", "PNG (*.png)");

@@ -13,8 +13,6 @@
 namespace editor {
 namespace {
 
-constexpr int NOTICE_MILLISECONDS = 8000;
-
 // Waits for something short with the pointer saying so.
 class Busy {
 public:
@@ -47,7 +45,7 @@ QString Joined(const std::vector<std::string>& notices) {
 
 QString MainWindow::_folder() const {
   if (!_document.isEmpty())
-    return QFileInfo(_document.image().path).absolutePath();
+    return QFileInfo(_document.path()).absolutePath();
   const QStringList recent = RecentFiles::files();
   return recent.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
                           : QFileInfo(recent.first()).absolutePath();
@@ -58,7 +56,6 @@ bool MainWindow::open(const QString& path) {
     return false;
   const QString problem = Problem([&] {
     OpenedImage image = OpenImageFile(path);
-    _lastRun.reset();
     _document.setImage(std::move(image));
   });
   if (!problem.isEmpty()) {
@@ -67,10 +64,26 @@ bool MainWindow::open(const QString& path) {
     return false;
   }
   _recent->add(path);
-  const QString notices = Joined(_document.image().photograph.notices);
+  const QString notices = Joined(_document.photograph().notices);
   if (!notices.isEmpty())
     statusBar()->showMessage(QFileInfo(path).fileName() + ": " + notices, NOTICE_MILLISECONDS);
   return true;
+}
+
+// Lights the original while it is written, and tells how far that is when it takes a while.
+QStringList MainWindow::_write(const QString& path) {
+  struct Teller {
+    EditorDocument::GoOn tell;
+
+    static void Tell(VipsImage*, VipsProgress* progress, Teller* teller) {
+      teller->tell(progress->percent / 100.0);
+    }
+  };
+  Teller teller{_progress(tr("Saving, %1 %"))};
+  const vips::VImage planes = _document.litPlanes();
+  vips_image_set_progress(planes.get_image(), TRUE);
+  g_signal_connect(planes.get_image(), "eval", G_CALLBACK(Teller::Tell), &teller);
+  return SaveImageFile(_document.original().photograph, planes, path);
 }
 
 bool MainWindow::saveTo(const QString& path) {
@@ -79,7 +92,7 @@ bool MainWindow::saveTo(const QString& path) {
   QStringList notices;
   const QString problem =
       IsWritable(path)
-          ? Problem([&] { notices = SaveImageFile(_document.photograph(), path); })
+          ? Problem([&] { notices = _write(path); })
           : tr("%1: choose a name that ends in .jpg, .png, .tif or another known format").arg(path);
   if (!problem.isEmpty()) {
     _complain(tr("The image could not be saved."), problem);
@@ -137,16 +150,16 @@ void MainWindow::chooseAndLoadChannel() {
 }
 
 bool MainWindow::save() {
-  if (!_document.isEmpty() && !_document.image().mayBeReplaced)
+  if (!_document.isEmpty() && !_document.mayBeReplaced())
     return saveAs();
-  return saveTo(_document.image().path);
+  return saveTo(_document.path());
 }
 
 bool MainWindow::saveAs() {
   if (_document.isEmpty())
     return false;
-  const QFileInfo old(_document.image().path);
-  const QString suffix = OutputSuffix(old.filePath(), _document.image().photograph.depth);
+  const QFileInfo old(_document.path());
+  const QString suffix = OutputSuffix(old.filePath(), _document.photograph().depth);
   QFileDialog dialog(this, tr("Save the image as"), _folder(),
                      tr("Images") + " (" + WritablePatterns() + ")");
   dialog.setAcceptMode(QFileDialog::AcceptSave);

@@ -10,7 +10,10 @@
 #include <QPixmap>
 #include <QStringList>
 #include <QStyle>
+#include <QVBoxLayout>
 
+#include <shared_mutex>
+#include <stdexcept>
 #include <utility>
 
 namespace editor {
@@ -36,8 +39,12 @@ StyleList::StyleList(QWidget* parent) : QListWidget(parent) {
   setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
   setViewportMargins(SPACE / 2, SPACE / 2, 0, 0);
   setAccessibleName(tr("Styles"));
+  setMouseTracking(true);
   connect(this, &QListWidget::itemClicked, this,
           [this](QListWidgetItem* item) { Q_EMIT chosen(row(item)); });
+  connect(this, &QListWidget::itemEntered, this,
+          [this](QListWidgetItem* item) { Q_EMIT hovered(row(item)); });
+  connect(this, &QAbstractItemView::viewportEntered, this, [this] { Q_EMIT hovered(-1); });
 }
 
 QSize StyleList::sizeHint() const {
@@ -51,47 +58,81 @@ void StyleList::keyPressEvent(QKeyEvent* event) {
     Q_EMIT chosen(currentRow());
   else if (IsLetter(*event))
     event->ignore();
-  else
+  else {
+    const int before = currentRow();
     QListWidget::keyPressEvent(event);
+    if (currentRow() != before)
+      Q_EMIT hovered(currentRow());
+  }
 }
 
-StylePanel::StylePanel(const EditorDocument& document, QWidget* parent)
-    : QDockWidget(tr("Styles"), parent), _document(document), _list(new StyleList(this)),
-      _thumbnails(new StyleThumbnails(this)) {
+bool StyleList::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::Leave)
+    Q_EMIT hovered(-1);
+  return QListWidget::viewportEvent(event);
+}
+
+void StyleList::focusOutEvent(QFocusEvent* event) {
+  QListWidget::focusOutEvent(event);
+  Q_EMIT hovered(-1);
+}
+
+StylePanel::StylePanel(EditorDocument& document, QWidget* parent)
+    : QDockWidget(tr("Styles"), parent), _document(document), _search(new QLineEdit(this)),
+      _list(new StyleList(this)), _thumbnails(new StyleThumbnails(this)) {
   setObjectName("styles");
   setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
   setFeatures(DockWidgetClosable | DockWidgetMovable);
-  setWidget(_list);
+  _search->setPlaceholderText(tr("Search"));
+  _search->setAccessibleName(tr("Search for a style"));
+  _search->setClearButtonEnabled(true);
+  auto* content = new QWidget(this);
+  auto* column = new QVBoxLayout(content);
+  column->setContentsMargins({});
+  column->setSpacing(SPACE / 2);
+  column->addWidget(_search);
+  column->addWidget(_list);
+  content->setFocusProxy(_list);
+  setWidget(content);
+  connect(_search, &QLineEdit::textChanged, this, &StylePanel::_filter);
   _delay.setSingleShot(true);
   _delay.setInterval(DELAY);
   connect(&_delay, &QTimer::timeout, this, &StylePanel::_refresh);
-  connect(&_document, &EditorDocument::opened, &_delay, qOverload<>(&QTimer::start));
-  connect(&_document, &EditorDocument::pixelsChanged, &_delay, qOverload<>(&QTimer::start));
-  connect(&_document, &EditorDocument::selectionChanged, &_delay, qOverload<>(&QTimer::start));
-  connect(&_document, &EditorDocument::channelsChanged, this, [this] {
-    _pictured = _tried = NEVER;
-    _delay.start();
-  });
+  for (const auto change :
+       {&EditorDocument::opened, &EditorDocument::pixelsChanged, &EditorDocument::selectionChanged,
+        &EditorDocument::channelsChanged, &EditorDocument::reliefChanged})
+    connect(&_document, change, this, &StylePanel::_noteChange);
   connect(_thumbnails, &StyleThumbnails::made, this, &StylePanel::_setPicture);
   connect(_thumbnails, &StyleThumbnails::finished, this, [this] { _areMade = true; });
   connect(_list, &StyleList::chosen, this, [this](int row) {
-    // Held by value: the image changes below, and with it the list.
-    const LM_style style = _styles[static_cast<size_t>(row)];
-    Q_EMIT chosen(style);
+    Q_EMIT chosen(_styles[static_cast<size_t>(row)], _list->item(row)->text());
+  });
+  connect(_list, &StyleList::hovered, this, [this](int row) {
+    if (row < 0)
+      Q_EMIT left();
+    else
+      Q_EMIT hovered(_styles[static_cast<size_t>(row)]);
   });
 }
 
-bool StylePanel::_isPictured() const {
-  return _document.position() == _pictured || isTried();
+void StylePanel::_noteChange() {
+  _isStale = true;
+  _delay.start();
 }
 
-bool StylePanel::isUpToDate() const {
-  return _areMade && _isPictured();
+void StylePanel::_filter(const QString& words) {
+  for (int row = 0; row < _list->count(); ++row)
+    _list->setRowHidden(row, !_list->item(row)->text().contains(words, Qt::CaseInsensitive));
 }
 
 void StylePanel::showEvent(QShowEvent* event) {
   QDockWidget::showEvent(event);
   _delay.start();
+}
+
+void StylePanel::hideEvent(QHideEvent* event) {
+  QDockWidget::hideEvent(event);
+  Q_EMIT left();
 }
 
 // Rows stay as they are while the library has the same names.
@@ -113,10 +154,11 @@ void StylePanel::_readStyles() {
     auto* item = new QListWidgetItem(name, _list);
     item->setToolTip(ToolTipOf(name));
   }
+  _filter(_search->text());
 }
 
 void StylePanel::_refresh() {
-  if (!isVisible() || _isPictured())
+  if (!isVisible() || !_isStale)
     return;
   _thumbnails->cancel();
   _areMade = false;
@@ -124,19 +166,26 @@ void StylePanel::_refresh() {
     _list->clear();
     return;
   }
-  _pictured = _document.position();
-  _tried = NEVER;
+  _isStale = false;
   const auto side = static_cast<int>(PICTURE * devicePixelRatioF());
-  limn::ReducedPhotograph photograph = _document.reduced(_document.filterArea(), side);
+  const QRect area = _document.filterArea();
+  limn::ReducedPhotograph size;
+  size.fullWidth = area.width();
+  size.fullHeight = area.height();
+  limn::FitReduction(size, side);
   _readStyles();
-  const QSize shown = QSize(photograph.width, photograph.height) / devicePixelRatioF();
+  const QSize shown = QSize(size.width, size.height) / devicePixelRatioF();
   _list->setIconSize(shown);
   _list->setGridSize({PICTURE + SPACE, shown.height() + fontMetrics().height() + 2 * SPACE});
-  const QImage unlit = ThumbnailImage(photograph, limn::UnlitThumbnail(photograph));
-  for (int row = 0; row < _list->count(); ++row)
-    if (_list->item(row)->icon().isNull())
-      _setPicture(row, unlit);
-  _thumbnails->make(std::move(photograph), _styles);
+  _thumbnails->make(
+      [this, area, side, number = _document.originalNumber(), mask = _document.selection().mask,
+       relief = _document.recipe().relief] {
+        const std::shared_lock lock(_document.lock());
+        if (_document.originalNumber() != number)
+          throw std::runtime_error("the picture is another one by now");
+        return _document.original().reduced(area, mask, relief, side);
+      },
+      _styles);
 }
 
 void StylePanel::_setPicture(int row, const QImage& picture) {
@@ -145,6 +194,9 @@ void StylePanel::_setPicture(int row, const QImage& picture) {
   // A selected one keeps its colours: they are what is to be seen.
   QIcon icon(pixmap);
   icon.addPixmap(pixmap, QIcon::Selected);
+  for (int other = 0; row == StyleThumbnails::UNLIT && other < _list->count(); ++other)
+    if (_list->item(other)->icon().isNull())
+      _list->item(other)->setIcon(icon);
   if (QListWidgetItem* item = _list->item(row))
     item->setIcon(icon);
 }

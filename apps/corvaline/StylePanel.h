@@ -5,6 +5,7 @@
 #include "StyleThumbnails.h"
 
 #include <QDockWidget>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QTimer>
 
@@ -12,7 +13,8 @@
 
 namespace editor {
 
-// Enter or a click on a picture chooses its style. Letters stay the window's shortcuts.
+// Enter or a click on a picture chooses its style; the pointer, or the keyboard's frame, shows it.
+// Letters stay the window's shortcuts.
 class StyleList : public QListWidget {
   Q_OBJECT
 
@@ -23,48 +25,52 @@ public:
 
 Q_SIGNALS:
   void chosen(int row);
+  // What the pointer or the keyboard rests on; −1 when that is none.
+  void hovered(int row);
 
 protected:
   void keyPressEvent(QKeyEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
 };
 
-// Makes its pictures again when the image, its channels or the selection have changed, a moment
-// later and only while it is to be seen. While styles are tried one after the other they stay
-// pictures of the image without any.
+// Makes its pictures again when the image, its channels, its source of heights or the selection
+// have changed, a moment later and only while it is to be seen. They show the styles on the
+// original.
 class StylePanel : public QDockWidget {
   Q_OBJECT
 
 public:
-  StylePanel(const EditorDocument& document, QWidget* parent);
+  StylePanel(EditorDocument& document, QWidget* parent);
 
   StyleList& list() { return *_list; }
-  // All pictures are made, of the present image, or of the one that the present style was tried on.
-  bool isUpToDate() const;
-  // The image is the one of the pictures in a style that was chosen here: it can be undone for
-  // another one.
-  bool isTried() const { return _document.position() == _tried; }
-  void noteTried() { _tried = _document.position(); }
+  QLineEdit& search() { return *_search; }
+  // All pictures are made, of the present image.
+  bool isUpToDate() const { return _areMade && !_isStale; }
 
 Q_SIGNALS:
-  void chosen(const LM_style& style);
+  void chosen(const LM_style& style, const QString& name);
+  void hovered(const LM_style& style);
+  void left();
 
 protected:
   void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
 
 private:
-  bool _isPictured() const;
+  void _noteChange();
+  void _filter(const QString& words);
   void _refresh();
   void _readStyles();
   void _setPicture(int row, const QImage& picture);
 
-  const EditorDocument& _document;
+  EditorDocument& _document;
+  QLineEdit* _search;
   StyleList* _list;
   StyleThumbnails* _thumbnails;
   QTimer _delay;
   std::vector<LM_style> _styles; // a row each
-  static constexpr int NEVER = -1;
-  int _pictured = NEVER; // the position in the document's history that the pictures are of
-  int _tried = NEVER;    // the one after it, where a style was chosen
+  bool _isStale = true;          // the image is another one than the pictures are of
   bool _areMade = false;
 };
 

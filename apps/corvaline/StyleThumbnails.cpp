@@ -41,9 +41,18 @@ StyleThumbnails::~StyleThumbnails() {
   _pool.waitForDone();
 }
 
-void StyleThumbnails::make(limn::ReducedPhotograph photograph, std::vector<LM_style> styles) {
+void StyleThumbnails::make(Reduce reduce, std::vector<LM_style> styles) {
   const int turn = ++_turn;
-  _pool.start([this, turn, photograph = std::move(photograph), styles = std::move(styles)] {
+  _pool.start([this, turn, reduce = std::move(reduce), styles = std::move(styles)] {
+    limn::ReducedPhotograph photograph;
+    try {
+      photograph = reduce();
+    } catch (const std::exception&) {
+      Q_EMIT finishedFor(turn);
+      return;
+    }
+    vips_thread_shutdown();
+    Q_EMIT madeFor(turn, UNLIT, ThumbnailImage(photograph, limn::UnlitThumbnail(photograph)));
     for (size_t i = 0; i < styles.size(); ++i) {
       if (turn != _turn)
         return;

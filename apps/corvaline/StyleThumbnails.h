@@ -10,6 +10,7 @@
 #include <QThreadPool>
 
 #include <atomic>
+#include <functional>
 #include <vector>
 
 namespace editor {
@@ -25,8 +26,12 @@ public:
   explicit StyleThumbnails(QObject* parent);
   ~StyleThumbnails() override; // waits for the one picture at work
 
-  // Makes the pictures of all styles, in their order. Those asked for before are forgotten.
-  void make(limn::ReducedPhotograph photograph, std::vector<LM_style> styles);
+  // Makes the picture without light, as number UNLIT, and then those of all styles, in their order.
+  // Those asked for before are forgotten. reduce: makes the photograph, on the other thread; when
+  // it throws there are no pictures.
+  using Reduce = std::function<limn::ReducedPhotograph()>;
+  static constexpr int UNLIT = -1;
+  void make(Reduce reduce, std::vector<LM_style> styles);
   void cancel() { ++_turn; }
 
 Q_SIGNALS:

@@ -81,11 +81,12 @@ bool LightDeep(const CVFilterSession& session, Sources& sources, const std::stri
   if (settings.parameters == nullptr)
     throw Failure(ExitCode::Refused, file + ": the plug-in lights 8 bits a channel alone");
   Photograph& photograph = sources.photograph;
-  std::vector<uint8_t> lit = LitSamples(
-      photograph, settings, {0, 0, photograph.width, photograph.height}, file, [&](double share) {
-        window.Show(share);
-        return !window.IsCancelled();
-      });
+  std::vector<uint8_t> lit =
+      LitSamples(LitPlanes(photograph, settings, file), {0, 0, photograph.width, photograph.height},
+                 file, [&](double share) {
+                   window.Show(share);
+                   return !window.IsCancelled();
+                 });
   if (lit.empty())
     return false;
   photograph.deep = std::move(lit);

@@ -25,14 +25,27 @@ std::string FileWord(const std::string& name) {
   return ShellWord(name.starts_with('-') ? "./" + name : name);
 }
 
+// A file is the one source that the style's JSON cannot name.
+std::string FileRelief(const LM_height_source& relief) {
+  if (relief.kind != LM_height_kind::File)
+    return "";
+  std::string words = " --relief " + FileWord(relief.file);
+  if (relief.smoothing != LM_USUAL)
+    words += " --relief-smoothing " + std::to_string(relief.smoothing);
+  if (relief.detail != LM_USUAL)
+    words += " --relief-detail " + std::to_string(relief.detail);
+  words += relief.fit ? " --relief-fit" : "";
+  return words + (relief.invert ? " --relief-invert" : "");
+}
+
 } // namespace
 
-std::string ShortJson(const LM_style& style) {
+std::string ShortJson(const LM_style& style, const LM_height_source& relief) {
   LM_style least = LM_NewStyle();
   least.lights[0] = LM_NewStyleLight();
   least.lightsRead = least.numLights = 1;
   const Json defaults = Json::parse(LM_StyleToJson(least));
-  Json settings = Json::parse(LM_StyleToJson(style));
+  Json settings = Json::parse(LM_StyleToJson(style, relief));
   DropDefaults(settings, defaults);
   for (Json& light : settings["lights"])
     DropDefaults(light, defaults["lights"][0]);
@@ -64,7 +77,8 @@ std::string CommandLine(const ApplyCommand& command) {
     line += " --max-pixels " + std::to_string(command.maxPixels);
   if (!command.wasLitDeep) // whatever the files hold
     line += " --depth 8";
-  return line + " --style " + ShellWord(ShortJson(command.style));
+  return line + FileRelief(command.relief) + " --style " +
+         ShellWord(ShortJson(command.style, command.relief));
 }
 
 bool HasControls(const std::string& line) {

@@ -3,6 +3,7 @@
 
 #include "lighting.h"
 
+#include "LM_height_source.h"
 #include "LM_style.h"
 
 #include <cstdint>
@@ -22,13 +23,15 @@ struct ApplyCommand {
   uint64_t maxPixels = 0; // 0: not named
   bool force = false;
   bool wasLitDeep = false; // with all that the files hold; else with 8 bits, as the dialog does
+  LM_height_source relief; // not resolved
 };
 
 // The command, for a shell. It names the files as they are named here, and holds the whole style.
 std::string CommandLine(const ApplyCommand& command);
 
-// A style as JSON on one line, settings left out that a new style or light has anyway.
-std::string ShortJson(const LM_style& style);
+// A style as JSON on one line, settings left out that a new style or light has anyway. relief: as
+// LM_StyleToJson has it.
+std::string ShortJson(const LM_style& style, const LM_height_source& relief = {});
 
 // One word for a shell, quoted if need be.
 std::string ShellWord(const std::string& word);

@@ -44,6 +44,20 @@ LitSettings SettingsFor(Surroundings& surroundings, bool isDeep) {
   return settings;
 }
 
+void UseHeights(const LM_height_source& source, int numPlanes, LitSettings& settings,
+                const std::function<vips::VImage()>& heights) {
+  const int numChannels = numPlanes + static_cast<int>(settings.channels.size());
+  if (source.kind == LM_height_kind::None) {
+    settings.style.bumpChannel = 0;
+  } else if (source.kind == LM_height_kind::Channel && source.channel <= numChannels &&
+             LM_IsPlain(source)) {
+    settings.style.bumpChannel = static_cast<int16_t>(source.channel);
+  } else if (source.kind != LM_height_kind::Style) {
+    settings.channels.push_back(heights());
+    settings.style.bumpChannel = static_cast<int16_t>(numChannels + 1);
+  }
+}
+
 std::shared_ptr<const foo> ParametersOfBlock(const std::vector<uint8_t>& block) {
   if (block.size() < sizeof(foo))
     return nullptr;
@@ -54,15 +68,22 @@ std::shared_ptr<const foo> ParametersOfBlock(const std::vector<uint8_t>& block) 
   return parameters;
 }
 
-std::vector<uint8_t> LitSamples(Photograph& photograph, const LitSettings& settings,
-                                const limn_area& part, const std::string& file,
-                                const std::function<bool(double)>& goOn) {
+vips::VImage LitPlanes(Photograph& photograph, const LitSettings& settings,
+                       const std::string& file) {
+  try {
+    return LitImage(PlanesOf(photograph), settings);
+  } catch (...) {
+    throw CaughtLibraryFailure(ExitCode::Refused, file);
+  }
+}
+
+std::vector<uint8_t> LitSamples(const vips::VImage& image, const limn_area& part,
+                                const std::string& file, const std::function<bool(double)>& goOn) {
   Asker asker{goOn};
   if (!goOn(0))
     return {};
   try {
-    const vips::VImage lit = LitImage(PlanesOf(photograph), settings)
-                                 .extract_area(part.x, part.y, part.width, part.height);
+    const vips::VImage lit = image.extract_area(part.x, part.y, part.width, part.height);
     vips_image_set_progress(lit.get_image(), TRUE);
     g_signal_connect(lit.get_image(), "eval", G_CALLBACK(Asker::Ask), &asker);
     std::vector<uint8_t> samples = DecodedPixels(lit);

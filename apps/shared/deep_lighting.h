@@ -4,6 +4,7 @@
 
 #include "lighting.h"
 
+#include "LM_height_source.h"
 #include "lit_image.h"
 
 #include <cstdint>
@@ -19,14 +20,22 @@ vips::VImage BandOf(GreyImage& grey, bool isDeep);
 // The surroundings for such a pipeline, likewise. What lights is still to be set.
 LitSettings SettingsFor(Surroundings& surroundings, bool isDeep);
 
+// Makes the source the relief of settings.style. numPlanes: the image's own, which the settings'
+// channels follow. heights: makes those that are none of these, as one more channel.
+void UseHeights(const LM_height_source& source, int numPlanes, LitSettings& settings,
+                const std::function<vips::VImage()>& heights);
+
 // The parameters in a block as a filter session keeps it. Null when the bytes are none.
 std::shared_ptr<const foo> ParametersOfBlock(const std::vector<uint8_t>& block);
 
-// The samples of a part of a photograph of more than 8 bits, row after row, lit to the bytes of
-// limn apply. file: its name, for messages. goOn: gets 0 … 1, and answers whether to; empty when
-// not. Throws Failure.
-std::vector<uint8_t> LitSamples(Photograph& photograph, const LitSettings& settings,
-                                const limn_area& part, const std::string& file,
-                                const std::function<bool(double)>& goOn);
+// The photograph lit in its own depth, when its pixels are asked for; it is borrowed. file: its
+// name, for messages. Throws Failure.
+vips::VImage LitPlanes(Photograph& photograph, const LitSettings& settings,
+                       const std::string& file);
+
+// The samples of a part of a lit image, row after row. file: its name, for messages. goOn: gets
+// 0 … 1, and answers whether to; empty when not. Throws Failure.
+std::vector<uint8_t> LitSamples(const vips::VImage& image, const limn_area& part,
+                                const std::string& file, const std::function<bool(double)>& goOn);
 
 } // namespace limn

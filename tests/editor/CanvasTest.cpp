@@ -1,6 +1,9 @@
 // The view: zoom and pan, the rectangle, the brush, before and after; with a real mouse's events.
 #include "EditorRun.h"
 
+#include "thumbnail.h"
+
+#include <QColorSpace>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -128,17 +131,30 @@ TEST_F(EditorRun, TheHandAndTheMiddleButtonPan) {
   }
 }
 
-TEST_F(EditorRun, TheImageAsOpenedShowsWhileItsKeyIsHeld) {
+TEST_F(EditorRun, TheImageWithoutLightShowsWhileItsKeyIsHeldAndBesideTheLine) {
   open(makePicture("picture.png"));
-  const auto view = [&] { return window->canvas().viewport()->grab().toImage(); };
+  Canvas& canvas = window->canvas();
+  const auto view = [&] { return canvas.viewport()->grab().toImage(); };
   const QImage before = view();
-  ASSERT_TRUE(lightWithDialog());
+  ASSERT_TRUE(window->applyStyle("Campfire"));
+  shown();
   const QImage after = view();
   ASSERT_NE(before, after);
   QTest::keyPress(window.get(), Qt::Key_O);
   EXPECT_EQ(view(), before);
   QTest::keyRelease(window.get(), Qt::Key_O);
   EXPECT_EQ(view(), after);
+
+  action("Before and After")->trigger();
+  Drag(canvas.viewport(), at(WIDTH / 2, 10), at(20, 40));
+  const QImage split = view();
+  const auto isSame = [&](const QImage& other, int x) {
+    return split.pixel(at(x, 5)) == other.pixel(at(x, 5));
+  };
+  EXPECT_TRUE(isSame(before, 10));
+  EXPECT_FALSE(isSame(after, 10));
+  EXPECT_TRUE(isSame(after, 50)) << "the line was dragged to the left";
+  EXPECT_TRUE(window->document().selection().area.isEmpty());
 }
 
 TEST_F(EditorRun, ThePictureIsDrawnAsItIs) {
@@ -150,4 +166,68 @@ TEST_F(EditorRun, ThePictureIsDrawnAsItIs) {
     const QPoint place = window->canvas().toViewport(QPointF(pixel)).toPoint();
     EXPECT_EQ(view.pixelColor(place).name().toStdString(), expected.name().toStdString());
   }
+}
+
+// Zoomed in, a frame has some of the pixels; zoomed out, those of a thumbnail of that size.
+TEST_F(EditorRun, EveryZoomShowsTheSameLight) {
+  open(makePicture("picture.png", 4));
+  window->document().select({QRect(20, 10, 50, 40), plane([](int x, int y) { return x + y; })});
+  ASSERT_TRUE(window->applyStyle("Carved in Stone"));
+  editor::Recipe recipe = window->document().recipe();
+  recipe.relief.kind = LM_height_kind::Auto;
+  window->document().keep(recipe, "Relief");
+  Canvas& canvas = window->canvas();
+  const QImage whole = shown();
+  ASSERT_EQ(whole.size(), QSize(WIDTH, HEIGHT));
+  // Sums of light are kept while only the surface changes.
+  for (const int gloss : {10, 90, 30}) {
+    recipe.lights->gloss = static_cast<int16_t>(gloss);
+    window->document().keep(recipe, "Gloss");
+    const std::vector<uint8_t> bytes = lit();
+    EXPECT_EQ(shown(), QImage(bytes.data(), WIDTH, HEIGHT, WIDTH * 4, QImage::Format_RGBX8888)
+                           .convertToFormat(QImage::Format_RGB32));
+  }
+  const QImage surface = shown();
+  canvas.setZoom(16.0, {300, 200});
+  const QImage part = shown();
+  EXPECT_LT(part.width(), WIDTH);
+  EXPECT_EQ(part, surface.copy(canvas.frame().view.part));
+  canvas.setZoom(0.5);
+  const QImage half = shown();
+  ASSERT_EQ(half.size(), QSize(WIDTH / 2, HEIGHT / 2));
+  limn::ReducedPhotograph small = window->document().original().reduced(
+      window->document().bounds(), window->document().selection().mask, recipe.relief, WIDTH / 2);
+  window->document().select({{}, window->document().selection().mask});
+  const std::vector<uint8_t> lit = limn::LitThumbnail(small, *recipe.lights);
+  EXPECT_EQ(shown(), editor::ThumbnailImage(small, lit).convertToFormat(QImage::Format_RGB32));
+}
+
+TEST_F(EditorRun, ColoursAreShownAsTheProfileMeansThem) {
+  vips::VImage image = vips::VImage::new_from_file(makePicture("plain.png").toLocal8Bit());
+  const QByteArray profile = QColorSpace(QColorSpace::ProPhotoRgb).iccProfile();
+  vips_image_set_blob_copy(image.get_image(), VIPS_META_ICC_NAME, profile.constData(),
+                           static_cast<size_t>(profile.size()));
+  image.write_to_file(pathTo("wide.png").toLocal8Bit().constData());
+  open(pathTo("wide.png"));
+  const editor::Frame& frame = window->canvas().frame();
+  const QImage plain = frame.plain;
+  EXPECT_EQ(plain.pixel(0, 0), qRgb(60, 77, 94)) << "the bytes are the file's";
+  const auto toScreen =
+      QColorSpace(QColorSpace::ProPhotoRgb).transformationToColorSpace(QColorSpace::SRgb);
+  EXPECT_EQ(frame.shownPlain.pixelColor(40, 31).rgb(), toScreen.map(plain.pixel(40, 31)));
+  EXPECT_NE(frame.shownPlain, plain);
+  ASSERT_TRUE(window->applyStyle(R"({"lights":[{"intensity":127}],"exposure":255})"));
+  const QImage lit = shown();
+  action("Clipped Pixels")->trigger();
+  EXPECT_EQ(shown(), lit);
+  int burnt = 0;
+  for (int y = 0; y < HEIGHT; ++y)
+    for (int x = 0; x < WIDTH; ++x) {
+      const QColor colour = lit.pixelColor(x, y);
+      const bool isBurnt = std::max({colour.red(), colour.green(), colour.blue()}) == 255;
+      burnt += isBurnt ? 1 : 0;
+      EXPECT_EQ(frame.shownLit.pixel(x, y) == qRgb(255, 0, 60), isBurnt);
+    }
+  EXPECT_GT(burnt, 0);
+  EXPECT_LT(burnt, WIDTH * HEIGHT);
 }

@@ -69,7 +69,15 @@ QByteArray EditorRun::contentOf(const QString& path) {
 void EditorRun::open(const QString& path) {
   ASSERT_TRUE(window->open(path));
   ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-  QApplication::processEvents();
+  ASSERT_FALSE(shown().isNull());
+}
+
+QImage EditorRun::shown() {
+  const editor::Canvas& canvas = window->canvas();
+  if (!QTest::qWaitFor([&] { return canvas.isUpToDate(); }, 20000))
+    return {};
+  EXPECT_EQ(canvas.frame().problem.toStdString(), "");
+  return canvas.frame().lit;
 }
 
 // Acts on the modal window of that kind that opens next. owner: nothing happens any more without
@@ -107,7 +115,8 @@ void EditorRun::answerNext(QMessageBox::StandardButton button) {
 
 QAction* EditorRun::action(const QString& text) const {
   for (QAction* found : window->findChildren<QAction*>())
-    if (found->text().remove('&').section('\t', 0, 0) == text)
+    if (found->text().remove('&').section('\t', 0, 0) == text ||
+        found->objectName() == text.toLower())
       return found;
   ADD_FAILURE() << "no entry " << text.toStdString();
   return nullptr;

@@ -35,8 +35,13 @@ protected:
   void answerNext(QMessageBox::StandardButton button);
   int questions = 0; // asked so far
 
+  // Of the original.
   const std::vector<uint8_t>& pixels() { return window->document().photograph().pixels; }
-  const std::vector<uint8_t>& deep() { return window->document().photograph().deep; }
+  // What the canvas shows once it is up to date, lit.
+  QImage shown();
+  // What saving writes, in the picture's depth.
+  std::vector<uint8_t> lit() { return limn::DecodedPixels(window->document().litPlanes()); }
+  // By its text; "Undo" and "Redo" whatever they undo.
   QAction* action(const QString& text) const;
   QPoint at(int x, int y) const; // of the image, in the viewport
 

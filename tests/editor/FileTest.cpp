@@ -35,11 +35,11 @@ TEST_F(EditorRun, WhatCannotBeOpenedOrSavedLeavesTheImage) {
   }
   EXPECT_EQ(questions, 9);
   EXPECT_EQ(pixels(), before);
-  EXPECT_EQ(window->document().image().path, picture);
+  EXPECT_EQ(window->document().path(), picture);
   EXPECT_FALSE(editor::RecentFiles::files().contains(pathTo("broken.png")));
   EXPECT_EQ(editor::RecentFiles::files().first(), picture);
   ASSERT_TRUE(window->saveTo(pathTo("copy.webp")));
-  EXPECT_EQ(window->document().image().path, pathTo("copy.webp"));
+  EXPECT_EQ(window->document().path(), pathTo("copy.webp"));
 }
 
 TEST_F(EditorRun, ChangesAreNotLostWithoutAQuestion) {
@@ -58,15 +58,15 @@ TEST_F(EditorRun, ChangesAreNotLostWithoutAQuestion) {
   EXPECT_FALSE(window->close());
   answerNext(QMessageBox::Cancel);
   EXPECT_FALSE(window->open(other));
-  EXPECT_EQ(window->document().image().path, picture);
+  EXPECT_EQ(window->document().path(), picture);
   EXPECT_EQ(contentOf(picture), original);
   answerNext(QMessageBox::Save);
   EXPECT_TRUE(window->open(other));
   EXPECT_NE(contentOf(picture), original);
-  EXPECT_EQ(window->document().image().path, other);
+  EXPECT_EQ(window->document().path(), other);
   EXPECT_EQ(questions, 3);
 
-  ASSERT_TRUE(window->runFilter(CVDialog::No));
+  ASSERT_TRUE(window->applyStyle("Campfire"));
   const QByteArray untouched = contentOf(other);
   answerNext(QMessageBox::Discard);
   EXPECT_TRUE(window->close());
@@ -84,7 +84,7 @@ TEST_F(EditorRun, APictureCanBeDropped) {
   QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QCoreApplication::sendEvent(window.get(), &drop);
   QCoreApplication::processEvents();
-  EXPECT_EQ(window->document().image().path, picture);
+  EXPECT_EQ(window->document().path(), picture);
 }
 
 TEST_F(EditorRun, RecentFilesAreFewAndWithoutRepetition) {

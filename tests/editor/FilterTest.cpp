@@ -1,9 +1,7 @@
-// The real plug-in in the editor: its dialog, its repetition, and how a run is cut short.
+// Plug-ins in the editor: the dialog of the real one, repetition, and how a run is cut short.
 #include "EditorRun.h"
 
 #include "deep_photograph.h"
-#include "lighting.h"
-#include "style_source.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -45,42 +43,45 @@ int SlowFilter(int selector, void* data, intptr_t*, int16_t* result) {
 
 } // namespace
 
-TEST_F(EditorRun, RepeatDoesWhatTheDialogDid) {
-  const QString picture = makePicture("picture.png");
-  open(picture);
+TEST_F(EditorRun, TheDialogLightsTheOriginalAndRepeatTheBakedPicture) {
+  open(makePicture("picture.png"));
   EXPECT_FALSE(action("Repeat")->isEnabled());
   const std::vector<uint8_t> before = pixels();
   ASSERT_TRUE(lightWithDialog());
-  const std::vector<uint8_t> first = pixels();
+  const std::vector<uint8_t> first = lit();
   ASSERT_NE(first, before);
+  EXPECT_EQ(pixels(), before) << "light changes no pixels";
+  EXPECT_EQ(action("Undo")->text().remove('&'), "Undo Lighting");
+
+  for (const char* name : {"Campfire", "Stage Spotlight", "Evening Lamp"}) {
+    SCOPED_TRACE(name);
+    ASSERT_TRUE(window->applyStyle(name));
+    const std::vector<uint8_t> styled = lit();
+    ASSERT_TRUE(lightWithDialog());
+    EXPECT_EQ(lit(), styled) << "OK without a change";
+    EXPECT_TRUE(action("Undo")->text().contains(name)) << "and without a step";
+    action("Undo")->trigger();
+    EXPECT_EQ(lit(), first);
+  }
   action("Undo")->trigger();
-  EXPECT_EQ(pixels(), before);
+  EXPECT_EQ(lit(), before);
   ASSERT_TRUE(action("Repeat")->isEnabled());
   EXPECT_EQ(action("Repeat")->shortcut(), QKeySequence("Ctrl+F"));
-  action("Repeat")->trigger();
-  EXPECT_EQ(pixels(), first);
-}
-
-TEST_F(EditorRun, AStyleDoesWhatTheCommandDoes) {
-  open(makePicture("picture.png"));
-  const std::vector<uint8_t> before = pixels();
-  CVPlugin plugin;
-  ASSERT_TRUE(editor::LoadFilter(plugin).ok());
-  limn::Photograph lit = editor::OpenImageFile(pathTo("picture.png")).photograph;
-  limn::Surroundings surroundings;
-  limn::LightPhotograph(plugin, limn::FindStyle("Campfire").style, surroundings, lit, "", {});
-
   ASSERT_TRUE(window->applyStyle("Campfire"));
-  EXPECT_EQ(pixels(), lit.pixels);
-  action("Undo")->trigger();
-  EXPECT_EQ(pixels(), before);
+  const std::vector<uint8_t> campfire = lit();
   action("Repeat")->trigger();
-  EXPECT_EQ(pixels(), lit.pixels);
+  EXPECT_EQ(pixels(), campfire) << "the first light is baked";
+  EXPECT_NE(lit(), campfire);
+  EXPECT_TRUE(window->statusBar()->currentMessage().contains("pixels"));
+  action("Undo")->trigger();
+  EXPECT_EQ(lit(), campfire) << "in one step";
+  action("Bake")->trigger();
+  EXPECT_EQ(pixels(), campfire);
+  EXPECT_EQ(lit(), campfire);
 
   answerNext(QMessageBox::Ok);
   EXPECT_FALSE(window->applyStyle("no such style"));
   EXPECT_EQ(questions, 1);
-  EXPECT_EQ(pixels(), lit.pixels);
 }
 
 TEST_F(EditorRun, APictureKeepsItsDepth) {
@@ -94,46 +95,20 @@ TEST_F(EditorRun, APictureKeepsItsDepth) {
     open(makePicture(c.name, 3, c.depth));
     EXPECT_TRUE(std::ranges::any_of(window->statusBar()->findChildren<QLabel*>(),
                                     [&](auto* label) { return label->text().endsWith(c.told); }));
-    editor::EditorDocument& document = window->document();
-    const auto formIsTrue = [&] {
-      const auto planes = limn::InBytes(limn::PlanesOf(document.photograph()));
-      return limn::DecodedPixels(planes) == pixels();
-    };
-    std::vector<std::vector<uint8_t>> states = {deep()};
-    const std::function<void()> changes[] = {
-        [&] { EXPECT_TRUE(lightWithDialog()); }, [&] { action("Repeat")->trigger(); },
-        [&] { EXPECT_TRUE(window->applyStyle("Campfire")); },
-        [&] {
-          document.select({QRect(20, 10, 31, 22), plane([](int x, int y) { return 2 * x + y; })});
-          action("Repeat")->trigger();
-        }};
-    for (const auto& change : changes) {
-      change();
-      states.push_back(deep());
-      EXPECT_NE(states.back(), states[states.size() - 2]);
-      EXPECT_TRUE(formIsTrue());
-    }
-    for (size_t i = states.size() - 1; i-- > 0;) {
-      action("Undo")->trigger();
-      if (i == 3) // the selection is a step of its own
-        action("Undo")->trigger();
-      EXPECT_EQ(deep(), states[i]) << "back to " << i;
-      EXPECT_TRUE(formIsTrue());
-    }
-    EXPECT_FALSE(document.canUndo());
-    while (document.canRedo())
-      document.redo();
-    EXPECT_EQ(deep(), states.back());
+    ASSERT_TRUE(lightWithDialog());
+    const std::vector<uint8_t> deep = lit();
+    action("Bake")->trigger();
+    EXPECT_EQ(window->document().photograph().deep, deep);
+    const auto planes = limn::InBytes(window->document().litPlanes());
+    EXPECT_EQ(limn::DecodedPixels(planes), pixels());
     ASSERT_TRUE(window->saveTo(pathTo(c.name)));
     ASSERT_TRUE(window->saveTo(pathTo("shallow.jpg")));
     EXPECT_TRUE(window->statusBar()->currentMessage().contains("become 8"));
     open(pathTo(c.name));
-    EXPECT_EQ(deep(), states.back());
-    EXPECT_TRUE(formIsTrue());
-    EXPECT_TRUE(document.image().mayBeReplaced);
+    EXPECT_EQ(lit(), deep);
+    EXPECT_TRUE(window->document().mayBeReplaced());
   }
-  const auto before = deep();
-  const auto form = pixels();
+  const std::vector<uint8_t> before = lit();
   auto other = std::make_unique<editor::MainWindow>(CVPlugin(SlowFilter, "slow"));
   window.swap(other);
   window->show();
@@ -141,8 +116,7 @@ TEST_F(EditorRun, APictureKeepsItsDepth) {
   answerNext(QMessageBox::Ok);
   EXPECT_FALSE(window->runFilter(CVDialog::No));
   EXPECT_EQ(questions, 1) << "a filter of 8 bits is refused";
-  EXPECT_EQ(deep(), before);
-  EXPECT_EQ(pixels(), form);
+  EXPECT_EQ(lit(), before);
 }
 
 TEST_F(EditorRun, ALongRunShowsItsProgressAndCanBeCancelled) {

@@ -12,11 +12,6 @@ QImage Shown(editor::MainWindow& window, int row) {
   return icon.isNull() ? QImage() : icon.pixmap(icon.availableSizes().first()).toImage();
 }
 
-bool ShowsDocument(editor::MainWindow& window, const QImage& picture) {
-  return picture.convertToFormat(QImage::Format_RGB32) ==
-         window.document().colours(window.document().bounds());
-}
-
 int RowOf(editor::MainWindow& window, const QString& name) {
   return window.styles().list().row(
       window.styles().list().findItems(name, Qt::MatchExactly).value(0));
@@ -28,100 +23,102 @@ protected:
   bool awaitPictures() {
     return QTest::qWaitFor([this] { return window->styles().isUpToDate(); }, 20000);
   }
+  // The canvas shows what a panel's picture shows.
+  bool isOnCanvas(const QImage& picture) {
+    return shown() == picture.convertToFormat(QImage::Format_RGB32);
+  }
+  void hover(int row) {
+    editor::StyleList& list = window->styles().list();
+    list.scrollToItem(list.item(row));
+    const QPoint place = list.visualItemRect(list.item(row)).center();
+    QMouseEvent event(QEvent::MouseMove, place, list.viewport()->mapToGlobal(place), Qt::NoButton,
+                      Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(list.viewport(), &event);
+  }
 };
 
 } // namespace
 
 // The picture is smaller than the panel's, so that both have the same pixels.
-TEST_F(StylePanelRun, AChosenStyleGivesWhatItsPictureShows) {
+TEST_F(StylePanelRun, AStyleIsSeenBeforeItIsChosen) {
   open(makePicture("picture.png"));
-  const std::vector<uint8_t> before = pixels();
+  const QImage before = shown();
   showPanel();
   ASSERT_TRUE(awaitPictures());
   editor::StyleList& list = window->styles().list();
   EXPECT_GE(list.count(), 24);
   EXPECT_TRUE(list.hasFocus());
-  for (const char* name : {"Campfire", "Letterpress", "Dark Corners"}) {
-    SCOPED_TRACE(name);
-    const int row = RowOf(*window, name);
-    ASSERT_GE(row, 0);
-    const QImage shown = Shown(*window, row);
-    list.setCurrentRow(row);
-    if (row % 2 == 0)
-      QTest::keyClick(&list, Qt::Key_Return);
-    else
-      QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
-                        list.visualItemRect(list.item(row)).center());
-    EXPECT_NE(pixels(), before);
-    EXPECT_TRUE(ShowsDocument(*window, shown));
-    action("Undo")->trigger();
-    EXPECT_EQ(pixels(), before);
-    EXPECT_FALSE(window->document().canUndo()) << "more than one step";
-    ASSERT_TRUE(awaitPictures());
-    EXPECT_EQ(list.currentRow(), row);
-  }
-  // One tried after another replaces it.
-  const QImage shown = Shown(*window, 3);
-  for (const int row : {5, 4, 3}) {
-    list.setCurrentRow(row);
-    QTest::keyClick(&list, Qt::Key_Return);
-    QTest::qWait(200);
-    EXPECT_TRUE(window->styles().isUpToDate());
-  }
-  EXPECT_EQ(Shown(*window, 3), shown) << "still of the image without a style";
-  EXPECT_TRUE(ShowsDocument(*window, shown));
-  action("Undo")->trigger();
-  EXPECT_EQ(pixels(), before);
+  const int campfire = RowOf(*window, "Campfire");
+  const int letterpress = RowOf(*window, "Letterpress");
+  hover(campfire);
+  EXPECT_TRUE(isOnCanvas(Shown(*window, campfire)));
+  hover(letterpress);
+  EXPECT_TRUE(isOnCanvas(Shown(*window, letterpress)));
+  QEvent leave(QEvent::Leave);
+  QCoreApplication::sendEvent(list.viewport(), &leave);
+  EXPECT_EQ(shown(), before);
   EXPECT_FALSE(window->document().canUndo());
-  action("Redo")->trigger();
-  window->document().select({QRect(1, 1, 50, 50), {}});
-  list.setCurrentRow(5);
+
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                    list.visualItemRect(list.item(letterpress)).center());
+  QCoreApplication::sendEvent(list.viewport(), &leave);
+  EXPECT_TRUE(isOnCanvas(Shown(*window, letterpress)));
+  EXPECT_TRUE(window->styles().isUpToDate()) << "the pictures are of the original";
+  list.setCurrentRow(campfire);
   QTest::keyClick(&list, Qt::Key_Return);
+  EXPECT_TRUE(isOnCanvas(Shown(*window, campfire))) << "in the place of the one before";
   action("Undo")->trigger();
-  EXPECT_TRUE(ShowsDocument(*window, shown)) << "what is selected anew is lit anew";
+  EXPECT_TRUE(isOnCanvas(Shown(*window, letterpress)));
+  action("Undo")->trigger();
+  EXPECT_EQ(shown(), before);
+  EXPECT_FALSE(window->document().canUndo()) << "more than one step";
   QTest::keyClick(&list, Qt::Key_M);
   EXPECT_EQ(window->canvas().tool(), editor::Tool::Rectangle) << "letters are the window's";
+  window->styles().search().setText("camp");
+  EXPECT_FALSE(list.isRowHidden(campfire));
+  EXPECT_TRUE(list.isRowHidden(letterpress));
 }
 
-TEST_F(StylePanelRun, PicturesFollowAPaintedMask) {
-  open(makePicture("picture.png"));
-  const std::vector<uint8_t> before = pixels();
-  const QRect bounds = window->document().bounds();
-  QImage mask(bounds.size(), QImage::Format_Grayscale8);
-  for (int y = 0; y < mask.height(); ++y)
-    for (int x = 0; x < mask.width(); ++x)
-      mask.scanLine(y)[x] = static_cast<uchar>(x < 3 ? 0 : x * 255 / mask.width());
-  window->document().select({bounds, mask});
-  showPanel();
-  ASSERT_TRUE(awaitPictures());
-  const int row = RowOf(*window, "Campfire");
-  const QImage shown = Shown(*window, row);
-  window->styles().list().setCurrentRow(row);
-  QTest::keyClick(&window->styles().list(), Qt::Key_Return);
-  EXPECT_NE(pixels(), before);
-  EXPECT_TRUE(ShowsDocument(*window, shown));
-}
-
-TEST_F(StylePanelRun, PicturesAreOfThePresentImage) {
-  const QString flat = makePicture("flat.png");
-  open(flat);
+TEST_F(StylePanelRun, PicturesAreOfThePresentOriginal) {
+  open(makePicture("flat.png"));
   QTest::qWait(300);
   EXPECT_EQ(window->styles().list().count(), 0) << "made for nobody to see";
   showPanel();
-  // Each change comes while the pictures of the one before are made.
-  ASSERT_TRUE(QTest::qWaitFor([this] { return window->styles().list().count() > 0; }, 20000));
+  editor::EditorDocument& document = window->document();
+  const QRect bounds = document.bounds();
+  const struct {
+    const char *name, *style;
+    std::function<void()> change;
+  } cases[] = {{"mask", "Campfire",
+                [&] {
+                  document.select({bounds, plane([](int x, int) { return x < 3 ? 0 : x * 2; })});
+                }},
+               {"channel", "Evening Lamp", // its relief is in the fourth one
+                [&] {
+                  document.select({});
+                  ASSERT_TRUE(window->loadChannel(makePlane(
+                      "heights.png", [](int x, int y) { return (x * x + 3 * y * y) % 251; })));
+                }},
+               {"source", "Carved in Stone",
+                [&] {
+                  editor::Recipe recipe = document.recipe();
+                  recipe.relief.kind = LM_height_kind::Auto;
+                  document.keep(recipe, "Source");
+                }},
+               {"pixels", "Campfire", [&] { EXPECT_TRUE(window->bake()); }}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    // Each change comes while the pictures of the one before are made.
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window->styles().list().count() > 0; }, 20000));
+    c.change();
+    EXPECT_FALSE(window->styles().isUpToDate());
+    ASSERT_TRUE(awaitPictures());
+    const int row = RowOf(*window, c.style);
+    window->styles().list().setCurrentRow(row);
+    QTest::keyClick(&window->styles().list(), Qt::Key_Enter);
+    EXPECT_TRUE(isOnCanvas(Shown(*window, row)));
+  }
   window->document().select({QRect(10, 10, 40, 40), {}});
   QTest::qWait(130);
-  window->document().select({});
-  QTest::qWait(130);
-  ASSERT_TRUE(window->loadChannel(
-      makePlane("heights.png", [](int x, int y) { return (x * x + 3 * y * y) % 251; })));
-  EXPECT_FALSE(window->styles().isUpToDate());
-  ASSERT_TRUE(awaitPictures());
-  const int row = RowOf(*window, "Evening Lamp"); // its relief is in the fourth channel
-  const QImage shown = Shown(*window, row);
-  window->styles().list().setCurrentRow(row);
-  QTest::keyClick(&window->styles().list(), Qt::Key_Enter);
-  EXPECT_TRUE(ShowsDocument(*window, shown));
   window.reset(); // in the middle of the next pictures
 }

@@ -3,8 +3,6 @@
 
 #include "style_source.h"
 
-#include "LM_style_lighting.h"
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -37,116 +35,179 @@ CVResult Brighten(CVDocument& document, CVRect area) {
   return {};
 }
 
+bool GoOn(double) {
+  return true;
+}
+
 } // namespace
 
-TEST(Undo, GoesBackAndForthThroughPixelsAndSelections) {
+// Any walk back and forth ends at the same bytes.
+TEST(Undo, GoesBackAndForthThroughLightPixelsAndSelections) {
   EditorDocument document;
   document.setImage(Picture());
   ASSERT_TRUE(document.addChannel(
       {"heights.png", WIDTH, HEIGHT, std::vector<uint8_t>(WIDTH * HEIGHT, 100), {}}));
   QImage mask(WIDTH, HEIGHT, QImage::Format_Grayscale8);
-  mask.fill(80);
-  const std::vector<std::function<void()>> changes = {
-      [&] { EXPECT_TRUE(document.change(Brighten).ok()); },
-      [&] {
-        document.select({QRect(2, 1, 3, 2), {}});
-      },
-      [&] { EXPECT_TRUE(document.change(Brighten).ok()); },
-      [&] {
-        document.select({{}, mask});
-      },
-      [&] { EXPECT_TRUE(document.change(Brighten).ok()); },
-      [&] { document.select({}); },
-  };
-  const auto heights = [&] {
-    int sum = 0;
-    document.change([&](CVDocument& image, CVRect) {
-      const CVChannelView<uint8_t> channel = image.channel(3);
-      for (int i = 0; i < WIDTH * HEIGHT; ++i)
-        sum += channel.data[i];
-      return CVResult{CVOutcome::Cancelled, 0, ""};
-    });
-    return sum;
+  mask.fill(255);
+  mask.scanLine(2)[3] = 80;
+  QImage painted = mask;
+  painted.scanLine(1)[1] = 7;
+  const LM_style campfire = limn::FindStyle("Campfire").style;
+  const LM_style moon = limn::FindStyle("Blue Moonlight").style;
+  const auto bake = [&] { EXPECT_TRUE(document.bake("Bake", GoOn).ok()); };
+  const auto brighten = [&] { EXPECT_TRUE(document.change("Brighten", Brighten, GoOn).ok()); };
+  const struct {
+    const char* step;
+    std::function<void()> change;
+  } changes[] = {
+      {"Style", [&] { document.keepLights(campfire, "Style"); }},
+      {"Selection",
+       [&] {
+         document.select({QRect(2, 1, 3, 2), {}});
+       }},
+      {"Bake", bake},
+      {"Selection",
+       [&] {
+         document.select({{}, mask});
+       }},
+      {"Move Light", [&] { document.keepLights(moon, "Move Light"); }},
+      {"Selection",
+       [&] {
+         document.select({QRect(1, 1, 5, 3), painted});
+       }},
+      {"Brighten", brighten},
+      {"Selection", [&] { document.select({}); }},
+      {"Source",
+       [&] {
+         editor::Recipe recipe = document.withLights(campfire);
+         recipe.relief.kind = LM_height_kind::Luminance;
+         document.keep(recipe, "Source");
+       }},
+      {"Brighten", brighten},
   };
   struct State {
-    std::vector<uint8_t> pixels;
-    int heights;
-    editor::Selection selection;
+    std::vector<uint8_t> lit, pixels, heights;
+    QRect area;
+    QImage mask;
     bool modified;
     bool operator==(const State&) const = default;
   };
   const auto state = [&] {
-    return State{document.photograph().pixels, heights(), document.selection(),
+    return State{limn::DecodedPixels(document.litPlanes()),
+                 document.photograph().pixels,
+                 document.original().channels[0].pixels,
+                 document.selection().area,
+                 document.selection().mask,
                  document.isModified()};
   };
   std::vector<State> states = {state()};
   for (const auto& change : changes) {
-    change();
+    change.change();
+    EXPECT_EQ(document.undoName(), change.step);
     states.push_back(state());
-    EXPECT_FALSE(states.back() == states[states.size() - 2]);
+    EXPECT_FALSE(states.back() == states[states.size() - 2]) << change.step;
   }
-  for (int round = 0; round < 2; ++round) {
-    for (size_t i = changes.size(); i-- > 0;) {
-      ASSERT_TRUE(document.canUndo());
-      document.undo();
-      EXPECT_TRUE(state() == states[i]) << "back to " << i;
-    }
-    EXPECT_FALSE(document.canUndo());
-    for (size_t i = 1; i <= changes.size(); ++i) {
-      document.redo();
-      EXPECT_TRUE(state() == states[i]) << "forth to " << i;
-    }
-    EXPECT_FALSE(document.canRedo());
+  EXPECT_FALSE(document.canRedo());
+  size_t at = states.size() - 1;
+  uint32_t random = 7;
+  for (int step = 0; step < 300; ++step) {
+    random = random * 1664525 + 1013904223;
+    const bool back = at > 0 && (at + 1 == states.size() || (random >> 31) != 0);
+    ASSERT_TRUE(back ? document.canUndo() : document.canRedo());
+    back ? document.undo() : document.redo();
+    at += back ? -1 : 1;
+    ASSERT_TRUE(state() == states[at]) << "at " << at << " after " << step;
   }
 }
 
-TEST(Undo, AFailedChangeIsNoStep) {
+TEST(Undo, AHundredStepsOfLightAndAStrokeAreSmall) {
   EditorDocument document;
-  document.setImage(Picture());
-  ASSERT_TRUE(document.change(Brighten).ok());
-  document.undo();
-  EXPECT_FALSE(document
-                   .change([](CVDocument&, CVRect) {
-                     return CVResult{CVOutcome::Cancelled, 0, "cancelled"};
-                   })
-                   .ok());
-  EXPECT_FALSE(document.canUndo());
-  EXPECT_TRUE(document.canRedo()) << "what was taken back is still there";
-  EXPECT_FALSE(document.isModified());
+  OpenedImage image;
+  image.photograph.width = 3000;
+  image.photograph.height = 2000;
+  image.photograph.numPlanes = 3;
+  image.photograph.pixels.resize(size_t{3000} * 2000 * 3);
+  document.setImage(std::move(image));
+  LM_style style = limn::FindStyle("Campfire").style;
+  QImage mask(3000, 2000, QImage::Format_Grayscale8);
+  mask.fill(0);
+  for (int i = 0; i < 100; ++i) {
+    style.gloss = static_cast<int16_t>(i);
+    document.keepLights(style, "Gloss");
+    for (int y = 0; y < 50; ++y)
+      mask.scanLine(10 * i + y)[20 * i] = 200;
+    document.select({{}, mask});
+  }
+  EXPECT_LT(document.undoBytes(), size_t{1} << 20);
+  while (document.canUndo())
+    document.undo();
+  EXPECT_FALSE(document.recipe().isLit());
+  EXPECT_TRUE(document.selection().mask.isNull());
+}
 
+TEST(Undo, AFailedChangeIsNoStep) {
   constexpr int SIDE = 1500;
-  OpenedImage deep;
-  deep.photograph.width = deep.photograph.height = SIDE;
-  deep.photograph.numPlanes = 3;
-  deep.photograph.depth = VIPS_FORMAT_USHORT;
-  deep.photograph.pixels.resize(size_t{SIDE} * SIDE * 3, 77);
-  deep.photograph.deep.resize(deep.photograph.pixels.size() * 2, 77);
-  const std::vector<uint8_t> before = deep.photograph.deep;
-  document.setImage(std::move(deep));
-  const auto parameters = std::make_shared<foo>();
-  const LM_style style = limn::FindStyle("Campfire").style;
-  ASSERT_TRUE(LM_ParametersFromStyle(style, SIDE, SIDE, 3, parameters.get()));
-  for (const double end : {0.0, 0.3, 2.0}) {
-    const CVResult result = document.light(parameters, [&](double share) { return share < end; });
-    EXPECT_EQ(result.outcome, end > 1 ? CVOutcome::Done : CVOutcome::Cancelled) << end;
-    EXPECT_EQ(document.photograph().deep != before, end > 1);
-    EXPECT_EQ(document.canUndo(), end > 1);
+  for (const VipsBandFormat depth : {VIPS_FORMAT_UCHAR, VIPS_FORMAT_USHORT}) {
+    EditorDocument document;
+    OpenedImage image;
+    image.photograph.width = image.photograph.height = SIDE;
+    image.photograph.numPlanes = 3;
+    image.photograph.depth = depth;
+    image.photograph.pixels.resize(size_t{SIDE} * SIDE * 3, 77);
+    if (depth == VIPS_FORMAT_USHORT)
+      image.photograph.deep.resize(image.photograph.pixels.size() * 2, 77);
+    document.setImage(std::move(image));
+    document.keepLights(limn::FindStyle("Campfire").style, "Style");
+    document.keepLights(limn::FindStyle("Blue Moonlight").style, "Style");
+    document.undo();
+    const std::vector<uint8_t> before = limn::DecodedPixels(document.litPlanes());
+    const std::vector<uint8_t> pixels = document.photograph().pixels;
+    for (const double end : {0.0, 0.3}) {
+      EXPECT_EQ(document.bake("Bake", [&](double share) { return share < end; }).outcome,
+                CVOutcome::Cancelled);
+      const auto stop = [](CVDocument& image, CVRect area) {
+        Brighten(image, area);
+        return CVResult{CVOutcome::Cancelled, 0, "cancelled"};
+      };
+      EXPECT_FALSE(document.change("Stop", stop, [&](double share) { return share < end; }).ok());
+      EXPECT_FALSE(document.change("Stop", stop, GoOn).ok());
+      EXPECT_EQ(document.photograph().pixels, pixels);
+      EXPECT_EQ(limn::DecodedPixels(document.litPlanes()), before);
+      EXPECT_EQ(document.undoName(), "Style");
+      EXPECT_TRUE(document.canRedo()) << "what was taken back is still there";
+    }
+    ASSERT_TRUE(document.bake("Bake", GoOn).ok());
+    EXPECT_NE(document.photograph().pixels, pixels);
+    EXPECT_EQ(limn::DecodedPixels(document.litPlanes()), before);
   }
 }
 
 TEST(Undo, ModificationFollowsTheSavedState) {
+  const LM_style campfire = limn::FindStyle("Campfire").style;
   EditorDocument document;
   document.setImage(Picture());
-  ASSERT_TRUE(document.change(Brighten).ok());
+  document.select({QRect(1, 1, 3, 3), {}});
+  EXPECT_FALSE(document.isModified()) << "what is selected shows in nothing";
+  document.keepLights(campfire, "Style");
   document.noteSaved("lit.png");
+  EXPECT_FALSE(document.isModified());
+  document.select({});
+  EXPECT_TRUE(document.isModified()) << "the light falls elsewhere";
+  document.undo();
   EXPECT_FALSE(document.isModified());
   document.undo();
   EXPECT_TRUE(document.isModified());
   document.redo();
   EXPECT_FALSE(document.isModified());
+  document.tryLights(limn::FindStyle("Blue Moonlight").style);
+  EXPECT_FALSE(document.isModified()) << "what is tried is not kept";
   document.undo();
-  ASSERT_TRUE(document.change(Brighten).ok());
+  document.keepLights(campfire, "Style");
   EXPECT_TRUE(document.isModified()) << "another change than the one saved";
+  ASSERT_TRUE(document.bake("Bake", GoOn).ok());
+  document.noteSaved("lit.png");
+  document.undo();
+  EXPECT_TRUE(document.isModified());
 }
 
 TEST(Undo, StepsAreBoundedByTheirMemory) {
@@ -158,9 +219,12 @@ TEST(Undo, StepsAreBoundedByTheirMemory) {
   image.photograph.pixels.resize(size_t{8000} * 5000 * 3);
   const size_t bytes = image.photograph.pixels.size();
   document.setImage(std::move(image));
-  const size_t most = EditorDocument::UNDO_BYTES / bytes;
+  const size_t most = (EditorDocument::UNDO_BYTES - 100'000) / bytes;
   for (size_t i = 0; i < most + 2; ++i)
-    ASSERT_TRUE(document.change([](CVDocument&, CVRect) { return CVResult{}; }).ok());
+    ASSERT_TRUE(document
+                    .change(
+                        "Nothing", [](CVDocument&, CVRect) { return CVResult{}; }, GoOn)
+                    .ok());
   size_t steps = 0;
   for (; document.canUndo(); document.undo())
     ++steps;

@@ -91,9 +91,10 @@ bool TakePictures(const QStringList& arguments) {
   styles.show();
   QElapsedTimer sinceShown;
   sinceShown.start();
-  while (!styles.isUpToDate() && !sinceShown.hasExpired(MOST_PATIENCE))
+  const auto isReady = [&] { return styles.isUpToDate() && window.canvas().isUpToDate(); };
+  while (!isReady() && !sinceShown.hasExpired(MOST_PATIENCE))
     QApplication::processEvents(QEventLoop::AllEvents, 50);
-  return styles.isUpToDate() && window.grab().save(folder + "/editor-" + suffix + ".png");
+  return isReady() && window.grab().save(folder + "/editor-" + suffix + ".png");
 }
 
 } // namespace
