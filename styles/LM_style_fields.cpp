@@ -11,6 +11,7 @@
 #include "LM_color_words.h"
 #include "LM_light_kinds.h"
 #include "LM_nearest_word.h"
+#include "LM_number_words.h"
 #include "LM_preview_geometry.h"
 #include "LM_style_layout.h"
 
@@ -48,8 +49,12 @@ bool Fails(std::string& why, std::string sentence) {
 template <class Number> bool ReadNumber(std::string_view text, Number& value) {
   if (!text.empty() && text.front() == '+')
     text.remove_prefix(1);
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  return error == std::errc() && end == text.data() + text.size();
+  if constexpr (std::floating_point<Number>)
+    return LM_ReadFraction(text, value);
+  else {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size();
+  }
 }
 
 // Splits "light.3.rest" into its parts.
@@ -64,12 +69,6 @@ bool SplitLightKey(std::string_view key, size_t& light, std::string_view& field)
   light = static_cast<size_t>(number);
   field = key.substr(dot + 1);
   return true;
-}
-
-// Numbers as people write them: 12, -3.5
-std::string Written(double value) {
-  char text[32];
-  return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
 // What a field of that type holds. A length of a style is a float, but no longer than in a file.
@@ -103,7 +102,7 @@ private:
 };
 
 std::string OutsideOf(double value, LM_field_ends ends) {
-  return Written(value) + " is not between " + std::to_string(ends.low) + " and " +
+  return LM_ShortText(value) + " is not between " + std::to_string(ends.low) + " and " +
          std::to_string(ends.high);
 }
 

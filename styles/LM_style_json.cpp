@@ -1,12 +1,12 @@
 #include "LM_style_json.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "LM_height_words.h"
 #include "LM_light_kinds.h"
+#include "LM_number_words.h"
 #include "LM_style_fields.h"
 #include "LM_style_layout.h"
 #include "MacStrings.h"
@@ -231,11 +231,7 @@ private:
     }
     return std::to_string(value);
   }
-  // The shortest that gives the same float again.
-  static std::string Value(float length, LM_field) {
-    char text[64];
-    return {text, std::to_chars(text, text + sizeof text, length, std::chars_format::fixed).ptr};
-  }
+  static std::string Value(float length, LM_field) { return LM_ShortFixed(length); }
 
   std::string& _text;
   std::string _indent;
