@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Brush.h"
+#include "CanvasOverlay.h"
 #include "EditorDocument.h"
 #include "ImageLevels.h"
 
@@ -37,6 +38,11 @@ public:
 
   // Shows the image as it was opened, without the selection.
   void showOriginal(bool show);
+  bool showsOriginal() const { return _showsOriginal; }
+  bool hasImage() const { return !_document.isEmpty(); }
+
+  // Lies on top of everything; not owned.
+  void setOverlay(CanvasOverlay* overlay) { _overlay = overlay; }
 
   QPointF toImage(QPointF viewportPoint) const;
   QPointF toViewport(QPointF imagePoint) const;
@@ -46,6 +52,8 @@ Q_SIGNALS:
   void brushChanged();
 
 protected:
+  bool event(QEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
@@ -75,6 +83,7 @@ private:
   void _paintHint(QPainter& painter) const;
 
   EditorDocument& _document;
+  CanvasOverlay* _overlay = nullptr;
   ImageLevels _picture, _original;
   bool _showsOriginal = false;
   Tool _tool = Tool::Hand;

@@ -128,6 +128,7 @@ void MainWindow::_makeViewMenu() {
   connect(_original, &QAction::toggled, _canvas, &Canvas::showOriginal);
   menu->addSeparator();
   _makeStylePanel(menu);
+  _makeLights(menu);
 }
 
 void MainWindow::_makeFilterMenu() {

@@ -40,6 +40,7 @@ void MainWindow::_makeStylePanel(QMenu* menu) {
 
 void MainWindow::restorePanels() {
   _styles->setVisible(QSettings().value(PANEL_SETTING, true).toBool());
+  _restoreLights();
 }
 
 // Another style in place of the one before, for who looks for one.
