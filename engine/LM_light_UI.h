@@ -36,7 +36,7 @@ public:
   LM_bool specularCacheHot;
 
   // The same light without its place in the dialog and its caches.
-  LM_light_figure Figure() const;
+  LM_EXPORT LM_light_figure Figure() const;
   // Fills *out. scale: preview pixels per shading unit. forPreview 1 builds the short falloff
   // table.
   void ConvertToRealLight(LM_light* out, unsigned short scale, LM_bool forPreview) const;
@@ -80,9 +80,6 @@ public:
                              LM_bool keepDirection, LM_bool keepLength);
 
 private:
-  void _ReshapeSpot(const LM_vectori2& dragged, short handleCode, const LM_vectori2& startHandle1,
-                    const LM_vectori2& startHandle2);
-
   void _DrawDirectional(LM_bool withGrabHandles);
   void _DrawOmni(LM_bool withGrabHandles);
   void _DrawSpot(LM_globals* owner);

@@ -1,6 +1,7 @@
 #include "metadata.h"
 
 #include "further_images.h"
+#include "recipe.h"
 
 #include <cstring>
 #include <string>
@@ -72,6 +73,7 @@ void FitXmp(const VImage& image, std::vector<std::string>& notices) {
     packet = std::move(trimmed->packet);
   }
   ResetOrientation(packet);
+  packet = WithoutRecipe(std::move(packet));
   if (packet.empty())
     vips_image_remove(image.get_image(), XMP);
   else

@@ -124,19 +124,29 @@ struct XmpText {
   ~XmpText() { xmp_string_free(text); }
 };
 
-// The XMP of an image, or a new one. Null where it is none that can be read.
-XmpPacket PacketOf(const VImage& image) {
+// A packet, or a new one for an empty one. Null where it is none that can be read.
+XmpPacket Parsed(const char* bytes, size_t size) {
   static const bool isReady = xmp_init() && xmp_register_namespace(NAMESPACE, PREFIX, nullptr);
-  if (!isReady)
-    return nullptr;
-  if (image.get_typeof(VIPS_META_XMP_NAME) != VIPS_TYPE_BLOB)
-    return XmpPacket(xmp_new_empty());
-  size_t size = 0;
-  const char* bytes = static_cast<const char*>(image.get_blob(VIPS_META_XMP_NAME, &size));
   // Some writers end the packet with a NUL.
   while (size > 0 && bytes[size - 1] == '\0')
     --size;
-  return XmpPacket(size > 0 ? xmp_new(bytes, size) : xmp_new_empty());
+  return XmpPacket(!isReady ? nullptr : size > 0 ? xmp_new(bytes, size) : xmp_new_empty());
+}
+
+XmpPacket PacketOf(const VImage& image) {
+  size_t size = 0;
+  const void* bytes = nullptr;
+  if (image.get_typeof(VIPS_META_XMP_NAME) == VIPS_TYPE_BLOB)
+    bytes = image.get_blob(VIPS_META_XMP_NAME, &size);
+  return Parsed(static_cast<const char*>(bytes), size);
+}
+
+// Empty when there is no memory for it.
+std::string Serialized(const XmpPacket& packet) {
+  const XmpText text;
+  if (!xmp_serialize(packet.get(), text.text, XMP_SERIAL_OMITPACKETWRAPPER, 0))
+    return {};
+  return xmp_string_cstr(text.text);
 }
 
 } // namespace
@@ -207,13 +217,22 @@ void PutRecipe(VImage& image, const std::string& json) {
   XmpPacket packet = PacketOf(image);
   if (packet == nullptr) // what stands there is no XMP
     packet.reset(xmp_new_empty());
-  const XmpText text;
-  if (packet == nullptr || !xmp_set_property(packet.get(), NAMESPACE, PROPERTY, json.c_str(), 0) ||
-      !xmp_serialize(packet.get(), text.text, XMP_SERIAL_OMITPACKETWRAPPER, 0))
+  std::string whole;
+  if (packet != nullptr && xmp_set_property(packet.get(), NAMESPACE, PROPERTY, json.c_str(), 0))
+    whole = Serialized(packet);
+  if (whole.empty())
     throw Failure(ExitCode::NoMemory, "the recipe: not enough memory for its XMP");
-  const std::string whole = xmp_string_cstr(text.text);
   image = image.copy();
   vips_image_set_blob_copy(image.get_image(), VIPS_META_XMP_NAME, whole.data(), whole.size());
+}
+
+std::string WithoutRecipe(std::string packet) {
+  if (packet.find(NAMESPACE) == std::string::npos)
+    return packet;
+  const XmpPacket parsed = Parsed(packet.data(), packet.size());
+  if (parsed == nullptr || !xmp_delete_property(parsed.get(), NAMESPACE, PROPERTY))
+    return packet;
+  return Serialized(parsed);
 }
 
 } // namespace limn

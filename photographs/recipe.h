@@ -39,12 +39,15 @@ bool RecipeFromJson(std::string_view json, Recipe& recipe, std::string& why);
 // Names the file and reads it through. Throws Failure(BadInput).
 RecipeFile RecipeFileOf(const std::string& path);
 
-// The recipe's JSON in an image's XMP, as it stands there.
+// The recipe's JSON in an image's XMP, as it stands there. The metadata of photographs that are
+// opened has none: it would not be true of what is made of them.
 std::optional<std::string> RecipeIn(const vips::VImage& image);
 // The same of a file, in a process of its own where libvips has not been started in this one.
 // Throws Failure, BadInput where there is none.
 std::string ReadRecipe(const std::string& path);
 // Puts it there; nothing else of the XMP changes but its layout. Throws Failure(NoMemory).
 void PutRecipe(vips::VImage& image, const std::string& json);
+// An XMP packet without one; as it is, where it has none.
+std::string WithoutRecipe(std::string packet);
 
 } // namespace limn

@@ -216,9 +216,30 @@ void Canvas::wheelEvent(QWheelEvent* event) {
   setZoom(_zoom * std::exp2(event->angleDelta().y() / NOTCH / 2), event->position());
 }
 
+bool Canvas::event(QEvent* event) {
+  const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+  if (isKey && _overlay != nullptr && _overlay->handle(*event)) {
+    event->accept();
+    return true;
+  }
+  return QAbstractScrollArea::event(event);
+}
+
+bool Canvas::viewportEvent(QEvent* event) {
+  const bool isTaken = _overlay != nullptr && _drag == Drag::None && _overlay->handle(*event);
+  const bool handled = isTaken || QAbstractScrollArea::viewportEvent(event);
+  if (dynamic_cast<QMouseEvent*>(event) != nullptr)
+    _updateCursor();
+  return handled;
+}
+
 void Canvas::_updateCursor() {
+  const std::optional<Qt::CursorShape> overlaid =
+      _overlay != nullptr && _drag == Drag::None ? _overlay->cursor() : std::nullopt;
   if (_drag == Drag::Split || (_drag == Drag::None && _isOnSplit(_hover)))
     viewport()->setCursor(Qt::SplitHCursor);
+  else if (overlaid.has_value())
+    viewport()->setCursor(*overlaid);
   else if (_drag == Drag::Pan)
     viewport()->setCursor(Qt::ClosedHandCursor);
   else if (_document.isEmpty())

@@ -3,6 +3,7 @@
 
 #include "Brush.h"
 #include "CanvasLighting.h"
+#include "CanvasOverlay.h"
 #include "EditorDocument.h"
 
 #include <QAbstractScrollArea>
@@ -47,6 +48,11 @@ public:
   // The latest picture of what is seen, and whether it is of what is to be seen now.
   const Frame& frame() const { return _frame; }
   bool isUpToDate() const { return _frame.number == _asked.number; }
+  bool showsOriginal() const { return _showsOriginal; }
+  bool hasImage() const { return !_document.isEmpty(); }
+
+  // Lies on top of everything; not owned.
+  void setOverlay(CanvasOverlay* overlay) { _overlay = overlay; }
 
   QPointF toImage(QPointF viewportPoint) const;
   QPointF toViewport(QPointF imagePoint) const;
@@ -60,6 +66,8 @@ Q_SIGNALS:
   void failed(const QString& problem);
 
 protected:
+  bool event(QEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
@@ -94,6 +102,7 @@ private:
   void _paintHint(QPainter& painter) const;
 
   EditorDocument& _document;
+  CanvasOverlay* _overlay = nullptr;
   CanvasLighting _lighting;
   FrameWish _asked;    // last
   int _firstAsked = 0; // of the present image

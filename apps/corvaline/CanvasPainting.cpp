@@ -51,6 +51,8 @@ void Canvas::paintEvent(QPaintEvent*) {
     _paintArea(painter, selection.area);
   if (_tool == Tool::Brush && _hover.x() >= 0)
     _paintBrush(painter);
+  if (_overlay != nullptr)
+    _overlay->paint(painter);
 }
 
 void Canvas::_paintHint(QPainter& painter) const {

@@ -319,6 +319,26 @@ CVResult EditorDocument::_changePixels(const QString& name,
   return result;
 }
 
+std::optional<limn::Recipe> EditorDocument::travellingRecipe() const {
+  if (!_recipe.lights)
+    return std::nullopt;
+  limn::Recipe recipe{};
+  recipe.style = *_recipe.lights;
+  recipe.relief = LM_ResolvedSource(_recipe.relief, recipe.style.bumpChannel > 0);
+  recipe.bits = static_cast<int>(8 * vips_format_sizeof(photograph().depth));
+  if (const QRect& area = _selection.area; !area.isEmpty())
+    recipe.area = limn_area{area.x(), area.y(), area.width(), area.height()};
+  if (hasOriginalFile())
+    recipe.original = limn::RecipeFileOf(_original.file);
+  if (!_selection.mask.isNull())
+    recipe.mask = limn::RecipeFile{"painted in the editor", ""};
+  if (recipe.relief.kind == LM_height_kind::File)
+    recipe.heights = limn::RecipeFileOf(recipe.relief.file);
+  for (const limn::GreyImage& channel : _original.channels)
+    recipe.channels.push_back(limn::RecipeFileOf(channel.file));
+  return recipe;
+}
+
 CVResult EditorDocument::bake(const QString& step, const GoOn& goOn, const Recipe& next) {
   if (!_recipe.isLit()) {
     if (next.isLit())

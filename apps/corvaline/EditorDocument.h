@@ -6,6 +6,8 @@
 #include "Original.h"
 #include "Recipe.h"
 
+#include "recipe.h"
+
 #include "CVDocument.h"
 
 #include <QObject>
@@ -79,6 +81,9 @@ public:
   // The whole picture as it is to be saved, in its own depth: made while it is written. Throws as
   // Original::lit.
   vips::VImage litPlanes();
+
+  // How the picture is lit, to go into its file; none when no style says it. Throws limn::Failure.
+  std::optional<limn::Recipe> travellingRecipe() const;
 
   // Makes the light pixels, and then `next` the recipe, as one step. goOn: gets 0 … 1, and answers
   // whether to.

@@ -66,15 +66,22 @@ LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubj
 }
 
 QStringList SaveImageFile(limn::Photograph& photograph, const vips::VImage& planes,
-                          const QString& path) {
+                          const std::optional<limn::Recipe>& recipe, const QString& path) {
   const std::lock_guard lock(oneAtATime);
   const limn::OutputName name{Encoded(path), SaveOptions(path)};
   limn::CheckOutputFormat(name);
-  photograph.notices.clear();
-  limn::WritePhotograph(photograph, planes, name, limn::ResolveTarget(name.path),
+  limn::Photograph written;
+  written.width = photograph.width;
+  written.height = photograph.height;
+  written.numPlanes = photograph.numPlanes;
+  written.depth = photograph.depth;
+  written.metadata = photograph.metadata;
+  if (recipe && limn::HoldsXmp(name))
+    limn::PutRecipe(written.metadata, limn::RecipeToJson(*recipe));
+  limn::WritePhotograph(written, planes, name, limn::ResolveTarget(name.path),
                         limn::Existing::Replace);
   QStringList notices;
-  for (const std::string& notice : photograph.notices)
+  for (const std::string& notice : written.notices)
     notices << QString::fromStdString(notice);
   return notices;
 }

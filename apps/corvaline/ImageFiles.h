@@ -3,9 +3,12 @@
 
 #include "height_image.h"
 #include "image_file.h"
+#include "recipe.h"
 
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace editor {
 
@@ -29,11 +32,11 @@ OpenedImage OpenImageFile(const QString& path);
 limn::GreyImage OpenChannelFile(const QString& path);
 LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubject& subject);
 // Writes these pixels of the photograph's depth, which may still have to be lit, with all that it
-// says beside its own. Replaces what is at `path`, which keeps its old content until the new one is
-// complete. Its extension decides the format. Answers what the format could not hold, a sentence
-// each.
+// says beside its own, and the recipe, if there is one. Replaces what is at `path`, which keeps its
+// old content until the new one is complete. Its extension decides the format. Answers what the
+// format could not hold, a sentence each.
 QStringList SaveImageFile(limn::Photograph& photograph, const vips::VImage& planes,
-                          const QString& path);
+                          const std::optional<limn::Recipe>& recipe, const QString& path);
 
 // libvips' save options, in brackets, with which images are written under such a name.
 std::string SaveOptions(const QString& path);

@@ -4,6 +4,8 @@
 #include "Canvas.h"
 #include "EditorDocument.h"
 #include "FilterRunner.h"
+#include "LightOverlay.h"
+#include "LightPanel.h"
 #include "RecentFiles.h"
 #include "StylePanel.h"
 
@@ -40,7 +42,10 @@ public:
   EditorDocument& document() { return _document; }
   Canvas& canvas() { return *_canvas; }
   StylePanel& styles() { return *_styles; }
-  // Shows the panel of styles unless the user closed it the last time. Closed until then.
+  LightsModel& lights() { return *_lights; }
+  LightOverlay& lightOverlay() { return *_overlay; }
+  LightPanel& lightPanel() { return *_lightPanel; }
+  // Shows the panels that the user did not close the last time. Closed until then.
   void restorePanels();
 
 public Q_SLOTS:
@@ -78,6 +83,8 @@ private:
   void _tellResult(const CVResult& result);
   // Tells how far something is in the status bar, %1 percent, when it takes a while.
   EditorDocument::GoOn _progress(const QString& text);
+  void _makeLights(QMenu* menu);
+  void _restoreLights();
   void _makeToolBar();
   void _makeStatusBar();
   void _showState();
@@ -92,6 +99,9 @@ private:
   FilterRunner _filter;
   Canvas* _canvas;
   StylePanel* _styles = nullptr;
+  LightsModel* _lights = nullptr;
+  LightOverlay* _overlay = nullptr;
+  LightPanel* _lightPanel = nullptr;
   RecentFiles* _recent = nullptr;
   QList<QAction*> _imageActions; // those that need an image
   QAction *_open = nullptr, *_save = nullptr, *_undo = nullptr, *_redo = nullptr;

@@ -66,11 +66,16 @@ void MainWindow::_makeEditMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Edit"));
   _undo = _add(menu, "undo", tr("&Undo %1").arg(QString()),
                QKeySequence::keyBindings(QKeySequence::Undo), tr("Take the last change back"),
-               Needs::Nothing, [this] { _document.undo(); });
+               Needs::Nothing, [this] {
+                 _lights->flush();
+                 _document.undo();
+               });
   _redo = _add(menu, "redo", tr("&Redo %1").arg(QString()),
                {QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")},
-               tr("Make the change again that was taken back"), Needs::Nothing,
-               [this] { _document.redo(); });
+               tr("Make the change again that was taken back"), Needs::Nothing, [this] {
+                 _lights->flush();
+                 _document.redo();
+               });
   menu->addSeparator();
   _copyCommand = _add(menu, "", tr("&Copy Command"), {QKeySequence("Ctrl+Alt+C")},
                       tr("Copy the limn apply command that lights the image like this again"),
@@ -140,6 +145,7 @@ void MainWindow::_makeViewMenu() {
   connect(ends, &QAction::toggled, _canvas, &Canvas::markEnds);
   menu->addSeparator();
   _makeStylePanel(menu);
+  _makeLights(menu);
 }
 
 void MainWindow::_makeLightMenu() {

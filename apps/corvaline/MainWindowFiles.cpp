@@ -83,12 +83,13 @@ QStringList MainWindow::_write(const QString& path) {
   const vips::VImage planes = _document.litPlanes();
   vips_image_set_progress(planes.get_image(), TRUE);
   g_signal_connect(planes.get_image(), "eval", G_CALLBACK(Teller::Tell), &teller);
-  return SaveImageFile(_document.original().photograph, planes, path);
+  return SaveImageFile(_document.original().photograph, planes, _document.travellingRecipe(), path);
 }
 
 bool MainWindow::saveTo(const QString& path) {
   if (_document.isEmpty())
     return false;
+  _lights->flush();
   QStringList notices;
   const QString problem =
       IsWritable(path)

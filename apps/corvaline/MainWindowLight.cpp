@@ -49,11 +49,13 @@ void MainWindow::_makeStylePanel(QMenu* menu) {
 
 void MainWindow::restorePanels() {
   _styles->setVisible(QSettings().value(PANEL_SETTING, true).toBool());
+  _restoreLights();
 }
 
 bool MainWindow::runFilter(CVDialog dialog) {
   if (_document.isEmpty() || _filter.isRunning() || !_filter.isLoaded())
     return false;
+  _lights->flush();
   const bool bakes = _document.recipe().isLit();
   const int original = _document.originalNumber();
   const CVResult result =
@@ -69,6 +71,7 @@ bool MainWindow::runFilter(CVDialog dialog) {
 }
 
 bool MainWindow::bake() {
+  _lights->flush();
   if (!_document.recipe().isLit() || _filter.isRunning())
     return false;
   const CVResult result = _document.bake(tr("Bake"), _progress(tr("Lighting, %1 %")));

@@ -140,8 +140,9 @@ ExitCode Tell(const std::string& lit, const Comparison& comparison, bool losesDe
 ExitCode Compare(const VerifyOptions& options) {
   const OpenedPhotograph found =
       OpenPhotograph(options.lit, 1, VIPS_FORMAT_NOTSET, VIPS_FORMAT_FLOAT);
-  const bool losesDetail = LosesDetail(OpenImage(options.lit));
-  const Recipe recipe = RecipeOf(options.lit, found.metadata);
+  const VImage whole = OpenImage(options.lit);
+  const bool losesDetail = LosesDetail(whole);
+  const Recipe recipe = RecipeOf(options.lit, whole);
   CheckFiles(recipe, options);
   if (recipe.original && !recipe.original->digest.empty() &&
       recipe.original->digest != RecipeFileOf(options.original).digest)

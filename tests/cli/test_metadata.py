@@ -121,7 +121,8 @@ support.main()
         self.assertRegex(support.content("out.jpg"), b"dc:format=?>?.kept")
         self.limn("verify", "photo.jpg", "out.png", code=2, says="--mask mask.ppm, which is to be named")
         self.limn("verify", "photo.jpg", "out.png", "--mask", "in.ppm", code=3, says="is not the mask.ppm of out.png")
-        self.limn("verify", "photo.jpg", "photo.jpg", code=3, says="holds no recipe")
+        self.limn("apply", "out.jpg", "-o", "twice.jpg")
+        self.limn("verify", "out.jpg", "twice.jpg", code=3, says="holds no recipe")  # not that of out.jpg
         self.limn("apply", "photo.jpg", "--recipe", "-o", "out.ppm", says="for which ppm files have no room")
 
     def test_verify_finds_a_changed_pixel(self):
