@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 namespace editor {
 namespace {
@@ -17,18 +18,18 @@ namespace {
 constexpr int MOMENT = 500; // in milliseconds: between two turns of a wheel, or two keys
 constexpr float COPY_OFFSET = 8;
 
-void Store(LM_vectori2& field, LM_vector2f value) {
-  const auto whole = [](float length) { return LM_Saturate16(LM_Truncate(std::round(length))); };
-  field = {whole(value.x), whole(value.y)};
+// Whole numbers, where a style's lengths are whole.
+template <class Length> void StoreLength(Length& field, float value) {
+  if constexpr (std::is_floating_point_v<Length>)
+    field = value;
+  else
+    field = LM_Saturate16(LM_Truncate(std::round(value)));
 }
-void Store(LM_vector2f& field, LM_vector2f value) {
-  field = value;
-}
-void Store(int16_t& field, float value) {
-  field = LM_Saturate16(LM_Truncate(std::round(value)));
-}
-void Store(float& field, float value) {
-  field = value;
+
+template <class Vector> void StoreVector(Vector& field, LM_vector2f value) {
+  auto& [x, y] = field;
+  StoreLength(x, value.x);
+  StoreLength(y, value.y);
 }
 
 LM_vector2f Mirrored(LM_vector2f vector) {
@@ -57,15 +58,15 @@ LM_style InWorldUnit(LM_style style) {
 } // namespace
 
 void SetFigure(LM_style_light& light, const LM_light_figure& figure) {
-  Store(light.center, figure.center);
-  Store(light.handle1, figure.handle1);
-  Store(light.handle2, figure.handle2);
-  Store(light.radius, figure.radius);
+  StoreVector(light.center, figure.center);
+  StoreVector(light.handle1, figure.handle1);
+  StoreVector(light.handle2, figure.handle2);
+  StoreLength(light.radius, figure.radius);
 }
 
 LM_style_light NewLightAt(LM_vector2f place) {
   LM_style_light light = LM_NewStyleLight();
-  Store(light.center, place);
+  StoreVector(light.center, place);
   return light;
 }
 
