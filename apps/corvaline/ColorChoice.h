@@ -19,7 +19,6 @@ public:
   ColorChoice(const QString& name, const QString& tip, QWidget* parent);
 
   void setColor(const LM_color48& color); // nothing is sent
-  ValueSlider& temperature() { return *_temperature; }
 
 Q_SIGNALS:
   // isHeld: as a slider's; released() follows.
