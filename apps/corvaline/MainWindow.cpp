@@ -109,6 +109,7 @@ void MainWindow::_complain(const QString& what, const QString& why) {
 }
 
 bool MainWindow::_mayLose() {
+  _lights->flush();
   if (!_document.isModified())
     return true;
   QMessageBox box(QMessageBox::Question, "Corvaline",
