@@ -6,7 +6,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test test-deep build python deps test-sanitize test-portable test-machines test-web npm fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
+.PHONY: help demo test test-deep build python deps test-sanitize test-portable test-machines test-web npm web fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -61,13 +61,22 @@ npm: ## Build the package for Node and browsers, packed into build-wasm
 	cmake --build --preset wasm -j $(JOBS) --target limn_wasm
 	cd build-wasm && npm pack --silent ./npm
 
-test-web: npm ## Run the tests of light on WebAssembly, and those of the package in Node
+PAGE_TOOLS := build-wasm/page-tools
+web: npm ## Build the page for browsers into build-wasm/web
+	@mkdir -p $(PAGE_TOOLS)
+	@cp adapters/web/package.json adapters/web/package-lock.json adapters/web/build.mjs $(PAGE_TOOLS)
+	cd $(PAGE_TOOLS) && npm ci --no-audit --no-fund --silent
+	$(PAGE_TOOLS)/node_modules/.bin/tsc -p adapters/web
+	node $(PAGE_TOOLS)/build.mjs . build-wasm/npm/limn.wasm build-wasm/web
+
+test-web: web ## Run the tests of light on WebAssembly, of the package in Node, and of the page in Chromium
 	cmake --build --preset wasm -j $(JOBS) --target test_lighting
 	ctest --preset wasm
 	@scripts/deps
 	cmake --preset release > /dev/null
 	cmake --build --preset release -j $(JOBS) --target lit_scenes limn
 	tests/npm/run build-wasm/limn-*.tgz $(BUILD)/bin/lit_scenes $(LIMN)
+	tests/web/run build-wasm/web build-wasm/limn-*.tgz $(BUILD)/bin/lit_scenes $(LIMN)
 
 fuzz: ## Let every fuzzer search for TIME seconds, or RUNS executions
 	@scripts/deps check

@@ -1,6 +1,7 @@
 #include "LM_light_UI.h"
 
 #include "LM_globals.h"
+#include "LM_handles.h"
 #include "LM_memory.h"
 
 namespace {
@@ -57,10 +58,9 @@ void LM_light_UI::_BuildSpreadTable(LM_light* out, LM_bool forPreview) const {
 void LM_light_UI::Validate() {
   if (type != LM_LIGHT_SPOT)
     return;
-  float ratio = handle2.Magnitude() / handle1.Magnitude();
-  if (ratio >= 1.0F)
-    ratio = 1.0F;
-  handle2 = handle1.QuarterTurn(ratio);
+  const LM_vector2f second =
+      LM_SecondAxis(handle1.Floats(), handle2.Floats(), LM_handle_grid::Whole);
+  handle2 = {static_cast<int16_t>(second.x), static_cast<int16_t>(second.y)};
 }
 
 void LM_light_UI::AllocateCaches(unsigned long samples) {

@@ -1,29 +1,23 @@
 #include "LM_vectori2.h"
 
-#include <cmath>
-
-#include "LM_arithmetic.h"
+#include "LM_handles.h"
 
 namespace {
 
-// The product's sign is decided by the component, so that a product of 0 rounds like its component.
-int16_t RoundProduct(float factor, int16_t component, bool up) {
-  const double product = static_cast<double>(factor * static_cast<float>(component));
-  return LM_Cut16(LM_Truncate(up ? product + 0.5 : product - 0.5));
+LM_vectori2 Whole(LM_vector2f vector) {
+  return {static_cast<int16_t>(vector.x), static_cast<int16_t>(vector.y)};
 }
 
 } // namespace
 
 float LM_vectori2::Magnitude() const {
-  const float x = static_cast<float>(h);
-  const float y = static_cast<float>(v);
-  return static_cast<float>(std::sqrt(static_cast<double>(x * x + y * y)));
+  return LM_Length(Floats());
 }
 
 LM_vectori2 LM_vectori2::QuarterTurn(float factor) const {
-  return {RoundProduct(-factor, v, v < 0), RoundProduct(factor, h, h >= 0)};
+  return Whole(LM_QuarterTurn(Floats(), factor, LM_handle_grid::Whole));
 }
 
 LM_vectori2 LM_vectori2::QuarterTurnBack(float factor) const {
-  return {RoundProduct(factor, v, v >= 0), RoundProduct(-factor, h, h < 0)};
+  return Whole(LM_QuarterTurnBack(Floats(), factor, LM_handle_grid::Whole));
 }

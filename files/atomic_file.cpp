@@ -38,6 +38,18 @@ void FlushFolder(const std::string& path, const std::string& target) {
     Fail(target, EIO);
 }
 
+// 0 or -1 with errno, as rename() has it; EEXIST when the new name stands for something, ENOSYS
+// where a system's headers do not have the call.
+int RenameIfFree(const char* from, const char* to) {
+#ifdef RENAME_NOREPLACE
+  return renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+#else
+  static_cast<void>(from), static_cast<void>(to);
+  errno = ENOSYS;
+  return -1;
+#endif
+}
+
 // Gives the new file the replaced one's owner, as far as this user may, and its permissions, short
 // of running as its owner. Where it cannot have the old group, the group that it has may do what
 // strangers may. 0 or the system's error.
@@ -225,7 +237,7 @@ void AtomicFile::_Print() {
 
 void AtomicFile::_GiveName() {
   if (_existing == Existing::Keep) {
-    if (renameat2(AT_FDCWD, _temporary.c_str(), AT_FDCWD, _target.c_str(), RENAME_NOREPLACE) == 0)
+    if (RenameIfFree(_temporary.c_str(), _target.c_str()) == 0)
       return;
     if (errno == EEXIST)
       throw AlreadyThere(_target);

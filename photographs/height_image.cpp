@@ -4,6 +4,7 @@
 #include "failure.h"
 #include "image_source.h"
 
+#include "LM_height_rows.h"
 #include "LM_plane_scaling.h"
 
 #include <algorithm>
@@ -15,27 +16,16 @@ namespace {
 
 using vips::VImage;
 
-// Of the components of a pixel that is read as a height, in 65536ths.
-struct Weights {
-  int first = 0; // band
-  uint32_t weight[3] = {65536, 0, 0};
-};
-constexpr Weights LUMINANCE = {0, {19595, 38470, 7471}};
-
 // Reads rows as heights and makes them fewer and shorter.
 struct RowReader {
-  Weights weights;
+  LM_height_weights weights;
   LM_plane_reducer reducer;
   std::vector<uint16_t> row;
 
-  template <class Component> void Read(const void* pixels, int bands, uint32_t step) {
-    const auto* pixel = static_cast<const Component*>(pixels) + weights.first;
-    const int numWeighed = weights.weight[1] == 0 ? 1 : 3;
+  template <class Sample> void Read(const void* pixels, int bands) {
+    const auto* pixel = static_cast<const Sample*>(pixels);
     for (uint16_t& height : row) {
-      uint64_t sum = 0;
-      for (int i = 0; i < numWeighed; ++i)
-        sum += uint64_t{pixel[i]} * step * weights.weight[i];
-      height = static_cast<uint16_t>((sum + 32768) / 65536);
+      height = LM_HeightOf(pixel, weights);
       pixel += bands;
     }
   }
@@ -45,16 +35,17 @@ struct RowReader {
     for (int y = area->top; y < area->top + area->height; ++y) {
       const void* const pixels = VIPS_REGION_ADDR(region, 0, y);
       if (region->im->BandFmt == VIPS_FORMAT_USHORT)
-        self.Read<uint16_t>(pixels, region->im->Bands, 1);
+        self.Read<uint16_t>(pixels, region->im->Bands);
       else
-        self.Read<uint8_t>(pixels, region->im->Bands, 257);
+        self.Read<uint8_t>(pixels, region->im->Bands);
       self.reducer.Add(self.row.data());
     }
     return 0;
   }
 };
 
-LM_height_plane ReadPlane(const VImage& planes, const Weights& weights, const LM_plane_size& size) {
+LM_height_plane ReadPlane(const VImage& planes, const LM_height_weights& weights,
+                          const LM_plane_size& size) {
   RowReader reader{weights,
                    {planes.width(), planes.height(), std::min(size.width, planes.width()),
                     std::min(size.height, planes.height())},
@@ -91,7 +82,7 @@ LM_height_plane SourcePlane(const LM_height_source& source, const HeightSubject&
                         notices)
           : OpenPhotograph(subject.path, shrink, VIPS_FORMAT_NOTSET, VIPS_FORMAT_USHORT).planes;
   if (source.kind == LM_height_kind::Luminance)
-    return ReadPlane(planes, LUMINANCE, size);
+    return ReadPlane(planes, LM_LUMINANCE, size);
   if (source.channel <= planes.bands())
     return ReadPlane(planes, {source.channel - 1}, size);
   const auto added = static_cast<size_t>(source.channel - planes.bands() - 1);

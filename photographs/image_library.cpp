@@ -16,6 +16,7 @@ namespace limn {
 namespace {
 
 SizeLimit sizeLimit;
+bool isStarted = false;
 std::mutex logLock;
 std::string firstWarning;
 
@@ -109,6 +110,7 @@ void StartImageLibrary(int threads, const SizeLimit& limit) {
   if (vips_init("limn") != 0)
     throw Failure(ExitCode::Refused, "libvips does not start: " + Sentence(vips_error_buffer()));
   const unsigned all = std::max(1U, std::thread::hardware_concurrency());
+  isStarted = true;
   vips_concurrency_set(threads == ALL_THREADS ? static_cast<int>(all) : threads);
   // Each image is used once; a cache would only keep dead pictures in memory.
   vips_cache_set_max(0);
@@ -117,6 +119,10 @@ void StartImageLibrary(int threads, const SizeLimit& limit) {
   vips_operation_block_set("VipsForeignLoadRad", FALSE);
   // A table of numbers in a text file is no photograph.
   vips_operation_block_set("VipsForeignLoadMatrix", TRUE);
+}
+
+bool IsImageLibraryStarted() {
+  return isStarted;
 }
 
 const SizeLimit& ImageSizeLimit() {

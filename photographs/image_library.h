@@ -28,6 +28,8 @@ constexpr int ALL_THREADS = 0;
 // memory the process exits with ExitCode::NoMemory.
 void StartImageLibrary(int threads, const SizeLimit& limit = {});
 
+bool IsImageLibraryStarted();
+
 // What StartImageLibrary was given.
 const SizeLimit& ImageSizeLimit();
 

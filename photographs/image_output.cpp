@@ -211,6 +211,12 @@ OutputBits BitsOf(const OutputName& name) {
   return bits;
 }
 
+bool HoldsXmp(const OutputName& name) {
+  const std::string_view suffix = FormatOf(name.path).suffix;
+  return suffix == ".jpg" || suffix == ".png" || suffix == ".tif" || suffix == ".webp" ||
+         suffix == ".heic" || suffix == ".heif";
+}
+
 VipsBandFormat DepthOfBits(int bits) {
   return bits <= 8 ? VIPS_FORMAT_UCHAR : bits <= 16 ? VIPS_FORMAT_USHORT : VIPS_FORMAT_FLOAT;
 }

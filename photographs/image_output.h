@@ -34,6 +34,9 @@ struct OutputBits {
 };
 OutputBits BitsOf(const OutputName& name);
 
+// Whether files of that format hold XMP, as libvips writes them.
+bool HoldsXmp(const OutputName& name);
+
 // What so many bits are written from: UCHAR, USHORT or FLOAT.
 VipsBandFormat DepthOfBits(int bits);
 

@@ -4,6 +4,7 @@
 
 #include "LM_globals.h"
 #include "LM_style_layout.h"
+#include "LM_style_lengths.h"
 #include "LM_style_settings.h"
 #include "MacFiles.h"
 #include "MacStrings.h"
@@ -27,6 +28,9 @@ LM_bool WriteField(LM_style_ostream& stream, uint16_t value) {
 LM_bool WriteField(LM_style_ostream& stream, int16_t value) {
   return stream.WriteS16(value);
 }
+LM_bool WriteField(LM_style_ostream& stream, float length) {
+  return stream.WriteS16(LM_WholeLength(length));
+}
 LM_bool ReadField(LM_style_istream& stream, uint32_t& value) {
   return stream.ReadU32(value);
 }
@@ -35,6 +39,12 @@ LM_bool ReadField(LM_style_istream& stream, uint16_t& value) {
 }
 LM_bool ReadField(LM_style_istream& stream, int16_t& value) {
   return stream.ReadS16(value);
+}
+LM_bool ReadField(LM_style_istream& stream, float& length) {
+  int16_t whole = 0;
+  const LM_bool isRead = stream.ReadS16(whole);
+  length = whole;
+  return isRead;
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "CVFilterRecord.h"
-#include "LM_vectori2.h"
+#include "LM_vectors.h"
 
 constexpr uint16_t LM_STYLE_SIGNATURE = 0x4242;
 constexpr uint32_t LM_STYLE_MAGIC = CV_FOUR_CHARS('C', 'V', 'L', 'M');
@@ -18,17 +18,18 @@ enum LM_style_light_type : uint16_t {
   LM_STYLE_SPOT = 3 // any other code is read as a spot too
 };
 
-// Lengths are preview pixels of the preview the style was saved with; see LM_style::worldUnit.
+// Lengths are preview pixels of the preview the style was saved with; see LM_style::worldUnit. They
+// are at most 16 bits and whole where they come from a file or the dialog; JSON has fractions too.
 struct LM_style_light {
   LM_color48 color;
   int16_t intensity; // slider value minus 127
   int16_t spread;
   uint16_t on; // exactly 1: on
   uint16_t type;
-  LM_vectori2 center; // from the preview's centre
-  LM_vectori2 handle1;
-  LM_vectori2 handle2;
-  int16_t radius;
+  LM_vector2f center; // from the preview's centre, y growing downwards
+  LM_vector2f handle1;
+  LM_vector2f handle2;
+  float radius;
 };
 
 struct LM_style {

@@ -4,6 +4,7 @@
 #include <concepts>
 
 #include "LM_style_layout.h"
+#include "LM_style_lengths.h"
 
 namespace {
 
@@ -18,6 +19,13 @@ public:
     for (size_t i = 0; i < sizeof(Integer); ++i)
       bits = bits << 8 | _bytes[_at++];
     value = static_cast<Integer>(bits);
+    return true;
+  }
+  bool Read(float& length) {
+    int16_t whole = 0;
+    if (!Read(whole))
+      return false;
+    length = whole;
     return true;
   }
   bool operator()(const char*, auto& value, LM_field) { return Read(value); }
@@ -38,6 +46,7 @@ public:
     for (size_t i = sizeof(Integer); i-- > 0;)
       _bytes[_at++] = static_cast<uint8_t>(bits >> (8 * i));
   }
+  void Write(float length) { Write(LM_WholeLength(length)); }
   bool operator()(const char*, const auto& value, LM_field) {
     Write(value);
     return true;

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
+#include <concepts>
 #include <functional>
 #include <limits>
+#include <type_traits>
 
 #include "LM_color_words.h"
 #include "LM_light_kinds.h"
@@ -42,7 +45,7 @@ bool Fails(std::string& why, std::string sentence) {
   return false;
 }
 
-bool ReadInteger(std::string_view text, int64_t& value) {
+template <class Number> bool ReadNumber(std::string_view text, Number& value) {
   if (!text.empty() && text.front() == '+')
     text.remove_prefix(1);
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -56,11 +59,23 @@ bool SplitLightKey(std::string_view key, size_t& light, std::string_view& field)
   key.remove_prefix(LIGHT_PREFIX.size());
   const size_t dot = key.find('.');
   int64_t number = 0;
-  if (dot == std::string_view::npos || !ReadInteger(key.substr(0, dot), number) || number < 0)
+  if (dot == std::string_view::npos || !ReadNumber(key.substr(0, dot), number) || number < 0)
     return false;
   light = static_cast<size_t>(number);
   field = key.substr(dot + 1);
   return true;
+}
+
+// Numbers as people write them: 12, -3.5
+std::string Written(double value) {
+  char text[32];
+  return {text, std::to_chars(text, text + sizeof text, value).ptr};
+}
+
+// What a field of that type holds. A length of a style is a float, but no longer than in a file.
+template <class Number> constexpr LM_field_ends BitsOf() {
+  using Limits = std::numeric_limits<std::conditional_t<std::integral<Number>, Number, int16_t>>;
+  return {static_cast<int64_t>(Limits::min()), static_cast<int64_t>(Limits::max())};
 }
 
 // Hands the field of that name to assign(field, kind, bits), which answers what is wrong.
@@ -68,16 +83,14 @@ template <class Assign> class FieldFinder {
 public:
   FieldFinder(std::string_view name, const Assign& assign) : _name(name), _assign(assign) {}
 
-  template <class Integer> bool operator()(const char* name, Integer& field, LM_field kind) {
+  template <class Number> bool operator()(const char* name, Number& field, LM_field kind) {
     if (_name != name || kind == LM_field::Count)
       return true;
-    using Limits = std::numeric_limits<Integer>;
     _found = true;
-    int64_t value = 0;
-    _why = _assign(kind, {static_cast<int64_t>(Limits::min()), static_cast<int64_t>(Limits::max())},
-                   value);
+    double value = 0;
+    _why = _assign(kind, BitsOf<Number>(), value);
     if (_why.empty())
-      field = static_cast<Integer>(value);
+      field = static_cast<Number>(value);
     return false;
   }
   std::string Why() const { return _found ? _why : std::string(NO_SUCH_SETTING); }
@@ -89,13 +102,18 @@ private:
   bool _found = false;
 };
 
-std::string OutsideOf(int64_t value, LM_field_ends ends) {
-  return std::to_string(value) + " is not between " + std::to_string(ends.low) + " and " +
+std::string OutsideOf(double value, LM_field_ends ends) {
+  return Written(value) + " is not between " + std::to_string(ends.low) + " and " +
          std::to_string(ends.high);
 }
 
-bool IsOutside(int64_t value, LM_field_ends ends) {
-  return value < ends.low || value > ends.high;
+// NaN is outside of everything.
+bool IsOutside(double value, LM_field_ends ends) {
+  return !(value >= static_cast<double>(ends.low) && value <= static_cast<double>(ends.high));
+}
+
+bool MayBe(double value, LM_field kind) {
+  return kind == LM_field::Length || std::trunc(value) == value;
 }
 
 // Gives the field of that key, in a light that is added if need be, the value that
@@ -129,10 +147,10 @@ bool SetField(LM_style& style, std::string_view key, std::string& why, const Ass
 }
 
 // The value of a word or a number, and what is wrong with it.
-std::string ReadValue(std::string_view text, LM_field kind, LM_field_ends bits, int64_t& value) {
+std::string ReadValue(std::string_view text, LM_field kind, LM_field_ends bits, double& value) {
   for (const Word& word : WORDS)
     if (word.kind == kind && word.word == text) {
-      value = word.value;
+      value = static_cast<double>(word.value);
       return "";
     }
   for (const LM_light_kind& light : LM_LIGHT_KINDS)
@@ -140,7 +158,7 @@ std::string ReadValue(std::string_view text, LM_field kind, LM_field_ends bits, 
       value = light.code;
       return "";
     }
-  const bool isNumber = ReadInteger(text, value);
+  const bool isNumber = ReadNumber(text, value) && MayBe(value, kind);
   if (isNumber && !IsOutside(value, LM_EndsOf(kind, bits)))
     return "";
   if (kind == LM_field::LightType)
@@ -149,7 +167,8 @@ std::string ReadValue(std::string_view text, LM_field kind, LM_field_ends bits, 
   if (kind == LM_field::Flag)
     return "it is true or false";
   return isNumber ? OutsideOf(value, LM_EndsOf(kind, bits))
-                  : "\"" + std::string(text) + "\" is not a whole number";
+                  : "\"" + std::string(text) + "\" is not a " +
+                        (kind == LM_field::Length ? "number" : "whole number");
 }
 
 // The key as styles have it.
@@ -240,11 +259,14 @@ std::string LM_CountedLights(int count) {
   return std::to_string(count) + (count == 1 ? " light" : " lights");
 }
 
-bool LM_SetStyleNumber(LM_style& style, std::string_view key, int64_t value, std::string& why) {
-  const bool isSet = SetField(style, key, why, [&](LM_field, LM_field_ends bits, int64_t& field) {
-    field = value;
-    return IsOutside(value, bits) ? OutsideOf(value, bits) : std::string();
-  });
+bool LM_SetStyleNumber(LM_style& style, std::string_view key, double value, std::string& why) {
+  const bool isSet =
+      SetField(style, key, why, [&](LM_field kind, LM_field_ends bits, double& field) {
+        field = value;
+        return !MayBe(value, kind)      ? std::string("it takes a whole number")
+               : IsOutside(value, bits) ? OutsideOf(value, bits)
+                                        : std::string();
+      });
   if (why == NO_SUCH_SETTING)
     why = UnknownKey(key, Words::Styles);
   return isSet;
@@ -259,7 +281,7 @@ bool LM_SetStyleField(LM_style& style, std::string_view key, std::string_view va
   if (name == "center" || name == "handle1" || name == "handle2")
     return SetPoint(style, whole, value, why);
   const bool isSet =
-      SetField(style, whole, why, [&](LM_field kind, LM_field_ends bits, int64_t& field) {
+      SetField(style, whole, why, [&](LM_field kind, LM_field_ends bits, double& field) {
         return kind == LM_field::Version ? std::string(NO_SUCH_SETTING)
                                          : ReadValue(value, kind, bits, field);
       });

@@ -14,9 +14,9 @@ LM_style LM_NewStyle();
 // A light as the dialog's light well gives it, in the middle of the preview.
 LM_style_light LM_NewStyleLight();
 
-// Sets one field from a number, any that the field can hold. `why` tells what is wrong with the key
-// or the value.
-bool LM_SetStyleNumber(LM_style& style, std::string_view key, int64_t value, std::string& why);
+// Sets one field from a number, any that the field can hold; lengths take fractions. `why` tells
+// what is wrong with the key or the value.
+bool LM_SetStyleNumber(LM_style& style, std::string_view key, double value, std::string& why);
 
 // Sets one field, or an array of them, from what a person wrote: "150", "omni", "true",
 // "65535,40000,0". Keys and values may be the dialog's words: "ambience", "light.0.colour", "sun".

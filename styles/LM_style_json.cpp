@@ -1,6 +1,8 @@
 #include "LM_style_json.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "LM_height_words.h"
@@ -16,6 +18,9 @@ bool IsRemark(std::string_view key) {
   return key == "$schema" || key == "name" || key == "description";
 }
 
+// The object that a recipe has beside its style's settings.
+constexpr const char* RECIPE = "lit";
+
 // Takes the parser's events straight into the style; nothing of the text is kept but the present
 // key.
 class StyleReader : public nlohmann::json_sax<nlohmann::json> {
@@ -23,18 +28,18 @@ public:
   StyleReader(LM_style& style, LM_height_source& relief, std::string& why)
       : _style(style), _relief(relief), _why(why) {}
 
-  bool null() override { return Fail("null is no value"); }
+  bool null() override { return _place == Place::Remark || Fail("null is no value"); }
   bool boolean(bool value) override { return Number(value ? 1 : 0); }
-  bool number_integer(number_integer_t value) override { return Number(value); }
+  bool number_integer(number_integer_t value) override {
+    return Number(static_cast<double>(value));
+  }
   bool number_unsigned(number_unsigned_t value) override {
-    return value <= INT64_MAX ? Number(static_cast<int64_t>(value))
-                              : Fail("the number is too large");
+    return value <= INT64_MAX || _place == Place::Remark ? Number(static_cast<double>(value))
+                                                         : Fail("the number is too large");
   }
-  bool number_float(number_float_t, const string_t&) override {
-    return Fail("it takes a whole number");
-  }
+  bool number_float(number_float_t value, const string_t&) override { return Number(value); }
   bool string(string_t& value) override {
-    if (_place == Place::Style && IsRemark(_key))
+    if (_place == Place::Remark || (_place == Place::Style && IsRemark(_key)))
       return true;
     if (_place == Place::Light && _key == "type") {
       for (const LM_light_kind& kind : LM_LIGHT_KINDS)
@@ -50,6 +55,8 @@ public:
   bool binary(binary_t&) override { return Fail("it takes a number"); }
 
   bool start_object(size_t) override {
+    if (_place == Place::Remark || (_place == Place::Style && _key == RECIPE))
+      return StartRemark();
     if (_place == Place::Outside) {
       _place = Place::Style;
       return true;
@@ -68,12 +75,16 @@ public:
     return true;
   }
   bool key(string_t& value) override {
+    if (_place == Place::Remark)
+      return true;
     _key = TB_CutUTF8(value, LONGEST_KEY);
     // It would end the sentence about it where that is read as C text.
     std::replace(_key.begin(), _key.end(), '\0', '?');
     return true;
   }
   bool end_object() override {
+    if (_place == Place::Remark)
+      return EndRemark();
     _place = _place == Place::Light    ? Place::Lights
              : _place == Place::Relief ? Place::Style
                                        : Place::Outside;
@@ -81,6 +92,8 @@ public:
     return true;
   }
   bool start_array(size_t) override {
+    if (_place == Place::Remark)
+      return StartRemark();
     if (_place == Place::Style && _key == "lights") {
       _place = Place::Lights;
       return true;
@@ -93,6 +106,8 @@ public:
     return true;
   }
   bool end_array() override {
+    if (_place == Place::Remark)
+      return EndRemark();
     _place = _place == Place::Array ? _arrayIn : Place::Style;
     return true;
   }
@@ -103,7 +118,7 @@ public:
   }
 
 private:
-  enum class Place { Outside, Style, Relief, Lights, Light, Array };
+  enum class Place { Outside, Style, Relief, Lights, Light, Array, Remark };
   static constexpr size_t LONGEST_KEY = 40;
 
   // The parser's message without its own error number, and without what it read last where that is
@@ -132,12 +147,32 @@ private:
     return false;
   }
 
-  bool Number(int64_t value) {
+  // What was lit and how, which a style alone does not say, is passed over.
+  bool StartRemark() {
+    _place = Place::Remark;
+    ++_depth;
+    return true;
+  }
+  bool EndRemark() {
+    if (--_depth == 0)
+      _place = Place::Style;
+    return true;
+  }
+
+  bool Number(double value) {
+    if (_place == Place::Remark)
+      return true;
     if (_place == Place::Outside || _place == Place::Lights)
       return Fail("it takes no number");
     std::string what;
-    if (_place == Place::Relief)
-      return LM_SetHeightNumber(_relief, _key, value, what) || Fail(what);
+    if (_place == Place::Relief) {
+      // Beyond any of its settings, and still a number of 64 bits.
+      constexpr double MOST = 1e15;
+      if (std::trunc(value) != value)
+        return Fail("it takes a whole number");
+      const auto whole = static_cast<int64_t>(std::clamp(value, -MOST, MOST));
+      return LM_SetHeightNumber(_relief, _key, whole, what) || Fail(what);
+    }
     if (!LM_SetStyleNumber(_style, Path(), value, what))
       return Fail(what);
     ++_index;
@@ -151,6 +186,7 @@ private:
   Place _arrayIn = Place::Style;
   std::string _key;
   int _index = 0;
+  size_t _depth = 0; // of a remark
 };
 
 // Writes fields as `"name": value` lines; consecutive components of one array go into brackets.
@@ -158,7 +194,7 @@ class JsonWriter {
 public:
   JsonWriter(std::string& text, std::string indent) : _text(text), _indent(std::move(indent)) {}
 
-  template <class Integer> bool operator()(const char* field, const Integer& value, LM_field kind) {
+  template <class Number> bool operator()(const char* field, const Number& value, LM_field kind) {
     if (kind == LM_field::Count || kind == LM_field::Version)
       return true;
     const std::string_view whole = field;
@@ -194,6 +230,11 @@ private:
         return "\"" + std::string(light.word) + "\"";
     }
     return std::to_string(value);
+  }
+  // The shortest that gives the same float again.
+  static std::string Value(float length, LM_field) {
+    char text[64];
+    return {text, std::to_chars(text, text + sizeof text, length, std::chars_format::fixed).ptr};
   }
 
   std::string& _text;

@@ -15,7 +15,8 @@ enum class LM_field {
   MaterialSlider, // likewise
   CenteredSlider, // likewise
   Version,
-  Count // known from the list of lights
+  Length, // a float, of 16 bits in a file
+  Count   // known from the list of lights
 };
 
 struct LM_field_ends {
@@ -61,7 +62,7 @@ template <class Style, class Visit> bool LM_VisitStyleHeader(Style& style, Visit
          visit("worldUnit", style.worldUnit, LM_field::Number);
 }
 
-// The same for one light.
+// The same for one light, whose lengths are floats.
 template <class Light, class Visit> bool LM_VisitStyleLight(Light& light, Visit visit) {
   return visit("color.0", light.color.component[0], LM_field::Number) &&
          visit("color.1", light.color.component[1], LM_field::Number) &&
@@ -69,11 +70,11 @@ template <class Light, class Visit> bool LM_VisitStyleLight(Light& light, Visit 
          visit("intensity", light.intensity, LM_field::Number) &&
          visit("spread", light.spread, LM_field::Number) && visit("on", light.on, LM_field::Flag) &&
          visit("type", light.type, LM_field::LightType) &&
-         visit("center.0", light.center.h, LM_field::Number) &&
-         visit("center.1", light.center.v, LM_field::Number) &&
-         visit("handle1.0", light.handle1.h, LM_field::Number) &&
-         visit("handle1.1", light.handle1.v, LM_field::Number) &&
-         visit("handle2.0", light.handle2.h, LM_field::Number) &&
-         visit("handle2.1", light.handle2.v, LM_field::Number) &&
-         visit("radius", light.radius, LM_field::Number);
+         visit("center.0", light.center.x, LM_field::Length) &&
+         visit("center.1", light.center.y, LM_field::Length) &&
+         visit("handle1.0", light.handle1.x, LM_field::Length) &&
+         visit("handle1.1", light.handle1.y, LM_field::Length) &&
+         visit("handle2.0", light.handle2.x, LM_field::Length) &&
+         visit("handle2.1", light.handle2.y, LM_field::Length) &&
+         visit("radius", light.radius, LM_field::Length);
 }

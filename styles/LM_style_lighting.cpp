@@ -58,29 +58,12 @@ bool FillParameters(const LM_style& style, const LM_surface_figure& surface, LM_
 
 } // namespace
 
-int16_t LM_TranslateWorldUnits(int16_t value, int16_t fromUnit, int16_t toUnit) {
-  if (fromUnit == 0)
-    return 0;
-  const int32_t half = fromUnit / 2;
-  const int32_t product = value * toUnit;
-  return LM_Cut16((product + (value < 0 ? -half : half)) / fromUnit);
-}
-
-LM_style_light LM_TranslateLight(const LM_style_light& light, int16_t fromUnit, int16_t toUnit) {
-  LM_style_light out = light;
-  for (LM_vectori2* vector : {&out.center, &out.handle1, &out.handle2})
-    *vector = {LM_TranslateWorldUnits(vector->h, fromUnit, toUnit),
-               LM_TranslateWorldUnits(vector->v, fromUnit, toUnit)};
-  out.radius = LM_TranslateWorldUnits(light.radius, fromUnit, toUnit);
-  return out;
-}
-
 LM_light_figure LM_FigureOf(const LM_style_light& light) {
   return {LM_LightKindOfCode(light.type).type,
-          light.center.Floats(),
-          light.handle1.Floats(),
-          light.handle2.Floats(),
-          static_cast<float>(light.radius),
+          light.center,
+          light.handle1,
+          light.handle2,
+          light.radius,
           light.color,
           light.intensity,
           light.spread};

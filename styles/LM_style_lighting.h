@@ -5,15 +5,9 @@
 #include "LM_light_figure.h"
 #include "LM_preview_geometry.h"
 #include "LM_render.h"
-#include "LM_style.h"
+#include "LM_style_lengths.h"
 
-// A length in preview pixels, from one world unit to another: value * toUnit / fromUnit, halves
-// rounded away from zero for a positive unit; 0 when fromUnit is 0. The result is cut to 16 bits.
-int16_t LM_TranslateWorldUnits(int16_t value, int16_t fromUnit, int16_t toUnit);
-
-// The style's light with all its lengths translated. Whether it is on is left to the caller.
-LM_style_light LM_TranslateLight(const LM_style_light& light, int16_t fromUnit, int16_t toUnit);
-// The same light, ready to be converted.
+// A light of a style, ready to be converted: its lengths are in the unit of the conversion.
 LM_light_figure LM_FigureOf(const LM_style_light& light);
 
 // The relief channel, or 0 when a document of numChannels channels does not have it.

@@ -53,10 +53,10 @@ bool FitsShort(double value) {
 }
 
 // The nearest vector in whole pixels; false when it has too long a side, or is none.
-bool Rounded(double x, double y, LM_vectori2& vector) {
+bool Rounded(double x, double y, LM_vector2f& vector) {
   if (!FitsShort(std::round(x)) || !FitsShort(std::round(y)))
     return false;
-  vector = {static_cast<int16_t>(std::lround(x)), static_cast<int16_t>(std::lround(y))};
+  vector = {static_cast<float>(std::round(x)), static_cast<float>(std::round(y))};
   return true;
 }
 
@@ -88,7 +88,7 @@ template <class Found> bool SearchAround(double x, double y, int reach, Found fo
   for (int distance = 0; distance <= reach; ++distance)
     for (int v = -distance; v <= distance; ++v)
       for (int h = -distance; h <= distance; ++h) {
-        LM_vectori2 vector;
+        LM_vector2f vector;
         if (std::max(std::abs(h), std::abs(v)) == distance &&
             Rounded(std::round(x) + h, std::round(y) + v, vector) && found(vector))
           return true;
@@ -128,7 +128,7 @@ private:
         std::round(static_cast<double>(_wanted.position.z) * UNIT / static_cast<double>(LM_TAN_30));
     if (!FitsShort(radius))
       return false;
-    _found.radius = static_cast<int16_t>(radius);
+    _found.radius = static_cast<float>(radius);
     return Rounded(_wanted.position.x * UNIT, _wanted.position.y * UNIT, _found.center);
   }
 
@@ -140,7 +140,7 @@ private:
     // It stands 100 pixels less its handle's length high, at least one.
     const double length = slope < 99.0 ? 100.0 * slope / (1.0 + slope) : slope;
     const double perSine = sine > 0.0 ? length / sine : 0.0;
-    return SearchAround(x * perSine, y * perSine, 3, [&](const LM_vectori2& handle) {
+    return SearchAround(x * perSine, y * perSine, 3, [&](const LM_vector2f& handle) {
       _found.handle1 = handle;
       _Make(1);
       return SameBits(_made.direction, _wanted.direction);
@@ -162,7 +162,7 @@ private:
       const double perAcross = across > 0.0 ? sense * length / across : 0.0;
       const double sine = std::numbers::sqrt2 * std::sin(fall);
       const double second = std::sqrt(std::max(0.0, sine * sine - 1.0)) * length;
-      if (SearchAround(x * perAcross, y * perAcross, 1, [&](const LM_vectori2& handle) {
+      if (SearchAround(x * perAcross, y * perAcross, 1, [&](const LM_vector2f& handle) {
             _found.handle1 = handle;
             return _FindSecondHandle(second);
           }))
@@ -174,10 +174,10 @@ private:
   // Perpendicular to the first, as the dialog keeps it, or, in a style from elsewhere, any of that
   // length.
   bool _FindSecondHandle(double length) {
-    const double h = _found.handle1.h;
-    const double v = _found.handle1.v;
+    const auto h = static_cast<double>(_found.handle1.x);
+    const auto v = static_cast<double>(_found.handle1.y);
     const double share = length / std::max(1.0, std::hypot(h, v));
-    const auto matches = [&](const LM_vectori2& handle) {
+    const auto matches = [&](const LM_vector2f& handle) {
       _found.handle2 = handle;
       return _MatchesPlace();
     };
@@ -186,7 +186,7 @@ private:
     const auto longest = static_cast<int>(std::min<double>(length + 1.0, MOST));
     for (int side = 0; side <= longest; ++side) {
       const double other = std::sqrt(std::max(0.0, length * length - double{1} * side * side));
-      LM_vectori2 handle;
+      LM_vector2f handle;
       if (Rounded(side, other, handle) && matches(handle))
         return true;
     }

@@ -22,10 +22,10 @@ void ApplyLight(const LM_style_light& stored, const LM_globals& globals, LM_ligh
   if (light.on == 0)
     light.FreeCaches();
   light.type = LM_LightKindOfCode(stored.type).type;
-  light.center = stored.center;
-  light.handle1 = stored.handle1;
-  light.handle2 = stored.handle2;
-  light.radius = stored.radius;
+  light.center = LM_WholeLengths(stored.center);
+  light.handle1 = LM_WholeLengths(stored.handle1);
+  light.handle2 = LM_WholeLengths(stored.handle2);
+  light.radius = LM_WholeLength(stored.radius);
   light.InvalidateCaches();
 }
 
@@ -36,9 +36,9 @@ LM_style_light StoredLight(const LM_light_UI& light) {
   stored.spread = light.spread;
   stored.on = light.on == 1 ? 1 : 0;
   stored.type = LM_LightKindOfType(light.type).code;
-  stored.center = light.center;
-  stored.handle1 = light.handle1;
-  stored.handle2 = light.handle2;
+  stored.center = light.center.Floats();
+  stored.handle1 = light.handle1.Floats();
+  stored.handle2 = light.handle2.Floats();
   stored.radius = light.radius;
   return stored;
 }

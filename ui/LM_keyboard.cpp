@@ -32,16 +32,16 @@ Offset OffsetOf(const EventRecord& event) {
 
 // What the keys held with the arrow take hold of.
 Point GripOf(const LM_light_UI& light, const EventRecord& event) {
-  const LM_grab_handles grab = LM_GrabHandlesOf(light, 0);
+  const LM_grab_handles grab = LM_GrabHandlesOf(LM_ScreenFigure(light), LM_handle_grid::Whole);
   const bool second = (event.modifiers & cmdKey) != 0;
   if (!second && (event.modifiers & optionKey) == 0)
     return LM_ScreenCenter(light);
   const short wanted = second ? LM_HANDLE_SECOND_END : LM_HANDLE_FIRST_END;
   for (int i = 0; i < grab.count; ++i) {
     if (grab.handles[i].code == wanted)
-      return grab.handles[i].place;
+      return LM_PointOf(grab.handles[i].place);
   }
-  return grab.count > 0 ? grab.handles[0].place : LM_ScreenCenter(light);
+  return grab.count > 0 ? LM_PointOf(grab.handles[0].place) : LM_ScreenCenter(light);
 }
 
 } // namespace

@@ -10,65 +10,22 @@
 
 namespace {
 
-enum class Constraint { None, KeepDirection, KeepLength };
-
-LM_vectori2 VectorBetween(Point from, Point to) {
-  return {LM_Saturate16(to.h - from.h), LM_Saturate16(to.v - from.v)};
-}
-
-int16_t Truncate16(float value) {
-  return LM_Saturate16(LM_Truncate(value));
-}
-
-// A handle dragged to `offset` from the light's centre.
-LM_vectori2 Constrained(const LM_vectori2& offset, const LM_vectori2& start,
-                        Constraint constraint) {
-  const float length = offset.Magnitude();
-  const float startLength = start.Magnitude();
-  if (constraint == Constraint::KeepDirection) {
-    const float ratio = length / startLength;
-    return {Truncate16(static_cast<float>(start.h) * ratio),
-            Truncate16(static_cast<float>(start.v) * ratio)};
-  }
-  if (constraint == Constraint::KeepLength) {
-    // The products are cut to whole numbers before they are divided; those of long handles are
-    // longer than a coordinate.
-    const auto component = [&](int16_t value) {
-      const int32_t product = LM_Truncate(static_cast<float>(value) * startLength);
-      return Truncate16(static_cast<float>(product) / length);
-    };
-    return {component(offset.h), component(offset.v)};
-  }
-  return offset;
-}
-
-int16_t OmniRadius(Point center, Point mouse, short handleCode, int16_t radius) {
-  switch (handleCode) {
-  case LM_HANDLE_FIRST_BACK:
-    return LM_Saturate16(center.h - mouse.h);
-  case LM_HANDLE_SECOND_BACK:
-    return LM_Saturate16(center.v - mouse.v);
-  case LM_HANDLE_FIRST_END:
-    return LM_Saturate16(mouse.h - center.h);
-  case LM_HANDLE_SECOND_END:
-    return LM_Saturate16(mouse.v - center.v);
-  default:
-    return radius;
-  }
-}
-
 int16_t Clamp(int16_t value, int16_t first, int16_t end) {
   if (value >= end)
     value = static_cast<int16_t>(end - 1);
   return value < first ? first : value;
 }
 
-Constraint ConstraintByKeys() {
+LM_drag_constraint ConstraintOf(bool keepDirection, bool keepLength) {
+  return keepDirection ? LM_drag_constraint::KeepDirection
+         : keepLength  ? LM_drag_constraint::KeepLength
+                       : LM_drag_constraint::None;
+}
+
+LM_drag_constraint ConstraintByKeys() {
   KeyMap keys;
   GetKeys(keys);
-  if (KeyIsDown(keys, kShiftKeyCode))
-    return Constraint::KeepDirection;
-  return KeyIsDown(keys, kCommandKeyCode) ? Constraint::KeepLength : Constraint::None;
+  return ConstraintOf(KeyIsDown(keys, kShiftKeyCode), KeyIsDown(keys, kCommandKeyCode));
 }
 
 // The figure of a light that is being moved, over the preview and the trash.
@@ -188,20 +145,20 @@ void LM_light_UI::DragGrabHandle(GrafPort* dialog, LM_globals* owner, short hand
   LM_vectori2 start1 = handle1;
   LM_vectori2 start2 = handle2;
   Point last{};
-  Constraint lastConstraint = Constraint::None;
+  LM_drag_constraint lastConstraint = LM_drag_constraint::None;
   bool moved = false;
   const auto follow = [&] {
     Point mouse;
     GetMouse(&mouse);
     mouse.h = Clamp(mouse.h, preview.left, preview.right);
     mouse.v = Clamp(mouse.v, preview.top, preview.bottom);
-    const Constraint constraint = ConstraintByKeys();
+    const LM_drag_constraint constraint = ConstraintByKeys();
     // The shape follows from the start and these alone, so a still mouse needs no work.
     if (moved && EqualPt(mouse, last) && constraint == lastConstraint)
       return;
     _SetNewHandlePosition(mouse.h, mouse.v, owner, preview, handleCode, start1, start2,
-                          constraint == Constraint::KeepDirection,
-                          constraint == Constraint::KeepLength);
+                          constraint == LM_drag_constraint::KeepDirection,
+                          constraint == LM_drag_constraint::KeepLength);
     last = mouse;
     lastConstraint = constraint;
     moved = true;
@@ -219,58 +176,20 @@ void LM_light_UI::_SetNewHandlePosition(short h, short v, LM_globals* owner, Rec
                                         LM_vectori2& startHandle2, LM_bool keepDirection,
                                         LM_bool keepLength) {
   _DrawXORActive(0, 0, owner);
-  const Point middle = LM_ScreenCenter(*this);
-  const Point mouse = {v, h};
-  const Constraint constraint = keepDirection != 0 ? Constraint::KeepDirection
-                                : keepLength != 0  ? Constraint::KeepLength
-                                                   : Constraint::None;
-  if (type == LM_LIGHT_DIRECTIONAL) {
-    handle1 = Constrained(VectorBetween(middle, mouse), startHandle1, constraint);
-    InvalidateCaches();
-  } else if (type == LM_LIGHT_OMNI) {
-    radius = OmniRadius(middle, mouse, handleCode, radius);
-    InvalidateCaches();
-    if (radius < 1)
-      radius = 1;
-  } else if (type == LM_LIGHT_SPOT) {
-    const bool back = handleCode == LM_HANDLE_FIRST_BACK || handleCode == LM_HANDLE_SECOND_BACK;
-    const bool second = handleCode == LM_HANDLE_SECOND_BACK || handleCode == LM_HANDLE_SECOND_END;
-    const LM_vectori2 offset = back ? VectorBetween(mouse, middle) : VectorBetween(middle, mouse);
-    _ReshapeSpot(Constrained(offset, second ? startHandle2 : startHandle1, constraint), handleCode,
-                 startHandle1, startHandle2);
-  }
-  _DrawXORActive(0, 0, owner);
-}
-
-// Sets the axis that the handle belongs to, and turns the other one to stand on it. The first axis
-// stays the longer one, whichever is dragged.
-void LM_light_UI::_ReshapeSpot(const LM_vectori2& dragged, short handleCode,
-                               const LM_vectori2& startHandle1, const LM_vectori2& startHandle2) {
-  switch (handleCode) {
-  case LM_HANDLE_FIRST_BACK:
-  case LM_HANDLE_FIRST_END: {
-    handle1 = dragged;
-    float ratio = startHandle2.Magnitude() / handle1.Magnitude();
-    if (ratio >= 1.0F)
-      ratio = 1.0F;
-    handle2 = handle1.QuarterTurn(ratio);
-    break;
-  }
-  case LM_HANDLE_SECOND_BACK:
-  case LM_HANDLE_SECOND_END: {
-    handle2 = dragged;
-    handle1 = startHandle1;
-    // An axis without length has no direction that the other one could stand on.
-    if (handle2 == LM_vectori2{0, 0})
-      break;
-    float ratio = handle1.Magnitude() / handle2.Magnitude();
-    if (ratio < 1.0F)
-      ratio = 1.0F;
-    handle1 = handle2.QuarterTurnBack(ratio);
-    break;
-  }
-  default:
-    break;
-  }
+  LM_light_figure start = LM_ScreenFigure(*this);
+  start.handle1 = startHandle1.Floats();
+  start.handle2 = startHandle2.Floats();
+  const LM_light_figure shape =
+      LM_ReshapeLight(start, handleCode, LM_FloatsOf({v, h}),
+                      ConstraintOf(keepDirection != 0, keepLength != 0), LM_handle_grid::Whole);
+  const bool isGrabHandle =
+      handleCode >= LM_HANDLE_FIRST_BACK && handleCode <= LM_HANDLE_SECOND_END;
+  if (type == LM_LIGHT_OMNI)
+    radius = static_cast<int16_t>(shape.radius);
+  if (type == LM_LIGHT_DIRECTIONAL || (type == LM_LIGHT_SPOT && isGrabHandle))
+    handle1 = LM_WholeVector(shape.handle1);
+  if (type == LM_LIGHT_SPOT && isGrabHandle)
+    handle2 = LM_WholeVector(shape.handle2);
   InvalidateCaches();
+  _DrawXORActive(0, 0, owner);
 }

@@ -27,6 +27,11 @@ void DrawHandleLine(const LM_light_UI& light) {
   LineTo(to.h, to.v);
 }
 
+// An omni's right and bottom handles are drawn inside its circle.
+LM_grab_handles DrawnHandles(const LM_light_UI& light) {
+  return LM_GrabHandlesOf(LM_ScreenFigure(light), LM_handle_grid::Whole, 1);
+}
+
 Point EllipsePoint(const LM_light_UI& light, const LM_globals& owner, int step) {
   const float cosine = owner.ellipseCos[step];
   const float sine = owner.ellipseSin[step];
@@ -98,9 +103,11 @@ void LM_light_UI::_DrawHandles(PixPat** pattern, LM_bool withGrabHandles) {
   if (withGrabHandles == 0)
     return;
   MakeRGBPat(pattern, &MID_GREY);
-  const LM_grab_handles grab = LM_GrabHandlesOf(*this, 1);
-  for (int i = 0; i < grab.count; ++i)
-    _DrawGrabHandle(grab.handles[i].place.h, grab.handles[i].place.v, pattern);
+  const LM_grab_handles grab = DrawnHandles(*this);
+  for (int i = 0; i < grab.count; ++i) {
+    const Point place = LM_PointOf(grab.handles[i].place);
+    _DrawGrabHandle(place.h, place.v, pattern);
+  }
 }
 
 void LM_light_UI::_DrawCenterHandle(PixPat** pattern) {
@@ -180,9 +187,11 @@ void LM_light_UI::_DrawXORHandles(LM_bool withCenter, LM_bool withGrabHandles) {
     _DrawXORCenterHandle(nullptr);
   if (withGrabHandles == 0)
     return;
-  const LM_grab_handles grab = LM_GrabHandlesOf(*this, 1);
-  for (int i = 0; i < grab.count; ++i)
-    _DrawXORGrabHandle(grab.handles[i].place.h, grab.handles[i].place.v, nullptr);
+  const LM_grab_handles grab = DrawnHandles(*this);
+  for (int i = 0; i < grab.count; ++i) {
+    const Point place = LM_PointOf(grab.handles[i].place);
+    _DrawXORGrabHandle(place.h, place.v, nullptr);
+  }
 }
 
 void LM_light_UI::_DrawXORCenterHandle(PixPat**) {

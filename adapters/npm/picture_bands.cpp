@@ -4,9 +4,12 @@
 #include "picture.h"
 #include "settings.h"
 
+#include "LM_height_words.h"
+#include "LM_plane_scaling.h"
 #include "LM_style_lighting.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 struct limn_bands {
@@ -19,47 +22,95 @@ struct limn_bands {
 namespace limn {
 namespace {
 
-std::unique_ptr<limn_bands> Prepare(const limn_settings* settings, const limn_picture& picture) {
+// The size that the style is fitted to; that of `area` unless the picture is a reduced one.
+struct Fit {
+  int width, height;
+};
+
+std::unique_ptr<limn_bands> Prepare(const limn_settings* settings, const limn_picture& picture,
+                                    Fit fit) {
   NeedPointer(settings, "settings");
   const Format format = FormatOf(picture);
+  const int areaWidth = format.area.right - format.area.left;
+  if (fit.width < 1 || fit.height < 1)
+    fit = {areaWidth, format.area.bottom - format.area.top};
   auto bands = std::make_unique<limn_bands>();
-  const LM_render_result prepared = LM_PrepareStyle(settings->style, format.area, format.width,
-                                                    format.height, format.channels, bands->job);
-  if (prepared == LM_render_result::NoLight)
+  foo& params = bands->job.params;
+  if (!LM_ParametersFromStyle(settings->style, fit.width, fit.height, format.channels, &params))
     throw CallFailure{LIMN_BAD_STYLE, "the style holds no light"};
+  // Where a pixel stands for several, heights are as many times closer together.
+  if (fit.width != areaWidth)
+    params.bumpHeight =
+        static_cast<int32_t>(std::lround(1.0 * params.bumpHeight * areaWidth / fit.width));
   bands->scratch = LM_NewRenderScratch();
-  if (prepared != LM_render_result::Done || bands->scratch == nullptr)
+  if (LM_PrepareRender(params, format.area, format.width, format.height, LM_BestKernels(),
+                       bands->job) != LM_render_result::Done ||
+      bands->scratch == nullptr)
     throw std::bad_alloc();
   bands->channels = format.channels;
-  bands->ownRelief = bands->job.params.bumpChannel;
+  bands->ownRelief = params.bumpChannel;
   return bands;
 }
 
 template <class Byte>
-LM_view<Byte> RowsOf(Byte* pixels, int32_t kind, int32_t step, int32_t width, int32_t first,
-                     int32_t last) {
+LM_view<Byte> ViewOf(Byte* pixels, int32_t kind, int32_t step, const LM_rect& part) {
   const ptrdiff_t pixelStep = ptrdiff_t{LM_ComponentBytes(static_cast<LM_pixel_kind>(kind))} * step;
-  return {pixels, pixelStep * width, pixelStep, {first, 0, last, width}};
+  return {pixels, pixelStep * (part.right - part.left), pixelStep, part};
 }
 
 void Light(limn_bands& bands, const limn_band& band) {
-  const int32_t width = bands.job.imageWidth;
   LM_render_views views = {};
   views.kind = static_cast<LM_pixel_kind>(band.kind);
-  views.output = RowsOf(band.pixels, band.kind, bands.channels, width, band.first, band.last);
+  views.output = ViewOf(band.pixels, band.kind, bands.channels, band.part);
   views.source = {views.output.pixels, views.output.rowStride, views.output.pixelStep,
                   views.output.bounds};
   if (band.relief != nullptr) {
     views.reliefKind = static_cast<LM_pixel_kind>(band.relief_kind);
-    views.relief = RowsOf(band.relief, band.relief_kind, band.relief_step, width, band.relief_first,
-                          band.relief_last);
+    views.relief = ViewOf(band.relief, band.relief_kind, band.relief_step, band.relief_part);
   }
   const LM_rect& area = bands.job.area;
-  const LM_rect part = {std::max(band.first, area.top), area.left, std::min(band.last, area.bottom),
-                        area.right};
+  const LM_rect part = {std::max(band.part.top, area.top), std::max(band.part.left, area.left),
+                        std::min(band.part.bottom, area.bottom),
+                        std::min(band.part.right, area.right)};
   const LM_render_result result = LM_RenderRect(bands.job, views, part, *bands.scratch);
   if (result != LM_render_result::Done)
     throw CallFailure{LIMN_FAILED, LM_RenderMessage(result)};
+}
+
+// 16 bits: 0.299 red + 0.587 green + 0.114 blue of pixels of four bytes, as the command has it.
+uint16_t LuminanceOf(const uint8_t* pixel) {
+  const uint32_t sum = pixel[0] * 19595U + pixel[1] * 38470U + pixel[2] * 7471U;
+  return static_cast<uint16_t>((uint64_t{sum} * 257 + 32768) / 65536);
+}
+
+LM_height_plane ReducedLuminance(const limn_heights& heights, const LM_plane_size& size) {
+  LM_plane_reducer reducer(heights.width, heights.height, std::min(size.width, heights.width),
+                           std::min(size.height, heights.height));
+  std::vector<uint16_t> row(static_cast<size_t>(heights.width));
+  const uint8_t* pixel = heights.pixels;
+  for (int32_t y = 0; y < heights.height; ++y) {
+    for (uint16_t& height : row) {
+      height = LuminanceOf(pixel);
+      pixel += 4;
+    }
+    reducer.Add(row.data());
+  }
+  return reducer.Take();
+}
+
+void MakeHeights(const limn_heights& heights) {
+  LM_height_source source;
+  if (!LM_SetHeightSource(source, heights.source))
+    throw CallFailure{LIMN_BAD_ARGUMENT, "relief: it is " + LM_HeightSourceWords()};
+  source = LM_ResolvedSource(source, true);
+  const LM_plane_size size = LM_PreparedSize(source, heights.out_width, heights.out_height);
+  LM_height_plane plane = ReducedLuminance(heights, size);
+  LM_PrepareHeights(source, heights.picture_side, plane);
+  const LM_plane_enlarger enlarger(plane, heights.out_width, heights.out_height);
+  std::vector<double> scratch;
+  for (int32_t y = 0; y < heights.out_height; ++y)
+    enlarger.MakeRow(y, 0, heights.out_width, heights.out + ptrdiff_t{y} * heights.out_width,
+                     scratch);
 }
 
 } // namespace
@@ -67,12 +118,13 @@ void Light(limn_bands& bands, const limn_band& band) {
 
 limn_bands* limn_bands_prepare(const limn_settings* settings, int32_t width, int32_t height,
                                int32_t channels, int32_t x, int32_t y, int32_t areaWidth,
-                               int32_t areaHeight, limn_error* error) {
+                               int32_t areaHeight, int32_t fitWidth, int32_t fitHeight,
+                               limn_error* error) {
   return limn::GuardedMade<limn_bands*>(error, [&] {
     limn_picture picture = {};
     picture.width = width, picture.height = height, picture.channels = channels;
     picture.area = {x, y, areaWidth, areaHeight};
-    return limn::Prepare(settings, picture).release();
+    return limn::Prepare(settings, picture, {fitWidth, fitHeight}).release();
   });
 }
 
@@ -86,4 +138,12 @@ limn_result limn_bands_light(limn_bands* bands, const limn_band* band, limn_erro
 
 void limn_bands_free(limn_bands* bands) {
   delete bands;
+}
+
+int32_t limn_preview_width(int32_t width, int32_t height) {
+  return LM_FitPreviewInFrame(width, height).width;
+}
+
+limn_result limn_heights_make(const limn_heights* heights, limn_error* error) {
+  return limn::Guard(error, [&] { limn::MakeHeights(*heights); });
 }

@@ -8,8 +8,7 @@ function localWorker(engine, pause) {
   return {
     async light(job, band) {
       await pause();
-      engine.light(job, band);
-      return band.pixels;
+      return engine.light(job, band);
     },
     close() {},
   };
@@ -17,7 +16,7 @@ function localWorker(engine, pause) {
 
 // A worker as its user sees it. port: {post(message, moved), onMessage(handler), onError(handler),
 // busy(whether), close()}; one that is not busy keeps no program alive.
-function pooledWorker(port, module) {
+export function pooledWorker(port, module) {
   const waiting = new Map();
   let tasks = 0;
   let lost = null;
@@ -26,25 +25,29 @@ function pooledWorker(port, module) {
     for (const { reject } of waiting.values()) reject(error);
     waiting.clear();
   };
-  port.onMessage(({ task, pixels, error }) => {
+  port.onMessage(({ task, result, error }) => {
     const { resolve, reject } = waiting.get(task) ?? {};
     waiting.delete(task);
     port.busy(waiting.size > 0);
-    if (error === undefined) resolve?.(pixels);
+    if (error === undefined) resolve?.(result);
     else reject?.(failure(error.code.replace("LIMN_", ""), error.message));
   });
   port.onError((error) => rejectAll(failure("FAILED", `a worker failed: ${error.message}`)));
   port.post({ module }, []);
+  // What that method of the worker's engine gives, a typed array.
+  const run = (method, values, moved) =>
+    new Promise((resolve, reject) => {
+      if (lost !== null) throw lost;
+      waiting.set(++tasks, { resolve, reject });
+      port.busy(true);
+      port.post({ task: tasks, method, values }, moved);
+    });
   return {
+    run,
     light(job, band) {
-      return new Promise((resolve, reject) => {
-        if (lost !== null) throw lost;
-        waiting.set(++tasks, { resolve, reject });
-        const moved = [band.pixels.buffer];
-        if (band.relief !== null) moved.push(band.relief.data.buffer);
-        port.busy(true);
-        port.post({ task: tasks, job, band }, moved);
-      });
+      const moved = [band.pixels.buffer];
+      if (band.relief !== null) moved.push(band.relief.data.buffer);
+      return run("light", [job, band], moved);
     },
     close() {
       port.close();
@@ -70,15 +73,15 @@ export async function loadOn(platform, { wasm, workers = 0 } = {}) {
 // What runs inside a worker. post(message, transferred) answers.
 export function answer(post) {
   let engine;
-  return async ({ module, task, job, band }) => {
+  return async ({ module, task, method, values }) => {
     if (module !== undefined) {
       engine = Engine.start(module);
       engine.catch(() => {}); // told with the first band
       return;
     }
     try {
-      (await engine).light(job, band);
-      post({ task, pixels: band.pixels }, [band.pixels.buffer]);
+      const result = (await engine)[method](...values);
+      post({ task, result }, [result.buffer]);
     } catch (error) {
       post({ task, error: { code: error.code ?? "LIMN_FAILED", message: error.message } }, []);
     }

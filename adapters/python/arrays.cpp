@@ -13,6 +13,8 @@ std::string Told(const py::handle& value) {
   return std::string(py::str(value));
 }
 
+} // namespace
+
 limn_kind KindOf(const char* name, const py::array& array) {
   const py::dtype type = array.dtype();
   const bool isNative = type.byteorder() == '=' || type.byteorder() == '|';
@@ -25,6 +27,22 @@ limn_kind KindOf(const char* name, const py::array& array) {
   Refuse(std::string(name) + ": its samples are " + Told(type) +
          ", not uint8, uint16 or float32 in this machine's byte order");
 }
+
+py::array Packed(const py::array& array) {
+  py::array packed = py::array::ensure(array, py::array::c_style);
+  if (!packed)
+    throw py::error_already_set();
+  return packed;
+}
+
+int32_t SizeOf(const char* name, py::ssize_t size) {
+  if (size > LIMN_LONGEST_SIDE)
+    Refuse(std::string(name) + ": " + std::to_string(size) + " is more than " +
+           std::to_string(LIMN_LONGEST_SIDE));
+  return static_cast<int32_t>(size);
+}
+
+namespace {
 
 // Dimensions of one element have a stride that says nothing.
 bool IsStepAtLeast(const py::array& array, int dimension, py::ssize_t bytes) {
@@ -45,13 +63,6 @@ bool HasHeights(const py::array& relief) {
   return IsStepAtLeast(relief, 0, relief.itemsize()) && IsStepAtLeast(relief, 1, relief.itemsize());
 }
 
-py::array Packed(const py::array& array) {
-  py::array packed = py::array::ensure(array, py::array::c_style);
-  if (!packed)
-    throw py::error_already_set();
-  return packed;
-}
-
 py::array Empty(const py::array& like) {
   return py::array(like.dtype(), {like.shape(0), like.shape(1), like.shape(2)});
 }
@@ -59,15 +70,6 @@ py::array Empty(const py::array& like) {
 // 0, which the library fills in, where there is one element and any stride would do.
 py::ssize_t Stride(const py::array& array, int dimension) {
   return array.shape(dimension) <= 1 ? 0 : array.strides(dimension);
-}
-
-// Checked before anything is copied: repeated rows can make an array of any size. The library has
-// the same limit for channels.
-int32_t SizeOf(const char* name, py::ssize_t size) {
-  if (size > LIMN_LONGEST_SIDE)
-    Refuse(std::string(name) + ": " + std::to_string(size) + " is more than " +
-           std::to_string(LIMN_LONGEST_SIDE));
-  return static_cast<int32_t>(size);
 }
 
 void CheckOut(const py::array& image, const py::array& out) {

@@ -2,6 +2,7 @@
 // makes of them.
 #include "arrays.h"
 #include "errors.h"
+#include "heights.h"
 #include "settings.h"
 
 #include <array>
@@ -88,6 +89,17 @@ PYBIND11_MODULE(_limn, module) {
   module.def("light", &Light, py::arg("image").noconvert(), py::arg("settings"),
              py::arg("relief").noconvert(), py::arg("area"), py::arg("threads"),
              py::arg("out").noconvert());
+  module.def(
+      "heights",
+      [](const py::array& image, const std::string& kind, int channel, int smoothing, int detail,
+         bool fit, bool invert) {
+        const LM_height_kind known = kind == "auto"        ? LM_height_kind::Auto
+                                     : kind == "luminance" ? LM_height_kind::Luminance
+                                                           : LM_height_kind::Channel;
+        return Heights(image, {known, channel, "", smoothing, detail, fit, invert});
+      },
+      py::arg("image").noconvert(), py::arg("kind"), py::arg("channel"), py::arg("smoothing"),
+      py::arg("detail"), py::arg("fit"), py::arg("invert"));
   module.def("style_names", &StyleNames);
   module.def("version", &limn_version);
 }

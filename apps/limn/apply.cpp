@@ -91,10 +91,12 @@ private:
   void _Done(const JobResult& result) {
     const ImagePair& pair = _plan.pairs[result.job];
     const JobDone& done = result.done;
-    if (done.skipped != 0) {
+    if (done.skipped != JobDone::No) {
       Skipped(pair);
       if (!_plan.options.quiet && !_plan.options.json)
-        PrintProblem(pair.output.path + ": has come meanwhile, and is kept");
+        PrintProblem(pair.output.path + (done.skipped == JobDone::UpToDate
+                                             ? ": is up to date"
+                                             : ": has come meanwhile, and is kept"));
     } else if (_plan.options.json) {
       nlohmann::ordered_json line = _LineOf(pair, {{"size", {done.width, done.height}}});
       if (_plan.options.isDryRun)
@@ -216,7 +218,7 @@ JobDone Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job
   } catch (const AlreadyThere&) {
     if (!plan.options.isSkippingExisting)
       throw;
-    return {0, 0, 1};
+    return {0, 0, JobDone::CameMeanwhile};
   } catch (...) {
     throw CaughtFailure(ShownName(plan.pairs[job].input));
   }
@@ -231,7 +233,7 @@ ExitCode Apply(const ApplyOptions& options) {
   std::vector<ImagePair> skipped;
   if (options.isSkippingExisting)
     skipped = SkipExisting(plan);
-  if (options.force) {
+  if (options.force || options.isUpdating) {
     std::vector<std::string> shared = options.channels;
     if (!options.mask.empty())
       shared.push_back(options.mask);

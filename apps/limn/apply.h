@@ -19,6 +19,8 @@ struct ApplyOptions {
   bool isRecursive = false;
   std::string shard; // "I/N", or empty
   bool isSkippingExisting = false;
+  bool isWritingRecipe = false;
+  bool isUpdating = false;         // leaves out what is up to date; writes recipes too
   std::vector<std::string> styles; // none: the default one
   std::vector<std::string> settings;
   std::string area; // "X,Y,W,H", or empty

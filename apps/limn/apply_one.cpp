@@ -5,7 +5,9 @@
 #include "height_image.h"
 #include "image_library.h"
 #include "image_output.h"
+#include "image_recipe.h"
 #include "image_source.h"
+#include "lit_photograph.h"
 #include "output_target.h"
 
 #include <algorithm>
@@ -28,44 +30,12 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
   // Only --relief names a file, and it does so for all styles.
   if (!plan.reliefs.empty() && plan.reliefs[0].kind == LM_height_kind::File)
     tools.surroundings.relief = ReadGreyImage(plan.reliefs[0].file);
+  if (plan.options.isWritingRecipe || plan.options.isUpdating)
+    tools.recipe = CommonRecipe(plan);
   return tools;
 }
 
 namespace {
-
-HeightSubject SubjectOf(const std::string& path, int width, int height,
-                        const Surroundings& surroundings) {
-  return {path, width, height, surroundings.channels,
-          surroundings.relief ? &*surroundings.relief : nullptr};
-}
-
-// Gives the settings the channels that follow a photograph's own, made its size, and the heights
-// that its relief is taken from, if they are none of these.
-void SetChannels(const LM_height_source& source, const HeightSubject& subject,
-                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings) {
-  const auto asDeep = [isDeep](const vips::VImage& image) {
-    return isDeep ? image
-                  : image.cast(VIPS_FORMAT_UCHAR, vips::VImage::option()->set("shift", true));
-  };
-  settings.channels.clear();
-  for (GreyImage& channel : added)
-    settings.channels.push_back(channel.width == subject.width && channel.height == subject.height
-                                    ? BandOf(channel, isDeep)
-                                    : asDeep(ScaledImage(channel, subject)));
-  UseHeights(source, numPlanes, settings, [&] { return asDeep(HeightImage(source, subject)); });
-}
-
-void NoteScaled(const Surroundings& surroundings, int width, int height,
-                std::vector<std::string>& notices) {
-  const auto note = [&](const GreyImage& grey) {
-    if (grey.width != width || grey.height != height)
-      notices.push_back(ScaledNotice(grey, width, height));
-  };
-  for (const GreyImage& channel : surroundings.channels)
-    note(channel);
-  if (surroundings.relief)
-    note(*surroundings.relief);
-}
 
 // Tells libvips' progress, in whole percents.
 struct ProgressTeller {
@@ -111,7 +81,7 @@ std::string NoteDepth(int numBits, VipsBandFormat lit, const std::string& asked,
 JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                        const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
-  const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
+  const Existing existing = plan.ExistingOutputs();
   const LM_style& style = plan.styles[pair.style];
   const std::string source = ShownName(pair.input);
   const Complaints complaints;
@@ -125,14 +95,12 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
     complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();
-    Surroundings& surroundings = tools.surroundings;
-    CheckSurroundings(surroundings, width, height, source);
-    const LM_height_source& relief = plan.reliefs[pair.style];
-    if (relief.kind == LM_height_kind::Style)
-      NoteMissingRelief(style,
-                        opened.planes.bands() + static_cast<int>(surroundings.channels.size()),
-                        opened.notices);
-    NoteScaled(surroundings, width, height, opened.notices);
+    const ImageRecipe recipe(plan, tools, index, NumBits(opened.planes.format()));
+    if (plan.options.isUpdating && recipe.IsIn(plan.targets[index]))
+      return {width, height, JobDone::UpToDate};
+    const LightingOfPhotographs light{style, plan.reliefs[pair.style], tools.surroundings,
+                                      plan.options.depth != "8"};
+    light.Check(pair.input, opened);
     const std::string depthNotice =
         NoteDepth(opened.numBits, opened.planes.format(), plan.options.depth, pair.output);
     const auto tellNotices = [&] {
@@ -145,17 +113,13 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
       tellNotices();
       return {width, height};
     }
-    const bool isDeep = plan.options.depth != "8";
-    LitSettings settings = SettingsFor(surroundings, isDeep);
-    settings.style = style;
-    SetChannels(relief, SubjectOf(pair.input, width, height, surroundings), surroundings.channels,
-                opened.planes.bands(), isDeep, settings);
-    settings.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
-    const vips::VImage lit = LitImage(opened.planes, settings);
+    const auto hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
+    const vips::VImage lit = light.Light(pair.input, opened.planes, hasSourceFailed);
+    recipe.PutInto(opened.metadata, pair.output, opened.notices);
     vips_image_set_progress(lit.get_image(), TRUE);
     g_signal_connect(lit.get_image(), "eval", G_CALLBACK(ProgressTeller::Tell), &teller);
-    WriteImage({lit, opened.metadata, source, settings.hasSourceFailed}, pair.output,
-               plan.targets[index], existing, complaints, opened.notices);
+    WriteImage({lit, opened.metadata, source, hasSourceFailed}, pair.output, plan.targets[index],
+               existing, complaints, opened.notices);
     tellNotices();
     return {width, height};
   } catch (const AlreadyThere&) {
@@ -199,8 +163,11 @@ void AddRelief(const LM_height_source& source, const std::string& path, LM_style
 JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                            const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
-  const Existing existing = plan.options.force ? Existing::Replace : Existing::Keep;
+  const Existing existing = plan.ExistingOutputs();
   const std::string source = ShownName(pair.input);
+  const ImageRecipe recipe(plan, tools, index, NumBits(VIPS_FORMAT_UCHAR));
+  if (plan.options.isUpdating && recipe.IsIn(plan.targets[index]))
+    return {0, 0, JobDone::UpToDate};
   Photograph photograph = ReadPhotograph(pair.input);
   channel.Progress(READ_SHARE);
   double told = 0;
@@ -213,10 +180,21 @@ JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t inde
     told = share;
     channel.Progress(READ_SHARE + share * (LIT_SHARE - READ_SHARE));
   });
+  recipe.PutInto(photograph.metadata, pair.output, photograph.notices);
   WritePhotograph(photograph, pair.output, plan.targets[index], existing);
   for (const std::string& notice : photograph.notices)
     channel.Notice(source + ": " + notice);
   return {photograph.width, photograph.height};
+}
+
+// An update replaces what it made before, which is never its input.
+void CheckOutput(const ApplyPlan& plan, const ImagePair& pair) {
+  try {
+    CheckTarget(pair.input, pair.output, plan.options.force ? Existing::Replace : Existing::Keep);
+  } catch (const AlreadyThere&) {
+    if (!plan.options.isUpdating)
+      throw;
+  }
 }
 
 } // namespace
@@ -224,7 +202,7 @@ JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t inde
 JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                  const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
-  CheckTarget(pair.input, pair.output, plan.options.force ? Existing::Replace : Existing::Keep);
+  CheckOutput(plan, pair);
   CheckOutputFormat(pair.output);
   if (plan.options.isDryRun)
     CheckFolder(plan.targets[index]);

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "apply.h"
+#include "atomic_file.h"
 #include "image_list.h"
 #include "lighting.h"
+#include "recipe.h"
 #include "worker_pool.h"
 
 #include <optional>
@@ -22,12 +24,17 @@ struct ApplyPlan {
   std::vector<UnlistedName> failures; // told for the whole batch
   std::vector<std::string> targets;   // where each output really goes; see ResolveTarget
   int threads = 1;                    // of libvips, in each process
+
+  Existing ExistingOutputs() const {
+    return options.force || options.isUpdating ? Existing::Replace : Existing::Keep;
+  }
 };
 
 // What is read once in each process, before its first image.
 struct ApplyTools {
   std::optional<CVPlugin> plugin; // none: the lighting is done here
   Surroundings surroundings;
+  Recipe recipe; // what all images have in common, where recipes are written
 };
 
 // Starts the image library too. Throws Failure.

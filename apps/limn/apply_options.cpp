@@ -47,6 +47,7 @@ std::string ApplyNotes() {
          "  limn apply -s 'Evening Lamp' --set exposure=150 photo.jpg -o 'lit.jpg[Q=92]'\n"
          "  limn apply -s 'Carved in Stone' --relief auto photo.jpg -o lit.jpg\n"
          "  limn apply -s 'Raking Light' --relief heights.png photo.jpg -o lit.png\n"
+         "  limn apply --update -s style.json -r holiday -o lit/\n"
          "  limn apply -s Campfire -s Clay *.jpg -o 'lit/{name}-{style}.{ext}'\n"
          "  limn apply -r holiday -o lit/ --skip-existing --json\n"
          "  fetch photo.jpg | limn apply - -o -.jpg | store lit.jpg\n\n";
@@ -86,11 +87,20 @@ void AddOutput(CLI::App& apply, ApplyOptions& options) {
            "(jpg[Q=92]). For folders, patterns and standard output");
   CLI::Option* const force = apply.add_flag("-f,--force", options.force,
                                             "Replace existing files, the inputs too if so named");
+  CLI::Option* const skip = apply.add_flag("--skip-existing", options.isSkippingExisting,
+                                           "Leave out images whose output is there already: goes\n"
+                                           "on with a batch that was stopped");
+  skip->excludes(force);
+  apply.add_flag("--recipe", options.isWritingRecipe,
+                 "Write how each image was lit into its XMP, for\n"
+                 "limn verify, --update and --style LIT.jpg");
   apply
-      .add_flag("--skip-existing", options.isSkippingExisting,
-                "Leave out images whose output is there already: goes\non with a batch that was "
-                "stopped")
-      ->excludes(force);
+      .add_flag("--update", options.isUpdating,
+                "Leave out images whose output was made with this very\n"
+                "recipe and is younger than they are, and replace the\n"
+                "others' outputs; writes recipes")
+      ->excludes(force)
+      ->excludes(skip);
   apply.add_flag("--dry-run", options.isDryRun,
                  "Print what would be written and what refused, going by\n"
                  "the images' headers, and write nothing");
@@ -98,8 +108,9 @@ void AddOutput(CLI::App& apply, ApplyOptions& options) {
 
 void AddLighting(CLI::App& apply, ApplyOptions& options) {
   AddValue(apply, "-s,--style", options.styles, "NAME|FILE",
-           "A style file, its JSON form, the JSON itself, or the\nname of a style (default: "
-           "Default); may be repeated:\neach image in each style");
+           "A style file, its JSON form, the JSON itself, a picture\nlit with --recipe, or the "
+           "name of a style (default:\n"
+           "Default); may be repeated: each image in each style");
   AddValue(apply, "--set", options.settings, "KEY=VALUE",
            "Change one setting of the style; may be repeated");
   AddValue(apply, "--depth", options.depth, "8|16|float",

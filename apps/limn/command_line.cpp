@@ -8,6 +8,7 @@
 #include "option_value.h"
 #include "preview.h"
 #include "report.h"
+#include "verify.h"
 
 #include "LM_kernels.h"
 #include "LM_style_fields.h"
@@ -71,6 +72,27 @@ void AddChannels(CLI::App& app, Command& command) {
   });
 }
 
+void AddVerify(CLI::App& app, Command& command) {
+  auto options = std::make_shared<VerifyOptions>();
+  CLI::App* verify =
+      app.add_subcommand("verify", "Check that a lit picture is what its recipe makes");
+  verify->footer(
+      "The original is lit again by the recipe that limn apply --recipe has written into\n"
+      "the lit picture. Pixels have to be equal; where the format loses detail, as JPEG\n"
+      "does, they may differ by what it loses. Exits with 3 where they differ.\n\n"
+      "  limn apply --recipe -s Campfire photo.tif -o lit.png\n"
+      "  limn verify photo.tif lit.png\n\n" +
+      std::string(EXIT_CODES));
+  verify->add_option("ORIGINAL", options->original, "The photograph that was lit")->required();
+  verify->add_option("LIT", options->lit, "What it became, with its recipe")->required();
+  AddValue(*verify, "--mask", options->mask, "IMAGE", "The mask that it was lit with");
+  AddValue(*verify, "--channel", options->channels, "IMAGE",
+           "A channel that was added; may be repeated");
+  AddValue(*verify, "--relief", options->heights, "IMAGE", "The image that its heights come from");
+  AddMaxPixels(*verify, options->maxPixels);
+  verify->callback([options, &command] { command = [options] { return Verify(*options); }; });
+}
+
 void AddHeights(CLI::App& app, Command& command) {
   auto options = std::make_shared<HeightsOptions>();
   CLI::App* heights =
@@ -116,6 +138,7 @@ std::unique_ptr<CLI::App> MakeCommandLine(Command& command, char** argv) {
   AddSheet(*app, command);
   AddChannels(*app, command);
   AddHeights(*app, command);
+  AddVerify(*app, command);
   AddStyles(*app, command);
   AddStyle(*app, command);
   std::vector<std::string> settings;

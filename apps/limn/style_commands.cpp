@@ -9,8 +9,10 @@
 #include "LM_style_codec.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
+#include "LM_style_lengths.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 
 namespace limn {
@@ -27,8 +29,13 @@ std::string Color(const LM_color48& color) {
          std::to_string(color.component[2]);
 }
 
-std::string Point(const LM_vectori2& point) {
-  return "(" + std::to_string(point.h) + ", " + std::to_string(point.v) + ")";
+std::string Length(float length) {
+  char text[64];
+  return {text, std::to_chars(text, text + sizeof text, length, std::chars_format::fixed).ptr};
+}
+
+std::string Point(const LM_vector2f& point) {
+  return "(" + Length(point.x) + ", " + Length(point.y) + ")";
 }
 
 std::string Relief(const LM_style& style) {
@@ -54,7 +61,7 @@ void PrintLight(const LM_style& style, int index) {
     PrintLine(Line("  spread", std::to_string(light.spread)));
   PrintLine(Line("  centre", Point(light.center)));
   if (light.type == LM_STYLE_OMNI)
-    PrintLine(Line("  radius", std::to_string(light.radius)));
+    PrintLine(Line("  radius", Length(light.radius)));
   else
     PrintLine(Line("  handles", Point(light.handle1) + " " + Point(light.handle2)));
 }
@@ -96,6 +103,8 @@ ExitCode PackStyle(const std::string& jsonFile, const std::string& styleFile, Ov
     PrintProblem(jsonFile + ": " + named.warning);
   if (named.relief != LM_height_source())
     PrintProblem(jsonFile + ": its relief object is left out, for which a style file has no room");
+  if (LM_HasFractions(named.style))
+    PrintProblem(jsonFile + ": its lengths are rounded, as a style file has whole ones alone");
   const bool isReplacing = overwrite == Overwrite::Yes;
   const std::string target = ResolveTarget(styleFile);
   uint8_t bytes[LM_STYLE_MAX_BYTES];

@@ -1,6 +1,8 @@
 #include "style_source.h"
 
 #include "failure.h"
+#include "image_output.h"
+#include "recipe.h"
 #include "small_file.h"
 
 #include "LM_gallery.h"
@@ -71,7 +73,42 @@ std::vector<LM_listed_style> AllStyles() {
   return styles;
 }
 
+namespace {
+
+// What a recipe has and a style has not, as options to be given; or nothing.
+std::string FurtherOptions(const Recipe& recipe) {
+  std::string options;
+  if (recipe.area)
+    options += " --area " + std::to_string(recipe.area->x) + "," + std::to_string(recipe.area->y) +
+               "," + std::to_string(recipe.area->width) + "," + std::to_string(recipe.area->height);
+  if (recipe.mask)
+    options += " --mask " + recipe.mask->name;
+  for (const RecipeFile& channel : recipe.channels)
+    options += " --channel " + channel.name;
+  if (recipe.heights)
+    options += " --relief " + recipe.heights->name;
+  return options;
+}
+
+// The style of a lit picture.
+NamedStyle ReadLitPicture(const std::string& path) {
+  Recipe recipe;
+  NamedStyle named{};
+  if (!RecipeFromJson(ReadRecipe(path), recipe, named.warning))
+    throw Failure(ExitCode::BadInput, path + ": its recipe: " + named.warning);
+  named.style = recipe.style;
+  if (recipe.relief.kind != LM_height_kind::File)
+    named.relief = recipe.relief;
+  if (const std::string options = FurtherOptions(recipe); !options.empty())
+    named.warning = "it was also lit with" + options;
+  return named;
+}
+
+} // namespace
+
 NamedStyle ReadStyleFile(const std::string& path) {
+  if (IsName(path, Use::Reading))
+    return ReadLitPicture(path);
   NamedStyle named{};
   const std::vector<uint8_t> bytes = ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
   if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning, &named.relief))

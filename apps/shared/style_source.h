@@ -19,7 +19,8 @@ struct NamedStyle {
   LM_height_source relief = {};
 };
 
-// Reads a style file or its JSON form, told apart by their content. Throws Failure(BadInput).
+// Reads a style file or its JSON form, told apart by their content, or the recipe of a lit picture,
+// by its extension. Throws Failure(BadInput).
 NamedStyle ReadStyleFile(const std::string& path);
 
 // The user's style library, for this process. trouble: why there is none, or which bundled styles

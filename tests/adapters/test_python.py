@@ -76,6 +76,38 @@ class Python(AdapterTest):
                 self.assertEqualArrays(limn.light(image, self.style, relief=heights_as_floats), expected, name)
             self.assertEqualArrays(image, before, name)
 
+    def test_heights(self):
+        """As the command makes them, of a picture and of one channel."""
+        for name, image in list(self.pictures())[:2]:  # floats are linear light to the command
+            for given, options in [({}, []), ({"source": "green", "smoothing": 40, "detail": 200, "invert": True},
+                                              ["--relief", "green", "--relief-smoothing", "40", "--relief-detail", "200",
+                                               "--relief-invert"])]:
+                self.limn("heights", name, "-o", "heights.tif", "-f", *options)
+                wanted = array_of("heights.tif")[..., 0]
+                self.assertEqualArrays(limn.heights(image, **given), wanted, f"{name} {given}")
+            self.assertEqualArrays(limn.heights(image[..., 1], smoothing=40, source=1, detail=200, invert=True), wanted)
+        for wrong in [{"source": "grün"}, {"source": 4}, {"detail": 1001}, {"smoothing": -2}]:
+            with self.assertRaises(limn.ArgumentError):
+                limn.heights(np.zeros((4, 4, 3), np.uint8), **wrong)
+
+    def test_many_workers(self):
+        """The example for Dask lights what the command lights, tells what it cannot, and does nothing twice."""
+        support.write_pnm("in.ppm", support.pattern(WIDTH, HEIGHT, 3))
+        for name in "in/a.ppm", "in/b/c.png":
+            os.makedirs(os.path.dirname(name), exist_ok=True)
+            support.vips("copy", "in.ppm", name)
+        support.put("in/bad.jpg", b"\xff\xd8 none")
+        example = os.path.join(os.path.dirname(__file__), "../../contrib/dask/light_folder.py")
+        told = [subprocess.run([sys.executable, example, "in", "lit", "--style", "style.json"], capture_output=True, text=True)
+                for _ in range(2)]
+        self.assertEqual([run.returncode for run in told], [3, 3], told[0].stderr)
+        self.assertRegex(told[0].stdout, "3/3 ")
+        self.assertRegex(told[1].stdout, "^1/1 in/bad.jpg: cannot identify")
+        self.limn("apply", "--quiet", "-r", "--style", "style.json", "in", "-o", "wanted/", code=3)
+        for name in "a.ppm", "b/c.png":
+            self.assertEqualArrays(array_of(f"lit/{name}"), array_of(f"wanted/{name}"), name)
+        self.assertEqual(sorted(os.listdir("lit")), ["a.ppm", "b"])
+
     def test_every_layout(self):
         for name, image in self.pictures():
             expected = limn.light(image, self.style)

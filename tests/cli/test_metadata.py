@@ -1,6 +1,7 @@
 """What a photograph says about itself is in the lit one too."""
 
 import base64
+import os
 import struct
 
 import support
@@ -97,3 +98,50 @@ class Metadata(support.LimnTest):
 
 
 support.main()
+
+    def test_recipe_travels_with_the_picture(self):
+        """In every format that holds one it lights the original to the same pixels again."""
+        support.write_pnm("mask.ppm", support.smooth(30, 40, 1))
+        plain = support.content("plain.jpg")
+        rdf = 'xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#"'
+        support.put("photo.jpg", plain[:2] + exif(6, "Lumen Works") + xmp(
+            f'<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF {rdf}><rdf:Description rdf:about="" '
+            'xmlns:dc="http://purl.org/dc/elements/1.1/" dc:format="kept"/></rdf:RDF></x:xmpmeta>') + plain[2:])
+        style = '{"lights": [{"type": "omni", "center": [12.25, -3.5], "radius": 40.125}], "relief": {"source": "auto"}}'
+        lit = ["apply", "photo.jpg", "--recipe", "-s", style, "--set", "relief=1", "--area", "2,3,20,30", "--mask", "mask.ppm"]
+        for output in ["out.png", "out.tif", "out.webp", "out.jpg"]:
+            with self.subTest(output):
+                self.limn(*lit, "-o", output)
+                says = "equal, every pixel" if output in ("out.png", "out.tif") else "equal but for what its format loses"
+                self.assertIn(says, self.limn("verify", "photo.jpg", output, "--mask", "mask.ppm").stdout)
+                shown = self.limn("style", "show", output, says="also lit with --area 2,3,20,30 --mask mask.ppm").stdout
+                self.assertIn("(12.25, -3.5)", shown)
+                self.limn("apply", "photo.jpg", "-s", output, "--area", "2,3,20,30", "--mask", "mask.ppm", "-o", "again.png", "-f")
+                self.assertEqual(support.read("again.png"), support.read("out.png"))
+        self.assertRegex(support.content("out.jpg"), b"dc:format=?>?.kept")
+        self.limn("verify", "photo.jpg", "out.png", code=2, says="--mask mask.ppm, which is to be named")
+        self.limn("verify", "photo.jpg", "out.png", "--mask", "in.ppm", code=3, says="is not the mask.ppm of out.png")
+        self.limn("verify", "photo.jpg", "photo.jpg", code=3, says="holds no recipe")
+        self.limn("apply", "photo.jpg", "--recipe", "-o", "out.ppm", says="for which ppm files have no room")
+
+    def test_verify_finds_a_changed_pixel(self):
+        self.limn("apply", "in.ppm", "--recipe", "-o", "out.tif")
+        content = bytearray(support.content("out.tif"))
+        content[8 + 3 * (40 * 7 + 11) + 1] ^= 1  # the pixels come first
+        support.put("changed.tif", bytes(content))
+        self.limn("verify", "in.ppm", "changed.tif", code=3, says="first at pixel 11,7 (RMS 0.02")
+
+    def test_update_goes_by_the_recipe(self):
+        """Another style or a younger input is lit anew, and nothing else is."""
+        def lit(*options, **expected):
+            return '"skipped"' not in self.limn("apply", "photo.jpg", "-o", "out.jpg", "--update", "--json", *options, **expected).stdout
+
+        self.assertTrue(lit())
+        self.assertFalse(lit())
+        self.assertTrue(lit("--set", "gloss=3"))
+        self.assertFalse(lit("--set", "gloss=3"))
+        os.utime("photo.jpg", (2**32, 2**32))
+        self.assertTrue(lit("--set", "gloss=3"))
+        self.limn("apply", "photo.jpg", "-o", "out.jpg", "-f")
+        self.assertTrue(lit())
+        self.limn("apply", "photo.jpg", "-o", "photo.jpg", "--update", code=4, says="is the input itself")

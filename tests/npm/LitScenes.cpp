@@ -13,8 +13,8 @@
 
 namespace {
 
-LM_vectori2 VectorOf(ReferencePoint point) {
-  return {point.h, point.v};
+LM_vector2f VectorOf(ReferencePoint point) {
+  return {static_cast<float>(point.h), static_cast<float>(point.v)};
 }
 
 LM_style StyleOf(const Scene& scene, int reliefChannel) {

@@ -55,8 +55,8 @@ TEST(StyleCodec, HandMadeFileReadsFieldByFieldAndWritesTheSameBytes) {
   EXPECT_EQ(light.color.component[2], 0x9ABC);
   EXPECT_EQ(light.intensity, -2);
   EXPECT_EQ(light.type, LM_STYLE_DIRECTIONAL);
-  EXPECT_EQ(light.center, (LM_vectori2{-10, 20}));
-  EXPECT_EQ(light.handle1, (LM_vectori2{30, -40}));
+  EXPECT_EQ(LM_WholeLengths(light.center), (LM_vectori2{-10, 20}));
+  EXPECT_EQ(LM_WholeLengths(light.handle1), (LM_vectori2{30, -40}));
   EXPECT_EQ(light.radius, 7);
   EXPECT_EQ(BytesOf(style), HAND_MADE);
 }

@@ -102,7 +102,11 @@ TEST(StyleFields, SetByNameOrRefusedWithAReason) {
                {"light.16.on", "true", "0 to 15"},
                {"light.0.centre", "1", "2 numbers"},
                {"exposure", "bright", "not a whole number"},
-               {"exposure", "99999999999999999999", "not a whole number"},
+               {"exposure", "99999999999999999999", "not between"},
+               {"light.0.radius", "12.5", ""},
+               {"light.0.radius", "nan", "not between"},
+               {"light.0.radius", "32768", "not between"},
+               {"light.0.intensity", "1.5", "not a whole number"},
                {"light.0.colours", "1", "did you mean light.0.colour?"},
                {"version", "144", "no such setting"},
                {"light.-1.on", "1", "no such setting"},
@@ -121,8 +125,9 @@ TEST(StyleFields, SetByNameOrRefusedWithAReason) {
   EXPECT_EQ(style.lights[0].color.component[1], 136 * 257);
   EXPECT_EQ(style.lights[0].type, LM_STYLE_OMNI);
   EXPECT_EQ(style.lights[0].intensity, -90);
+  EXPECT_EQ(style.lights[0].radius, 12.5F);
   EXPECT_EQ(style.lightsRead, 2);
-  EXPECT_EQ(style.lights[1].center, (LM_vectori2{10, -20}));
+  EXPECT_EQ(LM_WholeLengths(style.lights[1].center), (LM_vectori2{10, -20}));
 }
 
 TEST(StyleFields, ColoursAreAsCssHasThem) {

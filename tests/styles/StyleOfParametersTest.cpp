@@ -50,10 +50,11 @@ LM_style_light RandomLight(Dice& dice) {
   light.color = dice.color();
   light.intensity = dice(-127, 128);
   light.spread = dice(0, 255);
-  light.center = {dice(-200, 200), dice(-200, 200)};
-  light.handle1 = {dice(-150, 150), dice(-150, 150)};
+  light.center = LM_vectori2{dice(-200, 200), dice(-200, 200)}.Floats();
+  const LM_vectori2 handle = {dice(-150, 150), dice(-150, 150)};
+  light.handle1 = handle.Floats();
   const float share = static_cast<float>(dice(10, 100)) / 100.0F;
-  light.handle2 = light.handle1.QuarterTurn(dice(0, 1) == 0 ? share : -share);
+  light.handle2 = handle.QuarterTurn(dice(0, 1) == 0 ? share : -share).Floats();
   light.radius = dice(1, 200);
   return light;
 }

@@ -1,6 +1,7 @@
 // Styles becoming settings, in previews of other sizes and images of other shapes.
 #include "LM_globals.h"
 #include "LM_preview_geometry.h"
+#include "LM_style_json.h"
 #include "LM_style_settings.h"
 #include "StyleSamples.h"
 
@@ -63,6 +64,27 @@ TEST(StyleParameters, FollowTheDialogsGeometry) {
   EXPECT_EQ(params.lights[0].position.x, 1.0F);
   EXPECT_EQ(params.lights[0].position.y, -0.5F);
   EXPECT_EQ(params.lights[0].position.z, (56.0F / 140.0F) * 0.57735026F);
+}
+
+// Where one length of a light has a fraction, none of them is rounded on the way to light.
+TEST(StyleParameters, KeepFractions) {
+  LM_style style;
+  std::string why;
+  const std::string_view text =
+      R"({"worldUnit": 70, "lights": [{"type": "omni", "center": [12.3, -35], "radius": 28.25}]})";
+  ASSERT_TRUE(LM_StyleFromJson(text, style, why)) << why;
+  foo params;
+  ASSERT_TRUE(LM_ParametersFromStyle(style, 1024, 300, 3, &params));
+  EXPECT_EQ(params.lights[0].position.x, 24.6F / 140.0F);
+  EXPECT_EQ(params.lights[0].position.z, (56.5F / 140.0F) * 0.57735026F);
+  LM_style again;
+  ASSERT_TRUE(LM_StyleFromJson(LM_StyleToJson(style), again, why)) << why;
+  EXPECT_EQ(again.lights[0].center.x, 12.3F);
+  EXPECT_TRUE(LM_HasFractions(again));
+  const std::vector<uint8_t> bytes = BytesOf(style);
+  ASSERT_TRUE(LM_DecodeStyle(bytes.data(), bytes.size(), again, why)) << why;
+  EXPECT_FALSE(LM_HasFractions(again));
+  EXPECT_EQ(again.lights[0].radius, 28.0F);
 }
 
 // Without a settings object a style becomes the very block that the dialog's settings become.

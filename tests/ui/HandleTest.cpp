@@ -47,37 +47,111 @@ protected:
 struct Grab {
   const char* name;
   LM_light_type type;
-  short h, v; // of the handle's middle, where it is hit
-  short code;
-  short drawnH, drawnV; // and where it is drawn
+  short h, v; // where it is drawn
 };
 const Grab GRABS[] = {
-    {"directional end", LM_LIGHT_DIRECTIONAL, 130, 106, 2, 130, 106},
-    {"omni left", LM_LIGHT_OMNI, 75, 90, 2, 75, 90},
-    {"omni top", LM_LIGHT_OMNI, 100, 65, 3, 100, 65},
-    {"omni right", LM_LIGHT_OMNI, 125, 90, 4, 124, 90},
-    {"omni bottom", LM_LIGHT_OMNI, 100, 115, 5, 100, 114},
-    {"spot -handle1", LM_LIGHT_SPOT, 70, 74, 2, 70, 74},
-    {"spot -handle2", LM_LIGHT_SPOT, 108, 75, 3, 108, 75},
-    {"spot +handle1", LM_LIGHT_SPOT, 130, 106, 4, 130, 106},
-    {"spot +handle2", LM_LIGHT_SPOT, 92, 105, 5, 92, 105},
+    {"directional end", LM_LIGHT_DIRECTIONAL, 130, 106},
+    {"omni left", LM_LIGHT_OMNI, 75, 90},
+    {"omni top", LM_LIGHT_OMNI, 100, 65},
+    {"omni right, a pixel inside", LM_LIGHT_OMNI, 124, 90},
+    {"omni bottom, a pixel inside", LM_LIGHT_OMNI, 100, 114},
+    {"spot -handle1", LM_LIGHT_SPOT, 70, 74},
+    {"spot -handle2", LM_LIGHT_SPOT, 108, 75},
+    {"spot +handle1", LM_LIGHT_SPOT, 130, 106},
+    {"spot +handle2", LM_LIGHT_SPOT, 92, 105},
 };
 
-TEST_F(Handles, GrabHandlesAreFivePixelsWideAndHitOnlyWhileActive) {
-  for (const Grab& grab : GRABS) {
-    light().type = grab.type;
-    const auto hit = [&](int dh, int dv, LM_bool active) {
-      return light().HitTest(LM_PlaceAt({grab.v, grab.h}, dh, dv), active);
-    };
-    for (int corner : {-2, 2}) {
-      EXPECT_EQ(hit(corner, 2, 1), grab.code) << grab.name;
-      EXPECT_EQ(hit(-2, corner, 1), grab.code) << grab.name;
+// The handle under a point by the Toolbox's own regions: what is drawn there is what is hit.
+short HitByRegions(const LM_light_UI& light, Point point, bool active) {
+  RgnHandle region = NewRgn();
+  const auto holds = [&](void (*frame)(const Rect*), const Rect& box) {
+    OpenRgn();
+    frame(&box);
+    CloseRgn(region);
+    return PtInRgn(point, region) != 0;
+  };
+  const LM_light_figure figure = LM_ScreenFigure(light);
+  const LM_grab_handles grab = LM_GrabHandlesOf(figure, LM_handle_grid::Whole);
+  short code = LM_HANDLE_NONE;
+  for (int i = active ? 0 : grab.count; i < grab.count && code == LM_HANDLE_NONE; ++i)
+    if (holds(FrameRect, LM_GrabHandleBox(LM_PointOf(grab.handles[i].place))))
+      code = grab.handles[i].code;
+  if (code == LM_HANDLE_NONE && holds(FrameOval, LM_CenterHandleBox(LM_PointOf(figure.center))))
+    code = LM_HANDLE_CENTER;
+  DisposeRgn(region);
+  return code;
+}
+
+// Every pixel round a handle, in the middle of the plane and at its ends, where boxes are cut; and
+// handles that lie on each other.
+TEST_F(Handles, AreHitWhereTheyCoverThePicture) {
+  light().anchor = {0, 0};
+  int hits[LM_HANDLE_SECOND_END + 1] = {};
+  for (int16_t h : {-32768, -32766, 0, 32764, 32766, 32767}) {
+    for (int16_t v : {-32768, -32765, 40, 32765, 32767}) {
+      for (int type = LM_LIGHT_OMNI; type <= LM_LIGHT_SPOT + 1; ++type) {
+        for (int16_t length : {0, 3, 6}) {
+          light().type = type;
+          light().center = {h, v};
+          light().radius = length;
+          light().handle1 = {length, 1};
+          light().handle2 = {-1, length};
+          for (int dv = -11; dv <= 11; ++dv) {
+            for (int dh = -11; dh <= 11; ++dh) {
+              const Point point = LM_PlaceAt({v, h}, dh, dv);
+              for (LM_bool active : {0, 1}) {
+                const short code = light().HitTest(point, active);
+                ++hits[code];
+                ASSERT_EQ(code, HitByRegions(light(), point, active == 1))
+                    << "type " << type << ", light " << h << " " << v << ", length " << length
+                    << ", point " << point.h << " " << point.v << ", active " << active;
+              }
+            }
+          }
+        }
+      }
     }
-    for (int beyond : {-3, 3}) {
-      EXPECT_EQ(hit(beyond, 0, 1), 0) << grab.name;
-      EXPECT_EQ(hit(0, beyond, 1), 0) << grab.name;
+  }
+  for (int count : hits)
+    EXPECT_GT(count, 0) << "each code is hit";
+}
+
+TEST_F(Handles, ADragIsThatOfTheFigure) {
+  light().handle1 = {40, 0};
+  light().handle2 = {0, 20};
+  LM_vectori2 start1 = {30, 0};
+  LM_vectori2 start2 = {0, 12};
+  Rect preview = {0, 0, SIDE, SIDE};
+  for (int type = LM_LIGHT_OMNI; type <= LM_LIGHT_SPOT; ++type) {
+    for (short code = LM_HANDLE_CENTER; code <= LM_HANDLE_SECOND_END; ++code) {
+      for (LM_bool keepDirection : {0, 1}) {
+        for (LM_bool keepLength : {0, 1}) {
+          LM_color96 sums[1];
+          LM_light_UI dragged = light();
+          dragged.type = type;
+          dragged.radius = 0;
+          dragged.diffuseCache = sums;
+          dragged.diffuseCacheHot = 1;
+          LM_light_figure start = LM_ScreenFigure(dragged);
+          start.handle1 = start1.Floats();
+          start.handle2 = start2.Floats();
+          const auto constraint = keepDirection ? LM_drag_constraint::KeepDirection
+                                  : keepLength  ? LM_drag_constraint::KeepLength
+                                                : LM_drag_constraint::None;
+          const LM_light_figure end =
+              LM_ReshapeLight(start, code, {107, 115}, constraint, LM_handle_grid::Whole);
+          dragged._SetNewHandlePosition(107, 115, &globals, preview, code, start1, start2,
+                                        keepDirection, keepLength);
+          const bool shaped =
+              type == LM_LIGHT_DIRECTIONAL || (type == LM_LIGHT_SPOT && code != LM_HANDLE_CENTER);
+          EXPECT_EQ(dragged.handle1, shaped ? LM_WholeVector(end.handle1) : light().handle1);
+          EXPECT_EQ(dragged.handle2, shaped && type == LM_LIGHT_SPOT ? LM_WholeVector(end.handle2)
+                                                                     : light().handle2);
+          EXPECT_EQ(dragged.radius, type == LM_LIGHT_OMNI ? static_cast<int16_t>(end.radius) : 0);
+          EXPECT_FALSE(dragged.diffuseCacheHot) << "the caches are stale";
+        }
+      }
     }
-    EXPECT_EQ(hit(0, 0, 0), 0) << grab.name << " of an inactive light";
   }
 }
 
@@ -89,21 +163,13 @@ TEST_F(Handles, AreDrawnWhereTheTableSays) {
     light().DrawActive(&globals, 1);
     for (int dv = -2; dv <= 2; ++dv) {
       for (int dh = -2; dh <= 2; ++dh)
-        ASSERT_EQ(PixelAt(grab.drawnH + dh, grab.drawnV + dv), GREY) << grab.name;
+        ASSERT_EQ(PixelAt(grab.h + dh, grab.v + dv), GREY) << grab.name;
     }
   }
 }
 
 TEST_F(Handles, TheCentreIsARoundSevenPixelsWide) {
   light().type = LM_LIGHT_SPOT;
-  for (LM_bool active : {0, 1}) {
-    EXPECT_EQ(light().HitTest({90, 100}, active), 1);
-    EXPECT_EQ(light().HitTest({87, 100}, active), 1);
-    EXPECT_EQ(light().HitTest({93, 100}, active), 1);
-    EXPECT_EQ(light().HitTest({87, 97}, active), 0) << "the corner is outside the oval";
-    EXPECT_EQ(light().HitTest({94, 100}, active), 0);
-    EXPECT_EQ(light().HitTest({90, 96}, active), 0);
-  }
   light().DrawInactive();
   EXPECT_EQ(PixelAt(100, 90), RGB(255, 128, 0));
   const LM_color_pattern grey({32768, 32768, 32768});
@@ -114,20 +180,6 @@ TEST_F(Handles, TheCentreIsARoundSevenPixelsWide) {
   EXPECT_EQ(PixelAt(103, 90), 0U);
   EXPECT_EQ(PixelAt(96, 90), GREY);
   EXPECT_EQ(PixelAt(104, 90), GREY);
-}
-
-TEST_F(Handles, GrabHandlesComeBeforeTheCentreInTheirOrder) {
-  light().type = LM_LIGHT_OMNI;
-  light().radius = 0;
-  EXPECT_EQ(light().HitTest({90, 100}, 1), 2);
-  EXPECT_EQ(light().HitTest({90, 100}, 0), 1);
-  light().type = LM_LIGHT_SPOT;
-  light().handle2 = light().handle1;
-  EXPECT_EQ(light().HitTest({106, 130}, 1), 4) << "4 is tested before 5";
-  EXPECT_EQ(light().HitTest({74, 70}, 1), 2) << "2 is tested before 3";
-  light().type = 3;
-  EXPECT_EQ(light().HitTest({106, 130}, 1), 0) << "an unknown type has no grab handles";
-  EXPECT_EQ(light().HitTest({90, 100}, 1), 1);
 }
 
 TEST_F(Handles, OutlinesBrightenOrInvertByThePortsDepth) {
@@ -213,7 +265,6 @@ TEST_F(Handles, ExtremePlacesDrawNothingWrongAndUndoThemselves) {
         light()._DrawXORActive(1, 1, &globals);
         light()._DrawXORActive(1, 1, &globals);
         ASSERT_EQ(PixelsOf(port->portRect), before) << type;
-        light().HitTest({0, 0}, 1);
         VRect box;
         light()._CalcBounds(box, &globals);
       }

@@ -17,12 +17,14 @@ import numpy.typing as npt
 from . import _limn
 from ._limn import ArgumentError, Error, NoMemoryError, ReadError, StyleError
 
-__all__ = ["ArgumentError", "Error", "Light", "NoMemoryError", "ReadError", "Style", "StyleError", "light", "styles"]
+__all__ = ["ArgumentError", "Error", "Light", "NoMemoryError", "ReadError", "Style", "StyleError", "heights", "light", "styles"]
 __version__ = _limn.version()
 
 Sample = TypeVar("Sample", np.uint8, np.uint16, np.float32)
 Heights = Union[npt.NDArray[np.uint8], npt.NDArray[np.uint16], npt.NDArray[np.float32]]
-Value = Union[bool, int, str, Sequence[int]]
+Value = Union[bool, int, float, str, Sequence[float]]
+
+_CHANNELS = {"red": 1, "green": 2, "blue": 3}
 
 
 def light(image: npt.NDArray[Sample], style: "Union[Style, str]", *, relief: Optional[Heights] = None,
@@ -48,6 +50,34 @@ def light(image: npt.NDArray[Sample], style: "Union[Style, str]", *, relief: Opt
     settings = (style if isinstance(style, Style) else Style(style))._settings
     result = _limn.light(image, settings, relief, area, threads, out)
     return result if out is None else out
+
+
+def heights(image: Heights, source: Union[str, int] = "auto", *, smoothing: Optional[int] = None,
+            detail: Optional[int] = None, fit: bool = False, invert: bool = False) -> npt.NDArray[np.uint16]:
+    """Makes heights of a picture, for light(relief=...), as `limn heights` does: an array of shape (height, width).
+
+    image: of shape (height, width, channels), or (height, width) for one channel, such as a map of any kind.
+    source: "auto" (luminance, with grain evened out and as steep at any size), "luminance", "red", "green", "blue", or
+        a channel's number from 1.
+    smoothing: 0 to 255. Differences below it, of 255, are grain and are evened out; edges stay. None: 16 with "auto",
+        else 0.
+    detail: 0 to 1000. How large what stands out is, in thousandths of the longer side; broader shading is flattened,
+        finer is smoothed. None: 20 with "auto" or fit, else 0 for neither.
+    fit: slopes as steep as on a picture of 1800 pixels. "auto" does so.
+    invert: what is dark is high.
+
+    Raises ArgumentError or MemoryError.
+    """
+    usual = -1
+    for name, value, most in (("smoothing", smoothing, 255), ("detail", detail, 1000)):
+        if value is not None and not 0 <= value <= most:
+            raise ArgumentError(f"{name}: {value} is not between 0 and {most}")
+    channel = _CHANNELS.get(source, 0) if isinstance(source, str) else source
+    if isinstance(source, str) and not channel and source not in ("auto", "luminance"):
+        raise ArgumentError(f"source: {source!r} is not auto, luminance, red, green, blue or a channel's number")
+    kind = "channel" if channel or not isinstance(source, str) else source
+    return _limn.heights(image, kind, channel, usual if smoothing is None else smoothing,
+                         usual if detail is None else detail, fit, invert)
 
 
 def styles() -> List[str]:

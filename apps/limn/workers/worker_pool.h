@@ -14,9 +14,10 @@ namespace limn {
 // What a job made: an image of that size. It goes from process to process as bytes, so that it has
 // no padding.
 struct JobDone {
+  enum Skipped : int { No, CameMeanwhile, UpToDate };
   int width = 0;
   int height = 0;
-  int skipped = 0; // 1: nothing, since it was made meanwhile by somebody else
+  Skipped skipped = No; // else nothing was written, and why
 };
 
 // How one job ended. sentence: that of its failure, or, when its process died in the middle, what

@@ -1,0 +1,68 @@
+// The bundled styles as thumbnails of the picture: hovering one shows it, a click keeps it.
+
+import { make } from "./elements.ts";
+import type { Heights, Lighter } from "./lighter.ts";
+import type { Picture } from "./picture.ts";
+import { normalised, type Recipe, type ReliefSource, type Style } from "./recipe.ts";
+
+const LONGEST = 132; // pixels of the screen's, of 112 that are shown at twice that
+
+export interface StylesUser {
+  recipe(): Recipe;
+  attempt(recipe: Recipe | null): void;
+  keep(recipe: Recipe): void;
+  heights(relief: string, width: number, height: number, pixels: ImageData): Promise<Heights | null>;
+}
+
+export class Styles {
+  readonly #lighter: Lighter;
+  readonly #user: StylesUser;
+  readonly #entries: { button: HTMLButtonElement; canvas: HTMLCanvasElement; style: Style }[];
+  #round = 0;
+
+  constructor(list: HTMLElement, lighter: Lighter, user: StylesUser) {
+    this.#lighter = lighter;
+    this.#user = user;
+    this.#entries = lighter.engine.styles().map((name: string) => {
+      const style = normalised(JSON.parse(lighter.engine.json({ name })));
+      const canvas = make("canvas", { width: 1, height: 1 });
+      const button = make("button", { type: "button", className: "style" }, canvas, make("span", {}, name));
+      const wanted = () => this.#with(style);
+      button.addEventListener("pointerenter", (event) => event.pointerType === "mouse" && user.attempt(wanted()));
+      button.addEventListener("pointerleave", (event) => event.pointerType === "mouse" && user.attempt(null));
+      button.addEventListener("click", () => user.keep(wanted()));
+      list.append(make("li", {}, button));
+      return { button, canvas, style };
+    });
+  }
+
+  // Its lights and surface, with the relief from where it comes now.
+  #with(style: Style): Recipe {
+    return { style: structuredClone(style), relief: this.#user.recipe().relief };
+  }
+
+  render({ style }: Recipe) {
+    const now = JSON.stringify({ ...style, curLight: 0 });
+    for (const entry of this.#entries)
+      entry.button.setAttribute("aria-pressed", String(JSON.stringify({ ...entry.style, curLight: 0 }) === now));
+  }
+
+  /** Lights the thumbnails, those that are seen first. A newer call ends an older one. */
+  async draw(picture: Picture, relief: ReliefSource) {
+    const round = ++this.#round;
+    const scale = Math.min(LONGEST / Math.max(picture.width, picture.height), 1) * Math.min(devicePixelRatio, 2);
+    const width = Math.max(Math.round(picture.width * scale), 1);
+    const height = Math.max(Math.round(picture.height * scale), 1);
+    const pixels = picture.pixels(picture.whole, width, height);
+    const heights = await this.#user.heights(relief, width, height, pixels);
+    const part = { left: 0, top: 0, width, height };
+    for (const { canvas, style } of this.#entries) {
+      if (round !== this.#round) return;
+      const patch = { picture, width, height, part, pixels, heights };
+      const lit = await this.#lighter.lightSmall(patch, { style, relief });
+      canvas.width = width;
+      canvas.height = height;
+      canvas.getContext("2d")!.putImageData(lit, 0, 0);
+    }
+  }
+}

@@ -1,0 +1,219 @@
+#include "recipe.h"
+
+#include "failure.h"
+#include "image_source.h"
+#include "posix_file.h"
+
+#include "LM_style_json.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <exempi/xmp.h>
+#include <filesystem>
+#include <glib.h>
+#include <limits>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <unistd.h>
+
+namespace limn {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using vips::VImage;
+
+constexpr const char* NAMESPACE = "urn:limn:recipe:1";
+constexpr const char* PREFIX = "limn";
+constexpr const char* PROPERTY = "Recipe";
+constexpr const char* LIT = "lit";
+
+// What is usual for the kind of source is left out, as in a style's relief object.
+Json ReliefJson(const LM_height_source& relief) {
+  Json json = Json::object();
+  if (relief.smoothing > 0)
+    json["smoothing"] = relief.smoothing;
+  if (relief.detail > 0)
+    json["detail"] = relief.detail;
+  if (relief.fit)
+    json["fit"] = true;
+  if (relief.invert)
+    json["invert"] = true;
+  return json;
+}
+
+Json FileJson(const RecipeFile& file) {
+  Json json = {{"name", file.name}};
+  if (!file.digest.empty())
+    json["sha256"] = file.digest;
+  return json;
+}
+
+std::string TextOf(const Json& json, const char* key) {
+  const auto found = json.find(key);
+  return found != json.end() && found->is_string() ? found->get<std::string>() : std::string();
+}
+
+int NumberOf(const Json& json, const char* key, int low, int high) {
+  const auto found = json.find(key);
+  if (found == json.end() || !found->is_number_integer())
+    return low;
+  return static_cast<int>(std::clamp<int64_t>(found->get<int64_t>(), low, high));
+}
+
+bool FlagOf(const Json& json, const char* key) {
+  const auto found = json.find(key);
+  return found != json.end() && found->is_boolean() && found->get<bool>();
+}
+
+std::optional<RecipeFile> FileOf(const Json& json, const char* key) {
+  const auto found = json.find(key);
+  if (found == json.end() || !found->is_object())
+    return std::nullopt;
+  return RecipeFile{TextOf(*found, "name"), TextOf(*found, "sha256")};
+}
+
+std::optional<limn_area> AreaOf(const Json& json) {
+  const auto found = json.find("area");
+  if (found == json.end() || !found->is_array() || found->size() != 4)
+    return std::nullopt;
+  std::array<int32_t, 4> sides{};
+  for (size_t i = 0; i < sides.size(); ++i) {
+    const Json& side = (*found)[i];
+    if (!side.is_number_integer() || side.get<int64_t>() < 0 || side.get<int64_t>() > INT16_MAX)
+      return std::nullopt;
+    sides[i] = side.get<int32_t>();
+  }
+  return limn_area{sides[0], sides[1], sides[2], sides[3]};
+}
+
+void ReadLit(const Json& lit, Recipe& recipe) {
+  recipe.area = AreaOf(lit);
+  recipe.bits =
+      lit.contains("depth") && lit["depth"] == "float" ? 32 : NumberOf(lit, "depth", 8, 16);
+  recipe.isDeep = !FlagOf(lit, "heightsIn8Bits");
+  recipe.original = FileOf(lit, "original");
+  recipe.mask = FileOf(lit, "mask");
+  recipe.heights = FileOf(lit, "heights");
+  if (recipe.heights) {
+    const Json& heights = lit["heights"];
+    recipe.relief = {};
+    recipe.relief.kind = LM_height_kind::File;
+    recipe.relief.smoothing = NumberOf(heights, "smoothing", 0, LM_MOST_SMOOTHING);
+    recipe.relief.detail = NumberOf(heights, "detail", 0, LM_MOST_DETAIL);
+    recipe.relief.fit = FlagOf(heights, "fit");
+    recipe.relief.invert = FlagOf(heights, "invert");
+  }
+  const auto channels = lit.find("channels");
+  if (channels != lit.end() && channels->is_array())
+    for (const Json& channel : *channels)
+      if (channel.is_object())
+        recipe.channels.push_back({TextOf(channel, "name"), TextOf(channel, "sha256")});
+}
+
+struct XmpDeleter {
+  void operator()(XmpPtr xmp) const { xmp_free(xmp); }
+};
+using XmpPacket = std::unique_ptr<std::remove_pointer_t<XmpPtr>, XmpDeleter>;
+
+struct XmpText {
+  XmpStringPtr text = xmp_string_new();
+  XmpText() = default;
+  XmpText(const XmpText&) = delete;
+  XmpText& operator=(const XmpText&) = delete;
+  ~XmpText() { xmp_string_free(text); }
+};
+
+// The XMP of an image, or a new one. Null where it is none that can be read.
+XmpPacket PacketOf(const VImage& image) {
+  static const bool isReady = xmp_init() && xmp_register_namespace(NAMESPACE, PREFIX, nullptr);
+  if (!isReady)
+    return nullptr;
+  if (image.get_typeof(VIPS_META_XMP_NAME) != VIPS_TYPE_BLOB)
+    return XmpPacket(xmp_new_empty());
+  size_t size = 0;
+  const char* bytes = static_cast<const char*>(image.get_blob(VIPS_META_XMP_NAME, &size));
+  // Some writers end the packet with a NUL.
+  while (size > 0 && bytes[size - 1] == '\0')
+    --size;
+  return XmpPacket(size > 0 ? xmp_new(bytes, size) : xmp_new_empty());
+}
+
+} // namespace
+
+std::string RecipeToJson(const Recipe& recipe) {
+  Json lit = Json::object();
+  if (recipe.area)
+    lit["area"] = {recipe.area->x, recipe.area->y, recipe.area->width, recipe.area->height};
+  lit["depth"] = recipe.bits == 32 ? Json("float") : Json(recipe.bits);
+  if (!recipe.isDeep)
+    lit["heightsIn8Bits"] = true;
+  if (recipe.original)
+    lit["original"] = FileJson(*recipe.original);
+  if (recipe.mask)
+    lit["mask"] = FileJson(*recipe.mask);
+  if (recipe.heights) {
+    lit["heights"] = FileJson(*recipe.heights);
+    lit["heights"].update(ReliefJson(recipe.relief));
+  }
+  for (const RecipeFile& channel : recipe.channels)
+    lit["channels"].push_back(FileJson(channel));
+  Json json = Json::parse(LM_StyleToJson(recipe.style, recipe.relief));
+  json[LIT] = lit;
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+bool RecipeFromJson(std::string_view json, Recipe& recipe, std::string& why) {
+  recipe = {};
+  if (!LM_StyleFromJson(json, recipe.style, why, &recipe.relief))
+    return false;
+  const Json whole = Json::parse(json, nullptr, false);
+  if (whole.is_object() && whole.contains(LIT) && whole[LIT].is_object())
+    ReadLit(whole[LIT], recipe);
+  return true;
+}
+
+RecipeFile RecipeFileOf(const std::string& path) {
+  const std::string name = std::filesystem::path(path).filename().string();
+  if (path == STANDARD_INPUT)
+    return {};
+  const Descriptor file = OpenRegularFile(path);
+  const std::unique_ptr<GChecksum, void (*)(GChecksum*)> sum(g_checksum_new(G_CHECKSUM_SHA256),
+                                                             g_checksum_free);
+  std::vector<unsigned char> bytes(size_t{1} << 16);
+  for (;;) {
+    const ssize_t count = read(file.Number(), bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR)
+      continue;
+    if (count < 0)
+      throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
+    if (count == 0)
+      return {name, g_checksum_get_string(sum.get())};
+    g_checksum_update(sum.get(), bytes.data(), count);
+  }
+}
+
+std::optional<std::string> RecipeIn(const VImage& image) {
+  if (image.get_typeof(VIPS_META_XMP_NAME) != VIPS_TYPE_BLOB)
+    return std::nullopt;
+  const XmpPacket packet = PacketOf(image);
+  const XmpText text;
+  if (packet == nullptr || !xmp_get_property(packet.get(), NAMESPACE, PROPERTY, text.text, nullptr))
+    return std::nullopt;
+  return xmp_string_cstr(text.text);
+}
+
+void PutRecipe(VImage& image, const std::string& json) {
+  XmpPacket packet = PacketOf(image);
+  if (packet == nullptr) // what stands there is no XMP
+    packet.reset(xmp_new_empty());
+  const XmpText text;
+  if (packet == nullptr || !xmp_set_property(packet.get(), NAMESPACE, PROPERTY, json.c_str(), 0) ||
+      !xmp_serialize(packet.get(), text.text, XMP_SERIAL_OMITPACKETWRAPPER, 0))
+    throw Failure(ExitCode::NoMemory, "the recipe: not enough memory for its XMP");
+  const std::string whole = xmp_string_cstr(text.text);
+  image = image.copy();
+  vips_image_set_blob_copy(image.get_image(), VIPS_META_XMP_NAME, whole.data(), whole.size());
+}
+
+} // namespace limn
