@@ -45,11 +45,18 @@ private:
 
 // Whether the dialog was left as it was opened. Lights that are off are in no parameters, and stay.
 bool IsUnchanged(const EditorDocument& document, const foo& parameters, QSize area) {
+  if (document.lights() == nullptr)
+    return false;
+  LM_style whole = *document.lights(); // as the dialog has it
+  for (int i = 0; i < whole.lightsRead; ++i) {
+    LM_style_light& light = whole.lights[i];
+    for (LM_vector2f* lengths : {&light.center, &light.handle1, &light.handle2})
+      *lengths = LM_WholeLengths(*lengths).Floats();
+    light.radius = LM_WholeLength(light.radius);
+  }
   foo before;
   const auto channels = static_cast<int>(document.channelNames().size());
-  return document.lights() != nullptr &&
-         LM_ParametersFromStyle(*document.lights(), area.width(), area.height(), channels,
-                                &before) &&
+  return LM_ParametersFromStyle(whole, area.width(), area.height(), channels, &before) &&
          LM_SameShading(before, parameters);
 }
 
