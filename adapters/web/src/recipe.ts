@@ -60,7 +60,7 @@ export function normalised(json: Record<string, unknown>): Style {
   return style;
 }
 
-const GRID = 1; // parts of a unit that styles keep
+const GRID = 100; // parts of a unit that styles keep
 
 /** As styles keep it; files and links stay short. */
 export function jsonOf({ style, relief }: Recipe, source = false): string {
