@@ -5,6 +5,7 @@
 #include "settings.h"
 
 #include "LM_height_words.h"
+#include "LM_height_rows.h"
 #include "LM_plane_scaling.h"
 #include "LM_style_lighting.h"
 
@@ -77,12 +78,7 @@ void Light(limn_bands& bands, const limn_band& band) {
     throw CallFailure{LIMN_FAILED, LM_RenderMessage(result)};
 }
 
-// 16 bits: 0.299 red + 0.587 green + 0.114 blue of pixels of four bytes, as the command has it.
-uint16_t LuminanceOf(const uint8_t* pixel) {
-  const uint32_t sum = pixel[0] * 19595U + pixel[1] * 38470U + pixel[2] * 7471U;
-  return static_cast<uint16_t>((uint64_t{sum} * 257 + 32768) / 65536);
-}
-
+// Pixels have four bytes.
 LM_height_plane ReducedLuminance(const limn_heights& heights, const LM_plane_size& size) {
   LM_plane_reducer reducer(heights.width, heights.height, std::min(size.width, heights.width),
                            std::min(size.height, heights.height));
@@ -90,7 +86,7 @@ LM_height_plane ReducedLuminance(const limn_heights& heights, const LM_plane_siz
   const uint8_t* pixel = heights.pixels;
   for (int32_t y = 0; y < heights.height; ++y) {
     for (uint16_t& height : row) {
-      height = LuminanceOf(pixel);
+      height = LM_HeightOf(pixel, LM_LUMINANCE);
       pixel += 4;
     }
     reducer.Add(row.data());
