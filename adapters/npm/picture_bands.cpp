@@ -4,8 +4,8 @@
 #include "picture.h"
 #include "settings.h"
 
-#include "LM_height_words.h"
 #include "LM_height_rows.h"
+#include "LM_height_words.h"
 #include "LM_plane_scaling.h"
 #include "LM_style_lighting.h"
 

@@ -1,5 +1,6 @@
 // The bytes of style files, read and written through the codec and through the streams.
 #include "LM_preview_geometry.h"
+#include "LM_style_lengths.h"
 #include "LM_style_settings.h"
 #include "StyleFolder.h"
 #include "StyleSamples.h"

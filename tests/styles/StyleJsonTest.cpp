@@ -1,5 +1,6 @@
 // Styles as JSON, and single settings by name.
 #include "LM_style_json.h"
+#include "LM_style_lengths.h"
 #include "StyleSamples.h"
 
 #include <gtest/gtest.h>

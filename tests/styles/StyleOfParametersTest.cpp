@@ -2,6 +2,7 @@
 #include "LM_gallery.h"
 #include "LM_parameters.h"
 #include "LM_style_fields.h"
+#include "LM_style_lengths.h"
 #include "LM_style_of_parameters.h"
 #include "LM_style_settings.h"
 

@@ -2,6 +2,7 @@
 #include "LM_globals.h"
 #include "LM_preview_geometry.h"
 #include "LM_style_json.h"
+#include "LM_style_lengths.h"
 #include "LM_style_settings.h"
 #include "StyleSamples.h"
 
