@@ -5,6 +5,7 @@
 #include "Recipe.h"
 
 #include "LM_height_plane.h"
+#include "image_file.h"
 #include "lit_image.h"
 #include "reduced_photograph.h"
 
