@@ -12,6 +12,7 @@
 #include <exempi/xmp.h>
 #include <filesystem>
 #include <glib.h>
+#include <iostream>
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -116,6 +117,18 @@ struct XmpDeleter {
 };
 using XmpPacket = std::unique_ptr<std::remove_pointer_t<XmpPtr>, XmpDeleter>;
 
+// The library prints what it cannot read, which is none of the user's concern.
+class QuietErrors {
+public:
+  QuietErrors() : _kept(std::cerr.rdbuf(nullptr)) {}
+  ~QuietErrors() { std::cerr.rdbuf(_kept); }
+  QuietErrors(const QuietErrors&) = delete;
+  QuietErrors& operator=(const QuietErrors&) = delete;
+
+private:
+  std::streambuf* _kept;
+};
+
 struct XmpText {
   XmpStringPtr text = xmp_string_new();
   XmpText() = default;
@@ -130,6 +143,7 @@ XmpPacket Parsed(const char* bytes, size_t size) {
   // Some writers end the packet with a NUL.
   while (size > 0 && bytes[size - 1] == '\0')
     --size;
+  const QuietErrors quiet;
   return XmpPacket(!isReady ? nullptr : size > 0 ? xmp_new(bytes, size) : xmp_new_empty());
 }
 

@@ -61,7 +61,7 @@ class Schema(support.LimnTest):
             # What limn writes of it keeps to the schema too, and has every setting that the schema knows.
             shown = json.loads(self.limn("style", "show", path, "--json").stdout)
             jsonschema.validate(shown, SCHEMA)
-            self.assertEqual(set(SCHEMA["properties"]) - set(shown), {"$schema", "name", "description", "version", "relief"})
+            self.assertEqual(set(SCHEMA["properties"]) - set(shown), {"$schema", "name", "description", "version", "relief", "lit"})
             self.assertEqual(set(SCHEMA["definitions"]["light"]["properties"]), set(shown["lights"][0]))
 
     def test_its_defaults_are_those_of_a_new_style(self):
