@@ -72,5 +72,5 @@ py::array Heights(const py::array& image, LM_height_source source) {
                                                : ReadPlane<float>(packed, weights, size);
   LM_PrepareHeights(source, std::max(width, height), plane);
   Enlarge(plane, width, height, values);
-  return std::move(heights);
+  return heights;
 }

@@ -23,7 +23,7 @@ struct ApplyCommand {
   uint64_t maxPixels = 0; // 0: not named
   bool force = false;
   bool wasLitDeep = false; // with all that the files hold; else with 8 bits, as the dialog does
-  LM_height_source relief; // not resolved
+  LM_height_source relief = {}; // not resolved
 };
 
 // The command, for a shell. It names the files as they are named here, and holds the whole style.
