@@ -135,14 +135,18 @@ TEST_F(EditorRun, TheImageWithoutLightShowsWhileItsKeyIsHeldAndBesideTheLine) {
   open(makePicture("picture.png"));
   Canvas& canvas = window->canvas();
   const auto view = [&] { return canvas.viewport()->grab().toImage(); };
-  const QImage before = view();
+  const auto withoutLamp = [&] {
+    QTest::keyPress(window.get(), Qt::Key_O);
+    const QImage image = view();
+    QTest::keyRelease(window.get(), Qt::Key_O);
+    return image;
+  };
+  const QImage before = withoutLamp();
   ASSERT_TRUE(window->applyStyle("Campfire"));
   shown();
   const QImage after = view();
   ASSERT_NE(before, after);
-  QTest::keyPress(window.get(), Qt::Key_O);
-  EXPECT_EQ(view(), before);
-  QTest::keyRelease(window.get(), Qt::Key_O);
+  EXPECT_EQ(withoutLamp(), before);
   EXPECT_EQ(view(), after);
 
   action("Before and After")->trigger();

@@ -16,6 +16,12 @@ QImage ColoursOf(const QString& path) {
       .convertToFormat(QImage::Format_RGB32);
 }
 
+// All that it has of each pixel. Beside that, a saved file has its recipe.
+std::vector<uint8_t> SamplesOf(const QString& path) {
+  const limn::Photograph read = editor::OpenImageFile(path).photograph;
+  return read.deep.empty() ? read.pixels : read.deep;
+}
+
 } // namespace
 
 TEST_F(EditorRun, CanvasSaveAndCommandGiveTheSame) {
@@ -62,7 +68,11 @@ TEST_F(EditorRun, CanvasSaveAndCommandGiveTheSame) {
     EXPECT_EQ(QProcess::execute("sh", {"-c", shell + command}), 0) << command.toStdString();
     const QString saved = pathTo("saved-" + QString(c.output));
     ASSERT_TRUE(window->saveTo(saved));
-    EXPECT_EQ(contentOf(pathTo(c.output)), contentOf(saved));
+    EXPECT_EQ(SamplesOf(pathTo(c.output)), SamplesOf(saved));
+    if (c.selection.mask.isNull() && !c.selection.area.isEmpty() && c.relief.file.empty()) {
+      EXPECT_EQ(QProcess::execute(LIMN, {"verify", "--channel", heights, pathTo(c.name), saved}),
+                0);
+    }
     if (!saved.endsWith("jpg")) {
       window->canvas().setZoom(1.0);
       EXPECT_EQ(shown(), ColoursOf(saved));

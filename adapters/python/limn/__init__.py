@@ -139,7 +139,7 @@ def _text(value: Value) -> str:
     """A value as `limn apply --set` takes it: three numbers are a colour of 65535, as they are read."""
     if isinstance(value, bool):
         return "true" if value else "false"
-    if isinstance(value, (int, str)):
+    if isinstance(value, (int, float, str)):
         return str(value)
     try:
         numbers = [str(part) for part in value]
