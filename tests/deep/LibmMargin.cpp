@@ -3,8 +3,8 @@
 // Everything that a light's conversion takes from the C library is rounded to float. For each value
 // the exact result is computed to 64 bits or more, and then how many units in the last place of a
 // double one would have to go from it to reach another float.
+#include "LM_handles.h"
 #include "LM_light_figure.h"
-#include "LM_vectori2.h"
 
 #include <algorithm>
 #include <bit>
@@ -196,16 +196,16 @@ TEST(LibmMargin, Positions) {
       const float x = static_cast<float>(h) / PIXELS_PER_UNIT;
       const float y = static_cast<float>(v) / PIXELS_PER_UNIT;
       const float length = static_cast<float>(std::sqrt(static_cast<double>(x * x + y * y)));
-      LM_vectori2 last = {-1, -1};
+      LM_vector2f last = {-1, -1};
       for (int turned = 0; turned <= h; ++turned) {
-        const LM_vectori2 second =
-            LM_vectori2{static_cast<int16_t>(h), static_cast<int16_t>(v)}.QuarterTurn(
-                static_cast<float>(turned) / static_cast<float>(h));
-        if (h == 0 || second == last)
+        const LM_vector2f second = LM_QuarterTurn(
+            {static_cast<float>(h), static_cast<float>(v)},
+            static_cast<float>(turned) / static_cast<float>(h), LM_handle_grid::Whole);
+        if (h == 0 || (second.x == last.x && second.y == last.y))
           continue;
         last = second;
-        const float u = static_cast<float>(second.h) / PIXELS_PER_UNIT;
-        const float w = static_cast<float>(second.v) / PIXELS_PER_UNIT;
+        const float u = second.x / PIXELS_PER_UNIT;
+        const float w = second.y / PIXELS_PER_UNIT;
         const float squares = x * x + y * y + u * u + w * w;
         const float sine =
             std::min(1.0F, static_cast<float>((std::sqrt(2.0) / 2.0) *

@@ -52,10 +52,10 @@ LM_style_light RandomLight(Dice& dice) {
   light.intensity = dice(-127, 128);
   light.spread = dice(0, 255);
   light.center = LM_vectori2{dice(-200, 200), dice(-200, 200)}.Floats();
-  const LM_vectori2 handle = {dice(-150, 150), dice(-150, 150)};
-  light.handle1 = handle.Floats();
+  light.handle1 = LM_vectori2{dice(-150, 150), dice(-150, 150)}.Floats();
   const float share = static_cast<float>(dice(10, 100)) / 100.0F;
-  light.handle2 = handle.QuarterTurn(dice(0, 1) == 0 ? share : -share).Floats();
+  light.handle2 =
+      LM_QuarterTurn(light.handle1, dice(0, 1) == 0 ? share : -share, LM_handle_grid::Whole);
   light.radius = dice(1, 200);
   return light;
 }
