@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ImageLevels.h"
-#include "Recipe.h"
+#include "EditorRecipe.h"
 
 #include "LM_height_plane.h"
 #include "image_file.h"

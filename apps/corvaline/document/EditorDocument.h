@@ -4,7 +4,7 @@
 #include "ImageFiles.h"
 #include "MaskChange.h"
 #include "Original.h"
-#include "Recipe.h"
+#include "EditorRecipe.h"
 
 #include "recipe.h"
 

@@ -1,6 +1,6 @@
 #include "LightsModel.h"
 
-#include "Recipe.h"
+#include "EditorRecipe.h"
 
 #include "LM_handles.h"
 #include "LM_light_kinds.h"
