@@ -138,6 +138,48 @@ CVResult CVFilterRun::_refusal(const CVResult& request) const {
               (request.outcome == CVOutcome::BadRequest ? "the plug-in " : "") + request.message};
 }
 
+CVResult CVFilterRun::_needRows(int bottom) {
+  if (bottom <= _neededBottom)
+    return {};
+  _neededBottom = bottom;
+  if (_options.passing.needRows && !_options.passing.needRows(bottom))
+    return {CVOutcome::Failed, 0, "the image could not be read"};
+  return {};
+}
+
+CVResult CVFilterRun::_finishRows(int bottom) {
+  if (!_options.passing.finishRows || bottom <= std::max<int>(_finishedBottom, _area.top))
+    return {};
+  if (CVResult needed = _needRows(bottom); !needed.ok())
+    return needed;
+  const auto rows = _result.base(bottom);
+  if (rows == nullptr)
+    return CVOutOfMemory("the filtered image");
+  _finishedBottom = bottom;
+  _options.passing.finishRows(bottom, rows);
+  return {};
+}
+
+// Tells the caller which rows are finished, since a walk from top to bottom has left them, and
+// which the request needs.
+CVResult CVFilterRun::_passRows() {
+  const CVTileRequest& request = _tiles.request();
+  CVResult result;
+  if (!request.output.isEmpty() && request.output.top < _finishedBottom)
+    result = {CVOutcome::BadRequest, 0, "asked to write to rows that it had left"};
+  else if (!request.output.isEmpty())
+    result = _finishRows(std::min<int>(request.output.top, _area.bottom));
+  for (const CVTile* tile : {&request.input, &request.output})
+    if (result.ok() && !tile->isEmpty())
+      result = _needRows(std::clamp(tile->top + tile->height, 1, _document.height()));
+  return result;
+}
+
+CVResult CVFilterRun::_deliver() {
+  CVResult result = _passRows();
+  return result.ok() ? _tiles.deliver(_record) : result;
+}
+
 // More calls than any sensible walk makes: row by row or column by column 64 times over, or in
 // tiles of 4 × 4 pixels.
 static int64_t mostCalls(const CVRect& area) {
@@ -165,7 +207,7 @@ CVResult CVFilterRun::_walk() {
       result = {CVOutcome::BadRequest, 0,
                 "still asked for tiles after " + std::to_string(calls) + " of them"};
     if (result.ok())
-      result = _tiles.deliver(_record);
+      result = _deliver();
     if (!result.ok())
       return _refusal(result);
     if (result = _step(LM_SEL_CONTINUE); !result.ok())
@@ -191,7 +233,9 @@ CVResult CVFilterRun::execute() noexcept {
   const int16_t code = _call(LM_SEL_FINISH);
   if (result.ok())
     result = guarded([this, code] { return _judge(LM_SEL_FINISH, code); });
-  if (result.ok())
+  if (result.ok() && _options.passing.finishRows)
+    result = guarded([this] { return _finishRows(_area.bottom); });
+  else if (result.ok())
     _result.store();
   return result;
 }
@@ -228,13 +272,14 @@ int16_t CVFilterRun::nextTile() {
   _tiles.withdraw(_record);
   CVResult result = _tiles.read(_record);
   if (result.ok())
-    result = _tiles.deliver(_record);
+    result = _deliver();
   // The plug-in may get by with a smaller tile, but a wrong request is its fault and ends the run.
   if (result.outcome == CVOutcome::NoMemory)
     return CV_RESULT_NO_MEMORY;
   if (result.ok())
     return noErr;
-  result.message = "the plug-in " + result.message;
+  if (result.outcome == CVOutcome::BadRequest)
+    result.message = "the plug-in " + result.message;
   fail(std::move(result));
   return paramErr;
 }

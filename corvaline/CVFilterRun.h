@@ -49,6 +49,10 @@ private:
   int16_t _call(int selector) noexcept;
   void _fillHostFields();
   CVResult _refusal(const CVResult& request) const;
+  CVResult _needRows(int bottom);
+  CVResult _finishRows(int bottom);
+  CVResult _passRows();
+  CVResult _deliver();
   void _showProgress();
 
   CVFilterSession& _session;
@@ -60,6 +64,8 @@ private:
   CVTileDelivery _tiles;
   CVResult _failure; // Done until something other than the plug-in's answer ends the run
   int _selector = LM_SEL_PREPARE;
+  int _neededBottom = 0;   // rows above it have been asked for
+  int _finishedBottom = 0; // rows above it have been given away
   bool _cancelled = false;
   double _progressShown = -1.0;
 };

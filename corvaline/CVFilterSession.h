@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,18 @@ int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, int32_t r
 
 enum class CVDialog { No, Yes };
 
+// For a caller that reads and writes the image while the filter runs. Either function may be empty.
+struct CVPassing {
+  // Called before rows of the base channels above `bottom` are first read. False: they cannot be
+  // had, and the run ends.
+  std::function<bool(int bottom)> needRows;
+  // Called when the rows of the filter area above `bottom` are finished; with the area's bottom
+  // last. rows: the area's base channels, a row after the other; it may be kept. With this function
+  // the document is left as it is, and a plug-in that wants to write to finished rows once more is
+  // refused.
+  std::function<void(int bottom, const std::shared_ptr<const CVBuffer>& rows)> finishRows;
+};
+
 // dialog: Yes lets the plug-in ask the user first; No repeats the filter with the kept parameters.
 // Both functions may be empty; they are called on the run's thread, also in the middle of the
 // plug-in's work. One that throws ends the run.
@@ -40,6 +53,7 @@ struct CVRunOptions {
   std::function<void(double)> progress;
   // True when the user wants to stop. Once true it is not asked again in that run.
   std::function<bool()> cancelled;
+  CVPassing passing;
   CVServices services;
 };
 
@@ -56,8 +70,8 @@ public:
   // Filters `area` of the document, which lies inside it and is not empty, through the document's
   // selection mask. Sends parameters (with a dialog), prepare, start, continue …, finish; finish is
   // sent however the others end. Every request of the plug-in is checked. The document changes only
-  // when the result is Done, and only inside the area; views of it taken before are then void. Does
-  // not throw.
+  // when the result is Done, and only inside the area; views of it taken before are then void.
+  // options.passing may leave it unchanged. Does not throw.
   CVResult run(CVDocument& document, CVRect area, const CVRunOptions& options);
 
   // Shows the plug-in's about box. hostWindow: as CVAboutRecord says; may be null.

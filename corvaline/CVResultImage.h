@@ -4,7 +4,9 @@
 #include "CVBuffer.h"
 #include "CVDocument.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 // The document keeps its content until store(), so that a later tile's margin still sees the
@@ -16,22 +18,32 @@ public:
 
   const CVRect& area() const { return _area; }
 
-  // Makes sure that these channels can be written; at first they are what the document has. False
-  // when there is no memory. May throw std::bad_alloc.
-  bool open(int firstChannel, int lastChannel);
+  // Makes sure that the area's rows above `bottom`, an image coordinate, can be written in these
+  // channels; at first they are what the document has. False when there is no memory. May throw
+  // std::bad_alloc.
+  bool open(int firstChannel, int lastChannel, int bottom);
 
   // A channel that was opened; its pixel (0, 0) is the area's top-left.
   CVChannelView<uint8_t> channel(int index) const;
+  // The base channels with all rows above `bottom`, for whoever goes on with them.
+  std::shared_ptr<const CVBuffer> base(int bottom);
 
   // Puts what was written into the document. Cannot fail.
   void store();
 
 private:
-  CVBuffer _copy(const CVDocument::Plane& plane) const;
-  void _store(CVBuffer& copy, CVDocument::Plane& plane) const;
+  // The area of a plane. Rows are copied when they are first opened, which for a walk from top to
+  // bottom is shortly before they are written.
+  struct Copy {
+    std::shared_ptr<CVBuffer> pixels; // null: not opened
+    size_t rows = 0;                  // that have been copied
+  };
+
+  bool _copy(const CVDocument::Plane& plane, int bottom, Copy& copy) const;
+  void _store(Copy& copy, CVDocument::Plane& plane) const;
 
   CVDocument& _document;
   CVRect _area;
-  CVBuffer _base;
-  std::vector<CVBuffer> _extras; // by their position after the base; an empty one is not opened
+  Copy _base;
+  std::vector<Copy> _extras; // by their position after the base
 };

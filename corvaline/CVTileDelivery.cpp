@@ -34,6 +34,16 @@ static size_t samplePosition(int start, int index, int32_t step, int imageSide) 
   return static_cast<size_t>(std::clamp<int64_t>(position, 0, imageSide - 1));
 }
 
+static void copyRow(const uint8_t* source, size_t sourceStep, uint8_t* dest, size_t destStep,
+                    size_t count) {
+  if (sourceStep == 1 && destStep == 1) {
+    std::memcpy(dest, source, count);
+    return;
+  }
+  for (size_t i = 0; i < count; ++i)
+    dest[i * destStep] = source[i * sourceStep];
+}
+
 // Copies the tile's samples of one channel to every pixelStep-th byte of dest. columns: image
 // column of each sample of a row.
 static void copySamples(const CVChannelView<const uint8_t>& channel, const CVTile& tile,
@@ -43,6 +53,11 @@ static void copySamples(const CVChannelView<const uint8_t>& channel, const CVTil
     const size_t y = samplePosition(tile.top, row, tile.step, imageHeight);
     const uint8_t* source = channel.data + y * channel.rowStride;
     uint8_t* sample = dest.data + static_cast<size_t>(row) * dest.rowStride;
+    if (tile.step == CV_FIXED_ONE && columns.back() - columns.front() == columns.size() - 1) {
+      copyRow(source + columns.front() * channel.pixelStep, channel.pixelStep, sample,
+              dest.pixelStep, columns.size());
+      continue;
+    }
     for (const size_t x : columns) {
       *sample = source[x * channel.pixelStep];
       sample += dest.pixelStep;
@@ -138,19 +153,6 @@ static uint8_t* rowAt(const CVChannelView<uint8_t>& view, int top, int left, int
          static_cast<size_t>(x - left) * view.pixelStep;
 }
 
-static void copyRow(const uint8_t* source, size_t sourceStep, uint8_t* dest, size_t destStep,
-                    size_t count) {
-  if (sourceStep == 1 && destStep == 1) {
-    std::memcpy(dest, source, count);
-    return;
-  }
-  for (size_t i = 0; i < count; ++i) {
-    *dest = *source;
-    source += sourceStep;
-    dest += destStep;
-  }
-}
-
 // Fills the output tile with the present content: the document's, and in the filter area the
 // result's.
 void CVTileDelivery::_fillOutput(const CVTile& tile, const CVTile& part) {
@@ -177,15 +179,32 @@ void CVTileDelivery::_fillOutput(const CVTile& tile, const CVTile& part) {
   }
 }
 
+// True when the plug-in may write into the result itself: whole pixels, all of them in the filter
+// area, which nothing is mixed with.
+bool CVTileDelivery::_outputLendable(const CVTile& tile, const CVTile& part) const {
+  return !_document.hasMask() && part.height == tile.height && part.width == tile.width &&
+         _hasWholePixels(tile);
+}
+
 CVResult CVTileDelivery::_deliverOutput(FilterRecord& record) {
   const CVTile& tile = _request.output;
   if (tile.isEmpty())
     return {};
-  if (CVResult room = makeRoom("output", tile, _outputBuffer); !room.ok())
-    return room;
   const CVTile part = insideArea(tile, _result.area());
-  if (!part.isEmpty() && !_result.open(tile.firstChannel, tile.lastChannel))
+  _isOutputLent = _outputLendable(tile, part);
+  if (!_isOutputLent)
+    if (CVResult room = makeRoom("output", tile, _outputBuffer); !room.ok())
+      return room;
+  if (!part.isEmpty() && !_result.open(tile.firstChannel, tile.lastChannel, part.top + part.height))
     return CVOutOfMemory("the filtered image");
+  if (_isOutputLent) {
+    const CVRect& area = _result.area();
+    const auto present = _result.channel(tile.firstChannel);
+    _output = tile;
+    record.outPixels = rowAt(present, area.top, area.left, tile.top, tile.left);
+    record.outRowStride = static_cast<int32_t>(present.rowStride);
+    return {};
+  }
   _fillOutput(tile, part);
   _output = tile;
   record.outPixels = _outputBuffer.data();
@@ -231,6 +250,9 @@ void CVTileDelivery::takeOutput() {
   _output = {};
   if (part.isEmpty())
     return;
+  _pixelsTaken += int64_t{part.height} * part.width;
+  if (_isOutputLent)
+    return;
   const auto selection = _document.mask();
   const bool mixed = selection.data != nullptr;
   const bool whole = !mixed && _hasWholePixels(tile);
@@ -250,5 +272,4 @@ void CVTileDelivery::takeOutput() {
                 whole ? width * channels : width);
     }
   }
-  _pixelsTaken += int64_t{part.height} * part.width;
 }

@@ -13,8 +13,8 @@
 #include <vector>
 
 // Input and mask are always the document's, as it was before the run. They are lent straight from
-// its memory where the request allows that and copied otherwise; the output tile is a copy, so that
-// it can be put together with the present content through the selection.
+// its memory where the request allows that and copied otherwise; so is the output from the result,
+// unless it has to be put together with the present content through a selection.
 class CVTileDelivery {
 public:
   CVTileDelivery(const CVDocument& document, CVResultImage& result)
@@ -22,6 +22,7 @@ public:
 
   // Reads and checks the request in the record. BadRequest as CVReadRequest.
   CVResult read(const FilterRecord& record) { return CVReadRequest(record, _document, _request); }
+  const CVTileRequest& request() const { return _request; }
   // False at the end of a walk: neither input nor output is asked for.
   bool wanted() const { return !_request.input.isEmpty() || !_request.output.isEmpty(); }
 
@@ -47,11 +48,13 @@ private:
   void _fillOutput(const CVTile& tile, const CVTile& part);
   bool _hasWholePixels(const CVTile& tile) const;
   bool _lendable(const CVTile& tile) const;
+  bool _outputLendable(const CVTile& tile, const CVTile& part) const;
 
   const CVDocument& _document;
   CVResultImage& _result;
   CVTileRequest _request;
   CVTile _output; // the tile that is out, or empty
+  bool _isOutputLent = false;
   CVBuffer _inputBuffer;
   CVBuffer _outputBuffer;
   CVBuffer _maskBuffer;

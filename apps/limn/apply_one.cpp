@@ -9,17 +9,12 @@
 #include "image_source.h"
 #include "lit_photograph.h"
 #include "output_target.h"
+#include "plugin_image.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace limn {
-namespace {
-
-// Reading, lighting and writing as shares of the progress.
-constexpr double READ_SHARE = 0.2;
-constexpr double LIT_SHARE = 0.8;
-
-} // namespace
 
 ApplyTools PrepareTools(const ApplyPlan& plan) {
   StartImageLibrary(plan.threads, {plan.options.maxPixels, MAX_PIXELS_ADVICE});
@@ -77,7 +72,30 @@ std::string NoteDepth(int numBits, VipsBandFormat lit, const std::string& asked,
   return DepthNotice(numBits, left) + (left == held.most ? ", since " + files + "no more" : "");
 }
 
-// Decodes, lights and writes a few rows at a time.
+// The lit planes of an opened photograph.
+struct PlanesBeingLit {
+  std::unique_ptr<PluginImage> byPlugin; // where that lights them
+  vips::VImage planes;
+  std::shared_ptr<std::atomic<bool>> hasSourceFailed;
+};
+
+PlanesBeingLit Light(const LightingOfPhotographs& light, const ApplyTools& tools,
+                     const std::string& path, const vips::VImage& planes) {
+  PlanesBeingLit lit;
+  if (tools.plugin) {
+    auto [surroundings, style] = light.Fitted(path, planes);
+    lit.byPlugin = std::make_unique<PluginImage>(*tools.plugin, style, std::move(surroundings),
+                                                 planes, ShownName(path));
+    lit.planes = lit.byPlugin->Lit();
+    lit.hasSourceFailed = lit.byPlugin->HasSourceFailed();
+    return lit;
+  }
+  lit.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
+  lit.planes = light.Light(path, planes, lit.hasSourceFailed);
+  return lit;
+}
+
+// Decodes, lights and writes at the same time, a few rows after each other.
 JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
                        const JobChannel& channel) {
   const ImagePair& pair = plan.pairs[index];
@@ -86,12 +104,17 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   const std::string source = ShownName(pair.input);
   const Complaints complaints;
   ProgressTeller teller{channel};
+  PlanesBeingLit lit;
   try {
     const OutputBits held = BitsOf(pair.output);
     const VipsBandFormat most = DepthOfBits(held.most);
     const VipsBandFormat asked = std::min(AskedDepth(plan.options.depth), most);
     const bool isLifted = held.least > NumBits(VIPS_FORMAT_UCHAR);
-    OpenedPhotograph opened = OpenPhotograph(pair.input, 1, isLifted ? most : asked, most);
+    OpenedPhotograph opened = OpenPhotograph(pair.input, 1,
+                                             tools.plugin ? VIPS_FORMAT_UCHAR
+                                             : isLifted   ? most
+                                                          : asked,
+                                             most);
     complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();
@@ -113,78 +136,21 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
       tellNotices();
       return {width, height};
     }
-    const auto hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
-    const vips::VImage lit = light.Light(pair.input, opened.planes, hasSourceFailed);
+    lit = Light(light, tools, pair.input, opened.planes);
     recipe.PutInto(opened.metadata, pair.output, opened.notices);
-    vips_image_set_progress(lit.get_image(), TRUE);
-    g_signal_connect(lit.get_image(), "eval", G_CALLBACK(ProgressTeller::Tell), &teller);
-    WriteImage({lit, opened.metadata, source, hasSourceFailed}, pair.output, plan.targets[index],
-               existing, complaints, opened.notices);
+    vips_image_set_progress(lit.planes.get_image(), TRUE);
+    g_signal_connect(lit.planes.get_image(), "eval", G_CALLBACK(ProgressTeller::Tell), &teller);
+    WriteImage({lit.planes, opened.metadata, source, lit.hasSourceFailed}, pair.output,
+               plan.targets[index], existing, complaints, opened.notices);
     tellNotices();
     return {width, height};
   } catch (const AlreadyThere&) {
     throw;
   } catch (...) {
+    if (lit.byPlugin != nullptr)
+      lit.byPlugin->CheckPlugin();
     throw CaughtLibraryFailure(ExitCode::BadInput, source);
   }
-}
-
-// Makes a photograph's heights its last channel, unless they are the style's own.
-void AddRelief(const LM_height_source& source, const std::string& path, LM_style& style,
-               Surroundings& surroundings, Photograph& photograph) {
-  const Complaints complaints;
-  try {
-    const HeightSubject subject =
-        SubjectOf(path, photograph.width, photograph.height, surroundings);
-    CheckSurroundings(surroundings, subject.width, subject.height, ShownName(path));
-    NoteScaled(surroundings, subject.width, subject.height, photograph.notices);
-    const size_t numAdded = surroundings.channels.size();
-    LitSettings settings{};
-    settings.style = style;
-    SetChannels(source, subject, surroundings.channels, photograph.numPlanes, false, settings);
-    style = settings.style;
-    const std::vector<vips::VImage>& channels = settings.channels;
-    for (size_t i = 0; i < channels.size(); ++i) {
-      const bool isFitting = i < numAdded && surroundings.channels[i].width == subject.width &&
-                             surroundings.channels[i].height == subject.height;
-      if (isFitting)
-        continue;
-      surroundings.channels.resize(std::max(surroundings.channels.size(), i + 1));
-      GreyImage& channel = surroundings.channels[i];
-      channel = {channel.file, subject.width, subject.height, DecodedPixels(channels[i]), {}};
-    }
-    complaints.Check(ExitCode::BadInput, ShownName(path));
-  } catch (...) {
-    throw CaughtLibraryFailure(ExitCode::BadInput, ShownName(path));
-  }
-}
-
-// Decodes the whole image, has the plug-in light it, and writes it.
-JobDone LightThroughPlugin(const ApplyPlan& plan, ApplyTools& tools, size_t index,
-                           const JobChannel& channel) {
-  const ImagePair& pair = plan.pairs[index];
-  const Existing existing = plan.ExistingOutputs();
-  const std::string source = ShownName(pair.input);
-  const ImageRecipe recipe(plan, tools, index, NumBits(VIPS_FORMAT_UCHAR));
-  if (plan.options.isUpdating && recipe.IsIn(plan.targets[index]))
-    return {0, 0, JobDone::UpToDate};
-  Photograph photograph = ReadPhotograph(pair.input);
-  channel.Progress(READ_SHARE);
-  double told = 0;
-  LM_style style = plan.styles[pair.style];
-  Surroundings surroundings = tools.surroundings; // which are fitted to this photograph
-  AddRelief(plan.reliefs[pair.style], pair.input, style, surroundings, photograph);
-  LightPhotograph(*tools.plugin, style, surroundings, photograph, source, [&](double share) {
-    if (share < told + 0.01)
-      return;
-    told = share;
-    channel.Progress(READ_SHARE + share * (LIT_SHARE - READ_SHARE));
-  });
-  recipe.PutInto(photograph.metadata, pair.output, photograph.notices);
-  WritePhotograph(photograph, pair.output, plan.targets[index], existing);
-  for (const std::string& notice : photograph.notices)
-    channel.Notice(source + ": " + notice);
-  return {photograph.width, photograph.height};
 }
 
 // An update replaces what it made before, which is never its input.
@@ -206,8 +172,7 @@ JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
   CheckOutputFormat(pair.output);
   if (plan.options.isDryRun)
     CheckFolder(plan.targets[index]);
-  return tools.plugin && !plan.options.isDryRun ? LightThroughPlugin(plan, tools, index, channel)
-                                                : LightInPassing(plan, tools, index, channel);
+  return LightInPassing(plan, tools, index, channel);
 }
 
 } // namespace limn

@@ -58,4 +58,22 @@ LightingOfPhotographs::Light(const std::string& path, const vips::VImage& planes
   return LitImage(planes, settings);
 }
 
+std::pair<Surroundings, LM_style> LightingOfPhotographs::Fitted(const std::string& path,
+                                                                const vips::VImage& planes) const {
+  Surroundings fitted = surroundings;
+  const HeightSubject subject = SubjectOf(path, planes.width(), planes.height(), surroundings);
+  LitSettings settings{};
+  settings.style = style;
+  SetChannels(relief, subject, surroundings.channels, planes.bands(), false, settings);
+  fitted.channels.resize(settings.channels.size());
+  for (size_t i = 0; i < settings.channels.size(); ++i)
+    if (fitted.channels[i].width != subject.width || fitted.channels[i].height != subject.height)
+      fitted.channels[i] = {fitted.channels[i].file,
+                            subject.width,
+                            subject.height,
+                            DecodedPixels(settings.channels[i]),
+                            {}};
+  return {std::move(fitted), settings.style};
+}
+
 } // namespace limn

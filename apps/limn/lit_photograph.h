@@ -10,6 +10,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 #include <vips/vips8>
 
@@ -39,6 +40,10 @@ struct LightingOfPhotographs {
   // Lazy: decoded and lit when it is written. hasSourceFailed: as LitSettings'.
   vips::VImage Light(const std::string& path, const vips::VImage& planes,
                      const std::shared_ptr<std::atomic<bool>>& hasSourceFailed) const;
+  // For the plug-in, which has only channels of 8 bits and the photograph's size: the surroundings
+  // as such, and the style whose relief is one of them.
+  std::pair<Surroundings, LM_style> Fitted(const std::string& path,
+                                           const vips::VImage& planes) const;
 };
 
 } // namespace limn

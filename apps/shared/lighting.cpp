@@ -38,15 +38,6 @@ ExitCode CodeOf(CVOutcome outcome) {
   }
 }
 
-std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numChannels,
-                                    const std::string& file) {
-  auto parameters = std::make_unique<foo>();
-  if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top, numChannels,
-                              parameters.get()))
-    throw Failure(ExitCode::WrongUsage, file + ": the style holds no light");
-  return parameters;
-}
-
 } // namespace
 
 std::optional<limn_area> ParseArea(const std::string& text) {
@@ -131,6 +122,15 @@ void CheckSurroundings(const Surroundings& surroundings, int width, int height,
     CheckSize(*surroundings.mask, width, height, file);
 }
 
+std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numChannels,
+                                    const std::string& file) {
+  auto parameters = std::make_unique<foo>();
+  if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top, numChannels,
+                              parameters.get()))
+    throw Failure(ExitCode::WrongUsage, file + ": the style holds no light");
+  return parameters;
+}
+
 std::string ScaledNotice(const GreyImage& grey, int width, int height) {
   return grey.file + " is scaled from " + Size(grey.width, grey.height) + " to its " +
          Size(width, height) + " pixels";
@@ -146,6 +146,19 @@ void FitChannels(std::vector<GreyImage>& channels, int width, int height, const 
   }
 }
 
+void AddSurroundings(CVDocument& document, Surroundings& surroundings, const std::string& file) {
+  const auto rowStride = static_cast<size_t>(document.width());
+  for (GreyImage& channel : surroundings.channels) {
+    CheckSize(channel, document.width(), document.height(), file);
+    CheckRun(document.wrapChannel(ChannelName(channel.file), channel.pixels.data(), rowStride),
+             file);
+  }
+  if (surroundings.mask) {
+    CheckSize(*surroundings.mask, document.width(), document.height(), file);
+    CheckRun(document.wrapMask(surroundings.mask->pixels.data(), rowStride), file);
+  }
+}
+
 CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
                         const std::string& file) {
   CVDocument document;
@@ -154,17 +167,7 @@ CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
                          CV_MODE_RGB, photograph.numPlanes),
            file);
   FitChannels(surroundings.channels, photograph.width, photograph.height, file, photograph.notices);
-  for (GreyImage& channel : surroundings.channels) {
-    CheckRun(document.wrapChannel(ChannelName(channel.file), channel.pixels.data(),
-                                  static_cast<size_t>(channel.width)),
-             file);
-  }
-  if (surroundings.mask) {
-    CheckSize(*surroundings.mask, photograph.width, photograph.height, file);
-    CheckRun(
-        document.wrapMask(surroundings.mask->pixels.data(), static_cast<size_t>(photograph.width)),
-        file);
-  }
+  AddSurroundings(document, surroundings, file);
   return document;
 }
 
@@ -176,21 +179,6 @@ void NoteMissingRelief(const LM_style& style, int numChannels, std::vector<std::
 
 std::string ChannelName(const std::string& file) {
   return std::filesystem::path(file).stem().string();
-}
-
-void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings& surroundings,
-                     Photograph& photograph, const std::string& file,
-                     const std::function<void(double)>& progress) {
-  const CVRect area = AreaOf(surroundings, photograph.width, photograph.height, file);
-  CVDocument document = MakeDocument(surroundings, photograph, file);
-  NoteMissingRelief(style, document.channelCount(), photograph.notices);
-  const auto parameters = MakeParameters(style, area, document.channelCount(), file);
-  CVFilterSession session(plugin);
-  CheckRun(session.setParameters(parameters.get(), sizeof *parameters), file);
-  CVRunOptions options;
-  options.dialog = CVDialog::No;
-  options.progress = progress;
-  CheckRun(session.run(document, area, options), file);
 }
 
 } // namespace limn

@@ -1,4 +1,4 @@
-// Lights a photograph by running the plug-in on it, as the editor does when it repeats the filter.
+// What runs of the plug-in on photographs have in common.
 #pragma once
 
 #include "image_file.h"
@@ -11,6 +11,8 @@
 #include <memory>
 #include <optional>
 #include <vector>
+
+struct foo; // the shading parameter block
 
 namespace limn {
 
@@ -33,14 +35,6 @@ Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::s
 // program. Throws Failure(Refused) when it cannot be loaded.
 CVPlugin LoadPlugin();
 
-// Lights the photograph in place. file: its name, for messages. progress: gets 0 … 1. Throws
-// Failure: WrongUsage or BadInput when area, mask or channels do not fit, NoMemory, Refused.
-void LightPhotograph(const CVPlugin& plugin, const LM_style& style, Surroundings& surroundings,
-                     Photograph& photograph, const std::string& file,
-                     const std::function<void(double)>& progress);
-
-// The pieces of that, for other kinds of runs.
-
 // What to say of a photograph of that size to which a grey image is scaled.
 std::string ScaledNotice(const GreyImage& grey, int width, int height);
 // Makes the channels ones of that size, and notes those that were not. file: what has that size.
@@ -53,6 +47,12 @@ CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
                         const std::string& file);
 // The rectangle to filter. Throws Failure(WrongUsage) when it is not inside the image.
 CVRect AreaOf(const Surroundings& surroundings, int width, int height, const std::string& file);
+// The plug-in's parameters for such a document. Throws Failure(WrongUsage) when the style holds no
+// light.
+std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numChannels,
+                                    const std::string& file);
+// Adds channels and mask, whose pixels are borrowed. Throws Failure when they do not fit.
+void AddSurroundings(CVDocument& document, Surroundings& surroundings, const std::string& file);
 // Throws what a run's result means as a Failure about `file`.
 void CheckRun(const CVResult& result, const std::string& file);
 // Adds a notice when the style's relief channel is not one of the document's.

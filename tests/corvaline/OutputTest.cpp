@@ -138,6 +138,67 @@ TEST(Output, TiledEqualsWhole) {
     }
 }
 
+// Rows are asked for before they are read and given away once the walk has left them, as they stay;
+// the document is left alone.
+TEST(Output, RowsPassThrough) {
+  std::mt19937 random(6);
+  for (const CVRect area : {CVRect{0, 0, 41, 70}, CVRect{5, 7, 30, 44}}) {
+    CVDocument document = randomDocument(random, 70, 41, 3, 0, area.top > 0);
+    const auto original = bytesOf(document);
+    const auto expected = expectedShift(document, area);
+    int needed = 0;
+    int finished = area.top;
+    std::shared_ptr<const CVBuffer> lit;
+    std::vector<uint8_t> passed;
+    CVRunOptions options;
+    options.passing.needRows = [&](int bottom) {
+      EXPECT_GT(bottom, needed);
+      EXPECT_LE(bottom, finished + TILE);
+      needed = bottom;
+      return true;
+    };
+    options.passing.finishRows = [&](int bottom, const std::shared_ptr<const CVBuffer>& rows) {
+      EXPECT_EQ(bottom, std::min(finished + TILE, int{area.bottom}));
+      const auto rowBytes = static_cast<size_t>(area.right - area.left) * 3;
+      const auto row = [&](int y) {
+        return rows->data() + static_cast<size_t>(y - area.top) * rowBytes;
+      };
+      passed.insert(passed.end(), row(finished), row(bottom));
+      finished = bottom;
+      lit = rows;
+    };
+    Plan plan = shiftingPlan();
+    CVFilterSession session(playing(plan));
+    const CVResult result = session.run(document, area, options);
+    ASSERT_TRUE(result.ok()) << result.message;
+    EXPECT_EQ(bytesOf(document), original);
+    ASSERT_EQ(finished, area.bottom);
+    EXPECT_TRUE(std::equal(passed.begin(), passed.end(), lit->data()));
+    for (int y = area.top; y < area.bottom; ++y)
+      for (int x = area.left; x < area.right; ++x)
+        for (int channel = 0; channel < 3; ++channel)
+          ASSERT_EQ(passed[static_cast<size_t>(
+                        ((y - area.top) * (area.right - area.left) + x - area.left) * 3 + channel)],
+                    expected[static_cast<size_t>((channel * 41 + y) * 70 + x)]);
+
+    // Nothing is written to rows that are gone; rows that cannot be had end the run.
+    finished = area.top;
+    plan.next = [&](FilterRecord& record) -> int16_t {
+      if (record.outTileRect.top > area.top)
+        record.outTileRect.top = area.top;
+      else
+        toNextTile(record);
+      return 0;
+    };
+    options.passing.needRows = {};
+    options.passing.finishRows = [](int, const std::shared_ptr<const CVBuffer>&) {};
+    EXPECT_EQ(session.run(document, area, options).outcome, CVOutcome::BadRequest);
+    options.passing.needRows = [](int) { return false; };
+    EXPECT_EQ(session.run(document, area, options).outcome, CVOutcome::Failed);
+    EXPECT_EQ(bytesOf(document), original);
+  }
+}
+
 // Tiles may overlap and be handed over inside a call; outside the filter area nothing is taken;
 // with absolute planes an extra channel can be written.
 TEST(Output, PresentContentIsDelivered) {
