@@ -58,7 +58,6 @@ bool MainWindow::copyCommand(const QString& maskPath) {
   command.mask = selection.mask.isNull() ? "" : Encoded(maskPath);
   for (const limn::GreyImage& channel : _document.original().channels)
     command.channels.push_back(channel.file);
-  command.wasLitDeep = true;
   const std::string line = limn::CommandLine(command);
   if (limn::HasControls(line)) {
     _complain(title, tr("A file's name has characters that a terminal takes for keys."));

@@ -48,6 +48,21 @@ Sources ReadSources(const EditOptions& options, VipsBandFormat most) {
   return sources;
 }
 
+// The list of strings that this window's texts are in, and their places there.
+constexpr int16_t TEXTS = 156;
+enum Text : int16_t { LIGHTING = 1, WRITING, CANCEL };
+
+// In the user's language, with ^0 as it stands there.
+QString TextOf(Text text) {
+  Str255 string;
+  GetIndString(string, TEXTS, text);
+  return QString::fromStdString(TB_StdString(string));
+}
+
+QString Task(Text text, const std::string& file) {
+  return TextOf(text).replace(QStringLiteral("^0"), QString::fromStdString(Printable(file)));
+}
+
 // The functions of the contract have no argument for whom they work.
 RunWindow* runWindow = nullptr;
 
@@ -57,46 +72,49 @@ int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, i
   return ShowPixelMap(map, source, row, column);
 }
 
-// isDeep: the dialog is all that is wanted of the plug-in, which lights 8 bits.
-CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, RunWindow& window,
-                   bool isDeep) {
+// The dialog alone: the run that OK begins is ended, and its pixels are left. Its parameters are the
+// session's then.
+CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, RunWindow& window) {
   CVRunOptions options;
   options.dialog = CVDialog::Yes;
   options.services.showPixels = ShowPixels;
   options.progress = [&](double share) { window.Show(share); };
-  options.cancelled = [&] { return window.IsCancelled() || (isDeep && window.HasRunBegun()); };
+  options.cancelled = [&] { return window.HasRunBegun(); };
+  options.passing.finishRows = [](int, const std::shared_ptr<const CVBuffer>&) {};
   runWindow = &window;
   CVResult result = session.run(document, area, options);
   runWindow = nullptr;
-  if (isDeep && window.HasRunBegun() && result.outcome == CVOutcome::Cancelled)
+  if (window.HasRunBegun() && result.outcome == CVOutcome::Cancelled)
     return {};
   return result;
 }
 
-// With what the dialog has left. False when it was cancelled.
-bool LightDeep(const CVFilterSession& session, Sources& sources, const std::string& file,
-               RunWindow& window) {
+// Lights and writes at the same time, as `limn apply` does, with what the dialog has left. False
+// when it was cancelled.
+bool LightAndWrite(const EditOptions& options, const CVFilterSession& session, Sources& sources,
+                   const OutputName& output, RunWindow& window) {
+  const Existing existing = options.force ? Existing::Replace : Existing::Keep;
   LitSettings settings = SettingsFor(sources.surroundings, true);
   settings.parameters = ParametersOfBlock(session.parameters());
   if (settings.parameters == nullptr)
-    throw Failure(ExitCode::Refused, file + ": the plug-in lights 8 bits a channel alone");
+    throw Failure(ExitCode::Refused, options.image + ": the plug-in is not Limn's");
   Photograph& photograph = sources.photograph;
-  std::vector<uint8_t> lit =
-      LitSamples(LitPlanes(photograph, settings, file), {0, 0, photograph.width, photograph.height},
-                 file, [&](double share) {
-                   window.Show(share);
-                   return !window.IsCancelled();
-                 });
-  if (lit.empty())
-    return false;
-  photograph.deep = std::move(lit);
-  return true;
-}
-
-void WriteResult(const EditOptions& options, Photograph& photograph, const OutputName& output,
-                 Existing existing) {
-  WritePhotograph(photograph, output, ResolveTarget(output.path), existing);
+  const vips::VImage lit = LitPlanes(photograph, settings, options.image);
+  const ProgressAsker asker(lit, [&](double share) {
+    window.Show(share);
+    if (share == 1.0) // some formats are packed only now
+      window.ShowWriting(Task(WRITING, output.path));
+    return !window.IsCancelled();
+  });
+  try {
+    WritePhotograph(photograph, lit, output, ResolveTarget(output.path), existing);
+  } catch (...) {
+    if (window.IsCancelled())
+      return false;
+    throw;
+  }
   PrintNotices(options, options.image, photograph.notices);
+  return true;
 }
 
 // Has the plug-in's dialog begin with the style.
@@ -109,12 +127,12 @@ void BeginWithStyle(const EditOptions& options) {
 
 // That makes the same file again; none when no style lights exactly like this.
 std::optional<std::string> CommandFor(const EditOptions& options, const OutputName& output,
-                                      const std::vector<uint8_t>& block, CVRect area, bool isDeep) {
+                                      const std::vector<uint8_t>& block, CVRect area) {
   const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
   if (!style)
     return std::nullopt;
   return CommandLine({*style, options.image, output.path + output.options, options.area,
-                      options.mask, options.channels, options.maxPixels, options.force, isDeep});
+                      options.mask, options.channels, options.maxPixels, options.force});
 }
 
 void PrintCommand(const EditOptions& options, const std::optional<std::string>& command) {
@@ -138,27 +156,12 @@ OutputName OutputOf(const EditOptions& options) {
   return {image.parent_path() / name, ""};
 }
 
-// The list of strings that this window's texts are in, and their places there.
-constexpr int16_t TEXTS = 156;
-enum Text : int16_t { LIGHTING = 1, WRITING, CANCEL };
-
-// In the user's language, with ^0 as it stands there.
-QString TextOf(Text text) {
-  Str255 string;
-  GetIndString(string, TEXTS, text);
-  return QString::fromStdString(TB_StdString(string));
-}
-
 // Windows belong to the desktop's entry limn.desktop, and their titles end with the picture's name.
 void NameWindows(const std::string& image) {
   const std::string name = std::filesystem::path(image).filename();
   QApplication::setApplicationName(QStringLiteral("limn"));
   QApplication::setDesktopFileName(QStringLiteral("limn"));
   QApplication::setApplicationDisplayName(QString::fromStdString(Printable(name)));
-}
-
-QString Task(Text text, const std::string& file) {
-  return TextOf(text).replace(QStringLiteral("^0"), QString::fromStdString(Printable(file)));
 }
 
 } // namespace
@@ -188,17 +191,14 @@ ExitCode EditPhotograph(const EditOptions& options, int& argc, char** argv) {
   TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
   RunWindow window(Task(LIGHTING, options.image), TextOf(CANCEL));
   CVFilterSession session(plugin);
-  const bool isDeep = sources.photograph.depth != VIPS_FORMAT_UCHAR;
-  const CVResult result = RunDialog(session, document, area, window, isDeep);
+  const CVResult result = RunDialog(session, document, area, window);
   if (result.outcome == CVOutcome::Cancelled)
     return ExitCode::Cancelled;
   CheckRun(result, options.image);
-  const auto command = CommandFor(options, output, session.parameters(), area, isDeep);
+  const auto command = CommandFor(options, output, session.parameters(), area);
   try {
-    if (isDeep && !LightDeep(session, sources, options.image, window))
+    if (!LightAndWrite(options, session, sources, output, window))
       return ExitCode::Cancelled;
-    window.ShowWriting(Task(WRITING, output.path));
-    WriteResult(options, sources.photograph, output, existing);
   } catch (...) {
     if (command) // or the lights that were set by hand would be lost
       PrintProblem("the lights are those of: " + *command);

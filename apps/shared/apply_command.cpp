@@ -75,8 +75,6 @@ std::string CommandLine(const ApplyCommand& command) {
     line += " --channel " + FileWord(channel);
   if (command.maxPixels != 0)
     line += " --max-pixels " + std::to_string(command.maxPixels);
-  if (!command.wasLitDeep) // whatever the files hold
-    line += " --depth 8";
   return line + FileRelief(command.relief) + " --style " +
          ShellWord(ShortJson(command.style, command.relief));
 }

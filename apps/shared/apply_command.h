@@ -22,7 +22,6 @@ struct ApplyCommand {
   std::vector<std::string> channels;
   uint64_t maxPixels = 0; // 0: not named
   bool force = false;
-  bool wasLitDeep = false; // with all that the files hold; else with 8 bits, as the dialog does
   LM_height_source relief = {}; // not resolved
 };
 

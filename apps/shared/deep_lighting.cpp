@@ -9,22 +9,23 @@
 #include <utility>
 
 namespace limn {
-namespace {
 
-// Asks on the way whether to go on.
-struct Asker {
-  const std::function<bool(double)>& goOn;
-  bool isStopped = false;
+ProgressAsker::ProgressAsker(vips::VImage image, std::function<bool(double)> goOn)
+    : _image(std::move(image)), _goOn(std::move(goOn)) {
+  vips_image_set_progress(_image.get_image(), TRUE);
+  g_signal_connect(_image.get_image(), "eval", G_CALLBACK(_Ask), this);
+}
 
-  static void Ask(VipsImage* image, VipsProgress* progress, Asker* asker) {
-    if (asker->isStopped || asker->goOn(progress->percent / 100.0))
-      return;
-    asker->isStopped = true;
-    vips_image_set_kill(image, TRUE);
-  }
-};
+ProgressAsker::~ProgressAsker() {
+  g_signal_handlers_disconnect_by_data(_image.get_image(), this);
+}
 
-} // namespace
+void ProgressAsker::_Ask(VipsImage* image, VipsProgress* progress, ProgressAsker* asker) {
+  if (asker->_isStopped || asker->_goOn(progress->percent / 100.0))
+    return;
+  asker->_isStopped = true;
+  vips_image_set_kill(image, TRUE);
+}
 
 vips::VImage BandOf(GreyImage& grey, bool isDeep) {
   if (isDeep && !grey.words.empty())
@@ -79,20 +80,19 @@ vips::VImage LitPlanes(Photograph& photograph, const LitSettings& settings,
 
 std::vector<uint8_t> LitSamples(const vips::VImage& image, const limn_area& part,
                                 const std::string& file, const std::function<bool(double)>& goOn) {
-  Asker asker{goOn};
   if (!goOn(0))
     return {};
+  bool isStopped = false;
   try {
     const vips::VImage lit = image.extract_area(part.x, part.y, part.width, part.height);
-    vips_image_set_progress(lit.get_image(), TRUE);
-    g_signal_connect(lit.get_image(), "eval", G_CALLBACK(Asker::Ask), &asker);
+    const ProgressAsker asker(lit, [&](double share) { return !(isStopped = !goOn(share)); });
     std::vector<uint8_t> samples = DecodedPixels(lit);
-    if (asker.isStopped) // at its very end
+    if (isStopped) // at its very end
       samples.clear();
     return samples;
   } catch (...) {
     const Failure failure = CaughtLibraryFailure(ExitCode::Refused, file);
-    if (asker.isStopped)
+    if (isStopped)
       return {};
     throw failure;
   }

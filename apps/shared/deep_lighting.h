@@ -33,6 +33,23 @@ std::shared_ptr<const foo> ParametersOfBlock(const std::vector<uint8_t>& block);
 vips::VImage LitPlanes(Photograph& photograph, const LitSettings& settings,
                        const std::string& file);
 
+// While it lives, asks on the way of an image's pixels whether to go on, on the thread that has
+// them evaluated. goOn: gets 0 … 1; once it says no, the pixels cannot be had.
+class ProgressAsker {
+public:
+  ProgressAsker(vips::VImage image, std::function<bool(double)> goOn);
+  ~ProgressAsker();
+  ProgressAsker(const ProgressAsker&) = delete;
+  ProgressAsker& operator=(const ProgressAsker&) = delete;
+
+private:
+  static void _Ask(VipsImage* image, VipsProgress* progress, ProgressAsker* asker);
+
+  vips::VImage _image;
+  std::function<bool(double)> _goOn;
+  bool _isStopped = false;
+};
+
 // The samples of a part of a lit image, row after row. file: its name, for messages. goOn: gets
 // 0 … 1, and answers whether to; empty when not. Throws Failure.
 std::vector<uint8_t> LitSamples(const vips::VImage& image, const limn_area& part,
