@@ -51,5 +51,6 @@ void CheckTiff(FileBytes& bytes, const std::string& path);
 void CheckWebp(FileBytes& bytes, const std::string& path);
 void CheckHeif(FileBytes& bytes, const std::string& path); // and AVIF
 void CheckRadiance(FileBytes& bytes, const std::string& path);
+void CheckOpenExr(FileBytes& bytes, const std::string& path);
 
 } // namespace limn

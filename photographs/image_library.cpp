@@ -117,6 +117,7 @@ void StartImageLibrary(int threads, const SizeLimit& limit) {
   vips_block_untrusted_set(TRUE);
   vips_operation_block_set("VipsForeignLoadPpm", FALSE);
   vips_operation_block_set("VipsForeignLoadRad", FALSE);
+  vips_operation_block_set("VipsForeignLoadOpenexr", FALSE);
   // A table of numbers in a text file is no photograph.
   vips_operation_block_set("VipsForeignLoadMatrix", TRUE);
 }

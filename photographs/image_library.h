@@ -22,7 +22,7 @@ constexpr const char* MAX_PIXELS_ADVICE = "; --max-pixels sets another limit";
 constexpr int ALL_THREADS = 0;
 
 // Starts libvips with `threads` threads, without its operation cache, and with the loaders that are
-// not meant for strangers' files switched off (all but the simple PPM and Radiance). Call it in the
+// not meant for strangers' files switched off (all but PPM, Radiance and OpenEXR). Call it in the
 // process that uses it, never before a fork. Throws Failure(Refused).
 // From here on GLib's log does not reach the terminal; see Complaints. When GLib itself cannot get
 // memory the process exits with ExitCode::NoMemory.

@@ -71,6 +71,7 @@ constexpr Format FORMATS[] = {
     {".pgm", nullptr, "", 0, Exif::Lost, NONE, true},
     {".pbm", nullptr, "", 0, Exif::Lost, NONE, true},
     {".hdr", nullptr, "", 0, Exif::Lost, NONE, true},
+    {".exr", nullptr, "", 0, Exif::Lost, NONE, true},
 };
 
 const Format* FindFormat(const std::string& path) {

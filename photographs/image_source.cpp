@@ -38,37 +38,57 @@ vips::VSource SourceOf(Descriptor opened) {
   return vips::VSource(VIPS_SOURCE(custom));
 }
 
+using SourceLoader = vips::VImage (*)(vips::VSource source, vips::VOption* options);
+
+template <SourceLoader LOAD> vips::VImage Load(Descriptor file, vips::VOption* options) {
+  return LOAD(SourceOf(std::move(file)), options);
+}
+
+// Its library opens files by name, and once more when pixels are asked for.
+vips::VImage LoadOpenExr(Descriptor opened, vips::VOption* options) {
+  auto file = std::make_unique<Descriptor>(std::move(opened));
+  const std::string name = "/proc/self/fd/" + std::to_string(file->Number());
+  vips::VImage image = vips::VImage::openexrload(name.c_str(), options);
+  g_object_set_data_full(G_OBJECT(image.get_image()), "limn-file", file.release(),
+                         [](void* kept) { CloseFile(kept, nullptr); });
+#if VIPS_MAJOR_VERSION == 8 && VIPS_MINOR_VERSION < 15 // which counts its alpha to 255
+  image = image.linear({1, 1, 1, 1 / 255.0}, {0, 0, 0, 0});
+#endif
+  return image;
+}
+
 // A format by the bytes at `offset` of its files. Going by these, and not letting libvips ask each
 // of its loaders, keeps the loaders that are not wanted from so much as looking at a file.
 struct InputFormat {
   size_t offset;
   std::string_view magic;
-  vips::VImage (*load)(vips::VSource source, vips::VOption* options);
+  vips::VImage (*load)(Descriptor file, vips::VOption* options);
   Decoding decoding = Decoding::ByRows;
 };
 
 using namespace std::string_view_literals;
 
 constexpr InputFormat FORMATS[] = {
-    {0, "\xff\xd8\xff"sv, vips::VImage::jpegload_source},
-    {0, "\x89PNG\r\n\x1a\n"sv, vips::VImage::pngload_source},
-    {0, "II*\0"sv, vips::VImage::tiffload_source},
-    {0, "MM\0*"sv, vips::VImage::tiffload_source},
-    {0, "II+\0"sv, vips::VImage::tiffload_source}, // with 64-bit offsets
-    {0, "MM\0+"sv, vips::VImage::tiffload_source},
-    {8, "WEBP"sv, vips::VImage::webpload_source, Decoding::Whole},
-    {0, "P1"sv, vips::VImage::ppmload_source},
-    {0, "P2"sv, vips::VImage::ppmload_source},
-    {0, "P3"sv, vips::VImage::ppmload_source},
-    {0, "P4"sv, vips::VImage::ppmload_source},
-    {0, "P5"sv, vips::VImage::ppmload_source},
-    {0, "P6"sv, vips::VImage::ppmload_source},
-    {0, "Pf"sv, vips::VImage::ppmload_source, Decoding::BottomUp},
-    {0, "PF"sv, vips::VImage::ppmload_source, Decoding::BottomUp},
-    {0, "#?RADIANCE\n"sv, vips::VImage::radload_source},
-    {0, "#?RGBE\n"sv, vips::VImage::radload_source},
-    {0, "GIF8"sv, vips::VImage::gifload_source, Decoding::Whole},
-    {4, "ftyp"sv, vips::VImage::heifload_source, Decoding::Whole},
+    {0, "\xff\xd8\xff"sv, Load<vips::VImage::jpegload_source>},
+    {0, "\x89PNG\r\n\x1a\n"sv, Load<vips::VImage::pngload_source>},
+    {0, "II*\0"sv, Load<vips::VImage::tiffload_source>},
+    {0, "MM\0*"sv, Load<vips::VImage::tiffload_source>},
+    {0, "II+\0"sv, Load<vips::VImage::tiffload_source>}, // with 64-bit offsets
+    {0, "MM\0+"sv, Load<vips::VImage::tiffload_source>},
+    {8, "WEBP"sv, Load<vips::VImage::webpload_source>, Decoding::Whole},
+    {0, "P1"sv, Load<vips::VImage::ppmload_source>},
+    {0, "P2"sv, Load<vips::VImage::ppmload_source>},
+    {0, "P3"sv, Load<vips::VImage::ppmload_source>},
+    {0, "P4"sv, Load<vips::VImage::ppmload_source>},
+    {0, "P5"sv, Load<vips::VImage::ppmload_source>},
+    {0, "P6"sv, Load<vips::VImage::ppmload_source>},
+    {0, "Pf"sv, Load<vips::VImage::ppmload_source>, Decoding::BottomUp},
+    {0, "PF"sv, Load<vips::VImage::ppmload_source>, Decoding::BottomUp},
+    {0, "#?RADIANCE\n"sv, Load<vips::VImage::radload_source>},
+    {0, "#?RGBE\n"sv, Load<vips::VImage::radload_source>},
+    {0, "v/1\x01"sv, LoadOpenExr, Decoding::Whole},
+    {0, "GIF8"sv, Load<vips::VImage::gifload_source>, Decoding::Whole},
+    {4, "ftyp"sv, Load<vips::VImage::heifload_source>, Decoding::Whole},
 };
 
 const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
@@ -90,8 +110,9 @@ const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
   for (const InputFormat& format : FORMATS)
     if (bytes.size() > format.offset && bytes.substr(format.offset).starts_with(format.magic))
       return format;
-  throw Failure(ExitCode::BadInput,
-                path + ": is not a JPEG, PNG, TIFF, WebP, PPM, PFM, HDR, GIF, HEIF or AVIF image");
+  throw Failure(
+      ExitCode::BadInput,
+      path + ": is not a JPEG, PNG, TIFF, WebP, PPM, PFM, HDR, EXR, GIF, HEIF or AVIF image");
 }
 
 // What a component is where the image is white, if its format counts to other ends than 255 and
@@ -158,15 +179,14 @@ vips::VImage OpenImage(const std::string& name, int shrink) {
   CheckContent(file.Number(), format.decoding, path);
   const int64_t length = lseek(file.Number(), 0, SEEK_END);
   lseek(file.Number(), 0, SEEK_SET);
-  const bool isShrunk = format.load == vips::VImage::jpegload_source;
+  const bool isShrunk = format.load == Load<vips::VImage::jpegload_source>;
   try {
     auto* options = vips::VImage::option()
                         ->set("access", VIPS_ACCESS_SEQUENTIAL)
                         ->set("fail_on", VIPS_FAIL_ON_WARNING);
     if (isShrunk)
       options->set("shrink", shrink);
-    const vips::VImage image =
-        Normalized(format.load(SourceOf(std::move(file)), options), format.decoding);
+    const vips::VImage image = Normalized(format.load(std::move(file), options), format.decoding);
     CheckPixels(image, isShrunk ? shrink : 1, format.decoding, length, path);
     return image;
   } catch (const vips::VError&) {

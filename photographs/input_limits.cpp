@@ -26,6 +26,8 @@ constexpr uint64_t MOST_PIXELS_A_BYTE = 500;
 constexpr uint64_t LONG_ROW = 250'000;
 constexpr uint64_t MOST_GROWTH = 500;
 
+constexpr uint64_t OPENEXR_MAGIC = 0x762f3101;
+
 bool IsDecodedWhole(const vips::VImage& image, Decoding decoding) {
   return decoding != Decoding::ByRows || image.get_typeof("interlaced") != 0 ||
          vips_image_get_orientation(image.get_image()) > 1;
@@ -53,6 +55,8 @@ void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
     CheckHeif(bytes, path);
   if (start == NameOf("#?RA") || start == NameOf("#?RG"))
     CheckRadiance(bytes, path);
+  if (start == OPENEXR_MAGIC)
+    CheckOpenExr(bytes, path);
   CheckTiff(bytes, path);
 }
 

@@ -149,6 +149,13 @@ class Pixels(support.LimnTest):
         self.assertAlmostEqual(self.unlit("in.hdr", "out.tif").samples[-1], 0.25, places=2)
         encoded = self.unlit("in.hdr", "out.png", "--depth", 8, says="linear light becomes sRGB").samples
         self.assertTrue(encoded[0] == 255 and abs(encoded[-1] - 137) <= 1, (encoded[0], encoded[-1]))
+        samples = [[value / 7 - 1 for value in range(8 * y, 8 * y + 8)] for y in range(6)]
+        support.put("in.exr", support.exr(8, 6, samples))
+        lit = self.unlit("in.exr", "out.tif")
+        self.assertEqual((lit.width, lit.height, lit.depth), (8, 6, 32))
+        for value, wanted in zip(lit.samples[::4], sum(samples, [])):
+            self.assertAlmostEqual(value, wanted, places=2)
+        self.assertEqual(set(lit.samples[3::4]), {1})
         self.assertEqual(self.unlit("in.png", "out.tif", "--depth", "float").depth, 32)
         self.assertSame(self.unlit("out.tif", "back.png", "--depth", 16), picture, "a profile says that these are sRGB")
 

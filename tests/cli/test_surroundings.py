@@ -115,6 +115,15 @@ def bombs():
     yield "unusual order", "mirrored.hdr", sides % (b"", b"+Y")
     yield "XYZ", "xyz.hdr", sides % (b"FORMAT=32-bit_rle_xyze\n", b"-Y")
     yield "how large", "lines.hdr", sides % (b"VIEW=x\n" * 10**6, b"-Y")
+    packed = b"compression\0\1\0\0\0"
+    large = support.exr(32000, 9, channels="c" * 600).replace(packed + b"\0", packed + b"\t")
+    for says, name, file in [
+            ("tiles", "tiles.exr", support.exr(9, 9, version=0x202)), ("too much", "large.exr", large),
+            ("no pixels", "none.exr", support.exr(0, 9)), ("no pixels", "far.exr", support.exr(40000, 9)),
+            ("how large", "empty.exr", support.exr(9, 9)[:8] + b"\0"), ("damaged", "cut.exr", support.exr(9, 9)[:99]),
+            ("attributes", "long.exr", support.exr(9, 9)[:8] + b"a\0b\0\0\0\0\0" * 2000),
+            ("pixels", "all.exr", support.exr(30000, 30000))]:
+        yield says, name, file
 
 
 class Surroundings(support.LimnTest):
