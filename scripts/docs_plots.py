@@ -123,6 +123,16 @@ def plot_relief(target, tables):
             "unset multiplot")
 
 
+def plot_reach(target, tables):
+    """How many lights are worked out where; rows and columns of the picture from its top left."""
+    rows = table(tables, "reach", "Festival Lights")
+    gnuplot(target, "640,430", block("d", rows), "set terminal pngcairo size 640,430 font 'sans,11'", f"set output '{target}'",
+            "unset grid", "unset tics", "set border 0", "set size ratio -1", "set colorbox", "set cbtics 0,1", "set cbrange [0:3]",
+            "set xrange [0:6000]", "set yrange [4000:0]",
+            "set palette defined (0 '#10131a', 1 '#5b2a10', 2 '#c98a1e', 3 '#fff1c4')",
+            "plot $d using ($1 * 64 + 32):($2 * 20 + 10):3 matrix with image notitle")
+
+
 DIALOG_PARTS = ((16, 16), (16, 306), (256, 306), (312, 26), (312, 150), (312, 306), (16, 372), (312, 406))
 
 

@@ -1,18 +1,24 @@
 // Prints what the engine computes of lights and heights, as columns of numbers.
 //
-//   limn_tables spread VALUE...         angle in degrees from a spot's axis, then its falloff for
-//   each spread limn_tables omni RADIUS...          pixels from the centre, then the light on the
-//   surface for each radius limn_tables directional             pixels of the handle, then
-//   elevation in degrees and light limn_tables height AMPLITUDE VALUE...  number of the pixel, then
-//   its height in pixels: a row of a channel
+// - spread VALUE...: angle in degrees from a spot's axis, then its falloff for each spread
+// - omni RADIUS...: pixels from the centre, then the light on the surface for each radius
+// - directional: pixels of the handle, then elevation in degrees and light
+// - spot FIRST SECOND...: for each second axis the lamp's place and axis
+// - height AMPLITUDE VALUE...: number of the pixel, then its height in pixels
+// - reach STYLE: lights that are worked out for each piece of some rows of 24 megapixels
 //
 // Pixels of lights are those of the dialog's preview; light is 1 where it falls straight down.
 #include "LM_bumps.h"
+#include "LM_gallery.h"
 #include "LM_light_UI.h"
+#include "LM_light_sums.h"
+#include "LM_reach.h"
 #include "LM_shader.h"
+#include "LM_style_lighting.h"
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -109,6 +115,31 @@ void PrintHeights(int amplitude, const std::vector<int>& values) {
     std::printf("%zu %.4f\n", i, LM_WeighHeight(&row[i], &row[i], &row[i], 2 * amplitude) / 4096.0);
 }
 
+bool PrintReach(const char* name) {
+  constexpr LM_rect AREA = {0, 0, 4000, 6000};
+  constexpr int ROWS_APART = 20;
+  LM_style style;
+  LM_render_job job;
+  if (!LM_BundledStyle(name, style) || LM_PrepareStyle(style, AREA, AREA.right, AREA.bottom,
+                                                       LM_PLANES, job) != LM_render_result::Done)
+    return false;
+  const LM_kernel_lights& lights = LM_SortLights(job.params, false).kernel;
+  const LM_sample_grid grid(AREA, &job.params);
+  LM_kernel_lights row = lights;
+  for (int y = 0; y < AREA.bottom; y += ROWS_APART) {
+    for (int k = 0; k < lights.omnis + lights.spots; ++k)
+      LM_MoveToRow(lights.light[k], grid.Y(y), row.light[k]);
+    for (int x = 0; x < AREA.right; x += LM_RENDER_BLOCK) {
+      const int samples = std::min<int>(LM_RENDER_BLOCK, AREA.right - x);
+      const LM_row_reach reach = LM_FindReach(row, &job.columns[static_cast<size_t>(x)], samples);
+      for (int piece = 0; piece < LM_ReachPieces(samples); ++piece)
+        std::printf("%d ", std::popcount(reach.lights[piece]));
+    }
+    std::printf("\n");
+  }
+  return true;
+}
+
 } // namespace
 
 int main(int count, char** words) {
@@ -126,8 +157,9 @@ int main(int count, char** words) {
     PrintSpots(numbers[0], {numbers.begin() + 1, numbers.end()});
   else if (std::strcmp(what, "height") == 0 && numbers.size() > 1)
     PrintHeights(numbers[0], {numbers.begin() + 1, numbers.end()});
-  else {
-    std::fprintf(stderr, "usage: limn_tables spread|omni|directional|spot|height NUMBER...\n");
+  else if (std::strcmp(what, "reach") != 0 || count != 3 || !PrintReach(words[2])) {
+    std::fprintf(stderr,
+                 "usage: limn_tables spread|omni|directional|spot|height NUMBER...|reach STYLE\n");
     return 2;
   }
   return 0;
