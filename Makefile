@@ -61,11 +61,10 @@ npm: ## Build the package for Node and browsers, packed into build-wasm
 	cmake --build --preset wasm -j $(JOBS) --target limn_wasm
 	cd build-wasm && npm pack --silent ./npm
 
-PAGE_TOOLS := build-wasm/page-tools
+PAGE_TOOLS := build-wasm/packages/adapters/web
 web: npm ## Build the page for browsers into build-wasm/web
-	@mkdir -p $(PAGE_TOOLS)
-	@cp adapters/web/package.json adapters/web/package-lock.json adapters/web/build.mjs $(PAGE_TOOLS)
-	cd $(PAGE_TOOLS) && npm ci --no-audit --no-fund --silent
+	@scripts/npm-packages adapters/web
+	@cp adapters/web/build.mjs $(PAGE_TOOLS)
 	$(PAGE_TOOLS)/node_modules/.bin/tsc -p adapters/web
 	node $(PAGE_TOOLS)/build.mjs . build-wasm/npm/limn.wasm build-wasm/web
 

@@ -4,7 +4,7 @@
 #include "failure.h"
 #include "image_source.h"
 
-#include "LM_height_rows.h"
+#include "LM_height_samples.h"
 #include "LM_plane_scaling.h"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #include "picture.h"
 #include "settings.h"
 
-#include "LM_height_rows.h"
+#include "LM_height_samples.h"
 #include "LM_height_words.h"
 #include "LM_plane_scaling.h"
 #include "LM_style_lighting.h"

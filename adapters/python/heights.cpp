@@ -3,7 +3,7 @@
 #include "arrays.h"
 #include "errors.h"
 
-#include "LM_height_rows.h"
+#include "LM_height_samples.h"
 #include "LM_plane_scaling.h"
 
 #include <algorithm>

@@ -4,20 +4,25 @@
 // relief plane or -1, length of the style, 0, 0) come style, pixels, relief plane and lit pixels.
 #include "LM_image.h"
 #include "LM_style_codec.h"
+#include "LM_style_json.h"
 #include "SceneGenerator.h"
 #include "limn.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
 
-LM_vector2f VectorOf(ReferencePoint point) {
-  return {static_cast<float>(point.h), static_cast<float>(point.v)};
-}
-
-LM_style StyleOf(const Scene& scene, int reliefChannel) {
+// fraction: added to every length that is not at the end of its range.
+LM_style StyleOf(const Scene& scene, int reliefChannel, float fraction) {
+  const auto lengthOf = [fraction](int16_t length) {
+    return static_cast<float>(length) + (std::abs(length) < 32000 ? fraction : 0.0F);
+  };
+  const auto vectorOf = [lengthOf](ReferencePoint point) {
+    return LM_vector2f{lengthOf(point.h), lengthOf(point.v)};
+  };
   const ReferenceSettings& settings = scene.settings;
   LM_style style = {};
   style.version = LM_STYLE_VERSION;
@@ -36,9 +41,9 @@ LM_style StyleOf(const Scene& scene, int reliefChannel) {
     out.type = light.type == REFERENCE_OMNI   ? LM_STYLE_OMNI
                : light.type == REFERENCE_SPOT ? LM_STYLE_SPOT
                                               : LM_STYLE_DIRECTIONAL;
-    out.center = VectorOf(light.center);
-    out.handle1 = VectorOf(light.handle1), out.handle2 = VectorOf(light.handle2);
-    out.radius = light.radius;
+    out.center = vectorOf(light.center);
+    out.handle1 = vectorOf(light.handle1), out.handle2 = vectorOf(light.handle2);
+    out.radius = lengthOf(light.radius);
   }
   style.numLights = style.lightsRead;
   return style;
@@ -67,8 +72,9 @@ void Write(const void* bytes, size_t size) {
 }
 
 // Every third scene is of one kind; relief is a plane of its own, of any kind, or the fourth
-// channel.
-void WriteScene(uint64_t number) {
+// channel. Every other style is JSON and has fractions, the others are files. False for a scene
+// without lights, which is not written.
+bool WriteScene(uint64_t number) {
   const Scene scene = MakeScene(number);
   const auto kind = static_cast<LM_pixel_kind>(number % 3);
   const auto reliefKind = static_cast<LM_pixel_kind>(number / 3 % 3);
@@ -84,12 +90,15 @@ void WriteScene(uint64_t number) {
   const std::vector<uint8_t> pixels = Deepen(bytes, kind);
   const std::vector<uint8_t> relief =
       hasRelief && !ownRelief ? Deepen(scene.heights, reliefKind) : std::vector<uint8_t>();
-  const LM_style style = StyleOf(scene, ownRelief ? 4 : 0);
+  const bool isJson = number % 2 == 0;
+  const float fraction = isJson ? static_cast<float>(number % 100) / 100.0F : 0.0F;
+  const LM_style style = StyleOf(scene, ownRelief ? 4 : 0, fraction);
   if (style.lightsRead == 0)
-    return;
+    return false;
 
-  uint8_t file[LM_STYLE_MAX_BYTES];
-  const size_t length = LM_EncodeStyle(style, file);
+  uint8_t encoded[LM_STYLE_MAX_BYTES];
+  const std::string file = isJson ? LM_StyleToJson(style)
+                                  : std::string(encoded, encoded + LM_EncodeStyle(style, encoded));
   std::vector<uint8_t> lit(pixels.size());
   const limn_area area = {scene.area.left, scene.area.top, scene.area.right - scene.area.left,
                           scene.area.bottom - scene.area.top};
@@ -101,7 +110,7 @@ void WriteScene(uint64_t number) {
   picture.relief = relief.empty() ? nullptr : relief.data();
   picture.area = area;
   limn_error error;
-  limn_settings* settings = limn_settings_from_memory(file, length, &error);
+  limn_settings* settings = limn_settings_from_memory(file.data(), file.size(), &error);
   if (settings == nullptr || limn_light(settings, &picture, nullptr, &error) != LIMN_OK) {
     std::fprintf(stderr, "%s: %s\n", scene.name.c_str(), error.text);
     std::exit(1);
@@ -116,19 +125,20 @@ void WriteScene(uint64_t number) {
                              area.width,
                              area.height,
                              relief.empty() ? -1 : static_cast<int32_t>(reliefKind),
-                             static_cast<int32_t>(length)};
+                             static_cast<int32_t>(file.size())};
   Write(words, sizeof words);
-  Write(file, length);
+  Write(file.data(), file.size());
   Write(pixels.data(), pixels.size());
   Write(relief.data(), relief.size());
   Write(lit.data(), lit.size());
+  return true;
 }
 
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-  const uint64_t count = argumentCount == 2 ? std::strtoull(arguments[1], nullptr, 10) : 0;
-  for (uint64_t number = 0; number < count; ++number)
-    WriteScene(number);
+  uint64_t count = argumentCount == 2 ? std::strtoull(arguments[1], nullptr, 10) : 0;
+  for (uint64_t number = 0; count > 0; ++number)
+    count -= WriteScene(number) ? 1 : 0;
   return std::fflush(stdout) == 0 ? 0 : 1;
 }

@@ -13,7 +13,7 @@ from fresh_system import FreshSystem
 PROJECT = os.environ["PROJECT"]
 # Packages that are there already are taken as they are.
 PACKAGES = os.environ.get("LIMN_PACKAGES") or os.path.join(os.environ["BUILD"], "packages")
-NAMES = {"limn", "corvaline", "liblimn1", "liblimn-dev", "limn-adapters"}
+NAMES = {"limn", "corvaline", "liblimn1", "liblimn-dev", "limn-adapters", "python3-limn"}
 STYLE = "Evening Lamp"
 
 
@@ -80,6 +80,18 @@ class Packages(unittest.TestCase):
                         "rgb24", "/root/ffmpeg.ppm")
         self.assertLit("/root/ffmpeg.ppm")
         self.assertIn("limn:light", self.system.run("gegl", "--list-all"))
+
+    def test_4_python(self):
+        self.system.install(*self.files("python3-limn"), "mypy")
+        self.system.run("python3", "-c", f"""
+import limn, numpy
+header, samples = open("/root/photo.ppm", "rb").read().split(b"255\\n", 1)
+image = numpy.frombuffer(samples, numpy.uint8).reshape(120, 160, 3)
+open("/root/numpy.ppm", "wb").write(header + b"255\\n" + limn.light(image, "{STYLE}").tobytes())
+""")
+        self.assertLit("/root/numpy.ppm")
+        with self.assertRaisesRegex(RuntimeError, 'Argument 2 to "light" has incompatible type "int"'):  # it has hints
+            self.system.run("mypy", "--strict", "-c", "import limn, numpy; limn.light(numpy.zeros((1, 1, 3), 'u1'), 2)")
 
     def test_5_the_editor(self):
         self.system.install(*self.files("corvaline"), "desktop-file-utils", "shared-mime-info", "libglib2.0-bin")

@@ -43,5 +43,5 @@ test("scenes have the bytes of the machine's own build", async () => {
   await page.goto(`${await urlOf(process.env.PACKAGE)}package.json`);
   const { scenes, same } = await page.evaluate(countSame);
   console.log(`counted: ${scenes / 2} scenes in Chromium`);
-  assert.ok(scenes >= 80 && same === scenes, `${same} of ${scenes}`);
+  assert.ok(scenes === 2000 && same === scenes, `${same} of ${scenes}`);
 });
