@@ -7,7 +7,6 @@ import { loadOn } from "./pool.mjs";
 
 function startWorker() {
   const worker = new Worker(new URL("./node-worker.mjs", import.meta.url));
-  worker.unref();
   return {
     post: (message, moved) => worker.postMessage(message, moved),
     onMessage: (handler) => worker.on("message", handler),
