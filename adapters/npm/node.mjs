@@ -6,8 +6,8 @@ import { Worker } from "node:worker_threads";
 import { loadOn } from "./pool.mjs";
 
 function startWorker() {
-  const worker = new Worker(new URL("./node-worker.mjs", import.meta.url));
-  worker.unref();
+  // Without the program's own options, of which --input-type is refused to workers.
+  const worker = new Worker(new URL("./node-worker.mjs", import.meta.url), { execArgv: [] });
   return {
     post: (message, moved) => worker.postMessage(message, moved),
     onMessage: (handler) => worker.on("message", handler),

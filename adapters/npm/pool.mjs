@@ -34,6 +34,7 @@ export function pooledWorker(port, module) {
   });
   port.onError((error) => rejectAll(failure("FAILED", `a worker failed: ${error.message}`)));
   port.post({ module }, []);
+  port.busy(false); // after the listeners, which make it busy
   // What that method of the worker's engine gives, a typed array.
   const run = (method, values, moved) =>
     new Promise((resolve, reject) => {

@@ -2,11 +2,13 @@
 // scenes that LIT_SCENES names says what the machine's own build makes of each.
 
 import assert from "node:assert/strict";
-import { readFileSync } from "node:fs";
+import { execFileSync } from "node:child_process";
+import { readdirSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import path from "node:path";
 import { test } from "node:test";
 import { pathToFileURL } from "node:url";
+import { gzipSync } from "node:zlib";
 
 import { load } from "limn";
 
@@ -137,6 +139,13 @@ test("bad arguments are errors with a code and a sentence", async () => {
   await assert.rejects(createRequire(import.meta.url)("limn").load({ workers: 0.5 }), code("BAD_ARGUMENT"));
 });
 
+test("module and JavaScript are 110 KB at most, compressed", () => {
+  const folder = path.dirname(createRequire(import.meta.url).resolve("limn"));
+  const parts = readdirSync(folder).filter((name) => /\.(wasm|[mc]js)$/.test(name));
+  const total = gzipSync(Buffer.concat(parts.map((name) => readFileSync(path.join(folder, name)))), { level: 9 }).length;
+  assert.ok(total > 50_000 && total <= 110 * 1024, `${total} bytes`);
+});
+
 test("memory that is not there is an error, and the next band is lit", async () => {
   const folder = path.dirname(createRequire(import.meta.url).resolve("limn"));
   const { Engine } = await import(pathToFileURL(path.join(folder, "engine.mjs")));
@@ -152,6 +161,14 @@ test("memory that is not there is an error, and the next band is lit", async () 
   const before = data.slice();
   engine.light(job, { ...rows, pixels: data });
   assert.notDeepEqual(data, before);
+});
+
+test("idle workers keep no program alive", () => {
+  const program = `
+    import { load } from "limn";
+    const limn = await load({ workers: 2 });
+    await limn.light({ data: new Uint8Array(300), width: 10, height: 10 }, "Default"); // one band, for one of them`;
+  execFileSync(process.execPath, ["--input-type=module", "--eval", program], { timeout: 60_000 });
 });
 
 test("a signal stops the work, progress tells of it", async () => {

@@ -3,10 +3,11 @@
 
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
-import { copyFileSync, mkdtempSync, readFileSync, writeFileSync } from "node:fs";
+import { copyFileSync, mkdtempSync, readdirSync, readFileSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
+import { gzipSync } from "node:zlib";
 
 import axe from "axe-core";
 
@@ -196,6 +197,22 @@ test("keys alone open, move, number, delete and undo", async () => {
   await page.context().close();
 });
 
+test("a lamp beyond the picture is dragged in from the edge", async () => {
+  const page = await visit();
+  await openSample(page);
+  await page.click('.style:has-text("Campfire")');
+  const far = (await recipe(page)).style.lights[0].center;
+  const [x, y] = await lampAt(page, 0);
+  await drag(page, [x, y], 30, -150);
+  const { center } = (await recipe(page)).style.lights[0];
+  const meant = await page.evaluate(([px, py]) => {
+    const { left, top } = document.querySelector("#stage").getBoundingClientRect();
+    return limnPage.stage.view.toUnits([px - left, py - top]);
+  }, [x + 30, y - 150]);
+  assert.ok(far[1] - center[1] > 30 && Math.hypot(center[0] - meant[0], center[1] - meant[1]) < 1, `${center} ${meant}`);
+  await page.context().close();
+});
+
 test("a finger drags, and a second one does no harm", async () => {
   const page = await visit({ viewport: { width: 390, height: 780 }, hasTouch: true, isMobile: true });
   await openSample(page, "landscape");
@@ -271,6 +288,13 @@ test("it works without a network, and nothing ever leaves", async () => {
   assert.deepEqual([...hosts], [new URL(address).host]);
   assert.deepEqual(uploads, []);
   await page.context().close();
+});
+
+test("all but pictures is 350 KB at most, compressed", () => {
+  const files = readdirSync(process.env.PAGE, { withFileTypes: true }).filter((entry) => entry.isFile());
+  const sizes = files.map(({ name }) => gzipSync(readFileSync(path.join(process.env.PAGE, name))).length);
+  const total = sizes.reduce((sum, size) => sum + size, 0);
+  assert.ok(total > 50_000 && total <= 350_000, `${total} bytes`);
 });
 
 test("axe finds nothing, in both themes, in German and on a phone", async () => {

@@ -8,12 +8,15 @@ import { say, type Word } from "./texts.ts";
 import type { View } from "./view.ts";
 
 const REACH: Record<string, number> = { mouse: 12, pen: 18, touch: 26 };
+const EDGE = 14; // from the stage's edge to the lamps that lie beyond it
 const STEP = 1;
 const LARGE_STEP = 10;
 
 export interface LightsUser {
   recipe(): Recipe;
   view(): View | undefined;
+  /** Whether the view has all of the picture. */
+  isWhole(): boolean;
   /** Shown, not kept. */
   attempt(recipe: Recipe): void;
   select(light: number): void;
@@ -21,6 +24,8 @@ export interface LightsUser {
   pan(dx: number, dy: number): void;
   tell(word: Word): void;
 }
+
+const distance = ([x, y]: Point, [x2, y2]: Point) => Math.hypot(x - x2, y - y2);
 
 interface Drag {
   pointer: number;
@@ -68,15 +73,28 @@ export class Lights {
       this.#buttons.append(make("button", { className: "lamp", type: "button", onfocus: (event: Event) => this.#focused(event) }));
     lights.forEach((light, i) => {
       const button = this.#buttons.children[i] as HTMLElement;
-      const [x, y] = view.toStage(light.center);
+      const [x, y] = this.#shown(view, light);
       button.style.transform = `translate(${x}px, ${y}px)`;
       button.style.setProperty("--lamp", hexOf(light.color));
+      button.classList.toggle("beyond", this.#isBeyond(view, light));
       button.classList.toggle("off", !light.on);
       button.classList.toggle("dark", light.intensity < 0);
       button.setAttribute("aria-pressed", String(i === selected));
       button.setAttribute("aria-label", `${say(light.type)} ${i + 1}`);
       button.setAttribute("aria-description", say("lightHint"));
     });
+  }
+
+  // Where its lamp is. Those beyond the stage wait at its edge, to be dragged in from there.
+  #shown(view: View, light: Light): Point {
+    const [x, y] = view.toStage(light.center);
+    if (!this.#user.isWhole()) return [x, y];
+    const within = (at: number, room: number) => Math.min(Math.max(at, EDGE), Math.max(room - EDGE, EDGE));
+    return [within(x, this.#stage.clientWidth), within(y, this.#stage.clientHeight)];
+  }
+
+  #isBeyond(view: View, light: Light): boolean {
+    return distance(this.#shown(view, light), view.toStage(light.center)) > EDGE;
   }
 
   // Each line twice: dark and wide beneath, light and thin above, to be seen on any picture.
@@ -111,7 +129,12 @@ export class Lights {
   #hitAt(event: PointerEvent): Hit | null {
     const view = this.#user.view()!;
     const { lights, curLight } = this.#user.recipe().style;
-    return this.#handles.hit(lights, curLight, view.toUnits(this.#place(event)), (REACH[event.pointerType] ?? 12) / view.unit);
+    const place = this.#place(event);
+    const reach = REACH[event.pointerType] ?? 12;
+    const beyond = lights.findIndex((light) => this.#isBeyond(view, light) && distance(this.#shown(view, light), place) < reach);
+    return beyond >= 0
+      ? { light: beyond, code: CENTER }
+      : this.#handles.hit(lights, curLight, view.toUnits(place), reach / view.unit);
   }
 
   #press(event: PointerEvent) {
@@ -135,8 +158,9 @@ export class Lights {
         start = this.#user.recipe();
       }
       const handle = this.#handles.of(light).find(({ code }) => code === hit.code)!;
-      const [x, y] = this.#user.view()!.toUnits(place);
-      grabbed = [x - handle.place[0], y - handle.place[1]];
+      const view = this.#user.view()!;
+      const [x, y] = view.toUnits(place);
+      if (!this.#isBeyond(view, light)) grabbed = [x - handle.place[0], y - handle.place[1]];
       (this.#buttons.children[hit.light] as HTMLElement | undefined)?.focus({ preventScroll: true });
     }
     this.#stage.setPointerCapture(event.pointerId);
@@ -152,7 +176,7 @@ export class Lights {
       drag.last = place;
       return;
     }
-    drag.moved ||= Math.hypot(place[0] - drag.last[0], place[1] - drag.last[1]) > 2;
+    drag.moved ||= distance(place, drag.last) > 2;
     if (!drag.moved) return;
     const [x, y] = this.#user.view()!.toUnits(place);
     const { light, code } = drag.hit;

@@ -338,7 +338,7 @@ async function start() {
   const handles = new Handles(lighter.engine);
   const user = {
     recipe, attempt, select, keep, tell: (word: Word) => tell(say(word)),
-    view: () => (picture === null ? undefined : stage.view),
+    view: () => (picture === null ? undefined : stage.view), isWhole: () => stage.isWhole,
     pan: (dx: number, dy: number) => stage.pan(dx, dy),
   };
   lights = new Lights(room, find("#shapes"), find("#lamps"), handles, user);

@@ -7,7 +7,7 @@ import type { Recipe } from "./recipe.ts";
 import { View, type Size } from "./view.ts";
 
 const REST_MS = 140;
-const SLOW_MS = 40; // a frame that takes longer is made smaller the next time
+const SLOW_MS = 28; // a frame that takes longer is made smaller the next time: thirty fit into a second
 const FAST_MS = 12;
 const COARSEST = 3; // the times that sides are halved
 

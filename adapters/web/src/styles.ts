@@ -14,10 +14,13 @@ export interface StylesUser {
   heights(relief: string, width: number, height: number, pixels: ImageData): Promise<Heights | null>;
 }
 
+/** Equal for styles that light alike. */
+const keyOf = (style: Style) => JSON.stringify({ ...style, curLight: 0 });
+
 export class Styles {
   readonly #lighter: Lighter;
   readonly #user: StylesUser;
-  readonly #entries: { button: HTMLButtonElement; canvas: HTMLCanvasElement; style: Style }[];
+  readonly #entries: { button: HTMLButtonElement; canvas: HTMLCanvasElement; style: Style; key: string }[];
   #round = 0;
 
   constructor(list: HTMLElement, lighter: Lighter, user: StylesUser) {
@@ -32,7 +35,7 @@ export class Styles {
       button.addEventListener("pointerleave", (event) => event.pointerType === "mouse" && user.attempt(null));
       button.addEventListener("click", () => user.keep(wanted()));
       list.append(make("li", {}, button));
-      return { button, canvas, style };
+      return { button, canvas, style, key: keyOf(style) };
     });
   }
 
@@ -42,9 +45,8 @@ export class Styles {
   }
 
   render({ style }: Recipe) {
-    const now = JSON.stringify({ ...style, curLight: 0 });
-    for (const entry of this.#entries)
-      entry.button.setAttribute("aria-pressed", String(JSON.stringify({ ...entry.style, curLight: 0 }) === now));
+    const now = keyOf(style);
+    for (const { button, key } of this.#entries) button.setAttribute("aria-pressed", String(key === now));
   }
 
   /** Lights the thumbnails, those that are seen first. A newer call ends an older one. */
