@@ -24,7 +24,6 @@ struct Lighting {
   int reliefBand = 0;
   int maskImage = -1;
   std::shared_ptr<std::atomic<bool>> hasSourceFailed;
-  LM_kept_sums* kept = nullptr;
 };
 
 // What one thread works with.
@@ -168,7 +167,6 @@ int Light(VipsRegion* output, void* sequence, void*, void* shared, gboolean*) {
   views.source = ViewOf<const uint8_t>(worker.regions[0], 0);
   views.output = ViewOf<uint8_t>(output, 0);
   views.kind = *KindOf(output->im->BandFmt);
-  views.kept = lighting.kept;
   if (lighting.reliefImage >= 0) {
     VipsRegion* const relief = worker.regions[lighting.reliefImage];
     views.relief = ViewOf<const uint8_t>(relief, lighting.reliefBand);
@@ -224,7 +222,6 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
   if (prepared != LM_render_result::Done)
     Refuse("out of memory");
   lighting.hasSourceFailed = settings.hasSourceFailed;
-  lighting.kept = settings.kept;
   int numImages = 1;
   lighting.images[0] = image.get_image();
   const int channel = LM_ChannelOrNone(lighting.job.params.bumpChannel, numChannels) - 1;

@@ -12,7 +12,6 @@
 #include <vips/vips8>
 
 struct foo;
-struct LM_kept_sums;
 
 namespace limn {
 
@@ -27,9 +26,6 @@ struct LitSettings {
   std::vector<vips::VImage> channels;
   // The selection, one 8-bit band of the image's size; a null image: everything is selected.
   std::optional<vips::VImage> mask;
-  // The sums of these very lights on this image and area, kept from one lit image to the next,
-  // which may differ in gloss, material, exposure and ambience. Outlives the result. May be null.
-  LM_kept_sums* kept = nullptr;
   // Becomes true when the image's own pixels cannot be had, which libvips' error does not tell from
   // what goes wrong after the lighting. May be null.
   std::shared_ptr<std::atomic<bool>> hasSourceFailed;

@@ -41,6 +41,7 @@ void MainWindow::_makeLights(QMenu* menu) {
     showRecipe();
     showArea();
     showChannels();
+    _lights->setToScreen(_document.original().toScreen);
   });
   connect(&_document, &EditorDocument::recipeChanged, this, showRecipe);
   connect(_lights, &LightsModel::tried, &_document, &EditorDocument::tryLights);

@@ -19,6 +19,7 @@ Canvas::Canvas(EditorDocument& document, QWidget* parent)
   setFrameShape(QFrame::NoFrame);
   setFocusPolicy(Qt::StrongFocus);
   viewport()->setMouseTracking(true);
+  viewport()->setAttribute(Qt::WA_OpaquePaintEvent); // so that no ground is filled below it
   connect(&document, &EditorDocument::opened, this, &Canvas::_showImage);
   connect(&document, &EditorDocument::shownChanged, this, &Canvas::_ask);
   connect(&document, &EditorDocument::selectionChanged, viewport(), qOverload<>(&QWidget::update));

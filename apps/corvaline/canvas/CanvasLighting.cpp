@@ -7,14 +7,9 @@
 #include "image_library.h"
 #include "thumbnail.h"
 
-#include "LM_render.h"
 #include "LM_style_lighting.h"
 
-#include <QColorSpace>
-
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace editor {
@@ -25,40 +20,10 @@ namespace {
 
 constexpr int COLOURS = 3;
 constexpr double OPAQUE = 255;
-// Sums of light take no more than this.
-constexpr uint64_t MOST_KEPT = 192 << 20;
 
-// The part of planes of 8 bits, as the window draws it.
-QImage Drawn(const VImage& planes, const QRect& part) {
-  QImage image(part.size(), QImage::Format_RGBX8888);
-  if (image.isNull())
-    throw std::bad_alloc();
-  const VImage seen = planes.extract_area(part.x(), part.y(), part.width(), part.height())
-                          .extract_band(0, VImage::option()->set("n", COLOURS))
-                          .bandjoin(OPAQUE);
-  seen.write(VImage::new_from_memory(image.bits(), static_cast<size_t>(image.sizeInBytes()),
-                                     image.width(), image.height(), seen.bands(),
-                                     VIPS_FORMAT_UCHAR));
-  return std::move(image).convertToFormat(QImage::Format_RGB32);
-}
-
-// From the profile that the photograph has, if it is one that can be read.
-QColorTransform ToScreen(const VImage& metadata) {
-  if (metadata.is_null() || metadata.get_typeof(VIPS_META_ICC_NAME) == 0)
-    return {};
-  size_t size = 0;
-  const void* const profile = metadata.get_blob(VIPS_META_ICC_NAME, &size);
-  const QColorSpace space = QColorSpace::fromIccProfile(
-      QByteArray(static_cast<const char*>(profile), static_cast<qsizetype>(size)));
-  return space.isValid() ? space.transformationToColorSpace(QColorSpace::SRgb) : QColorTransform();
-}
-
-QImage OnScreen(const QImage& image, const QColorTransform& toScreen) {
-  if (toScreen.isIdentity())
-    return image;
-  QImage shown = image;
-  shown.applyColorTransform(toScreen);
-  return shown;
+// Colours of 8 bits with a fourth byte after them, as the window's pictures have them.
+VImage Opaque(const VImage& planes) {
+  return planes.extract_band(0, VImage::option()->set("n", COLOURS)).bandjoin(OPAQUE);
 }
 
 // Marks pixels of which a colour has come to its upper end, and those that are quite black.
@@ -82,18 +47,6 @@ VImage Made(const VImage& image, const View& view) {
   return image.extract_area(part.x(), part.y(), part.width(), part.height())
       .copy_memory()
       .embed(part.x(), part.y(), image.width(), image.height());
-}
-
-// An area of the picture where it is seen: at least a pixel.
-limn_area Reduced(const QRect& area, QSize from, QSize to) {
-  const auto place = [](int at, int full, int reduced) {
-    return static_cast<int>(std::lround(static_cast<double>(at) * reduced / full));
-  };
-  const int left = std::min(place(area.x(), from.width(), to.width()), to.width() - 1);
-  const int top = std::min(place(area.y(), from.height(), to.height()), to.height() - 1);
-  const int right = place(area.x() + area.width(), from.width(), to.width());
-  const int bottom = place(area.y() + area.height(), from.height(), to.height());
-  return {left, top, std::max(1, right - left), std::max(1, bottom - top)};
 }
 
 } // namespace
@@ -149,9 +102,8 @@ Frame CanvasLighting::_make(const FrameWish& wish) {
     frame.shownPlain = frame.shownLit = _seen.shownPlain;
     if (wish.recipe.isLit()) {
       const VImage lit = limn::LitImage(_seen.planes, _settings(wish));
-      frame.lit =
-          Drawn(lit.format() == VIPS_FORMAT_UCHAR ? lit : limn::InBytes(lit), wish.view.part);
-      frame.shownLit = OnScreen(frame.lit, _seen.toScreen);
+      frame.lit = _drawn(_seen.isDeep ? Opaque(limn::InBytes(lit)) : lit, wish.view.part);
+      frame.shownLit = _onScreen(frame.lit);
     }
     if (wish.marksEnds)
       MarkEnds(frame.lit, frame.shownLit);
@@ -162,53 +114,105 @@ Frame CanvasLighting::_make(const FrameWish& wish) {
   return frame;
 }
 
+// A picture to be written, in memory that a frame has left, if there is some: the system takes
+// longer to hand out new memory than a few lights take to fill it.
+QImage CanvasLighting::_unused(QSize size) {
+  for (QImage& picture : _pictures) {
+    if (!picture.isDetached()) // somebody else shows it, or it is none
+      continue;
+    QImage image = std::exchange(picture, {});
+    if (image.size() == size && image.reinterpretAsFormat(QImage::Format_RGBX8888))
+      return image;
+  }
+  QImage image(size, QImage::Format_RGBX8888);
+  if (image.isNull())
+    throw std::bad_alloc();
+  return image;
+}
+
+QImage CanvasLighting::_noted(QImage image) {
+  const auto unused = std::find_if(_pictures.begin(), _pictures.end(),
+                                   [](const QImage& picture) { return picture.isNull(); });
+  if (unused != _pictures.end())
+    *unused = image;
+  return image;
+}
+
+// The part of opaque colours, as the window draws it.
+QImage CanvasLighting::_drawn(const VImage& colours, const QRect& part) {
+  QImage image = _unused(part.size());
+  // The whole is lit straight into the picture; a part is copied out of strips.
+  const bool isWhole = part.size() == QSize(colours.width(), colours.height());
+  (isWhole ? colours : colours.extract_area(part.x(), part.y(), part.width(), part.height()))
+      .write(VImage::new_from_memory(image.bits(), static_cast<size_t>(image.sizeInBytes()),
+                                     image.width(), image.height(), colours.bands(),
+                                     VIPS_FORMAT_UCHAR));
+  image.convertTo(QImage::Format_RGB32);
+  return _noted(std::move(image));
+}
+
+QImage CanvasLighting::_onScreen(const QImage& image) {
+  const QColorTransform& toScreen = _document.original().toScreen;
+  if (toScreen.isIdentity())
+    return image;
+  QImage shown = _unused(image.size());
+  std::copy_n(image.constBits(), image.sizeInBytes(), shown.bits());
+  shown.reinterpretAsFormat(image.format());
+  shown.applyColorTransform(toScreen);
+  return _noted(std::move(shown));
+}
+
 void CanvasLighting::_see(const View& view) {
   _seen = {};
-  _kept = nullptr;
   Original& original = _document.original();
-  const VImage bytes = original.levels().at(view.size);
-  if (view.size == original.size()) {
-    _seen.planes = limn::PlanesOf(original.photograph);
-    _seen.plain = Drawn(bytes, view.part);
-  } else {
-    _seen.planes = Made(bytes, view);
-    _seen.plain = Drawn(_seen.planes, view.part);
-  }
-  _seen.toScreen = ToScreen(original.photograph.metadata);
-  _seen.shownPlain = OnScreen(_seen.plain, _seen.toScreen);
+  const VImage bytes = Made(Opaque(original.levels().at(view.size)), view);
+  _seen.isDeep = _document.isDeep() && view.size == original.size();
+  _seen.planes = _seen.isDeep ? limn::PlanesOf(original.photograph) : bytes;
+  _seen.plain = _drawn(bytes, view.part);
+  _seen.shownPlain = _onScreen(_seen.plain);
   _seen.view = view;
 }
 
-// Makes the recipe's relief one of the channels, or of the planes.
+// A channel where it is seen, as deep as what is lit.
+VImage CanvasLighting::_channel(int number) {
+  Original& original = _document.original();
+  const int further = number - original.photograph.numPlanes - 1;
+  if (further >= 0)
+    return Resized(limn::BandOf(original.channels[static_cast<size_t>(further)], true),
+                   _seen.view.size);
+  const VImage planes = _seen.isDeep ? _seen.planes : original.levels().at(_seen.view.size);
+  return planes.extract_band(number - 1);
+}
+
+// Makes the recipe's relief one of the colours, or the one channel after the planes.
 void CanvasLighting::_setRelief(const Recipe& recipe, foo& parameters,
                                 limn::LitSettings& settings) {
   Original& original = _document.original();
   LM_height_source source;
   if (recipe.lights)
     source = LM_ResolvedSource(recipe.relief, recipe.lights->bumpChannel != 0);
-  const bool isNamed = source.kind == LM_height_kind::Style || original.isChannel(source);
-  if (source.kind == LM_height_kind::None)
-    parameters.bumpChannel = 0;
-  else if (source.kind != LM_height_kind::Style)
-    parameters.bumpChannel =
-        static_cast<int16_t>(isNamed ? source.channel : original.numChannels() + 1);
-  const int channel =
-      LM_ChannelOrNone(parameters.bumpChannel, original.numChannels() + (isNamed ? 0 : 1));
-  const int added = channel - original.photograph.numPlanes - 1;
-  if (added < 0)
+  const bool isOwn = source.kind == LM_height_kind::Style || original.isChannel(source);
+  const int channel = source.kind == LM_height_kind::Style
+                          ? LM_ChannelOrNone(parameters.bumpChannel, original.numChannels())
+                          : source.channel;
+  parameters.bumpChannel = 0;
+  if (source.kind == LM_height_kind::None || (isOwn && channel == 0))
     return;
+  if (isOwn && channel <= COLOURS) {
+    parameters.bumpChannel = static_cast<int16_t>(channel);
+    return;
+  }
   if (_seen.heights.is_null() || source != _seen.source || channel != _seen.channel) {
     const QSize size = _seen.view.size;
-    _seen.heights = Made(
-        isNamed ? Resized(limn::BandOf(original.channels[static_cast<size_t>(added)], true), size)
-                : limn::ShownHeights(original.heights(source), size.width(), size.height()),
-        _seen.view);
-    _kept = nullptr; // which belongs to other heights
+    _seen.heights =
+        Made(isOwn ? _channel(channel)
+                   : limn::ShownHeights(original.heights(source), size.width(), size.height()),
+             _seen.view);
     _seen.source = source;
     _seen.channel = channel;
   }
-  // Only the last one is read.
-  settings.channels.assign(static_cast<size_t>(added) + 1, _seen.heights);
+  settings.channels = {_seen.heights};
+  parameters.bumpChannel = static_cast<int16_t>(_seen.planes.bands() + 1);
 }
 
 limn::LitSettings CanvasLighting::_settings(const FrameWish& wish) {
@@ -224,11 +228,11 @@ limn::LitSettings CanvasLighting::_settings(const FrameWish& wish) {
                                    original.numChannels(), parameters.get()))
     throw limn::Failure(limn::ExitCode::BadInput, "the style holds no light");
   limn::LitSettings settings{};
-  settings.area = Reduced(area, full, size);
+  const QRect reduced = Reduced(area, full, size);
+  settings.area = limn_area{reduced.x(), reduced.y(), reduced.width(), reduced.height()};
   _setRelief(wish.recipe, *parameters, settings);
   limn::FitRelief(*parameters, size.width(), full.width());
   settings.parameters = parameters;
-  settings.kept = _keep(settings);
   const QImage& mask = wish.selection.mask;
   if (mask.isNull())
     return settings;
@@ -238,30 +242,6 @@ limn::LitSettings CanvasLighting::_settings(const FrameWish& wish) {
   }
   settings.mask = _seen.mask;
   return settings;
-}
-
-// The sums of the frame before, when it was lit by the same lights and all of it was seen; else
-// none. They are made in the second such frame, and go when a light moves.
-LM_kept_sums* CanvasLighting::_keep(const limn::LitSettings& settings) {
-  const QSize size = _seen.view.size;
-  const LM_rect area = {settings.area->y, settings.area->x,
-                        settings.area->y + settings.area->height,
-                        settings.area->x + settings.area->width};
-  const bool isSame = _kept != nullptr && std::memcmp(&_kept->job.area, &area, sizeof area) == 0 &&
-                      settings.parameters->bumpChannel == _kept->job.params.bumpChannel &&
-                      LM_ChangeSurface(*settings.parameters, _kept->job);
-  const bool isFlat = settings.parameters->bumpChannel == 0;
-  if (!isSame) {
-    _kept = std::make_unique<Kept>();
-    if (LM_PrepareRender(*settings.parameters, area, size.width(), size.height(), LM_BestKernels(),
-                         _kept->job) != LM_render_result::Done)
-      _kept = nullptr;
-    return nullptr;
-  }
-  if (_kept->sums.sums == nullptr && _seen.view.part.size() == size &&
-      LM_KeptBytes(_kept->job, !isFlat) <= MOST_KEPT)
-    LM_StartKeeping(_kept->job, !isFlat, _kept->sums);
-  return &_kept->sums;
 }
 
 } // namespace editor

@@ -3,13 +3,11 @@
 
 #include "EditorDocument.h"
 
-#include "LM_render.h"
-
-#include <QColorTransform>
 #include <QImage>
 #include <QObject>
 #include <QThreadPool>
 
+#include <array>
 #include <mutex>
 #include <optional>
 
@@ -65,10 +63,12 @@ private:
   struct Seen {
     View view;
     int original = -1;
-    vips::VImage planes; // of which only the part has pixels
+    // What is lit: opaque colours of 8 bits, of which only the part has pixels; or, when it is
+    // deep, the original's own planes.
+    vips::VImage planes;
+    bool isDeep = false;
     QImage plain, shownPlain;
-    QColorTransform toScreen;
-    // Heights, where they are none of the planes, and what they were made for.
+    // Heights, where they are none of the colours, and what they were made for.
     LM_height_source source;
     int channel = 0;
     vips::VImage heights;
@@ -77,22 +77,21 @@ private:
     vips::VImage mask;
   };
 
-  // Sums of light that stay while only the surface changes, and the job that they belong to.
-  struct Kept {
-    LM_render_job job;
-    LM_kept_sums sums;
-  };
-
   void _work();
   Frame _make(const FrameWish& wish);
+  QImage _unused(QSize size);
+  QImage _noted(QImage image);
+  QImage _drawn(const vips::VImage& colours, const QRect& part);
+  QImage _onScreen(const QImage& image);
   void _see(const View& view);
   void _setRelief(const Recipe& recipe, foo& parameters, limn::LitSettings& settings);
+  vips::VImage _channel(int number);
   limn::LitSettings _settings(const FrameWish& wish);
-  LM_kept_sums* _keep(const limn::LitSettings& settings);
 
   EditorDocument& _document;
-  Seen _seen; // this and the sums belong to the thread at work
-  std::unique_ptr<Kept> _kept;
+  Seen _seen; // this and the pictures belong to the thread at work
+  // Those that were made last: what nobody else holds any more is written again.
+  std::array<QImage, 6> _pictures;
   std::mutex _wishing;
   std::optional<FrameWish> _wish;
   bool _isAtWork = false;

@@ -32,8 +32,13 @@ void DrawOnAnything(QPainter& painter, Qt::PenStyle upperStyle, const auto& shap
 void Canvas::paintEvent(QPaintEvent*) {
   QPainter painter(viewport());
   const QColor window = palette().color(QPalette::Window);
-  painter.fillRect(viewport()->rect(),
-                   window.lightness() < 128 ? window.darker(130) : window.darker(125));
+  QRegion around(viewport()->rect());
+  if (!_frame.shownLit.isNull() && _frame.view == _view()) {
+    const QRectF picture(_origin(), QSizeF(_document.size()) * _scale());
+    around -= picture.toRect().adjusted(2, 2, -2, -2); // whatever way its edges are rounded
+  }
+  for (const QRect& rect : around)
+    painter.fillRect(rect, window.lightness() < 128 ? window.darker(130) : window.darker(125));
   if (_document.isEmpty()) {
     _paintHint(painter);
     return;

@@ -1,6 +1,5 @@
 // How the lights look on the picture.
 #include "Canvas.h"
-#include "ColorChoice.h"
 #include "LightDrawing.h"
 #include "LightOverlay.h"
 
@@ -53,7 +52,7 @@ void LightOverlay::_paintLight(QPainter& painter, int index, bool isSelected) co
       DrawGrip(painter, _toView(grab.handles[i].place),
                _under.light == index && _under.code == grab.handles[i].code);
   }
-  DrawCenter(painter, center, ColorOf(figure.color), _model.light(index).on == 1, isSelected,
+  DrawCenter(painter, center, _model.shownColor(index), _model.light(index).on == 1, isSelected,
              _under.light == index && _under.code == LM_HANDLE_CENTER);
 }
 

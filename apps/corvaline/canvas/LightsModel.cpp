@@ -1,5 +1,6 @@
 #include "LightsModel.h"
 
+#include "ColorChoice.h"
 #include "EditorRecipe.h"
 
 #include "LM_handles.h"
@@ -95,6 +96,15 @@ void LightsModel::setArea(const QRect& area) {
   const double length = LM_FitPreviewInFrame(area.width(), area.height()).width;
   _pixelsPerLength = std::max(_area.width(), 1.0) / length;
   Q_EMIT changed();
+}
+
+void LightsModel::setToScreen(const QColorTransform& toScreen) {
+  _toScreen = toScreen;
+  Q_EMIT changed();
+}
+
+QColor LightsModel::shownColor(int light) const {
+  return _toScreen.map(ColorOf(_style.lights[light].color));
 }
 
 QPointF LightsModel::toImage(LM_vector2f place) const {

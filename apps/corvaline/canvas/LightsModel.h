@@ -5,6 +5,8 @@
 #include "LM_light_figure.h"
 #include "LM_style.h"
 
+#include <QColor>
+#include <QColorTransform>
 #include <QObject>
 #include <QPointF>
 #include <QRect>
@@ -42,6 +44,9 @@ public:
   void setArea(const QRect& area);
   QPointF toImage(LM_vector2f place) const;
   LM_vector2f toPlace(QPointF imagePoint) const;
+  // What colours of the picture look like.
+  void setToScreen(const QColorTransform& toScreen);
+  QColor shownColor(int light) const;
   double pixelsPerLength() const { return _pixelsPerLength; }
   const QStringList& channels() const { return _channels; }
 
@@ -97,6 +102,7 @@ private:
   std::vector<uint16_t> _onBeforeSolo;
   QRectF _area{0, 0, 1, 1};
   double _pixelsPerLength = 1;
+  QColorTransform _toScreen;
   QStringList _channels;
   QTimer _soon;
   QString _soonStep;

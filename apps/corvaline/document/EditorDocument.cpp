@@ -45,8 +45,7 @@ size_t EditorDocument::Step::bytes() const {
 void EditorDocument::setImage(OpenedImage image) {
   {
     const std::unique_lock lock(_lock);
-    _original.photograph = std::move(image.photograph);
-    _original.channels.clear();
+    _original.take(std::move(image.photograph));
     _path = _originalPath = image.path;
     _mayBeReplaced = image.mayBeReplaced;
     _present = _saved = {};

@@ -9,6 +9,9 @@
 
 namespace editor {
 
+// Where an area of a picture lies once the picture has another size: at least a pixel there.
+QRect Reduced(const QRect& area, QSize from, QSize to);
+
 // The image at that size, each pixel the mean of those that it covers, or a little more. Pixels are
 // made when asked for. Throws vips::VError.
 vips::VImage Resized(const vips::VImage& image, QSize size);
@@ -16,7 +19,7 @@ vips::VImage Resized(const vips::VImage& image, QSize size);
 class ImageLevels {
 public:
   ImageLevels() = default;
-  // The image's pixels are in memory, and stay its owner's. Throws vips::VError.
+  // The image's pixels are bytes in memory, and stay its owner's. Throws vips::VError.
   explicit ImageLevels(const vips::VImage& image);
 
   bool isNull() const { return _levels.empty(); }
@@ -29,7 +32,8 @@ public:
 private:
   const vips::VImage& _levelFor(double shareX, double shareY) const;
 
-  std::vector<vips::VImage> _levels; // each half as large as the one before, rounded up
+  // Each half as large as the one before, rounded up, its pixels the means of four.
+  std::vector<vips::VImage> _levels;
 };
 
 } // namespace editor

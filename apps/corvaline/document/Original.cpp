@@ -7,19 +7,38 @@
 #include "height_image.h"
 #include "image_library.h"
 
+#include <QColorSpace>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace editor {
 
 using vips::VImage;
+
+static QColorTransform ToScreen(const VImage& metadata) {
+  if (metadata.is_null() || metadata.get_typeof(VIPS_META_ICC_NAME) == 0)
+    return {};
+  size_t size = 0;
+  const void* const profile = metadata.get_blob(VIPS_META_ICC_NAME, &size);
+  const QColorSpace space = QColorSpace::fromIccProfile(
+      QByteArray(static_cast<const char*>(profile), static_cast<qsizetype>(size)));
+  return space.isValid() ? space.transformationToColorSpace(QColorSpace::SRgb) : QColorTransform();
+}
 
 VImage BandOf(const QImage& mask) {
   return VImage::new_from_memory(
              const_cast<uint8_t*>(mask.constBits()), static_cast<size_t>(mask.sizeInBytes()),
              static_cast<int>(mask.bytesPerLine()), mask.height(), 1, VIPS_FORMAT_UCHAR)
       .extract_area(0, 0, mask.width(), mask.height());
+}
+
+void Original::take(limn::Photograph taken) {
+  photograph = std::move(taken);
+  channels.clear();
+  toScreen = ToScreen(photograph.metadata);
 }
 
 void Original::noteChange() {

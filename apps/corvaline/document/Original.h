@@ -1,13 +1,15 @@
 // What light falls on: the picture's pixels, further channels, and what is made of both.
 #pragma once
 
-#include "ImageLevels.h"
 #include "EditorRecipe.h"
+#include "ImageLevels.h"
 
 #include "LM_height_plane.h"
 #include "image_file.h"
 #include "lit_image.h"
 #include "reduced_photograph.h"
+
+#include <QColorTransform>
 
 #include <memory>
 #include <mutex>
@@ -24,9 +26,14 @@ public:
   std::vector<limn::GreyImage> channels; // of the photograph's size, numbered after its own planes
   // The file that has these very pixels; empty when none has them.
   std::string file;
+  // From the photograph's profile, if it has one that can be read, to the screen's, which is taken
+  // to be sRGB.
+  QColorTransform toScreen;
 
   QSize size() const { return {photograph.width, photograph.height}; }
   int numChannels() const { return photograph.numPlanes + static_cast<int>(channels.size()); }
+  // Becomes the photograph, without further channels. Pixels have changed then.
+  void take(limn::Photograph taken);
   // To be called when pixels or channels have changed.
   void noteChange();
 

@@ -84,7 +84,7 @@ void LightList::_show() {
   }
   for (int i = 0; i < count(); ++i) {
     const LM_style_light& light = _model.light(i);
-    const QColor color = ColorOf(light.color);
+    const QColor color = _model.shownColor(i);
     const bool isOn = light.on == 1;
     const QString name = QString("%1. %2").arg(i + 1).arg(KindName(light.type));
     const QString look = color.name(QColor::HexRgb) + (isOn ? "on" : "off") + name;
