@@ -12,7 +12,7 @@ std::optional<int> ReadEditorOptions(int argc, char** argv, EditorOptions& optio
   CLI::App app("Opens a photograph to light it.", "corvaline");
   app.get_formatter()->column_width(24);
   app.set_version_flag("--version", "corvaline " LIMN_VERSION);
-  app.add_option("IMAGE", options.image, "The photograph to open");
+  app.add_option("IMAGE", options.images, "The photographs to open, each in a window of its own");
   app.add_flag("--light", options.dialog, "Open the lighting dialog on it at once");
   limn::AddValue(app, "--style", options.style, "NAME|FILE",
                  "Light it with this style: a style file, its JSON form,\n"

@@ -3,13 +3,14 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace editor {
 
 struct EditorOptions {
-  std::string image;
-  std::string style;   // a style file, its JSON form, or a style's name
-  bool dialog = false; // open the lighting dialog at once
+  std::vector<std::string> images; // a window each
+  std::string style;               // a style file, its JSON form, or a style's name
+  bool dialog = false;             // open the lighting dialog at once
 };
 
 // Reads the command line. Answers the exit code of one that opens no window: it has then been

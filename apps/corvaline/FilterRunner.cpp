@@ -43,21 +43,44 @@ private:
   static constexpr const char* NAME = "LIMN_STYLE";
 };
 
-// Whether the dialog was left as it was opened. Lights that are off are in no parameters, and stay.
-bool IsUnchanged(const EditorDocument& document, const foo& parameters, QSize area) {
-  if (document.lights() == nullptr)
-    return false;
-  LM_style whole = *document.lights(); // as the dialog has it
-  for (int i = 0; i < whole.lightsRead; ++i) {
-    LM_style_light& light = whole.lights[i];
+// A style as the dialog has it: of whole lengths.
+LM_style InDialog(LM_style style) {
+  for (int i = 0; i < style.lightsRead; ++i) {
+    LM_style_light& light = style.lights[i];
     for (LM_vector2f* lengths : {&light.center, &light.handle1, &light.handle2})
       *lengths = LM_WholeLengths(*lengths).Floats();
     light.radius = LM_WholeLength(light.radius);
   }
-  foo before;
+  return style;
+}
+
+bool Gives(const LM_style& style, const EditorDocument& document, const foo& parameters) {
+  const QSize area = document.filterArea().size();
   const auto channels = static_cast<int>(document.channelNames().size());
-  return LM_ParametersFromStyle(whole, area.width(), area.height(), channels, &before) &&
-         LM_SameShading(before, parameters);
+  foo made;
+  return LM_ParametersFromStyle(style, area.width(), area.height(), channels, &made) &&
+         LM_SameShading(made, parameters);
+}
+
+// The style that gives the parameters. Lights that are off are in no parameters: they stay where
+// the others are as they were.
+std::optional<LM_style> StyleOf(const foo& parameters, const EditorDocument& document) {
+  const QSize area = document.filterArea().size();
+  LM_style found;
+  if (!LM_StyleOfParameters(parameters, area.width(), area.height(), found))
+    return std::nullopt;
+  if (document.lights() == nullptr)
+    return found;
+  LM_style before = InDialog(*document.lights());
+  before.bumpChannel = found.bumpChannel;
+  before.whiteIsHigh = found.whiteIsHigh;
+  before.bumpAmplitude = found.bumpAmplitude;
+  before.ambientColor = found.ambientColor;
+  before.material = found.material;
+  before.gloss = found.gloss;
+  before.exposure = found.exposure;
+  before.ambientBrightness = found.ambientBrightness;
+  return Gives(before, document, parameters) ? before : found;
 }
 
 } // namespace
@@ -95,14 +118,11 @@ CVResult FilterRunner::_ask(EditorDocument& document, CVRunOptions& options,
   const auto parameters = limn::ParametersOfBlock(session.parameters());
   if (parameters == nullptr)
     return {CVOutcome::Failed, 0, "there are no settings to light with"};
-  const QSize area = document.filterArea().size();
-  if (IsUnchanged(document, *parameters, area))
+  if (document.lights() != nullptr && Gives(InDialog(*document.lights()), document, *parameters))
     return {};
   Recipe recipe = document.recipe();
-  LM_style lights;
-  const bool isStyle = LM_StyleOfParameters(*parameters, area.width(), area.height(), lights);
-  recipe.lights = isStyle ? std::optional(lights) : std::nullopt;
-  recipe.block = isStyle ? nullptr : parameters;
+  recipe.lights = StyleOf(*parameters, document);
+  recipe.block = recipe.lights ? nullptr : parameters;
   document.keep(recipe, title);
   return {};
 }

@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 
 #include "EditorTexts.h"
+#include "HelpWindow.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -25,16 +26,19 @@ bool IsPlain(const QKeyEvent& event) {
 MainWindow::MainWindow(CVPlugin plugin)
     : _filter(std::move(plugin)), _canvas(new Canvas(_document, this)) {
   setAcceptDrops(true);
+  _canvas->setAccessibleName(tr("Picture"));
   setCentralWidget(_canvas);
   _makeFileMenu();
   _makeEditMenu();
   _makeViewMenu();
   _makeLightMenu();
   _makeFilterMenu();
+  _makeHelpMenu();
   _makeToolBar();
   _makeStatusBar();
   _useIcons();
   connect(&_document, &EditorDocument::stateChanged, this, &MainWindow::_showState);
+  connect(&_document, &EditorDocument::stateChanged, this, [this] { _recovery.keep(_document); });
   connect(_canvas, &Canvas::zoomChanged, this, &MainWindow::_showZoom);
   connect(_canvas, &Canvas::waiting, this, [this](bool isWaiting) {
     _lightFact->setText(isWaiting ? tr("Lighting …") : QString());
@@ -43,7 +47,7 @@ MainWindow::MainWindow(CVPlugin plugin)
     statusBar()->showMessage(tr("The image could not be lit.") + " " + TranslatedProblem(problem));
   });
   _showState();
-  resize(1100, 760);
+  resize(1180, 800);
   _canvas->setFocus();
 }
 
@@ -69,6 +73,8 @@ void MainWindow::_showState() {
   _redo->setText(withStep(tr("&Redo %1"), _document.redoName()));
   _lighting->setEnabled(hasImage && _filter.isLoaded());
   _copyCommand->setEnabled(hasImage && _document.recipe().isLit());
+  _saveStyle->setEnabled(hasImage && _document.recipe().isLit());
+  _saveRecipe->setEnabled(hasImage && _document.recipe().isLit());
   _repeat->setEnabled(hasImage && _filter.canRepeat(_document));
   _bake->setEnabled(_document.recipe().isLit());
   _unlight->setEnabled(_document.recipe().isLit());
@@ -91,6 +97,15 @@ void MainWindow::_showZoom() {
   _zoomFact->setText(_document.isEmpty()
                          ? QString()
                          : tr("%1 %").arg(locale().toString(_canvas->zoom() * 100, 'g', 3)));
+}
+
+void MainWindow::showHelp() {
+  auto* pages = findChild<HelpWindow*>();
+  if (pages == nullptr)
+    pages = new HelpWindow(this);
+  pages->show();
+  pages->raise();
+  pages->activateWindow();
 }
 
 void MainWindow::selectAll() {
@@ -130,6 +145,8 @@ bool MainWindow::_mayLose() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->setAccepted(!_filter.isRunning() && _mayLose());
+  if (event->isAccepted())
+    _recovery.forget();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -7,6 +7,7 @@
 #include "LightOverlay.h"
 #include "LightPanel.h"
 #include "RecentFiles.h"
+#include "Recovery.h"
 #include "StylePanel.h"
 
 #include <QKeySequence>
@@ -28,11 +29,18 @@ public:
   // do with unsaved changes.
   bool open(const QString& path);
   bool saveTo(const QString& path);
+  // Writes how the picture is lit, and its mask beside that.
+  bool saveRecipe(const QString& path);
+  // Asks whether to bring back what a program that ended has kept; the answer is the last one.
+  void offer(LostLights lost);
   bool loadChannel(const QString& path);
   // Lighting… with Yes, Repeat with No.
   bool runFilter(CVDialog dialog);
   // Lights the image with a style: a style file, its JSON form, or a style's name.
   bool applyStyle(const QString& name);
+  // Writes the recipe's style: a style file, or JSON where the name ends in .json. What a style
+  // file has no room for is left out of it.
+  bool saveStyle(const QString& path);
   // Makes the light pixels.
   bool bake();
   // Puts the limn apply command on the clipboard that lights the original like this. maskPath:
@@ -53,7 +61,10 @@ public Q_SLOTS:
   void chooseAndLoadChannel();
   bool save();
   bool saveAs();
+  void chooseAndSaveRecipe();
   void chooseAndCopyCommand();
+  void chooseAndSaveStyle();
+  void showHelp();
   void selectAll();
   void deselect();
 
@@ -78,24 +89,32 @@ private:
   void _makeEditMenu();
   void _makeViewMenu();
   void _makeFilterMenu();
+  void _makeHelpMenu();
+  // Adds a panel that a key shows and hides. What the user chose counts the next time too, under
+  // the panel's name.
+  void _addPanel(QMenu* menu, QDockWidget* panel, Qt::DockWidgetArea side, const QString& text,
+                 Qt::Key key, const QString& tip);
   void _makeStylePanel(QMenu* menu);
   void _makeLightMenu();
   void _tellResult(const CVResult& result);
   // Tells how far something is in the status bar, %1 percent, when it takes a while.
   EditorDocument::GoOn _progress(const QString& text);
   void _makeLights(QMenu* menu);
-  void _restoreLights();
   void _makeToolBar();
   void _makeStatusBar();
   void _showState();
   void _showZoom();
   void _useIcons();
   QStringList _write(const QString& path);
+  // Shows it, and tells what came back with it.
+  void _take(OpenedImage image);
+  bool _maySaveAsFile(bool& asJson);
   bool _mayLose(); // asks about unsaved changes; true to go on
   void _complain(const QString& what, const QString& why);
   QString _folder() const;
 
   EditorDocument _document;
+  Recovery _recovery;
   FilterRunner _filter;
   Canvas* _canvas;
   StylePanel* _styles = nullptr;
@@ -107,6 +126,7 @@ private:
   QAction *_open = nullptr, *_save = nullptr, *_undo = nullptr, *_redo = nullptr;
   QAction *_lighting = nullptr, *_repeat = nullptr, *_original = nullptr, *_fit = nullptr;
   QAction *_copyCommand = nullptr, *_bake = nullptr, *_unlight = nullptr;
+  QAction *_saveRecipe = nullptr, *_saveStyle = nullptr;
   QList<QAction*> _tools;
   QSpinBox* _brushSize = nullptr;
   QLabel *_imageFacts = nullptr, *_zoomFact = nullptr, *_lightFact = nullptr;

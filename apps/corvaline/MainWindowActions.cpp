@@ -4,7 +4,9 @@
 #include "ThemeIcons.h"
 
 #include <QActionGroup>
+#include <QApplication>
 #include <QMenuBar>
+#include <QSettings>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -57,9 +59,15 @@ void MainWindow::_makeFileMenu() {
   _add(menu, "", tr("Save &As…"), {QKeySequence("Ctrl+Shift+S")},
        tr("Save the image under another name or in another format"), Needs::Image,
        &MainWindow::saveAs);
+  _saveRecipe =
+      _add(menu, "", tr("Save &Recipe…"), {QKeySequence("Ctrl+Alt+S")},
+           tr("Save how the image is lit beside it, so that its lights come back with it"),
+           Needs::Nothing, &MainWindow::chooseAndSaveRecipe);
   menu->addSeparator();
-  _add(menu, "", tr("&Quit"), {QKeySequence("Ctrl+Q")}, tr("Close the editor"), Needs::Nothing,
+  _add(menu, "", tr("&Close"), {QKeySequence("Ctrl+W")}, tr("Close this window"), Needs::Nothing,
        &MainWindow::close);
+  _add(menu, "", tr("&Quit"), {QKeySequence("Ctrl+Q")}, tr("Close the editor's windows"),
+       Needs::Nothing, &QApplication::closeAllWindows);
 }
 
 void MainWindow::_makeEditMenu() {
@@ -115,6 +123,28 @@ QAction* MainWindow::_addTool(QMenu* menu, const QString& icon, const QString& t
   return action;
 }
 
+void MainWindow::_addPanel(QMenu* menu, QDockWidget* panel, Qt::DockWidgetArea side,
+                           const QString& text, Qt::Key key, const QString& tip) {
+  addDockWidget(side, panel);
+  panel->hide();
+  QAction* toggle = panel->toggleViewAction();
+  toggle->setText(text);
+  toggle->setShortcut(key);
+  toggle->setStatusTip(tip);
+  menu->addAction(toggle);
+  connect(toggle, &QAction::toggled, this, [this, panel](bool isShown) {
+    if (!isVisible())
+      return;
+    QSettings().setValue(panel->objectName(), isShown);
+    (isShown ? panel->widget() : _canvas)->setFocus();
+  });
+}
+
+void MainWindow::restorePanels() {
+  for (auto* panel : findChildren<QDockWidget*>())
+    panel->setVisible(QSettings().value(panel->objectName(), true).toBool());
+}
+
 void MainWindow::_makeViewMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&View"));
   _add(menu, "", tr("Zoom &In"), {QKeySequence("Ctrl++"), QKeySequence("Ctrl+=")},
@@ -153,6 +183,10 @@ void MainWindow::_makeLightMenu() {
   _bake = _add(menu, "", tr("&Bake"), {QKeySequence("Ctrl+B")},
                tr("Make the light pixels, so that more light can be put on top"), Needs::Nothing,
                &MainWindow::bake);
+  _saveStyle = _add(menu, "", tr("&Save Style…"), {QKeySequence("Ctrl+Alt+T")},
+                    tr("Save the lights as a style, for other images too"), Needs::Nothing,
+                    &MainWindow::chooseAndSaveStyle);
+  menu->addSeparator();
   _unlight = _add(menu, "", tr("&Remove Light"), {QKeySequence("Ctrl+Shift+L")},
                   tr("Show and save the image without light"), Needs::Nothing,
                   [this] { _document.keep(_document.withoutLights(), tr("Remove Light")); });
@@ -167,6 +201,12 @@ void MainWindow::_makeFilterMenu() {
   _lighting =
       _add(menu, "lighting", tr("&Lighting…"), {QKeySequence("Ctrl+L")},
            tr("Put lights on the image"), Needs::Nothing, [this] { runFilter(CVDialog::Yes); });
+}
+
+void MainWindow::_makeHelpMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Help"));
+  _add(menu, "", tr("&Pages"), {QKeySequence::HelpContents}, tr("Read how pictures are lit"),
+       Needs::Nothing, &MainWindow::showHelp);
 }
 
 void MainWindow::_makeToolBar() {

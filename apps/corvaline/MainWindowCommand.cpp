@@ -8,7 +8,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QSaveFile>
 #include <QStatusBar>
 
 namespace editor {
@@ -19,12 +18,6 @@ std::string OutputFor(const QFileInfo& image, VipsBandFormat depth) {
   const QString path = image.absolutePath() + "/" + image.completeBaseName() + "-lit." +
                        OutputSuffix(image.filePath(), depth);
   return Encoded(path) + SaveOptions(path);
-}
-
-// What is at `path` stays until the new file is complete.
-bool SaveMask(const QImage& mask, const QString& path) {
-  QSaveFile file(path);
-  return file.open(QIODevice::WriteOnly) && mask.save(&file, "PNG") && file.commit();
 }
 
 std::string AreaWords(const QRect& area) {

@@ -2,11 +2,14 @@
 #include "MainWindow.h"
 
 #include "EditorTexts.h"
+#include "SavedLights.h"
 
+#include "atomic_file.h"
 #include "failure.h"
 
 #include <QFileDialog>
 #include <QGuiApplication>
+#include <QMessageBox>
 #include <QStandardPaths>
 #include <QStatusBar>
 
@@ -34,6 +37,23 @@ template <typename Work> QString Problem(Work work) {
   }
 }
 
+// What became of the lights that the picture came with; empty when it had none.
+QString LightsSentence(const OpenedImage& image) {
+  if (!image.whyUnlit.isEmpty())
+    return MainWindow::tr("Its lights could not be brought back: %1")
+        .arg(TranslatedProblem(image.whyUnlit));
+  if (!image.lights.recipe.isLit())
+    return {};
+  const QString name = QFileInfo(image.path).fileName();
+  const QString original = QFileInfo(image.original).fileName();
+  const QString back =
+      name == original ? MainWindow::tr("The lights of %1 are back").arg(name)
+                       : MainWindow::tr("The lights of %1 are back, over %2").arg(name, original);
+  if (image.lights.missing.isEmpty())
+    return back;
+  return back + ", " + MainWindow::tr("without %1").arg(image.lights.missing.join(", "));
+}
+
 QString Joined(const std::vector<std::string>& notices) {
   QStringList list;
   for (const std::string& notice : notices)
@@ -54,20 +74,77 @@ QString MainWindow::_folder() const {
 bool MainWindow::open(const QString& path) {
   if (_filter.isRunning() || !_mayLose())
     return false;
-  const QString problem = Problem([&] {
-    OpenedImage image = OpenImageFile(path);
-    _document.setImage(std::move(image));
-  });
+  const QString problem = Problem([&] { _take(OpenPicture(path)); });
   if (!problem.isEmpty()) {
     _recent->remove(path);
     _complain(tr("The image could not be opened."), problem);
     return false;
   }
   _recent->add(path);
-  const QString notices = Joined(_document.photograph().notices);
-  if (!notices.isEmpty())
-    statusBar()->showMessage(QFileInfo(path).fileName() + ": " + notices, NOTICE_MILLISECONDS);
   return true;
+}
+
+void MainWindow::_take(OpenedImage image) {
+  QStringList told;
+  const QString notices = Joined(image.photograph.notices);
+  if (!notices.isEmpty())
+    told << QFileInfo(image.original).fileName() + ": " + notices;
+  const QString lights = LightsSentence(image);
+  if (!lights.isEmpty())
+    told << lights;
+  _document.setImage(std::move(image));
+  if (!told.isEmpty())
+    statusBar()->showMessage(told.join("; "), NOTICE_MILLISECONDS);
+}
+
+bool MainWindow::saveRecipe(const QString& path) {
+  if (!_document.recipe().isLit())
+    return false;
+  _lights->flush();
+  const QString maskPath = MaskPathOf(path);
+  const QImage& mask = _document.selection().mask;
+  const QString problem = Problem([&] {
+    std::optional<limn::Recipe> recipe = _document.travellingRecipe();
+    if (!recipe)
+      throw limn::Failure(limn::ExitCode::BadInput,
+                          tr("No style lights the image exactly like this.").toStdString());
+    if (!recipe->original)
+      throw limn::Failure(limn::ExitCode::BadInput,
+                          tr("No file has the image any more as it is lit here.").toStdString());
+    if (!mask.isNull()) {
+      if (!SaveMask(mask, maskPath))
+        throw limn::Failure(limn::ExitCode::CannotWrite,
+                            tr("The mask could not be saved.").toStdString());
+      recipe->mask = limn::RecipeFileOf(Encoded(maskPath));
+    }
+    const std::string text = limn::RecipeToJson(*recipe) + "\n";
+    limn::AtomicFile file(limn::ResolveTarget(Encoded(path)), limn::Existing::Replace);
+    file.Write(text.data(), text.size());
+    file.Commit();
+  });
+  if (!problem.isEmpty()) {
+    _complain(tr("The recipe could not be saved."), problem);
+    return false;
+  }
+  statusBar()->showMessage(tr("Saved %1").arg(QFileInfo(path).fileName()), NOTICE_MILLISECONDS);
+  return true;
+}
+
+void MainWindow::offer(LostLights lost) {
+  const QString name = QFileInfo(lost.picture).fileName();
+  QMessageBox box(QMessageBox::Question, "Corvaline",
+                  tr("Lights of “%1” were not saved. Restore them?").arg(name),
+                  QMessageBox::Yes | QMessageBox::No, this);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(tr("The program ended before they were. This is asked once."));
+  box.setDefaultButton(QMessageBox::Yes);
+  if (box.exec() == QMessageBox::Yes) {
+    const QString problem = Problem([&] { _take(lost.restored()); });
+    if (!problem.isEmpty())
+      return _complain(tr("The lights could not be restored. They stay for the next time."),
+                       problem);
+  }
+  lost.folder->remove();
 }
 
 // Lights the original while it is written, and tells how far that is when it takes a while.
@@ -154,6 +231,14 @@ bool MainWindow::save() {
   if (!_document.isEmpty() && !_document.mayBeReplaced())
     return saveAs();
   return saveTo(_document.path());
+}
+
+void MainWindow::chooseAndSaveRecipe() {
+  const QString path =
+      QFileDialog::getSaveFileName(this, tr("Save the recipe as"), RecipePathOf(_document.path()),
+                                   tr("Recipes") + " (*.limn.json)");
+  if (!path.isEmpty())
+    saveRecipe(path);
 }
 
 bool MainWindow::saveAs() {

@@ -9,47 +9,26 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QMenu>
-#include <QSettings>
 #include <QStatusBar>
 
 namespace editor {
 
 namespace {
 
-constexpr const char* PANEL_SETTING = "stylePanel";
 constexpr int UNTOLD = 250; // what takes longer is told, in milliseconds
 
 } // namespace
 
 void MainWindow::_makeStylePanel(QMenu* menu) {
   _styles = new StylePanel(_document, this);
-  addDockWidget(Qt::RightDockWidgetArea, _styles);
-  _styles->hide();
-  QAction* toggle = _styles->toggleViewAction();
-  toggle->setText(tr("&Styles"));
-  toggle->setShortcut(Qt::Key_F9);
-  toggle->setStatusTip(tr("Show what each style makes of the image; a click lights it"));
-  menu->addAction(toggle);
-  connect(toggle, &QAction::toggled, this, [this](bool isShown) {
-    if (!isVisible())
-      return;
-    QSettings().setValue(PANEL_SETTING, isShown);
-    if (isShown)
-      _styles->list().setFocus();
-    else
-      _canvas->setFocus();
-  });
+  _addPanel(menu, _styles, Qt::RightDockWidgetArea, tr("&Styles"), Qt::Key_F9,
+            tr("Show what each style makes of the image; a click lights it"));
   connect(_styles, &StylePanel::chosen, this, [this](const LM_style& style, const QString& name) {
     if (!_filter.isRunning())
       _document.keepLights(style, tr("Style “%1”").arg(name));
   });
   connect(_styles, &StylePanel::hovered, &_document, &EditorDocument::tryLights);
   connect(_styles, &StylePanel::left, &_document, &EditorDocument::stopTrying);
-}
-
-void MainWindow::restorePanels() {
-  _styles->setVisible(QSettings().value(PANEL_SETTING, true).toBool());
-  _restoreLights();
 }
 
 bool MainWindow::runFilter(CVDialog dialog) {

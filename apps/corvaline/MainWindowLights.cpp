@@ -4,12 +4,10 @@
 #include "LM_style_fields.h"
 
 #include <QMenu>
-#include <QSettings>
 #include <QStatusBar>
 
 namespace editor {
 
-static constexpr const char* LIGHTS_SETTING = "lightPanel";
 constexpr int SENTENCE = 6000; // in milliseconds that one is shown
 
 void MainWindow::_makeLights(QMenu* menu) {
@@ -17,17 +15,8 @@ void MainWindow::_makeLights(QMenu* menu) {
   _overlay = new LightOverlay(*_lights, *_canvas);
   _canvas->setOverlay(_overlay);
   _lightPanel = new LightPanel(*_lights, this);
-  addDockWidget(Qt::LeftDockWidgetArea, _lightPanel);
-  _lightPanel->hide();
-  QAction* toggle = _lightPanel->toggleViewAction();
-  toggle->setText(tr("Li&ghts"));
-  toggle->setShortcut(Qt::Key_F8);
-  toggle->setStatusTip(tr("Show the lights and their settings"));
-  menu->addAction(toggle);
-  connect(toggle, &QAction::toggled, this, [this](bool isShown) {
-    if (isVisible())
-      QSettings().setValue(LIGHTS_SETTING, isShown);
-  });
+  _addPanel(menu, _lightPanel, Qt::LeftDockWidgetArea, tr("Li&ghts"), Qt::Key_F8,
+            tr("Show the lights and their settings"));
   connect(_lights, &LightsModel::refused, this,
           [this](const QString& why) { statusBar()->showMessage(why, SENTENCE); });
   const auto showArea = [this] { _lights->setArea(_document.filterArea()); };
@@ -53,10 +42,6 @@ void MainWindow::_makeLights(QMenu* menu) {
   });
   connect(&_document, &EditorDocument::selectionChanged, this, showArea);
   connect(&_document, &EditorDocument::channelsChanged, this, showChannels);
-}
-
-void MainWindow::_restoreLights() {
-  _lightPanel->setVisible(QSettings().value(LIGHTS_SETTING, true).toBool());
 }
 
 } // namespace editor

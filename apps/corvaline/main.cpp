@@ -10,20 +10,62 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QIcon>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTimer>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
 constexpr int REFUSED = 6;
 
-// What the command line asks for, once the window stands.
-void Begin(editor::MainWindow& window, const editor::EditorOptions& options) {
-  if (!options.image.empty())
-    window.open(QFile::decodeName(options.image.c_str()));
+// The windows, which end when they are closed.
+class Windows {
+public:
+  explicit Windows(CVPlugin plugin) : _plugin(std::move(plugin)) {}
+  ~Windows() {
+    for (const QPointer<editor::MainWindow>& window : _all)
+      delete window;
+  }
+  Windows(const Windows&) = delete;
+  Windows& operator=(const Windows&) = delete;
+
+  editor::MainWindow& add() {
+    auto* window = new editor::MainWindow(_plugin);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->restorePanels();
+    window->show();
+    _all.emplace_back(window);
+    return *window;
+  }
+  // One that shows this picture, as it is in its file; else one without a picture.
+  editor::MainWindow& of(const QString& picture) {
+    editor::MainWindow* free = nullptr;
+    for (const QPointer<editor::MainWindow>& window : _all) {
+      if (window == nullptr)
+        continue;
+      const editor::EditorDocument& document = window->document();
+      if (document.isEmpty())
+        free = window;
+      else if (QFileInfo(document.path()) == QFileInfo(picture) && !document.isModified())
+        return *window;
+    }
+    return free != nullptr ? *free : add();
+  }
+
+private:
+  CVPlugin _plugin;
+  std::vector<QPointer<editor::MainWindow>> _all;
+};
+
+void Open(editor::MainWindow& window, const std::string& image,
+          const editor::EditorOptions& options) {
+  if (!image.empty())
+    window.open(QFile::decodeName(image.c_str()));
   else if (!options.style.empty())
     window.chooseAndOpen();
   if (!options.style.empty())
@@ -32,16 +74,26 @@ void Begin(editor::MainWindow& window, const editor::EditorOptions& options) {
     window.runFilter(CVDialog::Yes);
 }
 
+// What the command line asks for, once the first window stands.
+void Begin(Windows& windows, const editor::EditorOptions& options) {
+  std::vector<std::string> images = options.images;
+  if (images.empty())
+    images.emplace_back();
+  for (size_t i = 0; i < images.size(); ++i)
+    Open(i == 0 ? windows.of({}) : windows.add(), images[i], options);
+  for (editor::LostLights& lost : editor::FindLostLights())
+    windows.of(lost.picture).offer(std::move(lost));
+}
+
 int RunEditor(const editor::EditorOptions& options) {
   CVPlugin plugin;
   const CVResult loaded = editor::LoadFilter(plugin);
-  editor::MainWindow window(plugin);
-  window.restorePanels();
-  window.show();
+  Windows windows(plugin);
+  editor::MainWindow& first = windows.add();
   if (!loaded.ok())
-    QMessageBox::warning(&window, "Corvaline", QString::fromStdString(loaded.message));
+    QMessageBox::warning(&first, "Corvaline", QString::fromStdString(loaded.message));
   // The dialog runs events of its own, and needs the window on the screen below it.
-  QTimer::singleShot(0, &window, [&] { Begin(window, options); });
+  QTimer::singleShot(0, &first, [&] { Begin(windows, options); });
   return QApplication::exec();
 }
 

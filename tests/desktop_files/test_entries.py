@@ -41,7 +41,7 @@ class Entries(LimnTest):
         for path, entry in entries():
             program, *words = entry["Exec"].split()
             self.assertEqual(program, "corvaline", path)
-            self.assertEqual(words[-1], "%f", path)
+            self.assertEqual(words[-1], "%f" if "--style" in words else "%F", path)
             for option in words[:-1]:
                 self.assertIn(option, help_text, path)
             for size in 48, 128, 256:

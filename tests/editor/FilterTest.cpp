@@ -3,6 +3,7 @@
 
 #include "deep_photograph.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QProgressDialog>
@@ -42,6 +43,35 @@ int SlowFilter(int selector, void* data, intptr_t*, int16_t* result) {
 }
 
 } // namespace
+
+// They are in no parameters that the dialog gives.
+TEST_F(EditorRun, LightsThatAreOffStayThroughTheDialog) {
+  open(makePicture("picture.png"));
+  ASSERT_TRUE(window->applyStyle(
+      R"({"lights": [{"on": false}, {"center": [-20, 3]}, {"on": false, "type": "omni"}]})"));
+  int ticks = 0;
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+    QWidget* dialog = QApplication::activeModalWidget();
+    QAccessibleInterface* items =
+        dialog != nullptr ? QAccessible::queryAccessibleInterface(dialog) : nullptr;
+    for (int i = 0; items != nullptr && i < items->childCount(); ++i)
+      if (items->child(i)->text(QAccessible::Name) == "Gloss")
+        items->child(i)->valueInterface()->setCurrentValue(40);
+    if (items != nullptr && ++ticks > 5)
+      QTest::keyClick(dialog, Qt::Key_Return);
+  });
+  poll.start(50);
+  ASSERT_TRUE(window->runFilter(CVDialog::Yes));
+  const LM_style* style = window->document().lights();
+  ASSERT_NE(style, nullptr);
+  EXPECT_EQ(style->gloss, 179);
+  ASSERT_EQ(style->lightsRead, 3);
+  EXPECT_EQ(style->lights[0].on, 0);
+  EXPECT_EQ(style->lights[1].on, 1);
+  EXPECT_EQ(style->lights[2].type, LM_STYLE_OMNI);
+  window->document().noteSaved({});
+}
 
 TEST_F(EditorRun, TheDialogLightsTheOriginalAndRepeatTheBakedPicture) {
   open(makePicture("picture.png"));

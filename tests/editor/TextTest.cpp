@@ -3,7 +3,7 @@
 #include "ImageFiles.h"
 
 #include <QCoreApplication>
-#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
 #include <QSet>
@@ -16,9 +16,9 @@ namespace {
 QSet<QString> TextsInSources() {
   QSet<QString> texts;
   const QRegularExpression call(R"RE(\btr\(\s*((?:"(?:[^"\\]|\\.)*"\s*)+)\))RE");
-  const QDir folder(EDITOR_SOURCES);
-  for (const QString& name : folder.entryList({"*.cpp"})) {
-    QFile file(folder.filePath(name));
+  QDirIterator sources(EDITOR_SOURCES, {"*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
+  while (sources.hasNext()) {
+    QFile file(sources.next());
     if (!file.open(QIODevice::ReadOnly))
       continue;
     auto match = call.globalMatch(QString::fromUtf8(file.readAll()));

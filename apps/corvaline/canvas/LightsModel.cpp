@@ -8,7 +8,6 @@
 #include "LM_preview_geometry.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
-#include "LM_style_lighting.h"
 
 #include <algorithm>
 
@@ -24,16 +23,6 @@ LM_vector2f Mirrored(LM_vector2f vector) {
 
 bool IsSame(const LM_style& a, const LM_style& b) {
   return LM_StyleToJson(a) == LM_StyleToJson(b);
-}
-
-// The style in the world unit of the editor's pictures, without lights that it does not hold whole.
-LM_style InWorldUnit(LM_style style) {
-  style.lightsRead = std::min<uint16_t>(style.lightsRead, LM_MAX_LIGHTS);
-  for (int i = 0; i < style.lightsRead && style.worldUnit != WORLD_UNIT; ++i)
-    style.lights[i] = LM_TranslateLight(style.lights[i], style.worldUnit, WORLD_UNIT);
-  style.worldUnit = WORLD_UNIT;
-  style.numLights = style.lightsRead;
-  return style;
 }
 
 } // namespace

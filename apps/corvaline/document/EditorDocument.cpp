@@ -5,8 +5,6 @@
 #include "failure.h"
 #include "lighting.h"
 
-#include "LM_style_lighting.h"
-
 #include <QFileInfo>
 
 #include <algorithm>
@@ -26,13 +24,6 @@ void ForRows(const QRect& area, int width, size_t pixelBytes, uint8_t* data, Row
   }
 }
 
-LM_style InWorldUnit(LM_style style) {
-  for (int i = 0; style.worldUnit != WORLD_UNIT && i < style.lightsRead; ++i)
-    style.lights[i] = LM_TranslateLight(style.lights[i], style.worldUnit, WORLD_UNIT);
-  style.worldUnit = WORLD_UNIT;
-  return style;
-}
-
 } // namespace
 
 size_t EditorDocument::Step::bytes() const {
@@ -46,14 +37,23 @@ void EditorDocument::setImage(OpenedImage image) {
   {
     const std::unique_lock lock(_lock);
     _original.take(std::move(image.photograph));
-    _path = _originalPath = image.path;
+    _original.channels = std::move(image.lights.channels);
+    _path = image.path;
+    _originalPath = image.original;
     _mayBeReplaced = image.mayBeReplaced;
     _present = _saved = {};
+    if (!image.lights.areSaved)
+      _present.recipe = ++_lastNumber;
     _isOverwritten = false;
     _notePixels();
   }
-  _selection = {};
-  _recipe = _lastLit = {};
+  _digests.forget();
+  if (hasOriginalFile())
+    _digests.note(_original.file);
+  for (const limn::GreyImage& channel : _original.channels)
+    _digests.note(channel.file);
+  _selection = std::move(image.lights.selection);
+  _recipe = _lastLit = std::move(image.lights.recipe);
   _tried.reset();
   _undo.clear();
   _redo.clear();
@@ -76,6 +76,7 @@ bool EditorDocument::addChannel(limn::GreyImage channel) {
     return false;
   {
     const std::unique_lock lock(_lock);
+    _digests.note(channel.file);
     _original.channels.push_back(std::move(channel));
     _notePixels();
   }
@@ -318,7 +319,7 @@ CVResult EditorDocument::_changePixels(const QString& name,
   return result;
 }
 
-std::optional<limn::Recipe> EditorDocument::travellingRecipe() const {
+std::optional<limn::Recipe> EditorDocument::travellingRecipe() {
   if (!_recipe.lights)
     return std::nullopt;
   limn::Recipe recipe{};
@@ -328,13 +329,13 @@ std::optional<limn::Recipe> EditorDocument::travellingRecipe() const {
   if (const QRect& area = _selection.area; !area.isEmpty())
     recipe.area = limn_area{area.x(), area.y(), area.width(), area.height()};
   if (hasOriginalFile())
-    recipe.original = limn::RecipeFileOf(_original.file);
+    recipe.original = _digests.of(_original.file);
   if (!_selection.mask.isNull())
     recipe.mask = limn::RecipeFile{"painted in the editor", ""};
   if (recipe.relief.kind == LM_height_kind::File)
-    recipe.heights = limn::RecipeFileOf(recipe.relief.file);
+    recipe.heights = _digests.of(recipe.relief.file);
   for (const limn::GreyImage& channel : _original.channels)
-    recipe.channels.push_back(limn::RecipeFileOf(channel.file));
+    recipe.channels.push_back(_digests.of(channel.file));
   return recipe;
 }
 

@@ -1,10 +1,11 @@
 // The picture being edited: what is lit, how it is lit, what is selected, and the way back.
 #pragma once
 
+#include "Digests.h"
+#include "EditorRecipe.h"
 #include "ImageFiles.h"
 #include "MaskChange.h"
 #include "Original.h"
-#include "EditorRecipe.h"
 
 #include "recipe.h"
 
@@ -31,7 +32,7 @@ class EditorDocument : public QObject {
 public:
   static constexpr size_t UNDO_BYTES = size_t{512} << 20;
 
-  // Takes an image over, unlit, without selection, further channels and steps.
+  // Takes an image over with its lights, without steps.
   void setImage(OpenedImage image);
   bool isEmpty() const { return _original.photograph.pixels.empty(); }
   QString path() const { return _path; }
@@ -82,8 +83,9 @@ public:
   // Original::lit.
   vips::VImage litPlanes();
 
-  // How the picture is lit, to go into its file; none when no style says it. Throws limn::Failure.
-  std::optional<limn::Recipe> travellingRecipe() const;
+  // How the picture is lit, to go into its file; none when no style says it. Names of files are
+  // bare. Throws limn::Failure.
+  std::optional<limn::Recipe> travellingRecipe();
 
   // Makes the light pixels, and then `next` the recipe, as one step. goOn: gets 0 … 1, and answers
   // whether to.
@@ -172,6 +174,7 @@ private:
   std::optional<Recipe> _tried;
   std::deque<Step> _undo, _redo;
   Content _present, _saved;
+  Digests _digests;
   int _lastNumber = 0;
 };
 

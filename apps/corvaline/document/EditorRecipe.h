@@ -27,6 +27,9 @@ struct Recipe {
 // Half the width of the frame that lengths of a picture's lights are measured in.
 constexpr int16_t WORLD_UNIT = 140;
 
+// The style in that unit, without lights that it does not hold whole.
+LM_style InWorldUnit(LM_style style);
+
 // What is lit, and what a filter works on. area: in image pixels; empty means the whole image.
 // mask: 8-bit grey, as large as the image, 255 fully selected; null means that everything is
 // selected.

@@ -8,6 +8,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 #include <mutex>
 
@@ -42,7 +43,7 @@ std::string SaveOptions(const QString& path) {
 
 OpenedImage OpenImageFile(const QString& path) {
   const std::lock_guard lock(oneAtATime);
-  OpenedImage image{limn::ReadPhotograph(Encoded(path), VIPS_FORMAT_FLOAT), path, false};
+  OpenedImage image{limn::ReadPhotograph(Encoded(path), VIPS_FORMAT_FLOAT), path, path};
   image.mayBeReplaced = image.photograph.notices.empty() && IsWritable(path);
   return image;
 }
@@ -50,6 +51,27 @@ OpenedImage OpenImageFile(const QString& path) {
 limn::GreyImage OpenChannelFile(const QString& path) {
   const std::lock_guard lock(oneAtATime);
   return limn::ReadGreyImage(Encoded(path));
+}
+
+limn::GreyImage OpenMaskFile(const QString& path) {
+  const std::lock_guard lock(oneAtATime);
+  return limn::ReadMask(Encoded(path));
+}
+
+std::optional<std::string> RecipeInFile(const QString& path) {
+  const std::lock_guard lock(oneAtATime);
+  const limn::Complaints complaints;
+  try {
+    return limn::RecipeIn(limn::OpenImage(Encoded(path)));
+  } catch (...) {
+    limn::CaughtLibraryFailure(limn::ExitCode::BadInput, Encoded(path)); // which empties libvips'
+    return std::nullopt;
+  }
+}
+
+bool SaveMask(const QImage& mask, const QString& path) {
+  QSaveFile file(path);
+  return file.open(QIODevice::WriteOnly) && mask.save(&file, "PNG") && file.commit();
 }
 
 LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubject& subject) {

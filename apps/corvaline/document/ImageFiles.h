@@ -1,6 +1,8 @@
 // Opening and saving images, in the words of the desktop.
 #pragma once
 
+#include "EditorRecipe.h"
+
 #include "height_image.h"
 #include "image_file.h"
 #include "recipe.h"
@@ -12,12 +14,25 @@
 
 namespace editor {
 
+// Lights that come back with a picture.
+struct SavedLights {
+  Recipe recipe; // unlit: none
+  Selection selection;
+  std::vector<limn::GreyImage> channels;
+  QStringList missing; // files that took part and are not there any more
+  // Whether a file holds all of this.
+  bool areSaved = true;
+};
+
 // A photograph and where it came from. mayBeReplaced: writing it to `path` loses nothing that the
 // file held: its format can be written and reading it changed nothing.
 struct OpenedImage {
   limn::Photograph photograph;
-  QString path;
+  QString original; // the file that has these pixels
+  QString path;     // where it is saved
   bool mayBeReplaced = false;
+  SavedLights lights = {};
+  QString whyUnlit = {}; // a recipe was there, and could not be used
 };
 
 // A path as the file system has it.
@@ -30,6 +45,7 @@ void StartImageFiles();
 // other.
 OpenedImage OpenImageFile(const QString& path);
 limn::GreyImage OpenChannelFile(const QString& path);
+limn::GreyImage OpenMaskFile(const QString& path);
 LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubject& subject);
 // Writes these pixels of the photograph's depth, which may still have to be lit, with all that it
 // says beside its own, and the recipe, if there is one. Replaces what is at `path`, which keeps its
@@ -37,6 +53,11 @@ LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubj
 // format could not hold, a sentence each.
 QStringList SaveImageFile(limn::Photograph& photograph, const vips::VImage& planes,
                           const std::optional<limn::Recipe>& recipe, const QString& path);
+
+// The JSON of the recipe in a picture's XMP; nothing where there is none, or no picture.
+std::optional<std::string> RecipeInFile(const QString& path);
+// False when it cannot be written; what is at `path` stays until the new file is complete.
+bool SaveMask(const QImage& mask, const QString& path);
 
 // libvips' save options, in brackets, with which images are written under such a name.
 std::string SaveOptions(const QString& path);

@@ -30,7 +30,7 @@ enum Source { BRIGHTNESS = -1, FILE_MAP = -2 };
 
 LightPanel::LightPanel(LightsModel& model, QWidget* parent)
     : QDockWidget(tr("Lights"), parent), _model(model), _why(new QLabel(this)) {
-  setObjectName("lights");
+  setObjectName("lightPanel");
   setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
   setFeatures(DockWidgetClosable | DockWidgetMovable);
   auto* content = new QWidget;
@@ -43,6 +43,7 @@ LightPanel::LightPanel(LightsModel& model, QWidget* parent)
   scroll->setFrameShape(QFrame::NoFrame);
   scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroll->setWidget(content);
+  scroll->setFocusProxy(_list);
   scroll->setMinimumWidth(content->minimumSizeHint().width() +
                           scroll->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
   setWidget(scroll);

@@ -80,7 +80,7 @@ void StyleList::focusOutEvent(QFocusEvent* event) {
 StylePanel::StylePanel(EditorDocument& document, QWidget* parent)
     : QDockWidget(tr("Styles"), parent), _document(document), _search(new QLineEdit(this)),
       _list(new StyleList(this)), _thumbnails(new StyleThumbnails(this)) {
-  setObjectName("styles");
+  setObjectName("stylePanel");
   setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
   setFeatures(DockWidgetClosable | DockWidgetMovable);
   _search->setPlaceholderText(tr("Search"));

@@ -45,6 +45,8 @@ public:
 
   StyleList& list() { return *_list; }
   QLineEdit& search() { return *_search; }
+  // The library may have other styles now.
+  void readAgain() { _noteChange(); }
   // All pictures are made, of the present image.
   bool isUpToDate() const { return _areMade && !_isStale; }
 

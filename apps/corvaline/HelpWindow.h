@@ -1,0 +1,23 @@
+// The pages about Limn, as they were installed with it.
+#pragma once
+
+#include <QMainWindow>
+
+class QTextBrowser;
+
+namespace editor {
+
+// A window to read them in, which follows their links.
+class HelpWindow : public QMainWindow {
+  Q_OBJECT
+
+public:
+  explicit HelpWindow(QWidget* parent);
+
+  QTextBrowser& browser() { return *_browser; }
+
+private:
+  QTextBrowser* _browser;
+};
+
+} // namespace editor
