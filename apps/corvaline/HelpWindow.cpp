@@ -1,5 +1,6 @@
 #include "HelpWindow.h"
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -7,6 +8,7 @@
 #include <QRegularExpression>
 #include <QTextBrowser>
 #include <QToolBar>
+#include <QUrl>
 
 namespace editor {
 namespace {

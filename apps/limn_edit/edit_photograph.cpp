@@ -72,8 +72,8 @@ int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, i
   return ShowPixelMap(map, source, row, column);
 }
 
-// The dialog alone: the run that OK begins is ended, and its pixels are left. Its parameters are the
-// session's then.
+// The dialog alone: the run that OK begins is ended, and its pixels are left. Its parameters are
+// the session's then.
 CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, RunWindow& window) {
   CVRunOptions options;
   options.dialog = CVDialog::Yes;

@@ -173,8 +173,8 @@ TEST_F(EditorRun, ThePictureIsDrawnAsItIs) {
 }
 
 TEST(ImageLevels, AHalfHasTheMeansOfFour) {
-  for (const auto& [width, height, bands] :
-       {std::tuple{65, 65, 3}, std::tuple{66, 1, 4}, std::tuple{1, 131, 5}, std::tuple{70, 67, 1}}) {
+  for (const auto& [width, height, bands] : {std::tuple{65, 65, 3}, std::tuple{66, 1, 4},
+                                             std::tuple{1, 131, 5}, std::tuple{70, 67, 1}}) {
     std::vector<uint8_t> pixels;
     for (int i = 0; i < width * height * bands; ++i)
       pixels.push_back(static_cast<uint8_t>(i * i / 7));
