@@ -156,6 +156,10 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
   ApplyPlan plan;
   plan.options = options;
   plan.area = ParseArea(options.area);
+  if (!options.relief.normals.empty() && (options.isWritingRecipe || options.isUpdating))
+    throw Failure(ExitCode::WrongUsage,
+                  "--normals has no place in a recipe, but heights have: limn "
+                  "heights --normals writes them for --relief");
   for (const std::string& name : options.styles)
     AddStyle(plan, name);
   if (options.styles.empty())
@@ -212,8 +216,11 @@ std::vector<ImagePair> SkipExisting(ApplyPlan& plan) {
 JobDone Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job,
              const JobChannel& channel) {
   try {
-    if (!tools)
+    if (!tools) {
       tools = PrepareTools(plan);
+      for (const std::string& notice : tools->notices)
+        channel.Notice(notice);
+    }
     return ApplyOne(plan, *tools, job, channel);
   } catch (const AlreadyThere&) {
     if (!plan.options.isSkippingExisting)

@@ -24,7 +24,7 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
   tools.surroundings = ReadSurroundings(plan.area, plan.options.mask, plan.options.channels);
   // Only --relief names a file, and it does so for all styles.
   if (!plan.reliefs.empty() && plan.reliefs[0].kind == LM_height_kind::File)
-    tools.surroundings.relief = ReadGreyImage(plan.reliefs[0].file);
+    tools.surroundings.relief = ReadHeights(plan.options.relief, plan.reliefs[0], tools.notices);
   if (plan.options.isWritingRecipe || plan.options.isUpdating)
     tools.recipe = CommonRecipe(plan);
   return tools;

@@ -34,7 +34,8 @@ struct ApplyPlan {
 struct ApplyTools {
   std::optional<CVPlugin> plugin; // none: the lighting is done here
   Surroundings surroundings;
-  Recipe recipe; // what all images have in common, where recipes are written
+  Recipe recipe;                    // what all images have in common, where recipes are written
+  std::vector<std::string> notices; // of what was read
 };
 
 // Starts the image library too. Throws Failure.

@@ -106,6 +106,9 @@ void AddHeights(CLI::App& app, Command& command) {
       ->required();
   AddValue(*heights, "--preview", options->preview, "FILE",
            "Write them lit from the upper left too, to be looked at");
+  heights->add_flag("--as-normals", options->isWritingNormals,
+                    "Write a normal map instead, green up: heights that\ndiffer by 4096 of 65535 "
+                    "from pixel to pixel rise by 45\ndegrees");
   AddReliefOptions(*heights, options->relief, "auto");
   AddValue(*heights, "--channel", options->channels, "IMAGE", "As for limn apply; may be repeated");
   AddMaxPixels(*heights, options->maxPixels);

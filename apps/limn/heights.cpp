@@ -6,6 +6,7 @@
 #include "image_source.h"
 #include "lighting.h"
 #include "lit_image.h"
+#include "normal_map.h"
 #include "output_target.h"
 #include "report.h"
 
@@ -84,9 +85,12 @@ ExitCode WriteHeights(const HeightsOptions& options) {
     CheckOutput(options.image, preview, existing);
   if (BitsOf(output).most == 8)
     PrintProblem(output.path + ": has 8 bits; in PNG or TIFF the heights have 16");
+  std::vector<std::string> notices;
   Surroundings surroundings = ReadSurroundings({}, "", options.channels);
   if (source.kind == LM_height_kind::File)
-    surroundings.relief = ReadGreyImage(source.file);
+    surroundings.relief = ReadHeights(options.relief, source, notices);
+  for (const std::string& notice : notices)
+    PrintProblem(notice);
   const std::string shown = ShownName(options.image);
   const Complaints complaints;
   try {
@@ -96,7 +100,8 @@ ExitCode WriteHeights(const HeightsOptions& options) {
         HeightImage(source, {options.image, planes.width(), planes.height(), surroundings.channels,
                              surroundings.relief ? &*surroundings.relief : nullptr});
     complaints.Check(ExitCode::BadInput, shown);
-    Write(heights, output, existing, complaints);
+    Write(options.isWritingNormals ? NormalMapOf(heights, LM_normals_y::Up) : heights, output,
+          existing, complaints);
     if (!options.preview.empty())
       Write(LitPreview(heights), preview, existing, complaints);
   } catch (...) {

@@ -16,7 +16,8 @@ struct HeightsOptions {
   std::string preview; // lit, to be looked at; or empty
   ReliefOptions relief;
   std::vector<std::string> channels;
-  uint64_t maxPixels = 0; // as for limn apply
+  uint64_t maxPixels = 0;        // as for limn apply
+  bool isWritingNormals = false; // of the heights, green up
   bool force = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "lighting.h"
+#include "normal_map.h"
 #include "option_value.h"
 
 #include "LM_height_words.h"
@@ -31,13 +32,21 @@ CLI::Option* AddMade(CLI::App& command, const char* name, Value& value, const ch
 } // namespace
 
 void AddReliefOptions(CLI::App& command, ReliefOptions& options, const std::string& otherwise) {
-  AddMade(command, "--relief", options.source, "SOURCE",
-          "Where heights come from: auto (luminance, made ready,\n"
-          "for styles that have relief), luminance, red, green,\n"
-          "blue, a channel's number or the name of an added one, a\n"
-          "grey image of the same shape, or none\n"
-          "(default: " +
-              otherwise + ")");
+  CLI::Option* const source = AddMade(command, "--relief", options.source, "SOURCE",
+                                      "Where heights come from: auto (luminance, made ready,\n"
+                                      "for styles that have relief), luminance, red, green,\n"
+                                      "blue, a channel's number or the name of an added one, a\n"
+                                      "grey image of the same shape, or none\n"
+                                      "(default: " +
+                                          otherwise + ")");
+  CLI::Option* const normals =
+      AddValue(command, "--normals", options.normals, "IMAGE",
+               "Take heights from a normal map of the same shape, of 8\nor 16 bits")
+          ->excludes(source);
+  AddValue(command, "--normals-y", options.normalsY, "up|down",
+           "What its green stands for (default: what fits better,\nand says so)")
+      ->check(CLI::IsMember({"up", "down"}))
+      ->needs(normals);
   AddMade(command, "--relief-smoothing", options.smoothing, "N",
           "Take differences below N, of 255, for grain and even\n"
           "them out between edges (default: 0; auto: " +
@@ -59,6 +68,11 @@ void AddReliefOptions(CLI::App& command, ReliefOptions& options, const std::stri
 LM_height_source ReliefOf(const ReliefOptions& options, const NamedStyle& named,
                           const std::vector<std::string>& channels) {
   LM_height_source source = options.source.empty() ? named.relief : Named(options.source, channels);
+  if (!options.normals.empty()) {
+    source = {};
+    source.kind = LM_height_kind::File;
+    source.file = options.normals;
+  }
   if (source.kind == LM_height_kind::Style &&
       (options.smoothing != LM_USUAL || options.detail != LM_USUAL || options.fit ||
        options.invert))
@@ -71,6 +85,16 @@ LM_height_source ReliefOf(const ReliefOptions& options, const NamedStyle& named,
   source.fit = source.fit || options.fit;
   source.invert = source.invert != options.invert;
   return LM_ResolvedSource(source, named.style.bumpChannel != 0);
+}
+
+GreyImage ReadHeights(const ReliefOptions& options, const LM_height_source& source,
+                      std::vector<std::string>& notices) {
+  if (options.normals.empty())
+    return ReadGreyImage(source.file);
+  std::optional<LM_normals_y> greenIs;
+  if (!options.normalsY.empty())
+    greenIs = options.normalsY == "up" ? LM_normals_y::Up : LM_normals_y::Down;
+  return ReadNormalMap(source.file, greenIs, notices);
 }
 
 } // namespace limn

@@ -1,6 +1,7 @@
 // --relief and the options that go with it.
 #pragma once
 
+#include "image_file.h"
 #include "style_source.h"
 
 #include "LM_height_source.h"
@@ -12,7 +13,9 @@
 namespace limn {
 
 struct ReliefOptions {
-  std::string source; // as the command line has it; empty: the style's
+  std::string source;   // as the command line has it; empty: the style's
+  std::string normals;  // a normal map, instead of that; or empty
+  std::string normalsY; // "up", "down" or empty
   int smoothing = LM_USUAL;
   int detail = LM_USUAL;
   bool fit = false;
@@ -27,5 +30,10 @@ void AddReliefOptions(CLI::App& command, ReliefOptions& options, const std::stri
 // Failure(WrongUsage).
 LM_height_source ReliefOf(const ReliefOptions& options, const NamedStyle& named,
                           const std::vector<std::string>& channels);
+
+// Reads the file that the source, of kind File, names: a grey image, or the normal map that the
+// options name, of which the notices tell. Throws Failure.
+GreyImage ReadHeights(const ReliefOptions& options, const LM_height_source& source,
+                      std::vector<std::string>& notices);
 
 } // namespace limn

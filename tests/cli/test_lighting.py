@@ -1,6 +1,7 @@
 """Area, mask, relief channels, settings and memory: what the command adds to the plug-in's picture."""
 
 import json
+import math
 import os
 import subprocess
 
@@ -93,6 +94,42 @@ class Lighting(support.LimnTest):
         answer = self.limn("apply", "in.ppm", "-s", "light.json", "--relief", "half.pgm", "-o", "lit.tif", "-f")
         self.assertIn("half.pgm is scaled from 45 × 35 to its 90 × 70 pixels", answer.stderr)
         self.assertSame(support.read("lit.tif"), flat, "a level map of half the size")
+
+    def test_normal_maps(self):
+        waves = [int(30000 + 6000 * math.sin(x / 9) * math.cos(y / 11)) for y in range(70) for x in range(90)]
+        support.write_png("heights.png", Picture(90, 70, 1, waves, 16))
+        lit = self.lit("--relief", "heights.png").samples
+        self.limn("heights", "in.ppm", "--relief", "heights.png", "--as-normals", "-o", "up.png")
+        normals = support.read("up.png")
+        self.assertEqual((normals.bands, normals.depth), (3, 16))
+        down = [65536 - v if i % 3 == 1 and v else v for i, v in enumerate(normals.samples)]
+        support.write_png("down.png", Picture(90, 70, 3, down, 16))
+        support.write_png("alpha.png", Picture(90, 70, 4, [v for i in range(0, len(down), 3) for v in (*down[i : i + 3], i % 9)], 16))
+        support.write_png("bytes.png", Picture(90, 70, 3, [v // 256 for v in normals.samples]))
+        for name, options, most in [("up.png", [], 1), ("down.png", [], 1), ("alpha.png", [], 1),
+                                    ("down.png", ["--normals-y", "down"], 1), ("bytes.png", [], 12)]:
+            with self.subTest(name, options=options):
+                answer = self.limn("apply", "in.ppm", "-s", "light.json", "--normals", name, *options, "-o", "lit.tif", "-f")
+                guessed = "" if options else f"its green is taken for {'up' if name[0] in 'ub' else 'down'}"
+                self.assertIn(guessed, answer.stderr)
+                self.assertEqual(not options, "its green" in answer.stderr)
+                self.assertLessEqual(max(abs(a - b) for a, b in zip(support.read("lit.tif").samples, lit)), most)
+        support.write_pnm("grey.pgm", support.pattern(90, 70, 1))
+        support.write_pnm("black.ppm", support.filled(90, 70, 0, 3))
+        support.write_pnm("shape.ppm", support.filled(90, 90, 200, 3))
+        support.write_tiff("turned.tif", support.filled(70, 90, 200, 3), orientation=6)
+        for options, code, says in [
+            (["--normals", "grey.pgm"], 3, "grey.pgm: is no normal map, which has red, green and blue"),
+            (["--normals", "black.ppm"], 3, "black.ppm: is no normal map: of its vectors, 100 %"),
+            (["--normals", "turned.tif"], 3, "turned.tif: is turned by its tag"),
+            (["--normals", "shape.ppm"], 3, "shape.ppm: is 90 × 90 pixels, and in.ppm is 90 × 70"),
+            (["--normals", "up.png", "--relief", "red"], 2, "--relief"),
+            (["--normals", "up.png", "--recipe"], 2, "--normals has no place in a recipe"),
+            (["--normals-y", "up"], 2, "--normals"),
+        ]:
+            with self.subTest(says):
+                self.limn("apply", "in.ppm", "-s", "light.json", *options, "-o", "none.tif", code=code, says=says)
+                self.assertFalse(os.path.exists("none.tif"))
 
     def test_plugin_lights_the_same(self):
         support.write_pnm("heights.pgm", support.pattern(90, 70, 1, seed=7))

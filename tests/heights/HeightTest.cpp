@@ -2,6 +2,7 @@
 
 #include "LM_height_filters.h"
 #include "LM_height_source.h"
+#include "LM_normals.h"
 #include "LM_plane_scaling.h"
 
 #include <cmath>
@@ -151,6 +152,72 @@ TEST(Heights, SmallerIsTheMeanOfWhatIsCovered) {
   plane.values = {10, 20, 30, 40, 50};
   EXPECT_EQ(LM_ScaledPlane(plane, 2, 1).values, (std::vector<uint16_t>{18, 42}));
   EXPECT_EQ(LM_ScaledPlane(plane, 1, 1).values, (std::vector<uint16_t>{30}));
+}
+
+// Heights to normals of 16 bits, as a file has them, and back.
+LM_integrated_heights ThroughNormals(const LM_height_plane& plane, LM_normals_y written,
+                                     LM_normals_y read, double* fit = nullptr) {
+  LM_slopes slopes(plane.width, plane.height);
+  const auto width = static_cast<size_t>(plane.width);
+  std::vector<uint16_t> row(3 * width);
+  std::vector<float> normals(row.size());
+  for (int y = 0; y < plane.height; ++y) {
+    LM_NormalsOfRow(plane, y, written, row.data());
+    std::transform(row.begin(), row.end(), normals.begin(),
+                   [](uint16_t word) { return (static_cast<float>(word) - 32768.0F) / 32767.0F; });
+    const size_t at = static_cast<size_t>(y) * width;
+    EXPECT_EQ(LM_SlopesOfNormals(normals.data(), width, read, &slopes.across[at], &slopes.down[at]),
+              0U);
+  }
+  if (fit != nullptr)
+    *fit = LM_FitTogether(slopes);
+  return LM_HeightsOfSlopes(slopes);
+}
+
+TEST(Heights, NormalsAndBackAreTheSameHeights) {
+  for (const auto& [width, height] :
+       {std::pair{1, 1}, {1, 7}, {5, 6}, {2, 90}, {201, 130}, {640, 479}, {1025, 31}}) {
+    LM_height_plane plane(width, height);
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x)
+        plane.Row(y)[x] = static_cast<uint16_t>(
+            30000.5 + 9000 * std::sin(0.05 * x + 1) * std::cos(0.07 * y) + 20.0 * x - 11.0 * y);
+    const LM_integrated_heights made = ThroughNormals(plane, LM_normals_y::Up, LM_normals_y::Up);
+    EXPECT_EQ(made.share, 1);
+    double mean = 0;
+    for (const uint16_t value : plane.values)
+      mean += value / static_cast<double>(plane.values.size());
+    double worst = 0;
+    for (size_t i = 0; i < plane.values.size(); ++i)
+      worst = std::max(worst, std::abs(made.plane.values[i] - 32768 - (plane.values[i] - mean)));
+    EXPECT_LE(worst, 1.5) << width << " × " << height; // 1, and the mean's own rounding
+  }
+}
+
+TEST(Heights, NormalsTellWhichWayGreenIs) {
+  const LM_height_plane plane = Waves(300, 200);
+  double fit = 0;
+  ThroughNormals(plane, LM_normals_y::Up, LM_normals_y::Up, &fit);
+  EXPECT_GT(fit, 0.9);
+  ThroughNormals(plane, LM_normals_y::Down, LM_normals_y::Up, &fit);
+  EXPECT_LT(fit, -0.9);
+}
+
+TEST(Heights, WhatIsNoNormalIsFlatAndWhatIsTooHighIsMadeLower) {
+  const float nan = std::nanf("");
+  const float normals[] = {0, 0, 0, 0, 0, -1, nan, 0, 1, 0, nan, nan, 0.2F, 0, 0.2F, 1, 0, 1e-9F};
+  float across[6];
+  float down[6];
+  EXPECT_EQ(LM_SlopesOfNormals(normals, 6, LM_normals_y::Up, across, down), 5U);
+  for (int i = 0; i < 5; ++i)
+    EXPECT_EQ(across[i], 0) << i;
+  EXPECT_EQ(across[5], -16);
+  LM_slopes steep(2000, 2);
+  std::fill(steep.across.begin(), steep.across.end(), 1.0F);
+  const LM_integrated_heights made = LM_HeightsOfSlopes(steep);
+  EXPECT_NEAR(made.share, 16.0 / 2000, 1e-3);
+  EXPECT_LT(made.plane.values[0], 10);
+  EXPECT_GT(made.plane.values[1999], 65525);
 }
 
 } // namespace
