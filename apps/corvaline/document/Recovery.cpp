@@ -76,7 +76,7 @@ std::unique_ptr<StateFolder> StateFolder::Make() {
 QStringList StateFolder::All() {
   QStringList all;
   const QDir root(Root());
-  for (const QString& name : root.entryList({WINDOWS}, QDir::Dirs))
+  for (const QString& name : root.entryList({WINDOWS}, QDir::Dirs | QDir::NoSymLinks))
     all << root.filePath(name);
   return all;
 }
