@@ -4,6 +4,7 @@
 #include "HelpWindow.h"
 
 #include <QAccessible>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
@@ -53,9 +54,9 @@ TEST_F(EditorRun, EveryControlTellsItsNameRoleAndValue) {
       EXPECT_FALSE(item->child(i)->text(QAccessible::Name).isEmpty()) << told << i;
   }
   EXPECT_GT(count, 60);
-  for (const QAction* action : window->findChildren<QAction*>())
-    EXPECT_TRUE(action->isSeparator() || !action->text().isEmpty())
-        << action->objectName().toStdString();
+  for (const QMenu* menu : window->findChildren<QMenu*>())
+    for (const QAction* action : menu->actions())
+      EXPECT_TRUE(action->isSeparator() || !action->text().isEmpty()) << menu->title().toStdString();
   window->document().noteSaved({});
 }
 

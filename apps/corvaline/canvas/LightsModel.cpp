@@ -8,6 +8,7 @@
 #include "LM_preview_geometry.h"
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
+#include "LM_style_lighting.h"
 
 #include <algorithm>
 
