@@ -56,7 +56,8 @@ TEST_F(EditorRun, EveryControlTellsItsNameRoleAndValue) {
   EXPECT_GT(count, 60);
   for (const QMenu* menu : window->findChildren<QMenu*>())
     for (const QAction* action : menu->actions())
-      EXPECT_TRUE(action->isSeparator() || !action->text().isEmpty()) << menu->title().toStdString();
+      EXPECT_TRUE(action->isSeparator() || !action->text().isEmpty())
+          << menu->title().toStdString();
   window->document().noteSaved({});
 }
 
