@@ -1,5 +1,6 @@
 // A style found from a parameter block lights every image alike, whatever the block was made of.
 #include "LM_gallery.h"
+#include "LM_handles.h"
 #include "LM_parameters.h"
 #include "LM_style_fields.h"
 #include "LM_style_lengths.h"
