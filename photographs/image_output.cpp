@@ -272,6 +272,9 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
     file.CheckRoom(); // not every library tells why it could not write
     throw LibraryFailure(ExitCode::CannotWrite, name.path);
   }
+  // Of a picture of one strip, libvips 8.14 may forget that its pixels could not be had.
+  if (image.hasSourceFailed != nullptr && *image.hasSourceFailed)
+    throw LibraryFailure(ExitCode::BadInput, image.source);
   if (image.source.empty())
     complaints.Check(ExitCode::CannotWrite, name.path);
   else

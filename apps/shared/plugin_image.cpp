@@ -85,6 +85,7 @@ void PluginImage::_Run(const CVPlugin& plugin, const foo& parameters) {
   if (!result.ok() && !_isStopped && !*_hasSourceFailed) {
     const std::lock_guard<std::mutex> hold(_lock);
     _failure = std::move(result);
+    *_hasSourceFailed = true;
   }
   _finished.Close();
 }

@@ -44,7 +44,7 @@ public:
   // The lit planes, from top to bottom; an error when they cannot be had. Not to be asked for
   // pixels when the object has gone.
   vips::VImage Lit();
-  // True once pixels could not be decoded, for which libvips has the reason.
+  // True once pixels could not be decoded, for which libvips has the reason, or lit.
   const std::shared_ptr<std::atomic<bool>>& HasSourceFailed() const { return _hasSourceFailed; }
   // Throws Failure when rows cannot be had since the plug-in's run has failed.
   void CheckPlugin();

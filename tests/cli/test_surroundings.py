@@ -121,8 +121,7 @@ def bombs():
             ("tiles", "tiles.exr", support.exr(9, 9, version=0x202)), ("too much", "large.exr", large),
             ("no pixels", "none.exr", support.exr(0, 9)), ("no pixels", "far.exr", support.exr(40000, 9)),
             ("how large", "empty.exr", support.exr(9, 9)[:8] + b"\0"), ("damaged", "cut.exr", support.exr(9, 9)[:99]),
-            ("attributes", "long.exr", support.exr(9, 9)[:8] + b"a\0b\0\0\0\0\0" * 2000),
-            ("pixels", "all.exr", support.exr(30000, 30000))]:
+            ("attributes", "long.exr", support.exr(9, 9)[:8] + b"a\0b\0\0\0\0\0" * 2000)]:
         yield says, name, file
 
 
