@@ -60,11 +60,13 @@ uint64_t PaddedTo(uint64_t side, uint64_t piece) {
 }
 
 // The first page's tags. No profile or text may be longer than a photograph's are; its strips or
-// tiles may not be the same bytes over and over, and tiles not reach far beyond the image.
+// tiles may not be the same bytes over and over, and tiles not reach far beyond the image. Floats
+// that the decoder does not know are refused by their name.
 void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t fileLength,
                  const std::string& path) {
   constexpr uint64_t MOST_VALUES = 32 << 20; // of whatever size, in one tag
   uint64_t width = 0, height = 0, tileWidth = 0, tileHeight = 0, numBytes = 0;
+  uint64_t bits = 0, sampleFormat = 0; // of the first channel; the decoder wants the others alike
   bool isCounted[2] = {};
   for (uint64_t i = 0; i < numTags; ++i) {
     const TiffTag tag = TagAt(numbers, tags + (numbers.IsLong() ? 20 : 12) * i);
@@ -92,6 +94,12 @@ void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t
     case 257:
       read(height);
       break;
+    case 258:
+      read(bits);
+      break;
+    case 339:
+      read(sampleFormat);
+      break;
     case 322:
       read(tileWidth);
       break;
@@ -104,6 +112,10 @@ void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t
     if (tag.count > MOST_VALUES)
       throw Failure(ExitCode::BadInput, path + ": holds more data beside its pixels than is read");
   }
+  constexpr uint64_t FLOATS = 3, FLOAT_BITS = 32;
+  if (sampleFormat == FLOATS && bits != FLOAT_BITS)
+    throw Failure(ExitCode::BadInput, path + ": has floats of " + std::to_string(bits) +
+                                          " bits, and only those of 32 are read");
   if (numBytes / MOST_REPEATS > fileLength)
     throw Failure(ExitCode::BadInput, path + ": decodes the same bytes again and again");
   const uint64_t rows = PaddedTo(height, tileHeight);

@@ -1,7 +1,6 @@
 #include "reduced_photograph.h"
 
 #include "height_image.h"
-#include "image_file.h"
 #include "image_library.h"
 #include "image_source.h"
 
@@ -33,12 +32,12 @@ VImage ProfileOf(const VImage& image) {
 }
 
 // A grey image as a plane of the reduction.
-VImage ReadChannel(const std::string& path, const ReducedPhotograph& photograph,
-                   const std::string& photographPath) {
-  GreyImage grey = ReadGreyImage(path);
-  CheckShape(grey, photograph.fullWidth, photograph.fullHeight, photographPath);
-  const VImage full = VImage::new_from_memory(grey.pixels.data(), grey.pixels.size(), grey.width,
-                                              grey.height, 1, VIPS_FORMAT_UCHAR);
+VImage ReducedChannel(const GreyImage& grey, const ReducedPhotograph& photograph,
+                      const std::string& path) {
+  CheckShape(grey, photograph.fullWidth, photograph.fullHeight, path);
+  const VImage full =
+      VImage::new_from_memory(const_cast<uint8_t*>(grey.pixels.data()), grey.pixels.size(),
+                              grey.width, grey.height, 1, VIPS_FORMAT_UCHAR);
   return Resized(full, photograph).copy_memory();
 }
 
@@ -59,8 +58,8 @@ void FitReduction(ReducedPhotograph& photograph, int longestSide) {
   photograph.height = std::max(1, static_cast<int>(std::lround(photograph.fullHeight * scale)));
 }
 
-ReadReduction ReadReducedPhotograph(const std::string& path,
-                                    const std::vector<std::string>& channels, int longestSide) {
+ReadReduction ReadReducedPhotograph(const std::string& path, const std::vector<GreyImage>& channels,
+                                    int longestSide) {
   ReadReduction read;
   ReducedPhotograph& photograph = read.photograph;
   try {
@@ -77,8 +76,8 @@ ReadReduction ReadReducedPhotograph(const std::string& path,
       planes = Resized(opened.planes, photograph).copy_memory();
       complaints.Check(ExitCode::BadInput, path);
     }
-    for (const std::string& channel : channels)
-      planes = planes.bandjoin(ReadChannel(channel, photograph, path));
+    for (const GreyImage& channel : channels)
+      planes = planes.bandjoin(ReducedChannel(channel, photograph, path));
     photograph.numPlanes = planes.bands();
     photograph.pixels = DecodedPixels(planes);
   } catch (...) {

@@ -1,6 +1,8 @@
 // A photograph made small while it is read: all that a thumbnail needs of it.
 #pragma once
 
+#include "image_file.h"
+
 #include "LM_height_source.h"
 
 #include <cstdint>
@@ -36,9 +38,9 @@ struct ReadReduction {
 void FitReduction(ReducedPhotograph& photograph, int longestSide);
 
 // Reads a photograph as ReadPhotograph does, with its longer side reduced to `longestSide`. A JPEG
-// is decoded no larger than needed. channels: files of grey images of the photograph's full size,
-// which become further planes. Throws Failure.
-ReadReduction ReadReducedPhotograph(const std::string& path,
-                                    const std::vector<std::string>& channels, int longestSide);
+// is decoded no larger than needed. channels: grey images of the photograph's shape, which become
+// further planes. Throws Failure.
+ReadReduction ReadReducedPhotograph(const std::string& path, const std::vector<GreyImage>& channels,
+                                    int longestSide);
 
 } // namespace limn

@@ -66,6 +66,10 @@ class Damage(support.LimnTest):
                               ("nothing.tif", b"II*\0\x08\0\0\0\0\0\0\0\0\0")]:
             self.refused(content, name, name)
 
+    def test_floats_that_are_not_read_are_named(self):
+        support.vips("cast", "whole.ppm", "double.tif", "double")
+        self.limn("apply", "double.tif", "-o", "out.tif", code=BAD_INPUT, says="double.tif: has floats of 64 bits")
+
     def test_mask_and_channels_too(self):
         content = self.make("png")
         support.put("cut.png", content[: len(content) // 2])
