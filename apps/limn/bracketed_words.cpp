@@ -1,5 +1,6 @@
 #include "bracketed_words.h"
 
+#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 

@@ -1,7 +1,9 @@
 // Words of the command line that the parser would take for something else.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace limn {
 

@@ -4,6 +4,8 @@
 #include "report.h"
 #include "termination.h"
 
+#include <CLI/CLI.hpp>
+
 namespace {
 
 using limn::ExitCode;

@@ -1,5 +1,6 @@
 #include "describe_options.h"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 #include <nlohmann/json.hpp>
 

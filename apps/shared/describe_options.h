@@ -1,9 +1,12 @@
 // A command line told as data, for the programs that make manual pages and completions of it.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace limn {
 

@@ -2,11 +2,14 @@
 // help without loading the desktop's libraries, and limn-edit, which does the work.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace limn {
 

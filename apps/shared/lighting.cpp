@@ -40,20 +40,26 @@ ExitCode CodeOf(CVOutcome outcome) {
 
 } // namespace
 
+void ParsePixels(const std::string& option, const std::string& text, const char* form,
+                 std::span<int> numbers) {
+  const char* next = text.data();
+  const char* const end = next + text.size();
+  for (int& number : numbers) {
+    const auto [stop, error] = std::from_chars(next, end, number);
+    const bool isLast = &number == &numbers.back();
+    const bool isSeparated = isLast ? stop == end : stop != end && *stop == ',';
+    if (error != std::errc() || !isSeparated || number < 0 || number > LIMN_LONGEST_SIDE)
+      throw Failure(ExitCode::WrongUsage,
+                    option + " " + text + ": is not of the form " + form + " in pixels");
+    next = stop + (isLast ? 0 : 1);
+  }
+}
+
 std::optional<limn_area> ParseArea(const std::string& text) {
   if (text.empty())
     return std::nullopt;
   int numbers[4] = {};
-  const char* next = text.data();
-  const char* const end = next + text.size();
-  for (int i = 0; i < 4; ++i) {
-    const auto [stop, error] = std::from_chars(next, end, numbers[i]);
-    const bool isSeparated = i == 3 ? stop == end : stop != end && *stop == ',';
-    if (error != std::errc() || !isSeparated || numbers[i] < 0 || numbers[i] > LIMN_LONGEST_SIDE)
-      throw Failure(ExitCode::WrongUsage,
-                    "--area " + text + ": is not of the form X,Y,WIDTH,HEIGHT in pixels");
-    next = stop + (i < 3 ? 1 : 0);
-  }
+  ParsePixels("--area", text, "X,Y,WIDTH,HEIGHT", numbers);
   const limn_area area{numbers[0], numbers[1], numbers[2], numbers[3]};
   if (area.width == 0 || area.height == 0)
     throw Failure(ExitCode::WrongUsage, "--area " + text + ": is empty");

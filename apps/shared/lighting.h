@@ -10,12 +10,17 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
+#include <string>
 #include <vector>
 
 struct foo; // the shading parameter block
 
 namespace limn {
 
+// Parses whole pixels, separated by commas; form: as in "X,Y". Throws Failure(WrongUsage).
+void ParsePixels(const std::string& option, const std::string& text, const char* form,
+                 std::span<int> numbers);
 // "X,Y,W,H" in whole pixels; none for an empty text. Throws Failure(WrongUsage).
 std::optional<limn_area> ParseArea(const std::string& text);
 

@@ -9,21 +9,31 @@ namespace {
 constexpr double WANTED_SHAPE = 1.5; // width to height
 constexpr double COST_OF_A_HOLE = 0.05;
 
-SheetLayout WithColumns(int numCards, int pictureWidth, int pictureHeight, int columns) {
+SheetLayout WithColumns(int numCards, Extent picture, Extent detail, int columns) {
   SheetLayout layout = {};
   layout.columns = columns;
   layout.rows = (numCards + columns - 1) / columns;
-  layout.pictureWidth = pictureWidth;
-  layout.pictureHeight = pictureHeight;
-  layout.labelSize = std::clamp(std::max(pictureWidth, pictureHeight) / 17, 10, 20);
+  layout.labelSize = std::clamp(std::max(picture.width, picture.height) / 17, 10, 20);
   layout.titleSize = layout.labelSize * 8 / 5;
   layout.labelHeight = layout.labelSize * 21 / 10;
   layout.padding = layout.labelSize * 2 / 3;
   layout.gap = layout.labelSize;
   layout.margin = layout.labelSize * 5 / 2;
   const int top = 2 * layout.margin + layout.titleSize;
-  layout.card = {layout.margin, top, pictureWidth + 2 * layout.padding,
-                 pictureHeight + layout.padding + layout.labelHeight};
+  const int left = layout.margin + layout.padding;
+  layout.picture = {left, top + layout.padding, picture.width, picture.height};
+  layout.detail = {left, top + layout.padding, detail.width, detail.height};
+  int width = std::max(picture.width, detail.width);
+  int height = std::max(picture.height, detail.height);
+  if (detail.width > 0 && picture.width >= picture.height) {
+    layout.detail.y += picture.height + layout.padding;
+    height = picture.height + layout.padding + detail.height;
+  } else if (detail.width > 0) {
+    layout.detail.x += picture.width + layout.padding;
+    width = picture.width + layout.padding + detail.width;
+  }
+  layout.card = {layout.margin, top, width + 2 * layout.padding,
+                 height + layout.padding + layout.labelHeight};
   layout.width = 2 * layout.margin + columns * (layout.card.width + layout.gap) - layout.gap;
   layout.height =
       top + layout.rows * (layout.card.height + layout.gap) - layout.gap + layout.margin;
@@ -39,22 +49,21 @@ double Cost(const SheetLayout& layout, int numCards) {
 
 } // namespace
 
-SheetLayout LayOutSheet(int numCards, int pictureWidth, int pictureHeight, int columns) {
+SheetLayout LayOutSheet(int numCards, Extent picture, Extent detail, int columns) {
   if (columns > 0)
-    return WithColumns(numCards, pictureWidth, pictureHeight, std::min(columns, numCards));
-  SheetLayout best = WithColumns(numCards, pictureWidth, pictureHeight, 1);
+    return WithColumns(numCards, picture, detail, std::min(columns, numCards));
+  SheetLayout best = WithColumns(numCards, picture, detail, 1);
   for (int tried = 2; tried <= std::min(numCards, 24); ++tried) {
-    const SheetLayout layout = WithColumns(numCards, pictureWidth, pictureHeight, tried);
+    const SheetLayout layout = WithColumns(numCards, picture, detail, tried);
     if (Cost(layout, numCards) < Cost(best, numCards))
       best = layout;
   }
   return best;
 }
 
-Box CardBox(const SheetLayout& layout, int index) {
-  Box box = layout.card;
-  box.x += index % layout.columns * (box.width + layout.gap);
-  box.y += index / layout.columns * (box.height + layout.gap);
+Box OnCard(const SheetLayout& layout, Box box, int index) {
+  box.x += index % layout.columns * (layout.card.width + layout.gap);
+  box.y += index / layout.columns * (layout.card.height + layout.gap);
   return box;
 }
 

@@ -21,9 +21,11 @@ HeightSubject SubjectOf(const std::string& path, int width, int height,
                         const Surroundings& surroundings);
 
 // Gives the settings the channels that follow a photograph's own, made its size, and the heights
-// that its relief is taken from, if they are none of these.
+// that its relief is taken from, if they are none of these. heights: made before, for this source;
+// null: they are made here.
 void SetChannels(const LM_height_source& source, const HeightSubject& subject,
-                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings);
+                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings,
+                 const std::shared_ptr<const LM_height_plane>& heights = nullptr);
 
 // Tells which channels and heights are scaled to a photograph of that size.
 void NoteScaled(const Surroundings& surroundings, int width, int height,

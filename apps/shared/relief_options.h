@@ -6,9 +6,12 @@
 
 #include "LM_height_source.h"
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace limn {
 

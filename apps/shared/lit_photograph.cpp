@@ -12,7 +12,8 @@ HeightSubject SubjectOf(const std::string& path, int width, int height,
 }
 
 void SetChannels(const LM_height_source& source, const HeightSubject& subject,
-                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings) {
+                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings,
+                 const std::shared_ptr<const LM_height_plane>& heights) {
   const auto asDeep = [isDeep](const vips::VImage& image) {
     return isDeep ? image
                   : image.cast(VIPS_FORMAT_UCHAR, vips::VImage::option()->set("shift", true));
@@ -22,7 +23,10 @@ void SetChannels(const LM_height_source& source, const HeightSubject& subject,
     settings.channels.push_back(channel.width == subject.width && channel.height == subject.height
                                     ? BandOf(channel, isDeep)
                                     : asDeep(ScaledImage(channel, subject)));
-  UseHeights(source, numPlanes, settings, [&] { return asDeep(HeightImage(source, subject)); });
+  UseHeights(source, numPlanes, settings, [&] {
+    return asDeep(heights ? ShownHeights(heights, subject.width, subject.height)
+                          : HeightImage(source, subject));
+  });
 }
 
 void NoteScaled(const Surroundings& surroundings, int width, int height,
