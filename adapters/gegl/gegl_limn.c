@@ -1,5 +1,6 @@
 /* Limn as the GEGL operation limn:light: lights the whole picture with one style, with heights for
- * relief on the second input if there is one.
+ * relief on the second input if there is one. What the lights give is kept from one evaluation to
+ * the next, so that a slider of the surface, or a new picture under the same lights, costs little.
  *
  * What cannot be done, for instance with a style that is not there, leaves the picture as it is and
  * is reported as a warning: GEGL's operations have no other way to fail. */
@@ -7,12 +8,20 @@
 
 #include <gegl-plugin.h>
 #include <limn.h>
+#include <string.h>
 
 typedef struct LightOperation {
   GeglOperationComposer parent;
   char* style; /* never null */
   double slider[STYLE_SLIDERS];
+  limn_lighting* lighting; /* of the last evaluation, or null */
+  limn_picture prepared;   /* the size that it is for */
+  guchar* heights;         /* that its relief was kept for, and how many bytes; or null */
+  gsize heightBytes;
 } LightOperation;
+
+/* What is kept takes no more than this: film in relief. A large photograph is lit each time. */
+static const guint64 MOST_KEPT = 256u << 20;
 
 typedef struct LightOperationClass {
   GeglOperationComposerClass parent;
@@ -25,7 +34,6 @@ static GeglOperationClass* parentClass; /* of the one class that a module regist
 /* Pixels of a picture in memory, and the settings to light them with. */
 typedef struct Work {
   limn_settings* settings;
-  limn_lighting* lighting;
   guchar* pixels;
   guchar* heights; /* null: none are given */
 } Work;
@@ -96,6 +104,46 @@ static guchar* BytesOf(GeglBuffer* buffer, const GeglRectangle* box, const Babl*
   return bytes;
 }
 
+static void Forget(LightOperation* self) {
+  limn_lighting_free(self->lighting);
+  self->lighting = NULL;
+  g_free(self->heights);
+  self->heights = NULL;
+}
+
+/* Makes self->lighting one of these settings for pictures of that size, the last one if it can be.
+ */
+static int PrepareLighting(LightOperation* self, const limn_settings* settings,
+                           const limn_picture* picture, limn_error* error) {
+  if (self->prepared.width != picture->width || self->prepared.height != picture->height ||
+      self->prepared.channels != picture->channels ||
+      limn_set_settings(self->lighting, settings, NULL) != LIMN_OK)
+    Forget(self);
+  if (self->lighting == NULL) {
+    self->lighting = limn_prepare(settings, picture, error);
+    self->prepared = *picture;
+    if (limn_kept_bytes(self->lighting, LIMN_KEEP_FLAT) <= MOST_KEPT)
+      limn_set_keep(self->lighting, LIMN_KEEP_FLAT, NULL);
+  }
+  return self->lighting != NULL;
+}
+
+/* Keeps what the lights give in relief while its heights are those of the last evaluation, which
+ * only comparing them tells, and takes the work's for the next. bytes: of the heights; where there
+ * are none, relief may come from the picture, and is not kept. */
+static void KeepRelief(LightOperation* self, Work* work, gsize bytes) {
+  if (limn_kept_bytes(self->lighting, LIMN_KEEP_RELIEF) > MOST_KEPT ||
+      (self->heights == NULL && work->heights == NULL))
+    return;
+  if (self->heights == NULL || work->heights == NULL || self->heightBytes != bytes ||
+      memcmp(self->heights, work->heights, bytes) != 0)
+    limn_set_keep(self->lighting, work->heights != NULL ? LIMN_KEEP_RELIEF : LIMN_KEEP_FLAT, NULL);
+  g_free(self->heights);
+  self->heights = work->heights;
+  self->heightBytes = bytes;
+  work->heights = NULL;
+}
+
 /* Whether the work's pixels are lit. */
 static int Light(LightOperation* self, GeglBuffer* input, GeglBuffer* aux, const GeglRectangle* box,
                  Work* work, limn_error* error) {
@@ -110,8 +158,7 @@ static int Light(LightOperation* self, GeglBuffer* input, GeglBuffer* aux, const
   if (work->settings == NULL)
     return 0;
   /* Before its pixels are read, which may be more than there is memory for: it can be too large. */
-  work->lighting = limn_prepare(work->settings, &picture, error);
-  if (work->lighting == NULL)
+  if (!PrepareLighting(self, work->settings, &picture, error))
     return 0;
   work->pixels = BytesOf(input, box, format);
   if (aux != NULL)
@@ -124,7 +171,10 @@ static int Light(LightOperation* self, GeglBuffer* input, GeglBuffer* aux, const
   picture.source = picture.output = work->pixels;
   picture.relief = work->heights;
   picture.relief_kind = KindOf(heights);
-  return limn_run(work->lighting, &picture, NULL, error) == LIMN_OK;
+  KeepRelief(self, work,
+             (gsize)box->width * (gsize)box->height *
+                 (gsize)babl_format_get_bytes_per_pixel(heights));
+  return limn_run(self->lighting, &picture, NULL, error) == LIMN_OK;
 }
 
 static gboolean Process(GeglOperation* operation, GeglBuffer* input, GeglBuffer* aux,
@@ -143,7 +193,6 @@ static gboolean Process(GeglOperation* operation, GeglBuffer* input, GeglBuffer*
       g_warning("limn:light: %s; the picture stays as it is", error.text);
     gegl_buffer_copy(input, asked, GEGL_ABYSS_NONE, output, asked);
   }
-  limn_lighting_free(work.lighting);
   limn_settings_free(work.settings);
   g_free(work.pixels);
   g_free(work.heights);
@@ -174,6 +223,7 @@ static void GetProperty(GObject* object, guint property, GValue* value, GParamSp
 }
 
 static void Finalize(GObject* object) {
+  Forget((LightOperation*)object);
   g_free(((LightOperation*)object)->style);
   G_OBJECT_CLASS(parentClass)->finalize(object);
 }

@@ -69,6 +69,10 @@ class Gegl(AdapterTest):
             picture, _ = self.gegl("rgb.png", "limn:light", "style=style.json", "aux=[", "gegl:png-load", "path=heights.png", "]")
             self.assertSame(picture, self.lit("rgb.png", "style.json", ["bumpChannel=4"], channel="heights.png"), depth)
 
+    def test_an_operation_that_stays_gives_what_a_new_one_gives(self):
+        subprocess.run([os.environ["GEGL_CHANGES"], "style.json", "Carved in Stone", "Campfire"], check=True, timeout=600,
+                       env=self.environment())
+
     def test_a_part_is_lit_as_part_of_the_whole(self):
         support.vips("crop", "rgb.png", "part.png", 30, 40, 100, 60)
         self.lit("rgb.png", "style.json")
