@@ -87,6 +87,7 @@ fuzz-quick: ## The same for a few seconds each, from one seed
 
 bench: build ## Measure the shading, the preview and the editor's canvas
 	$(BUILD)/bin/bench_shading
+	$(BUILD)/bin/bench_ratios
 	$(BUILD)/bin/bench_preview
 	$(BUILD)/bin/bench_canvas
 
