@@ -1,5 +1,6 @@
-"""limn sheet: every style once, in order, with the very light that limn apply gives, and named below."""
+"""limn sheet: every style once, in order, with the very light that limn apply gives, and named below. The bundled styles."""
 
+import glob
 import json
 import os
 import shutil
@@ -7,6 +8,7 @@ import shutil
 import support
 
 WIDTH, HEIGHT = 90, 60
+RESOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../resources")
 LONG_NAME = "A name <b>& that is longer than its picture is wide"
 
 
@@ -24,6 +26,13 @@ def find(page, picture):
     return places
 
 
+def burnt(rows):
+    """The pixels of which a channel is full, as a number that has a byte for each, 1 or 0."""
+    full = b"".join(rows).translate(bytes(255) + b"\1")
+    red, green, blue = (int.from_bytes(full[band::3], "big") for band in range(3))
+    return red | green | blue
+
+
 class Sheet(support.LimnTest):
     def setUp(self):
         super().setUp()
@@ -36,8 +45,8 @@ class Sheet(support.LimnTest):
         self.assertEqual(told["size"], [page.width, page.height])
         return told["styles"], page
 
-    def lit(self, style):
-        self.limn("apply", "in.ppm", "-s", style, "--channel", "heights.pgm", "-o", "lit.ppm", "-f", "-q")
+    def lit(self, style, options=("--channel", "heights.pgm"), image="in.ppm"):
+        self.limn("apply", image, "-s", style, *options, "-o", "lit.ppm", "-f", "-q")
         return support.read("lit.ppm")
 
     def test_all_styles_with_the_light_of_apply(self):
@@ -68,6 +77,28 @@ class Sheet(support.LimnTest):
             shutil.copy("data/limn/Lighting Styles/Campfire", name)
             self.sheet("-s", os.fsdecode(name))
 
+    def test_relief_and_details_are_those_of_apply(self):
+        own = '{"bumpChannel": 2, "relief": {"source": "green", "smoothing": 40, "detail": 60, "fit": true}, "lights": [{}]}'
+        support.put("own.json", own)
+        support.write_pnm("deep.pgm", support.pattern(WIDTH, HEIGHT, 1, 16, seed=3))
+        for relief in [(), ("--relief", "auto"), ("--relief", "deep.pgm", "--relief-invert"), ("--relief", "none"),
+                       ("--relief", "blue")]:
+            with self.subTest(relief):
+                # All of a photograph that is no larger than its picture is its detail too.
+                styles, page = self.sheet("-s", "own.json", "-s", "Carved in Stone", "--detail", *relief)
+                for style in ["own.json", "Carved in Stone"]:
+                    picture = self.lit(style, relief)
+                    self.assertEqual(len(find(page, picture)), 2, style)
+        support.vips("resize", "in.ppm", "large.ppm", 4)
+        options = ["large.ppm", "-s", "Clay Model", "--relief", "auto", "--relief-detail", 50, "--size", WIDTH]
+        told = json.loads(self.limn("sheet", *options, "--detail-at", "350,3", "-o", "sheet.png", "-f", "--json").stdout)
+        self.assertEqual(told["detail"], [4 * WIDTH - WIDTH, 0, WIDTH, HEIGHT])
+        self.lit("Clay Model", options[3:-2], image="large.ppm")
+        page = support.read("sheet.png")
+        for whole in "lit.ppm", "large.ppm":
+            support.vips("extract_area", whole, "piece.ppm", *told["detail"])
+            self.assertEqual(len(find(page, support.read("piece.ppm"))), 1, whole)
+
     def test_a_large_jpeg_is_what_apply_gives_made_small(self):
         support.vips("resize", "in.ppm", "large.jpg[Q=95]", 20)
         for style in ["Campfire", "Dark Corners"]:
@@ -95,12 +126,39 @@ class Sheet(support.LimnTest):
             (["in.ppm", "-o", "a.png", "-s", '{"lights": 3}'], 3, "the style's JSON: lights: "),
             (["in.ppm", "-o", "a.png", "--size", "9"], 2, "--size"),
             (["in.ppm", "-o", "a.png", "--channel", "small.pgm"], 3, "small.pgm: "),
+            (["in.ppm", "-o", "a.png", "--relief", "wide.ppm"], 3, "wide.ppm: "),
+            (["in.ppm", "-o", "a.png", "--relief", "9"], 3, "in.ppm: has no channel 9"),
+            (["in.ppm", "-o", "a.png", "--detail-at", "90,0"], 2, "--detail-at 90,0: is not in in.ppm"),
+            (["in.ppm", "-o", "a.png", "--detail-at", "7"], 2, "--detail-at 7: "),
             (["wide.ppm", "-o", "a.png", "--size", "2048", "--columns", "31"], 2, "would be"),
         ]:
             with self.subTest(says):
                 self.limn("sheet", *arguments, code=code, says=says)
                 self.assertFalse(os.path.exists("a.png"))
         self.limn("sheet", "in.ppm", "-o", "there.png", "--force", says="no channel for the relief of Evening Lamp;")
+
+class Gallery(support.LimnTest):
+    def test_styles_keep_the_highlights_of_the_bundled_photographs(self):
+        """All but those that say in their description that they burn them."""
+        styles = [path for path in sorted(glob.glob(f"{RESOURCES}/styles/*.json"))
+                  if "burn" not in json.loads(support.content(path))["description"]]
+        photographs = glob.glob(f"{RESOURCES}/photos/*.jpg")
+        self.assertTrue(len(styles) >= 30 and len(photographs) >= 4)
+        for photograph in photographs:
+            support.vips("thumbnail", photograph, "in.ppm", 250)  # places of lights are then whole pixels
+            self.limn("sheet", "in.ppm", *(word for path in styles for word in ("-s", path)), "--size", 250,
+                      "--columns", 1, "-o", "sheet.ppm", "-f", "-q")
+            self.limn("apply", "in.ppm", "-s", styles[0], "-o", "first.ppm", "-f", "-q")
+            picture, page = support.read("in.ppm"), support.read("sheet.ppm")
+            (left, top), = find(page, picture)
+            (_, second), = find(page, support.read("first.ppm"))
+            before, lines = burnt(map(bytes, picture.rows())), page.rows()
+            size = picture.width * picture.height
+            for at, path in enumerate(styles, 1):
+                y = top + at * (second - top)
+                lit = burnt(bytes(line[3 * left : 3 * (left + picture.width)]) for line in lines[y : y + picture.height])
+                share = (lit & ~before).to_bytes(size, "big").count(1) / size
+                self.assertLess(share, 0.03, (os.path.basename(path), os.path.basename(photograph)))
 
 
 support.main()
