@@ -94,14 +94,14 @@ void MainWindow::_makeEditMenu() {
   _add(menu, "", tr("&Deselect"), {QKeySequence("Ctrl+D")},
        tr("Remove the rectangle and the painted mask"), Needs::Image, &MainWindow::deselect);
   menu->addSeparator();
-  _add(menu, "", tr("Load &Channel…"), {QKeySequence("Ctrl+Shift+C")},
+  _add(menu, "", tr("Load Cha&nnel…"), {QKeySequence("Ctrl+Shift+C")},
        tr("Load a grey image as a further channel, such as the heights of a relief"), Needs::Image,
        &MainWindow::chooseAndLoadChannel);
   menu->addSeparator();
   auto* group = new QActionGroup(this);
   group->addAction(
       _addTool(menu, "hand", tr("&Hand"), "H", tr("Move the view by dragging"), Tool::Hand));
-  group->addAction(_addTool(menu, "rectangle", tr("&Rectangle"), "M",
+  group->addAction(_addTool(menu, "rectangle", tr("Rec&tangle"), "M",
                             tr("Select a rectangle; a click removes it"), Tool::Rectangle));
   group->addAction(_addTool(menu, "brush", tr("&Brush"), "B",
                             tr("Paint what is selected; with Alt or Ctrl take away"), Tool::Brush));
@@ -163,7 +163,7 @@ void MainWindow::_makeViewMenu() {
            tr("Show the image without light; hold O for a short look"), Needs::Image, [] {});
   _original->setCheckable(true);
   connect(_original, &QAction::toggled, _canvas, &Canvas::showOriginal);
-  QAction* split = _add(menu, "", tr("Before &and After"), {QKeySequence("Y")},
+  QAction* split = _add(menu, "", tr("Before and Af&ter"), {QKeySequence("Y")},
                         tr("Show the image without light to the left of a line; drag the line"),
                         Needs::Image, [] {});
   split->setCheckable(true);
@@ -193,7 +193,7 @@ void MainWindow::_makeLightMenu() {
 }
 
 void MainWindow::_makeFilterMenu() {
-  QMenu* menu = menuBar()->addMenu(tr("Fi&lter"));
+  QMenu* menu = menuBar()->addMenu(tr("Fil&ter"));
   _repeat = _add(menu, "repeat", tr("&Repeat"), {QKeySequence("Ctrl+F")},
                  tr("Make the light pixels, and light the image again with the same settings"),
                  Needs::Nothing, [this] { runFilter(CVDialog::No); });

@@ -30,7 +30,10 @@ void MainWindow::_makeLights(QMenu* menu) {
     showRecipe();
     showArea();
     showChannels();
-    _lights->setToScreen(_document.original().toScreen);
+    const QColorTransform& toScreen = _document.original().toScreen;
+    _lights->setToScreen(toScreen);
+    for (auto* choice : _lightPanel->findChildren<ColorChoice*>())
+      choice->setToScreen(toScreen);
   });
   connect(&_document, &EditorDocument::recipeChanged, this, showRecipe);
   connect(_lights, &LightsModel::tried, &_document, &EditorDocument::tryLights);

@@ -23,12 +23,12 @@ def wait_for(what, condition, seconds=100):
 class Screen:
     client = None  # the process that is watched
 
-    def __init__(self):
+    def __init__(self, size):
         self.folder = tempfile.mkdtemp(prefix="screen-")
         read, write = os.pipe()
         with open(os.path.join(self.folder, "log"), "w") as log:
             self.server = subprocess.Popen(
-                ["Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset",
+                ["Xvfb", "-displayfd", str(write), "-screen", "0", size + "x24", "-nolisten", "tcp", "-noreset", "-r",
                  "-fbdir", self.folder], pass_fds=[write], stdout=log, stderr=log)
         os.close(write)
         with os.fdopen(read) as numbers:
@@ -59,6 +59,18 @@ class Screen:
         """The bytes of the whole screen."""
         with open(glob.glob(self.folder + "/Xvfb_screen0")[0], "rb") as file:
             return file.read()
+
+    def _geometry(self, content):
+        """Where the pixels begin, the screen's sides, and the bytes of a row."""
+        header = struct.unpack(">25I", content[:100])
+        return header[0] + 12 * header[19], header[4], header[5], header[12]
+
+    def part(self, left, top, width, height):
+        """The bytes of a rectangle of the screen."""
+        content = self.pixels()
+        start, _, _, row_bytes = self._geometry(content)
+        rows = (start + y * row_bytes + 4 * left for y in range(top, top + height))
+        return b"".join(content[row : row + 4 * width] for row in rows)
 
     def settle(self):
         """The screen once it has stopped changing."""
@@ -99,8 +111,7 @@ class Screen:
     def save_picture(self, path):
         """The screen as a PPM file, to look at."""
         content = self.pixels()
-        header = struct.unpack(">25I", content[:100])
-        start, width, height, row_bytes = header[0] + 12 * header[19], header[4], header[5], header[12]
+        start, width, height, row_bytes = self._geometry(content)
         with open(path, "wb") as file:
             file.write(b"P6\n%d %d\n255\n" % (width, height))
             for y in range(height):

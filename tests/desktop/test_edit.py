@@ -4,15 +4,12 @@ import json
 import os
 import shutil
 import subprocess
-import tempfile
 import unittest
 
-from screen import Screen, wait_for
+from case import LIMN, PHOTOGRAPH, PROJECT, DesktopCase
+from screen import wait_for
 from support import content, put, vips
 
-LIMN = os.environ["LIMN"]
-PROJECT = os.environ["PROJECT"]
-PHOTOGRAPH = f"{PROJECT}/resources/photos/still-life.jpg"
 HEIGHTS = f"{PROJECT}/resources/photos/still-life-height.png"
 STYLE = "A light by hand"  # right after the default style
 OK, SAVE, WORK_AREA, LIGHT_TYPE, RELIEF, GLOSS, STYLES, WELL, BIN = 1, 4, 6, 11, 12, 13, 20, 21, 22
@@ -26,64 +23,17 @@ def middle(item):
     return left + width // 2, top + height // 2
 
 
-class Edit(unittest.TestCase):
-    def setUp(self):
-        self.folder = tempfile.mkdtemp(prefix="edit-")
-        self.addCleanup(shutil.rmtree, self.folder)
-        os.environ["XDG_DATA_HOME"] = os.path.join(self.folder, "data")
-        self.screen = Screen()
-        self.addCleanup(self.screen.close)
-        self.process = None
-        self.addCleanup(self.finish_process)
-        self.origin = (0, 0)
-
-    def finish_process(self):
-        if self.process is not None:
-            if self.process.poll() is None:
-                self.screen.save_picture(f"{tempfile.gettempdir()}/desktop-edit-failure.ppm")
-                self.process.kill()
-            self.process.communicate()
-
-    def path(self, name):
-        return os.path.join(self.folder, name)
-
-    def start(self, *command):
-        self.process = subprocess.Popen(list(command), env=self.screen.environment(), stdout=subprocess.PIPE,
-                                        stderr=subprocess.PIPE, text=True)
-        self.screen.client = self.process.pid
-        self.origin = self.screen.window("Lighting")
-
-    def end(self, code, says=""):
-        told, problems = self.process.communicate(timeout=600)
-        self.assertEqual((self.process.returncode, says in problems), (code, True), problems)
-        return told
-
-    def limn(self, *arguments):
-        answer = subprocess.run([LIMN, *arguments], capture_output=True, text=True, timeout=600)
-        self.assertEqual(answer.returncode, 0, answer.stderr)
-        return answer.stdout
+class Edit(DesktopCase):
+    def start_dialog(self, *command):
+        self.start("Lighting", *command)
 
     def style(self, name):
         return json.loads(self.limn("style", "show", name, "--json"))
 
     # Places are in the dialog.
 
-    def at(self, place):
-        return [self.origin[0] + place[0], self.origin[1] + place[1]]
-
-    def move_words(self, place):
-        return ["mousemove", *self.at(place)]
-
     def press_item(self, item):
         self.screen.xdotool(*self.move_words(middle(item)), "click", 1)
-
-    def drag(self, what, start, end):
-        between = ((start[0] + end[0]) // 2, (start[1] + end[1]) // 2)
-        self.screen.changes(f"pressing {what}", *self.move_words(start), "mousedown", 1, *self.move_words(between))
-        self.screen.xdotool(*self.move_words(end))
-        self.screen.settle()
-        self.screen.xdotool("mouseup", 1)
-        self.screen.settle()
 
     def choose(self, item, *keys):
         """Opens a popup, walks through it, and takes what is reached."""
@@ -111,7 +61,7 @@ class Edit(unittest.TestCase):
     def test_lighting_by_hand(self):
         put(self.path("mask, half.pgm"), b"P5\n1800 1200\n255\n" + bytes(at * 255 // 1799 for at in range(1800)) * 1200)
         around = ["--channel", HEIGHTS, "--mask", self.path("mask, half.pgm"), "--area", "100,50,1500,1100"]
-        self.start(LIMN, "edit", PHOTOGRAPH, *around, "--print-command", "-o", self.path("lit.png"))
+        self.start_dialog(LIMN, "edit", PHOTOGRAPH, *around, "--print-command", "-o", self.path("lit.png"))
         first = self.style("Default")["lights"][0]
         start = self.body(first)
         moved = (start[0] + 30, start[1] + 24)
@@ -172,7 +122,8 @@ class Edit(unittest.TestCase):
                 (floats, "lit.ppm", "Campfire", []),
                 (words, "lit.jpg", "Campfire", [])]:
             with self.subTest(photograph=photograph, name=name):
-                self.start(LIMN, "edit", photograph, *options, "-s", style, "-o", self.path(name), "--print-command")
+                self.start_dialog(LIMN, "edit", photograph, *options, "-s", style, "-o", self.path(name),
+                                  "--print-command")
                 self.press_item(OK)
                 command = self.end(0, "16 bits a channel become 8" if (photograph, name) == (words, "lit.jpg") else "")
                 self.assertNotIn("--depth", command)
@@ -184,13 +135,10 @@ class Edit(unittest.TestCase):
         answer = subprocess.run([LIMN, "edit", PHOTOGRAPH, "-o", "/proc/lit.png"], capture_output=True, text=True,
                                 env=self.screen.environment(), timeout=600)
         self.assertEqual(answer.returncode, 4, "before the dialog")
-        self.start(LIMN, "edit", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("lit.png"))
+        self.start_dialog(LIMN, "edit", PHOTOGRAPH, "-s", "Campfire", "-o", self.path("lit.png"))
         os.symlink("nowhere", self.path("lit.png"))
         self.press_item(OK)
         self.end(4, "the lights are those of: limn apply ")
-
-    def assertSameFiles(self, one, other):
-        self.assertTrue(content(self.path(one)) == content(self.path(other)), f"{one} and {other} differ")
 
     def gloss_knob(self):
         """The indicator's place, which stands for the default style's gloss."""
@@ -199,7 +147,7 @@ class Edit(unittest.TestCase):
         return start + (left + width - start) * self.style("Default")["gloss"] // 255, top + 18
 
     def test_cancel(self):
-        self.start(LIMN, "edit", PHOTOGRAPH, "-o", self.path("lit.png"))
+        self.start_dialog(LIMN, "edit", PHOTOGRAPH, "-o", self.path("lit.png"))
         window = self.screen.find("Lighting")
         self.assertEqual(self.screen.xdotool("getwindowname", window).stdout, "Lighting — still-life.jpg\n")
         self.assertTrue(os.path.exists(f"{PROJECT}/desktop/limn.desktop"))
@@ -213,7 +161,7 @@ class Edit(unittest.TestCase):
         os.environ["PATH"] = f"{os.path.dirname(LIMN)}:{os.environ['PATH']}"
         self.limn("apply", self.path("photo.jpg"), "-o", self.path("lit.jpg"))
         for key, expected in ("Escape", PHOTOGRAPH), ("Return", self.path("lit.jpg")):
-            self.start(f"{PROJECT}/contrib/photo-managers/limn-in-place", self.path("photo.jpg"))
+            self.start_dialog(f"{PROJECT}/contrib/photo-managers/limn-in-place", self.path("photo.jpg"))
             self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", key)
             self.end(0)
             self.assertTrue(content(self.path("photo.jpg")) == content(expected), key)
@@ -223,7 +171,7 @@ class Edit(unittest.TestCase):
         style.update(lights=(style["lights"] * 16)[:16], bumpChannel=1, bumpAmplitude=99)
         for top, samples in (255, 3), (65535, 6):
             put(self.path("large.ppm"), b"P6\n6000 4000\n%d\n" % top + bytes(range(240)) * (100000 * samples))
-            self.start(LIMN, "edit", self.path("large.ppm"), "-s", json.dumps(style), "-o", self.path("lit.ppm"))
+            self.start_dialog(LIMN, "edit", self.path("large.ppm"), "-s", json.dumps(style), "-o", self.path("lit.ppm"))
             self.screen.xdotool(*self.move_words(middle(WORK_AREA)), "key", "Return")
             # Without a window manager keys go to the window under the mouse.
             name = wait_for("no progress", lambda: self.screen.find("Limn"))

@@ -26,10 +26,9 @@ QList<std::pair<QString, QColor>> Swatches() {
           {ColorChoice::tr("Magenta"), QColor(255, 40, 220)}};
 }
 
-QToolButton* FlatButton(const QIcon& icon, const QString& name, QWidget* parent) {
+QToolButton* FlatButton(const QString& name, QWidget* parent) {
   auto* button = new QToolButton(parent);
   button->setAutoRaise(true);
-  button->setIcon(icon);
   button->setIconSize({SIDE, SIDE});
   button->setToolTip(name);
   button->setAccessibleName(name);
@@ -63,7 +62,7 @@ QIcon Swatch(const QColor& color, int side, bool isOn) {
 }
 
 ColorChoice::ColorChoice(const QString& name, const QString& tip, QWidget* parent)
-    : QWidget(parent), _name(name), _button(FlatButton({}, name, this)),
+    : QWidget(parent), _name(name), _button(FlatButton(name, this)),
       _temperature(new ValueSlider(tr("Temperature: %1").arg(name),
                                    tr("The colour of a glowing body, in kelvin: candles have 2000, "
                                       "lamps 2700, the sun 5500, a clear sky 10000"),
@@ -78,8 +77,9 @@ ColorChoice::ColorChoice(const QString& name, const QString& tip, QWidget* paren
   swatches->addWidget(_button);
   swatches->addSpacing(4);
   for (const auto& [swatchName, color] : Swatches()) {
-    QToolButton* swatch = FlatButton(Swatch(color, SIDE), swatchName, this);
+    QToolButton* swatch = FlatButton(swatchName, this);
     swatches->addWidget(swatch);
+    _swatches << swatch;
     connect(swatch, &QToolButton::clicked, this, [this, color = color] { _choose(color); });
   }
   swatches->addStretch();
@@ -93,6 +93,20 @@ ColorChoice::ColorChoice(const QString& name, const QString& tip, QWidget* paren
     Q_EMIT edited(_color, isHeld);
   });
   connect(_temperature, &ValueSlider::released, this, &ColorChoice::released);
+  _drawSwatches();
+}
+
+void ColorChoice::setToScreen(const QColorTransform& toScreen) {
+  if (toScreen == _toScreen)
+    return;
+  _toScreen = toScreen;
+  _drawSwatches();
+}
+
+void ColorChoice::_drawSwatches() {
+  const auto colors = Swatches();
+  for (qsizetype i = 0; i < colors.size(); ++i)
+    _swatches[i]->setIcon(Swatch(_toScreen.map(colors[i].second), SIDE));
   _show(_color);
 }
 
@@ -113,7 +127,7 @@ void ColorChoice::_show(const LM_color48& color) {
   _color = color;
   const QColor shown = ColorOf(color);
   QPixmap pixmap(2 * SIDE, SIDE);
-  pixmap.fill(shown);
+  pixmap.fill(_toScreen.map(shown));
   _button->setIcon(QIcon(pixmap));
   _button->setAccessibleDescription(shown.name());
   if (_picker != nullptr && _picker->currentColor() != shown) {

@@ -6,6 +6,7 @@
 
 #include <QColor>
 #include <QColorDialog>
+#include <QColorTransform>
 #include <QToolButton>
 
 namespace editor {
@@ -19,6 +20,8 @@ public:
   ColorChoice(const QString& name, const QString& tip, QWidget* parent);
 
   void setColor(const LM_color48& color); // nothing is sent
+  // What the colours look like, which are those of a picture's own space.
+  void setToScreen(const QColorTransform& toScreen);
 
 Q_SIGNALS:
   // isHeld: as a slider's; released() follows.
@@ -29,10 +32,13 @@ private:
   void _choose(const QColor& color);
   void _show(const LM_color48& color);
   void _openPicker();
+  void _drawSwatches();
 
   QString _name;
   LM_color48 _color = {{65535, 65535, 65535}};
+  QColorTransform _toScreen;
   QToolButton* _button;
+  QList<QToolButton*> _swatches;
   ValueSlider* _temperature;
   QColorDialog* _picker = nullptr; // once it was opened
 };

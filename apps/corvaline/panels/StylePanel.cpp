@@ -176,7 +176,11 @@ void StylePanel::_refresh() {
   _readStyles();
   const QSize shown = QSize(size.width, size.height) / devicePixelRatioF();
   _list->setIconSize(shown);
-  _list->setGridSize({PICTURE + SPACE, shown.height() + fontMetrics().height() + 2 * SPACE});
+  const QSize cell(PICTURE + SPACE, shown.height() + fontMetrics().height() + 2 * SPACE);
+  _list->setGridSize(cell);
+  // Room for the pictures that come later: a list asks only once how large its items are.
+  for (int row = 0; row < _list->count(); ++row)
+    _list->item(row)->setSizeHint(cell);
   _thumbnails->make(
       [this, area, side, number = _document.originalNumber(), mask = _document.selection().mask,
        relief = _document.recipe().relief] {
