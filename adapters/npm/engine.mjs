@@ -38,7 +38,7 @@ function unused(module) {
 export class Engine {
   static async start(module) {
     const instance = await WebAssembly.instantiate(module, unused(module));
-    const engine = new Engine(instance.exports);
+    const engine = new this(instance.exports);
     engine.call("_initialize");
     engine.#error = engine.#allocate(512);
     return engine;
@@ -166,11 +166,12 @@ export class Engine {
     return this.call("limn_bands_own_relief", this.#bands);
   }
 
-  // Lights band.pixels in place, a typed array of the rows [first, last), or of the columns [left,
-  // right) of them, and returns it. band.relief: null, or {data, step, first, last, left, right}.
-  light(job, { pixels, first, last, left = 0, right = job.width, relief }) {
+  // Lights band.source, a typed array of the rows [first, last), or of the columns [left, right) of
+  // them, into band.pixels, which may be the same, and returns those. band.relief: null, or
+  // {data, step, first, last, left, right}.
+  light(job, { pixels, source = pixels, first, last, left = 0, right = job.width, relief }) {
     this.prepare(job);
-    const address = this.put(0, pixels);
+    const address = this.put(0, source);
     const words = new Uint32Array(13);
     words.set([address, kindOf(pixels).kind, first, left, last, right]);
     if (relief !== null) {

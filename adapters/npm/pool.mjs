@@ -35,7 +35,7 @@ export function pooledWorker(port, module) {
   port.onError((error) => rejectAll(failure("FAILED", `a worker failed: ${error.message}`)));
   port.post({ module }, []);
   port.busy(false); // after the listeners, which make it busy
-  // What that method of the worker's engine gives, a typed array.
+  // What that method of the worker's engine gives, a typed array or nothing.
   const run = (method, values, moved) =>
     new Promise((resolve, reject) => {
       if (lost !== null) throw lost;
@@ -71,18 +71,18 @@ export async function loadOn(platform, { wasm, workers = 0 } = {}) {
   return new Limn(engine, pool);
 }
 
-// What runs inside a worker. post(message, transferred) answers.
-export function answer(post) {
+// What runs inside a worker. post(message, transferred) answers; a method may give nothing.
+export function answer(post, Kind = Engine) {
   let engine;
   return async ({ module, task, method, values }) => {
     if (module !== undefined) {
-      engine = Engine.start(module);
+      engine = Kind.start(module);
       engine.catch(() => {}); // told with the first band
       return;
     }
     try {
       const result = (await engine)[method](...values);
-      post({ task, result }, [result.buffer]);
+      post({ task, result }, result === undefined ? [] : [result.buffer]);
     } catch (error) {
       post({ task, error: { code: error.code ?? "LIMN_FAILED", message: error.message } }, []);
     }

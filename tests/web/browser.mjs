@@ -9,7 +9,7 @@ const servers = [];
 
 export async function start() {
   const args = process.getuid() === 0 ? ["--no-sandbox"] : [];
-  browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium", args, timeout: 120_000 });
+  browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium", args, timeout: 600_000 });
   return browser;
 }
 

@@ -5,12 +5,12 @@ import { start, stop, urlOf } from "./browser.mjs";
 const [folder, output] = process.argv.slice(2);
 const browser = await start();
 const page = await browser.newPage({ viewport: { width: 1360, height: 850 }, colorScheme: "dark", locale: "en" });
-page.setDefaultTimeout(120_000);
+page.setDefaultTimeout(600_000);
 await page.goto(await urlOf(folder));
 await page.waitForSelector("body.ready");
 await page.click(".sample");
 await page.click('.list button:has-text("Spotlight")');
 await page.waitForFunction(() => limnPage.stage.isAtRest
-  && [...document.querySelectorAll(".style canvas")].every(({ width }) => width > 1));
+  && [...document.querySelectorAll(".style img")].every(({ naturalWidth }) => naturalWidth > 1));
 await page.screenshot({ path: output, type: "jpeg", quality: 90 });
 await stop();

@@ -5,9 +5,11 @@ import { pooledWorker } from "../../npm/pool.mjs";
 import { Engine } from "../../npm/engine.mjs";
 import { jsonOf, type Recipe } from "./recipe.ts";
 import type { Part, Picture } from "./picture.ts";
+import type { Size } from "./view.ts";
 
 const RELIEF_REACH = 2; // pixels of relief that a pixel needs on every side
 const BANDS_PER_WORKER = 2;
+const KEPT_PATCHES = 4;
 
 /** Heights of a picture, or of the same made smaller. */
 export interface Heights {
@@ -26,7 +28,31 @@ export interface Patch {
   heights: Heights | null;
 }
 
+/** What Engine.light takes. */
+export interface Band {
+  source: Uint8ClampedArray<ArrayBuffer>;
+  first: number;
+  last: number;
+  left: number;
+  right: number;
+  relief: ReturnType<typeof reliefOf> | null;
+}
+
+/** Rows of a patch, `top` below its first. */
+export interface LitBand {
+  top: number;
+  image: ImageData;
+}
+
 type Worker_ = ReturnType<typeof pooledWorker>;
+
+interface KeptBand {
+  worker: Worker_;
+  number: number; // the worker's, of the band
+  first: number;
+  last: number;
+  spare?: Uint8ClampedArray<ArrayBuffer>; // goes to the worker and comes back lit
+}
 
 function startWorker() {
   const worker = new Worker("worker.js", { type: "module" });
@@ -45,6 +71,8 @@ export class Lighter {
   readonly #workers: Worker_[];
   readonly #limn: Limn;
   #jobs = -1; // those of the package count upwards
+  #kept: ({ patch: Patch; bands: KeptBand[] } | undefined)[] = [];
+  #patches = 0;
   #next = 0;
 
   private constructor(engine: Engine, workers: Worker_[]) {
@@ -62,28 +90,38 @@ export class Lighter {
     return new Lighter(await Engine.start(module), workers);
   }
 
-  /** The patch's pixels, lit. Its heights count only where the recipe has relief. */
-  async light(patch: Patch, recipe: Recipe): Promise<ImageData> {
-    const { width, height } = patch.pixels;
-    const bands = Math.min(this.#workers.length * BANDS_PER_WORKER, height);
+  /** The patch's pixels, lit, good until it is lit again. Its heights count only where the recipe has relief. */
+  async light(patch: Patch, recipe: Recipe): Promise<LitBand[]> {
+    const { part } = patch;
     const job = this.#job(patch, recipe);
-    const lit = await Promise.all(Array.from({ length: bands }, (_, i) =>
-      this.#band(job, patch, recipe, Math.floor((i * height) / bands), Math.floor(((i + 1) * height) / bands),
-        this.#workers[i % this.#workers.length])));
-    const out = new Uint8ClampedArray(width * height * 4);
-    let at = 0;
-    for (const pixels of lit) {
-      out.set(pixels, at);
-      at += pixels.length;
-    }
-    return new ImageData(out, width, height);
+    const hasRelief = recipe.style.bumpChannel > 0;
+    return await Promise.all(this.#bands(patch).map(async (band) => {
+      const pixels = band.spare ?? new Uint8ClampedArray(part.width * (band.last - band.first) * 4);
+      band.spare = undefined;
+      const lit = await band.worker.run("lightKept", [job, band.number, hasRelief, pixels], [pixels.buffer]);
+      band.spare = lit as Uint8ClampedArray<ArrayBuffer>;
+      return { top: band.first - part.top, image: new ImageData(band.spare, part.width) };
+    }));
   }
 
-  /** The same on one worker, for what is small. */
-  async lightSmall(patch: Patch, recipe: Recipe): Promise<ImageData> {
-    const worker = this.#workers[this.#next++ % this.#workers.length];
-    const { width, height } = patch.pixels;
-    return new ImageData(await this.#band(this.#job(patch, recipe), patch, recipe, 0, height, worker), width, height);
+  // The bands of a patch, which lie with the workers. A newer patch takes the place of the oldest.
+  #bands(patch: Patch): KeptBand[] {
+    const kept = this.#kept.find((each) => each?.patch === patch);
+    if (kept !== undefined) return kept.bands;
+    const place = this.#patches++ % KEPT_PATCHES;
+    const { top, height } = patch.part;
+    const count = Math.min(this.#workers.length * BANDS_PER_WORKER, height);
+    const edge = (i: number) => top + Math.floor((i * height) / count);
+    const bands = Array.from({ length: count }, (_, i) => {
+      const worker = this.#workers[i % this.#workers.length];
+      const number = place * this.#workers.length * BANDS_PER_WORKER + i;
+      const band = bandOf(patch, edge(i), edge(i + 1));
+      const moved = [band.source.buffer, ...(band.relief === null ? [] : [band.relief.data.buffer])];
+      worker.run("keep", [number, band], moved).catch(() => {}); // told when it is lit
+      return { worker, number, first: band.first, last: band.last };
+    });
+    this.#kept[place] = { patch, bands };
+    return bands;
   }
 
   /** All of the picture at its full size. */
@@ -111,20 +149,24 @@ export class Lighter {
     const fit = { width: picture.width, height: picture.height };
     return { id: this.#jobs--, style: { bytes }, width, height, channels: 4, area, fit };
   }
+}
 
-  // Rows [first, last) of the patch.
-  async #band(job: object, patch: Patch, recipe: Recipe, first: number, last: number, worker: Worker_) {
-    const { part, pixels } = patch;
-    const row = pixels.width * 4;
-    return await worker.light(job, {
-      pixels: pixels.data.slice(first * row, last * row),
-      first: part.top + first, last: part.top + last,
-      left: part.left, right: part.left + part.width,
-      relief: recipe.style.bumpChannel > 0 && patch.heights !== null
-        ? reliefOf(patch.heights, part, part.top + first, part.top + last)
-        : null,
-    }) as Uint8ClampedArray<ArrayBuffer>;
-  }
+/** Bands onto a canvas, which takes that size. */
+export function draw(canvas: HTMLCanvasElement | OffscreenCanvas, { width, height }: Size, bands: LitBand[]) {
+  if (canvas.width !== width) canvas.width = width;
+  if (canvas.height !== height) canvas.height = height;
+  const context = canvas.getContext("2d") as CanvasRenderingContext2D | OffscreenCanvasRenderingContext2D;
+  for (const { top, image } of bands) context.putImageData(image, 0, top);
+}
+
+// Rows [first, last) of the picture that a patch is of, copied.
+function bandOf({ part, pixels, heights }: Patch, first: number, last: number): Band {
+  const row = part.width * 4;
+  return {
+    source: pixels.data.slice((first - part.top) * row, (last - part.top) * row),
+    first, last, left: part.left, right: part.left + part.width,
+    relief: heights === null ? null : reliefOf(heights, part, first, last),
+  };
 }
 
 // The heights that rows [top, bottom) of a part need, copied.

@@ -71,12 +71,13 @@ export class Lights {
     while (this.#buttons.children.length > lights.length) this.#buttons.lastChild!.remove();
     while (this.#buttons.children.length < lights.length)
       this.#buttons.append(make("button", { className: "lamp", type: "button", onfocus: (event: Event) => this.#focused(event) }));
+    const places = lights.map((light) => this.#shown(view, light)); // all before the first change of layout
     lights.forEach((light, i) => {
       const button = this.#buttons.children[i] as HTMLElement;
-      const [x, y] = this.#shown(view, light);
+      const [x, y] = places[i];
       button.style.transform = `translate(${x}px, ${y}px)`;
       button.style.setProperty("--lamp", hexOf(light.color));
-      button.classList.toggle("beyond", this.#isBeyond(view, light));
+      button.classList.toggle("beyond", distance(places[i], view.toStage(light.center)) > EDGE);
       button.classList.toggle("off", !light.on);
       button.classList.toggle("dark", light.intensity < 0);
       button.setAttribute("aria-pressed", String(i === selected));

@@ -2,7 +2,7 @@
 // moves, what is lit is made smaller until it keeps up; at rest it has the screen's own pixels.
 
 import { Picture } from "./picture.ts";
-import type { Heights, Lighter, Patch } from "./lighter.ts";
+import { draw, type Heights, type LitBand, type Lighter, type Patch } from "./lighter.ts";
 import type { Recipe } from "./recipe.ts";
 import { View, type Size } from "./view.ts";
 
@@ -27,6 +27,7 @@ export class Stage {
   #busy = false;
   #rest = 0;
   #divided = 1;
+  #beforeOf: Patch | null = null;
   /** Frames that were lit, and how long the last one took. */
   frames = 0;
   frameMs = 0;
@@ -97,6 +98,7 @@ export class Stage {
   divide(lit: number) {
     this.#divided = lit;
     const cut = this.view === undefined ? 0 : (1 - lit) * 100;
+    this.#before.hidden = lit === 1; // what is not seen costs nothing
     this.#lit.style.clipPath = cut > 0 ? `inset(0 0 0 ${cut}%)` : "none";
   }
   get divided(): number {
@@ -115,7 +117,7 @@ export class Stage {
       while (this.#wish !== null && this.#picture !== null) {
         const recipe = this.#wish;
         this.#wish = null;
-        await this.#frame(recipe, this.#coarse);
+        await this.#frame(recipe, this.isWhole ? this.#coarse : 0);
       }
       if (this.#shownCoarse > 0)
         this.#rest = window.setTimeout(() => this.#sharpen(), REST_MS);
@@ -156,23 +158,20 @@ export class Stage {
     else if (this.frameMs < FAST_MS) this.#coarse = Math.max(coarse - 1, 0);
   }
 
-  #draw(patch: Patch, lit: ImageData) {
+  #draw(patch: Patch, lit: LitBand[]) {
     const { view } = this;
-    const across = (view.width / patch.width) * patch.part.width;
-    const down = (view.height / patch.height) * patch.part.height;
-    const left = view.left + (view.width / patch.width) * patch.part.left;
-    const top = view.top + (view.height / patch.height) * patch.part.top;
-    for (const [canvas, image] of [[this.#before, patch.pixels], [this.#lit, lit]] as const) {
-      if (canvas === this.#lit || canvas.dataset.of !== patchKey(patch)) {
-        if (canvas.width !== image.width) canvas.width = image.width;
-        if (canvas.height !== image.height) canvas.height = image.height;
-        canvas.getContext("2d")!.putImageData(image, 0, 0);
-        canvas.dataset.of = patchKey(patch);
-      }
-      Object.assign(canvas.style, {
-        left: `${left}px`, top: `${top}px`, width: `${across}px`, height: `${down}px`,
-      });
-    }
+    const { part } = patch;
+    const [x, y] = [view.width / patch.width, view.height / patch.height];
+    const place = {
+      left: `${view.left + x * part.left}px`, top: `${view.top + y * part.top}px`,
+      width: `${x * part.width}px`, height: `${y * part.height}px`,
+    };
+    draw(this.#lit, part, lit);
+    Object.assign(this.#lit.style, place);
+    if (this.#beforeOf === patch) return;
+    this.#beforeOf = patch;
+    draw(this.#before, part, [{ top: 0, image: patch.pixels }]);
+    Object.assign(this.#before.style, place);
   }
 
   // What is lit next, with its heights.
@@ -237,11 +236,4 @@ export class Stage {
   litPixels(): ImageData {
     return this.#lit.getContext("2d")!.getImageData(0, 0, this.#lit.width, this.#lit.height);
   }
-}
-
-let patches = 0;
-const keys = new WeakMap<Patch, string>();
-function patchKey(patch: Patch): string {
-  if (!keys.has(patch)) keys.set(patch, `${++patches}`);
-  return keys.get(patch)!;
 }

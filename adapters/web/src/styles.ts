@@ -1,7 +1,7 @@
 // The bundled styles as thumbnails of the picture: hovering one shows it, a click keeps it.
 
 import { make } from "./elements.ts";
-import type { Heights, Lighter } from "./lighter.ts";
+import { draw, type Heights, type Lighter } from "./lighter.ts";
 import type { Picture } from "./picture.ts";
 import { normalised, type Recipe, type ReliefSource, type Style } from "./recipe.ts";
 
@@ -20,7 +20,7 @@ const keyOf = (style: Style) => JSON.stringify({ ...style, curLight: 0 });
 export class Styles {
   readonly #lighter: Lighter;
   readonly #user: StylesUser;
-  readonly #entries: { button: HTMLButtonElement; canvas: HTMLCanvasElement; style: Style; key: string }[];
+  readonly #entries: { button: HTMLButtonElement; image: HTMLImageElement; style: Style; key: string }[];
   #round = 0;
 
   constructor(list: HTMLElement, lighter: Lighter, user: StylesUser) {
@@ -28,14 +28,14 @@ export class Styles {
     this.#user = user;
     this.#entries = lighter.engine.styles().map((name: string) => {
       const style = normalised(JSON.parse(lighter.engine.json({ name })));
-      const canvas = make("canvas", { width: 1, height: 1 });
-      const button = make("button", { type: "button", className: "style" }, canvas, make("span", {}, name));
+      const image = make("img", { alt: "" });
+      const button = make("button", { type: "button", className: "style" }, image, make("span", {}, name));
       const wanted = () => this.#with(style);
       button.addEventListener("pointerenter", (event) => event.pointerType === "mouse" && user.attempt(wanted()));
       button.addEventListener("pointerleave", (event) => event.pointerType === "mouse" && user.attempt(null));
       button.addEventListener("click", () => user.keep(wanted()));
       list.append(make("li", {}, button));
-      return { button, canvas, style, key: keyOf(style) };
+      return { button, image, style, key: keyOf(style) };
     });
   }
 
@@ -57,14 +57,15 @@ export class Styles {
     const height = Math.max(Math.round(picture.height * scale), 1);
     const pixels = picture.pixels(picture.whole, width, height);
     const heights = await this.#user.heights(relief, width, height, pixels);
-    const part = { left: 0, top: 0, width, height };
-    for (const { canvas, style } of this.#entries) {
+    const patch = { picture, width, height, part: { left: 0, top: 0, width, height }, pixels, heights };
+    const canvas = new OffscreenCanvas(width, height);
+    for (const { image, style } of this.#entries) {
       if (round !== this.#round) return;
-      const patch = { picture, width, height, part, pixels, heights };
-      const lit = await this.#lighter.lightSmall(patch, { style, relief });
-      canvas.width = width;
-      canvas.height = height;
-      canvas.getContext("2d")!.putImageData(lit, 0, 0);
+      draw(canvas, patch.part, await this.#lighter.light(patch, { style, relief }));
+      // As images: browsers without a graphics processor copy every canvas that they show for each frame.
+      const blob = await canvas.convertToBlob();
+      URL.revokeObjectURL(image.src);
+      image.src = URL.createObjectURL(blob);
     }
   }
 }
