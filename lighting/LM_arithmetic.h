@@ -26,6 +26,15 @@ constexpr int32_t LM_Truncate(float value) {
   return LM_Truncate(static_cast<double>(value));
 }
 
+// To the nearest of 0 to 65535, ties to even; NaN gives 0. From 2^23 on floats are whole numbers:
+// std::nearbyint would be a call each time where the processor's instruction for it cannot be taken
+// for granted.
+constexpr uint16_t LM_RoundWord(float value) {
+  constexpr float WHOLE = 0x1p23F;
+  const float limited = !(value > 0.0F) ? 0.0F : value < 65535.0F ? value : 65535.0F;
+  return static_cast<uint16_t>((limited + WHOLE) - WHOLE);
+}
+
 // The low 16 bits, as a store into a 16-bit field leaves them.
 constexpr int16_t LM_Cut16(int32_t value) {
   return static_cast<int16_t>(static_cast<uint16_t>(static_cast<uint32_t>(value)));

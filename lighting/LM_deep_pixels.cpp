@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cstring>
 
+#include "LM_arithmetic.h"
 #include "LM_heights.h"
 #include "LM_light_shader.h"
 
@@ -26,13 +27,8 @@ float FromFloat(float value) {
   return scaled == scaled ? std::min(std::max(scaled, -FLT_MAX), FLT_MAX) : 0.0F;
 }
 
-// To nearest even: from 2^23 on floats are whole numbers. std::nearbyint would be a call for each
-// component where the processor's instruction for it cannot be taken for granted.
 uint16_t ToWord(float value) {
-  constexpr float WHOLE = 0x1p23F;
-  const float word = value * WORD_UNIT;
-  const float limited = !(word > 0.0F) ? 0.0F : word < 65535.0F ? word : 65535.0F;
-  return static_cast<uint16_t>((limited + WHOLE) - WHOLE);
+  return LM_RoundWord(value * WORD_UNIT);
 }
 float ToFloat(float value) {
   return value == value ? value / WHITE : 0.0F;

@@ -1,9 +1,11 @@
 #include "LM_height_rows.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
+#include "LM_arithmetic.h"
 #include "LM_heights.h"
 
 namespace {
@@ -17,8 +19,7 @@ uint16_t ReadWord(const uint8_t* bytes) {
 uint16_t ReadFloat(const uint8_t* bytes) {
   float value;
   std::memcpy(&value, bytes, sizeof value);
-  const float limited = value > 0.0F ? std::min(value, 1.0F) : 0.0F;
-  return static_cast<uint16_t>(std::nearbyint(limited * 65535.0F));
+  return LM_RoundWord(value * 65535.0F);
 }
 
 } // namespace
@@ -31,8 +32,8 @@ template <class Tap, class Read> void LM_height_rows::_FillTaps(int32_t y, Tap* 
   const int32_t right = std::clamp(end, left + 1, _edges.right);
   const uint8_t* pixel = _plane.At(left, row);
   Tap* out = std::fill_n(taps, std::min(left, end) - begin, read(pixel));
-  if (sizeof(Tap) == 1 && _plane.pixelStep == 1) {
-    std::memcpy(out, pixel, static_cast<size_t>(right - left));
+  if (LM_ComponentBytes(_kind) == sizeof(Tap) && _plane.pixelStep == sizeof(Tap)) {
+    std::memcpy(out, pixel, static_cast<size_t>(right - left) * sizeof(Tap));
     out += right - left;
   } else {
     for (int32_t x = left; x < right; ++x, pixel += _plane.pixelStep)
@@ -58,14 +59,18 @@ void LM_height_rows::Make(int32_t y, int32_t* heights) {
     for (int i = 0; i < _count; ++i)
       heights[i] = LM_WeighHeight(above + i, middle + i, below + i, _scale);
   };
-  if (_kind != LM_pixel_kind::Bytes) {
-    weigh(_taps.words->At(y - 1), _taps.words->At(y), _taps.words->At(y + 1));
-    return;
-  }
-  const uint8_t* const taps[3] = {_taps.bytes->At(y - 1), _taps.bytes->At(y),
-                                  _taps.bytes->At(y + 1)};
-  if (_kernels != nullptr)
-    _kernels->heights(taps, _count, _scale, heights);
+  const auto filter = [&](auto& rows, auto kernel) {
+    const std::remove_reference_t<decltype(*rows.At(y))>* const taps[3] = {
+        rows.At(y - 1), rows.At(y), rows.At(y + 1)};
+    if (kernel != nullptr)
+      kernel(taps, _count, _scale, heights);
+    else
+      weigh(taps[0], taps[1], taps[2]);
+  };
+  if (_kind == LM_pixel_kind::Bytes)
+    filter(*_taps.bytes, _kernels != nullptr ? _kernels->heights : nullptr);
   else
-    weigh(taps[0], taps[1], taps[2]);
+    filter(*_taps.words, _kernels != nullptr && std::abs(_scale) <= LM_WORD_HEIGHTS_SCALE
+                             ? _kernels->wordHeights
+                             : nullptr);
 }

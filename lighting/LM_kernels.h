@@ -5,6 +5,7 @@
 
 #include <cstddef>
 
+#include "LM_image.h"
 #include "LM_light.h"
 
 // Elements that a kernel may read, or overwrite, after the last one of a row that it is given.
@@ -65,6 +66,9 @@ struct LM_kernel_part {
 constexpr int LM_KEPT_SUMS = 2 * LM_PLANES;
 constexpr int LM_FACETS = 4;
 
+// With a larger scale the height of a word may leave 32 bits.
+constexpr int32_t LM_WORD_HEIGHTS_SCALE = 1 << 21;
+
 // Samples of one row, and their sums of light so far. normals: null for a flat surface.
 struct LM_kernel_samples {
   const LM_vector2f* positions;
@@ -86,9 +90,16 @@ struct LM_kernels {
                int n, const LM_kernel_planes& planes);
   // The heights of n pixels from three rows of bytes, each starting one pixel to the left.
   void (*heights)(const uint8_t* const taps[3], int n, int32_t scale, int32_t* heights);
+  // The same of words, for a scale of up to LM_WORD_HEIGHTS_SCALE either way.
+  void (*wordHeights)(const uint16_t* const taps[3], int n, int32_t scale, int32_t* heights);
   // Lights n pixels in relief. heights: three rows, each starting one pixel to the left.
   void (*relief)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
                  int n, const int32_t* const heights[3], const LM_kernel_planes& planes);
+  // LM_LoadDeep and LM_StoreDeep. Neither touches a byte beyond the last pixel.
+  void (*load)(const uint8_t* pixels, ptrdiff_t step, LM_pixel_kind kind, int n,
+               const LM_deep_planes& planes);
+  void (*store)(const LM_deep_planes& planes, int n, LM_pixel_kind kind, uint8_t* pixels,
+                ptrdiff_t step);
   // Lights n pixels of more than 8 bits, all lights in their order, directional ones too. heights:
   // as for relief, or null for a flat surface.
   void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,

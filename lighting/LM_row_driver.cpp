@@ -199,8 +199,9 @@ void LM_row_driver::_LightDeep(int32_t y, bool onVectors) {
   const int n = static_cast<int>(_piece.Pixels());
   const int32_t row = y - _piece.rect.top;
   const LM_deep_planes planes = _piece.deep->Planes(0);
-  LM_LoadDeep(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, _piece.kind, n,
-              planes);
+  const auto load = _piece.kernels != nullptr ? _piece.kernels->load : LM_LoadDeep;
+  const auto store = _piece.kernels != nullptr ? _piece.kernels->store : LM_StoreDeep;
+  load(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, _piece.kind, n, planes);
   const int32_t* const heights[3] = {_buffers.heights.At(row - 1), _buffers.heights.At(row),
                                      _buffers.heights.At(row + 1)};
   if (onVectors)
@@ -208,8 +209,7 @@ void LM_row_driver::_LightDeep(int32_t y, bool onVectors) {
   else
     LM_LightDeepPixels(*_piece.params, _piece.columns, _grid.Y(y), n,
                        _piece.IsFlat() ? nullptr : heights, planes);
-  LM_StoreDeep(planes, n, _piece.kind, _piece.output.At(_piece.rect.left, y),
-               _piece.output.pixelStep);
+  store(planes, n, _piece.kind, _piece.output.At(_piece.rect.left, y), _piece.output.pixelStep);
 }
 
 // The pixels from (x, y) on, three bytes each.

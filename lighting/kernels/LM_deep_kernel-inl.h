@@ -24,6 +24,11 @@ HWY_INLINE Floats DeepPart(const LM_kernel_light& light, int plane, Floats facto
   return HWY_UNLIKELY(light.strong) ? hn::IfThenElseZero(hn::Eq(part, part), part) : part;
 }
 HWY_INLINE void AddColor(PlaneFloats& sums, const LM_kernel_light& light, Floats factor) {
+  if (HWY_LIKELY(light.gray)) {
+    const Floats part = DeepPart(light, 0, factor);
+    sums = {hn::Add(sums.p0, part), hn::Add(sums.p1, part), hn::Add(sums.p2, part)};
+    return;
+  }
   sums.p0 = hn::Add(sums.p0, DeepPart(light, 0, factor));
   sums.p1 = hn::Add(sums.p1, DeepPart(light, 1, factor));
   sums.p2 = hn::Add(sums.p2, DeepPart(light, 2, factor));
@@ -52,14 +57,10 @@ HWY_INLINE void LookAtLightsInOrder(const LM_kernel_lights& lights, const float*
       continue;
     }
     const FourWays ways = WaysTo(light, four);
-    const Floats x[4] = {ways.x.v0, ways.x.v1, ways.x.v2, ways.x.v3};
-    const Floats inverse[4] = {ways.inverse.v0, ways.inverse.v1, ways.inverse.v2, ways.inverse.v3};
-    for (int v = 0; v < 4; ++v) {
-      if (k < lights.omnis)
-        AddPlainLight(light, x[v], inverse[v], at[v]);
-      else
-        AddSpotInReach<true>(light, x[v], inverse[v], at[v]);
-    }
+    if (k < lights.omnis)
+      AddPlainLights(light, ways, at);
+    else
+      AddSpotsInReach<true>(light, ways, at);
   }
 }
 

@@ -20,6 +20,7 @@
 #else
 #define LM_TARGET_HAS_KERNELS 1
 #include "LM_deep_kernel-inl.h"
+#include "LM_deep_rows-inl.h"
 #include "LM_flat_kernel-inl.h"
 #include "LM_kept_kernel-inl.h"
 #include "LM_pixel_kernels-inl.h"
@@ -39,7 +40,10 @@ const LM_kernels* TargetKernels() {
                                      JoinPlanes,
                                      LightFlat,
                                      FilterHeights,
+                                     FilterWordHeights,
                                      LightRelief,
+                                     LoadDeep,
+                                     StoreDeep,
                                      LightDeep,
                                      KeepSums,
                                      CombineKept,

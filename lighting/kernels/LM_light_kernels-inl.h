@@ -18,6 +18,27 @@ HWY_INLINE Floats SquaredLength(const LM_kernel_light& light, Floats x) {
   return hn::Add(hn::Add(hn::Mul(x, x), SetFloat(light.ySquare)), SetFloat(light.zSquare));
 }
 
+// A table's entries at each index, and after it.
+struct Neighbours {
+  Floats here, next;
+};
+HWY_INLINE Neighbours GatherNeighbours(const float* table, Ints index) {
+#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_AVX3
+  // Both in one load of 64 bits, since loads are what a gather costs.
+  const hn::RepartitionToWide<IntTag> wide;
+  const auto* entries = reinterpret_cast<const int64_t*>(table);
+  const auto gather = [&](auto half) {
+    const auto offset = hn::ShiftLeft<2>(hn::PromoteTo(wide, half));
+    return hn::BitCast(FloatTag(), hn::GatherOffset(wide, entries, offset));
+  };
+  const Floats low = gather(hn::LowerHalf(HalfIntTag(), index));
+  const Floats high = gather(hn::UpperHalf(HalfIntTag(), index));
+  return {hn::ConcatEven(FloatTag(), high, low), hn::ConcatOdd(FloatTag(), high, low)};
+#else
+  return {hn::GatherIndex(FloatTag(), table, index), hn::GatherIndex(FloatTag(), table + 1, index)};
+#endif
+}
+
 // What a spot lets through to each sample: nothing outside its cone.
 struct SpotFalloff {
   Mask inside;
@@ -38,13 +59,14 @@ HWY_INLINE SpotFalloff FalloffAt(const LM_kernel_light& light, Floats x, Floats 
   const Floats last = SetFloat(static_cast<float>(LM_SPREAD_ENTRIES - 1));
   const Floats clamped = hn::Min(hn::Max(entry, hn::Zero(FloatTag())), last);
   const Ints index = Truncate(clamped);
-  const Floats here = hn::GatherIndex(FloatTag(), light.spreadTable, index);
   if constexpr (!smooth)
-    return {inside, here};
-  const Ints after = hn::Min(hn::Add(index, SetInt(1)), SetInt(LM_SPREAD_ENTRIES - 1));
-  const Floats next = hn::GatherIndex(FloatTag(), light.spreadTable, after);
-  const Floats way = hn::Sub(clamped, hn::ConvertTo(FloatTag(), index));
-  return {inside, hn::Add(here, hn::Mul(hn::Sub(next, here), way))};
+    return {inside, hn::GatherIndex(FloatTag(), light.spreadTable, index)};
+  // The last entry stands for itself.
+  const Ints first = hn::Min(index, SetInt(LM_SPREAD_ENTRIES - 2));
+  const auto [here, next] = GatherNeighbours(light.spreadTable, first);
+  const Floats way = hn::Sub(clamped, hn::ConvertTo(FloatTag(), first));
+  const Floats between = hn::Add(here, hn::Mul(hn::Sub(next, here), way));
+  return {inside, hn::IfThenElse(hn::Eq(clamped, last), next, between)};
 }
 
 // The lights as the samples of one vector see them: omnis and directional ones, then those spots
@@ -90,6 +112,22 @@ HWY_INLINE void AddPlainLight(const LM_kernel_light& light, Floats x, Floats inv
   at.inverse[k] = inverse;
 }
 
+HWY_INLINE void AddPlainLights(const LM_kernel_light& light, const FourWays& ways,
+                               SampleLights* at) {
+  AddPlainLight(light, ways.x.v0, ways.inverse.v0, at[0]);
+  AddPlainLight(light, ways.x.v1, ways.inverse.v1, at[1]);
+  AddPlainLight(light, ways.x.v2, ways.inverse.v2, at[2]);
+  AddPlainLight(light, ways.x.v3, ways.inverse.v3, at[3]);
+}
+template <bool smooth>
+HWY_INLINE void AddSpotsInReach(const LM_kernel_light& light, const FourWays& ways,
+                                SampleLights* at) {
+  AddSpotInReach<smooth>(light, ways.x.v0, ways.inverse.v0, at[0]);
+  AddSpotInReach<smooth>(light, ways.x.v1, ways.inverse.v1, at[1]);
+  AddSpotInReach<smooth>(light, ways.x.v2, ways.inverse.v2, at[2]);
+  AddSpotInReach<smooth>(light, ways.x.v3, ways.inverse.v3, at[3]);
+}
+
 // For four vectors of samples at once, so that their roots do not wait for each other.
 HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, const float* places,
                              SampleLights* at) {
@@ -101,13 +139,8 @@ HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, const float* places
   const LM_kernel_light* const directionals = spots + lights.spots;
   for (int v = 0; v < 4; ++v)
     at[v].count = 0;
-  for (const LM_kernel_light* light = lights.light; light != spots; ++light) {
-    const FourWays ways = WaysTo(*light, four);
-    AddPlainLight(*light, ways.x.v0, ways.inverse.v0, at[0]);
-    AddPlainLight(*light, ways.x.v1, ways.inverse.v1, at[1]);
-    AddPlainLight(*light, ways.x.v2, ways.inverse.v2, at[2]);
-    AddPlainLight(*light, ways.x.v3, ways.inverse.v3, at[3]);
-  }
+  for (const LM_kernel_light* light = lights.light; light != spots; ++light)
+    AddPlainLights(*light, WaysTo(*light, four), at);
   for (const LM_kernel_light* light = directionals; light != lights.light + lights.Count();
        ++light) {
     for (int v = 0; v < 4; ++v)
@@ -115,13 +148,8 @@ HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, const float* places
   }
   for (int v = 0; v < 4; ++v)
     at[v].plain = at[v].count;
-  for (const LM_kernel_light* light = spots; light != directionals; ++light) {
-    const FourWays ways = WaysTo(*light, four);
-    AddSpotInReach<false>(*light, ways.x.v0, ways.inverse.v0, at[0]);
-    AddSpotInReach<false>(*light, ways.x.v1, ways.inverse.v1, at[1]);
-    AddSpotInReach<false>(*light, ways.x.v2, ways.inverse.v2, at[2]);
-    AddSpotInReach<false>(*light, ways.x.v3, ways.inverse.v3, at[3]);
-  }
+  for (const LM_kernel_light* light = spots; light != directionals; ++light)
+    AddSpotsInReach<false>(*light, WaysTo(*light, four), at);
 }
 
 } // namespace HWY_NAMESPACE

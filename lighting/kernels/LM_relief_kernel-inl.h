@@ -13,25 +13,40 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
-HWY_INLINE Ints LoadBytes(const uint8_t* bytes) {
-  return hn::PromoteTo(IntTag(), hn::LoadU(ByteTag(), bytes));
+template <class Tap> HWY_INLINE Ints LoadTaps(const Tap* taps) {
+  return hn::PromoteTo(IntTag(), hn::LoadU(hn::Rebind<Tap, FloatTag>(), taps));
 }
 
+// The weighted sums around the taps from the i-th on.
+template <class Tap> HWY_INLINE Ints WeighTaps(const Tap* const taps[3], int i) {
+  const Tap* above = taps[0] + i;
+  const Tap* middle = taps[1] + i;
+  const Tap* below = taps[2] + i;
+  const Ints corners = hn::Add(hn::Add(LoadTaps(above), LoadTaps(above + 2)),
+                               hn::Add(LoadTaps(below), LoadTaps(below + 2)));
+  const Ints edges = hn::Add(hn::Add(LoadTaps(above + 1), LoadTaps(below + 1)),
+                             hn::Add(LoadTaps(middle), LoadTaps(middle + 2)));
+  const Ints center = hn::ShiftLeft<4>(LoadTaps(middle + 1));
+  return hn::ShiftLeft<1>(hn::Add(hn::Add(corners, center), hn::ShiftLeft<2>(edges)));
+}
+
+// Quotients in double cannot round up to the next integer: they stay below 2^31, and a divisor
+// below 2^15 leaves no remainder that small.
 void FilterHeights(const uint8_t* const taps[3], int n, int32_t scale, int32_t* heights) {
   const Doubles gain = SetDouble(68.0);
   for (int i = 0; i < n; i += Lanes()) {
-    const uint8_t* above = taps[0] + i;
-    const uint8_t* middle = taps[1] + i;
-    const uint8_t* below = taps[2] + i;
-    const Ints corners = hn::Add(hn::Add(LoadBytes(above), LoadBytes(above + 2)),
-                                 hn::Add(LoadBytes(below), LoadBytes(below + 2)));
-    const Ints edges = hn::Add(hn::Add(LoadBytes(above + 1), LoadBytes(below + 1)),
-                               hn::Add(LoadBytes(middle), LoadBytes(middle + 2)));
-    const Ints center = hn::ShiftLeft<4>(LoadBytes(middle + 1));
-    const Ints sum = hn::ShiftLeft<1>(hn::Add(hn::Add(corners, center), hn::ShiftLeft<2>(edges)));
-    // The product wraps. A quotient in double cannot round up to the next integer.
-    const DoublePair wide = Promote(hn::Mul(sum, SetInt(scale)));
+    const DoublePair wide = Promote(hn::Mul(WeighTaps(taps, i), SetInt(scale))); // wraps
     hn::StoreU(Truncate({Div(wide.low, gain), Div(wide.high, gain)}), IntTag(), heights + i);
+  }
+}
+
+void FilterWordHeights(const uint16_t* const taps[3], int n, int32_t scale, int32_t* heights) {
+  const Doubles gain = SetDouble(257.0 * 68.0);
+  const Doubles factor = SetDouble(scale);
+  for (int i = 0; i < n; i += Lanes()) {
+    const DoublePair sum = Promote(WeighTaps(taps, i));
+    hn::StoreU(Truncate({Div(Mul(sum.low, factor), gain), Div(Mul(sum.high, factor), gain)}),
+               IntTag(), heights + i);
   }
 }
 

@@ -1,13 +1,16 @@
 // Pixels of more than 8 bits: one arithmetic on every machine, and never far from that of bytes.
 #include "EngineRun.h"
+#include "LM_deep_pixels.h"
 #include "LM_render.h"
 #include "RenderRun.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -69,6 +72,48 @@ void MakeOdd(std::vector<float>& pixels, SceneRandom& random) {
       component = ODD[random.Between(0, 7)];
 }
 
+// Rows of pixels in and out, by the plain code and by a kernel.
+class Rows {
+public:
+  static constexpr int PIXELS = 1021;
+
+  // Pixels that hold these components in turn, beginning `offset` bytes off the alignment.
+  template <class Component>
+  void Fill(const std::vector<Component>& components, int step, int offset) {
+    _step = step * static_cast<ptrdiff_t>(sizeof(Component)), _offset = offset;
+    _kind = KindOf<Component>();
+    _pixels.assign(static_cast<size_t>(_offset + PIXELS * _step), 0);
+    for (size_t i = 0; i < PIXELS * static_cast<size_t>(step); ++i)
+      std::memcpy(&_pixels[static_cast<size_t>(_offset) + i * sizeof(Component)],
+                  &components[i % components.size()], sizeof(Component));
+  }
+  std::vector<float> Load(const LM_kernels* kernels) const {
+    std::vector<float> values(LM_PLANES * ROOM);
+    (kernels != nullptr ? kernels->load : LM_LoadDeep)(_pixels.data() + _offset, _step, _kind,
+                                                       PIXELS, PlanesOf(values));
+    return values;
+  }
+  // From planes that hold the values in turn, over the pixels.
+  std::vector<uint8_t> Store(const LM_kernels* kernels, const std::vector<float>& values) const {
+    std::vector<float> planes(LM_PLANES * ROOM);
+    for (size_t i = 0; i < planes.size(); ++i)
+      planes[i] = values[i % values.size()];
+    std::vector<uint8_t> stored = _pixels;
+    (kernels != nullptr ? kernels->store : LM_StoreDeep)(PlanesOf(planes), PIXELS, _kind,
+                                                         stored.data() + _offset, _step);
+    return stored;
+  }
+
+private:
+  static constexpr int ROOM = PIXELS + LM_KERNEL_SLACK;
+  static LM_deep_planes PlanesOf(std::vector<float>& values) {
+    return {{values.data(), values.data() + ROOM, values.data() + ptrdiff_t{2} * ROOM}};
+  }
+  std::vector<uint8_t> _pixels;
+  ptrdiff_t _step = 0, _offset = 0;
+  LM_pixel_kind _kind = LM_pixel_kind::Words;
+};
+
 // Lights that add light, so that what the bytes cut makes them darker.
 Scene BrightScene(uint64_t seed) {
   Scene scene = MakeScene(seed, {70, 3000});
@@ -106,6 +151,44 @@ TEST(Deep, EveryKernelEqualsThePlainRows) {
       EXPECT_TRUE(SameBits(Light(scene, params, words, heights, kernels),
                            Light(scene, params, words, heights, nullptr)));
     }
+  }
+}
+
+// Quotients that kernels find without dividing, at the edges of where they may, and pixels wherever
+// they lie.
+TEST(Deep, EveryKernelLoadsAndStoresAsThePlainCode) {
+  std::vector<uint16_t> words(65536);
+  std::iota(words.begin(), words.end(), uint16_t{0});
+  const std::vector<float> odd = {NAN,          INFINITY,    -INFINITY, FLT_MAX, -FLT_MAX,
+                                  1e-40F,       -1e-44F,     -0.0F,     0.0F,    0x1p-90F,
+                                  0x1p-91F,     0x1.8p-126F, 255.0F,    -7.5F,   65535.5F,
+                                  127.5F / 257, 254.99F,     1e30F,     3e-30F};
+  Rows rows;
+  const auto expectSame = [&](const std::vector<float>& values) {
+    for (const LM_kernels* kernels : AllKernels()) {
+      EXPECT_TRUE(SameBits(rows.Load(kernels), rows.Load(nullptr))) << NameOf(kernels);
+      EXPECT_EQ(rows.Store(kernels, values), rows.Store(nullptr, values)) << NameOf(kernels);
+    }
+  };
+  for (const int step : {3, 4, 5})
+    for (const int offset : {0, 1, 2, 4}) {
+      rows.Fill(odd, step, offset);
+      expectSame(odd);
+      expectSame({10.0F, -0.0F, 0x1p-90F, 300.0F}); // nowhere the odd way
+      rows.Fill<uint16_t>({0, 1, 65535, 32768, 257}, step, offset);
+      expectSame(odd);
+    }
+  for (size_t first = 0; first < words.size(); first += 3 * size_t{Rows::PIXELS}) {
+    rows.Fill(std::vector<uint16_t>(words.begin() + static_cast<ptrdiff_t>(first), words.end()), 3,
+              0);
+    expectSame({1.0F});
+  }
+  rows.Fill<float>({0.0F}, 3, 0);
+  std::vector<float> mantissas(LM_PLANES * (Rows::PIXELS + LM_KERNEL_SLACK));
+  for (uint32_t first = 0; first < 1U << 23 && !testing::Test::HasFailure();) {
+    for (float& value : mantissas)
+      value = std::ldexp(static_cast<float>(1U << 23 | (first++ & 0x7FFFFF)), -16);
+    expectSame(mantissas);
   }
 }
 
