@@ -207,6 +207,12 @@ void AtomicFile::CheckRoom() {
   Write(PIECE, sizeof PIECE);
 }
 
+void AtomicFile::StartFlush() const {
+#ifdef SYNC_FILE_RANGE_WRITE
+  static_cast<void>(sync_file_range(_file.Number(), 0, 0, SYNC_FILE_RANGE_WRITE));
+#endif
+}
+
 void AtomicFile::Commit() {
   if (_target == STANDARD_OUTPUT)
     return _Print();

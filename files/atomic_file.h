@@ -60,6 +60,9 @@ public:
   // reached. Else it has made the file longer.
   void CheckRoom();
 
+  // Has the disk begin with what is there while more is written, so that Commit waits less for it.
+  // A hint: nothing where the system has no such call.
+  void StartFlush() const;
   // Flushes the content to the disk, renames, and flushes the folder. With Existing::Keep a file
   // that has meanwhile appeared under the name is left alone: AlreadyThere. A replaced file's
   // permissions are kept, and its owner and group as far as the user may give them. Throws

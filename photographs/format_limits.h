@@ -53,4 +53,8 @@ void CheckHeif(FileBytes& bytes, const std::string& path); // and AVIF
 void CheckRadiance(FileBytes& bytes, const std::string& path);
 void CheckOpenExr(FileBytes& bytes, const std::string& path);
 
+// Whether a TIFF's first page has `size` bytes of pixels or more that nothing compresses, each of
+// them within the file.
+bool HoldsPlainPixels(FileBytes& bytes, uint64_t size);
+
 } // namespace limn

@@ -3,6 +3,7 @@
 #include "colour_conversion.h"
 #include "deep_photograph.h"
 #include "failure.h"
+#include "format_limits.h"
 #include "image_library.h"
 #include "metadata.h"
 
@@ -12,6 +13,7 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace limn {
@@ -160,7 +162,44 @@ void TryOptions(const Format& format, const std::string& options) {
   }
 }
 
-// Whether what was written can be read; its first page, where the user wanted several.
+// While an image is written to a file, has the disk begin with each few megabytes.
+class EarlyFlush {
+public:
+  EarlyFlush(const AtomicFile& file, VipsImage* image) : _file(file) {
+    vips_image_set_progress(image, TRUE);
+    _teller = image->progress_signal; // an earlier image of the pipeline, if that tells already
+    g_object_ref(_teller);
+    _handler = g_signal_connect(_teller, "eval", G_CALLBACK(_Grow), this);
+  }
+  EarlyFlush(const EarlyFlush&) = delete;
+  EarlyFlush& operator=(const EarlyFlush&) = delete;
+  ~EarlyFlush() {
+    g_signal_handler_disconnect(_teller, _handler);
+    g_object_unref(_teller);
+  }
+
+private:
+  static void _Grow(VipsImage*, VipsProgress*, EarlyFlush* self) {
+    constexpr off_t STEP = 16 << 20;
+    struct stat status {};
+    if (fstat(self->_file.DescriptorNumber(), &status) != 0 || status.st_size < self->_begun + STEP)
+      return;
+    self->_begun = status.st_size;
+    self->_file.StartFlush();
+  }
+
+  const AtomicFile& _file;
+  VipsImage* _teller;
+  gulong _handler;
+  off_t _begun = 0;
+};
+
+int ReadAndForget(VipsRegion*, void*, void*, void*, gboolean*) {
+  return 0;
+}
+
+// Whether what was written can be read; its first page, where the user wanted several. Pixels that
+// nothing compresses need only be there.
 bool IsWhole(int descriptor, const VImage& image) {
   try {
     lseek(descriptor, 0, SEEK_SET);
@@ -169,8 +208,11 @@ bool IsWhole(int descriptor, const VImage& image) {
                                 VImage::option()
                                     ->set("access", VIPS_ACCESS_SEQUENTIAL)
                                     ->set("fail_on", VIPS_FAIL_ON_ERROR));
-    return written.width() == image.width() && written.height() <= image.height() &&
-           written.avg() >= 0;
+    if (written.width() != image.width() || written.height() > image.height())
+      return false;
+    FileBytes bytes(descriptor, lseek(descriptor, 0, SEEK_END));
+    return HoldsPlainPixels(bytes, VIPS_IMAGE_SIZEOF_IMAGE(image.get_image())) ||
+           vips_sink(written.get_image(), nullptr, ReadAndForget, nullptr, nullptr, nullptr) == 0;
   } catch (const vips::VError&) {
     return false;
   }
@@ -264,6 +306,7 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
       planes = planes.copy_memory().flipver();
     planes = WithMetadata(planes, image.metadata);
     DropMetadata(planes, format, notices);
+    const EarlyFlush flush(file, planes.get_image());
     planes.write_to_target((format.suffix + AllOptions(format, name.options)).c_str(),
                            vips::VTarget::new_to_descriptor(file.DescriptorNumber()));
   } catch (const vips::VError&) {

@@ -24,7 +24,9 @@ public:
     _isLong = At(2, 2) == '+';
   }
   bool IsTiff() const { return _isTiff; }
-  bool IsLong() const { return _isLong; } // with 64-bit offsets
+  uint64_t OffsetSize() const { return _isLong ? 8 : 4; }
+  uint64_t CountSize() const { return _isLong ? 8 : 2; } // of how many tags a page has
+  uint64_t TagSize() const { return _isLong ? 20 : 12; }
   uint64_t At(uint64_t place, uint64_t size) {
     return _bytes.Number(static_cast<int64_t>(place), static_cast<int>(size), _order);
   }
@@ -45,7 +47,7 @@ struct TiffTag {
 constexpr uint8_t SIZES[] = {0, 1, 0, 2, 4, 0, 1, 0, 2, 4, 0, 0, 0, 4, 0, 0, 8, 8, 8};
 
 TiffTag TagAt(TiffNumbers& numbers, uint64_t entry) {
-  const uint64_t width = numbers.IsLong() ? 8 : 4;
+  const uint64_t width = numbers.OffsetSize();
   const uint64_t type = numbers.At(entry + 2, 2);
   TiffTag tag{numbers.At(entry, 2), 0, numbers.At(entry + 4, width), entry + 4 + width};
   if (type < std::size(SIZES))
@@ -69,7 +71,7 @@ void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t
   uint64_t bits = 0, sampleFormat = 0; // of the first channel; the decoder wants the others alike
   bool isCounted[2] = {};
   for (uint64_t i = 0; i < numTags; ++i) {
-    const TiffTag tag = TagAt(numbers, tags + (numbers.IsLong() ? 20 : 12) * i);
+    const TiffTag tag = TagAt(numbers, tags + numbers.TagSize() * i);
     // Of tags with the same number, the decoder takes the first.
     const auto read = [&](uint64_t& value) {
       if (value == 0)
@@ -131,8 +133,8 @@ void CheckTiff(FileBytes& bytes, const std::string& path) {
   TiffNumbers numbers(bytes);
   if (!numbers.IsTiff())
     return;
-  const uint64_t width = numbers.IsLong() ? 8 : 4;
-  const uint64_t head = numbers.IsLong() ? 8 : 2;
+  const uint64_t width = numbers.OffsetSize();
+  const uint64_t head = numbers.CountSize();
   uint64_t allTags = 0;
   for (uint64_t page = numbers.At(width, width); page != 0;) {
     const uint64_t numTags = numbers.At(page, head);
@@ -144,8 +146,38 @@ void CheckTiff(FileBytes& bytes, const std::string& path) {
       throw Failure(ExitCode::BadInput, path + ": holds more tags than a photograph does");
     if (isFirst)
       CheckValues(numbers, page + head, numTags, static_cast<uint64_t>(bytes.Length()), path);
-    page = numbers.At(page + head + (numbers.IsLong() ? 20 : 12) * numTags, width);
+    page = numbers.At(page + head + numbers.TagSize() * numTags, width);
   }
+}
+
+bool HoldsPlainPixels(FileBytes& bytes, uint64_t size) {
+  constexpr uint64_t NO_COMPRESSION = 1;
+  TiffNumbers numbers(bytes);
+  if (!numbers.IsTiff())
+    return false;
+  const auto length = static_cast<uint64_t>(bytes.Length());
+  const uint64_t page = numbers.At(numbers.OffsetSize(), numbers.OffsetSize());
+  const uint64_t numTags = std::min(numbers.At(page, numbers.CountSize()), MOST_TAGS_A_PAGE);
+  bool isPlain = false;
+  TiffTag places = {}, sizes = {};
+  for (uint64_t i = 0; i < numTags; ++i) {
+    const TiffTag tag = TagAt(numbers, page + numbers.CountSize() + numbers.TagSize() * i);
+    if (tag.id == 259)
+      isPlain = numbers.At(tag.place, tag.size) == NO_COMPRESSION;
+    else if (tag.id == 273 || tag.id == 324)
+      places = tag;
+    else if (tag.id == 279 || tag.id == 325)
+      sizes = tag;
+  }
+  uint64_t held = 0;
+  for (uint64_t k = 0; isPlain && k < std::min({places.count, sizes.count, length}); ++k) {
+    const uint64_t place = numbers.At(places.place + k * places.size, places.size);
+    const uint64_t bytesHere = numbers.At(sizes.place + k * sizes.size, sizes.size);
+    if (place > length || bytesHere > length - place)
+      return false;
+    held += bytesHere;
+  }
+  return isPlain && held >= size;
 }
 
 } // namespace limn
