@@ -10,6 +10,7 @@
 #include "ToolboxDesktop.h"
 
 #include <QtGlobal>
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <fstream>

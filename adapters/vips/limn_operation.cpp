@@ -11,6 +11,7 @@
 #include "LM_style_bytes.h"
 #include "LM_style_fields.h"
 
+#include <algorithm>
 #include <new>
 #include <string>
 #include <string_view>

@@ -7,7 +7,9 @@
 #include "recipe.h"
 #include "report.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 
 namespace limn {

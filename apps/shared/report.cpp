@@ -4,6 +4,7 @@
 
 #include "TB_Text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <poll.h>
 #include <unistd.h>

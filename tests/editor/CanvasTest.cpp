@@ -8,6 +8,8 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
+#include <algorithm>
+#include <tuple>
 
 namespace {
 

@@ -9,7 +9,10 @@
 #include "MacStrings.h"
 #include "ScriptedDialog.h"
 
+#include <cstdio>
 #include <cstring>
+#include <new>
+#include <utility>
 
 namespace {
 

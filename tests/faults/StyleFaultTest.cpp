@@ -5,6 +5,8 @@
 #include "LM_style_settings.h"
 #include "StyleFolder.h"
 
+#include <new>
+
 namespace {
 
 constexpr size_t KEPT = 3; // of the bundled styles

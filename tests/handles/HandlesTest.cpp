@@ -3,6 +3,7 @@
 #include "LM_handles.h"
 #include "LM_handles_c.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>

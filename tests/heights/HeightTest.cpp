@@ -5,6 +5,7 @@
 #include "LM_normals.h"
 #include "LM_plane_scaling.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>

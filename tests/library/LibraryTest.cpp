@@ -1,4 +1,5 @@
 // The C library as its users have it: through limn.h and the shared library alone.
+#include <algorithm>
 #include <limn.h>
 
 #include <atomic>

@@ -3,6 +3,7 @@
 #include "EngineRun.h"
 #include "RenderRun.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {

@@ -3,6 +3,7 @@
 #include "StyleFolder.h"
 #include "TemporaryFolder.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <random>

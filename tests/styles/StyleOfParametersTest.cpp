@@ -8,6 +8,7 @@
 #include "LM_style_settings.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 #include <memory>
 #include <random>
 

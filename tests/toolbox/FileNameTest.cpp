@@ -2,6 +2,7 @@
 #include "TB_FileNames.h"
 
 #include <gtest/gtest.h>
+#include <map>
 
 using namespace std::string_literals;
 

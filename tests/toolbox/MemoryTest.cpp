@@ -1,6 +1,7 @@
 // Blocks, handles and the budget they share.
 #include "MacMemory.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QMessageBox>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {

@@ -5,6 +5,7 @@
 #include "MacStrings.h"
 
 #include <QImage>
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QColorDialog>
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 

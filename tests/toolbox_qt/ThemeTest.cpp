@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QPalette>
 #include <QWidget>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {

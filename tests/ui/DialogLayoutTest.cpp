@@ -7,6 +7,7 @@
 #include "MacResources.h"
 #include "MacStrings.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace {

@@ -13,6 +13,7 @@
 #include <QWidget>
 #include <algorithm>
 #include <fstream>
+#include <initializer_list>
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include "ToolboxDesktop.h"
 
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include "LM_mac_slider_handler.h"
 #include "MacStrings.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {

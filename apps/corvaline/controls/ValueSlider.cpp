@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
+#include <algorithm>
 
 namespace editor {
 

@@ -7,6 +7,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QSignalBlocker>
+#include <algorithm>
 
 namespace editor {
 namespace {
