@@ -51,11 +51,22 @@ void MeasurePhotograph(const std::string& path, ReducedPhotograph& photograph) {
 
 } // namespace
 
+int SamplesEachWay(int shownWidth, int shownHeight, int fullWidth, int fullHeight) {
+  return std::max(shownWidth, shownHeight) <= MOST_HALVED && 2 * shownWidth <= fullWidth &&
+                 2 * shownHeight <= fullHeight
+             ? 2
+             : 1;
+}
+
 void FitReduction(ReducedPhotograph& photograph, int longestSide) {
   const double scale = std::min(1.0, static_cast<double>(longestSide) /
                                          std::max(photograph.fullWidth, photograph.fullHeight));
   photograph.width = std::max(1, static_cast<int>(std::lround(photograph.fullWidth * scale)));
   photograph.height = std::max(1, static_cast<int>(std::lround(photograph.fullHeight * scale)));
+  photograph.samples = SamplesEachWay(photograph.width, photograph.height, photograph.fullWidth,
+                                      photograph.fullHeight);
+  photograph.width *= photograph.samples;
+  photograph.height *= photograph.samples;
 }
 
 ReadReduction ReadReducedPhotograph(const std::string& path, const std::vector<GreyImage>& channels,

@@ -2,11 +2,13 @@
 
 #include "CVMix.h"
 #include "LM_style_lighting.h"
+#include "halving.h"
 
 #include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace limn {
 namespace {
@@ -49,6 +51,11 @@ void KeepToMask(const ReducedPhotograph& photograph, std::vector<uint8_t>& lit) 
     }
 }
 
+std::vector<uint8_t> Shown(const ReducedPhotograph& photograph, std::vector<uint8_t> colours) {
+  return photograph.samples == 1 ? std::move(colours)
+                                 : Halved(colours, photograph.width, photograph.height, NUM_LIT);
+}
+
 } // namespace
 
 std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_style& style) try {
@@ -71,7 +78,7 @@ std::vector<uint8_t> LitThumbnail(const ReducedPhotograph& photograph, const LM_
   if (LM_RenderRect(*job, views, whole, *scratch) != LM_render_result::Done)
     return {};
   KeepToMask(photograph, lit);
-  return lit;
+  return Shown(photograph, std::move(lit));
 } catch (const std::bad_alloc&) {
   return {};
 }
@@ -88,7 +95,7 @@ std::vector<uint8_t> UnlitThumbnail(const ReducedPhotograph& photograph) {
   for (size_t at = 0; at + NUM_LIT <= photograph.pixels.size(); at += step)
     for (size_t plane = 0; plane < NUM_LIT; ++plane)
       colours.push_back(photograph.pixels[at + plane]);
-  return colours;
+  return Shown(photograph, std::move(colours));
 }
 
 } // namespace limn

@@ -12,7 +12,8 @@ struct foo;
 
 namespace limn {
 
-// The reduced photograph lit as the whole one would be: red, green and blue, width * 3 bytes a row.
+// The reduced photograph lit as the whole one would be, at the size that it is shown at: red, green
+// and blue, ShownWidth() * 3 bytes a row.
 // Lights fall where they fall on the photograph at its full size, and relief is as steep as there;
 // a mask keeps them off.
 // Empty when memory is short. Safe on any thread.

@@ -113,6 +113,19 @@ class Sheet(support.LimnTest):
             error = sum(abs(a - b) for a, b in zip(shown, small.samples)) / len(shown)
             self.assertLess(error, 2, style)
 
+    def test_relief_made_small_is_what_apply_gives(self):
+        photograph, size = f"{RESOURCES}/photos/still-life.jpg", 240
+        style, relief = "Carved in Stone", ("--relief", "auto")
+        support.vips("thumbnail", photograph, "in.ppm", size)
+        self.sheet("-s", style, *relief, "--size", size, "--columns", 2)
+        (x, y), = find(support.read("sheet.png"), self.lit(style, relief))
+        self.lit(style, relief, image=photograph)
+        support.vips("thumbnail", "lit.ppm", "small.ppm", size)
+        self.limn("sheet", photograph, "-s", style, *relief, "--columns", 2, "--size", size, "-o", "sheet.png", "-f", "-q")
+        page, small = support.read("sheet.png"), support.read("small.ppm")
+        shown = [value for row in page.rows()[y : y + small.height] for value in row[3 * x : 3 * (x + small.width)]]
+        self.assertLess(sum((a - b) ** 2 for a, b in zip(shown, small.samples)) / len(shown), 4**2)
+
     def test_what_is_wrong(self):
         support.write_pnm("wide.ppm", support.filled(2048, 1, 9, 3))
         support.write_pnm("small.pgm", support.filled(3, 3, 9))

@@ -3,6 +3,7 @@
 #include "deep_lighting.h"
 #include "deep_photograph.h"
 #include "failure.h"
+#include "halving.h"
 #include "height_image.h"
 #include "image_library.h"
 #include "thumbnail.h"
@@ -24,6 +25,15 @@ constexpr double OPAQUE = 255;
 // Colours of 8 bits with a fourth byte after them, as the window's pictures have them.
 VImage Opaque(const VImage& planes) {
   return planes.extract_band(0, VImage::option()->set("n", COLOURS)).bandjoin(OPAQUE);
+}
+
+// A picture of even sides.
+QImage Halved(const QImage& image) {
+  QImage half(image.size() / 2, image.format());
+  for (int y = 0; y < half.height(); ++y)
+    limn::HalveRow(image.constScanLine(2 * y), image.constScanLine(2 * y + 1),
+                   static_cast<size_t>(image.width()), sizeof(QRgb), half.scanLine(y));
+  return half;
 }
 
 // Marks pixels of which a colour has come to its upper end, and those that are quite black.
@@ -89,13 +99,32 @@ void CanvasLighting::_work() {
   vips_thread_shutdown();
 }
 
+// Small frames are lit at twice the size, as thumbnails are.
 Frame CanvasLighting::_make(const FrameWish& wish) {
+  const QSize size = wish.view.size;
+  const QSize full = _document.original().size();
+  if (limn::SamplesEachWay(size.width(), size.height(), full.width(), full.height()) == 1)
+    return _makeLit(wish, size == full);
+  const QRect& part = wish.view.part;
+  FrameWish fine = wish;
+  fine.view = {size * 2, QRect(part.topLeft() * 2, part.size() * 2)};
+  fine.marksEnds = false;
+  Frame frame = _makeLit(fine, false);
+  frame.view = wish.view;
+  for (QImage* image : {&frame.lit, &frame.plain, &frame.shownLit, &frame.shownPlain})
+    *image = Halved(*image);
+  if (wish.marksEnds)
+    MarkEnds(frame.lit, frame.shownLit);
+  return frame;
+}
+
+Frame CanvasLighting::_makeLit(const FrameWish& wish, bool isOwnSize) {
   Frame frame;
   frame.view = wish.view;
   frame.number = wish.number;
   try {
     if (wish.original != _seen.original || wish.view != _seen.view) {
-      _see(wish.view);
+      _see(wish.view, isOwnSize);
       _seen.original = wish.original;
     }
     frame.plain = frame.lit = _seen.plain;
@@ -162,11 +191,11 @@ QImage CanvasLighting::_onScreen(const QImage& image) {
   return _noted(std::move(shown));
 }
 
-void CanvasLighting::_see(const View& view) {
+void CanvasLighting::_see(const View& view, bool isOwnSize) {
   _seen = {};
   Original& original = _document.original();
   const VImage bytes = Made(Opaque(original.levels().at(view.size)), view);
-  _seen.isDeep = _document.isDeep() && view.size == original.size();
+  _seen.isDeep = _document.isDeep() && isOwnSize;
   _seen.planes = _seen.isDeep ? limn::PlanesOf(original.photograph) : bytes;
   _seen.plain = _drawn(bytes, view.part);
   _seen.shownPlain = _onScreen(_seen.plain);

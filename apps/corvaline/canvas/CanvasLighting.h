@@ -79,11 +79,13 @@ private:
 
   void _work();
   Frame _make(const FrameWish& wish);
+  // isOwnSize: the frame's pixels are those that saving writes.
+  Frame _makeLit(const FrameWish& wish, bool isOwnSize);
   QImage _unused(QSize size);
   QImage _noted(QImage image);
   QImage _drawn(const vips::VImage& colours, const QRect& part);
   QImage _onScreen(const QImage& image);
-  void _see(const View& view);
+  void _see(const View& view, bool isOwnSize);
   void _setRelief(const Recipe& recipe, foo& parameters, limn::LitSettings& settings);
   vips::VImage _channel(int number);
   limn::LitSettings _settings(const FrameWish& wish);

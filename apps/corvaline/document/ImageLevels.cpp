@@ -1,5 +1,7 @@
 #include "ImageLevels.h"
 
+#include "halving.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,22 +13,6 @@ namespace {
 
 constexpr int SMALLEST_LEVEL = 64;
 
-// Means of two rows of `width` pixels, two by two; an odd one at the end is its own neighbour.
-// BANDS: what a pixel has, so that the loop over them is none; 0 takes `bands`.
-template <size_t BANDS>
-void HalveRow(const uint8_t* above, const uint8_t* below, size_t width, size_t bands,
-              uint8_t* out) {
-  if constexpr (BANDS > 0)
-    bands = BANDS;
-  const size_t step = 2 * bands;
-  for (size_t x = 0; x < width; x += 2, above += step, below += step, out += bands) {
-    const size_t next = x + 1 < width ? bands : 0;
-    for (size_t band = 0; band < bands; ++band)
-      out[band] = static_cast<uint8_t>(
-          (above[band] + above[band + next] + below[band] + below[band + next] + 2) / 4);
-  }
-}
-
 int Halve(VipsRegion* into, void* sequence, void*, void*, gboolean*) {
   auto* from = static_cast<VipsRegion*>(sequence);
   const VipsRect& made = into->valid;
@@ -36,13 +22,12 @@ int Halve(VipsRegion* into, void* sequence, void*, void*, gboolean*) {
   if (vips_region_prepare(from, &needed) != 0)
     return -1;
   const auto bands = static_cast<size_t>(into->im->Bands);
-  const auto halve = bands == 3 ? HalveRow<3> : bands == 4 ? HalveRow<4> : HalveRow<0>;
   for (int y = 0; y < made.height; ++y) {
     const int above = needed.top + 2 * y;
     const int below = std::min(above + 1, needed.top + needed.height - 1);
-    halve(VIPS_REGION_ADDR(from, needed.left, above), VIPS_REGION_ADDR(from, needed.left, below),
-          static_cast<size_t>(needed.width), bands,
-          VIPS_REGION_ADDR(into, made.left, made.top + y));
+    limn::HalveRow(VIPS_REGION_ADDR(from, needed.left, above),
+                   VIPS_REGION_ADDR(from, needed.left, below), static_cast<size_t>(needed.width),
+                   bands, VIPS_REGION_ADDR(into, made.left, made.top + y));
   }
   return 0;
 }

@@ -174,7 +174,7 @@ void StylePanel::_refresh() {
   size.fullHeight = area.height();
   limn::FitReduction(size, side);
   _readStyles();
-  const QSize shown = QSize(size.width, size.height) / devicePixelRatioF();
+  const QSize shown = QSize(size.ShownWidth(), size.ShownHeight()) / devicePixelRatioF();
   _list->setIconSize(shown);
   const QSize cell(PICTURE + SPACE, shown.height() + fontMetrics().height() + 2 * SPACE);
   _list->setGridSize(cell);

@@ -9,11 +9,11 @@ namespace editor {
 
 QImage ThumbnailImage(const limn::ReducedPhotograph& photograph,
                       const std::vector<uint8_t>& pixels) {
-  QImage image(photograph.width, photograph.height, QImage::Format_RGB888);
-  const auto rowBytes = static_cast<size_t>(photograph.width) * 3;
-  if (image.isNull() || pixels.size() < rowBytes * static_cast<size_t>(photograph.height))
+  QImage image(photograph.ShownWidth(), photograph.ShownHeight(), QImage::Format_RGB888);
+  const auto rowBytes = static_cast<size_t>(image.width()) * 3;
+  if (image.isNull() || pixels.size() < rowBytes * static_cast<size_t>(image.height()))
     return {};
-  for (int y = 0; y < photograph.height; ++y)
+  for (int y = 0; y < image.height(); ++y)
     std::copy_n(pixels.data() + static_cast<size_t>(y) * rowBytes, rowBytes, image.scanLine(y));
   return image;
 }

@@ -79,12 +79,13 @@ std::optional<limn_area> DetailOf(const SheetOptions& options,
                                             ShownName(options.image) + ", which is " +
                                             std::to_string(photograph.fullWidth) + " × " +
                                             std::to_string(photograph.fullHeight) + " pixels");
+  const int width = photograph.ShownWidth();
+  const int height = photograph.ShownHeight();
   const auto from = [](int middle, int part, int whole) {
     return std::clamp(middle - part / 2, 0, whole - part);
   };
-  return limn_area{from(at[0], photograph.width, photograph.fullWidth),
-                   from(at[1], photograph.height, photograph.fullHeight), photograph.width,
-                   photograph.height};
+  return limn_area{from(at[0], width, photograph.fullWidth),
+                   from(at[1], height, photograph.fullHeight), width, height};
 }
 
 std::string Counted(size_t number, const char* one, const char* many) {
@@ -128,8 +129,8 @@ Photograph DrawSheet(const SheetOptions& options, const ReadReduction& read,
   const ReducedPhotograph& photograph = read.photograph;
   const Extent piece = detail ? Extent{detail->width, detail->height} : Extent{0, 0};
   const SheetLayout layout =
-      LayOutSheet(static_cast<int>(styles.size()) + 1, {photograph.width, photograph.height}, piece,
-                  options.columns);
+      LayOutSheet(static_cast<int>(styles.size()) + 1,
+                  {photograph.ShownWidth(), photograph.ShownHeight()}, piece, options.columns);
   if (layout.width > LIMN_LONGEST_SIDE || layout.height > LIMN_LONGEST_SIDE)
     throw Failure(ExitCode::WrongUsage,
                   options.output + ": would be " + std::to_string(layout.width) + " × " +
