@@ -31,7 +31,7 @@ public:
     const ptrdiff_t rowBytes = ptrdiff_t{rect.right - rect.left} * planes;
     const ptrdiff_t reach = (rows - 1) * std::abs(stride);
     _bytes.reset();
-    if (rows < 1 || rowBytes < 1 || rowBytes + reach > LARGEST_BUFFER)
+    if (rows < 1 || rowBytes < 1 || reach < 0 || rowBytes + reach > LARGEST_BUFFER)
       return nullptr;
     const auto size = static_cast<size_t>(rowBytes + reach);
     _bytes = std::make_unique<uint8_t[]>(size);
