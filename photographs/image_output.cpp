@@ -149,16 +149,30 @@ void NeedRoom(const VImage& image, const std::string& path) {
     throw Failure(ExitCode::NoMemory, path + ": not enough memory");
 }
 
+// Whether the library's last failure was that it has no encoder. Some come in packages of their
+// own.
+bool LacksEncoder() {
+  return std::string_view(vips_error_buffer()).find("Unsupported compression") !=
+         std::string_view::npos;
+}
+
 // Has the writer say what it has to say about its options, which is not about the image.
-void TryOptions(const Format& format, const std::string& options) {
+void TryOptions(const Format& format, const OutputName& name) {
   try {
     const VImage small =
         VImage::black(16, 16, VImage::option()->set("bands", 3))
             .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
-    small.write_to_target((format.suffix + AllOptions(format, options)).c_str(),
+    small.write_to_target((format.suffix + AllOptions(format, name.options)).c_str(),
                           vips::VTarget::new_to_memory());
   } catch (const vips::VError&) {
+    const bool lacksEncoder = LacksEncoder();
     vips_error_clear(); // an image of another size may suit it
+    if (lacksEncoder)
+      throw Failure(ExitCode::WrongUsage,
+                    name.path + ": nothing here encodes " +
+                        std::string(format.extension.substr(1)) +
+                        " files (from Debian 13 on, libheif-plugin-x265 does HEIC, and "
+                        "libheif-plugin-aomenc AVIF)");
   }
 }
 
@@ -284,8 +298,9 @@ void CheckOutputFormat(const OutputName& name) {
       vips_object_set_from_string(VIPS_OBJECT(operation.get()),
                                   AllOptions(format, name.options).c_str()) != 0)
     throw LibraryFailure(ExitCode::WrongUsage, name.path + name.options);
-  if (!name.options.empty())
-    TryOptions(format, name.options);
+  const bool hasPlugins = std::string_view(format.suffix).starts_with(".hei");
+  if (!name.options.empty() || hasPlugins)
+    TryOptions(format, name);
   complaints.Check(ExitCode::WrongUsage, name.path + name.options);
 }
 

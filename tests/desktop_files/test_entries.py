@@ -24,8 +24,11 @@ def entries():
 
 class Entries(LimnTest):
     def test_checkers_find_nothing(self):
+        version = subprocess.run(["appstreamcli", "--version"], check=True, capture_output=True, text=True).stdout
+        # There is no home page. Older checkers do not ask for one.
+        homeless = ["--override", "url-homepage-missing=info"] if int(re.search(r"\d+", version).group()) > 0 else []
         checks = [["desktop-file-validate", *glob.glob(BUILT + "/*.desktop")],
-                  ["appstreamcli", "validate", "--no-net", "--pedantic", *glob.glob(BUILT + "/*.metainfo.xml")],
+                  ["appstreamcli", "validate", "--no-net", "--pedantic", *homeless, *glob.glob(BUILT + "/*.metainfo.xml")],
                   ["xmllint", "--noout", *glob.glob(SOURCES + "/*.xml"), *glob.glob(SOURCES + "/*.svg")]]
         for check in checks:
             self.assertGreater(len([word for word in check if word.startswith("/")]), 0, check)
@@ -56,7 +59,9 @@ class Entries(LimnTest):
         self.assertGreater(len(read), 10)
         with open("/usr/share/mime/globs2", encoding="utf-8") as file:
             known = [line.strip().split(":") for line in file if not line.startswith("#")]
-        wanted = {fields[1] for fields in known if fields[2].removeprefix("*.") in read}
+        # Of the types of one name, that with the most weight: the others are special kinds of it.
+        weights = sorted((fields[2].removeprefix("*."), int(fields[0]), fields[1]) for fields in known)
+        wanted = set({name: kind for name, _, kind in weights if name in read}.values())
         types = {fields[1] for fields in known} # older releases know nothing of Radiance
         for path, entry in entries():
             if "limn-style" not in path:

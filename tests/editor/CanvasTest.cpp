@@ -248,7 +248,8 @@ TEST_F(EditorRun, ColoursAreShownAsTheProfileMeansThem) {
   ASSERT_TRUE(window->applyStyle(
       R"({"lights":[{"intensity":127,"color":[40000,20000,60000]}],"exposure":255})"));
   const QImage lit = shown();
-  EXPECT_EQ(window->lights().shownColor(0), toScreen.map(QColor::fromRgba64(40000, 20000, 60000)));
+  EXPECT_EQ(window->lights().shownColor(0).rgb(),
+            toScreen.map(QColor::fromRgba64(40000, 20000, 60000)).rgb());
   action("Clipped Pixels")->trigger();
   EXPECT_EQ(shown(), lit);
   int burnt = 0;

@@ -194,13 +194,7 @@ void ItemAccess::doAction(const QString& name) {
 
 class DialogAccess : public QAccessibleWidget {
 public:
-  explicit DialogAccess(DialogWindow* window) : QAccessibleWidget(window, QAccessible::Dialog) {
-    for (int number = 1; window->Item(number) != nullptr; ++number) {
-      auto* item = new ItemAccess(window, number);
-      QAccessible::registerAccessibleInterface(item);
-      _items.push_back(item);
-    }
-  }
+  explicit DialogAccess(DialogWindow* window) : QAccessibleWidget(window, QAccessible::Dialog) {}
   ~DialogAccess() override {
     for (ItemAccess* item : _items)
       QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(item));
@@ -234,7 +228,7 @@ public:
     return nullptr;
   }
   QAccessibleInterface* ChildOf(ControlHandle control) const {
-    for (ItemAccess* item : _items) {
+    for (ItemAccess* item : _Items()) {
       const DialogItem* found = _Window()->Item(item->Number());
       if (found != nullptr && found->control == control)
         return item;
@@ -244,9 +238,18 @@ public:
 
 private:
   DialogWindow* _Window() const { return static_cast<DialogWindow*>(widget()); }
+  // Qt may ask for a dialog's interface before the dialog has its items.
+  const std::vector<ItemAccess*>& _Items() const {
+    for (int number = 1 + static_cast<int>(_items.size()); _Window()->Item(number) != nullptr;
+         ++number) {
+      _items.push_back(new ItemAccess(_Window(), number));
+      QAccessible::registerAccessibleInterface(_items.back());
+    }
+    return _items;
+  }
   std::vector<QAccessibleInterface*> _Told() const {
     std::vector<QAccessibleInterface*> told;
-    for (ItemAccess* access : _items) {
+    for (ItemAccess* access : _Items()) {
       const DialogItem* item = _Window()->Item(access->Number());
       if (item == nullptr || !IsTold(*item))
         continue;
@@ -256,7 +259,7 @@ private:
     return told;
   }
 
-  std::vector<ItemAccess*> _items;
+  mutable std::vector<ItemAccess*> _items;
 };
 
 QAccessibleInterface* MakeAccess(const QString&, QObject* object) {
