@@ -126,6 +126,7 @@ bool MainWindow::saveRecipe(const QString& path) {
     _complain(tr("The recipe could not be saved."), problem);
     return false;
   }
+  _document.noteKept();
   statusBar()->showMessage(tr("Saved %1").arg(QFileInfo(path).fileName()), NOTICE_MILLISECONDS);
   return true;
 }

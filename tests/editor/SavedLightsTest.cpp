@@ -44,7 +44,9 @@ TEST_F(EditorRun, LightsComeBackWithTheirPicture) {
     window->document().select({QRect(3, 2, 80, 50), plane(Slope)});
     ASSERT_TRUE(window->applyStyle("Evening Lamp"));
     const std::vector<uint8_t> before = this->lit();
+    EXPECT_TRUE(window->document().isModified());
     ASSERT_TRUE(window->saveRecipe(editor::RecipePathOf(picture)));
+    EXPECT_FALSE(window->document().isModified()) << "opening the picture brings the lights back";
     ASSERT_TRUE(window->saveTo(lit));
 
     open(picture);

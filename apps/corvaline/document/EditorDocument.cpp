@@ -409,4 +409,9 @@ void EditorDocument::noteSaved(const QString& path) {
   Q_EMIT stateChanged();
 }
 
+void EditorDocument::noteKept() {
+  _saved = _content();
+  Q_EMIT stateChanged();
+}
+
 } // namespace editor

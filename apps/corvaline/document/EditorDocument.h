@@ -108,10 +108,12 @@ public:
   // What the steps hold.
   size_t undoBytes() const;
 
-  // Whether the picture differs from its file.
+  // Whether the picture differs from its file, in more than lights whose recipe is kept.
   bool isModified() const { return _content() != _saved; }
   // The picture, lit, is now what `path` holds; it may be saved there again.
   void noteSaved(const QString& path);
+  // A file holds the recipe, from which the picture can be lit again as it is.
+  void noteKept();
   // Whether the file that was opened still holds the original.
   bool hasOriginalFile() const { return !_original.file.empty(); }
   QString originalPath() const { return _originalPath; }
