@@ -114,6 +114,10 @@ private:
 } // namespace
 
 void CheckHeif(FileBytes& bytes, const std::string& path) {
+  // libheif 1.19 ends its process over a file that is cut within its first box.
+  const uint64_t first = bytes.Number(0, 4) == 1 ? bytes.Number(8, 8) : bytes.Number(0, 4);
+  if (bytes.Number(4, 4) == NameOf("ftyp") && first > static_cast<uint64_t>(bytes.Length()))
+    throw Failure(ExitCode::BadInput, path + ": is cut short or damaged");
   HeifItems items(bytes, path);
   ForEachBox(bytes, 0, bytes.Length(), [&](const Box& box) {
     if (box.type != NameOf("meta"))
