@@ -82,7 +82,7 @@ public:
     _views.reliefKind = reliefKind;
   }
   void Keep() {
-    LM_StartKeeping(_job, _views.relief.pixels != nullptr, _kept);
+    LM_StartKeeping(_job.area, _views.relief.pixels != nullptr, LM_ALL_LIGHTS, _kept);
     _views.kept = &_kept;
   }
   void Light() {

@@ -37,6 +37,9 @@ static_assert(sizeof(foo) == 66736);
 // Clears a block and writes its header.
 void LM_InitParameters(foo* params);
 
+// Marks of lights: bit j stands for the block's light j.
+constexpr uint32_t LM_ALL_LIGHTS = ~0U;
+
 // Lights in the block, never more than it holds.
 inline int LM_LightCount(const foo* params) {
   return params->numLights < LM_MAX_LIGHTS ? params->numLights : LM_MAX_LIGHTS;

@@ -111,6 +111,11 @@ struct LM_kernels {
   // Lights n pixels by sums that were kept, and the ambient light.
   void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const int32_t* kept,
                   int facets, int n, const LM_kernel_planes& planes);
+  // Lights n pixels by sums that were kept and lights that are not in them, which begin with the
+  // ambient light. heights: as for keep.
+  void (*over)(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
+               const int32_t* kept, const float* x, int n, const int32_t* const* heights,
+               const LM_kernel_planes& planes);
   // Adds the lights to the samples' sums, and stores each light's part; parts go with the lights.
   void (*sum)(const LM_kernel_lights& lights, const LM_kernel_part* parts,
               const LM_kernel_samples& samples);

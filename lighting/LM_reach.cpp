@@ -89,9 +89,7 @@ LM_row_reach LM_FindReach(const LM_kernel_lights& row, const float* places, int 
 void LM_SelectLights(const LM_kernel_lights& row, uint32_t lights, LM_kernel_lights& selected) {
   std::copy_n(row.diffuse, LM_PLANES, selected.diffuse);
   std::copy_n(row.specular, LM_PLANES, selected.specular);
-  selected.omnis = row.omnis;
-  selected.spots = 0;
-  selected.directionals = row.directionals;
+  selected.omnis = selected.spots = selected.directionals = 0;
   uint8_t places[LM_MAX_LIGHTS] = {};
   uint8_t count = 0;
   for (int k = 0; k < row.Count(); ++k) {
@@ -99,8 +97,9 @@ void LM_SelectLights(const LM_kernel_lights& row, uint32_t lights, LM_kernel_lig
       continue;
     places[k] = count;
     selected.light[count++] = row.light[k];
-    if (k >= row.omnis && k < row.omnis + row.spots)
-      ++selected.spots;
+    ++(k < row.omnis               ? selected.omnis
+       : k < row.omnis + row.spots ? selected.spots
+                                   : selected.directionals);
   }
   count = 0;
   for (int i = 0; i < row.Count(); ++i)

@@ -47,32 +47,35 @@ bool IsSameLight(const LM_light& a, const LM_light& b) {
 }
 
 // Integers in a row of kept sums; vectors fill the last one up.
-size_t KeptRow(const LM_render_job& job, int facets) {
-  const size_t width = (static_cast<size_t>(job.AreaWidth()) + LM_KERNEL_SLACK - 1) /
+size_t KeptRow(const LM_rect& rect, int facets) {
+  const size_t width = (static_cast<size_t>(rect.right - rect.left) + LM_KERNEL_SLACK - 1) /
                        LM_KERNEL_SLACK * LM_KERNEL_SLACK;
   return width * LM_KEPT_SUMS * static_cast<size_t>(facets);
 }
-size_t AreaHeight(const LM_render_job& job) {
-  return static_cast<size_t>(job.area.bottom - job.area.top);
+size_t HeightOf(const LM_rect& rect) {
+  return static_cast<size_t>(rect.bottom - rect.top);
 }
-size_t KeptFlags(const LM_render_job& job) {
-  const int blocks = (job.AreaWidth() + LM_RENDER_BLOCK - 1) / LM_RENDER_BLOCK;
-  return static_cast<size_t>(blocks) * AreaHeight(job);
+size_t KeptFlags(const LM_rect& rect) {
+  const int blocks = (rect.right - rect.left + LM_RENDER_BLOCK - 1) / LM_RENDER_BLOCK;
+  return static_cast<size_t>(blocks) * HeightOf(rect);
 }
 
-// The rows of a block that begins `column` pixels into the area, in the sums that are kept for it.
-LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, const LM_rect& rect,
-                      int32_t column) {
+// The rows of a block that begins `column` pixels into the rectangle, in the sums that are kept for
+// it.
+LM_kept_rows KeptRows(const LM_render_views& views, const LM_rect& rect, int32_t column) {
   const bool flat = views.relief.pixels == nullptr;
-  if (views.kept == nullptr || views.kept->sums == nullptr || (views.kept->facets == 1) != flat ||
-      views.kind != LM_pixel_kind::Bytes || rect.right - rect.left != job.AreaWidth())
+  const LM_kept_sums* const kept = views.kept;
+  if (kept == nullptr || kept->sums == nullptr || (kept->facets == 1) != flat ||
+      views.kind != LM_pixel_kind::Bytes || rect.left != kept->rect.left ||
+      rect.right != kept->rect.right || !LM_Contains(kept->rect, rect))
     return {};
-  const size_t stride = KeptRow(job, views.kept->facets);
-  const size_t row = static_cast<size_t>(rect.top - job.area.top);
+  const size_t stride = KeptRow(kept->rect, kept->facets);
+  const size_t row = static_cast<size_t>(rect.top - kept->rect.top);
   const size_t block = static_cast<size_t>(column / LM_RENDER_BLOCK);
-  return {views.kept->sums.get() + row * stride +
-              static_cast<size_t>(column * LM_KEPT_SUMS * views.kept->facets),
-          static_cast<ptrdiff_t>(stride), views.kept->ready.get() + block * AreaHeight(job) + row};
+  return {kept->sums.get() + row * stride +
+              static_cast<size_t>(column * LM_KEPT_SUMS * kept->facets),
+          static_cast<ptrdiff_t>(stride), kept->ready.get() + block * HeightOf(kept->rect) + row,
+          kept->lights};
 }
 
 } // namespace
@@ -118,11 +121,19 @@ LM_render_result LM_PrepareRender(const foo& params, const LM_rect& area, int32_
   return LM_render_result::Done;
 }
 
+std::optional<uint32_t> LM_ChangedLights(const foo& before, const foo& after) {
+  const int count = LM_LightCount(&before);
+  if (count != LM_LightCount(&after) || before.bumpHeight != after.bumpHeight ||
+      before.worldScale != after.worldScale)
+    return std::nullopt;
+  uint32_t changed = 0;
+  for (int j = 0; j < count; ++j)
+    changed |= (IsSameLight(before.lights[j], after.lights[j]) ? 0U : 1U) << j;
+  return changed;
+}
+
 bool LM_ChangeSurface(const foo& params, LM_render_job& job) {
-  const int count = LM_LightCount(&params);
-  if (count != LM_LightCount(&job.params) || params.bumpHeight != job.params.bumpHeight ||
-      params.worldScale != job.params.worldScale ||
-      !std::equal(params.lights, params.lights + count, job.params.lights, IsSameLight))
+  if (LM_ChangedLights(job.params, params) != 0U)
     return false;
   job.params.gloss = params.gloss;
   job.params.material = params.material;
@@ -149,22 +160,22 @@ LM_render_scratch_pointer LM_NewRenderScratch() {
   return LM_render_scratch_pointer(new (std::nothrow) LM_render_scratch());
 }
 
-uint64_t LM_KeptBytes(const LM_render_job& job, bool relief) {
-  return uint64_t{KeptRow(job, relief ? LM_FACETS : 1)} * AreaHeight(job) * sizeof(int32_t) +
-         KeptFlags(job);
+uint64_t LM_KeptBytes(const LM_rect& rect, bool relief) {
+  return uint64_t{KeptRow(rect, relief ? LM_FACETS : 1)} * HeightOf(rect) * sizeof(int32_t) +
+         KeptFlags(rect);
 }
 
-bool LM_StartKeeping(const LM_render_job& job, bool relief, LM_kept_sums& kept) {
+bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept) {
   kept = {};
-  if (LM_KeptBytes(job, relief) > PTRDIFF_MAX)
+  if (LM_KeptBytes(rect, relief) > PTRDIFF_MAX)
     return false;
   const int facets = relief ? LM_FACETS : 1;
   std::unique_ptr<int32_t[]> sums(new (std::nothrow)
-                                      int32_t[KeptRow(job, facets) * AreaHeight(job)]);
-  std::unique_ptr<uint8_t[]> ready(new (std::nothrow) uint8_t[KeptFlags(job)]());
+                                      int32_t[KeptRow(rect, facets) * HeightOf(rect)]);
+  std::unique_ptr<uint8_t[]> ready(new (std::nothrow) uint8_t[KeptFlags(rect)]());
   if (sums == nullptr || ready == nullptr)
     return false;
-  kept = {facets, std::move(sums), std::move(ready)};
+  kept = {facets, rect, lights, std::move(sums), std::move(ready)};
   return true;
 }
 
@@ -195,7 +206,7 @@ LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& 
     piece.rect.left = x;
     piece.rect.right = std::min(rect.right, x + LM_RENDER_BLOCK);
     piece.columns = job.columns.get() + (x - job.area.left);
-    piece.kept = KeptRows(job, views, rect, x - job.area.left);
+    piece.kept = KeptRows(views, rect, x - rect.left);
     LM_row_driver driver(piece, LM_ScratchStore(scratch.samples), scratch.buffers);
     for (int32_t y = rect.top; y < rect.bottom; ++y)
       driver.LightNextRow();

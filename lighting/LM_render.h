@@ -7,6 +7,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "LM_image.h"
 #include "LM_kernel_lights.h"
@@ -62,20 +63,26 @@ using LM_render_scratch_pointer = std::unique_ptr<LM_render_scratch, LM_render_s
 // Null when memory is short.
 LM_render_scratch_pointer LM_NewRenderScratch();
 
-// The sums of light in the filter area of one job, kept from picture to picture: they depend on the
-// lights, and in relief on the heights, but on no pixel and on none of gloss, material, exposure
-// and ambience. Rows whose lights vectors do not take are lit anew each time, as everything is
-// without vectors. Threads may share it while their rectangles do not overlap.
+// The lights of which the second block has others, marked. Nothing when they differ in more than
+// lights and surface, so that no sum of the one holds for the other.
+std::optional<uint32_t> LM_ChangedLights(const foo& before, const foo& after);
+
+// The sums of light in a part of one job's filter area, kept from picture to picture: they depend
+// on the lights, and in relief on the heights, but on no pixel and on none of gloss, material,
+// exposure and ambience. Rows whose lights vectors do not take are lit anew each time, as
+// everything is without vectors. Threads may share it while their rectangles do not overlap.
 struct LM_kept_sums {
   int facets;                       // 1 for a flat surface, LM_FACETS for relief
+  LM_rect rect;                     // the part
+  uint32_t lights;                  // which of the block's they hold; others are lit each time
   std::unique_ptr<int32_t[]> sums;  // null: nothing is kept
-  std::unique_ptr<uint8_t[]> ready; // by block of LM_RENDER_BLOCK columns, then by row of the area
+  std::unique_ptr<uint8_t[]> ready; // by block of LM_RENDER_BLOCK columns, then by row
 };
-// What it takes.
-uint64_t LM_KeptBytes(const LM_render_job& job, bool relief);
-// Makes room for sums that are to be kept, and forgets those that were. False when memory is short:
-// nothing is kept then.
-bool LM_StartKeeping(const LM_render_job& job, bool relief, LM_kept_sums& kept);
+// What it takes for a part.
+uint64_t LM_KeptBytes(const LM_rect& rect, bool relief);
+// Makes room for sums of the marked lights that are to be kept, and forgets those that were. rect:
+// not empty, and in the filter area. False when memory is short: nothing is kept then.
+bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept);
 
 // What a call reads and writes. source and output: planes 0 to 2 are the first three components of
 // a pixel; further bytes of the output are left alone. They may be the same pixels. relief: the
@@ -84,8 +91,8 @@ bool LM_StartKeeping(const LM_render_job& job, bool relief, LM_kept_sums& kept);
 // the image. It must not overlap the output. kind: of the source's and the output's components
 // alike, the first three of a pixel; reliefKind: of the relief's. Pixels of more than 8 bits are
 // lit in the arithmetic of LM_deep_pixels.h, whatever the relief's kind; bytes in that of bytes.
-// kept: this job's, for the same heights, or null; used and filled by rectangles of bytes that are
-// as wide as the area.
+// kept: this job's, or another's with the same heights and, as far as they hold them, lights; or
+// null. Used and filled by rectangles of bytes that are as wide as its part.
 struct LM_render_views {
   LM_source_view source;
   LM_output_view output;

@@ -21,14 +21,21 @@ LM_kernel_surface SurfaceOf(const foo& params) {
   return {params.gloss, params.material, params.exposure};
 }
 
-// The lights as a row's vectors begin with them. On a flat surface a directional light is the same
-// for all samples, so it is there from the start; but sums of floats keep the lights' order.
-LM_kernel_lights FirstRow(const LM_piece& piece) {
-  LM_kernel_lights row = piece.lights->kernel;
+// Those of the piece's lights that are marked by their places in the block, as a row's vectors
+// begin with them. On a flat surface a directional light is the same for all samples, so it is
+// there from the start; but sums of floats keep the lights' order.
+LM_kernel_lights FirstRow(const LM_piece& piece, uint32_t lights) {
+  const LM_kernel_lights& sorted = piece.lights->kernel;
   if (piece.kind != LM_pixel_kind::Bytes)
-    return row;
-  const int local = row.omnis + row.spots;
-  for (int k = local; piece.IsFlat() && k < piece.lights->kernel.Count(); ++k) {
+    return sorted;
+  uint32_t marked = 0;
+  for (int k = 0; k < sorted.Count(); ++k)
+    marked |= (lights >> piece.lights->source[k] & 1U) << k;
+  LM_kernel_lights row = {};
+  LM_SelectLights(sorted, marked, row);
+  for (int k = sorted.omnis + sorted.spots; piece.IsFlat() && k < sorted.Count(); ++k) {
+    if ((marked >> k & 1U) == 0)
+      continue;
     const LM_vector2f anywhere = {};
     LM_color96 diffuse = {};
     LM_color96 specular = {};
@@ -40,6 +47,11 @@ LM_kernel_lights FirstRow(const LM_piece& piece) {
     --row.directionals;
   }
   return row;
+}
+
+// The block's lights that the sums of a piece hold, where there are any; else all.
+uint32_t KeptLights(const LM_piece& piece) {
+  return piece.kept.sums != nullptr ? piece.kept.lights : LM_ALL_LIGHTS;
 }
 
 } // namespace
@@ -82,20 +94,29 @@ LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store
                                                                  piece.columns[piece.Pixels() - 1],
                                                                  _grid.Y(piece.rect.top),
                                                                  _grid.Y(piece.rect.bottom - 1)},
-      _lights(), _row(), _near(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
+      _isPartlyKept((piece.lights->listed & ~KeptLights(piece)) != 0), _lights(), _row(), _over(),
+      _overRow(), _near(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
       _allFit(false), _y(piece.rect.top) {
   if (!_onVectors)
     return;
-  _lights = FirstRow(piece);
+  _lights = FirstRow(piece, KeptLights(piece));
   _allFit = LM_FitVectors(_lights, _extent);
   _row = _lights;
+  if (!_isPartlyKept)
+    return;
+  _over = FirstRow(piece, ~KeptLights(piece));
+  _allFit = LM_FitVectors(_over, _extent) && _allFit;
+  _overRow = _over;
 }
 
 bool LM_row_driver::_PutLightsIntoRow(float place) {
-  if (!_allFit && !LM_FitVectors(_lights, {_extent.left, _extent.right, place, place}))
+  const LM_extent row = {_extent.left, _extent.right, place, place};
+  if (!_allFit && !(LM_FitVectors(_lights, row) && LM_FitVectors(_over, row)))
     return false;
   for (int k = 0; k < _row.omnis + _row.spots; ++k)
     LM_MoveToRow(_lights.light[k], place, _row.light[k]);
+  for (int k = 0; k < _overRow.omnis + _overRow.spots; ++k)
+    LM_MoveToRow(_over.light[k], place, _overRow.light[k]);
   return true;
 }
 
@@ -132,54 +153,61 @@ void LM_row_driver::_FillHeights(int32_t y) {
 }
 
 // Lights n samples of a row's planes from the `first` one on; or only keeps what lights give them.
-void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n,
-                              int32_t* kept) {
+void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t y, int first, int n,
+                              Aim aim) {
+  const LM_kernels& kernels = *_piece.kernels;
   const LM_kernel_surface surface = SurfaceOf(*_piece.params);
   const float* const columns = _piece.columns + first;
-  const int32_t* const heights[3] = {_buffers.heights.At(row - 1) + first,
-                                     _buffers.heights.At(row) + first,
-                                     _buffers.heights.At(row + 1) + first};
-  if (kept != nullptr)
-    return _piece.kernels->keep(lights, columns, n, _piece.IsFlat() ? nullptr : heights,
-                                kept + ptrdiff_t{first} * LM_KEPT_SUMS * _piece.Facets());
-  if (_piece.kind != LM_pixel_kind::Bytes) {
-    _piece.kernels->deep(lights, surface, columns, n, _piece.IsFlat() ? nullptr : heights,
-                         _piece.deep->Planes(first));
-    return;
-  }
+  const int32_t row = y - _piece.rect.top;
+  const int32_t* const rows[3] = {_buffers.heights.At(row - 1) + first,
+                                  _buffers.heights.At(row) + first,
+                                  _buffers.heights.At(row + 1) + first};
+  const int32_t* const* heights = _piece.IsFlat() ? nullptr : rows;
+  if (_piece.kind != LM_pixel_kind::Bytes)
+    return kernels.deep(lights, surface, columns, n, heights, _piece.deep->Planes(first));
   const LM_kernel_planes planes = {
       {_buffers.planes[0] + first, _buffers.planes[1] + first, _buffers.planes[2] + first}};
-  if (_piece.IsFlat())
-    _piece.kernels->flat(lights, surface, columns, n, planes);
+  if (aim == Aim::Light)
+    return heights == nullptr ? kernels.flat(lights, surface, columns, n, planes)
+                              : kernels.relief(lights, surface, columns, n, heights, planes);
+  int32_t* const kept = _piece.kept.sums + row * _piece.kept.stride +
+                        ptrdiff_t{first} * LM_KEPT_SUMS * _piece.Facets();
+  if (aim == Aim::Keep)
+    kernels.keep(lights, columns, n, heights, kept);
+  else if (lights.Count() == 0 && heights != nullptr)
+    kernels.combine(surface, lights.diffuse, kept, _piece.Facets(), n, planes);
   else
-    _piece.kernels->relief(lights, surface, columns, n, heights, planes);
+    kernels.over(lights, surface, kept, columns, n, heights, planes);
 }
 
-// Lights a row's planes, or keeps its sums, each run by the lights that reach it.
-void LM_row_driver::_LightRuns(int32_t y, int32_t* kept) {
+// Works out a row, each run of it by those of the row's lights that reach it.
+void LM_row_driver::_LightRuns(const LM_kernel_lights& row, int32_t y, Aim aim) {
   const int n = static_cast<int>(_piece.Pixels());
   const int pieces = LM_ReachPieces(n);
-  const LM_row_reach reach = LM_FindReach(_row, _piece.columns, n);
+  const LM_row_reach reach = LM_FindReach(row, _piece.columns, n);
   for (int piece = 0, end = 0; piece < pieces; piece = end) {
     end = reach.EndOfRun(piece, pieces);
-    LM_SelectLights(_row, reach.lights[piece], _near);
-    for (int plane = 0; kept != nullptr && plane < LM_PLANES; ++plane)
+    LM_SelectLights(row, reach.lights[piece], _near);
+    for (int plane = 0; aim == Aim::Keep && plane < LM_PLANES; ++plane)
       _near.diffuse[plane] =
           LM_WrapSubtract(_near.diffuse[plane], _piece.params->ambient.component[plane]);
     const int first = piece * LM_REACH_PIECE;
-    _LightRun(_near, y - _piece.rect.top, first, std::min(end * LM_REACH_PIECE, n) - first, kept);
+    _LightRun(_near, y, first, std::min(end * LM_REACH_PIECE, n) - first, aim);
   }
 }
 
-// Lights a row's planes by its kept sums, which are made first where they are not there.
+// Lights a row's planes by its kept sums, which are made first where they are not there, and by the
+// lights that are not in them.
 void LM_row_driver::_LightKept(int32_t y) {
   const int32_t row = y - _piece.rect.top;
-  int32_t* sums = _piece.kept.sums + row * _piece.kept.stride;
   if (_piece.kept.ready[row] == 0)
-    _LightRuns(y, sums);
+    _LightRuns(_row, y, Aim::Keep);
   _piece.kept.ready[row] = 1;
-  _piece.kernels->combine(SurfaceOf(*_piece.params), _piece.params->ambient.component, sums,
-                          _piece.Facets(), static_cast<int>(_piece.Pixels()),
+  if (_isPartlyKept)
+    return _LightRuns(_overRow, y, Aim::Over);
+  _piece.kernels->combine(SurfaceOf(*_piece.params), _piece.params->ambient.component,
+                          _piece.kept.sums + row * _piece.kept.stride, _piece.Facets(),
+                          static_cast<int>(_piece.Pixels()),
                           {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}});
 }
 
@@ -191,7 +219,7 @@ void LM_row_driver::_LightPlanes(int32_t y) {
   if (_piece.kept.sums != nullptr)
     _LightKept(y);
   else
-    _LightRuns(y, nullptr);
+    _LightRuns(_row, y, Aim::Light);
   kernels.join(planes, n, _piece.output.At(_piece.rect.left, y), _piece.output.pixelStep);
 }
 
@@ -205,7 +233,7 @@ void LM_row_driver::_LightDeep(int32_t y, bool onVectors) {
   const int32_t* const heights[3] = {_buffers.heights.At(row - 1), _buffers.heights.At(row),
                                      _buffers.heights.At(row + 1)};
   if (onVectors)
-    _LightRuns(y, nullptr);
+    _LightRuns(_row, y, Aim::Light);
   else
     LM_LightDeepPixels(*_piece.params, _piece.columns, _grid.Y(y), n,
                        _piece.IsFlat() ? nullptr : heights, planes);

@@ -16,6 +16,7 @@ struct LM_kept_rows {
   int32_t* sums;    // of the piece's first row
   ptrdiff_t stride; // integers from a row to the next
   uint8_t* ready;   // of each row: 1 when its sums are there
+  uint32_t lights;  // bit j: they hold the block's light j
 };
 
 // All that the rows of a piece have in common. Nothing is owned.
@@ -66,8 +67,11 @@ public:
 private:
   bool _PutLightsIntoRow(float place);
   void _LightPlanes(int32_t y);
-  void _LightRuns(int32_t y, int32_t* kept);
-  void _LightRun(const LM_kernel_lights& lights, int32_t row, int first, int n, int32_t* kept);
+  // What a row's lights are worked out for: the pixels; sums that are kept; or the pixels, over
+  // sums that were kept.
+  enum class Aim { Light, Keep, Over };
+  void _LightRuns(const LM_kernel_lights& row, int32_t y, Aim aim);
+  void _LightRun(const LM_kernel_lights& lights, int32_t y, int first, int n, Aim aim);
   void _LightKept(int32_t y);
   void _LightDeep(int32_t y, bool onVectors);
   void _LightFlatSamples(int32_t y);
@@ -85,10 +89,13 @@ private:
   LM_height_rows _heights;
   LM_vector_sums _sums;
   LM_extent _extent;        // of the piece's samples
+  bool _isPartlyKept;       // of the lights, only some are in the sums
   LM_kernel_lights _lights; // in no row yet
   LM_kernel_lights _row;    // as a row sees them
-  LM_kernel_lights _near;   // those that reach a part of it
-  bool _onVectors;          // rows whose lights allow it go through the planes
-  bool _allFit;             // every row allows it
+  LM_kernel_lights _over;   // the same two of those that are not in the sums
+  LM_kernel_lights _overRow;
+  LM_kernel_lights _near; // those that reach a part of it
+  bool _onVectors;        // rows whose lights allow it go through the planes
+  bool _allFit;           // every row allows it
   int32_t _y;
 };

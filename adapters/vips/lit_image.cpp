@@ -23,6 +23,7 @@ struct Lighting {
   int reliefImage = -1; // which of them has the relief, or -1
   int reliefBand = 0;
   int maskImage = -1;
+  LM_kept_sums* kept = nullptr;
   std::shared_ptr<std::atomic<bool>> hasSourceFailed;
 };
 
@@ -172,6 +173,7 @@ int Light(VipsRegion* output, void* sequence, void*, void* shared, gboolean*) {
     views.relief = ViewOf<const uint8_t>(relief, lighting.reliefBand);
     views.reliefKind = *KindOf(relief->im->BandFmt);
   }
+  views.kept = lighting.kept;
   const LM_floating_point floatingPoint;
   const LM_render_result result = LM_RenderRect(lighting.job, views, part, *worker.scratch);
   if (result != LM_render_result::Done) {
@@ -221,6 +223,7 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
     Refuse("the style holds no light");
   if (prepared != LM_render_result::Done)
     Refuse("out of memory");
+  lighting.kept = settings.kept;
   lighting.hasSourceFailed = settings.hasSourceFailed;
   int numImages = 1;
   lighting.images[0] = image.get_image();

@@ -12,6 +12,7 @@
 #include <vips/vips8>
 
 struct foo;
+struct LM_kept_sums;
 
 namespace limn {
 
@@ -26,6 +27,10 @@ struct LitSettings {
   std::vector<vips::VImage> channels;
   // The selection, one 8-bit band of the image's size; a null image: everything is selected.
   std::optional<vips::VImage> mask;
+  // Sums of light to be kept from image to image (LM_render.h), while nothing of the images and
+  // settings changes that they depend on; the caller's, while pixels are made. Null: none. Only of
+  // use where rows as wide as its part are asked for, as for pictures in memory.
+  LM_kept_sums* kept = nullptr;
   // Becomes true when the image's own pixels cannot be had, which libvips' error does not tell from
   // what goes wrong after the lighting. May be null.
   std::shared_ptr<std::atomic<bool>> hasSourceFailed;

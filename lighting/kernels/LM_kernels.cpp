@@ -47,6 +47,7 @@ const LM_kernels* TargetKernels() {
                                      LightDeep,
                                      KeepSums,
                                      CombineKept,
+                                     LightOver,
                                      SumLights,
                                      ReciprocalRoots};
   return &kernels;

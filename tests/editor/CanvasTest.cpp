@@ -231,6 +231,40 @@ TEST_F(EditorRun, EveryZoomShowsTheSameLight) {
   EXPECT_EQ(shown(), editor::ThumbnailImage(small, lit).convertToFormat(QImage::Format_RGB32));
 }
 
+// What is tried out is lit by sums that are kept, and what is kept by all lights anew.
+TEST_F(EditorRun, TriedLightsLookAsTheyDoWhenTheyAreKept) {
+  open(makePicture("picture.png", 4));
+  editor::EditorDocument& document = window->document();
+  document.select({QRect(20, 10, 50, 40), plane([](int x, int y) { return x + y; })});
+  for (const int channel : {0, 1, 4}) {
+    for (const double zoom : {1.0, 16.0}) {
+      window->canvas().setZoom(zoom, {400, 300});
+      ASSERT_TRUE(window->applyStyle("Festival Lights"));
+      LM_style style = *document.lights();
+      style.bumpChannel = static_cast<int16_t>(channel);
+      style.lights[2].type = LM_STYLE_OMNI;
+      document.keepLights(style, "Relief");
+      std::vector<LM_style> styles;
+      std::vector<QImage> tried;
+      for (int step = 0; step < 8; ++step) {
+        LM_style_light& light = style.lights[step < 4 ? 2 : 3]; // the hand goes on to another
+        light.center.x += 9;
+        light.intensity = static_cast<int16_t>(light.intensity - 1);
+        if (step % 2 == 1)
+          style.gloss = static_cast<int16_t>(20 * step);
+        document.tryLights(style);
+        styles.push_back(style);
+        tried.push_back(shown());
+      }
+      for (size_t i = 0; i < styles.size(); ++i) {
+        document.keepLights(styles[i], "Lights");
+        EXPECT_EQ(shown(), tried[i]) << channel << " at " << zoom << ", step " << i;
+      }
+      EXPECT_NE(tried[1], tried[2]);
+    }
+  }
+}
+
 TEST_F(EditorRun, ColoursAreShownAsTheProfileMeansThem) {
   vips::VImage image = vips::VImage::new_from_file(makePicture("plain.png").toLocal8Bit());
   const QByteArray profile = QColorSpace(QColorSpace::ProPhotoRgb).iccProfile();

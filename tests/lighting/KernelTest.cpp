@@ -162,6 +162,42 @@ TEST(Kernels, KeptSumsGiveWhatLightGives) {
   }
 }
 
+// Lights that are not in the sums may move from picture to picture.
+TEST(Kernels, LightsOverKeptSumsGiveWhatAllGive) {
+  if (LM_BestKernels() == nullptr)
+    GTEST_SKIP() << "no vector kernels here";
+  SceneRandom random(54);
+  for (uint64_t seed = 0; seed < 24 && !testing::Test::HasFailure(); ++seed) {
+    const Scene scene = SizedScene(950 + seed, seed % 4 < 2 ? 1039 : 77, 9, seed % 2 == 1);
+    EngineRun settings(scene);
+    foo params = *settings.Convert(0);
+    if (seed % 3 == 0)
+      MakeLoud(params, random);
+    if (seed % 3 == 1)
+      MakeStrong(params, random);
+    const auto count = static_cast<uint32_t>(LM_LightCount(&params));
+    const uint32_t moving = random.Next() & ((1U << count) - 1);
+    for (const LM_kernels* kernels : AllKernels()) {
+      SCOPED_TRACE(scene.name + " " + std::to_string(seed) + ", " + NameOf(kernels));
+      RenderRun kept(scene, params, {kernels, 3, 1, false, true, ~moving});
+      foo changed = params;
+      for (int picture = 0; picture < 3; ++picture) {
+        RenderRun plain(scene, changed, {nullptr, 3, 1, false});
+        plain.Light({0, 0, scene.height, scene.width});
+        kept.Light({0, 0, 5, scene.width});
+        kept.Light({5, 0, scene.height, scene.width});
+        ExpectSamePicture(plain.Picture(), kept.Picture(), scene.width);
+        for (uint32_t j = 0; j < count; ++j)
+          if ((moving >> j & 1U) != 0)
+            changed.lights[j].color.component[picture] += 12345;
+        EXPECT_EQ(LM_ChangedLights(params, changed), moving);
+        changed.exposure = static_cast<int16_t>(random.Between(0, 255));
+        kept.ChangeLights(changed);
+      }
+    }
+  }
+}
+
 TEST(Kernels, HeightsWrapAndDivideAsThePlainOnes) {
   SceneRandom random(7);
   for (const LM_kernels* kernels : AllKernels()) {

@@ -74,9 +74,14 @@ RenderRun::RenderRun(const Scene& scene, const foo& params, const RenderLayout& 
                              layout.kernels, _job),
             LM_render_result::Done);
   if (layout.keeps) {
-    EXPECT_TRUE(LM_StartKeeping(_job, !scene.heights.empty(), _kept));
+    EXPECT_TRUE(LM_StartKeeping(_job.area, !scene.heights.empty(), layout.keptLights, _kept));
   }
   _out = CutOut(scene.pixels, scene.width, 3, layout.pixelStep, {0, 0, scene.height, scene.width});
+}
+
+void RenderRun::ChangeLights(const foo& params) {
+  EXPECT_EQ(LM_PrepareRender(params, _job.area, _scene.width, _scene.height, _layout.kernels, _job),
+            LM_render_result::Done);
 }
 
 void RenderRun::Light(const LM_rect& rect) {

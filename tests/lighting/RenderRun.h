@@ -12,6 +12,7 @@ struct RenderLayout {
   int reliefStep;            // and of the relief plane
   bool strips;        // each call sees exactly the memory that it may read, and not a byte more
   bool keeps = false; // sums of light stay from call to call
+  uint32_t keptLights = LM_ALL_LIGHTS;
 };
 
 // The kernels of this machine, and null for none.
@@ -29,6 +30,8 @@ public:
   void Light(const LM_rect& rect);
   // Whether what is kept goes on with the block's surface.
   bool ChangeSurface(const foo& params) { return LM_ChangeSurface(params, _job); }
+  // Goes on with another block, of which the lights in kept sums are the same.
+  void ChangeLights(const foo& params);
   // Rows of the area that vectors light; the others hold numbers that only the plain rows take.
   int VectorRows() const;
   // The picture, packed; fails the test when a byte beside the first three of a pixel was touched.

@@ -63,8 +63,8 @@ void Canvas::_ask() {
   const View view = _view();
   if (view.part.isEmpty())
     return;
-  _asked = {view,       _document.shown(), _document.selection(), _document.originalNumber(),
-            _marksEnds, _asked.number + 1};
+  _asked = {view,       _document.shown(),    _document.selection(), _document.originalNumber(),
+            _marksEnds, _document.isTrying(), _asked.number + 1};
   _lighting.ask(_asked);
   if (!_patience.isActive())
     _patience.start();

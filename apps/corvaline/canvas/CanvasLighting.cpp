@@ -11,6 +11,8 @@
 #include "LM_style_lighting.h"
 
 #include <algorithm>
+#include <bit>
+#include <tuple>
 #include <utility>
 
 namespace editor {
@@ -193,6 +195,7 @@ QImage CanvasLighting::_onScreen(const QImage& image) {
 
 void CanvasLighting::_see(const View& view, bool isOwnSize) {
   _seen = {};
+  _forgetSums();
   Original& original = _document.original();
   const VImage bytes = Made(Opaque(original.levels().at(view.size)), view);
   _seen.isDeep = _document.isDeep() && isOwnSize;
@@ -233,6 +236,7 @@ void CanvasLighting::_setRelief(const Recipe& recipe, foo& parameters,
   }
   if (_seen.heights.is_null() || source != _seen.source || channel != _seen.channel) {
     const QSize size = _seen.view.size;
+    _forgetSums();
     _seen.heights =
         Made(isOwn ? _channel(channel)
                    : limn::ShownHeights(original.heights(source), size.width(), size.height()),
@@ -242,6 +246,39 @@ void CanvasLighting::_setRelief(const Recipe& recipe, foo& parameters,
   }
   settings.channels = {_seen.heights};
   parameters.bumpChannel = static_cast<int16_t>(_seen.planes.bands() + 1);
+}
+
+void CanvasLighting::_forgetSums() {
+  _parameters.reset();
+  _kept = {};
+}
+
+// Where the frame keeps sums, or finds them; null when too much has changed since the last one.
+LM_kept_sums* CanvasLighting::_keep(const FrameWish& wish, const limn::LitSettings& settings) {
+  constexpr int MOST_MOVED = 2;
+  constexpr uint64_t MOST_BYTES = 256 << 20;
+  const std::shared_ptr<const foo> before = std::exchange(_parameters, settings.parameters);
+  const limn_area area = *settings.area;
+  const limn_area areaBefore = std::exchange(_area, area);
+  const bool isSame = before != nullptr && before->bumpChannel == _parameters->bumpChannel &&
+                      std::tie(area.x, area.y, area.width, area.height) ==
+                          std::tie(areaBefore.x, areaBefore.y, areaBefore.width, areaBefore.height);
+  const uint32_t changed =
+      isSame ? LM_ChangedLights(*before, *_parameters).value_or(LM_ALL_LIGHTS) : LM_ALL_LIGHTS;
+  if (!wish.isTrial || _seen.isDeep || std::popcount(changed) > MOST_MOVED) {
+    _kept = {};
+    return nullptr;
+  }
+  if (_kept.sums != nullptr && (changed & _kept.lights) == 0)
+    return &_kept;
+  const QRect part = wish.view.part & QRect(area.x, area.y, area.width, area.height);
+  const LM_rect rect = {part.top(), part.left(), part.bottom() + 1, part.right() + 1};
+  const bool relief = _parameters->bumpChannel > 0;
+  _kept = {};
+  return !part.isEmpty() && LM_KeptBytes(rect, relief) <= MOST_BYTES &&
+                 LM_StartKeeping(rect, relief, ~changed, _kept)
+             ? &_kept
+             : nullptr;
 }
 
 limn::LitSettings CanvasLighting::_settings(const FrameWish& wish) {
@@ -262,6 +299,7 @@ limn::LitSettings CanvasLighting::_settings(const FrameWish& wish) {
   _setRelief(wish.recipe, *parameters, settings);
   limn::FitRelief(*parameters, size.width(), full.width());
   settings.parameters = parameters;
+  settings.kept = _keep(wish, settings);
   const QImage& mask = wish.selection.mask;
   if (mask.isNull())
     return settings;

@@ -3,6 +3,8 @@
 
 #include "EditorDocument.h"
 
+#include "LM_render.h"
+
 #include <QImage>
 #include <QObject>
 #include <QThreadPool>
@@ -27,7 +29,8 @@ struct FrameWish {
   Selection selection;
   int original = 0; // the document's number of it
   bool marksEnds = false;
-  int number = 0; // of this wish
+  bool isTrial = false; // of lights that are tried out: another is soon to come
+  int number = 0;       // of this wish
 };
 
 // One complete picture of a view, in 32-bit colour. Null when it could not be made: problem says
@@ -43,7 +46,8 @@ struct Frame {
 };
 
 // At the picture's own size, the bytes that saving writes, in 8 bits; below, those of a thumbnail
-// of that size. One frame is made at a time, of the latest wish.
+// of that size. One frame is made at a time, of the latest wish. While a light or two are dragged,
+// what the others give is kept, and while the surface is changed what all give.
 class CanvasLighting : public QObject {
   Q_OBJECT
 
@@ -89,9 +93,15 @@ private:
   void _setRelief(const Recipe& recipe, foo& parameters, limn::LitSettings& settings);
   vips::VImage _channel(int number);
   limn::LitSettings _settings(const FrameWish& wish);
+  LM_kept_sums* _keep(const FrameWish& wish, const limn::LitSettings& settings);
+  void _forgetSums();
 
   EditorDocument& _document;
-  Seen _seen; // this and the pictures belong to the thread at work
+  // Of the frame before.
+  std::shared_ptr<const foo> _parameters;
+  limn_area _area = {};
+  LM_kept_sums _kept = {}; // of the lights that have not moved since, while some are tried out
+  Seen _seen;              // this and the pictures belong to the thread at work
   // Those that were made last: what nobody else holds any more is written again.
   std::array<QImage, 6> _pictures;
   std::mutex _wishing;

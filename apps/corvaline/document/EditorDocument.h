@@ -73,6 +73,7 @@ public:
   // Shows other lights without keeping them, until something is kept or stopTrying.
   void tryLights(const LM_style& lights);
   void stopTrying();
+  bool isTrying() const { return _tried.has_value(); }
   // Makes it the recipe. step: what undoing it is called, "Move Light".
   void keep(Recipe recipe, const QString& step);
   void keepLights(const LM_style& lights, const QString& step) { keep(withLights(lights), step); }
