@@ -51,6 +51,21 @@ void MakeStrong(foo& params, SceneRandom& random) {
   params.lights[LM_LightCount(&params) - 1].position.y = NAN;
 }
 
+// Wider than a block or not as wide as vectors, flat or in relief, its lights usual, loud or
+// strong.
+struct KeptScene {
+  KeptScene(uint64_t seed, SceneRandom& random)
+      : scene(SizedScene(seed, seed % 4 < 2 ? 1039 : 77, 9, seed % 2 == 1)),
+        params(*EngineRun(scene).Convert(0)) {
+    if (seed % 3 == 0)
+      MakeLoud(params, random);
+    if (seed % 3 == 1)
+      MakeStrong(params, random);
+  }
+  Scene scene;
+  foo params;
+};
+
 // A row of samples with its sums, and caches for every second light.
 struct KeptSamples {
   KeptSamples(int n, bool flat, SceneRandom& random)
@@ -132,14 +147,9 @@ TEST(Kernels, KeptSumsGiveWhatLightGives) {
     GTEST_SKIP() << "no vector kernels here";
   SceneRandom random(53);
   for (uint64_t seed = 0; seed < 24 && !testing::Test::HasFailure(); ++seed) {
-    // Wider than a block, and not as wide as vectors.
-    const Scene scene = SizedScene(900 + seed, seed % 4 < 2 ? 1039 : 77, 9, seed % 2 == 1);
-    EngineRun settings(scene);
-    foo params = *settings.Convert(0);
-    if (seed % 3 == 0)
-      MakeLoud(params, random);
-    if (seed % 3 == 1)
-      MakeStrong(params, random);
+    const KeptScene kind(900 + seed, random);
+    const Scene& scene = kind.scene;
+    const foo& params = kind.params;
     const LM_rect all = {0, 0, scene.height, scene.width};
     for (const LM_kernels* kernels : AllKernels()) {
       SCOPED_TRACE(scene.name + " " + std::to_string(seed) + ", " + NameOf(kernels));
@@ -168,13 +178,9 @@ TEST(Kernels, LightsOverKeptSumsGiveWhatAllGive) {
     GTEST_SKIP() << "no vector kernels here";
   SceneRandom random(54);
   for (uint64_t seed = 0; seed < 24 && !testing::Test::HasFailure(); ++seed) {
-    const Scene scene = SizedScene(950 + seed, seed % 4 < 2 ? 1039 : 77, 9, seed % 2 == 1);
-    EngineRun settings(scene);
-    foo params = *settings.Convert(0);
-    if (seed % 3 == 0)
-      MakeLoud(params, random);
-    if (seed % 3 == 1)
-      MakeStrong(params, random);
+    const KeptScene kind(950 + seed, random);
+    const Scene& scene = kind.scene;
+    const foo& params = kind.params;
     const auto count = static_cast<uint32_t>(LM_LightCount(&params));
     const uint32_t moving = random.Next() & ((1U << count) - 1);
     for (const LM_kernels* kernels : AllKernels()) {
@@ -189,7 +195,7 @@ TEST(Kernels, LightsOverKeptSumsGiveWhatAllGive) {
         ExpectSamePicture(plain.Picture(), kept.Picture(), scene.width);
         for (uint32_t j = 0; j < count; ++j)
           if ((moving >> j & 1U) != 0)
-            changed.lights[j].color.component[picture] += 12345;
+            changed.lights[j].color.component[picture] ^= 12345;
         EXPECT_EQ(LM_ChangedLights(params, changed), moving);
         changed.exposure = static_cast<int16_t>(random.Between(0, 255));
         kept.ChangeLights(changed);
