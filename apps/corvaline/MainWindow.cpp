@@ -64,6 +64,7 @@ void MainWindow::_showState() {
   setWindowModified(_document.isModified());
   for (QAction* action : std::as_const(_imageActions))
     action->setEnabled(hasImage);
+  _lightPanel->widget()->setEnabled(hasImage);
   _undo->setEnabled(_document.canUndo());
   const auto withStep = [](const QString& text, QString step) {
     return text.arg(step.replace('&', "&&")).trimmed();
