@@ -94,29 +94,28 @@ LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store
                                                                  piece.columns[piece.Pixels() - 1],
                                                                  _grid.Y(piece.rect.top),
                                                                  _grid.Y(piece.rect.bottom - 1)},
-      _isPartlyKept((piece.lights->listed & ~KeptLights(piece)) != 0), _lights(), _row(), _over(),
-      _overRow(), _near(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
+      _lights(), _row(), _near(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
       _allFit(false), _y(piece.rect.top) {
   if (!_onVectors)
     return;
   _lights = FirstRow(piece, KeptLights(piece));
   _allFit = LM_FitVectors(_lights, _extent);
   _row = _lights;
-  if (!_isPartlyKept)
+  if ((piece.lights->listed & ~KeptLights(piece)) == 0)
     return;
-  _over = FirstRow(piece, ~KeptLights(piece));
-  _allFit = LM_FitVectors(_over, _extent) && _allFit;
-  _overRow = _over;
+  LM_kernel_lights over = FirstRow(piece, ~KeptLights(piece));
+  _allFit = LM_FitVectors(over, _extent) && _allFit;
+  _over = {over, over};
 }
 
 bool LM_row_driver::_PutLightsIntoRow(float place) {
   const LM_extent row = {_extent.left, _extent.right, place, place};
-  if (!_allFit && !(LM_FitVectors(_lights, row) && LM_FitVectors(_over, row)))
+  if (!_allFit && !(LM_FitVectors(_lights, row) && (!_over || LM_FitVectors(_over->lights, row))))
     return false;
   for (int k = 0; k < _row.omnis + _row.spots; ++k)
     LM_MoveToRow(_lights.light[k], place, _row.light[k]);
-  for (int k = 0; k < _overRow.omnis + _overRow.spots; ++k)
-    LM_MoveToRow(_over.light[k], place, _overRow.light[k]);
+  for (int k = 0; _over && k < _over->row.omnis + _over->row.spots; ++k)
+    LM_MoveToRow(_over->lights.light[k], place, _over->row.light[k]);
   return true;
 }
 
@@ -203,8 +202,8 @@ void LM_row_driver::_LightKept(int32_t y) {
   if (_piece.kept.ready[row] == 0)
     _LightRuns(_row, y, Aim::Keep);
   _piece.kept.ready[row] = 1;
-  if (_isPartlyKept)
-    return _LightRuns(_overRow, y, Aim::Over);
+  if (_over)
+    return _LightRuns(_over->row, y, Aim::Over);
   _piece.kernels->combine(SurfaceOf(*_piece.params), _piece.params->ambient.component,
                           _piece.kept.sums + row * _piece.kept.stride, _piece.Facets(),
                           static_cast<int>(_piece.Pixels()),

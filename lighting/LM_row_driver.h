@@ -2,6 +2,8 @@
 // to be kept, by the plain arithmetic otherwise, with the same bytes.
 #pragma once
 
+#include <optional>
+
 #include "LM_deep_pixels.h"
 #include "LM_height_rows.h"
 #include "LM_image.h"
@@ -89,11 +91,13 @@ private:
   LM_height_rows _heights;
   LM_vector_sums _sums;
   LM_extent _extent;        // of the piece's samples
-  bool _isPartlyKept;       // of the lights, only some are in the sums
   LM_kernel_lights _lights; // in no row yet
   LM_kernel_lights _row;    // as a row sees them
-  LM_kernel_lights _over;   // the same two of those that are not in the sums
-  LM_kernel_lights _overRow;
+  // The same two of the lights that are not in kept sums, where those hold only some.
+  struct Over {
+    LM_kernel_lights lights, row;
+  };
+  std::optional<Over> _over;
   LM_kernel_lights _near; // those that reach a part of it
   bool _onVectors;        // rows whose lights allow it go through the planes
   bool _allFit;           // every row allows it

@@ -46,7 +46,8 @@ void MakeStrong(foo& params, SceneRandom& random) {
     for (float& entry : light.spreadTable)
       if (random.OneIn(2))
         entry = ODD[random.Between(0, 6)];
-    light.position.z *= random.OneIn(2) ? 1e4F : 1.0F;
+    (light.type == LM_LIGHT_DIRECTIONAL ? light.direction : light.position).z *=
+        random.OneIn(2) ? 1e4F : 1.0F;
   }
   params.lights[LM_LightCount(&params) - 1].position.y = NAN;
 }
