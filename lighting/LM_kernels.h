@@ -105,7 +105,8 @@ struct LM_kernels {
   void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
                int n, const int32_t* const* heights, const LM_deep_planes& planes);
   // The sums that flat and relief combine, kept: LM_KEPT_SUMS of each of n pixels or, with heights,
-  // of its LM_FACETS facets. The lights begin without the ambient light.
+  // of its LM_FACETS facets. The lights begin without the ambient light. This and the next two are
+  // null where nothing is ever kept.
   void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
                int32_t* kept);
   // Lights n pixels by sums that were kept, and the ambient light.

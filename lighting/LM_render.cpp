@@ -62,10 +62,12 @@ size_t KeptFlags(const LM_rect& rect) {
 
 // The rows of a block that begins `column` pixels into the rectangle, in the sums that are kept for
 // it.
-LM_kept_rows KeptRows(const LM_render_views& views, const LM_rect& rect, int32_t column) {
+LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, const LM_rect& rect,
+                      int32_t column) {
   const bool flat = views.relief.pixels == nullptr;
   const LM_kept_sums* const kept = views.kept;
-  if (kept == nullptr || kept->sums == nullptr || (kept->facets == 1) != flat ||
+  if (kept == nullptr || kept->sums == nullptr || job.kernels == nullptr ||
+      job.kernels->keep == nullptr || (kept->facets == 1) != flat ||
       views.kind != LM_pixel_kind::Bytes || rect.left != kept->rect.left ||
       rect.right != kept->rect.right || !LM_Contains(kept->rect, rect))
     return {};
@@ -206,7 +208,7 @@ LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& 
     piece.rect.left = x;
     piece.rect.right = std::min(rect.right, x + LM_RENDER_BLOCK);
     piece.columns = job.columns.get() + (x - job.area.left);
-    piece.kept = KeptRows(views, rect, x - rect.left);
+    piece.kept = KeptRows(job, views, rect, x - rect.left);
     LM_row_driver driver(piece, LM_ScratchStore(scratch.samples), scratch.buffers);
     for (int32_t y = rect.top; y < rect.bottom; ++y)
       driver.LightNextRow();

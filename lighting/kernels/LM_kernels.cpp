@@ -22,7 +22,9 @@
 #include "LM_deep_kernel-inl.h"
 #include "LM_deep_rows-inl.h"
 #include "LM_flat_kernel-inl.h"
+#if !HWY_ARCH_WASM
 #include "LM_kept_kernel-inl.h"
+#endif
 #include "LM_pixel_kernels-inl.h"
 #include "LM_relief_kernel-inl.h"
 #include "LM_sum_kernel-inl.h"
@@ -34,6 +36,12 @@ namespace {
 namespace HWY_NAMESPACE {
 
 #if LM_TARGET_HAS_KERNELS
+#if HWY_ARCH_WASM
+// Nothing is kept there, and everybody loads the module.
+constexpr decltype(LM_kernels::keep) KeepSums = nullptr;
+constexpr decltype(LM_kernels::combine) CombineKept = nullptr;
+constexpr decltype(LM_kernels::over) LightOver = nullptr;
+#endif
 const LM_kernels* TargetKernels() {
   static const LM_kernels kernels = {hwy::TargetName(HWY_TARGET),
                                      SplitPlanes,
