@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <bit>
 #include <tuple>
+#include <unistd.h>
 #include <utility>
 
 namespace editor {
@@ -49,6 +50,16 @@ void MarkEnds(const QImage& lit, QImage& shown) {
       into[x] = most == 255 ? BURNT : most == 0 ? DROWNED : into[x];
     }
   }
+}
+
+// Of the machine's memory, what sums may take while something is dragged.
+uint64_t MostKept() {
+  constexpr uint64_t MOST = 1 << 30;
+  const long pages = sysconf(_SC_PHYS_PAGES);
+  const long size = sysconf(_SC_PAGESIZE);
+  return pages > 0 && size > 0
+             ? std::min(MOST, static_cast<uint64_t>(pages) * static_cast<uint64_t>(size) / 8)
+             : MOST / 8;
 }
 
 // The image with no more of its pixels made, and kept, than the part and what its relief reads.
@@ -256,7 +267,6 @@ void CanvasLighting::_forgetSums() {
 // Where the frame keeps sums, or finds them; null when too much has changed since the last one.
 LM_kept_sums* CanvasLighting::_keep(const FrameWish& wish, const limn::LitSettings& settings) {
   constexpr int MOST_MOVED = 2;
-  constexpr uint64_t MOST_BYTES = 256 << 20;
   const std::shared_ptr<const foo> before = std::exchange(_parameters, settings.parameters);
   const limn_area area = *settings.area;
   const limn_area areaBefore = std::exchange(_area, area);
@@ -275,7 +285,7 @@ LM_kept_sums* CanvasLighting::_keep(const FrameWish& wish, const limn::LitSettin
   const LM_rect rect = {part.top(), part.left(), part.bottom() + 1, part.right() + 1};
   const bool relief = _parameters->bumpChannel > 0;
   _kept = {};
-  return !part.isEmpty() && LM_KeptBytes(rect, relief) <= MOST_BYTES &&
+  return !part.isEmpty() && LM_KeptBytes(rect, relief) <= MostKept() &&
                  LM_StartKeeping(rect, relief, ~changed, _kept)
              ? &_kept
              : nullptr;
