@@ -46,7 +46,7 @@ QString LightsSentence(const OpenedImage& image) {
     return {};
   const QString name = QFileInfo(image.path).fileName();
   const QString original = QFileInfo(image.original).fileName();
-  const QString back =
+  QString back =
       name == original ? MainWindow::tr("The lights of %1 are back").arg(name)
                        : MainWindow::tr("The lights of %1 are back, over %2").arg(name, original);
   if (image.lights.missing.isEmpty())

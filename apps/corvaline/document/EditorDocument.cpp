@@ -289,7 +289,7 @@ CVResult EditorDocument::_light(const QRect& area, const GoOn& goOn) {
 CVResult EditorDocument::_changePixels(const QString& name,
                                        const std::function<CVResult()>& change) {
   const QRect area = filterArea();
-  const CVResult result = CVGuarded("the picture's pixels", [&]() -> CVResult {
+  CVResult result = CVGuarded("the picture's pixels", [&]() -> CVResult {
     const std::unique_lock lock(_lock);
     Step step = _stepBack(name, area);
     CVResult changed = CVGuarded("the picture's pixels", [&]() -> CVResult {
