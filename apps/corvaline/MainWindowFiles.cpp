@@ -46,9 +46,9 @@ QString LightsSentence(const OpenedImage& image) {
     return {};
   const QString name = QFileInfo(image.path).fileName();
   const QString original = QFileInfo(image.original).fileName();
-  QString back =
-      name == original ? MainWindow::tr("The lights of %1 are back").arg(name)
-                       : MainWindow::tr("The lights of %1 are back, over %2").arg(name, original);
+  QString back = name == original
+                     ? MainWindow::tr("The lights of %1 are back").arg(name)
+                     : MainWindow::tr("The lights of %1 are back, over %2").arg(name, original);
   if (image.lights.missing.isEmpty())
     return back;
   return back + ", " + MainWindow::tr("without %1").arg(image.lights.missing.join(", "));
