@@ -46,6 +46,8 @@ protected:
       settings->gloss = static_cast<int16_t>(gloss - i % 2);
       isSaved = Replace("Mine");
     }
+    if (!isSaved)
+      std::perror("a save failed; the system's last word");
     _exit(isSaved ? 0 : 1);
   }
   static int EndOf(pid_t process) {
