@@ -278,6 +278,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   Call(LM_SEL_FINISH);
   if (here.data != 0)
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): an integer by contract
     LM_DestroyGlobals(reinterpret_cast<LM_globals*>(here.data));
   DisposeHandle(here.record.savedParams);
   Check(TB_BlocksInUse() == blocks, "nothing is left behind");

@@ -42,6 +42,10 @@ ExitCode CodeOf(CVOutcome outcome) {
 
 void ParsePixels(const std::string& option, const std::string& text, const char* form,
                  std::span<int> numbers) {
+  const auto refuse = [&] {
+    throw Failure(ExitCode::WrongUsage,
+                  option + " " + text + ": is not of the form " + form + " in pixels");
+  };
   const char* next = text.data();
   const char* const end = next + text.size();
   for (int& number : numbers) {
@@ -49,8 +53,7 @@ void ParsePixels(const std::string& option, const std::string& text, const char*
     const bool isLast = &number == &numbers.back();
     const bool isSeparated = isLast ? stop == end : stop != end && *stop == ',';
     if (error != std::errc() || !isSeparated || number < 0 || number > LIMN_LONGEST_SIDE)
-      throw Failure(ExitCode::WrongUsage,
-                    option + " " + text + ": is not of the form " + form + " in pixels");
+      refuse();
     next = stop + (isLast ? 0 : 1);
   }
 }
