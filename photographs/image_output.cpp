@@ -54,7 +54,7 @@ constexpr const char* PFM_DEFAULTS = "strip,format=pfm";
 // Formats in one file that hold a photograph. Folders of tiles, tables of numbers and the like are
 // not among them. Files are read by their content (image_source.cpp); here are the names of those
 // that are.
-constexpr Format FORMATS[] = {
+constexpr Format WRITTEN_FORMATS[] = {
     {".jpg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
     {".jpeg", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
     {".jpe", ".jpg", JPEG_DEFAULTS, 3, Exif::Kept, NONE, true},
@@ -80,7 +80,7 @@ const Format* FindFormat(const std::string& path) {
   std::string extension = std::filesystem::path(path).extension().string();
   for (char& letter : extension)
     letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-  for (const Format& format : FORMATS)
+  for (const Format& format : WRITTEN_FORMATS)
     if (extension == format.extension)
       return &format;
   return nullptr;
@@ -248,7 +248,7 @@ bool IsName(const std::string& path, Use use) {
 
 std::vector<std::string> Extensions(Use use) {
   std::vector<std::string> extensions;
-  for (const Format& format : FORMATS)
+  for (const Format& format : WRITTEN_FORMATS)
     if (IsFor(format, use))
       extensions.emplace_back(format.extension);
   return extensions;

@@ -68,7 +68,7 @@ struct InputFormat {
 
 using namespace std::string_view_literals;
 
-constexpr InputFormat FORMATS[] = {
+constexpr InputFormat READ_FORMATS[] = {
     {0, "\xff\xd8\xff"sv, Load<vips::VImage::jpegload_source>},
     {0, "\x89PNG\r\n\x1a\n"sv, Load<vips::VImage::pngload_source>},
     {0, "II*\0"sv, Load<vips::VImage::tiffload_source>},
@@ -107,7 +107,7 @@ const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
   if (size == 0)
     throw Failure(ExitCode::BadInput, path + ": is empty");
   const std::string_view bytes(start, size);
-  for (const InputFormat& format : FORMATS)
+  for (const InputFormat& format : READ_FORMATS)
     if (bytes.size() > format.offset && bytes.substr(format.offset).starts_with(format.magic))
       return format;
   throw Failure(

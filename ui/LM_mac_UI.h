@@ -17,6 +17,9 @@ constexpr int16_t LM_SAVE_AS_DIALOG = 16002;
 constexpr int16_t LM_OVERWRITE_DIALOG = 16004;
 constexpr int16_t LM_DELETE_DIALOG = 16005;
 
+// What a dialog that cannot be shown any more answers instead of an item.
+constexpr int16_t LM_NO_DIALOG = -1;
+
 // String lists. Each has what is named here as item 1.
 constexpr int16_t LM_PERCENT_LABELS = 134; // labels of a slider that counts from 0 to 100
 constexpr int16_t LM_AMBIENT_COLOR_PROMPT = 135;

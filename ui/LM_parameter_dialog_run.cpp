@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int16_t NO_DIALOG = -1;
-
 struct ItemFetch {
   int16_t item;
   void (*fetch)(DialogPtr, LM_globals*);
@@ -112,7 +110,7 @@ int16_t RunDialog(LM_style_menu& menu) {
     int16_t result = static_cast<int16_t>(GetWRefCon(menu.dialog));
     if (result != CV_RESULT_OK)
       return result;
-    if (item == LM_CANCEL_ITEM || item == NO_DIALOG)
+    if (item == LM_CANCEL_ITEM || item == LM_NO_DIALOG)
       return CV_RESULT_STOPPED;
     const LM_style_outcome outcome = AnswerItem(menu, item);
     result = outcome.result;

@@ -12,7 +12,6 @@ constexpr int16_t DECLINE_ITEM = 1; // of a confirmation: what every key presses
 constexpr int16_t CONFIRM_ITEM = 2;
 constexpr int16_t OUTLINE_ITEM = 3;
 constexpr int16_t NAME_ITEM = 4;
-constexpr int16_t NO_DIALOG = -1;
 // What the filter makes of a click on the item that confirms: no dialog has such an item, so that
 // neither a key nor the closing of the window, which hit the item itself, confirms anything.
 constexpr int16_t CONFIRMED = -2;
@@ -89,7 +88,7 @@ LM_bool Confirm(int16_t number, ConstStr255Param name) {
   ParamText(name, empty, empty, empty);
   ShowWindow(confirmation.dialog);
   int16_t item = 0;
-  while (item != DECLINE_ITEM && item != CONFIRM_ITEM && item != CONFIRMED && item != NO_DIALOG)
+  while (item != DECLINE_ITEM && item != CONFIRM_ITEM && item != CONFIRMED && item != LM_NO_DIALOG)
     ModalDialog(FilterConfirmation, &item);
   return item == CONFIRMED ? 1 : 0;
 }
@@ -105,7 +104,7 @@ LM_bool LM_AskSaveAsName(FilterRecord* record, StringPtr name) {
   SelectDialogItemText(asking.dialog, NAME_ITEM, 0, INT16_MAX);
   ShowWindow(asking.dialog);
   int16_t item = 0;
-  while (item != ACCEPT_ITEM && item != kCancelItem && item != NO_DIALOG)
+  while (item != ACCEPT_ITEM && item != kCancelItem && item != LM_NO_DIALOG)
     MoveableModalDialog(record->processEvent, nullptr, &item);
   if (item != ACCEPT_ITEM)
     return 0;

@@ -148,7 +148,7 @@ CVResult FilterRunner::run(EditorDocument& document, CVDialog dialog, const QStr
   options.progress = [&](double share) { progress.show(share); };
   currentProgress = &progress;
   _running = true;
-  const CVResult result =
+  CVResult result =
       isOwn() ? _ask(document, options, progress, title) : _run(document, options, progress, title);
   _running = false;
   currentProgress = nullptr;

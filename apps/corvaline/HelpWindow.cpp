@@ -29,7 +29,7 @@ public:
 
 protected:
   QVariant loadResource(int type, const QUrl& name) override {
-    const QVariant found = QTextBrowser::loadResource(type, name);
+    QVariant found = QTextBrowser::loadResource(type, name);
     if (type == QTextDocument::MarkdownResource) {
       static const QRegularExpression note("<!--.*?-->",
                                            QRegularExpression::DotMatchesEverythingOption);

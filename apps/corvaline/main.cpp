@@ -81,8 +81,10 @@ void Begin(Windows& windows, const editor::EditorOptions& options) {
     images.emplace_back();
   for (size_t i = 0; i < images.size(); ++i)
     Open(i == 0 ? windows.of({}) : windows.add(), images[i], options);
-  for (editor::LostLights& lost : editor::FindLostLights())
-    windows.of(lost.picture).offer(std::move(lost));
+  for (editor::LostLights& lost : editor::FindLostLights()) {
+    editor::MainWindow& window = windows.of(lost.picture);
+    window.offer(std::move(lost));
+  }
 }
 
 int RunEditor(const editor::EditorOptions& options) {

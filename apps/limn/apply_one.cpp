@@ -79,8 +79,8 @@ struct PlanesBeingLit {
   std::shared_ptr<std::atomic<bool>> hasSourceFailed;
 };
 
-PlanesBeingLit Light(const LightingOfPhotographs& light, const ApplyTools& tools,
-                     const std::string& path, const vips::VImage& planes) {
+PlanesBeingLit LightPlanes(const LightingOfPhotographs& light, const ApplyTools& tools,
+                           const std::string& path, const vips::VImage& planes) {
   PlanesBeingLit lit;
   if (tools.plugin) {
     auto [surroundings, style] = light.Fitted(path, planes);
@@ -136,7 +136,7 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
       tellNotices();
       return {width, height};
     }
-    lit = Light(light, tools, pair.input, opened.planes);
+    lit = LightPlanes(light, tools, pair.input, opened.planes);
     recipe.PutInto(opened.metadata, pair.output, opened.notices);
     vips_image_set_progress(lit.planes.get_image(), TRUE);
     g_signal_connect(lit.planes.get_image(), "eval", G_CALLBACK(ProgressTeller::Tell), &teller);

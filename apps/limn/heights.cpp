@@ -66,7 +66,7 @@ LM_height_source SourceOf(const HeightsOptions& options) {
   NamedStyle named{};
   named.style.bumpChannel = 1;
   named.relief.kind = LM_height_kind::Auto;
-  const LM_height_source source = ReliefOf(options.relief, named, options.channels);
+  LM_height_source source = ReliefOf(options.relief, named, options.channels);
   if (source.kind == LM_height_kind::None)
     throw Failure(ExitCode::WrongUsage, "--relief none: leaves no heights to write");
   return source;

@@ -13,7 +13,7 @@ namespace {
 
 typedef std::vector<std::string> Rows;
 
-struct Figure {
+struct DrawingFigure {
   const char* name;
   std::function<void()> draw;
   Rows rows;
@@ -21,7 +21,7 @@ struct Figure {
 
 const Rect SEVEN = {1, 1, 8, 8};
 
-const Figure FIGURES[] = {
+const DrawingFigure DRAWING_FIGURES[] = {
     {"a line of one point is one square",
      [] { DrawLineFromTo(2, 1, 2, 1); },
      {"....", "..#.", "....", "...."}},
@@ -84,7 +84,7 @@ const Figure FIGURES[] = {
 };
 
 TEST(Drawing, FiguresCoverTheirSquares) {
-  for (const Figure& figure : FIGURES) {
+  for (const DrawingFigure& figure : DRAWING_FIGURES) {
     TestPort port(static_cast<short>(figure.rows[0].size()),
                   static_cast<short>(figure.rows.size()));
     figure.draw();

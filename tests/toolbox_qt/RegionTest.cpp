@@ -7,7 +7,7 @@
 
 namespace {
 
-struct Figure {
+struct RegionFigure {
   const char* name;
   std::function<void()> frame;
   std::function<void()> fill; // the squares that belong to the region
@@ -35,7 +35,7 @@ const Rect HANDLE = {5, 5, 10, 10};
 const Rect OVAL = {4, 3, 11, 10};
 const Rect ELLIPSE = {2, 1, 13, 19};
 
-const Figure FIGURES[] = {
+const RegionFigure REGION_FIGURES[] = {
     {"rectangle", [] { FrameRect(&HANDLE); }, [] { PaintRect(&HANDLE); }},
     {"oval", [] { FrameOval(&OVAL); }, [] { PaintOval(&OVAL); }},
     {"wide oval", [] { FrameOval(&ELLIPSE); }, [] { PaintOval(&ELLIPSE); }},
@@ -60,7 +60,7 @@ const Figure FIGURES[] = {
 };
 
 TEST(Region, RecordsWhatFramesSurround) {
-  for (const Figure& figure : FIGURES) {
+  for (const RegionFigure& figure : REGION_FIGURES) {
     TestPort port(20, 14);
     const std::vector<std::string> blank = port.Rows();
     RgnHandle region = NewRgn();

@@ -9,7 +9,7 @@
 
 namespace {
 
-struct Figure {
+struct ReversibleFigure {
   const char* name;
   std::function<void()> draw;
 };
@@ -28,7 +28,7 @@ void DrawEllipse(double axisH, double axisV, double tilt) {
   }
 }
 
-const Figure FIGURES[] = {
+const ReversibleFigure REVERSIBLE_FIGURES[] = {
     {"flat line", [] { DrawLineFromTo(3, 40, 110, 61); }},
     {"steep line", [] { DrawLineFromTo(90, 3, 61, 97); }},
     {"horizontal line", [] { DrawLineFromTo(5, 33, 77, 33); }},
@@ -69,7 +69,7 @@ TEST_P(Reversible, AFigureDrawnTwiceChangesNothing) {
   TestPort port(120, 100, GetParam());
   PaintGround();
   const QImage before = TB_PortImage(port.port);
-  for (const Figure& figure : FIGURES) {
+  for (const ReversibleFigure& figure : REVERSIBLE_FIGURES) {
     for (bool clipped : {false, true}) {
       SetClipped(clipped);
       PenNormal();

@@ -13,6 +13,9 @@
 #include <string>
 #include <vector>
 
+// Milliseconds until a key has flashed its button, and the next dialog is there.
+constexpr int KEY_ANSWERED = 250;
+
 enum class HostService { NextTile, ShowPixels, QueryProperty, PickColor };
 
 // What the host answers, and what it was asked.

@@ -18,7 +18,6 @@
 namespace {
 
 constexpr int DIALOG_OPENS = 40;  // milliseconds until a small dialog is there
-constexpr int KEY_ANSWERED = 250; // and until a key has flashed its button, and the next is there
 
 class DialogStyles : public DialogRun {
 protected:

@@ -10,7 +10,6 @@
 namespace {
 
 constexpr Point OUTSIDE = {420, 8};
-constexpr int KEY_ANSWERED = 250; // milliseconds until a key has flashed its button
 
 TEST_F(DialogRun, OpensWithTheDefaultStyleItsControlsShowingIt) {
   RunAndCancel([&](ToolboxScript& script) {

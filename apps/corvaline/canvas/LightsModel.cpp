@@ -65,6 +65,7 @@ LM_light_figure LightsModel::figure(int index) const {
 
 std::vector<LM_light_figure> LightsModel::figures() const {
   std::vector<LM_light_figure> all;
+  all.reserve(static_cast<size_t>(count()));
   for (int i = 0; i < count(); ++i)
     all.push_back(figure(i));
   return all;

@@ -7,6 +7,8 @@
 #include <QImage>
 #include <QPointF>
 #include <QRegion>
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -51,6 +53,11 @@ GrafPort* NewPort(const Rect& bounds, double ratio, bool themed);
 void DisposePort(GrafPort* port);
 // A fresh image for another ratio; the content is erased. False leaves the port as it was.
 bool ResizePortImage(PortState& state, double ratio);
+
+// Coordinates have 16 bits.
+inline int16_t CutToCoordinate(double value) {
+  return static_cast<int16_t>(std::clamp(value, -32768.0, 32767.0));
+}
 
 // The state of a port that is a window's; null for another port, and for one that has gone.
 PortState* WindowStateOf(const GrafPort* port);

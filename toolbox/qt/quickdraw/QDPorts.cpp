@@ -51,10 +51,6 @@ GrafPort* NoPort() {
   return &port;
 }
 
-int16_t Cut(double value) {
-  return static_cast<int16_t>(std::clamp(value, -32768.0, 32767.0));
-}
-
 GrafPort*& Current() {
   static GrafPort* current = nullptr;
   return current;
@@ -254,13 +250,13 @@ Point ToLocal(const GrafPort& port, QPointF global) {
   const PortState& state = *port.state;
   if (state.window != nullptr)
     global = (global - state.window->mapToGlobal(QPointF(0, 0))) / state.windowScale;
-  return Point{Cut(std::floor(global.y())), Cut(std::floor(global.x()))};
+  return Point{CutToCoordinate(std::floor(global.y())), CutToCoordinate(std::floor(global.x()))};
 }
 
 Point GlobalOrigin(const GrafPort& port) {
   const QWidget* window = port.state->window;
   const QPoint origin = window != nullptr ? window->mapToGlobal(QPoint(0, 0)) : QPoint(0, 0);
-  return Point{Cut(origin.y()), Cut(origin.x())};
+  return Point{CutToCoordinate(origin.y()), CutToCoordinate(origin.x())};
 }
 
 QPointF ToScreen(const GrafPort& port, Point point) {

@@ -16,10 +16,6 @@ bool HasFonts() {
   return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
-short Cut(double value) {
-  return static_cast<short>(std::clamp(value, -32768.0, 32767.0));
-}
-
 double WidthOf(const QString& text) {
   if (!HasFonts() || text.isEmpty())
     return 0;
@@ -86,9 +82,9 @@ void DrawString(ConstStr255Param text) {
     port.painter.setPen(QColor::fromRgb(ForegroundInk(state, box)));
     port.painter.drawText(QPointF(place.h, place.v), string);
   }
-  place.h = Cut(place.h + std::round(width));
+  place.h = CutToCoordinate(place.h + std::round(width));
 }
 
 short StringWidth(ConstStr255Param text) {
-  return Cut(std::ceil(WidthOf(ToQString(text))));
+  return CutToCoordinate(std::ceil(WidthOf(ToQString(text))));
 }
