@@ -12,10 +12,6 @@ namespace {
 // Squared lengths between which the kernels' reciprocal root is proven.
 constexpr float LEAST_SQUARE = 0x1p-96F;
 constexpr float MOST_SQUARE = 0x1p96F;
-// Float products below this convert to integers in every instruction set alike; a little less than
-// 2^31, for the roundings on the way.
-constexpr double MOST_PRODUCT = 2140000000.0;
-
 // The largest magnitude in a falloff table, infinite or NaN when it holds such a number. Without
 // their signs floats are in the order of their bits, which compilers put on vectors: a tile of a
 // real run asks this for each of its spots.
@@ -160,7 +156,8 @@ bool LM_FitsVectors(LM_kernel_light& light, bool directional, const LM_extent& e
   const float least = x.least + y.least + light.zSquare;
   const float most = x.most + y.most + light.zSquare;
   const double longest = std::max(1.0, std::sqrt(static_cast<double>(most)));
-  light.strong = light.strong || !(static_cast<double>(light.strongest) * longest < MOST_PRODUCT);
+  light.strong =
+      light.strong || !(static_cast<double>(light.strongest) * longest < LM_MOST_PRODUCT);
   return least >= LEAST_SQUARE && most <= MOST_SQUARE && !std::isnan(light.strongest);
 }
 

@@ -11,11 +11,20 @@
 // Elements that a kernel may read, or overwrite, after the last one of a row that it is given.
 constexpr int LM_KERNEL_SLACK = 64;
 
+// The products of lights that are not strong are smaller than this and convert to integers in every
+// instruction set alike: a little less than 2^31, or 2^22 where the kernels convert by the bits of
+// a float (TruncateProduct), for the roundings on the way.
+#ifdef __wasm_simd128__
+constexpr double LM_MOST_PRODUCT = 4190000.0;
+#else
+constexpr double LM_MOST_PRODUCT = 2140000000.0;
+#endif
+
 // A light in one row of samples. y is the row's own: from the sample to the light.
 struct LM_kernel_light {
   float color[LM_PLANES];
   bool gray;     // all planes alike
-  bool strong;   // its products may leave 32 bits, or be NaN
+  bool strong;   // its products may reach LM_MOST_PRODUCT, or be NaN
   float x, y, z; // omni and spot: the light's x, and the way to it; directional: the direction
   float ySquare, zSquare;
   float inverse;      // directional: of the direction's length

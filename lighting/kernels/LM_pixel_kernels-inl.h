@@ -93,11 +93,13 @@ HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats f
             hn::Add(sums.p2, StrongPart(light, 2, factor))};
     return;
   }
-  const Ints part = Truncate(hn::Mul(SetFloat(light.color[0]), factor));
+  const Ints part = TruncateProduct(hn::Mul(SetFloat(light.color[0]), factor));
   const bool gray = light.gray;
   sums.p0 = hn::Add(sums.p0, part);
-  sums.p1 = hn::Add(sums.p1, gray ? part : Truncate(hn::Mul(SetFloat(light.color[1]), factor)));
-  sums.p2 = hn::Add(sums.p2, gray ? part : Truncate(hn::Mul(SetFloat(light.color[2]), factor)));
+  sums.p1 =
+      hn::Add(sums.p1, gray ? part : TruncateProduct(hn::Mul(SetFloat(light.color[1]), factor)));
+  sums.p2 =
+      hn::Add(sums.p2, gray ? part : TruncateProduct(hn::Mul(SetFloat(light.color[2]), factor)));
 }
 
 struct LightSums {
