@@ -29,9 +29,17 @@ option(LIMN_APPS "Build the programs that need libvips and CLI11" ON)
 option(LIMN_QT "Build what needs Qt: the dialog and the desktop host" ON)
 option(LIMN_TESTS "Build the tests" ON)
 option(LIMN_BENCH "Build the benchmarks" ON)
+option(LIMN_UNITY "Compile the files of a program together where they read the same large headers" ON)
 option(LIMN_WERROR "Treat warnings as errors" OFF)
 option(LIMN_FUZZ "Build the fuzzers to search for inputs (clang), not to replay the saved ones" OFF)
 set(LIMN_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+
+# limn_compile_together(): for the targets of this folder and below. Qt's headers, the command line library's and the
+# tests' take several times as long as the code that follows them.
+macro(limn_compile_together)
+  set(CMAKE_UNITY_BUILD ${LIMN_UNITY})
+  set(CMAKE_UNITY_BUILD_BATCH_SIZE 10)
+endmacro()
 
 find_program(LIMN_CCACHE ccache)
 if(LIMN_CCACHE)
