@@ -81,8 +81,10 @@ public:
                      LM_ComponentBytes(reliefKind), _held};
     _views.reliefKind = reliefKind;
   }
-  void Keep() {
-    LM_StartKeeping(_job.area, _views.relief.pixels != nullptr, LM_ALL_LIGHTS, _kept);
+  void Keep(bool tight) {
+    const bool relief = _views.relief.pixels != nullptr;
+    LM_StartKeeping(_job.area, relief, LM_ALL_LIGHTS, _kept,
+                    tight ? LM_TightForm(_job, relief) : LM_kept_form());
     _views.kept = &_kept;
   }
   void Light() {
@@ -170,15 +172,28 @@ void CompareReach() {
 }
 
 void CompareKept() {
-  for (const bool relief : {false, true}) {
-    const LM_style style = StyleOf(16, LM_STYLE_OMNI);
-    Scene anew(style, BYTES, BYTES, relief, HEIGHT), kept(style, BYTES, BYTES, relief, HEIGHT);
-    kept.Keep();
-    const auto times = InTurn({[&] { anew.Light(); }, [&] { kept.Light(); }}, 9);
-    std::printf("1080p, 16 omnis%s: %.1f ms a frame, kept %.1f ms (%d): %.2f of it\n",
-                relief ? " in relief" : "", times[0] * 1e3, times[1] * 1e3, relief ? 5 : 4,
-                times[1] / times[0]);
-  }
+  LM_style white = StyleOf(16, LM_STYLE_OMNI);
+  LM_style colored = white;
+  for (int i = 0; i < 16; ++i)
+    colored.lights[i].color.component[i % 3] = 50000;
+  LM_style few = colored;
+  few.numLights = few.lightsRead = 4;
+  const struct {
+    const char* name;
+    const LM_style& style;
+  } styles[] = {{"16 white", white}, {"16 coloured", colored}, {"4 coloured", few}};
+  for (const bool relief : {false, true})
+    for (const auto& [name, style] : styles) {
+      Scene anew(style, BYTES, BYTES, relief, HEIGHT), wide(style, BYTES, BYTES, relief, HEIGHT),
+          kept(style, BYTES, BYTES, relief, HEIGHT);
+      wide.Keep(false);
+      kept.Keep(true);
+      const auto times =
+          InTurn({[&] { anew.Light(); }, [&] { wide.Light(); }, [&] { kept.Light(); }}, 9);
+      std::printf("1080p, %s omnis%s: %.1f ms a frame, kept wide %.1f ms, packed %.1f ms (%d)\n",
+                  name, relief ? " in relief" : "", times[0] * 1e3, times[1] * 1e3, times[2] * 1e3,
+                  relief ? 5 : 4);
+    }
 }
 
 } // namespace

@@ -97,7 +97,8 @@ LM_kept_sums* KeptFor(const limn_lighting& lighting, const LM_render_views& view
     return nullptr;
   LM_kept_sums& kept = lighting.kept;
   if (kept.sums == nullptr || (kept.facets == 1) != isFlat)
-    LM_StartKeeping(lighting.job->area, !isFlat, LM_ALL_LIGHTS, kept);
+    LM_StartKeeping(lighting.job->area, !isFlat, LM_ALL_LIGHTS, kept,
+                    LM_TightForm(*lighting.job, !isFlat));
   return &kept;
 }
 
@@ -167,7 +168,8 @@ limn_result limn_light(const limn_settings* settings, const limn_picture* pictur
 uint64_t limn_kept_bytes(const limn_lighting* lighting, limn_keep keep) {
   if (lighting == nullptr || (keep != LIMN_KEEP_FLAT && keep != LIMN_KEEP_RELIEF))
     return 0;
-  return LM_KeptBytes(lighting->job->area, keep == LIMN_KEEP_RELIEF);
+  const bool relief = keep == LIMN_KEEP_RELIEF;
+  return LM_KeptBytes(lighting->job->area, relief, LM_TightForm(*lighting->job, relief));
 }
 
 limn_result limn_set_keep(limn_lighting* lighting, limn_keep keep, limn_error* error) {

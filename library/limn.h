@@ -205,8 +205,10 @@ typedef enum limn_keep {
   LIMN_KEEP_RELIEF = 2 /* of those in relief too, as long as the heights of all are the same */
 } limn_keep;
 
-/* What keeping takes, in bytes: 24 for each pixel of the area, in relief four times as many. 0
- * where nothing is kept, or lighting is null. */
+/* What keeping takes with the lighting's settings, in bytes: for each pixel of the area and, in
+ * relief, each of its four facets 5 where all lights are gray, 15 where they are coloured, and 24
+ * where they are so strong and far away that no less does. 0 where nothing is kept, or lighting is
+ * null. */
 LIMN_API uint64_t limn_kept_bytes(const limn_lighting* lighting, limn_keep keep);
 
 /* Keeps from the next run on, and forgets what was kept: call it again when the heights are others.

@@ -32,9 +32,10 @@ public:
       : _plane(plane), _kind(kind), _edges(edges), _first(first), _count(count), _scale(scale),
         _kernels(kernels), _taps(taps) {}
 
-  // Makes the heights of row y. Once the first row is made, the one below each time. heights: room
-  // for LM_KERNEL_SLACK more.
+  // Makes the heights of row y. Once the first row is made, the one below each time, or any after
+  // StartAnew. heights: room for LM_KERNEL_SLACK more.
   void Make(int32_t y, int32_t* heights);
+  void StartAnew() { _hasRowsAbove = false; }
 
 private:
   template <class Tap, class Read> void _FillTaps(int32_t y, Tap* taps, Read read);

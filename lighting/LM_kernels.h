@@ -69,11 +69,27 @@ struct LM_kernel_part {
   LM_color96 *diffuse, *specular;
 };
 
-// Sums of a row that are kept for the next picture: of every vector of pixels its sums plane by
-// plane, diffuse before specular, of a pixel in relief those of its four facets. The order within a
-// vector is the instruction set's own. The ambient light is not in them.
+// Sums of a row that are kept for the next picture. A sample is a pixel or, in relief, one of its
+// four facets; of every vector of pixels its samples' words plane by plane, facet after facet. The
+// order within a vector is the instruction set's own. The ambient light is not in them.
+// Wide: LM_KEPT_SUMS words a sample, the diffuse sums of its planes before the specular ones.
+// Packed: for each plane that differs a word, the diffuse sum of 24 bits over bits 8 to 15 of the
+// specular one; and in the order of the words a byte, its bits 16 to 23. Lower ones are in no
+// pixel.
 constexpr int LM_KEPT_SUMS = 2 * LM_PLANES;
 constexpr int LM_FACETS = 4;
+struct LM_kept_run {
+  int32_t* words;
+  int8_t* tails; // the bytes; null: wide
+  int planes;    // packed: 1 where all planes are alike
+
+  int Words() const { return tails == nullptr ? LM_KEPT_SUMS : planes; } // of a sample
+  // From some samples on.
+  LM_kept_run From(ptrdiff_t samples) const {
+    return {words + samples * Words(), tails == nullptr ? nullptr : tails + samples * Words(),
+            planes};
+  }
+};
 
 // With a larger scale the height of a word may leave 32 bits.
 constexpr int32_t LM_WORD_HEIGHTS_SCALE = 1 << 21;
@@ -113,16 +129,16 @@ struct LM_kernels {
   // as for relief, or null for a flat surface.
   void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
                int n, const int32_t* const* heights, const LM_deep_planes& planes);
-  // The sums that flat and relief combine, kept: LM_KEPT_SUMS of each of n pixels or, with heights,
-  // of its LM_FACETS facets. The lights begin without the ambient light. This and the next two are
-  // null where nothing is ever kept.
+  // The sums that flat and relief combine, kept: those of n pixels or, with heights, of their
+  // facets. They fit the form. The lights begin without the ambient light. This and the next two
+  // are null where nothing is ever kept.
   void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
-               int32_t* kept);
+               const LM_kept_run& kept);
   // Lights n pixels by sums that were kept, and the ambient light.
-  void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const int32_t* kept,
+  void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
                   int facets, int n, const LM_kernel_planes& planes);
-  // Lights n pixels by sums that were kept and lights that are not in them, which begin with the
-  // ambient light. heights: as for keep.
+  // Lights n pixels by wide sums that were kept and lights that are not in them, which begin with
+  // the ambient light. heights: as for keep.
   void (*over)(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
                const int32_t* kept, const float* x, int n, const int32_t* const* heights,
                const LM_kernel_planes& planes);

@@ -46,21 +46,7 @@ bool IsSameLight(const LM_light& a, const LM_light& b) {
   return std::memcmp(&a, &b, OWN) == 0;
 }
 
-// Integers in a row of kept sums; vectors fill the last one up.
-size_t KeptRow(const LM_rect& rect, int facets) {
-  const size_t width = (static_cast<size_t>(rect.right - rect.left) + LM_KERNEL_SLACK - 1) /
-                       LM_KERNEL_SLACK * LM_KERNEL_SLACK;
-  return width * LM_KEPT_SUMS * static_cast<size_t>(facets);
-}
-size_t HeightOf(const LM_rect& rect) {
-  return static_cast<size_t>(rect.bottom - rect.top);
-}
-size_t KeptFlags(const LM_rect& rect) {
-  const int blocks = (rect.right - rect.left + LM_RENDER_BLOCK - 1) / LM_RENDER_BLOCK;
-  return static_cast<size_t>(blocks) * HeightOf(rect);
-}
-
-// The rows of a block that begins `column` pixels into the rectangle, in the sums that are kept for
+// Where a block that begins `column` pixels into the rectangle lies in the sums that are kept for
 // it.
 LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, const LM_rect& rect,
                       int32_t column) {
@@ -71,13 +57,10 @@ LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, co
       views.kind != LM_pixel_kind::Bytes || rect.left != kept->rect.left ||
       rect.right != kept->rect.right || !LM_Contains(kept->rect, rect))
     return {};
-  const size_t stride = KeptRow(kept->rect, kept->facets);
-  const size_t row = static_cast<size_t>(rect.top - kept->rect.top);
-  const size_t block = static_cast<size_t>(column / LM_RENDER_BLOCK);
-  return {kept->sums.get() + row * stride +
-              static_cast<size_t>(column * LM_KEPT_SUMS * kept->facets),
-          static_cast<ptrdiff_t>(stride), kept->ready.get() + block * HeightOf(kept->rect) + row,
-          kept->lights};
+  const int32_t row = rect.top - kept->rect.top;
+  const ptrdiff_t block = column / LM_RENDER_BLOCK;
+  return {kept, column, row,
+          kept->ready.get() + block * (kept->rect.bottom - kept->rect.top) + row};
 }
 
 } // namespace
@@ -162,23 +145,11 @@ LM_render_scratch_pointer LM_NewRenderScratch() {
   return LM_render_scratch_pointer(new (std::nothrow) LM_render_scratch());
 }
 
-uint64_t LM_KeptBytes(const LM_rect& rect, bool relief) {
-  return uint64_t{KeptRow(rect, relief ? LM_FACETS : 1)} * HeightOf(rect) * sizeof(int32_t) +
-         KeptFlags(rect);
-}
-
-bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept) {
-  kept = {};
-  if (LM_KeptBytes(rect, relief) > PTRDIFF_MAX)
-    return false;
-  const int facets = relief ? LM_FACETS : 1;
-  std::unique_ptr<int32_t[]> sums(new (std::nothrow)
-                                      int32_t[KeptRow(rect, facets) * HeightOf(rect)]);
-  std::unique_ptr<uint8_t[]> ready(new (std::nothrow) uint8_t[KeptFlags(rect)]());
-  if (sums == nullptr || ready == nullptr)
-    return false;
-  kept = {facets, rect, lights, std::move(sums), std::move(ready)};
-  return true;
+LM_kept_form LM_TightForm(const LM_render_job& job, bool relief) {
+  const LM_sample_grid grid(job.area, &job.params);
+  return LM_TightForm(relief ? job.reliefLights : job.flatLights, relief,
+                      {job.columns[0], job.columns[static_cast<size_t>(job.AreaWidth()) - 1],
+                       grid.Y(job.area.top), grid.Y(job.area.bottom - 1)});
 }
 
 LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& views,

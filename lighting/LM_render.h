@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "LM_image.h"
-#include "LM_kernel_lights.h"
+#include "LM_kept_sums.h"
 
 enum class LM_render_result {
   Done,
@@ -67,22 +67,8 @@ LM_render_scratch_pointer LM_NewRenderScratch();
 // lights and surface, so that no sum of the one holds for the other.
 std::optional<uint32_t> LM_ChangedLights(const foo& before, const foo& after);
 
-// The sums of light in a part of one job's filter area, kept from picture to picture: they depend
-// on the lights, and in relief on the heights, but on no pixel and on none of gloss, material,
-// exposure and ambience. Rows whose lights vectors do not take are lit anew each time, as
-// everything is without vectors. Threads may share it while their rectangles do not overlap.
-struct LM_kept_sums {
-  int facets;                       // 1 for a flat surface, LM_FACETS for relief
-  LM_rect rect;                     // the part
-  uint32_t lights;                  // which of the block's they hold; others are lit each time
-  std::unique_ptr<int32_t[]> sums;  // null: nothing is kept
-  std::unique_ptr<uint8_t[]> ready; // by block of LM_RENDER_BLOCK columns, then by row
-};
-// What it takes for a part.
-uint64_t LM_KeptBytes(const LM_rect& rect, bool relief);
-// Makes room for sums of the marked lights that are to be kept, and forgets those that were. rect:
-// not empty, and in the filter area. False when memory is short: nothing is kept then.
-bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept);
+// The tightest form for the sums of all the job's lights. It holds while they stay.
+LM_kept_form LM_TightForm(const LM_render_job& job, bool relief);
 
 // What a call reads and writes. source and output: planes 0 to 2 are the first three components of
 // a pixel; further bytes of the output are left alone. They may be the same pixels. relief: the

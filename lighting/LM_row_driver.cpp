@@ -51,7 +51,7 @@ LM_kernel_lights FirstRow(const LM_piece& piece, uint32_t lights) {
 
 // The block's lights that the sums of a piece hold, where there are any; else all.
 uint32_t KeptLights(const LM_piece& piece) {
-  return piece.kept.sums != nullptr ? piece.kept.lights : LM_ALL_LIGHTS;
+  return piece.kept.sums != nullptr ? piece.kept.sums->lights : LM_ALL_LIGHTS;
 }
 
 } // namespace
@@ -95,7 +95,7 @@ LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store
                                                                  _grid.Y(piece.rect.top),
                                                                  _grid.Y(piece.rect.bottom - 1)},
       _lights(), _row(), _near(), _onVectors(piece.kernels != nullptr && store.KeepsNothing()),
-      _allFit(false), _y(piece.rect.top) {
+      _allFit(false), _heightsEnd(0), _y(piece.rect.top) {
   if (!_onVectors)
     return;
   _lights = FirstRow(piece, KeptLights(piece));
@@ -122,9 +122,10 @@ bool LM_row_driver::_PutLightsIntoRow(float place) {
 void LM_row_driver::LightNextRow() {
   const int32_t y = _y++;
   const bool flat = _piece.IsFlat();
-  if (!flat && (_onVectors || _piece.map == nullptr))
-    _FillHeights(y);
   const bool onVectors = _onVectors && _PutLightsIntoRow(_grid.Y(y));
+  const bool feels = !(onVectors && _IsKept(y)) && (_onVectors || _piece.map == nullptr);
+  if (!flat && feels)
+    _FillHeights(y);
   if (_piece.kind != LM_pixel_kind::Bytes) {
     _LightDeep(y, onVectors);
   } else if (onVectors) {
@@ -138,10 +139,19 @@ void LM_row_driver::LightNextRow() {
   }
 }
 
-// Makes the row of heights below row y, and of the first row those above it too.
+// Whether all that row y needs of the heights is kept.
+bool LM_row_driver::_IsKept(int32_t y) const {
+  return _piece.kept.sums != nullptr && _piece.kept.ready[y - _piece.rect.top] != 0 && !_over;
+}
+
+// Makes the row of heights below row y, and those above it too where the row before had none.
 void LM_row_driver::_FillHeights(int32_t y) {
   const int32_t top = _piece.rect.top;
-  for (int32_t row = y == top ? -1 : y - top + 1; row <= y - top + 1; ++row) {
+  const bool goesOn = _heightsEnd == y - top + 1;
+  if (!goesOn)
+    _heights.StartAnew();
+  _heightsEnd = y - top + 2;
+  for (int32_t row = goesOn ? y - top + 1 : y - top - 1; row < _heightsEnd; ++row) {
     int32_t* heights = _buffers.heights.At(row);
     if (_piece.map != nullptr)
       std::copy_n(_piece.map->heights + static_cast<size_t>(row + 1) * _piece.map->width,
@@ -169,14 +179,13 @@ void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t y, int fir
   if (aim == Aim::Light)
     return heights == nullptr ? kernels.flat(lights, surface, columns, n, planes)
                               : kernels.relief(lights, surface, columns, n, heights, planes);
-  int32_t* const kept = _piece.kept.sums + row * _piece.kept.stride +
-                        ptrdiff_t{first} * LM_KEPT_SUMS * _piece.Facets();
+  const LM_kept_run kept = _piece.kept.sums->At(_piece.kept.column + first, _piece.kept.row + row);
   if (aim == Aim::Keep)
     kernels.keep(lights, columns, n, heights, kept);
   else if (lights.Count() == 0 && heights != nullptr)
     kernels.combine(surface, lights.diffuse, kept, _piece.Facets(), n, planes);
   else
-    kernels.over(lights, surface, kept, columns, n, heights, planes);
+    kernels.over(lights, surface, kept.words, columns, n, heights, planes);
 }
 
 // Works out a row, each run of it by those of the row's lights that reach it.
@@ -205,8 +214,8 @@ void LM_row_driver::_LightKept(int32_t y) {
   if (_over)
     return _LightRuns(_over->row, y, Aim::Over);
   _piece.kernels->combine(SurfaceOf(*_piece.params), _piece.params->ambient.component,
-                          _piece.kept.sums + row * _piece.kept.stride, _piece.Facets(),
-                          static_cast<int>(_piece.Pixels()),
+                          _piece.kept.sums->At(_piece.kept.column, _piece.kept.row + row),
+                          _piece.Facets(), static_cast<int>(_piece.Pixels()),
                           {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}});
 }
 

@@ -7,18 +7,17 @@
 #include "LM_deep_pixels.h"
 #include "LM_height_rows.h"
 #include "LM_image.h"
-#include "LM_kernel_lights.h"
+#include "LM_kept_sums.h"
 #include "LM_light_sums.h"
 #include "LM_reach.h"
 #include "LM_sample_store.h"
 #include "LM_vector_sums.h"
 
-// The rows of a piece in a store of sums. sums: null where nothing is kept.
+// A piece's place in a store of sums. sums: null where nothing is kept.
 struct LM_kept_rows {
-  int32_t* sums;    // of the piece's first row
-  ptrdiff_t stride; // integers from a row to the next
-  uint8_t* ready;   // of each row: 1 when its sums are there
-  uint32_t lights;  // bit j: they hold the block's light j
+  const LM_kept_sums* sums;
+  int32_t column, row; // where the piece begins in their rectangle
+  uint8_t* ready;      // of each of the piece's rows: 1 when its sums are there
 };
 
 // All that the rows of a piece have in common. Nothing is owned.
@@ -80,6 +79,7 @@ private:
   void _LightFacets(int32_t y, uint32_t first, uint32_t pixels);
   uint32_t _MakeFacets(int32_t y, uint32_t first, uint32_t pixels);
   void _Combine(uint32_t samples, const uint8_t* colors, uint8_t* out);
+  bool _IsKept(int32_t y) const;
   void _FillHeights(int32_t y);
   const uint8_t* _Packed(int32_t x, int32_t y, uint32_t pixels);
   LM_bump_map _HeightsAround(int32_t y, LM_pixel_run& run);
@@ -101,5 +101,6 @@ private:
   LM_kernel_lights _near; // those that reach a part of it
   bool _onVectors;        // rows whose lights allow it go through the planes
   bool _allFit;           // every row allows it
+  int32_t _heightsEnd;    // the row after the last one of heights, from the piece's first
   int32_t _y;
 };

@@ -18,6 +18,7 @@ typedef struct LightOperation {
   limn_picture prepared;   /* the size that it is for */
   guchar* heights;         /* that its relief was kept for, and how many bytes; or null */
   gsize heightBytes;
+  guint64 keptBytes; /* that it was last told to keep what it can of, flat and in relief */
 } LightOperation;
 
 /* What is kept takes no more than this: film in relief. A large photograph is lit each time. */
@@ -107,6 +108,20 @@ static guchar* BytesOf(GeglBuffer* buffer, const GeglRectangle* box, const Babl*
 static void Forget(LightOperation* self) {
   limn_lighting_free(self->lighting);
   self->lighting = NULL;
+  self->keptBytes = 0;
+  g_free(self->heights);
+  self->heights = NULL;
+}
+
+/* Keeps what lights give to a flat surface. They decide what that takes, so what was kept for
+ * others is forgotten already when it has changed. */
+static void KeepFlat(LightOperation* self) {
+  const guint64 flat = limn_kept_bytes(self->lighting, LIMN_KEEP_FLAT);
+  const guint64 bytes = flat + limn_kept_bytes(self->lighting, LIMN_KEEP_RELIEF);
+  if (self->lighting == NULL || bytes == self->keptBytes)
+    return;
+  self->keptBytes = bytes;
+  limn_set_keep(self->lighting, flat <= MOST_KEPT ? LIMN_KEEP_FLAT : LIMN_KEEP_NOTHING, NULL);
   g_free(self->heights);
   self->heights = NULL;
 }
@@ -122,9 +137,8 @@ static int PrepareLighting(LightOperation* self, const limn_settings* settings,
   if (self->lighting == NULL) {
     self->lighting = limn_prepare(settings, picture, error);
     self->prepared = *picture;
-    if (limn_kept_bytes(self->lighting, LIMN_KEEP_FLAT) <= MOST_KEPT)
-      limn_set_keep(self->lighting, LIMN_KEEP_FLAT, NULL);
   }
+  KeepFlat(self);
   return self->lighting != NULL;
 }
 

@@ -13,72 +13,144 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
-HWY_INLINE void StorePlaneInts(const PlaneInts& values, int32_t* kept) {
-  const IntTag ints;
-  hn::StoreU(values.p0, ints, kept);
-  hn::StoreU(values.p1, ints, kept + Lanes());
-  hn::StoreU(values.p2, ints, kept + 2 * Lanes());
-}
-HWY_INLINE PlaneInts LoadPlaneInts(const int32_t* kept) {
-  const IntTag ints;
-  return {hn::LoadU(ints, kept), hn::LoadU(ints, kept + Lanes()),
-          hn::LoadU(ints, kept + 2 * Lanes())};
-}
+using TailTag = hn::Rebind<int8_t, FloatTag>;
 
-HWY_INLINE void StoreSums(const LightSums& sums, int32_t* kept) {
-  StorePlaneInts(sums.diffuse, kept);
-  StorePlaneInts(sums.specular, kept + LM_PLANES * Lanes());
-}
+// A vector of samples among the kept ones: that facet, of `facets`, of the pixels from the first
+// on.
+struct KeptPlace {
+  int first, facets, facet;
+  // Of one of `planes` planes, in words where each sample of a plane has one.
+  HWY_INLINE ptrdiff_t Of(int plane, int planes) const {
+    return ptrdiff_t{first} * facets * planes + ptrdiff_t{plane * facets + facet} * Lanes();
+  }
+};
 
 HWY_INLINE PlaneInts AddPlanes(const PlaneInts& a, const PlaneInts& b) {
   return {hn::Add(a.p0, b.p0), hn::Add(a.p1, b.p1), hn::Add(a.p2, b.p2)};
 }
 
+// One plane of sums, kept in the `plane`-th place.
+HWY_INLINE void StorePlane(Ints diffuse, Ints specular, const LM_kept_run& kept,
+                           const KeptPlace& place, int plane) {
+  if (kept.tails == nullptr) {
+    int32_t* const at = kept.words + 2 * place.Of(plane, LM_PLANES);
+    hn::StoreU(diffuse, IntTag(), at);
+    hn::StoreU(specular, IntTag(), at + Lanes());
+    return;
+  }
+  const ptrdiff_t at = place.Of(plane, kept.planes);
+  const Ints low = hn::And(hn::ShiftRight<8>(specular), SetInt(255));
+  hn::StoreU(hn::Or(hn::ShiftLeft<8>(diffuse), low), IntTag(), kept.words + at);
+  hn::StoreU(hn::DemoteTo(TailTag(), hn::ShiftRight<16>(specular)), TailTag(), kept.tails + at);
+}
+
+HWY_INLINE void StoreSums(const LightSums& sums, const LM_kept_run& kept, const KeptPlace& place) {
+  StorePlane(sums.diffuse.p0, sums.specular.p0, kept, place, 0);
+  if (kept.planes == 1)
+    return;
+  StorePlane(sums.diffuse.p1, sums.specular.p1, kept, place, 1);
+  StorePlane(sums.diffuse.p2, sums.specular.p2, kept, place, 2);
+}
+
 void KeepSums(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
-              int32_t* kept) {
+              const LM_kept_run& kept) {
   SampleLights fourAt[4];
   for (int i = 0; i < n; i += Lanes()) {
     const int v = i / Lanes() % 4;
     if (v == 0)
       LookAtLights(lights, x + i, fourAt);
     if (heights == nullptr) {
-      StoreSums(SumFlatLights(lights, fourAt[v]), kept + i * LM_KEPT_SUMS);
+      StoreSums(SumFlatLights(lights, fourAt[v]), kept, {i, 1, 0});
       continue;
     }
     const PixelRelief relief = ReliefAt(heights, i);
     const FourFloats inverse = InverseNormals(relief);
     const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
-    int32_t* of = kept + i * LM_KEPT_SUMS * LM_FACETS;
-    for (int facet = 0; facet < LM_FACETS; ++facet, of += LM_KEPT_SUMS * Lanes())
-      StoreSums(LightFacet(lights, fourAt[v], FacetOf(relief.quad[facet], roots[facet])), of);
+    for (int facet = 0; facet < LM_FACETS; ++facet)
+      StoreSums(LightFacet(lights, fourAt[v], FacetOf(relief.quad[facet], roots[facet])), kept,
+                {i, LM_FACETS, facet});
   }
 }
 
-void CombineKept(const LM_kernel_surface& surface, const int32_t* ambient, const int32_t* kept,
-                 int facets, int n, const LM_kernel_planes& planes) {
-  WithCombiner(surface, [&](const auto& combine) {
-    const PlaneInts always = SetPlanes(ambient);
-    for (int i = 0; i < n; i += Lanes()) {
-      const PlaneInts source = LoadPlanes(planes, i);
-      const auto lit = [&](int facet) {
-        const int32_t* sums = kept + (i * facets + facet * Lanes()) * LM_KEPT_SUMS;
-        return combine(LightSums{AddPlanes(LoadPlaneInts(sums), always),
-                                 LoadPlaneInts(sums + LM_PLANES * Lanes())},
-                       source);
-      };
-      PlaneInts out = lit(0);
-      if (facets == LM_FACETS) {
-        out = AddPlanes(AddPlanes(out, lit(1)), AddPlanes(lit(2), lit(3)));
-        out = {hn::ShiftRight<2>(out.p0), hn::ShiftRight<2>(out.p1), hn::ShiftRight<2>(out.p2)};
-      }
-      StorePlanes(out, planes, i);
-    }
-  });
+// One plane of a vector of samples.
+struct Shine {
+  Ints light, highlight;
+};
+
+struct WideSums {
+  explicit WideSums(const LM_kept_run& run) : words(run.words) {}
+  HWY_INLINE Shine operator()(const KeptPlace& place, int plane) const {
+    const int32_t* const at = words + 2 * place.Of(plane, LM_PLANES);
+    return {hn::LoadU(IntTag(), at), hn::ShiftRight<8>(hn::LoadU(IntTag(), at + Lanes()))};
+  }
+  const int32_t* words;
+};
+
+template <int planes> struct PackedSums {
+  explicit PackedSums(const LM_kept_run& run) : words(run.words), tails(run.tails) {}
+  HWY_INLINE Shine operator()(const KeptPlace& place, int plane) const {
+    const ptrdiff_t at = place.Of(planes == 1 ? 0 : plane, planes);
+    const Ints word = hn::LoadU(IntTag(), words + at);
+    const Ints tail = hn::PromoteTo(IntTag(), hn::LoadU(TailTag(), tails + at));
+    const Ints low = hn::And(word, SetInt(255));
+    return {hn::ShiftRight<8>(word), hn::Or(hn::ShiftLeft<8>(tail), low)};
+  }
+  const int32_t* words;
+  const int8_t* tails;
+};
+
+// One plane of the vector of pixels from the first on.
+template <class Combine, class Sums>
+HWY_INLINE Ints LitPlane(const Combine& combine, const Sums& sums, int first, int facets, int plane,
+                         Ints always, Ints source) {
+  const auto lit = [&](int facet) HWY_ATTR {
+    const Shine shine = sums(KeptPlace{first, facets, facet}, plane);
+    return combine.Plane(hn::Add(shine.light, always), shine.highlight, source);
+  };
+  if (facets == 1)
+    return lit(0);
+  return hn::ShiftRight<2>(hn::Add(hn::Add(lit(0), lit(1)), hn::Add(lit(2), lit(3))));
 }
 
-HWY_INLINE LightSums AddKept(const LightSums& sums, const int32_t* kept) {
-  return {AddPlanes(sums.diffuse, LoadPlaneInts(kept)),
-          AddPlanes(sums.specular, LoadPlaneInts(kept + LM_PLANES * Lanes()))};
+// Plane by plane, so that all stays in registers.
+template <class Combine, class Sums>
+HWY_INLINE void CombineRow(const Combine& combine, const Sums& sums, const PlaneInts& always,
+                           int facets, int n, const LM_kernel_planes& planes) {
+  for (int i = 0; i < n; i += Lanes()) {
+    const PlaneInts source = LoadPlanes(planes, i);
+    StorePlanes({LitPlane(combine, sums, i, facets, 0, always.p0, source.p0),
+                 LitPlane(combine, sums, i, facets, 1, always.p1, source.p1),
+                 LitPlane(combine, sums, i, facets, 2, always.p2, source.p2)},
+                planes, i);
+  }
+}
+
+void CombineKept(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
+                 int facets, int n, const LM_kernel_planes& planes) {
+  const PlaneInts always = SetPlanes(ambient);
+  const auto packed = [&](const auto& combine) {
+    if (kept.planes == 1)
+      CombineRow(combine, PackedSums<1>(kept), always, facets, n, planes);
+    else
+      CombineRow(combine, PackedSums<LM_PLANES>(kept), always, facets, n, planes);
+  };
+  if (kept.tails == nullptr)
+    WithCombiner(surface, [&](const auto& combine) {
+      CombineRow(combine, WideSums(kept), always, facets, n, planes);
+    });
+  else if (ShiftExposure::Takes(surface.exposure))
+    WithCombiner<ShiftExposure>(surface, packed);
+  else
+    WithCombiner(surface, packed);
+}
+
+// Adds wide sums that were kept.
+HWY_INLINE LightSums AddKept(const LightSums& sums, const int32_t* kept, const KeptPlace& place) {
+  const auto of = [&](int plane, int which) HWY_ATTR {
+    return hn::LoadU(IntTag(), kept + 2 * place.Of(plane, LM_PLANES) + which * Lanes());
+  };
+  return {AddPlanes(sums.diffuse, {of(0, 0), of(1, 0), of(2, 0)}),
+          AddPlanes(sums.specular, {of(0, 1), of(1, 1), of(2, 1)})};
 }
 
 // One vector of pixels, the first of them pixel i.
@@ -87,15 +159,14 @@ HWY_INLINE PlaneInts LitOver(const LM_kernel_lights& lights, const Combine& comb
                              const SampleLights& at, const int32_t* kept, int i,
                              const int32_t* const* heights, const PlaneInts& source) {
   if (heights == nullptr)
-    return combine(AddKept(SumFlatLights(lights, at), kept + i * LM_KEPT_SUMS), source);
+    return combine(AddKept(SumFlatLights(lights, at), kept, {i, 1, 0}), source);
   const PixelRelief relief = ReliefAt(heights, i);
   const FourFloats inverse = InverseNormals(relief);
   const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
-  const int32_t* of = kept + i * LM_KEPT_SUMS * LM_FACETS;
   PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
-  for (int facet = 0; facet < LM_FACETS; ++facet, of += LM_KEPT_SUMS * Lanes()) {
-    const Facet normal = FacetOf(relief.quad[facet], roots[facet]);
-    total = AddPlanes(total, combine(AddKept(LightFacet(lights, at, normal), of), source));
+  for (int facet = 0; facet < LM_FACETS; ++facet) {
+    const LightSums sums = LightFacet(lights, at, FacetOf(relief.quad[facet], roots[facet]));
+    total = AddPlanes(total, combine(AddKept(sums, kept, {i, LM_FACETS, facet}), source));
   }
   return {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1), hn::ShiftRight<2>(total.p2)};
 }

@@ -132,35 +132,55 @@ struct BlendedHighlights {
   Ints gloss, material, white;
 };
 
+// The exposure of what light and surface make, after 8 bits are cut: any, or a power of two of at
+// most 256, such as the middle of the slider. No product of that wraps, and one shift does.
+struct AnyExposure {
+  explicit AnyExposure(int32_t exposure) : factor(SetInt(exposure)) {}
+  HWY_INLINE Ints operator()(Ints combined) const {
+    return hn::ShiftRight<15>(hn::Mul(hn::ShiftRight<8>(combined), factor));
+  }
+  Ints factor;
+};
+struct ShiftExposure {
+  static bool Takes(int32_t exposure) {
+    return exposure > 0 && exposure <= 256 && (exposure & (exposure - 1)) == 0;
+  }
+  explicit ShiftExposure(int32_t exposure) : bits(8 + 15) {
+    for (; exposure > 1; exposure /= 2)
+      --bits;
+  }
+  HWY_INLINE Ints operator()(Ints combined) const { return hn::ShiftRightSame(combined, bits); }
+  int bits;
+};
+
 // Sums of light to bytes. Everything wraps at 32 bits before the last step.
-template <class Form> class Combiner {
+template <class Form, class Exposure = AnyExposure> class Combiner {
 public:
-  explicit Combiner(const LM_kernel_surface& surface)
-      : _form(surface), _exposure(SetInt(surface.exposure)) {}
+  explicit Combiner(const LM_kernel_surface& surface) : _form(surface), _expose(surface.exposure) {}
   HWY_INLINE PlaneInts operator()(const LightSums& sums, const PlaneInts& source) const {
-    return {_Plane(sums.diffuse.p0, sums.specular.p0, source.p0),
-            _Plane(sums.diffuse.p1, sums.specular.p1, source.p1),
-            _Plane(sums.diffuse.p2, sums.specular.p2, source.p2)};
+    return {Plane(sums.diffuse.p0, hn::ShiftRight<8>(sums.specular.p0), source.p0),
+            Plane(sums.diffuse.p1, hn::ShiftRight<8>(sums.specular.p1), source.p1),
+            Plane(sums.diffuse.p2, hn::ShiftRight<8>(sums.specular.p2), source.p2)};
+  }
+  HWY_INLINE Ints Plane(Ints light, Ints highlight, Ints source) const {
+    const Ints value = _expose(_form(light, highlight, source));
+    return hn::Min(hn::Max(value, hn::Zero(IntTag())), SetInt(255));
   }
 
 private:
-  HWY_INLINE Ints _Plane(Ints light, Ints highlight, Ints source) const {
-    const Ints combined = _form(light, hn::ShiftRight<8>(highlight), source);
-    const Ints value = hn::ShiftRight<15>(hn::Mul(hn::ShiftRight<8>(combined), _exposure));
-    return hn::Min(hn::Max(value, hn::Zero(IntTag())), SetInt(255));
-  }
   Form _form;
-  Ints _exposure;
+  Exposure _expose;
 };
 
 // Calls light(combiner) with the combiner of the surface's material.
-template <class Light> HWY_INLINE void WithCombiner(const LM_kernel_surface& surface, Light light) {
+template <class Exposure = AnyExposure, class Light>
+HWY_INLINE void WithCombiner(const LM_kernel_surface& surface, Light light) {
   if (surface.material < 1)
-    light(Combiner<WhiteHighlights>(surface));
+    light(Combiner<WhiteHighlights, Exposure>(surface));
   else if (surface.material > 255)
-    light(Combiner<ColoredHighlights>(surface));
+    light(Combiner<ColoredHighlights, Exposure>(surface));
   else
-    light(Combiner<BlendedHighlights>(surface));
+    light(Combiner<BlendedHighlights, Exposure>(surface));
 }
 
 } // namespace HWY_NAMESPACE

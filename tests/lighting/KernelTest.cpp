@@ -155,7 +155,8 @@ TEST(Kernels, KeptSumsGiveWhatLightGives) {
     for (const LM_kernels* kernels : AllKernels()) {
       SCOPED_TRACE(scene.name + " " + std::to_string(seed) + ", " + NameOf(kernels));
       RenderRun kept(scene, params, {kernels, 3, 1, false, true});
-      kept.Light({0, 0, 4, scene.width});
+      kept.Light({2, 0, 4, scene.width});
+      kept.Light({6, 0, 7, scene.width});
       foo changed = params;
       for (int picture = 0; picture < 3; ++picture) {
         RenderRun plain(scene, changed, {nullptr, 3, 1, false});

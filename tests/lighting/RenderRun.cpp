@@ -74,7 +74,9 @@ RenderRun::RenderRun(const Scene& scene, const foo& params, const RenderLayout& 
                              layout.kernels, _job),
             LM_render_result::Done);
   if (layout.keeps) {
-    EXPECT_TRUE(LM_StartKeeping(_job.area, !scene.heights.empty(), layout.keptLights, _kept));
+    const bool relief = !scene.heights.empty();
+    EXPECT_TRUE(
+        LM_StartKeeping(_job.area, relief, layout.keptLights, _kept, LM_TightForm(_job, relief)));
   }
   _out = CutOut(scene.pixels, scene.width, 3, layout.pixelStep, {0, 0, scene.height, scene.width});
 }
