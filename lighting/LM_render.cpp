@@ -66,7 +66,7 @@ LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, co
                       int32_t column) {
   const bool flat = views.relief.pixels == nullptr;
   const LM_kept_sums* const kept = views.kept;
-  if (kept == nullptr || kept->sums == nullptr || job.kernels == nullptr ||
+  if (kept == nullptr || kept->IsEmpty() || job.kernels == nullptr ||
       job.kernels->keep == nullptr || (kept->facets == 1) != flat ||
       views.kind != LM_pixel_kind::Bytes || rect.left != kept->rect.left ||
       rect.right != kept->rect.right || !LM_Contains(kept->rect, rect))
@@ -74,10 +74,17 @@ LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, co
   const size_t stride = KeptRow(kept->rect, kept->facets);
   const size_t row = static_cast<size_t>(rect.top - kept->rect.top);
   const size_t block = static_cast<size_t>(column / LM_RENDER_BLOCK);
-  return {kept->sums.get() + row * stride +
-              static_cast<size_t>(column * LM_KEPT_SUMS * kept->facets),
-          static_cast<ptrdiff_t>(stride), kept->ready.get() + block * HeightOf(kept->rect) + row,
-          kept->lights};
+  int32_t* const sums = kept->sums == nullptr
+                            ? nullptr
+                            : kept->sums.get() + row * stride +
+                                  static_cast<size_t>(column * LM_KEPT_SUMS * kept->facets);
+  return {sums,
+          static_cast<ptrdiff_t>(stride),
+          kept->ready.get() + block * HeightOf(kept->rect) + row,
+          kept->lights,
+          kept->packed.IsEmpty() ? nullptr : &kept->packed,
+          column,
+          rect.top - kept->rect.top};
 }
 
 } // namespace
@@ -162,22 +169,27 @@ LM_render_scratch_pointer LM_NewRenderScratch() {
   return LM_render_scratch_pointer(new (std::nothrow) LM_render_scratch());
 }
 
-uint64_t LM_KeptBytes(const LM_rect& rect, bool relief) {
-  return uint64_t{KeptRow(rect, relief ? LM_FACETS : 1)} * HeightOf(rect) * sizeof(int32_t) +
-         KeptFlags(rect);
+uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, uint32_t lights) {
+  const int facets = relief ? LM_FACETS : 1;
+  const uint64_t sums = lights == LM_ALL_LIGHTS
+                            ? uint64_t{KeptRow(rect, facets)} * HeightOf(rect) * sizeof(int32_t)
+                            : LM_packed_sums::Bytes(rect, facets);
+  return sums + KeptFlags(rect);
 }
 
 bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept) {
   kept = {};
-  if (LM_KeptBytes(rect, relief) > PTRDIFF_MAX)
+  if (LM_KeptBytes(rect, relief, lights) > PTRDIFF_MAX)
     return false;
-  const int facets = relief ? LM_FACETS : 1;
-  std::unique_ptr<int32_t[]> sums(new (std::nothrow)
-                                      int32_t[KeptRow(rect, facets) * HeightOf(rect)]);
-  std::unique_ptr<uint8_t[]> ready(new (std::nothrow) uint8_t[KeptFlags(rect)]());
-  if (sums == nullptr || ready == nullptr)
+  LM_kept_sums made = {relief ? LM_FACETS : 1, rect, lights, nullptr, {}, nullptr};
+  made.ready.reset(new (std::nothrow) uint8_t[KeptFlags(rect)]());
+  if (made.IsEmpty())
     return false;
-  kept = {facets, rect, lights, std::move(sums), std::move(ready)};
+  if (lights == LM_ALL_LIGHTS)
+    made.sums.reset(new (std::nothrow) int32_t[KeptRow(rect, made.facets) * HeightOf(rect)]);
+  if (lights == LM_ALL_LIGHTS ? made.sums == nullptr : !made.packed.Start(rect, made.facets))
+    return false;
+  kept = std::move(made);
   return true;
 }
 

@@ -11,6 +11,7 @@
 
 #include "LM_image.h"
 #include "LM_kernel_lights.h"
+#include "LM_packed_sums.h"
 
 enum class LM_render_result {
   Done,
@@ -72,14 +73,19 @@ std::optional<uint32_t> LM_ChangedLights(const foo& before, const foo& after);
 // exposure and ambience. Rows whose lights vectors do not take are lit anew each time, as
 // everything is without vectors. Threads may share it while their rectangles do not overlap.
 struct LM_kept_sums {
-  int facets;                       // 1 for a flat surface, LM_FACETS for relief
-  LM_rect rect;                     // the part
-  uint32_t lights;                  // which of the block's they hold; others are lit each time
-  std::unique_ptr<int32_t[]> sums;  // null: nothing is kept
+  int facets;      // 1 for a flat surface, LM_FACETS for relief
+  LM_rect rect;    // the part
+  uint32_t lights; // which of the block's they hold; others are lit each time
+  // Of all lights, or of some, for the others to be worked out over them; without either nothing
+  // is kept.
+  std::unique_ptr<int32_t[]> sums;
+  LM_packed_sums packed;
   std::unique_ptr<uint8_t[]> ready; // by block of LM_RENDER_BLOCK columns, then by row
+
+  bool IsEmpty() const { return ready == nullptr; }
 };
-// What it takes for a part.
-uint64_t LM_KeptBytes(const LM_rect& rect, bool relief);
+// What it takes for a part, at most.
+uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, uint32_t lights = LM_ALL_LIGHTS);
 // Makes room for sums of the marked lights that are to be kept, and forgets those that were. rect:
 // not empty, and in the filter area. False when memory is short: nothing is kept then.
 bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept);

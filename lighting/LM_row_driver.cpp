@@ -51,7 +51,7 @@ LM_kernel_lights FirstRow(const LM_piece& piece, uint32_t lights) {
 
 // The block's lights that the sums of a piece hold, where there are any; else all.
 uint32_t KeptLights(const LM_piece& piece) {
-  return piece.kept.sums != nullptr ? piece.kept.lights : LM_ALL_LIGHTS;
+  return piece.kept.ready != nullptr ? piece.kept.lights : LM_ALL_LIGHTS;
 }
 
 } // namespace
@@ -101,7 +101,7 @@ LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store
   _lights = FirstRow(piece, KeptLights(piece));
   _allFit = LM_FitVectors(_lights, _extent);
   _row = _lights;
-  if ((piece.lights->listed & ~KeptLights(piece)) == 0)
+  if (piece.kept.packed == nullptr)
     return;
   LM_kernel_lights over = FirstRow(piece, ~KeptLights(piece));
   _allFit = LM_FitVectors(over, _extent) && _allFit;
@@ -169,14 +169,17 @@ void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t y, int fir
   if (aim == Aim::Light)
     return heights == nullptr ? kernels.flat(lights, surface, columns, n, planes)
                               : kernels.relief(lights, surface, columns, n, heights, planes);
-  int32_t* const kept = _piece.kept.sums + row * _piece.kept.stride +
-                        ptrdiff_t{first} * LM_KEPT_SUMS * _piece.Facets();
+  const LM_kept_rows& kept = _piece.kept;
+  if (kept.packed == nullptr) {
+    const ptrdiff_t samples = ptrdiff_t{first} * _piece.Facets();
+    return kernels.keep(lights, columns, n, heights,
+                        kept.sums + row * kept.stride + samples * LM_KEPT_SUMS);
+  }
+  const LM_packed_run packed = kept.packed->At(kept.column + first, kept.row + row);
   if (aim == Aim::Keep)
-    kernels.keep(lights, columns, n, heights, kept);
-  else if (lights.Count() == 0 && heights != nullptr)
-    kernels.combine(surface, lights.diffuse, kept, _piece.Facets(), n, planes);
+    kernels.pack(lights, columns, n, heights, packed);
   else
-    kernels.over(lights, surface, kept, columns, n, heights, planes);
+    kernels.over(lights, surface, packed, columns, n, heights, planes);
 }
 
 // Works out a row, each run of it by those of the row's lights that reach it.
@@ -215,7 +218,7 @@ void LM_row_driver::_LightPlanes(int32_t y) {
   const int n = static_cast<int>(_piece.Pixels());
   const LM_kernel_planes planes = {{_buffers.planes[0], _buffers.planes[1], _buffers.planes[2]}};
   kernels.split(_piece.source.At(_piece.rect.left, y), _piece.source.pixelStep, n, planes);
-  if (_piece.kept.sums != nullptr)
+  if (_piece.kept.ready != nullptr)
     _LightKept(y);
   else
     _LightRuns(_row, y, Aim::Light);

@@ -9,16 +9,19 @@
 #include "LM_image.h"
 #include "LM_kernel_lights.h"
 #include "LM_light_sums.h"
+#include "LM_packed_sums.h"
 #include "LM_reach.h"
 #include "LM_sample_store.h"
 #include "LM_vector_sums.h"
 
-// The rows of a piece in a store of sums. sums: null where nothing is kept.
+// The rows of a piece in a store of sums.
 struct LM_kept_rows {
-  int32_t* sums;    // of the piece's first row
+  int32_t* sums;    // of the piece's first row; null where they are packed
   ptrdiff_t stride; // integers from a row to the next
-  uint8_t* ready;   // of each row: 1 when its sums are there
+  uint8_t* ready;   // of each row: 1 when its sums are there; null where nothing is kept
   uint32_t lights;  // bit j: they hold the block's light j
+  const LM_packed_sums* packed;
+  int32_t column, row; // of the packed sums, where the piece begins
 };
 
 // All that the rows of a piece have in common. Nothing is owned.
@@ -93,7 +96,7 @@ private:
   LM_extent _extent;        // of the piece's samples
   LM_kernel_lights _lights; // in no row yet
   LM_kernel_lights _row;    // as a row sees them
-  // The same two of the lights that are not in kept sums, where those hold only some.
+  // The same two of the lights that are not in kept sums, where those are packed.
   struct Over {
     LM_kernel_lights lights, row;
   };

@@ -42,7 +42,7 @@ void KeepSums(const LM_kernel_lights& lights, const float* x, int n, const int32
     if (v == 0)
       LookAtLights(lights, x + i, fourAt);
     if (heights == nullptr) {
-      StoreSums(SumFlatLights(lights, fourAt[v]), kept + i * LM_KEPT_SUMS);
+      StoreSums(SumFlatLights(BeginSums(lights), fourAt[v]), kept + i * LM_KEPT_SUMS);
       continue;
     }
     const PixelRelief relief = ReliefAt(heights, i);
@@ -50,7 +50,8 @@ void KeepSums(const LM_kernel_lights& lights, const float* x, int n, const int32
     const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
     int32_t* of = kept + i * LM_KEPT_SUMS * LM_FACETS;
     for (int facet = 0; facet < LM_FACETS; ++facet, of += LM_KEPT_SUMS * Lanes())
-      StoreSums(LightFacet(lights, fourAt[v], FacetOf(relief.quad[facet], roots[facet])), of);
+      StoreSums(LightFacet(BeginSums(lights), fourAt[v], FacetOf(relief.quad[facet], roots[facet])),
+                of);
   }
 }
 
@@ -72,45 +73,6 @@ void CombineKept(const LM_kernel_surface& surface, const int32_t* ambient, const
         out = {hn::ShiftRight<2>(out.p0), hn::ShiftRight<2>(out.p1), hn::ShiftRight<2>(out.p2)};
       }
       StorePlanes(out, planes, i);
-    }
-  });
-}
-
-HWY_INLINE LightSums AddKept(const LightSums& sums, const int32_t* kept) {
-  return {AddPlanes(sums.diffuse, LoadPlaneInts(kept)),
-          AddPlanes(sums.specular, LoadPlaneInts(kept + LM_PLANES * Lanes()))};
-}
-
-// One vector of pixels, the first of them pixel i.
-template <class Combine>
-HWY_INLINE PlaneInts LitOver(const LM_kernel_lights& lights, const Combine& combine,
-                             const SampleLights& at, const int32_t* kept, int i,
-                             const int32_t* const* heights, const PlaneInts& source) {
-  if (heights == nullptr)
-    return combine(AddKept(SumFlatLights(lights, at), kept + i * LM_KEPT_SUMS), source);
-  const PixelRelief relief = ReliefAt(heights, i);
-  const FourFloats inverse = InverseNormals(relief);
-  const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
-  const int32_t* of = kept + i * LM_KEPT_SUMS * LM_FACETS;
-  PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
-  for (int facet = 0; facet < LM_FACETS; ++facet, of += LM_KEPT_SUMS * Lanes()) {
-    const Facet normal = FacetOf(relief.quad[facet], roots[facet]);
-    total = AddPlanes(total, combine(AddKept(LightFacet(lights, at, normal), of), source));
-  }
-  return {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1), hn::ShiftRight<2>(total.p2)};
-}
-
-void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
-               const int32_t* kept, const float* x, int n, const int32_t* const* heights,
-               const LM_kernel_planes& planes) {
-  WithCombiner(surface, [&](const auto& combine) {
-    SampleLights fourAt[4];
-    for (int i = 0; i < n; i += Lanes()) {
-      const int v = i / Lanes() % 4;
-      if (v == 0)
-        LookAtLights(lights, x + i, fourAt);
-      const PlaneInts source = LoadPlanes(planes, i);
-      StorePlanes(LitOver(lights, combine, fourAt[v], kept, i, heights, source), planes, i);
     }
   });
 }
