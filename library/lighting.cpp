@@ -169,7 +169,8 @@ uint64_t limn_kept_bytes(const limn_lighting* lighting, limn_keep keep) {
   if (lighting == nullptr || (keep != LIMN_KEEP_FLAT && keep != LIMN_KEEP_RELIEF))
     return 0;
   const bool relief = keep == LIMN_KEEP_RELIEF;
-  return LM_KeptBytes(lighting->job->area, relief, LM_TightForm(*lighting->job, relief));
+  return LM_KeptBytes(lighting->job->area, relief, LM_ALL_LIGHTS,
+                      LM_TightForm(*lighting->job, relief));
 }
 
 limn_result limn_set_keep(limn_lighting* lighting, limn_keep keep, limn_error* error) {

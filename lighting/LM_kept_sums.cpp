@@ -48,8 +48,13 @@ size_t KeptFlags(const LM_rect& rect) {
   return static_cast<size_t>(blocks) * HeightOf(rect);
 }
 
-LM_kept_sums Empty(const LM_rect& rect, bool relief, const LM_kept_form& form) {
-  return {relief ? LM_FACETS : 1, rect, LM_ALL_LIGHTS, form, nullptr, nullptr};
+// Words in a row: the sums of all its samples, then their tails.
+size_t RowWords(const LM_rect& rect, int facets, const LM_kept_form& form) {
+  const size_t samples = KeptWidth(rect) * static_cast<size_t>(facets);
+  if (!form.isTight)
+    return samples * LM_KEPT_SUMS;
+  const size_t words = samples * static_cast<size_t>(form.planes);
+  return words + words / sizeof(int32_t);
 }
 
 } // namespace
@@ -74,37 +79,35 @@ LM_kept_form LM_TightForm(const LM_sorted_lights& lights, bool relief, const LM_
   return {gray ? 1 : LM_PLANES, true};
 }
 
-size_t LM_kept_sums::RowWords() const {
-  const size_t samples = KeptWidth(rect) * static_cast<size_t>(facets);
-  if (!form.isPacked)
-    return samples * LM_KEPT_SUMS;
-  const size_t words = samples * static_cast<size_t>(form.planes);
-  return words + words / sizeof(int32_t);
-}
-
 LM_kept_run LM_kept_sums::At(int32_t column, int32_t row) const {
-  LM_kept_run run = {sums.get() + static_cast<size_t>(row) * RowWords(), nullptr, form.planes};
-  if (form.isPacked)
+  LM_kept_run run = {sums.get() + static_cast<size_t>(row) * RowWords(rect, facets, form), nullptr,
+                     form.planes};
+  if (form.isTight)
     run.tails = reinterpret_cast<int8_t*>(
         run.words + KeptWidth(rect) * static_cast<size_t>(facets * form.planes));
   return run.From(ptrdiff_t{column} * facets);
 }
 
-uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, const LM_kept_form& form) {
-  return uint64_t{Empty(rect, relief, form).RowWords()} * HeightOf(rect) * sizeof(int32_t) +
-         KeptFlags(rect);
+uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, uint32_t lights, const LM_kept_form& form) {
+  const int facets = relief ? LM_FACETS : 1;
+  const uint64_t sums = lights == LM_ALL_LIGHTS ? uint64_t{RowWords(rect, facets, form)} *
+                                                      HeightOf(rect) * sizeof(int32_t)
+                                                : LM_packed_sums::Bytes(rect, facets);
+  return sums + KeptFlags(rect);
 }
 
 bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept,
                      const LM_kept_form& form) {
   kept = {};
-  LM_kept_sums room = Empty(rect, relief, lights == LM_ALL_LIGHTS ? form : LM_kept_form());
-  if (LM_KeptBytes(rect, relief, room.form) > PTRDIFF_MAX)
+  if (LM_KeptBytes(rect, relief, lights, form) > PTRDIFF_MAX)
     return false;
-  room.lights = lights;
-  room.sums.reset(new (std::nothrow) int32_t[room.RowWords() * HeightOf(rect)]);
+  LM_kept_sums room = {relief ? LM_FACETS : 1, rect, lights, form, nullptr, {}, nullptr};
   room.ready.reset(new (std::nothrow) uint8_t[KeptFlags(rect)]());
-  if (room.sums == nullptr || room.ready == nullptr)
+  if (lights == LM_ALL_LIGHTS)
+    room.sums.reset(new (std::nothrow) int32_t[RowWords(rect, room.facets, form) * HeightOf(rect)]);
+  else
+    room.packed.Start(rect, room.facets);
+  if (room.IsEmpty() || (room.sums == nullptr && room.packed.IsEmpty()))
     return false;
   kept = std::move(room);
   return true;

@@ -48,7 +48,7 @@ struct FarLights {
   LM_kept_form SetGreatestStrength(const Scene& scene) {
     int32_t strength = 0;
     for (int32_t step = 1 << 24; step > 0; step /= 2)
-      if (SetStrength(scene, strength + step).isPacked)
+      if (SetStrength(scene, strength + step).isTight)
         strength += step;
     EXPECT_GT(strength, 0);
     return SetStrength(scene, strength);
@@ -71,7 +71,7 @@ TEST(KeptSums, PackedOnesHoldAllThatLightsCanGive) {
       height = static_cast<uint8_t>(random.Next());
     FarLights lights(scene, seed, random);
     const LM_kept_form form = lights.SetGreatestStrength(scene);
-    EXPECT_TRUE(form.isPacked);
+    EXPECT_TRUE(form.isTight);
     EXPECT_TRUE(form.planes == 1 || !lights.isGray);
     RenderRun plain(scene, lights.params, {nullptr, 3, 1, false});
     const LM_rect all = {0, 0, scene.height, scene.width};
