@@ -132,6 +132,18 @@ TEST(Heights, MeansAreThoseOfTheSquare) {
   }
 }
 
+// A plane large enough for two threads, and the middle of it, which is not.
+TEST(Heights, ThreadsChangeNoBit) {
+  const LM_height_plane whole = Noisy(600, 500, 30000, 5000);
+  LM_height_plane middle(600, 300);
+  std::copy_n(whole.Row(100), middle.values.size(), middle.values.begin());
+  LM_height_plane found[] = {LM_BoxMeans(whole, 30.5), whole, LM_BoxMeans(middle, 30.5), middle};
+  LM_SmoothBetweenEdges(found[1], 8.25, 16 * 257);
+  LM_SmoothBetweenEdges(found[3], 8.25, 16 * 257);
+  for (int i = 0; i < 2; ++i)
+    EXPECT_TRUE(std::equal(found[i].Row(140), found[i].Row(360), found[i + 2].Row(40))) << i;
+}
+
 TEST(Heights, APieceOfARowIsThatOfTheWhole) {
   const LM_height_plane plane = Noisy(31, 19, 30000, 9000);
   const LM_plane_enlarger enlarger(plane, 100, 77);
