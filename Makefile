@@ -6,7 +6,7 @@ BUILD := build
 LIMN := $(BUILD)/bin/limn
 DEMO := $(BUILD)/demo
 
-.PHONY: help demo test test-deep build python deps test-sanitize test-portable test-machines test-web npm web fuzz fuzz-quick bench bench-peers plots docs-pictures lint format format-check install deb clean
+.PHONY: help demo test test-deep build python deps test-sanitize test-portable test-machines test-web npm web fuzz fuzz-quick bench bench-heights bench-peers plots docs-pictures lint format format-check install deb clean
 
 help: ## Say what there is to make
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | column -t -s "$$(printf '\t')"
@@ -90,6 +90,11 @@ bench: build ## Measure the shading, the preview and the editor's canvas
 	$(BUILD)/bin/bench_ratios
 	$(BUILD)/bin/bench_preview
 	$(BUILD)/bin/bench_canvas
+
+bench-heights: build ## Compare heights made of photographs with the true ones
+	@scripts/deps python
+	cmake --build --preset release -j $(JOBS) --target limn_scenes
+	bench/heights $(LIMN) $(BUILD)/bin/limn_scenes
 
 bench-peers: build ## Time limn apply beside other programs, and lights beside theirs
 	bench/peers $(LIMN)

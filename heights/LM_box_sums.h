@@ -24,15 +24,16 @@ public:
       : _width(width), _height(height), _radius(radius), _columns(static_cast<size_t>(width)),
         _padded(static_cast<size_t>(width) + 2 * (static_cast<size_t>(radius.whole) + 1)) {}
 
-  // The sums around each pixel of row y, 0 first and then the one below each time. valueAt: gives
+  // The sums around each pixel of row y, any first and then the one below each time. valueAt: gives
   // the value at (x, y), at most 32 bits.
   template <class ValueAt> void MakeRow(int y, uint64_t* sums, const ValueAt& valueAt) {
     const int reach = _radius.whole;
-    if (y == 0)
-      for (int row = -reach; row <= reach; ++row)
-        _AddRow(row, valueAt);
-    else
+    if (_isBegun)
       _MoveTo(y, valueAt);
+    else
+      for (int row = y - reach; row <= y + reach; ++row)
+        _AddRow(row, valueAt);
+    _isBegun = true;
     _SumAcross(y, sums, valueAt);
   }
 
@@ -76,6 +77,7 @@ private:
   int _width;
   int _height;
   LM_box_radius _radius;
+  bool _isBegun = false;
   std::vector<uint64_t> _columns; // of 2 * whole + 1 rows
   std::vector<uint64_t> _padded;  // with the rim's rows, and a margin on both sides
 };

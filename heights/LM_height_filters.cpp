@@ -1,8 +1,18 @@
 #include "LM_height_filters.h"
 
 #include "LM_box_sums.h"
+#include "LM_row_bands.h"
 
 #include <cmath>
+
+namespace {
+
+// A sum is far below 2^63; processors have an instruction for numbers with a sign only.
+double AsDouble(uint64_t sum) {
+  return static_cast<double>(static_cast<int64_t>(sum));
+}
+
+} // namespace
 
 LM_box_radius LM_box_radius::Of(double pixels) {
   const int sixteenths = static_cast<int>(std::lround(16 * pixels));
@@ -18,16 +28,17 @@ LM_height_plane LM_BoxMeans(const LM_height_plane& plane, double radius) {
   const LM_box_radius square = LM_box_radius::Of(radius);
   const double share = 1 / square.Weight();
   LM_height_plane means(plane.width, plane.height);
-  LM_box_sums box(plane.width, plane.height, square);
-  std::vector<uint64_t> sums(static_cast<size_t>(plane.width));
   const auto valueAt = [&](int x, int y) { return uint32_t{plane.Row(y)[x]}; };
-  for (int y = 0; y < plane.height; ++y) {
-    box.MakeRow(y, sums.data(), valueAt);
-    uint16_t* const row = means.Row(y);
-    for (int x = 0; x < plane.width; ++x)
-      row[x] =
-          static_cast<uint16_t>(static_cast<double>(sums[static_cast<size_t>(x)]) * share + 0.5);
-  }
+  LM_WorkInBands(plane.width, plane.height, [&](int first, int end) {
+    LM_box_sums box(plane.width, plane.height, square);
+    std::vector<uint64_t> sums(static_cast<size_t>(plane.width));
+    for (int y = first; y < end; ++y) {
+      box.MakeRow(y, sums.data(), valueAt);
+      uint16_t* const row = means.Row(y);
+      for (int x = 0; x < plane.width; ++x)
+        row[x] = static_cast<uint16_t>(AsDouble(sums[static_cast<size_t>(x)]) * share + 0.5);
+    }
+  });
   return means;
 }
 
@@ -40,11 +51,10 @@ struct KeptParts {
   LM_height_plane rest;
 };
 
-KeptParts FindKeptParts(const LM_height_plane& plane, const LM_box_radius& square,
-                        double contrast) {
+void FindKeptParts(const LM_height_plane& plane, const LM_box_radius& square, double contrast,
+                   int first, int end, KeptParts& kept) {
   const double share = 1 / square.Weight();
   const double noise = contrast * contrast;
-  KeptParts kept{{plane.width, plane.height}, {plane.width, plane.height}};
   LM_box_sums box(plane.width, plane.height, square);
   LM_box_sums squaresBox(plane.width, plane.height, square);
   std::vector<uint64_t> sums(static_cast<size_t>(plane.width));
@@ -54,25 +64,28 @@ KeptParts FindKeptParts(const LM_height_plane& plane, const LM_box_radius& squar
     const uint32_t value = plane.Row(y)[x];
     return value * value;
   };
-  for (int y = 0; y < plane.height; ++y) {
+  for (int y = first; y < end; ++y) {
     box.MakeRow(y, sums.data(), valueAt);
     squaresBox.MakeRow(y, squares.data(), squareAt);
     for (int x = 0; x < plane.width; ++x) {
-      const double mean = static_cast<double>(sums[static_cast<size_t>(x)]) * share;
+      const double mean = AsDouble(sums[static_cast<size_t>(x)]) * share;
       const double spread =
-          std::max(0.0, static_cast<double>(squares[static_cast<size_t>(x)]) * share - mean * mean);
+          std::max(0.0, AsDouble(squares[static_cast<size_t>(x)]) * share - mean * mean);
       const double part = spread / (spread + noise);
       kept.part.Row(y)[x] = static_cast<uint16_t>(part * 65535 + 0.5);
       kept.rest.Row(y)[x] = static_cast<uint16_t>((1 - part) * mean + 0.5);
     }
   }
-  return kept;
 }
 
 } // namespace
 
 void LM_SmoothBetweenEdges(LM_height_plane& plane, double radius, double contrast) {
-  KeptParts kept = FindKeptParts(plane, LM_box_radius::Of(radius), contrast);
+  KeptParts kept{{plane.width, plane.height}, {plane.width, plane.height}};
+  const LM_box_radius square = LM_box_radius::Of(radius);
+  LM_WorkInBands(plane.width, plane.height, [&](int first, int end) {
+    FindKeptParts(plane, square, contrast, first, end, kept);
+  });
   kept.part = LM_BoxMeans(kept.part, radius);
   kept.rest = LM_BoxMeans(kept.rest, radius);
   for (size_t i = 0; i < plane.values.size(); ++i) {

@@ -150,7 +150,7 @@ void Cycle(std::vector<Level>& levels) {
 }
 
 // From the middle of pixel i to that of the next, of n along a line: the integral of a curve
-// through the four slopes around.
+// through the six slopes around, near the edges four.
 double Rise(const float* slope, ptrdiff_t step, int i, int n) {
   const auto at = [&](int place) { return double{slope[place * step]}; };
   if (n < 4)
@@ -159,7 +159,10 @@ double Rise(const float* slope, ptrdiff_t step, int i, int n) {
     return (9 * at(0) + 19 * at(1) - 5 * at(2) + at(3)) / 24;
   if (i == n - 2)
     return (9 * at(n - 1) + 19 * at(n - 2) - 5 * at(n - 3) + at(n - 4)) / 24;
-  return (13 * (at(i) + at(i + 1)) - at(i - 1) - at(i + 2)) / 24;
+  if (i == 1 || i == n - 3)
+    return (13 * (at(i) + at(i + 1)) - at(i - 1) - at(i + 2)) / 24;
+  return (802 * (at(i) + at(i + 1)) - 93 * (at(i - 1) + at(i + 2)) + 11 * (at(i - 2) + at(i + 3))) /
+         1440;
 }
 
 void TakeRises(const LM_slopes& slopes, std::vector<double>& inflow) {

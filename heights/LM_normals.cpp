@@ -10,8 +10,8 @@ constexpr double ONE = 32767;
 constexpr float LEAST_SQUARE = 0.25F; // of a normal's length
 constexpr float STEEPEST = 16;
 
-// How much heights rise per pixel at pixel i of n, `step` apart: through the five around, with as
-// many on one side as there are.
+// How much heights rise per pixel at pixel i of n, `step` apart: through the seven around, and near
+// the edges through five, with as many on one side as there are.
 double SlopeAt(const uint16_t* height, ptrdiff_t step, int i, int n) {
   const auto at = [&](int place) { return static_cast<double>(height[place * step]); };
   if (n < 5) {
@@ -19,6 +19,9 @@ double SlopeAt(const uint16_t* height, ptrdiff_t step, int i, int n) {
     const int last = std::min(i + 1, n - 1);
     return first == last ? 0 : (at(last) - at(first)) / (last - first);
   }
+  if (i >= 3 && i < n - 3)
+    return (45 * (at(i + 1) - at(i - 1)) - 9 * (at(i + 2) - at(i - 2)) + at(i + 3) - at(i - 3)) /
+           60;
   if (i >= 2 && i < n - 2)
     return (at(i - 2) - 8 * at(i - 1) + 8 * at(i + 1) - at(i + 2)) / 12;
   const int edge = i < 2 ? 0 : n - 1;
@@ -29,9 +32,21 @@ double SlopeAt(const uint16_t* height, ptrdiff_t step, int i, int n) {
   return inward * (-3 * from(0) - 10 * from(1) + 18 * from(2) - 6 * from(3) + from(4)) / 12;
 }
 
-uint16_t Coded(double component) {
-  return static_cast<uint16_t>(ZERO + ONE * component + 0.5);
-}
+// Rounded up or down, now one and now the other, as pixels follow each other evenly in both
+// directions (the plastic number's powers): many that are rounded the same way would add up, over a
+// long gentle slope, to more than a height's step. What is a whole number stays.
+class Coder {
+public:
+  Coder(int x, int y)
+      : _phase(static_cast<uint32_t>(x) * 0xC13FA9A9U + static_cast<uint32_t>(y) * 0x91E10DA6U) {}
+  uint16_t Coded(double component) {
+    _phase += 0x55555555U;
+    return static_cast<uint16_t>(ZERO + ONE * component + _phase * 0x1p-32);
+  }
+
+private:
+  uint32_t _phase;
+};
 
 } // namespace
 
@@ -41,9 +56,10 @@ void LM_NormalsOfRow(const LM_height_plane& plane, int y, LM_normals_y greenIs, 
     const double down =
         SlopeAt(plane.Row(0) + x, plane.width, y, plane.height) / LM_HEIGHT_OF_A_PIXEL;
     const double out = 1 / std::sqrt(1 + across * across + down * down);
-    *row++ = Coded(-across * out);
-    *row++ = Coded((greenIs == LM_normals_y::Up ? down : -down) * out);
-    *row++ = Coded(out);
+    Coder coder(x, y);
+    *row++ = coder.Coded(-across * out);
+    *row++ = coder.Coded((greenIs == LM_normals_y::Up ? down : -down) * out);
+    *row++ = coder.Coded(out);
   }
 }
 

@@ -102,6 +102,9 @@ class Lighting(support.LimnTest):
         self.limn("heights", "in.ppm", "--relief", "heights.png", "--as-normals", "-o", "up.png")
         normals = support.read("up.png")
         self.assertEqual((normals.bands, normals.depth), (3, 16))
+        self.limn("heights", "in.ppm", "--normals", "up.png", "-o", "back.png")
+        shift = 32768 - sum(waves) / len(waves)
+        self.assertLessEqual(max(abs(a - b - shift) for a, b in zip(support.read("back.png").samples, waves)), 1.5)
         down = [65536 - v if i % 3 == 1 and v else v for i, v in enumerate(normals.samples)]
         support.write_png("down.png", Picture(90, 70, 3, down, 16))
         support.write_png("alpha.png", Picture(90, 70, 4, [v for i in range(0, len(down), 3) for v in (*down[i : i + 3], i % 9)], 16))

@@ -29,6 +29,8 @@ const Recipe RECIPES[] = {
     {"landscape", Landscape, 1500, 1000, 16, {1.3F, 1.35F, 1.1F, 1.2F, 0.10F}, 0},
     {"texture", OldWall, 1000, 1000, 24, {1.0F, 1.3F, 1.0F, 1.2F, 0.0F}, 60},
     {"portrait", Portrait, 1000, 1250, 20, {1.15F, 1.3F, 1.0F, 1.2F, 0.10F}, 0},
+    {"plaque", Plaque, 800, 800, 12, {1.1F, 1.3F, 1.0F, 4.0F, 0.0F}, 60},
+    {"pebbles", Pebbles, 900, 900, 12, {1.1F, 1.3F, 1.0F, 4.0F, 0.0F}, 60},
 };
 
 void Draw(const Recipe& recipe, const std::string& folder, RenderOptions options, float scale) {

@@ -2,6 +2,7 @@
 
 #include "Noise.h"
 #include "Scenes.h"
+#include "Slab.h"
 #include "Solids.h"
 
 namespace scenes {
@@ -133,21 +134,8 @@ Vec3 Sky(Vec3 direction) {
 } // namespace
 
 Scene OldWall() {
-  Scene scene;
-  scene.camera = {{0, 0, 20}, {0, 0, 0}, SIZE, 0, true};
-  scene.detail = 0.0096F;
-  scene.sky = Sky;
-  const Vec2 half = {0.55F * SIZE, 0.55F * SIZE};
-  const Sampled heights(half * -1.0F, half, 0.0048F, WallHeight);
-  Shape wall;
-  wall.low = {-half.x, -half.y, -1};
-  wall.high = {half.x, half.y, 0.6F};
-  wall.distance = [heights](Vec3 p) { return p.z - heights.At({p.x, p.y}); };
-  wall.material = Material;
-  wall.bumps = [](Vec3 p) { return 0.007F * Fractal(p * 11, 4, 0.65F); };
-  wall.caution = 0.55F;
-  scene.shapes = {wall};
-  return scene;
+  return SceneOf({SIZE, 0.0096F, -1, 0.6F, WallHeight, Material,
+                  [](Vec3 p) { return 0.007F * Fractal(p * 11, 4, 0.65F); }, Sky});
 }
 
 } // namespace scenes
