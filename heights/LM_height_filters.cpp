@@ -36,7 +36,7 @@ LM_height_plane LM_BoxMeans(const LM_height_plane& plane, double radius) {
       box.MakeRow(y, sums.data(), valueAt);
       uint16_t* const row = means.Row(y);
       for (int x = 0; x < plane.width; ++x)
-        row[x] = static_cast<uint16_t>(AsDouble(sums[static_cast<size_t>(x)]) * share + 0.5);
+        row[x] = LM_NearestHeight(AsDouble(sums[static_cast<size_t>(x)]) * share);
     }
   });
   return means;
@@ -72,8 +72,8 @@ void FindKeptParts(const LM_height_plane& plane, const LM_box_radius& square, do
       const double spread =
           std::max(0.0, AsDouble(squares[static_cast<size_t>(x)]) * share - mean * mean);
       const double part = spread / (spread + noise);
-      kept.part.Row(y)[x] = static_cast<uint16_t>(part * 65535 + 0.5);
-      kept.rest.Row(y)[x] = static_cast<uint16_t>((1 - part) * mean + 0.5);
+      kept.part.Row(y)[x] = LM_NearestHeight(part * 65535);
+      kept.rest.Row(y)[x] = LM_NearestHeight((1 - part) * mean);
     }
   }
 }

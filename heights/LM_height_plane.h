@@ -5,6 +5,12 @@
 #include <cstdint>
 #include <vector>
 
+// The nearest one to a value from 0 to 65535, a half up.
+inline uint16_t LM_NearestHeight(double value) {
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): of 16 bits no value is so near a half
+  return static_cast<uint16_t>(value + 0.5);
+}
+
 // 16 bits each, width a row, no padding; 65535 is highest. Asking for memory that there is not
 // throws std::bad_alloc.
 struct LM_height_plane {

@@ -26,7 +26,7 @@ double FitOf(const LM_height_source& source, int pictureSide) {
 }
 
 uint16_t Rounded(double height) {
-  return static_cast<uint16_t>(std::clamp(height, 0.0, WHITE) + 0.5);
+  return LM_NearestHeight(std::clamp(height, 0.0, WHITE));
 }
 
 // What differs from its surroundings, around the middle.

@@ -106,6 +106,6 @@ LM_integrated_heights LM_HeightsOfSlopes(const LM_slopes& slopes) {
                              std::min(1.0, ONE / (LM_HEIGHT_OF_A_PIXEL * std::max(most, 1.0)))};
   const double scale = LM_HEIGHT_OF_A_PIXEL * made.share;
   for (size_t i = 0; i < surface.size(); ++i)
-    made.plane.values[i] = static_cast<uint16_t>(ZERO + scale * surface[i] + 0.5);
+    made.plane.values[i] = LM_NearestHeight(ZERO + scale * surface[i]);
   return made;
 }

@@ -85,11 +85,11 @@ void LM_plane_enlarger::MakeRow(int y, int left, int count, uint16_t* row,
         down.weight[3] * from[3][at];
   }
   for (int i = 0; i < count; ++i) {
-    const Taps& across = _columns[static_cast<size_t>(left + i)];
+    const Taps& across = _columns[static_cast<size_t>(left) + static_cast<size_t>(i)];
     const double* const at = scratch.data() + (across.first - first);
     const double value = across.weight[0] * at[0] + across.weight[1] * at[1] +
                          across.weight[2] * at[2] + across.weight[3] * at[3];
-    row[i] = static_cast<uint16_t>(std::clamp(value, 0.0, 65535.0) + 0.5);
+    row[i] = LM_NearestHeight(std::clamp(value, 0.0, 65535.0));
   }
 }
 
