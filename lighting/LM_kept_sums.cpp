@@ -49,7 +49,7 @@ size_t KeptFlags(const LM_rect& rect) {
 }
 
 LM_kept_sums Empty(const LM_rect& rect, bool relief, const LM_kept_form& form) {
-  return {relief ? LM_FACETS : 1, rect, LM_ALL_LIGHTS, form, nullptr, nullptr};
+  return {relief ? LM_FACETS : 1, rect, LM_ALL_LIGHTS, form, nullptr, {}, nullptr};
 }
 
 } // namespace
@@ -90,7 +90,9 @@ LM_kept_run LM_kept_sums::At(int32_t column, int32_t row) const {
   return run.From(ptrdiff_t{column} * facets);
 }
 
-uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, const LM_kept_form& form) {
+uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, const LM_kept_form& form, uint32_t lights) {
+  if (lights != LM_ALL_LIGHTS)
+    return LM_packed_sums::Bytes(rect, relief ? LM_FACETS : 1) + KeptFlags(rect);
   return uint64_t{Empty(rect, relief, form).RowWords()} * HeightOf(rect) * sizeof(int32_t) +
          KeptFlags(rect);
 }
@@ -98,13 +100,16 @@ uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, const LM_kept_form& form
 bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept,
                      const LM_kept_form& form) {
   kept = {};
-  LM_kept_sums room = Empty(rect, relief, lights == LM_ALL_LIGHTS ? form : LM_kept_form());
-  if (LM_KeptBytes(rect, relief, room.form) > PTRDIFF_MAX)
+  if (LM_KeptBytes(rect, relief, form, lights) > PTRDIFF_MAX)
     return false;
+  LM_kept_sums room = Empty(rect, relief, form);
   room.lights = lights;
-  room.sums.reset(new (std::nothrow) int32_t[room.RowWords() * HeightOf(rect)]);
   room.ready.reset(new (std::nothrow) uint8_t[KeptFlags(rect)]());
-  if (room.sums == nullptr || room.ready == nullptr)
+  if (room.ready == nullptr)
+    return false;
+  if (lights == LM_ALL_LIGHTS)
+    room.sums.reset(new (std::nothrow) int32_t[room.RowWords() * HeightOf(rect)]);
+  if (lights == LM_ALL_LIGHTS ? room.sums == nullptr : !room.packs.Start(rect, room.facets))
     return false;
   kept = std::move(room);
   return true;

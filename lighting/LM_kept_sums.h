@@ -22,8 +22,9 @@
 #include <memory>
 
 #include "LM_kernel_lights.h"
+#include "LM_packed_sums.h"
 
-// How the sums lie: as LM_kept_run has it. By default wide: whole, for further lights to be added.
+// How the sums of all lights lie: as LM_kept_run has it. By default wide: whole.
 struct LM_kept_form {
   int planes = LM_PLANES; // 1: the lights are gray, and one plane stands for all
   bool isPacked = false;
@@ -41,19 +42,23 @@ struct LM_kept_sums {
   LM_rect rect;    // the part
   uint32_t lights; // which of the block's they hold; others are lit each time
   LM_kept_form form;
-  std::unique_ptr<int32_t[]> sums;  // null: nothing is kept
+  // Of all lights in that form, or of some in packs; without either nothing is kept.
+  std::unique_ptr<int32_t[]> sums;
+  LM_packed_sums packs;
   std::unique_ptr<uint8_t[]> ready; // by block of LM_RENDER_BLOCK columns, then by row
 
+  bool IsEmpty() const { return ready == nullptr; }
   // Words in a row: the sums of all its samples, then their tails.
   size_t RowWords() const;
   // From a block on that begins at that place of the rectangle.
   LM_kept_run At(int32_t column, int32_t row) const;
 };
 
-// What it takes for a part.
-uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, const LM_kept_form& form = {});
+// What it takes for a part, at most.
+uint64_t LM_KeptBytes(const LM_rect& rect, bool relief, const LM_kept_form& form = {},
+                      uint32_t lights = LM_ALL_LIGHTS);
 // Makes room for sums of the marked lights that are to be kept, and forgets those that were. rect:
-// not empty, and in the filter area. form: wide, unless all lights are marked. False when memory is
-// short: nothing is kept then.
+// not empty, and in the filter area. form: for all lights; those of some are kept in packs, for the
+// others to be worked out over them. False when memory is short: nothing is kept then.
 bool LM_StartKeeping(const LM_rect& rect, bool relief, uint32_t lights, LM_kept_sums& kept,
                      const LM_kept_form& form = {});

@@ -91,6 +91,31 @@ struct LM_kept_run {
   }
 };
 
+// Sums of LM_PACKED_PIXELS pixels, packed for lights over them. What the least sum of each plane
+// and kind is; of every sum what it is beyond that, in two halves of 16 bits, by vector of pixels
+// and facet, of each the diffuse sums before the specular ones. The upper halves are there only
+// where one of the pack's is not 0; those of the second and third plane, which lie by themselves,
+// only where they are not the first one's.
+constexpr int LM_PACKED_PIXELS = 64;
+constexpr int LM_PACKED_SUMS[2] = {2, LM_KEPT_SUMS - 2}; // of the first plane, and of the others
+struct LM_pack {
+  int32_t least[LM_KEPT_SUMS];
+  bool isGray; // the planes are alike
+  bool isWide; // it has upper halves
+};
+struct LM_packed_run {
+  LM_pack* packs;
+  uint16_t *low[2], *high[2];
+
+  // From some packs on.
+  LM_packed_run From(size_t number, int facets) const {
+    const size_t samples = number * static_cast<size_t>(LM_PACKED_PIXELS * facets);
+    const size_t first = samples * LM_PACKED_SUMS[0];
+    const size_t others = samples * LM_PACKED_SUMS[1];
+    return {packs + number, {low[0] + first, low[1] + others}, {high[0] + first, high[1] + others}};
+  }
+};
+
 // With a larger scale the height of a word may leave 32 bits.
 constexpr int32_t LM_WORD_HEIGHTS_SCALE = 1 << 21;
 
@@ -130,17 +155,19 @@ struct LM_kernels {
   void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
                int n, const int32_t* const* heights, const LM_deep_planes& planes);
   // The sums that flat and relief combine, kept: those of n pixels or, with heights, of their
-  // facets. They fit the form. The lights begin without the ambient light. This and the next two
+  // facets. They fit the form. The lights begin without the ambient light. This and the next three
   // are null where nothing is ever kept.
   void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
                const LM_kept_run& kept);
   // Lights n pixels by sums that were kept, and the ambient light.
   void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
                   int facets, int n, const LM_kernel_planes& planes);
-  // Lights n pixels by wide sums that were kept and lights that are not in them, which begin with
-  // the ambient light. heights: as for keep.
+  // The same sums as keep, packed, from the beginning of a pack on; and n pixels lit by them and by
+  // lights that are not in them, which begin with the ambient light. heights: as for keep.
+  void (*pack)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
+               const LM_packed_run& packed);
   void (*over)(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
-               const int32_t* kept, const float* x, int n, const int32_t* const* heights,
+               const LM_packed_run& packed, const float* x, int n, const int32_t* const* heights,
                const LM_kernel_planes& planes);
   // Adds the lights to the samples' sums, and stores each light's part; parts go with the lights.
   void (*sum)(const LM_kernel_lights& lights, const LM_kernel_part* parts,

@@ -52,7 +52,7 @@ LM_kept_rows KeptRows(const LM_render_job& job, const LM_render_views& views, co
                       int32_t column) {
   const bool flat = views.relief.pixels == nullptr;
   const LM_kept_sums* const kept = views.kept;
-  if (kept == nullptr || kept->sums == nullptr || job.kernels == nullptr ||
+  if (kept == nullptr || kept->IsEmpty() || job.kernels == nullptr ||
       job.kernels->keep == nullptr || (kept->facets == 1) != flat ||
       views.kind != LM_pixel_kind::Bytes || rect.left != kept->rect.left ||
       rect.right != kept->rect.right || !LM_Contains(kept->rect, rect))

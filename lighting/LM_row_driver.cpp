@@ -101,7 +101,7 @@ LM_row_driver::LM_row_driver(const LM_piece& piece, const LM_sample_store& store
   _lights = FirstRow(piece, KeptLights(piece));
   _allFit = LM_FitVectors(_lights, _extent);
   _row = _lights;
-  if ((piece.lights->listed & ~KeptLights(piece)) == 0)
+  if (KeptLights(piece) == LM_ALL_LIGHTS)
     return;
   LM_kernel_lights over = FirstRow(piece, ~KeptLights(piece));
   _allFit = LM_FitVectors(over, _extent) && _allFit;
@@ -179,13 +179,15 @@ void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t y, int fir
   if (aim == Aim::Light)
     return heights == nullptr ? kernels.flat(lights, surface, columns, n, planes)
                               : kernels.relief(lights, surface, columns, n, heights, planes);
-  const LM_kept_run kept = _piece.kept.sums->At(_piece.kept.column + first, _piece.kept.row + row);
+  const LM_kept_sums& kept = *_piece.kept.sums;
+  const int32_t column = _piece.kept.column + first;
+  if (!_over)
+    return kernels.keep(lights, columns, n, heights, kept.At(column, _piece.kept.row + row));
+  const LM_packed_run packed = kept.packs.At(column, _piece.kept.row + row);
   if (aim == Aim::Keep)
-    kernels.keep(lights, columns, n, heights, kept);
-  else if (lights.Count() == 0 && heights != nullptr)
-    kernels.combine(surface, lights.diffuse, kept, _piece.Facets(), n, planes);
+    kernels.pack(lights, columns, n, heights, packed);
   else
-    kernels.over(lights, surface, kept.words, columns, n, heights, planes);
+    kernels.over(lights, surface, packed, columns, n, heights, planes);
 }
 
 // Works out a row, each run of it by those of the row's lights that reach it.

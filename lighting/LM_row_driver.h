@@ -93,7 +93,7 @@ private:
   LM_extent _extent;        // of the piece's samples
   LM_kernel_lights _lights; // in no row yet
   LM_kernel_lights _row;    // as a row sees them
-  // The same two of the lights that are not in kept sums, where those hold only some.
+  // The same two of the lights that are not in kept sums, where those hold only some: in packs.
   struct Over {
     LM_kernel_lights lights, row;
   };

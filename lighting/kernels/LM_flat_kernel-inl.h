@@ -27,9 +27,13 @@ HWY_INLINE void AddFlatSpot(Sums& sums, const LM_kernel_light& light, Floats inv
   AddColor(sums.specular, light, hn::Mul(hn::Mul(SetFloat(light.zSquare), inverse), falloff));
 }
 
+// What every sample has before its lights.
+HWY_INLINE LightSums BeginSums(const LM_kernel_lights& lights) {
+  return {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
+}
+
 // The sums of one vector stay in registers across all lights.
-HWY_INLINE LightSums SumFlatLights(const LM_kernel_lights& lights, const SampleLights& at) {
-  LightSums sums = {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
+HWY_INLINE LightSums SumFlatLights(LightSums sums, const SampleLights& at) {
   int k = 0;
   for (; k < at.plain; ++k)
     AddFlatOmni(sums, *at.light[k], at.inverse[k]);
@@ -46,7 +50,7 @@ HWY_INLINE void FlatRow(const LM_kernel_lights& lights, const Combine& combine, 
     const int v = i / Lanes() % 4;
     if (v == 0)
       LookAtLights(lights, x + i, at);
-    StorePlanes(combine(SumFlatLights(lights, at[v]), LoadPlanes(planes, i)), planes, i);
+    StorePlanes(combine(SumFlatLights(BeginSums(lights), at[v]), LoadPlanes(planes, i)), planes, i);
   }
 }
 

@@ -25,10 +25,6 @@ struct KeptPlace {
   }
 };
 
-HWY_INLINE PlaneInts AddPlanes(const PlaneInts& a, const PlaneInts& b) {
-  return {hn::Add(a.p0, b.p0), hn::Add(a.p1, b.p1), hn::Add(a.p2, b.p2)};
-}
-
 // One plane of sums, kept in the `plane`-th place.
 HWY_INLINE void StorePlane(Ints diffuse, Ints specular, const LM_kept_run& kept,
                            const KeptPlace& place, int plane) {
@@ -60,15 +56,15 @@ void KeepSums(const LM_kernel_lights& lights, const float* x, int n, const int32
     if (v == 0)
       LookAtLights(lights, x + i, fourAt);
     if (heights == nullptr) {
-      StoreSums(SumFlatLights(lights, fourAt[v]), kept, {i, 1, 0});
+      StoreSums(SumFlatLights(BeginSums(lights), fourAt[v]), kept, {i, 1, 0});
       continue;
     }
     const PixelRelief relief = ReliefAt(heights, i);
     const FourFloats inverse = InverseNormals(relief);
     const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
     for (int facet = 0; facet < LM_FACETS; ++facet)
-      StoreSums(LightFacet(lights, fourAt[v], FacetOf(relief.quad[facet], roots[facet])), kept,
-                {i, LM_FACETS, facet});
+      StoreSums(LightFacet(BeginSums(lights), fourAt[v], FacetOf(relief.quad[facet], roots[facet])),
+                kept, {i, LM_FACETS, facet});
   }
 }
 
@@ -142,48 +138,6 @@ void CombineKept(const LM_kernel_surface& surface, const int32_t* ambient, const
     WithCombiner<ShiftExposure>(surface, packed);
   else
     WithCombiner(surface, packed);
-}
-
-// Adds wide sums that were kept.
-HWY_INLINE LightSums AddKept(const LightSums& sums, const int32_t* kept, const KeptPlace& place) {
-  const auto of = [&](int plane, int which) HWY_ATTR {
-    return hn::LoadU(IntTag(), kept + 2 * place.Of(plane, LM_PLANES) + which * Lanes());
-  };
-  return {AddPlanes(sums.diffuse, {of(0, 0), of(1, 0), of(2, 0)}),
-          AddPlanes(sums.specular, {of(0, 1), of(1, 1), of(2, 1)})};
-}
-
-// One vector of pixels, the first of them pixel i.
-template <class Combine>
-HWY_INLINE PlaneInts LitOver(const LM_kernel_lights& lights, const Combine& combine,
-                             const SampleLights& at, const int32_t* kept, int i,
-                             const int32_t* const* heights, const PlaneInts& source) {
-  if (heights == nullptr)
-    return combine(AddKept(SumFlatLights(lights, at), kept, {i, 1, 0}), source);
-  const PixelRelief relief = ReliefAt(heights, i);
-  const FourFloats inverse = InverseNormals(relief);
-  const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
-  PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
-  for (int facet = 0; facet < LM_FACETS; ++facet) {
-    const LightSums sums = LightFacet(lights, at, FacetOf(relief.quad[facet], roots[facet]));
-    total = AddPlanes(total, combine(AddKept(sums, kept, {i, LM_FACETS, facet}), source));
-  }
-  return {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1), hn::ShiftRight<2>(total.p2)};
-}
-
-void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
-               const int32_t* kept, const float* x, int n, const int32_t* const* heights,
-               const LM_kernel_planes& planes) {
-  WithCombiner(surface, [&](const auto& combine) {
-    SampleLights fourAt[4];
-    for (int i = 0; i < n; i += Lanes()) {
-      const int v = i / Lanes() % 4;
-      if (v == 0)
-        LookAtLights(lights, x + i, fourAt);
-      const PlaneInts source = LoadPlanes(planes, i);
-      StorePlanes(LitOver(lights, combine, fourAt[v], kept, i, heights, source), planes, i);
-    }
-  });
 }
 
 } // namespace HWY_NAMESPACE

@@ -24,6 +24,7 @@
 #include "LM_flat_kernel-inl.h"
 #if !HWY_ARCH_WASM
 #include "LM_kept_kernel-inl.h"
+#include "LM_packed_kernel-inl.h"
 #endif
 #include "LM_pixel_kernels-inl.h"
 #include "LM_relief_kernel-inl.h"
@@ -40,6 +41,7 @@ namespace HWY_NAMESPACE {
 // Nothing is kept there, and everybody loads the module.
 constexpr decltype(LM_kernels::keep) KeepSums = nullptr;
 constexpr decltype(LM_kernels::combine) CombineKept = nullptr;
+constexpr decltype(LM_kernels::pack) KeepPacked = nullptr;
 constexpr decltype(LM_kernels::over) LightOver = nullptr;
 #endif
 const LM_kernels* TargetKernels() {
@@ -55,6 +57,7 @@ const LM_kernels* TargetKernels() {
                                      LightDeep,
                                      KeepSums,
                                      CombineKept,
+                                     KeepPacked,
                                      LightOver,
                                      SumLights,
                                      ReciprocalRoots};

@@ -103,15 +103,18 @@ HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
   return out;
 }
 
-template <bool spot, class Sums>
-HWY_INLINE void AddFacetLight(Sums& sums, const LM_kernel_light& light, const Facet& facet,
-                              Floats x, Floats inverse, Floats falloff) {
+// How much of a light's colour a facet gives back, scattered and mirrored.
+struct FacetShare {
+  Floats diffuse, specular;
+};
+template <bool spot>
+HWY_INLINE FacetShare ShareOf(const LM_kernel_light& light, const Facet& facet, Floats x,
+                              Floats inverse, Floats falloff) {
   const Floats zero = hn::Zero(FloatTag());
   const Floats y = SetFloat(light.y);
   const Floats inPlane = hn::Add(hn::Mul(facet.x, x), hn::Mul(facet.y, y));
   const Floats facing = hn::Add(inPlane, hn::Mul(facet.z, SetFloat(light.z)));
   const Floats lit = hn::Max(facing, zero);
-  AddColor(sums.diffuse, light, hn::Mul(spot ? hn::Mul(lit, falloff) : lit, inverse));
 
   const DoublePair sideways =
       Promote(hn::Add(hn::Mul(facet.mirroredX, x), hn::Mul(facet.mirroredY, y)));
@@ -120,12 +123,19 @@ HWY_INLINE void AddFacetLight(Sums& sums, const LM_kernel_light& light, const Fa
                                   Add(sideways.high, Mul(facet.mirroredZ.high, z))});
   const Floats seen = hn::IfThenElseZero(hn::Gt(facing, zero), hn::Max(mirrored, zero));
   const Floats highlight = hn::Mul(hn::Mul(seen, seen), inverse);
-  AddColor(sums.specular, light, spot ? hn::Mul(highlight, falloff) : highlight);
+  return {hn::Mul(spot ? hn::Mul(lit, falloff) : lit, inverse),
+          spot ? hn::Mul(highlight, falloff) : highlight};
 }
 
-HWY_INLINE LightSums LightFacet(const LM_kernel_lights& lights, const SampleLights& at,
-                                const Facet& facet) {
-  LightSums sums = {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
+template <bool spot, class Sums>
+HWY_INLINE void AddFacetLight(Sums& sums, const LM_kernel_light& light, const Facet& facet,
+                              Floats x, Floats inverse, Floats falloff) {
+  const FacetShare share = ShareOf<spot>(light, facet, x, inverse, falloff);
+  AddColor(sums.diffuse, light, share.diffuse);
+  AddColor(sums.specular, light, share.specular);
+}
+
+HWY_INLINE LightSums LightFacet(LightSums sums, const SampleLights& at, const Facet& facet) {
   const Floats none = hn::Zero(FloatTag());
   int k = 0;
   for (; k < at.plain; ++k)
@@ -188,7 +198,7 @@ HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine
     const PlaneInts source = LoadPlanes(planes, i);
     if (relief.flat) {
       const Facet level = FacetOf(relief.quad[0], SetFloat(0x1p-12F));
-      StorePlanes(combine(LightFacet(lights, at, level), source), planes, i);
+      StorePlanes(combine(LightFacet(BeginSums(lights), at, level), source), planes, i);
       continue;
     }
     const FourFloats inverse = InverseNormals(relief);
@@ -197,7 +207,7 @@ HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine
         FacetOf(relief.quad[2], inverse.v2), FacetOf(relief.quad[3], inverse.v3)};
     PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
     for (const Facet& facet : facets) {
-      const PlaneInts shaded = combine(LightFacet(lights, at, facet), source);
+      const PlaneInts shaded = combine(LightFacet(BeginSums(lights), at, facet), source);
       total.p0 = hn::Add(total.p0, shaded.p0);
       total.p1 = hn::Add(total.p1, shaded.p1);
       total.p2 = hn::Add(total.p2, shaded.p2);

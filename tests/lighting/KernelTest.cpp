@@ -52,7 +52,15 @@ void MakeStrong(foo& params, SceneRandom& random) {
   params.lights[LM_LightCount(&params) - 1].position.y = NAN;
 }
 
-// Wider than a block or not as wide as vectors, flat or in relief, its lights usual, loud or
+// Their planes alike.
+void MakeWhite(foo& params) {
+  for (int j = 0; j < LM_LightCount(&params); ++j) {
+    int32_t* color = params.lights[j].color.component;
+    color[1] = color[2] = color[0];
+  }
+}
+
+// Wider than a block or not as wide as vectors, flat or in relief, its lights usual, white, loud or
 // strong.
 struct KeptScene {
   KeptScene(uint64_t seed, SceneRandom& random)
@@ -62,6 +70,8 @@ struct KeptScene {
       MakeLoud(params, random);
     if (seed % 3 == 1)
       MakeStrong(params, random);
+    if (seed % 6 == 2)
+      MakeWhite(params);
   }
   Scene scene;
   foo params;

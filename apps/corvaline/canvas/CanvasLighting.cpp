@@ -39,6 +39,24 @@ QImage Halved(const QImage& image) {
   return half;
 }
 
+// The pixels of a picture that threads draw together.
+struct Drawing {
+  QRgb* pixels;
+  int width;
+};
+// Draws those of a region, of 8 bits and with a fourth byte, while they are still in the cache.
+int DrawPart(VipsRegion* colours, void*, void*, void* into, gboolean*) {
+  const Drawing& drawing = *static_cast<const Drawing*>(into);
+  const VipsRect& part = colours->valid;
+  for (int y = part.top; y < part.top + part.height; ++y) {
+    const VipsPel* from = VIPS_REGION_ADDR(colours, part.left, y);
+    QRgb* const row = drawing.pixels + ptrdiff_t{y} * drawing.width + part.left;
+    for (int x = 0; x < part.width; ++x, from += sizeof(QRgb))
+      row[x] = qRgb(from[0], from[1], from[2]);
+  }
+  return 0;
+}
+
 // Marks pixels of which a colour has come to its upper end, and those that are quite black.
 void MarkEnds(const QImage& lit, QImage& shown) {
   constexpr QRgb BURNT = 0xFFFF003C, DROWNED = 0xFF005AFF;
@@ -163,10 +181,10 @@ QImage CanvasLighting::_unused(QSize size) {
     if (!picture.isDetached()) // somebody else shows it, or it is none
       continue;
     QImage image = std::exchange(picture, {});
-    if (image.size() == size && image.reinterpretAsFormat(QImage::Format_RGBX8888))
+    if (image.size() == size)
       return image;
   }
-  QImage image(size, QImage::Format_RGBX8888);
+  QImage image(size, QImage::Format_RGB32);
   if (image.isNull())
     throw std::bad_alloc();
   return image;
@@ -183,13 +201,11 @@ QImage CanvasLighting::_noted(QImage image) {
 // The part of opaque colours, as the window draws it.
 QImage CanvasLighting::_drawn(const VImage& colours, const QRect& part) {
   QImage image = _unused(part.size());
-  // The whole is lit straight into the picture; a part is copied out of strips.
-  const bool isWhole = part.size() == QSize(colours.width(), colours.height());
-  (isWhole ? colours : colours.extract_area(part.x(), part.y(), part.width(), part.height()))
-      .write(VImage::new_from_memory(image.bits(), static_cast<size_t>(image.sizeInBytes()),
-                                     image.width(), image.height(), colours.bands(),
-                                     VIPS_FORMAT_UCHAR));
-  image.convertTo(QImage::Format_RGB32);
+  const VImage seen = colours.extract_area(part.x(), part.y(), part.width(), part.height());
+  Drawing drawing = {reinterpret_cast<QRgb*>(image.bits()), image.width()};
+  if (vips_sink(seen.get_image(), vips_start_one, DrawPart, vips_stop_one, seen.get_image(),
+                &drawing) != 0)
+    throw vips::VError();
   return _noted(std::move(image));
 }
 
@@ -199,7 +215,6 @@ QImage CanvasLighting::_onScreen(const QImage& image) {
     return image;
   QImage shown = _unused(image.size());
   std::copy_n(image.constBits(), image.sizeInBytes(), shown.bits());
-  shown.reinterpretAsFormat(image.format());
   shown.applyColorTransform(toScreen);
   return _noted(std::move(shown));
 }
@@ -264,6 +279,16 @@ void CanvasLighting::_forgetSums() {
   _kept = {};
 }
 
+// Whether two blocks that have the same lights have the same surface too.
+static bool HasSameSurface(const foo& one, const foo& other) {
+  const auto surface = [](const foo& block) {
+    const auto& ambient = block.ambient.component;
+    return std::tie(block.gloss, block.material, block.exposure, ambient[0], ambient[1],
+                    ambient[2]);
+  };
+  return surface(one) == surface(other);
+}
+
 // Where the frame keeps sums, or finds them; null when too much has changed since the last one.
 LM_kept_sums* CanvasLighting::_keep(const FrameWish& wish, const limn::LitSettings& settings) {
   constexpr int MOST_MOVED = 2;
@@ -279,13 +304,15 @@ LM_kept_sums* CanvasLighting::_keep(const FrameWish& wish, const limn::LitSettin
     _kept = {};
     return nullptr;
   }
-  if (_kept.sums != nullptr && (changed & _kept.lights) == 0)
+  if (!_kept.IsEmpty() && (changed & _kept.lights) == 0)
     return &_kept;
+  if (changed == 0 && HasSameSurface(*before, *_parameters))
+    return nullptr; // what is to stand still is not known yet
   const QRect part = wish.view.part & QRect(area.x, area.y, area.width, area.height);
   const LM_rect rect = {part.top(), part.left(), part.bottom() + 1, part.right() + 1};
   const bool relief = _parameters->bumpChannel > 0;
   _kept = {};
-  return !part.isEmpty() && LM_KeptBytes(rect, relief) <= MostKept() &&
+  return !part.isEmpty() && LM_KeptBytes(rect, relief, {}, ~changed) <= MostKept() &&
                  LM_StartKeeping(rect, relief, ~changed, _kept)
              ? &_kept
              : nullptr;

@@ -1,0 +1,228 @@
+// Lights over sums of others that are kept packed. Compiled once for each instruction set.
+#if defined(LM_PACKED_KERNEL_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef LM_PACKED_KERNEL_INL_H
+#undef LM_PACKED_KERNEL_INL_H
+#else
+#define LM_PACKED_KERNEL_INL_H
+#endif
+
+#include <algorithm>
+
+#include "LM_arithmetic.h"
+#include "LM_relief_kernel-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+using HalfTag = hn::Rebind<uint16_t, IntTag>;
+using UnsignedTag = hn::RebindToUnsigned<IntTag>;
+
+// Room for the sums of a pack before they are packed, one LightSums after the other.
+constexpr int UNPACKED = LM_PACKED_PIXELS * LM_FACETS * LM_KEPT_SUMS;
+
+HWY_INLINE void StoreUnpacked(const LightSums& sums, int32_t* unpacked) {
+  const IntTag ints;
+  const Ints all[LM_KEPT_SUMS] = {sums.diffuse.p0,  sums.diffuse.p1,  sums.diffuse.p2,
+                                  sums.specular.p0, sums.specular.p1, sums.specular.p2};
+  for (int k = 0; k < LM_KEPT_SUMS; ++k)
+    hn::StoreU(all[k], ints, unpacked + k * Lanes());
+}
+
+// The sums of at most LM_PACKED_PIXELS pixels. Answers how many LightSums they are.
+HWY_INLINE int SumPack(const LM_kernel_lights& lights, const float* x, int n,
+                       const int32_t* const* heights, int32_t* unpacked) {
+  SampleLights fourAt[4];
+  int count = 0;
+  const auto keep = [&](const LightSums& sums) {
+    StoreUnpacked(sums, unpacked + LM_KEPT_SUMS * Lanes() * count++);
+  };
+  const LightSums begun = BeginSums(lights);
+  for (int i = 0; i < n; i += Lanes()) {
+    const int v = i / Lanes() % 4;
+    if (v == 0)
+      LookAtLights(lights, x + i, fourAt);
+    if (heights == nullptr) {
+      keep(SumFlatLights(begun, fourAt[v]));
+      continue;
+    }
+    const PixelRelief relief = ReliefAt(heights, i);
+    const FourFloats inverse = InverseNormals(relief);
+    const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
+    for (int facet = 0; facet < LM_FACETS; ++facet)
+      keep(LightFacet(begun, fourAt[v], FacetOf(relief.quad[facet], roots[facet])));
+  }
+  return count;
+}
+
+// Where of its part a sum lies: the first planes' are the one part, the others' the other.
+struct PackedPlace {
+  int part, place;
+};
+constexpr PackedPlace PlaceOf(int sum) {
+  const int plane = sum % LM_PLANES;
+  const int kind = sum / LM_PLANES;
+  return plane == 0 ? PackedPlace{0, kind} : PackedPlace{1, kind * 2 + plane - 1};
+}
+
+// Packs `count` LightSums: those of white light by one plane, and upper halves where there are any.
+HWY_INLINE void Pack(const int32_t* unpacked, int count, const LM_packed_run& packed) {
+  const IntTag ints;
+  const UnsignedTag words;
+  LM_pack& pack = *packed.packs;
+  const auto sumAt = [&](int i, int k) {
+    return hn::LoadU(ints, unpacked + (i * LM_KEPT_SUMS + k) * Lanes());
+  };
+  const auto beyondLeast = [&](int i, int k) {
+    return hn::BitCast(words, hn::Sub(sumAt(i, k), SetInt(pack.least[k])));
+  };
+  Ints differing = hn::Zero(ints);
+  auto upper = hn::Zero(words);
+  for (int k = 0; k < LM_KEPT_SUMS; ++k) {
+    Ints least = sumAt(0, k);
+    for (int i = 0; i < count; ++i) {
+      least = hn::Min(least, sumAt(i, k));
+      differing = hn::Or(differing, hn::Xor(sumAt(i, k), sumAt(i, k - k % LM_PLANES)));
+    }
+    pack.least[k] = hn::GetLane(hn::MinOfLanes(ints, least));
+    for (int i = 0; i < count; ++i)
+      upper = hn::Or(upper, hn::ShiftRight<16>(beyondLeast(i, k)));
+  }
+  pack.isGray = hn::AllTrue(ints, hn::Eq(differing, hn::Zero(ints)));
+  pack.isWide = !hn::AllTrue(words, hn::Eq(upper, hn::Zero(words)));
+  for (int k = 0; k < LM_KEPT_SUMS; ++k) {
+    const auto [part, place] = PlaceOf(k);
+    for (int i = 0; i < count && (part == 0 || !pack.isGray); ++i) {
+      const auto beyond = beyondLeast(i, k);
+      const int at = (i * LM_PACKED_SUMS[part] + place) * Lanes();
+      hn::StoreU(hn::TruncateTo(HalfTag(), beyond), HalfTag(), packed.low[part] + at);
+      if (pack.isWide)
+        hn::StoreU(hn::TruncateTo(HalfTag(), hn::ShiftRight<16>(beyond)), HalfTag(),
+                   packed.high[part] + at);
+    }
+  }
+}
+
+void KeepPacked(const LM_kernel_lights& lights, const float* x, int n,
+                const int32_t* const* heights, const LM_packed_run& packed) {
+  HWY_ALIGN int32_t unpacked[UNPACKED];
+  const int facets = heights == nullptr ? 1 : LM_FACETS;
+  for (int i = 0; i < n; i += LM_PACKED_PIXELS) {
+    const int32_t* rows[3] = {};
+    for (int row = 0; row < 3 && heights != nullptr; ++row)
+      rows[row] = heights[row] + i;
+    const int count = SumPack(lights, x + i, std::min(n - i, LM_PACKED_PIXELS),
+                              heights == nullptr ? nullptr : rows, unpacked);
+    Pack(unpacked, count, packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets));
+  }
+}
+
+// One sum of the i-th ones of a pack, without what is least in it.
+template <int sum> HWY_INLINE Ints LoadBeyond(const LM_packed_run& packed, int i) {
+  constexpr PackedPlace PLACE = PlaceOf(sum);
+  const IntTag ints;
+  const int at = (i * LM_PACKED_SUMS[PLACE.part] + PLACE.place) * Lanes();
+  const Ints low = hn::PromoteTo(ints, hn::LoadU(HalfTag(), packed.low[PLACE.part] + at));
+  if (HWY_LIKELY(!packed.packs->isWide))
+    return low;
+  const Ints high = hn::PromoteTo(ints, hn::LoadU(HalfTag(), packed.high[PLACE.part] + at));
+  return hn::Or(low, hn::ShiftLeft<16>(high));
+}
+
+// `sums` and the i-th ones of a pack, without what is least in it.
+HWY_INLINE LightSums AddPacked(const LightSums& sums, const LM_packed_run& packed, int i) {
+  const Ints diffuse = LoadBeyond<0>(packed, i);
+  const Ints specular = LoadBeyond<LM_PLANES>(packed, i);
+  if (packed.packs->isGray)
+    return {{hn::Add(sums.diffuse.p0, diffuse), hn::Add(sums.diffuse.p1, diffuse),
+             hn::Add(sums.diffuse.p2, diffuse)},
+            {hn::Add(sums.specular.p0, specular), hn::Add(sums.specular.p1, specular),
+             hn::Add(sums.specular.p2, specular)}};
+  return {{hn::Add(sums.diffuse.p0, diffuse), hn::Add(sums.diffuse.p1, LoadBeyond<1>(packed, i)),
+           hn::Add(sums.diffuse.p2, LoadBeyond<2>(packed, i))},
+          {hn::Add(sums.specular.p0, specular),
+           hn::Add(sums.specular.p1, LoadBeyond<LM_PLANES + 1>(packed, i)),
+           hn::Add(sums.specular.p2, LoadBeyond<LM_PLANES + 2>(packed, i))}};
+}
+
+// What every sample of a pack has before its own sums.
+HWY_INLINE LightSums BeginPack(const LM_kernel_lights& lights, const LM_pack& pack) {
+  return {{SetInt(LM_WrapAdd(lights.diffuse[0], pack.least[0])),
+           SetInt(LM_WrapAdd(lights.diffuse[1], pack.least[1])),
+           SetInt(LM_WrapAdd(lights.diffuse[2], pack.least[2]))},
+          {SetInt(LM_WrapAdd(lights.specular[0], pack.least[3])),
+           SetInt(LM_WrapAdd(lights.specular[1], pack.least[4])),
+           SetInt(LM_WrapAdd(lights.specular[2], pack.least[5]))}};
+}
+
+// What each light gives to each facet of a vector of pixels. All are found before one is combined:
+// the way from a facet to its bytes is long, and none waits for another.
+struct FacetShares {
+  FacetShare of[LM_MAX_LIGHTS][LM_FACETS];
+};
+HWY_INLINE void FindShares(const SampleLights& at, const int32_t* const* heights, int i,
+                           FacetShares& shares) {
+  const PixelRelief relief = ReliefAt(heights, i);
+  const FourFloats inverse = InverseNormals(relief);
+  const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
+  for (int f = 0; f < LM_FACETS; ++f) {
+    const Facet facet = FacetOf(relief.quad[f], roots[f]);
+    int k = 0;
+    for (; k < at.plain; ++k)
+      shares.of[k][f] = ShareOf<false>(*at.light[k], facet, at.x[k], at.inverse[k], at.inverse[k]);
+    for (; k < at.count; ++k)
+      shares.of[k][f] = ShareOf<true>(*at.light[k], facet, at.x[k], at.inverse[k], at.falloff[k]);
+  }
+}
+
+// The vector of a pack's pixels that is its v-th, the first of them pixel i.
+template <class Combine>
+HWY_INLINE PlaneInts LitOver(const LightSums& begun, const Combine& combine, const SampleLights& at,
+                             const LM_packed_run& packed, int v, int i,
+                             const int32_t* const* heights, const PlaneInts& source) {
+  if (heights == nullptr)
+    return combine(AddPacked(SumFlatLights(begun, at), packed, v), source);
+  FacetShares shares;
+  if (at.count > 0)
+    FindShares(at, heights, i, shares);
+  PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
+  for (int f = 0; f < LM_FACETS; ++f) {
+    LightSums sums = begun;
+    for (int k = 0; k < at.count; ++k) {
+      AddColor(sums.diffuse, *at.light[k], shares.of[k][f].diffuse);
+      AddColor(sums.specular, *at.light[k], shares.of[k][f].specular);
+    }
+    const PlaneInts shaded = combine(AddPacked(sums, packed, v * LM_FACETS + f), source);
+    total = {hn::Add(total.p0, shaded.p0), hn::Add(total.p1, shaded.p1),
+             hn::Add(total.p2, shaded.p2)};
+  }
+  return {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1), hn::ShiftRight<2>(total.p2)};
+}
+
+void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
+               const LM_packed_run& packed, const float* x, int n, const int32_t* const* heights,
+               const LM_kernel_planes& planes) {
+  const int facets = heights == nullptr ? 1 : LM_FACETS;
+  WithCombiner(surface, [&](const auto& combine) {
+    SampleLights fourAt[4];
+    LM_packed_run pack = {};
+    LightSums begun = {};
+    for (int i = 0; i < n; i += Lanes()) {
+      const int v = i % LM_PACKED_PIXELS / Lanes();
+      if (v == 0) {
+        pack = packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets);
+        begun = BeginPack(lights, *pack.packs);
+      }
+      if (v % 4 == 0)
+        LookAtLights(lights, x + i, fourAt);
+      const PlaneInts source = LoadPlanes(planes, i);
+      StorePlanes(LitOver(begun, combine, fourAt[v % 4], pack, v, i, heights, source), planes, i);
+    }
+  });
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace
+HWY_AFTER_NAMESPACE();
+
+#endif
