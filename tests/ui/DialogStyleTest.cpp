@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int DIALOG_OPENS = 40;  // milliseconds until a small dialog is there
+constexpr int DIALOG_OPENS = 40; // milliseconds until a small dialog is there
 
 class DialogStyles : public DialogRun {
 protected:

@@ -33,8 +33,7 @@ bool IsBare(const std::string& name) {
 std::string FileOf(const limn::RecipeFile& named, FileNames names, const QString& folder) {
   if (names == FileNames::Bare && !IsBare(named.name))
     Refuse(named.name, "is no file's name");
-  std::string path =
-      names == FileNames::Bare ? Encoded(folder + "/") + named.name : named.name;
+  std::string path = names == FileNames::Bare ? Encoded(folder + "/") + named.name : named.name;
   if (!QFile::exists(QFile::decodeName(path.c_str())))
     Refuse(path, "is not there");
   if (!named.digest.empty() && limn::RecipeFileOf(path).digest != named.digest)
