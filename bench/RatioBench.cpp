@@ -84,7 +84,7 @@ public:
   void Keep(bool tight) {
     const bool relief = _views.relief.pixels != nullptr;
     LM_StartKeeping(_job.area, relief, LM_ALL_LIGHTS, _kept,
-                    tight ? LM_TightForm(_job, relief) : LM_kept_form());
+                    tight ? LM_TightForm(_job.params, _job.area, relief) : LM_kept_form());
     _views.kept = &_kept;
   }
   void Light() {

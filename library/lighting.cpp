@@ -98,7 +98,7 @@ LM_kept_sums* KeptFor(const limn_lighting& lighting, const LM_render_views& view
   LM_kept_sums& kept = lighting.kept;
   if (kept.sums == nullptr || (kept.facets == 1) != isFlat)
     LM_StartKeeping(lighting.job->area, !isFlat, LM_ALL_LIGHTS, kept,
-                    LM_TightForm(*lighting.job, !isFlat));
+                    LM_TightForm(lighting.job->params, lighting.job->area, !isFlat));
   return &kept;
 }
 
@@ -170,7 +170,7 @@ uint64_t limn_kept_bytes(const limn_lighting* lighting, limn_keep keep) {
     return 0;
   const bool relief = keep == LIMN_KEEP_RELIEF;
   return LM_KeptBytes(lighting->job->area, relief, LM_ALL_LIGHTS,
-                      LM_TightForm(*lighting->job, relief));
+                      LM_TightForm(lighting->job->params, lighting->job->area, relief));
 }
 
 limn_result limn_set_keep(limn_lighting* lighting, limn_keep keep, limn_error* error) {

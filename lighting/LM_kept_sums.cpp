@@ -5,6 +5,7 @@
 #include <new>
 
 #include "LM_height_rows.h"
+#include "LM_light_sums.h"
 
 namespace {
 
@@ -59,7 +60,11 @@ size_t RowWords(const LM_rect& rect, int facets, const LM_kept_form& form) {
 
 } // namespace
 
-LM_kept_form LM_TightForm(const LM_sorted_lights& lights, bool relief, const LM_extent& extent) {
+LM_kept_form LM_TightForm(const foo& params, const LM_rect& area, bool relief) {
+  const LM_sample_grid grid(area, &params);
+  const LM_extent extent = {grid.X(area.left), grid.X(area.right - 1), grid.Y(area.top),
+                            grid.Y(area.bottom - 1)};
+  const LM_sorted_lights lights = LM_SortLights(params, !relief);
   const LM_kernel_lights& sorted = lights.kernel;
   const int local = sorted.omnis + sorted.spots;
   double diffuse = 0.0;

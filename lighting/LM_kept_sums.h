@@ -30,9 +30,9 @@ struct LM_kept_form {
   bool isTight = false;
 };
 
-// The tightest form for all of a block's lights, sorted for a flat surface or for relief, and
-// samples in that extent. Wide where no other is sure.
-LM_kept_form LM_TightForm(const LM_sorted_lights& lights, bool relief, const LM_extent& extent);
+// The tightest form for the sums of all of a block's lights in that filter area. It holds while
+// they and the area stay. Wide where no other is sure.
+LM_kept_form LM_TightForm(const foo& params, const LM_rect& area, bool relief);
 
 // The sums in a part of one job's filter area. Rows whose lights vectors do not take are lit anew
 // each time, as everything is without vectors. Threads may share it while their rectangles do not

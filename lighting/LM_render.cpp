@@ -145,13 +145,6 @@ LM_render_scratch_pointer LM_NewRenderScratch() {
   return LM_render_scratch_pointer(new (std::nothrow) LM_render_scratch());
 }
 
-LM_kept_form LM_TightForm(const LM_render_job& job, bool relief) {
-  const LM_sample_grid grid(job.area, &job.params);
-  return LM_TightForm(relief ? job.reliefLights : job.flatLights, relief,
-                      {job.columns[0], job.columns[static_cast<size_t>(job.AreaWidth()) - 1],
-                       grid.Y(job.area.top), grid.Y(job.area.bottom - 1)});
-}
-
 LM_render_result LM_RenderRect(const LM_render_job& job, const LM_render_views& views,
                                const LM_rect& rect, LM_render_scratch& scratch) {
   if (LM_IsEmpty(rect))

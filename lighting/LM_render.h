@@ -67,9 +67,6 @@ LM_render_scratch_pointer LM_NewRenderScratch();
 // lights and surface, so that no sum of the one holds for the other.
 std::optional<uint32_t> LM_ChangedLights(const foo& before, const foo& after);
 
-// The tightest form for the sums of all the job's lights. It holds while they stay.
-LM_kept_form LM_TightForm(const LM_render_job& job, bool relief);
-
 // What a call reads and writes. source and output: planes 0 to 2 are the first three components of
 // a pixel; further bytes of the output are left alone. They may be the same pixels. relief: the
 // first component of a pixel is its height; its pixels are null for a flat surface. Beyond the

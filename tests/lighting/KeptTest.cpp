@@ -38,11 +38,7 @@ struct FarLights {
     for (int i = 0; i < params.numLights; ++i)
       for (int plane = 0; plane < LM_PLANES; ++plane)
         params.lights[i].color.component[plane] = weights[i][plane] * strength;
-    LM_render_job job;
-    EXPECT_EQ(LM_PrepareRender(params, {0, 0, scene.height, scene.width}, scene.width, scene.height,
-                               nullptr, job),
-              LM_render_result::Done);
-    return LM_TightForm(job, relief);
+    return LM_TightForm(params, {0, 0, scene.height, scene.width}, relief);
   }
   // The greatest strength with which they are packed.
   LM_kept_form SetGreatestStrength(const Scene& scene) {

@@ -75,8 +75,8 @@ RenderRun::RenderRun(const Scene& scene, const foo& params, const RenderLayout& 
             LM_render_result::Done);
   if (layout.keeps) {
     const bool relief = !scene.heights.empty();
-    EXPECT_TRUE(
-        LM_StartKeeping(_job.area, relief, layout.keptLights, _kept, LM_TightForm(_job, relief)));
+    EXPECT_TRUE(LM_StartKeeping(_job.area, relief, layout.keptLights, _kept,
+                                LM_TightForm(_job.params, _job.area, relief)));
   }
   _out = CutOut(scene.pixels, scene.width, 3, layout.pixelStep, {0, 0, scene.height, scene.width});
 }

@@ -311,9 +311,11 @@ LM_kept_sums* CanvasLighting::_keep(const FrameWish& wish, const limn::LitSettin
   const QRect part = wish.view.part & QRect(area.x, area.y, area.width, area.height);
   const LM_rect rect = {part.top(), part.left(), part.bottom() + 1, part.right() + 1};
   const bool relief = _parameters->bumpChannel > 0;
+  const LM_kept_form form = LM_TightForm(
+      *_parameters, {area.y, area.x, area.y + area.height, area.x + area.width}, relief);
   _kept = {};
-  return !part.isEmpty() && LM_KeptBytes(rect, relief, ~changed) <= MostKept() &&
-                 LM_StartKeeping(rect, relief, ~changed, _kept)
+  return !part.isEmpty() && LM_KeptBytes(rect, relief, ~changed, form) <= MostKept() &&
+                 LM_StartKeeping(rect, relief, ~changed, _kept, form)
              ? &_kept
              : nullptr;
 }
