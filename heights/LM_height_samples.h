@@ -19,9 +19,10 @@ constexpr uint32_t LM_HeightWord(uint16_t sample) {
 }
 // White is 1; beyond black and white, and NaN, count as these and as black.
 constexpr uint32_t LM_HeightWord(float sample) {
-  return sample >= 1.0F  ? 65535U
-         : sample > 0.0F ? static_cast<uint32_t>(sample * 65535.0F + 0.5F)
-                         : 0U;
+  if (sample >= 1.0F)
+    return 65535U;
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): the nearest float below a half makes no height
+  return sample > 0.0F ? static_cast<uint32_t>(sample * 65535.0F + 0.5F) : 0U;
 }
 
 template <class Sample>

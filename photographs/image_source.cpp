@@ -186,7 +186,7 @@ vips::VImage OpenImage(const std::string& name, int shrink) {
                         ->set("fail_on", VIPS_FAIL_ON_WARNING);
     if (isShrunk)
       options->set("shrink", shrink);
-    const vips::VImage image = Normalized(format.load(std::move(file), options), format.decoding);
+    vips::VImage image = Normalized(format.load(std::move(file), options), format.decoding);
     CheckPixels(image, isShrunk ? shrink : 1, format.decoding, length, path);
     return image;
   } catch (const vips::VError&) {

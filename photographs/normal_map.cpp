@@ -52,8 +52,8 @@ VImage Components(const std::string& path, const VImage& image) {
   if (vips_image_get_orientation(image.get_image()) > 1)
     throw Failure(ExitCode::BadInput,
                   path + ": is turned by its tag, with which its vectors do not turn");
-  const VImage planes = ToPlainPlanes(
-      image, image.format() == VIPS_FORMAT_UCHAR ? VIPS_FORMAT_UCHAR : VIPS_FORMAT_USHORT);
+  VImage planes = ToPlainPlanes(image, image.format() == VIPS_FORMAT_UCHAR ? VIPS_FORMAT_UCHAR
+                                                                           : VIPS_FORMAT_USHORT);
   if (planes.bands() != 3)
     throw Failure(ExitCode::BadInput, path + ": is no normal map, which has red, green and blue");
   return planes;
