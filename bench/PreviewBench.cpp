@@ -63,7 +63,7 @@ private:
 void Render(benchmark::State& state, void (*change)(LM_globals&)) {
   PreviewScene scene(static_cast<int>(state.range(0)), state.range(1) != 0);
   LM_ShadePreview(scene.globals);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     change(*scene.globals);
     LM_ShadePreview(scene.globals);
   }

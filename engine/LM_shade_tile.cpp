@@ -13,8 +13,8 @@ namespace {
 struct Tile {
   foo* params = nullptr; // null: there is nothing to light
   LM_rect area, rect;    // rect: at most LM_MAX_RUN pixels wide
-  LM_source_view source;
-  LM_output_view output;
+  LM_source_view source = {};
+  LM_output_view output = {};
 
   explicit Tile(const FilterRecord& record)
       : area(LM_RectOf(record.filterArea)), rect(LM_RectOf(record.inTileRect)) {

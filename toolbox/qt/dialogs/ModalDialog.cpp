@@ -132,7 +132,7 @@ void UpdateWindow(WindowPtr window) {
 
 // What the Dialog Manager itself does with an event.
 int16_t HandleEvent(DialogWindow& window, const EventRecord& event, WindowPtr target) {
-  if (event.what == updateEvt && DialogWindow::Of(target) != nullptr)
+  if (event.what == updateEvt && target != nullptr && DialogWindow::Of(target) != nullptr)
     UpdateWindow(target);
   if (target != window.port())
     return NO_ITEM;
