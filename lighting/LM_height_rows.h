@@ -7,12 +7,12 @@
 // Pixels that are worked on together: their rows stay in the first-level cache.
 constexpr int LM_RENDER_BLOCK = 1024;
 
-// Three rows that go down an image one by one: row y is at At(y). Sized so that no two rows lie a
-// multiple of 4096 bytes apart, where stores would hold up loads.
-template <class Element> struct LM_row_ring {
+// The last rows of those that go down an image one by one: row y is at At(y). Sized so that no two
+// rows lie a multiple of 4096 bytes apart, where stores would hold up loads.
+template <class Element, int ROWS = 3> struct LM_row_ring {
   static constexpr int LENGTH = LM_RENDER_BLOCK + 4 + LM_KERNEL_SLACK;
-  alignas(64) Element row[3][LENGTH];
-  Element* At(int32_t y) { return row[(y + 3) % 3]; } // y from -3
+  alignas(64) Element row[ROWS][LENGTH];
+  Element* At(int32_t y) { return row[(y + ROWS) % ROWS]; } // y from -ROWS
 };
 
 // Three rows of a plane: bytes, or words for a plane of more. Only the one is used.

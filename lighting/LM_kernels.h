@@ -69,6 +69,15 @@ struct LM_kernel_part {
   LM_color96 *diffuse, *specular;
 };
 
+// The unit normals of a row of facets, by component. Facet i lies between the pixels i - 1 and i,
+// and between two rows of them: a pixel shares each of its four with three others.
+struct LM_normal_row {
+  float *x, *y, *z;
+
+  // From some pixels on.
+  LM_normal_row From(int pixels) const { return {x + pixels, y + pixels, z + pixels}; }
+};
+
 // Sums of a row that are kept for the next picture. A sample is a pixel or, in relief, one of its
 // four facets; of every vector of pixels its samples' words plane by plane, facet after facet. The
 // order within a vector is the instruction set's own. The ambient light is not in them.
@@ -142,32 +151,35 @@ struct LM_kernels {
   void (*heights)(const uint8_t* const taps[3], int n, int32_t scale, int32_t* heights);
   // The same of words, for a scale of up to LM_WORD_HEIGHTS_SCALE either way.
   void (*wordHeights)(const uint16_t* const taps[3], int n, int32_t scale, int32_t* heights);
-  // Lights n pixels in relief. heights: three rows, each starting one pixel to the left.
+  // The normals of n facets between two rows of heights, each starting one pixel to the left.
+  void (*normals)(const int32_t* above, const int32_t* below, int n, const LM_normal_row& normals);
+  // Lights n pixels in relief. normals: of the facets above and below them, n + 1 of each.
   void (*relief)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
-                 int n, const int32_t* const heights[3], const LM_kernel_planes& planes);
+                 int n, const LM_normal_row* normals, const LM_kernel_planes& planes);
   // LM_LoadDeep and LM_StoreDeep. Neither touches a byte beyond the last pixel.
   void (*load)(const uint8_t* pixels, ptrdiff_t step, LM_pixel_kind kind, int n,
                const LM_deep_planes& planes);
   void (*store)(const LM_deep_planes& planes, int n, LM_pixel_kind kind, uint8_t* pixels,
                 ptrdiff_t step);
-  // Lights n pixels of more than 8 bits, all lights in their order, directional ones too. heights:
+  // Lights n pixels of more than 8 bits, all lights in their order, directional ones too. normals:
   // as for relief, or null for a flat surface.
   void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
-               int n, const int32_t* const* heights, const LM_deep_planes& planes);
-  // The sums that flat and relief combine, kept: those of n pixels or, with heights, of their
+               int n, const LM_normal_row* normals, const LM_deep_planes& planes);
+  // The sums that flat and relief combine, kept: those of n pixels or, with normals, of their
   // facets. They fit the form. The lights begin without the ambient light. This and the next three
   // are null where nothing is ever kept.
-  void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
+  void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
                const LM_kept_run& kept);
   // Lights n pixels by sums that were kept, and the ambient light.
   void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
                   int facets, int n, const LM_kernel_planes& planes);
   // The same sums as keep, packed, from the beginning of a pack on; and n pixels lit by them and by
-  // lights that are not in them, which begin with the ambient light. heights: as for keep.
-  void (*pack)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
+  // lights that are not in them, which begin with the ambient light. normals: as for deep; not
+  // looked at where there are no lights.
+  void (*pack)(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
                const LM_packed_run& packed);
   void (*over)(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
-               const LM_packed_run& packed, const float* x, int n, const int32_t* const* heights,
+               const LM_packed_run& packed, const float* x, int n, const LM_normal_row* normals,
                const LM_kernel_planes& planes);
   // Adds the lights to the samples' sums, and stores each light's part; parts go with the lights.
   void (*sum)(const LM_kernel_lights& lights, const LM_kernel_part* parts,

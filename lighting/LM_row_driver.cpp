@@ -151,6 +151,9 @@ void LM_row_driver::_FillHeights(int32_t y) {
   if (!goesOn)
     _heights.StartAnew();
   _heightsEnd = y - top + 2;
+  if (!goesOn)
+    _normalsReady[(y - top) % 2] = 0;
+  _normalsReady[(y - top + 1) % 2] = 0;
   for (int32_t row = goesOn ? y - top + 1 : y - top - 1; row < _heightsEnd; ++row) {
     int32_t* heights = _buffers.heights.At(row);
     if (_piece.map != nullptr)
@@ -161,6 +164,26 @@ void LM_row_driver::_FillHeights(int32_t y) {
   }
 }
 
+// Of the facets above a row, from the piece's first one.
+LM_normal_row LM_row_driver::_NormalsAbove(int32_t row) const {
+  return {_buffers.normals[0].At(row), _buffers.normals[1].At(row), _buffers.normals[2].At(row)};
+}
+
+// Makes the normals around n pixels of a row from the `first` one on, but for those above that were
+// made below the row before.
+void LM_row_driver::_FillNormals(int32_t row, int first, int n) {
+  const uint32_t pieces = ((1U << LM_ReachPieces(n)) - 1) << first / LM_REACH_PIECE;
+  for (const int32_t below : {row, row + 1}) {
+    uint32_t& ready = _normalsReady[below % 2];
+    if ((ready & pieces) == pieces)
+      continue;
+    ready |= pieces;
+    _piece.kernels->normals(_buffers.heights.At(below - 1) + first,
+                            _buffers.heights.At(below) + first, n + 1,
+                            _NormalsAbove(below).From(first));
+  }
+}
+
 // Lights n samples of a row's planes from the `first` one on; or only keeps what lights give them.
 void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t y, int first, int n,
                               Aim aim) {
@@ -168,27 +191,31 @@ void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t y, int fir
   const LM_kernel_surface surface = SurfaceOf(*_piece.params);
   const float* const columns = _piece.columns + first;
   const int32_t row = y - _piece.rect.top;
-  const int32_t* const rows[3] = {_buffers.heights.At(row - 1) + first,
-                                  _buffers.heights.At(row) + first,
-                                  _buffers.heights.At(row + 1) + first};
-  const int32_t* const* heights = _piece.IsFlat() ? nullptr : rows;
-  if (_piece.kind != LM_pixel_kind::Bytes)
-    return kernels.deep(lights, surface, columns, n, heights, _piece.deep->Planes(first));
+  const LM_normal_row rows[2] = {_NormalsAbove(row).From(first),
+                                 _NormalsAbove(row + 1).From(first)};
+  const LM_normal_row* const normals = _piece.IsFlat() ? nullptr : rows;
+  const bool isDeep = _piece.kind != LM_pixel_kind::Bytes;
+  const bool isUnlit = lights.Count() == 0 && !isDeep && aim != Aim::Keep;
+  if (normals != nullptr && !isUnlit)
+    _FillNormals(row, first, n);
+  if (isDeep)
+    return kernels.deep(lights, surface, columns, n, normals, _piece.deep->Planes(first));
   const LM_kernel_planes planes = {
       {_buffers.planes[0] + first, _buffers.planes[1] + first, _buffers.planes[2] + first}};
-  if (aim == Aim::Light)
-    return heights == nullptr ? kernels.flat(lights, surface, columns, n, planes)
-                              : kernels.relief(lights, surface, columns, n, heights, planes);
+  if (aim == Aim::Light) // without lights, all facets are alike
+    return normals == nullptr || isUnlit
+               ? kernels.flat(lights, surface, columns, n, planes)
+               : kernels.relief(lights, surface, columns, n, normals, planes);
   const LM_kept_sums& kept = *_piece.kept.sums;
   const int32_t column = _piece.kept.column + first;
   const int32_t keptRow = _piece.kept.row + row;
   if (kept.packed.IsEmpty())
-    return kernels.keep(lights, columns, n, heights, kept.At(column, keptRow));
+    return kernels.keep(lights, columns, n, normals, kept.At(column, keptRow));
   const LM_packed_run packed = kept.packed.At(column, keptRow);
   if (aim == Aim::Keep)
-    kernels.pack(lights, columns, n, heights, packed);
+    kernels.pack(lights, columns, n, normals, packed);
   else
-    kernels.over(lights, surface, packed, columns, n, heights, planes);
+    kernels.over(lights, surface, packed, columns, n, normals, planes);
 }
 
 // Works out a row, each run of it by those of the row's lights that reach it.

@@ -51,6 +51,8 @@ struct LM_piece {
 struct LM_row_buffers {
   LM_row_ring<uint8_t> taps;
   LM_row_ring<int32_t> heights; // from one pixel left of the piece
+  // Of the facets above a row of pixels and below it, by component.
+  LM_row_ring<float, 2> normals[3];
   alignas(64) uint8_t planes[LM_PLANES][LM_RENDER_BLOCK + LM_KERNEL_SLACK];
   uint8_t source[LM_PLANES * LM_RENDER_BLOCK]; // packed, where the image's own are not
   uint8_t output[LM_PLANES * LM_RENDER_BLOCK];
@@ -81,6 +83,8 @@ private:
   void _Combine(uint32_t samples, const uint8_t* colors, uint8_t* out);
   bool _IsKept(int32_t y) const;
   void _FillHeights(int32_t y);
+  LM_normal_row _NormalsAbove(int32_t row) const;
+  void _FillNormals(int32_t row, int first, int n);
   const uint8_t* _Packed(int32_t x, int32_t y, uint32_t pixels);
   LM_bump_map _HeightsAround(int32_t y, LM_pixel_run& run);
 
@@ -102,5 +106,7 @@ private:
   bool _onVectors;        // rows whose lights allow it go through the planes
   bool _allFit;           // every row allows it
   int32_t _heightsEnd;    // the row after the last one of heights, from the piece's first
+  // Of the rows of normals, where there are some: a bit for each LM_REACH_PIECE pixels.
+  uint32_t _normalsReady[2] = {};
   int32_t _y;
 };

@@ -51,6 +51,7 @@ const LM_kernels* TargetKernels() {
                                      LightFlat,
                                      FilterHeights,
                                      FilterWordHeights,
+                                     MakeNormals,
                                      LightRelief,
                                      LoadDeep,
                                      StoreDeep,

@@ -31,7 +31,7 @@ HWY_INLINE void StoreUnpacked(const LightSums& sums, int32_t* unpacked) {
 
 // The sums of at most LM_PACKED_PIXELS pixels. Answers how many LightSums they are.
 HWY_INLINE int SumPack(const LM_kernel_lights& lights, const float* x, int n,
-                       const int32_t* const* heights, int32_t* unpacked) {
+                       const LM_normal_row* normals, int32_t* unpacked) {
   SampleLights fourAt[4];
   int count = 0;
   const auto keep = [&](const LightSums& sums) {
@@ -42,15 +42,12 @@ HWY_INLINE int SumPack(const LM_kernel_lights& lights, const float* x, int n,
     const int v = i / Lanes() % 4;
     if (v == 0)
       LookAtLights(lights, x + i, fourAt);
-    if (heights == nullptr) {
+    if (normals == nullptr) {
       keep(SumFlatLights(begun, fourAt[v]));
       continue;
     }
-    const PixelRelief relief = ReliefAt(heights, i);
-    const FourFloats inverse = InverseNormals(relief);
-    const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
     for (int facet = 0; facet < LM_FACETS; ++facet)
-      keep(LightFacet(begun, fourAt[v], FacetOf(relief.quad[facet], roots[facet])));
+      keep(LightFacet(begun, fourAt[v], FacetAt(normals, i, facet)));
   }
   return count;
 }
@@ -103,16 +100,16 @@ HWY_INLINE void Pack(const int32_t* unpacked, int count, const LM_packed_run& pa
   }
 }
 
-void KeepPacked(const LM_kernel_lights& lights, const float* x, int n,
-                const int32_t* const* heights, const LM_packed_run& packed) {
+void KeepPacked(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
+                const LM_packed_run& packed) {
   HWY_ALIGN int32_t unpacked[UNPACKED];
-  const int facets = heights == nullptr ? 1 : LM_FACETS;
+  const int facets = normals == nullptr ? 1 : LM_FACETS;
   for (int i = 0; i < n; i += LM_PACKED_PIXELS) {
-    const int32_t* rows[3] = {};
-    for (int row = 0; row < 3 && heights != nullptr; ++row)
-      rows[row] = heights[row] + i;
+    LM_normal_row rows[2] = {};
+    for (int row = 0; row < 2 && normals != nullptr; ++row)
+      rows[row] = normals[row].From(i);
     const int count = SumPack(lights, x + i, std::min(n - i, LM_PACKED_PIXELS),
-                              heights == nullptr ? nullptr : rows, unpacked);
+                              normals == nullptr ? nullptr : rows, unpacked);
     Pack(unpacked, count, packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets));
   }
 }
@@ -160,13 +157,10 @@ HWY_INLINE LightSums BeginPack(const LM_kernel_lights& lights, const LM_pack& pa
 struct FacetShares {
   FacetShare of[LM_MAX_LIGHTS][LM_FACETS];
 };
-HWY_INLINE void FindShares(const SampleLights& at, const int32_t* const* heights, int i,
+HWY_INLINE void FindShares(const SampleLights& at, const LM_normal_row* normals, int i,
                            FacetShares& shares) {
-  const PixelRelief relief = ReliefAt(heights, i);
-  const FourFloats inverse = InverseNormals(relief);
-  const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
   for (int f = 0; f < LM_FACETS; ++f) {
-    const Facet facet = FacetOf(relief.quad[f], roots[f]);
+    const Facet facet = FacetAt(normals, i, f);
     int k = 0;
     for (; k < at.plain; ++k)
       shares.of[k][f] = ShareOf<false>(*at.light[k], facet, at.x[k], at.inverse[k], at.inverse[k]);
@@ -179,12 +173,12 @@ HWY_INLINE void FindShares(const SampleLights& at, const int32_t* const* heights
 template <class Combine>
 HWY_INLINE PlaneInts LitOver(const LightSums& begun, const Combine& combine, const SampleLights& at,
                              const LM_packed_run& packed, int v, int i,
-                             const int32_t* const* heights, const PlaneInts& source) {
-  if (heights == nullptr)
+                             const LM_normal_row* normals, const PlaneInts& source) {
+  if (normals == nullptr)
     return combine(AddPacked(SumFlatLights(begun, at), packed, v), source);
   FacetShares shares;
   if (at.count > 0)
-    FindShares(at, heights, i, shares);
+    FindShares(at, normals, i, shares);
   PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
   for (int f = 0; f < LM_FACETS; ++f) {
     LightSums sums = begun;
@@ -200,9 +194,9 @@ HWY_INLINE PlaneInts LitOver(const LightSums& begun, const Combine& combine, con
 }
 
 void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
-               const LM_packed_run& packed, const float* x, int n, const int32_t* const* heights,
+               const LM_packed_run& packed, const float* x, int n, const LM_normal_row* normals,
                const LM_kernel_planes& planes) {
-  const int facets = heights == nullptr ? 1 : LM_FACETS;
+  const int facets = normals == nullptr ? 1 : LM_FACETS;
   WithCombiner(surface, [&](const auto& combine) {
     SampleLights fourAt[4];
     LM_packed_run pack = {};
@@ -216,7 +210,7 @@ void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
       if (v % 4 == 0)
         LookAtLights(lights, x + i, fourAt);
       const PlaneInts source = LoadPlanes(planes, i);
-      StorePlanes(LitOver(begun, combine, fourAt[v % 4], pack, v, i, heights, source), planes, i);
+      StorePlanes(LitOver(begun, combine, fourAt[v % 4], pack, v, i, normals, source), planes, i);
     }
   });
 }

@@ -60,13 +60,6 @@ HWY_INLINE Gradient QuadGradient(Ints a, Ints b, Ints c, Ints d) {
   return {hn::ShiftRight<1>(hn::Add(falling, rising)), hn::ShiftRight<1>(hn::Sub(falling, rising))};
 }
 
-// One facet of each pixel: its normal, and the view direction (0, 0, 1) mirrored at it.
-struct Facet {
-  Floats x, y, z;
-  Floats mirroredX, mirroredY;
-  DoublePair mirroredZ;
-};
-
 // Gradients up to this one have squares that add up within 32 bits.
 constexpr int32_t GENTLE = 32767;
 
@@ -84,6 +77,63 @@ HWY_INLINE Floats SquaredNormal(const Gradient& gradient) {
   return hn::Add(squares, SetFloat(16777216.0F));
 }
 
+// Four vectors of facets between two rows of heights, from the i-th on.
+struct FourQuads {
+  Gradient quad[4];
+  bool flat, gentle; // all of them
+};
+HWY_INLINE FourQuads QuadsAt(const int32_t* above, const int32_t* below, int i) {
+  const IntTag ints;
+  FourQuads out;
+  Ints steepest = hn::Zero(ints);
+  for (Gradient& quad : out.quad) {
+    quad = QuadGradient(hn::LoadU(ints, above + i), hn::LoadU(ints, above + i + 1),
+                        hn::LoadU(ints, below + i + 1), hn::LoadU(ints, below + i));
+    steepest = hn::Max(steepest, hn::Max(hn::Abs(quad.x), hn::Abs(quad.y)));
+    i += Lanes();
+  }
+  out.flat = hn::AllTrue(ints, hn::Eq(steepest, hn::Zero(ints)));
+  out.gentle = hn::AllFalse(ints, hn::Gt(steepest, SetInt(GENTLE)));
+  return out;
+}
+
+HWY_INLINE FourFloats InverseNormals(const FourQuads& quads) {
+  const Gradient* quad = quads.quad;
+  if (quads.flat)
+    return Repeat<FourFloats>(0x1p-12F);
+  if (quads.gentle)
+    return ReciprocalRoot(FourFloats{SquaredGentleNormal(quad[0]), SquaredGentleNormal(quad[1]),
+                                     SquaredGentleNormal(quad[2]), SquaredGentleNormal(quad[3])});
+  return ReciprocalRoot(FourFloats{SquaredNormal(quad[0]), SquaredNormal(quad[1]),
+                                   SquaredNormal(quad[2]), SquaredNormal(quad[3])});
+}
+
+HWY_INLINE void StoreNormal(const Gradient& gradient, Floats inverse, const LM_normal_row& normals,
+                            int i) {
+  const FloatTag tag;
+  hn::StoreU(hn::Mul(hn::ConvertTo(tag, hn::Neg(gradient.x)), inverse), tag, normals.x + i);
+  hn::StoreU(hn::Mul(hn::ConvertTo(tag, gradient.y), inverse), tag, normals.y + i);
+  hn::StoreU(hn::Mul(SetFloat(4096.0F), inverse), tag, normals.z + i);
+}
+
+void MakeNormals(const int32_t* above, const int32_t* below, int n, const LM_normal_row& normals) {
+  for (int i = 0; i < n; i += 4 * Lanes()) {
+    const FourQuads quads = QuadsAt(above, below, i);
+    const FourFloats inverse = InverseNormals(quads);
+    StoreNormal(quads.quad[0], inverse.v0, normals, i);
+    StoreNormal(quads.quad[1], inverse.v1, normals, i + Lanes());
+    StoreNormal(quads.quad[2], inverse.v2, normals, i + 2 * Lanes());
+    StoreNormal(quads.quad[3], inverse.v3, normals, i + 3 * Lanes());
+  }
+}
+
+// One facet of each pixel: its normal, and the view direction (0, 0, 1) mirrored at it.
+struct Facet {
+  Floats x, y, z;
+  Floats mirroredX, mirroredY;
+  DoublePair mirroredZ;
+};
+
 // What follows from a facet's normal.
 HWY_INLINE void CompleteFacet(Facet& facet) {
   const Floats twice = hn::Add(facet.z, facet.z);
@@ -94,13 +144,35 @@ HWY_INLINE void CompleteFacet(Facet& facet) {
   facet.mirroredZ = {Sub(upwards.low, one), Sub(upwards.high, one)};
 }
 
-HWY_INLINE Facet FacetOf(const Gradient& gradient, Floats inverse) {
+// Of the four facets of each pixel from the i-th on, clockwise from the upper left.
+struct Corner {
+  int row, column; // of the normals, beyond the pixel's
+};
+constexpr Corner CORNERS[LM_FACETS] = {{0, 0}, {0, 1}, {1, 1}, {1, 0}};
+
+HWY_INLINE Facet FacetAt(const LM_normal_row* normals, int i, int corner) {
+  const LM_normal_row& row = normals[CORNERS[corner].row];
+  const int at = i + CORNERS[corner].column;
+  const FloatTag tag;
   Facet out;
-  out.x = hn::Mul(hn::ConvertTo(FloatTag(), hn::Neg(gradient.x)), inverse);
-  out.y = hn::Mul(hn::ConvertTo(FloatTag(), gradient.y), inverse);
-  out.z = hn::Mul(SetFloat(4096.0F), inverse);
+  out.x = hn::LoadU(tag, row.x + at);
+  out.y = hn::LoadU(tag, row.y + at);
+  out.z = hn::LoadU(tag, row.z + at);
   CompleteFacet(out);
   return out;
+}
+
+// Whether all facets around a vector of pixels are level.
+HWY_INLINE bool IsLevel(const LM_normal_row* normals, int i) {
+  const IntTag ints;
+  Ints leaning = hn::Zero(ints);
+  for (const Corner& corner : CORNERS) {
+    const LM_normal_row& row = normals[corner.row];
+    for (const float* component : {row.x, row.y})
+      leaning =
+          hn::Or(leaning, hn::BitCast(ints, hn::LoadU(FloatTag(), component + i + corner.column)));
+  }
+  return hn::AllTrue(ints, hn::Eq(leaning, hn::Zero(ints)));
 }
 
 // How much of a light's colour a facet gives back, scattered and mirrored.
@@ -145,68 +217,26 @@ HWY_INLINE LightSums LightFacet(LightSums sums, const SampleLights& at, const Fa
   return sums;
 }
 
-// The gradients of the four facets of each pixel.
-struct PixelRelief {
-  Gradient quad[4];
-  bool flat, gentle; // all of all pixels
-};
-
-HWY_INLINE PixelRelief ReliefAt(const int32_t* const heights[3], int i) {
-  const IntTag ints;
-  const auto height = [&](int row, int column) {
-    return hn::LoadU(ints, heights[row] + i + column);
-  };
-  const Ints center = height(1, 1);
-  const Ints top = height(0, 1);
-  const Ints left = height(1, 0);
-  const Ints right = height(1, 2);
-  const Ints bottom = height(2, 1);
-  PixelRelief out;
-  out.quad[0] = QuadGradient(height(0, 0), top, center, left);
-  out.quad[1] = QuadGradient(top, height(0, 2), right, center);
-  out.quad[2] = QuadGradient(center, right, height(2, 2), bottom);
-  out.quad[3] = QuadGradient(left, center, bottom, height(2, 0));
-  Ints steepest = hn::Zero(ints);
-  for (const Gradient& quad : out.quad)
-    steepest = hn::Max(steepest, hn::Max(hn::Abs(quad.x), hn::Abs(quad.y)));
-  out.flat = hn::AllTrue(ints, hn::Eq(steepest, hn::Zero(ints)));
-  out.gentle = hn::AllFalse(ints, hn::Gt(steepest, SetInt(GENTLE)));
-  return out;
-}
-
-HWY_INLINE FourFloats InverseNormals(const PixelRelief& relief) {
-  const Gradient* quad = relief.quad;
-  if (relief.gentle)
-    return ReciprocalRoot(FourFloats{SquaredGentleNormal(quad[0]), SquaredGentleNormal(quad[1]),
-                                     SquaredGentleNormal(quad[2]), SquaredGentleNormal(quad[3])});
-  return ReciprocalRoot(FourFloats{SquaredNormal(quad[0]), SquaredNormal(quad[1]),
-                                   SquaredNormal(quad[2]), SquaredNormal(quad[3])});
-}
-
 // Four facets of the same weight: flat ones that the plain code merges have the same colour, so the
 // mean is the same.
 template <class Combine>
 HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine, const float* x,
-                          int n, const int32_t* const heights[3], const LM_kernel_planes& planes) {
+                          int n, const LM_normal_row* normals, const LM_kernel_planes& planes) {
   SampleLights fourAt[4];
   for (int i = 0; i < n; i += Lanes()) {
     const int v = i / Lanes() % 4;
     if (v == 0)
       LookAtLights(lights, x + i, fourAt);
     const SampleLights& at = fourAt[v];
-    const PixelRelief relief = ReliefAt(heights, i);
     const PlaneInts source = LoadPlanes(planes, i);
-    if (relief.flat) {
-      const Facet level = FacetOf(relief.quad[0], SetFloat(0x1p-12F));
+    if (IsLevel(normals, i)) {
+      const Facet level = FacetAt(normals, i, 0);
       StorePlanes(combine(LightFacet(BeginSums(lights), at, level), source), planes, i);
       continue;
     }
-    const FourFloats inverse = InverseNormals(relief);
-    const Facet facets[4] = {
-        FacetOf(relief.quad[0], inverse.v0), FacetOf(relief.quad[1], inverse.v1),
-        FacetOf(relief.quad[2], inverse.v2), FacetOf(relief.quad[3], inverse.v3)};
     PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
-    for (const Facet& facet : facets) {
+    for (int corner = 0; corner < LM_FACETS; ++corner) {
+      const Facet facet = FacetAt(normals, i, corner);
       const PlaneInts shaded = combine(LightFacet(BeginSums(lights), at, facet), source);
       total.p0 = hn::Add(total.p0, shaded.p0);
       total.p1 = hn::Add(total.p1, shaded.p1);
@@ -219,9 +249,9 @@ HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine
 }
 
 void LightRelief(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
-                 int n, const int32_t* const heights[3], const LM_kernel_planes& planes) {
+                 int n, const LM_normal_row* normals, const LM_kernel_planes& planes) {
   WithCombiner(surface,
-               [&](const auto& combine) { ReliefRow(lights, combine, x, n, heights, planes); });
+               [&](const auto& combine) { ReliefRow(lights, combine, x, n, normals, planes); });
 }
 
 } // namespace HWY_NAMESPACE
