@@ -152,23 +152,6 @@ HWY_INLINE LightSums BeginPack(const LM_kernel_lights& lights, const LM_pack& pa
            SetInt(LM_WrapAdd(lights.specular[2], pack.least[5]))}};
 }
 
-// What each light gives to each facet of a vector of pixels. All are found before one is combined:
-// the way from a facet to its bytes is long, and none waits for another.
-struct FacetShares {
-  FacetShare of[LM_MAX_LIGHTS][LM_FACETS];
-};
-HWY_INLINE void FindShares(const SampleLights& at, const LM_normal_row* normals, int i,
-                           FacetShares& shares) {
-  for (int f = 0; f < LM_FACETS; ++f) {
-    const Facet facet = FacetAt(normals, i, f);
-    int k = 0;
-    for (; k < at.plain; ++k)
-      shares.of[k][f] = ShareOf<false>(*at.light[k], facet, at.x[k], at.inverse[k], at.inverse[k]);
-    for (; k < at.count; ++k)
-      shares.of[k][f] = ShareOf<true>(*at.light[k], facet, at.x[k], at.inverse[k], at.falloff[k]);
-  }
-}
-
 // The vector of a pack's pixels that is its v-th, the first of them pixel i.
 template <class Combine>
 HWY_INLINE PlaneInts LitOver(const LightSums& begun, const Combine& combine, const SampleLights& at,
@@ -181,11 +164,7 @@ HWY_INLINE PlaneInts LitOver(const LightSums& begun, const Combine& combine, con
     FindShares(at, normals, i, shares);
   PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
   for (int f = 0; f < LM_FACETS; ++f) {
-    LightSums sums = begun;
-    for (int k = 0; k < at.count; ++k) {
-      AddColor(sums.diffuse, *at.light[k], shares.of[k][f].diffuse);
-      AddColor(sums.specular, *at.light[k], shares.of[k][f].specular);
-    }
+    const LightSums sums = LightFacet(begun, at, shares, f);
     const PlaneInts shaded = combine(AddPacked(sums, packed, v * LM_FACETS + f), source);
     total = {hn::Add(total.p0, shaded.p0), hn::Add(total.p1, shaded.p1),
              hn::Add(total.p2, shaded.p2)};

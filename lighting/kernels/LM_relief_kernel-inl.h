@@ -217,6 +217,40 @@ HWY_INLINE LightSums LightFacet(LightSums sums, const SampleLights& at, const Fa
   return sums;
 }
 
+// What each light gives to each facet of a vector of pixels. All are found before one is combined:
+// the way from a facet to its bytes is long, and none waits for another.
+struct FacetShares {
+  FacetShare of[LM_MAX_LIGHTS][LM_FACETS];
+};
+template <bool spot>
+HWY_INLINE void FindShares(const SampleLights& at, int k, const Facet* facets,
+                           FacetShares& shares) {
+  const LM_kernel_light& light = *at.light[k];
+  const Floats falloff = spot ? at.falloff[k] : at.inverse[k];
+  shares.of[k][0] = ShareOf<spot>(light, facets[0], at.x[k], at.inverse[k], falloff);
+  shares.of[k][1] = ShareOf<spot>(light, facets[1], at.x[k], at.inverse[k], falloff);
+  shares.of[k][2] = ShareOf<spot>(light, facets[2], at.x[k], at.inverse[k], falloff);
+  shares.of[k][3] = ShareOf<spot>(light, facets[3], at.x[k], at.inverse[k], falloff);
+}
+HWY_INLINE void FindShares(const SampleLights& at, const LM_normal_row* normals, int i,
+                           FacetShares& shares) {
+  const Facet facets[LM_FACETS] = {FacetAt(normals, i, 0), FacetAt(normals, i, 1),
+                                   FacetAt(normals, i, 2), FacetAt(normals, i, 3)};
+  int k = 0;
+  for (; k < at.plain; ++k)
+    FindShares<false>(at, k, facets, shares);
+  for (; k < at.count; ++k)
+    FindShares<true>(at, k, facets, shares);
+}
+HWY_INLINE LightSums LightFacet(LightSums sums, const SampleLights& at, const FacetShares& shares,
+                                int facet) {
+  for (int k = 0; k < at.count; ++k) {
+    AddColor(sums.diffuse, *at.light[k], shares.of[k][facet].diffuse);
+    AddColor(sums.specular, *at.light[k], shares.of[k][facet].specular);
+  }
+  return sums;
+}
+
 // Four facets of the same weight: flat ones that the plain code merges have the same colour, so the
 // mean is the same.
 template <class Combine>
@@ -235,9 +269,10 @@ HWY_INLINE void ReliefRow(const LM_kernel_lights& lights, const Combine& combine
       continue;
     }
     PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
-    for (int corner = 0; corner < LM_FACETS; ++corner) {
-      const Facet facet = FacetAt(normals, i, corner);
-      const PlaneInts shaded = combine(LightFacet(BeginSums(lights), at, facet), source);
+    FacetShares shares;
+    FindShares(at, normals, i, shares);
+    for (int facet = 0; facet < LM_FACETS; ++facet) {
+      const PlaneInts shaded = combine(LightFacet(BeginSums(lights), at, shares, facet), source);
       total.p0 = hn::Add(total.p0, shaded.p0);
       total.p1 = hn::Add(total.p1, shaded.p1);
       total.p2 = hn::Add(total.p2, shaded.p2);
