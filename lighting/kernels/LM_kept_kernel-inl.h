@@ -121,20 +121,14 @@ HWY_INLINE void CombineRow(const Combine& combine, const Sums& sums, const Plane
 void CombineKept(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
                  int facets, int n, const LM_kernel_planes& planes) {
   const PlaneInts always = SetPlanes(ambient);
-  const auto tight = [&](const auto& combine) {
-    if (kept.planes == 1)
+  WithCombiner(surface, [&](const auto& combine) {
+    if (kept.tails == nullptr)
+      CombineRow(combine, WideSums(kept), always, facets, n, planes);
+    else if (kept.planes == 1)
       CombineRow(combine, TightSums<1>(kept), always, facets, n, planes);
     else
       CombineRow(combine, TightSums<LM_PLANES>(kept), always, facets, n, planes);
-  };
-  if (kept.tails == nullptr)
-    WithCombiner(surface, [&](const auto& combine) {
-      CombineRow(combine, WideSums(kept), always, facets, n, planes);
-    });
-  else if (ShiftExposure::Takes(surface.exposure))
-    WithCombiner<ShiftExposure>(surface, tight);
-  else
-    WithCombiner(surface, tight);
+  });
 }
 
 } // namespace HWY_NAMESPACE

@@ -154,7 +154,7 @@ struct ShiftExposure {
 };
 
 // Sums of light to bytes. Everything wraps at 32 bits before the last step.
-template <class Form, class Exposure = AnyExposure> class Combiner {
+template <class Form, class Exposure> class Combiner {
 public:
   explicit Combiner(const LM_kernel_surface& surface) : _form(surface), _expose(surface.exposure) {}
   HWY_INLINE PlaneInts operator()(const LightSums& sums, const PlaneInts& source) const {
@@ -172,15 +172,23 @@ private:
   Exposure _expose;
 };
 
-// Calls light(combiner) with the combiner of the surface's material.
-template <class Exposure = AnyExposure, class Light>
-HWY_INLINE void WithCombiner(const LM_kernel_surface& surface, Light light) {
+template <class Exposure, class Light>
+HWY_INLINE void WithMaterial(const LM_kernel_surface& surface, Light light) {
   if (surface.material < 1)
     light(Combiner<WhiteHighlights, Exposure>(surface));
   else if (surface.material > 255)
     light(Combiner<ColoredHighlights, Exposure>(surface));
   else
     light(Combiner<BlendedHighlights, Exposure>(surface));
+}
+
+// Calls light(combiner) with the combiner of the surface's material and exposure.
+template <class Light> HWY_INLINE void WithCombiner(const LM_kernel_surface& surface, Light light) {
+#if !HWY_ARCH_WASM // where everybody loads the module
+  if (ShiftExposure::Takes(surface.exposure))
+    return WithMaterial<ShiftExposure>(surface, light);
+#endif
+  WithMaterial<AnyExposure>(surface, light);
 }
 
 } // namespace HWY_NAMESPACE
