@@ -9,7 +9,6 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
-#include <QTimer>
 
 namespace editor {
 namespace {
@@ -160,7 +159,8 @@ void MainWindow::dropEvent(QDropEvent* event) {
   const QString path = event->mimeData()->urls().value(0).toLocalFile();
   event->acceptProposedAction();
   // The program that the picture comes from must not wait for our questions.
-  QTimer::singleShot(0, this, [this, path] { open(path); });
+  QMetaObject::invokeMethod(
+      this, [this, path] { open(path); }, Qt::QueuedConnection);
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {

@@ -14,14 +14,11 @@
 #include <QIcon>
 #include <QMessageBox>
 #include <QPointer>
-#include <QTimer>
 
 #include <cstdio>
 #include <vector>
 
 namespace {
-
-constexpr int REFUSED = 6;
 
 // The windows, which end when they are closed.
 class Windows {
@@ -95,34 +92,38 @@ int RunEditor(const editor::EditorOptions& options) {
   if (!loaded.ok())
     QMessageBox::warning(&first, "Corvaline", QString::fromStdString(loaded.message));
   // The dialog runs events of its own, and needs the window on the screen below it.
-  QTimer::singleShot(0, &first, [&] { Begin(windows, options); });
+  QMetaObject::invokeMethod(
+      &first, [&] { Begin(windows, options); }, Qt::QueuedConnection);
   return QApplication::exec();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   // What is printed must not land in a picture, should nobody have opened the standard files.
   if (!limn::HoldStandardFiles())
-    return REFUSED;
+    return static_cast<int>(limn::ExitCode::Refused);
   editor::EditorOptions options;
   if (const auto code = editor::ReadEditorOptions(argc, argv, options))
     return *code;
   // The editor's arguments are not the desktop's.
   static int desktopArgc = 1;
-  if (!TB_StartDesktop(desktopArgc, argv)) {
-    std::fputs("corvaline: there is no screen to open a window on\n", stderr);
-    return REFUSED;
-  }
+  if (!TB_StartDesktop(desktopArgc, argv))
+    throw limn::Failure(limn::ExitCode::Refused, "there is no screen to open a window on");
   QApplication::setApplicationName("Corvaline");
   QApplication::setOrganizationName("Corvaline");
   QApplication::setDesktopFileName("corvaline");
   QApplication::setWindowIcon(QIcon(":/icons/corvaline.svg"));
   editor::UseSystemLanguage();
+  editor::StartImageFiles();
+  return RunEditor(options);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
   try {
-    editor::StartImageFiles();
-    return RunEditor(options);
-  } catch (const limn::Failure& failure) {
+    return Run(argc, argv);
+  } catch (...) {
+    const limn::Failure failure = limn::CaughtFailure();
     std::fprintf(stderr, "corvaline: %s\n", failure.what());
     return static_cast<int>(failure.Code());
   }

@@ -47,18 +47,18 @@ void Settle() {
 
 // Lights the photograph, taking a picture of the dialog before OK.
 bool Light(editor::MainWindow& window, const QString& picture) {
+  constexpr int POLLS_OF_DRAWING = 35; // until all of the dialog is drawn
   bool saved = false;
+  int polls = 0;
   QTimer poll;
   QObject::connect(&poll, &QTimer::timeout, [&] {
     QWidget* dialog = QApplication::activeModalWidget();
-    if (dialog == nullptr)
+    if (dialog == nullptr || ++polls < POLLS_OF_DRAWING)
       return;
     poll.stop();
-    QTimer::singleShot(700, dialog, [&saved, &picture, dialog] {
-      saved = dialog->grab().save(picture);
-      QKeyEvent accept(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-      QApplication::sendEvent(dialog, &accept);
-    });
+    saved = dialog->grab().save(picture);
+    QKeyEvent accept(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(dialog, &accept);
   });
   poll.start(20);
   return window.runFilter(CVDialog::Yes) && saved;
