@@ -139,6 +139,18 @@ template <class Vectors> HWY_INLINE Vectors ReciprocalRoot(const Vectors& value)
   return RootFromEstimate(value, ApproximateReciprocalSqrt(value));
 }
 #else
+#if HWY_TARGET == HWY_WASM
+// By a step from the root s in single precision: 2 s / (value + s s) is off by half the square of
+// s's own error, less than 2^-49. Two thirds of the instructions of the way below, which divides in
+// single precision.
+HWY_INLINE Floats ReciprocalRoot(Floats value) {
+  const DoublePair wide = Promote(value);
+  const DoublePair root = Promote(hn::Sqrt(value));
+  const Floats half = Demote({Div(root.low, MulAdd(root.low, root.low, wide.low)),
+                              Div(root.high, MulAdd(root.high, root.high, wide.high))});
+  return hn::Add(half, half);
+}
+#else
 // Without a fused multiply-add, or with an estimate that is coarser than on x86: from single
 // precision, which does twice as many at once, by a step of third order in double. The error that
 // is left is that of a double's last place.
@@ -152,6 +164,7 @@ HWY_INLINE Floats ReciprocalRoot(Floats value) {
   const DoublePair near = Promote(hn::Div(SetFloat(1.0F), hn::Sqrt(value)));
   return Demote({RefinedRoot(wide.low, near.low), RefinedRoot(wide.high, near.high)});
 }
+#endif
 HWY_INLINE Floats RootFromEstimate(Floats value, Floats) {
   return ReciprocalRoot(value);
 }
