@@ -103,8 +103,26 @@ HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats f
       hn::Add(sums.p2, gray ? part : TruncateProduct(hn::Mul(SetFloat(light.color[2]), factor)));
 }
 
+// Adds the same, and PRODUCT_BIAS to each sum, for lights that are not strong: to three planes, or
+// to one where they are alike.
+HWY_INLINE void AddBiased(Ints& sum, const LM_kernel_light& light, Floats factor) {
+  sum = hn::Add(sum, TruncateBiased(hn::Mul(SetFloat(light.color[0]), factor)));
+}
+HWY_INLINE void AddBiased(PlaneInts& sums, const LM_kernel_light& light, Floats factor) {
+  sums = {hn::Add(sums.p0, TruncateBiased(hn::Mul(SetFloat(light.color[0]), factor))),
+          hn::Add(sums.p1, TruncateBiased(hn::Mul(SetFloat(light.color[1]), factor))),
+          hn::Add(sums.p2, TruncateBiased(hn::Mul(SetFloat(light.color[2]), factor)))};
+}
+HWY_INLINE PlaneInts AddToAll(const PlaneInts& sums, Ints part) {
+  return {hn::Add(sums.p0, part), hn::Add(sums.p1, part), hn::Add(sums.p2, part)};
+}
+
 struct LightSums {
   PlaneInts diffuse, specular;
+};
+// Of white lights, whose planes are alike.
+struct WhiteSums {
+  Ints diffuse, specular;
 };
 
 // The forms of material: light and highlight with the surface's byte, before exposure.

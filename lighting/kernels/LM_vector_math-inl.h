@@ -44,16 +44,22 @@ HWY_INLINE Ints Truncate(Floats value) {
 #endif
 }
 
-// Truncates a product of less than LM_MOST_PRODUCT. WebAssembly's own conversion, of any value,
-// takes three times as many instructions: a whole number, added to one whose last place is 1, is
-// the difference of their bits.
-HWY_INLINE Ints TruncateProduct(Floats value) {
+// Truncates a product of less than LM_MOST_PRODUCT and adds PRODUCT_BIAS, which sums take away once
+// for all. WebAssembly's own conversion, of any value, takes three times as many instructions: a
+// whole number, added to one whose last place is 1, is the difference of their bits.
 #if HWY_TARGET == HWY_WASM
-  const Floats whole = hn::Add(hn::Trunc(value), SetFloat(0x1.8p23F));
-  return hn::Sub(hn::BitCast(IntTag(), whole), SetInt(0x4B400000));
+constexpr int32_t PRODUCT_BIAS = 0x4B400000;
+HWY_INLINE Ints TruncateBiased(Floats value) {
+  return hn::BitCast(IntTag(), hn::Add(hn::Trunc(value), SetFloat(0x1.8p23F)));
+}
 #else
+constexpr int32_t PRODUCT_BIAS = 0;
+HWY_INLINE Ints TruncateBiased(Floats value) {
   return Truncate(value);
+}
 #endif
+HWY_INLINE Ints TruncateProduct(Floats value) {
+  return hn::Sub(TruncateBiased(value), SetInt(PRODUCT_BIAS));
 }
 
 // Truncates any value: one beyond 32 bits gives the nearest integer, NaN gives 0.
