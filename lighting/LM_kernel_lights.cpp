@@ -112,11 +112,19 @@ LM_kernel_light KernelLight(const LM_light& light) {
   return out;
 }
 
+bool IsWhite(const LM_light& light) {
+  const int32_t* const color = light.color.component;
+  return color[0] == color[1] && color[0] == color[2];
+}
+
+// Those of a type of which `takes` says so.
+template <class Takes>
 void AddLights(LM_sorted_lights& sorted, const foo& params, LM_light_type type, bool flat,
-               int& count) {
+               int& count, Takes takes) {
   for (int j = 0; j < LM_LightCount(&params); ++j) {
     const LM_light& light = params.lights[j];
-    if (light.type != type || !GivesLight(light) || (flat && !LM_IsAboveSurface(light)))
+    if (light.type != type || !takes(light) || !GivesLight(light) ||
+        (flat && !LM_IsAboveSurface(light)))
       continue;
     const int k = sorted.kernel.Count();
     sorted.kernel.light[k] = KernelLight(light);
@@ -139,9 +147,13 @@ void Order(LM_sorted_lights& sorted) {
 LM_sorted_lights LM_SortLights(const foo& params, bool flat) {
   LM_sorted_lights sorted = {};
   std::copy_n(params.ambient.component, LM_PLANES, sorted.kernel.diffuse);
-  AddLights(sorted, params, LM_LIGHT_OMNI, flat, sorted.kernel.omnis);
-  AddLights(sorted, params, LM_LIGHT_SPOT, flat, sorted.kernel.spots);
-  AddLights(sorted, params, LM_LIGHT_DIRECTIONAL, flat, sorted.kernel.directionals);
+  const auto any = [](const LM_light&) { return true; };
+  int& omnis = sorted.kernel.omnis;
+  AddLights(sorted, params, LM_LIGHT_OMNI, flat, omnis, IsWhite);
+  AddLights(sorted, params, LM_LIGHT_OMNI, flat, omnis,
+            [](const LM_light& light) { return !IsWhite(light); });
+  AddLights(sorted, params, LM_LIGHT_SPOT, flat, sorted.kernel.spots, any);
+  AddLights(sorted, params, LM_LIGHT_DIRECTIONAL, flat, sorted.kernel.directionals, any);
   Order(sorted);
   return sorted;
 }

@@ -39,7 +39,8 @@ struct LM_kernel_light {
   float strongest;
 };
 
-// The lights of a job or of one of its rows: omnis, then spots, then directional ones.
+// The lights of a job or of one of its rows: omnis, white ones first, then spots, then directional
+// ones.
 struct LM_kernel_lights {
   int omnis, spots, directionals;
   LM_kernel_light light[LM_MAX_LIGHTS];

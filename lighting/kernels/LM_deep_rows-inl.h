@@ -9,6 +9,7 @@
 #include <cfloat>
 
 #include "LM_deep_pixels.h"
+#include "LM_interleaved-inl.h"
 #include "LM_vector_math-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -86,7 +87,7 @@ int LoadVectors(const uint8_t* pixels, ptrdiff_t step, int n, const LM_deep_plan
   hn::Vec<typename Row::Tag> v0, v1, v2, v3;
   int i = 0;
   for (; three && i + Lanes() <= n; i += Lanes()) {
-    hn::LoadInterleaved3(tag, components + ptrdiff_t{i} * 3, v0, v1, v2);
+    LoadThree(tag, components + ptrdiff_t{i} * 3, v0, v1, v2);
     store(0, i, v0), store(1, i, v1), store(2, i, v2);
   }
   for (; four && i + Lanes() < n; i += Lanes()) {
@@ -107,8 +108,7 @@ int StoreVectors(const LM_deep_planes& planes, int n, uint8_t* pixels, ptrdiff_t
   const bool four = HasComponents<Component>(pixels, step, 4);
   int i = 0;
   for (; three && i + Lanes() <= n; i += Lanes())
-    hn::StoreInterleaved3(plane(0, i), plane(1, i), plane(2, i), tag,
-                          components + ptrdiff_t{i} * 3);
+    StoreThree(plane(0, i), plane(1, i), plane(2, i), tag, components + ptrdiff_t{i} * 3);
   for (; four && i + Lanes() < n; i += Lanes()) {
     Component* out = components + ptrdiff_t{i} * 4;
     hn::Vec<typename Row::Tag> v0, v1, v2, beside;

@@ -6,6 +6,7 @@
 #define LM_FLAT_KERNEL_INL_H
 #endif
 
+#include "LM_arithmetic.h"
 #include "LM_light_kernels-inl.h"
 #include "LM_pixel_kernels-inl.h"
 
@@ -32,9 +33,31 @@ HWY_INLINE LightSums BeginSums(const LM_kernel_lights& lights) {
   return {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
 }
 
+// Lights from the k-th to the one before `end`, none of them strong; each adds PRODUCT_BIAS.
+template <class Sums>
+HWY_INLINE void AddFlatOmnis(Sums& sums, const SampleLights& at, int k, int end) {
+  for (; k < end; ++k) {
+    const LM_kernel_light& light = *at.light[k];
+    AddBiased(sums.diffuse, light, hn::Mul(SetFloat(light.z), at.inverse[k]));
+    AddBiased(sums.specular, light, hn::Mul(SetFloat(light.zSquare), at.inverse[k]));
+  }
+}
+
+// The lights that are not strong.
+HWY_INLINE LightSums SumWeakOmnis(LightSums sums, const SampleLights& at) {
+  WhiteSums white = {hn::Zero(IntTag()), hn::Zero(IntTag())};
+  AddFlatOmnis(white, at, 0, at.white);
+  AddFlatOmnis(sums, at, at.white, at.weak);
+  const Ints bias = SetInt(LM_WrapMultiply(at.weak, PRODUCT_BIAS));
+  return {AddToAll(sums.diffuse, hn::Sub(white.diffuse, bias)),
+          AddToAll(sums.specular, hn::Sub(white.specular, bias))};
+}
+
 // The sums of one vector stay in registers across all lights.
 HWY_INLINE LightSums SumFlatLights(LightSums sums, const SampleLights& at) {
-  int k = 0;
+  if (at.weak > 0)
+    sums = SumWeakOmnis(sums, at);
+  int k = at.weak;
   for (; k < at.plain; ++k)
     AddFlatOmni(sums, *at.light[k], at.inverse[k]);
   for (; k < at.count; ++k)

@@ -70,9 +70,11 @@ HWY_INLINE SpotFalloff FalloffAt(const LM_kernel_light& light, Floats x, Floats 
 }
 
 // The lights as the samples of one vector see them: omnis and directional ones, then those spots
-// whose cones reach one of the samples.
+// whose cones reach one of the samples. The first `white` ones are white omnis, the first `weak`
+// ones omnis that are not strong, the former among them. Neither is known where the order is the
+// block's.
 struct SampleLights {
-  int plain, count;
+  int white, weak, plain, count;
   const LM_kernel_light* light[LM_MAX_LIGHTS];
   Floats x[LM_MAX_LIGHTS], inverse[LM_MAX_LIGHTS];
   Floats falloff[LM_MAX_LIGHTS]; // of spots
@@ -146,8 +148,17 @@ HWY_INLINE void LookAtLights(const LM_kernel_lights& lights, const float* places
     for (int v = 0; v < 4; ++v)
       AddPlainLight(*light, SetFloat(light->x), SetFloat(light->inverse), at[v]);
   }
-  for (int v = 0; v < 4; ++v)
+  int white = 0;
+  while (white < lights.omnis && lights.light[white].gray && !lights.light[white].strong)
+    ++white;
+  int weak = white;
+  while (weak < lights.omnis && !lights.light[weak].strong)
+    ++weak;
+  for (int v = 0; v < 4; ++v) {
+    at[v].white = white;
+    at[v].weak = weak;
     at[v].plain = at[v].count;
+  }
   for (const LM_kernel_light* light = spots; light != directionals; ++light)
     AddSpotsInReach<false>(*light, WaysTo(*light, four), at);
 }

@@ -7,6 +7,7 @@
 #define LM_PIXEL_KERNELS_INL_H
 #endif
 
+#include "LM_interleaved-inl.h"
 #include "LM_kernels.h"
 #include "LM_vector_math-inl.h"
 
@@ -23,7 +24,7 @@ void SplitPlanes(const uint8_t* pixels, ptrdiff_t step, int n, const LM_kernel_p
   hn::Vec<PixelTag> v0, v1, v2, v3;
   int i = 0;
   for (; step == 3 && i + lanes <= n; i += lanes) {
-    hn::LoadInterleaved3(tag, pixels + ptrdiff_t{i} * 3, v0, v1, v2);
+    LoadThree(tag, pixels + ptrdiff_t{i} * 3, v0, v1, v2);
     hn::StoreU(v0, tag, planes.plane[0] + i);
     hn::StoreU(v1, tag, planes.plane[1] + i);
     hn::StoreU(v2, tag, planes.plane[2] + i);
@@ -46,7 +47,7 @@ void JoinPlanes(const LM_kernel_planes& planes, int n, uint8_t* pixels, ptrdiff_
   const auto plane = [&](int which, int i) { return hn::LoadU(tag, planes.plane[which] + i); };
   int i = 0;
   for (; step == 3 && i + lanes <= n; i += lanes)
-    hn::StoreInterleaved3(plane(0, i), plane(1, i), plane(2, i), tag, pixels + ptrdiff_t{i} * 3);
+    StoreThree(plane(0, i), plane(1, i), plane(2, i), tag, pixels + ptrdiff_t{i} * 3);
   for (; step == 4 && i + lanes < n; i += lanes) {
     uint8_t* out = pixels + ptrdiff_t{i} * 4;
     hn::Vec<PixelTag> v0, v1, v2, beside;
@@ -102,8 +103,26 @@ HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats f
       hn::Add(sums.p2, gray ? part : TruncateProduct(hn::Mul(SetFloat(light.color[2]), factor)));
 }
 
+// Adds the same, and PRODUCT_BIAS to each sum, for lights that are not strong: to three planes, or
+// to one where they are alike.
+HWY_INLINE void AddBiased(Ints& sum, const LM_kernel_light& light, Floats factor) {
+  sum = hn::Add(sum, TruncateBiased(hn::Mul(SetFloat(light.color[0]), factor)));
+}
+HWY_INLINE void AddBiased(PlaneInts& sums, const LM_kernel_light& light, Floats factor) {
+  sums = {hn::Add(sums.p0, TruncateBiased(hn::Mul(SetFloat(light.color[0]), factor))),
+          hn::Add(sums.p1, TruncateBiased(hn::Mul(SetFloat(light.color[1]), factor))),
+          hn::Add(sums.p2, TruncateBiased(hn::Mul(SetFloat(light.color[2]), factor)))};
+}
+HWY_INLINE PlaneInts AddToAll(const PlaneInts& sums, Ints part) {
+  return {hn::Add(sums.p0, part), hn::Add(sums.p1, part), hn::Add(sums.p2, part)};
+}
+
 struct LightSums {
   PlaneInts diffuse, specular;
+};
+// Of white lights, whose planes are alike.
+struct WhiteSums {
+  Ints diffuse, specular;
 };
 
 // The forms of material: light and highlight with the surface's byte, before exposure.
