@@ -1,9 +1,11 @@
 // Samples of pictures read as heights of 16 bits.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
-// Of the components of a pixel, in 65536ths: a channel alone, or three from it on.
+// Of the components of a pixel, in 65536ths: a channel alone, or three from it on, which together
+// are one.
 struct LM_height_weights {
   int first = 0; // component
   uint32_t weight[3] = {65536, 0, 0};
@@ -25,10 +27,20 @@ constexpr uint32_t LM_HeightWord(float sample) {
   return sample > 0.0F ? static_cast<uint32_t>(sample * 65535.0F + 0.5F) : 0U;
 }
 
+// The heights of `count` pixels, of `step` samples each.
 template <class Sample>
-constexpr uint16_t LM_HeightOf(const Sample* pixel, const LM_height_weights& weights) {
-  uint64_t sum = 0;
-  for (int i = 0; i < (weights.weight[1] == 0 ? 1 : 3); ++i)
-    sum += uint64_t{LM_HeightWord(pixel[weights.first + i])} * weights.weight[i];
-  return static_cast<uint16_t>((sum + 32768) / 65536);
+void LM_HeightsOfPixels(const Sample* pixel, ptrdiff_t step, const LM_height_weights& weights,
+                        uint16_t* heights, size_t count) {
+  constexpr uint32_t HALF = 32768;
+  const auto [first, second, third] = weights.weight;
+  pixel += weights.first;
+  if (second == 0 && third == 0)
+    for (size_t i = 0; i < count; ++i, pixel += step)
+      heights[i] = static_cast<uint16_t>((LM_HeightWord(pixel[0]) * first + HALF) / 65536);
+  else
+    for (size_t i = 0; i < count; ++i, pixel += step) // white comes to less than 2^32
+      heights[i] = static_cast<uint16_t>((LM_HeightWord(pixel[0]) * first +
+                                          LM_HeightWord(pixel[1]) * second +
+                                          LM_HeightWord(pixel[2]) * third + HALF) /
+                                         65536);
 }

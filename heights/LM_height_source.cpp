@@ -1,7 +1,5 @@
 #include "LM_height_source.h"
 
-#include "LM_height_filters.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -27,18 +25,6 @@ double FitOf(const LM_height_source& source, int pictureSide) {
 
 uint16_t Rounded(double height) {
   return LM_NearestHeight(std::clamp(height, 0.0, WHITE));
-}
-
-// What differs from its surroundings, around the middle.
-void KeepDetail(LM_height_plane& plane, double radius, double fit) {
-  LM_height_plane around = LM_BoxMeans(plane, radius);
-  around = LM_BoxMeans(LM_BoxMeans(around, radius), radius);
-  plane = LM_BoxMeans(LM_BoxMeans(plane, radius * FINENESS), radius * FINENESS);
-  const double most = std::min(MOST_HEIGHT, (MIDDLE - 1) / fit);
-  for (size_t i = 0; i < plane.values.size(); ++i) {
-    const int height = plane.values[i] - around.values[i];
-    plane.values[i] = Rounded(MIDDLE + fit * (height / (1 + std::abs(height) / most)));
-  }
 }
 
 } // namespace
@@ -70,18 +56,34 @@ LM_plane_size LM_PreparedSize(const LM_height_source& source, int pictureWidth, 
   return {reduced(pictureWidth), reduced(pictureHeight)};
 }
 
-void LM_PrepareHeights(const LM_height_source& source, int pictureSide, LM_height_plane& plane) {
+LM_height_maker::LM_height_maker(const LM_height_source& source, int pictureSide,
+                                 LM_height_plane& plane)
+    : _isFittedAlone(source.fit && source.detail <= 0), _fit(FitOf(source, pictureSide)),
+      _isInverted(source.invert), _plane(plane) {
   const double side = std::max(plane.width, plane.height);
-  const double fit = FitOf(source, pictureSide);
   if (source.smoothing > 0)
-    LM_SmoothBetweenEdges(plane, SMOOTHING_RADIUS * side / LM_HEIGHTS_SIDE,
-                          source.smoothing * LEVEL);
+    _edges.emplace(plane, SMOOTHING_RADIUS * side / LM_HEIGHTS_SIDE, source.smoothing * LEVEL);
+  const double radius = side * source.detail / 1000;
   if (source.detail > 0)
-    KeepDetail(plane, side * source.detail / 1000, fit);
-  else if (source.fit)
-    for (uint16_t& value : plane.values)
-      value = Rounded(MIDDLE + fit * (value - MIDDLE));
-  if (source.invert)
-    for (uint16_t& value : plane.values)
-      value = static_cast<uint16_t>(65535 - value);
+    _detail.emplace(plane, radius, radius * FINENESS, _fit,
+                    std::min(MOST_HEIGHT, (MIDDLE - 1) / _fit));
+}
+
+void LM_height_maker::Advance(int numRows) {
+  if (_edges)
+    numRows = _edges->Advance(numRows);
+  if (_detail)
+    numRows = _detail->Advance(numRows);
+  uint16_t* const end = _plane.Row(numRows);
+  for (uint16_t* value = _plane.Row(_numDone); value < end; ++value) {
+    if (_isFittedAlone)
+      *value = Rounded(MIDDLE + _fit * (*value - MIDDLE));
+    if (_isInverted)
+      *value = static_cast<uint16_t>(65535 - *value);
+  }
+  _numDone = numRows;
+}
+
+void LM_PrepareHeights(const LM_height_source& source, int pictureSide, LM_height_plane& plane) {
+  LM_height_maker(source, pictureSide, plane).Advance(plane.height);
 }

@@ -1,8 +1,10 @@
 // Where the heights of relief come from, and how a plane is made ready to be them.
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "LM_height_filters.h"
 #include "LM_height_plane.h"
 
 // Stands for what is usual for the kind of source: LM_USUAL_SMOOTHING and LM_USUAL_DETAIL with
@@ -64,5 +66,25 @@ LM_plane_size LM_PreparedSize(const LM_height_source& source, int pictureWidth, 
 // Makes heights of the plane of a picture, or of the picture made smaller, whose longer side is
 // `pictureSide` at its full size. A constant plane stays constant, and without smoothing, detail,
 // fit and invert any plane stays as it is. What fit would lift out of 16 bits is cut off, which
-// never happens with a detail. The same on every machine. Throws std::bad_alloc.
+// never happens with a detail. The same on every machine, in whatever steps the rows come. Throws
+// std::bad_alloc.
+class LM_height_maker {
+public:
+  // In place; the plane must stay.
+  LM_height_maker(const LM_height_source& source, int pictureSide, LM_height_plane& plane);
+
+  // Once the first numRows rows are there: makes heights of those whose neighbours are there too.
+  // Only the rows behind may still be written.
+  void Advance(int numRows);
+
+private:
+  bool _isFittedAlone; // with no detail that does it
+  double _fit;
+  bool _isInverted;
+  LM_height_plane& _plane;
+  std::optional<LM_edge_keeper> _edges;
+  std::optional<LM_detail_keeper> _detail;
+  int _numDone = 0;
+};
+// The whole plane at once.
 void LM_PrepareHeights(const LM_height_source& source, int pictureSide, LM_height_plane& plane);

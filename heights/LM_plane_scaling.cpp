@@ -51,16 +51,18 @@ void LM_plane_reducer::Add(const uint16_t* row) {
   _room = static_cast<uint64_t>(_height) - (pixel - _room);
 }
 
-std::vector<LM_plane_enlarger::Taps> LM_plane_enlarger::_MakeTaps(int from, int to) {
-  std::vector<Taps> taps(static_cast<size_t>(to));
+LM_plane_enlarger::Taps LM_plane_enlarger::_MakeTaps(int from, int to) {
+  Taps taps;
   for (int i = 0; i < to; ++i) {
     // In the middle of pixel i; pixels are whole numbers in their middles.
     const double place = (2.0 * i + 1) * from / (2.0 * to) - 0.5;
     const double floor = std::floor(place);
     const double t = place - floor;
-    taps[static_cast<size_t>(i)] = {static_cast<int>(floor) - 1,
-                                    {((-0.5 * t + 1) * t - 0.5) * t, (1.5 * t - 2.5) * t * t + 1,
-                                     ((-1.5 * t + 2) * t + 0.5) * t, (0.5 * t - 0.5) * t * t}};
+    taps.first.push_back(static_cast<int>(floor) - 1);
+    taps.weight[0].push_back(((-0.5 * t + 1) * t - 0.5) * t);
+    taps.weight[1].push_back((1.5 * t - 2.5) * t * t + 1);
+    taps.weight[2].push_back(((-1.5 * t + 2) * t + 0.5) * t);
+    taps.weight[3].push_back((0.5 * t - 0.5) * t * t);
   }
   return taps;
 }
@@ -69,27 +71,41 @@ LM_plane_enlarger::LM_plane_enlarger(const LM_height_plane& plane, int width, in
     : _plane(plane), _columns(_MakeTaps(plane.width, width)),
       _rows(_MakeTaps(plane.height, height)) {}
 
+// Columns `first` to `end` of the plane, which may lie beyond its edges, as they are at row y.
+void LM_plane_enlarger::_MixRows(int y, int first, int end, double* mixed) const {
+  const uint16_t* from[4];
+  double weight[4];
+  for (int i = 0; i < 4; ++i) {
+    from[i] = _plane.Row(std::clamp(_rows.first[static_cast<size_t>(y)] + i, 0, _plane.height - 1));
+    weight[i] = _rows.weight[i][static_cast<size_t>(y)];
+  }
+  const int inside = std::clamp(first, 0, _plane.width - 1);
+  const int insideEnd = std::clamp(end, inside + 1, _plane.width);
+  double* const out = mixed - first;
+  for (int x = inside; x < insideEnd; ++x)
+    out[x] = weight[0] * from[0][x] + weight[1] * from[1][x] + weight[2] * from[2][x] +
+             weight[3] * from[3][x];
+  std::fill(mixed, out + std::min(inside, end), out[inside]);
+  std::fill(out + insideEnd, out + std::max(end, insideEnd), out[insideEnd - 1]);
+}
+
 void LM_plane_enlarger::MakeRow(int y, int left, int count, uint16_t* row,
                                 std::vector<double>& scratch) const {
-  const Taps& down = _rows[static_cast<size_t>(y)];
-  const uint16_t* from[4];
-  for (int i = 0; i < 4; ++i)
-    from[i] = _plane.Row(std::clamp(down.first + i, 0, _plane.height - 1));
-  const int first = _columns[static_cast<size_t>(left)].first;
-  const int end = _columns[static_cast<size_t>(left + count - 1)].first + 4;
+  const int* const taps = _columns.first.data() + left;
+  const int first = taps[0];
+  const int end = taps[count - 1] + 4;
   scratch.resize(static_cast<size_t>(end - first));
-  for (int x = first; x < end; ++x) {
-    const int at = std::clamp(x, 0, _plane.width - 1);
-    scratch[static_cast<size_t>(x - first)] =
-        down.weight[0] * from[0][at] + down.weight[1] * from[1][at] + down.weight[2] * from[2][at] +
-        down.weight[3] * from[3][at];
-  }
+  _MixRows(y, first, end, scratch.data());
+  const double* const mixed = scratch.data();
+  const double* weight[4];
+  for (int i = 0; i < 4; ++i)
+    weight[i] = _columns.weight[i].data() + left;
   for (int i = 0; i < count; ++i) {
-    const Taps& across = _columns[static_cast<size_t>(left) + static_cast<size_t>(i)];
-    const double* const at = scratch.data() + (across.first - first);
-    const double value = across.weight[0] * at[0] + across.weight[1] * at[1] +
-                         across.weight[2] * at[2] + across.weight[3] * at[3];
-    row[i] = LM_NearestHeight(std::clamp(value, 0.0, 65535.0));
+    const double* const at = mixed + (taps[i] - first);
+    const double value =
+        weight[0][i] * at[0] + weight[1][i] * at[1] + weight[2][i] * at[2] + weight[3][i] * at[3];
+    // Far inside what an int holds: curves overshoot by an eighth.
+    row[i] = static_cast<uint16_t>(std::clamp(static_cast<int>(value + 0.5), 0, 65535));
   }
 }
 

@@ -14,6 +14,10 @@ public:
   void Add(const uint16_t* row);
   LM_height_plane Take() { return std::move(_plane); }
 
+  // The result while it grows, and how many of its rows are there.
+  LM_height_plane& Plane() { return _plane; }
+  int NumRows() const { return _row; }
+
 private:
   void _ReduceRow(const uint16_t* row);
   void _AddPart(uint64_t part);
@@ -38,16 +42,18 @@ public:
   void MakeRow(int y, int left, int count, uint16_t* row, std::vector<double>& scratch) const;
 
 private:
-  // Four neighbours, the first of which may lie beyond the edge, and how much of each.
+  // Of each pixel four neighbours, the first of which may lie beyond the edge, and how much of
+  // each.
   struct Taps {
-    int first;
-    double weight[4];
+    std::vector<int> first;
+    std::vector<double> weight[4];
   };
-  static std::vector<Taps> _MakeTaps(int from, int to);
+  static Taps _MakeTaps(int from, int to);
+  void _MixRows(int y, int first, int end, double* mixed) const;
 
   const LM_height_plane& _plane;
-  std::vector<Taps> _columns;
-  std::vector<Taps> _rows;
+  Taps _columns;
+  Taps _rows;
 };
 
 // The whole plane at another size.

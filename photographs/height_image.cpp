@@ -16,44 +16,45 @@ namespace {
 
 using vips::VImage;
 
-// Reads rows as heights and makes them fewer and shorter.
-struct RowReader {
-  LM_height_weights weights;
-  LM_plane_reducer reducer;
-  std::vector<uint16_t> row;
-
-  template <class Sample> void Read(const void* pixels, int bands) {
-    const auto* pixel = static_cast<const Sample*>(pixels);
-    for (uint16_t& height : row) {
-      height = LM_HeightOf(pixel, weights);
-      pixel += bands;
-    }
-  }
+// Reads rows as heights, makes them fewer and shorter, and prepares them as they come: on another
+// thread than the one that decodes.
+class RowReader {
+public:
+  RowReader(const LM_height_source& source, int pictureSide, const VImage& planes,
+            const LM_height_weights& weights, const LM_plane_size& size)
+      : _weights(weights),
+        _reducer(planes.width(), planes.height(), std::min(size.width, planes.width()),
+                 std::min(size.height, planes.height())),
+        _maker(source, pictureSide, _reducer.Plane()), _row(static_cast<size_t>(planes.width())) {}
+  RowReader(const RowReader&) = delete;
+  RowReader& operator=(const RowReader&) = delete;
 
   static int Take(VipsRegion* region, VipsRect* area, void* reader) {
     auto& self = *static_cast<RowReader*>(reader);
     for (int y = area->top; y < area->top + area->height; ++y) {
       const void* const pixels = VIPS_REGION_ADDR(region, 0, y);
       if (region->im->BandFmt == VIPS_FORMAT_USHORT)
-        self.Read<uint16_t>(pixels, region->im->Bands);
+        self._Read<uint16_t>(pixels, region->im->Bands);
       else
-        self.Read<uint8_t>(pixels, region->im->Bands);
-      self.reducer.Add(self.row.data());
+        self._Read<uint8_t>(pixels, region->im->Bands);
+      self._reducer.Add(self._row.data());
+      self._maker.Advance(self._reducer.NumRows());
     }
     return 0;
   }
-};
+  LM_height_plane Heights() { return _reducer.Take(); }
 
-LM_height_plane ReadPlane(const VImage& planes, const LM_height_weights& weights,
-                          const LM_plane_size& size) {
-  RowReader reader{weights,
-                   {planes.width(), planes.height(), std::min(size.width, planes.width()),
-                    std::min(size.height, planes.height())},
-                   std::vector<uint16_t>(static_cast<size_t>(planes.width()))};
-  if (vips_sink_disc(planes.get_image(), RowReader::Take, &reader) != 0)
-    throw vips::VError();
-  return reader.reducer.Take();
-}
+private:
+  template <class Sample> void _Read(const void* pixels, int bands) {
+    LM_HeightsOfPixels(static_cast<const Sample*>(pixels), bands, _weights, _row.data(),
+                       _row.size());
+  }
+
+  LM_height_weights _weights;
+  LM_plane_reducer _reducer;
+  LM_height_maker _maker;
+  std::vector<uint16_t> _row;
+};
 
 LM_height_plane PlaneOf(const GreyImage& grey) {
   LM_height_plane plane;
@@ -68,28 +69,19 @@ LM_height_plane PlaneOf(const GreyImage& grey) {
   return plane;
 }
 
-// The plane that the source names, in the size in which it is prepared.
-LM_height_plane SourcePlane(const LM_height_source& source, const HeightSubject& subject) {
-  const LM_plane_size size = LM_PreparedSize(source, subject.width, subject.height);
-  if (source.kind == LM_height_kind::File)
-    return LM_ScaledPlane(PlaneOf(*subject.file), size.width, size.height);
-  const int shrink =
-      ShrinkFor(std::max(subject.width, subject.height), std::max(size.width, size.height));
-  std::vector<std::string> notices; // heights need no colour
-  const VImage planes =
-      subject.planes != nullptr
-          ? ToRgbPlanes(*subject.planes, std::min(subject.planes->format(), VIPS_FORMAT_USHORT),
-                        notices)
-          : OpenPhotograph(subject.path, shrink, VIPS_FORMAT_NOTSET, VIPS_FORMAT_USHORT).planes;
-  if (source.kind == LM_height_kind::Luminance)
-    return ReadPlane(planes, LM_LUMINANCE, size);
-  if (source.channel <= planes.bands())
-    return ReadPlane(planes, {source.channel - 1}, size);
-  const auto added = static_cast<size_t>(source.channel - planes.bands() - 1);
-  if (added >= subject.added.size())
-    throw Failure(ExitCode::BadInput, ShownName(subject.path) + ": has no channel " +
-                                          std::to_string(source.channel) + " for its relief");
-  return LM_ScaledPlane(PlaneOf(subject.added[added]), size.width, size.height);
+LM_height_plane Prepared(const LM_height_source& source, int pictureSide, LM_height_plane plane) {
+  LM_PrepareHeights(source, pictureSide, plane);
+  return plane;
+}
+
+// That the source names, which the image's own bands do not have.
+const GreyImage& AddedChannel(const HeightSubject& subject, const LM_height_source& source,
+                              int numBands) {
+  const auto added = static_cast<size_t>(source.channel - numBands - 1);
+  if (added < subject.added.size())
+    return subject.added[added];
+  throw Failure(ExitCode::BadInput, ShownName(subject.path) + ": has no channel " +
+                                        std::to_string(source.channel) + " for its relief");
 }
 
 // A plane and how it is made larger; the image that shows it owns it.
@@ -126,9 +118,29 @@ std::shared_ptr<const LM_height_plane> Held(LM_height_plane plane) {
 } // namespace
 
 LM_height_plane HeightPlane(const LM_height_source& source, const HeightSubject& subject) {
-  LM_height_plane plane = SourcePlane(source, subject);
-  LM_PrepareHeights(source, std::max(subject.width, subject.height), plane);
-  return plane;
+  const int side = std::max(subject.width, subject.height);
+  const LM_plane_size size = LM_PreparedSize(source, subject.width, subject.height);
+  const auto heightsOf = [&](const GreyImage& grey) {
+    return Prepared(source, side, LM_ScaledPlane(PlaneOf(grey), size.width, size.height));
+  };
+  if (source.kind == LM_height_kind::File)
+    return heightsOf(*subject.file);
+  std::vector<std::string> notices; // heights need no colour
+  const VImage planes =
+      subject.planes != nullptr
+          ? ToRgbPlanes(*subject.planes, std::min(subject.planes->format(), VIPS_FORMAT_USHORT),
+                        notices)
+          : OpenPhotograph(subject.path, ShrinkFor(side, std::max(size.width, size.height)),
+                           VIPS_FORMAT_NOTSET, VIPS_FORMAT_USHORT)
+                .planes;
+  const bool isLuminance = source.kind == LM_height_kind::Luminance;
+  if (!isLuminance && source.channel > planes.bands())
+    return heightsOf(AddedChannel(subject, source, planes.bands()));
+  RowReader reader(source, side, planes,
+                   isLuminance ? LM_LUMINANCE : LM_height_weights{source.channel - 1}, size);
+  if (vips_sink_disc(planes.get_image(), RowReader::Take, &reader) != 0)
+    throw vips::VError();
+  return reader.Heights();
 }
 
 VImage ShownHeights(std::shared_ptr<const LM_height_plane> plane, int width, int height) {

@@ -84,11 +84,8 @@ LM_height_plane ReducedLuminance(const limn_heights& heights, const LM_plane_siz
                            std::min(size.height, heights.height));
   std::vector<uint16_t> row(static_cast<size_t>(heights.width));
   const uint8_t* pixel = heights.pixels;
-  for (int32_t y = 0; y < heights.height; ++y) {
-    for (uint16_t& height : row) {
-      height = LM_HeightOf(pixel, LM_LUMINANCE);
-      pixel += 4;
-    }
+  for (int32_t y = 0; y < heights.height; ++y, pixel += 4 * ptrdiff_t{heights.width}) {
+    LM_HeightsOfPixels(pixel, 4, LM_LUMINANCE, row.data(), row.size());
     reducer.Add(row.data());
   }
   return reducer.Take();

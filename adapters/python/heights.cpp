@@ -23,11 +23,8 @@ LM_height_plane ReadPlane(const py::array& image, const LM_height_weights& weigh
                            std::min(size.height, height));
   std::vector<uint16_t> row(static_cast<size_t>(width));
   const auto* pixel = static_cast<const Sample*>(image.data());
-  for (int y = 0; y < height; ++y) {
-    for (uint16_t& value : row) {
-      value = LM_HeightOf(pixel, weights);
-      pixel += channels;
-    }
+  for (int y = 0; y < height; ++y, pixel += width * channels) {
+    LM_HeightsOfPixels(pixel, channels, weights, row.data(), row.size());
     reducer.Add(row.data());
   }
   return reducer.Take();

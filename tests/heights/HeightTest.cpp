@@ -103,7 +103,7 @@ TEST(Heights, SmoothingTakesTheGrainAndKeepsTheEdge) {
   for (int y = 0; y < plane.height; ++y)
     for (int x = 200; x < plane.width; ++x)
       plane.Row(y)[x] = static_cast<uint16_t>(plane.Row(y)[x] + 80 * 257);
-  LM_SmoothBetweenEdges(plane, 4, 16 * 257);
+  LM_edge_keeper(plane, 4, 16 * 257).Advance(plane.height);
   double squares = 0;
   for (int x = 20; x < 180; ++x)
     squares += std::pow(plane.Row(50)[x] - 20000, 2);
@@ -115,7 +115,11 @@ TEST(Heights, SmoothingTakesTheGrainAndKeepsTheEdge) {
 TEST(Heights, MeansAreThoseOfTheSquare) {
   const LM_height_plane plane = Noisy(23, 17, 30000, 9000);
   for (const double radius : {0.0, 0.5, 1.25, 4.0, 30.5}) {
-    const LM_height_plane means = LM_BoxMeans(plane, radius);
+    LM_height_plane means(plane.width, plane.height);
+    LM_box_means box(plane.width, plane.height, radius);
+    for (int y = 0; y < plane.height; ++y)
+      box.MakeRow(
+          y, [&](int row) { return plane.Row(row); }, means.Row(y));
     const int reach = static_cast<int>(std::ceil(radius));
     const double rim = radius == reach ? 1 : radius - std::floor(radius);
     for (int y = 0; y < plane.height; ++y)
@@ -132,16 +136,50 @@ TEST(Heights, MeansAreThoseOfTheSquare) {
   }
 }
 
-// A plane large enough for two threads, and the middle of it, which is not.
-TEST(Heights, ThreadsChangeNoBit) {
-  const LM_height_plane whole = Noisy(600, 500, 30000, 5000);
-  LM_height_plane middle(600, 300);
-  std::copy_n(whole.Row(100), middle.values.size(), middle.values.begin());
-  LM_height_plane found[] = {LM_BoxMeans(whole, 30.5), whole, LM_BoxMeans(middle, 30.5), middle};
-  LM_SmoothBetweenEdges(found[1], 8.25, 16 * 257);
-  LM_SmoothBetweenEdges(found[3], 8.25, 16 * 257);
-  for (int i = 0; i < 2; ++i)
-    EXPECT_TRUE(std::equal(found[i].Row(140), found[i].Row(360), found[i + 2].Row(40))) << i;
+// In place, behind rows that come singly or many at a time, whatever the filters reach: a row is
+// overwritten only when nothing needs it any more.
+TEST(Heights, ComingRowByRowChangesNoBit) {
+  for (const auto& [width, height] : {std::pair{300, 190}, {40, 300}, {7, 3}, {5, 1}})
+    for (LM_height_source source : {Prepared(16, 0, false), Prepared(0, 20, true),
+                                    Prepared(16, 70, true), Prepared(9, 1000, true)}) {
+      const LM_height_plane plane = Noisy(width, height, 30000, 5000);
+      source.invert = source.smoothing > 0;
+      LM_height_plane whole = plane;
+      LM_PrepareHeights(source, 4000, whole);
+      for (const int step : {1, 7}) {
+        LM_height_plane grown(width, height); // its last rows are not there yet
+        LM_height_maker maker(source, 4000, grown);
+        for (int numRows = 0; numRows < height;) {
+          const int first = numRows;
+          numRows = std::min(height, first + step);
+          std::copy(plane.Row(first), plane.Row(numRows), grown.Row(first));
+          maker.Advance(numRows);
+        }
+        EXPECT_EQ(grown.values, whole.values) << width << " × " << height << ", " << source.detail;
+      }
+    }
+}
+
+// What the filters say of themselves, a whole plane after the other.
+TEST(Heights, FiltersAreMeansOfWholePlanes) {
+  const LM_height_plane plane = Noisy(90, 70, 30000, 5000);
+  const auto meansOf = [](const LM_height_plane& of, double radius) {
+    LM_height_plane means(of.width, of.height);
+    LM_box_means box(of.width, of.height, radius);
+    for (int y = 0; y < of.height; ++y)
+      box.MakeRow(
+          y, [&](int row) { return of.Row(row); }, means.Row(y));
+    return means;
+  };
+  const double radius = 90 * 40 / 1000.0;
+  const LM_height_plane around = meansOf(meansOf(meansOf(plane, radius), radius), radius);
+  const LM_height_plane fine = meansOf(meansOf(plane, radius * 0.02), radius * 0.02);
+  LM_height_plane heights = plane;
+  LM_PrepareHeights(Prepared(0, 40, false), 90, heights);
+  for (size_t i = 0; i < plane.values.size(); ++i) {
+    const double height = fine.values[i] - around.values[i];
+    ASSERT_NEAR(heights.values[i], 32768 + height / (1 + std::abs(height) / (38 * 257)), 0.51);
+  }
 }
 
 TEST(Heights, APieceOfARowIsThatOfTheWhole) {
