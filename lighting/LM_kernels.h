@@ -116,6 +116,16 @@ struct LM_packed_run {
   }
 };
 
+// The unit normals of the facets in a row, each between four heights. All facets of a row of pixels
+// lie in two such rows, above and below, which begin with the facet on the first pixel's left; a
+// facet belongs to the four pixels that meet there.
+struct LM_normal_row {
+  float *x, *y, *z;
+
+  // From some facets on.
+  LM_normal_row From(int facets) const { return {x + facets, y + facets, z + facets}; }
+};
+
 // With a larger scale the height of a word may leave 32 bits.
 constexpr int32_t LM_WORD_HEIGHTS_SCALE = 1 << 21;
 
@@ -142,32 +152,34 @@ struct LM_kernels {
   void (*heights)(const uint8_t* const taps[3], int n, int32_t scale, int32_t* heights);
   // The same of words, for a scale of up to LM_WORD_HEIGHTS_SCALE either way.
   void (*wordHeights)(const uint16_t* const taps[3], int n, int32_t scale, int32_t* heights);
-  // Lights n pixels in relief. heights: three rows, each starting one pixel to the left.
+  // The normals of n facets between two rows of heights.
+  void (*normals)(const int32_t* const heights[2], int n, const LM_normal_row& normals);
+  // Lights n pixels in relief. normals: of the two rows of their facets.
   void (*relief)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
-                 int n, const int32_t* const heights[3], const LM_kernel_planes& planes);
+                 int n, const LM_normal_row* normals, const LM_kernel_planes& planes);
   // LM_LoadDeep and LM_StoreDeep. Neither touches a byte beyond the last pixel.
   void (*load)(const uint8_t* pixels, ptrdiff_t step, LM_pixel_kind kind, int n,
                const LM_deep_planes& planes);
   void (*store)(const LM_deep_planes& planes, int n, LM_pixel_kind kind, uint8_t* pixels,
                 ptrdiff_t step);
-  // Lights n pixels of more than 8 bits, all lights in their order, directional ones too. heights:
+  // Lights n pixels of more than 8 bits, all lights in their order, directional ones too. normals:
   // as for relief, or null for a flat surface.
   void (*deep)(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
-               int n, const int32_t* const* heights, const LM_deep_planes& planes);
-  // The sums that flat and relief combine, kept: those of n pixels or, with heights, of their
+               int n, const LM_normal_row* normals, const LM_deep_planes& planes);
+  // The sums that flat and relief combine, kept: those of n pixels or, with normals, of their
   // facets. They fit the form. The lights begin without the ambient light. This and the next three
   // are null where nothing is ever kept.
-  void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
+  void (*keep)(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
                const LM_kept_run& kept);
   // Lights n pixels by sums that were kept, and the ambient light.
   void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
                   int facets, int n, const LM_kernel_planes& planes);
   // The same sums as keep, packed, from the beginning of a pack on; and n pixels lit by them and by
-  // lights that are not in them, which begin with the ambient light. heights: as for keep.
-  void (*pack)(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
+  // lights that are not in them, which begin with the ambient light. normals: as for keep.
+  void (*pack)(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
                const LM_packed_run& packed);
   void (*over)(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
-               const LM_packed_run& packed, const float* x, int n, const int32_t* const* heights,
+               const LM_packed_run& packed, const float* x, int n, const LM_normal_row* normals,
                const LM_kernel_planes& planes);
   // Adds the lights to the samples' sums, and stores each light's part; parts go with the lights.
   void (*sum)(const LM_kernel_lights& lights, const LM_kernel_part* parts,

@@ -54,7 +54,7 @@ bool LM_ChangeSurface(const foo& params, LM_render_job& job);
 
 // Room to work in, of at most LM_MOST_SCRATCH_BYTES: to be allocated by the caller, one for each
 // thread, and kept from call to call. Holds nothing between calls.
-constexpr size_t LM_MOST_SCRATCH_BYTES = 126'000;
+constexpr size_t LM_MOST_SCRATCH_BYTES = 153'000;
 struct LM_render_scratch;
 struct LM_render_scratch_deleter {
   void operator()(LM_render_scratch* scratch) const;

@@ -144,7 +144,8 @@ bool LM_row_driver::_IsKept(int32_t y) const {
   return _piece.kept.sums != nullptr && _piece.kept.ready[y - _piece.rect.top] != 0 && !_over;
 }
 
-// Makes the row of heights below row y, and those above it too where the row before had none.
+// Makes the row of heights below row y, and those above it too where the row before had none; for
+// vectors the normals between rows as well.
 void LM_row_driver::_FillHeights(int32_t y) {
   const int32_t top = _piece.rect.top;
   const bool goesOn = _heightsEnd == y - top + 1;
@@ -158,6 +159,10 @@ void LM_row_driver::_FillHeights(int32_t y) {
                   _piece.Pixels() + 2, heights);
     else
       _heights.Make(top + row, heights);
+    const int32_t* const around[2] = {_buffers.heights.At(row - 1), heights};
+    if (_onVectors && (goesOn || row >= y - top))
+      _piece.kernels->normals(around, static_cast<int>(_piece.Pixels()) + 1,
+                              _buffers.NormalsAt(row));
   }
 }
 
@@ -168,27 +173,26 @@ void LM_row_driver::_LightRun(const LM_kernel_lights& lights, int32_t y, int fir
   const LM_kernel_surface surface = SurfaceOf(*_piece.params);
   const float* const columns = _piece.columns + first;
   const int32_t row = y - _piece.rect.top;
-  const int32_t* const rows[3] = {_buffers.heights.At(row - 1) + first,
-                                  _buffers.heights.At(row) + first,
-                                  _buffers.heights.At(row + 1) + first};
-  const int32_t* const* heights = _piece.IsFlat() ? nullptr : rows;
+  const LM_normal_row rows[2] = {_buffers.NormalsAt(row).From(first),
+                                 _buffers.NormalsAt(row + 1).From(first)};
+  const LM_normal_row* normals = _piece.IsFlat() ? nullptr : rows;
   if (_piece.kind != LM_pixel_kind::Bytes)
-    return kernels.deep(lights, surface, columns, n, heights, _piece.deep->Planes(first));
+    return kernels.deep(lights, surface, columns, n, normals, _piece.deep->Planes(first));
   const LM_kernel_planes planes = {
       {_buffers.planes[0] + first, _buffers.planes[1] + first, _buffers.planes[2] + first}};
   if (aim == Aim::Light)
-    return heights == nullptr ? kernels.flat(lights, surface, columns, n, planes)
-                              : kernels.relief(lights, surface, columns, n, heights, planes);
+    return normals == nullptr ? kernels.flat(lights, surface, columns, n, planes)
+                              : kernels.relief(lights, surface, columns, n, normals, planes);
   const LM_kept_sums& kept = *_piece.kept.sums;
   const int32_t column = _piece.kept.column + first;
   const int32_t keptRow = _piece.kept.row + row;
   if (kept.packed.IsEmpty())
-    return kernels.keep(lights, columns, n, heights, kept.At(column, keptRow));
+    return kernels.keep(lights, columns, n, normals, kept.At(column, keptRow));
   const LM_packed_run packed = kept.packed.At(column, keptRow);
   if (aim == Aim::Keep)
-    kernels.pack(lights, columns, n, heights, packed);
+    kernels.pack(lights, columns, n, normals, packed);
   else
-    kernels.over(lights, surface, packed, columns, n, heights, planes);
+    kernels.over(lights, surface, packed, columns, n, normals, planes);
 }
 
 // Works out a row, each run of it by those of the row's lights that reach it.

@@ -51,11 +51,19 @@ struct LM_piece {
 struct LM_row_buffers {
   LM_row_ring<uint8_t> taps;
   LM_row_ring<int32_t> heights; // from one pixel left of the piece
+  // Of the facets above and below a row of pixels.
+  alignas(64) float normals[2][3][LM_row_ring<float>::LENGTH];
   alignas(64) uint8_t planes[LM_PLANES][LM_RENDER_BLOCK + LM_KERNEL_SLACK];
   uint8_t source[LM_PLANES * LM_RENDER_BLOCK]; // packed, where the image's own are not
   uint8_t output[LM_PLANES * LM_RENDER_BLOCK];
   // Three rows of heights one after the other, as a bump map has them.
   int32_t plainHeights[3 * (LM_MAX_RELIEF_PIXELS + 2)];
+
+  // Of the facets that row `row` of heights has above it; from 0.
+  LM_normal_row NormalsAt(int32_t row) {
+    auto& components = normals[row % 2];
+    return {components[0], components[1], components[2]};
+  }
 };
 
 class LM_row_driver {

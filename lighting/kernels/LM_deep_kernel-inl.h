@@ -156,10 +156,10 @@ HWY_INLINE Floats MeanOfFour(Floats a, Floats b, Floats c, Floats d) {
   return hn::Mul(hn::Add(hn::Add(a, b), hn::Add(c, d)), SetFloat(0.25F));
 }
 
-// heights: null for a flat surface.
+// normals: null for a flat surface.
 template <class Combine>
 HWY_INLINE void DeepRow(const LM_kernel_lights& lights, const Combine& combine, const float* x,
-                        int n, const int32_t* const* heights, const LM_deep_planes& planes) {
+                        int n, const LM_normal_row* normals, const LM_deep_planes& planes) {
   SampleLights fourAt[4];
   for (int i = 0; i < n; i += Lanes()) {
     const int v = i / Lanes() % 4;
@@ -167,19 +167,17 @@ HWY_INLINE void DeepRow(const LM_kernel_lights& lights, const Combine& combine, 
       LookAtLightsInOrder(lights, x + i, fourAt);
     const SampleLights& at = fourAt[v];
     const PlaneFloats source = LoadDeepPlanes(planes, i);
-    if (heights == nullptr) {
+    if (normals == nullptr) {
       StoreDeepPlanes(combine(SumDeepFlat(lights, at), source), planes, i);
       continue;
     }
-    const PixelRelief relief = ReliefAt(heights, i);
-    const FourFloats inverse = InverseNormals(relief);
-    const auto facet = [&](const Gradient& gradient, Floats inverseLength) {
-      return combine(SumDeepFacet(lights, at, FacetOf(gradient, inverseLength)), source);
+    const auto facet = [&](int f) {
+      return combine(SumDeepFacet(lights, at, FacetAt(normals, i, f)), source);
     };
-    const PlaneFloats a = facet(relief.quad[0], inverse.v0);
-    const PlaneFloats b = facet(relief.quad[1], inverse.v1);
-    const PlaneFloats c = facet(relief.quad[2], inverse.v2);
-    const PlaneFloats d = facet(relief.quad[3], inverse.v3);
+    const PlaneFloats a = facet(0);
+    const PlaneFloats b = facet(1);
+    const PlaneFloats c = facet(2);
+    const PlaneFloats d = facet(3);
     StoreDeepPlanes({MeanOfFour(a.p0, b.p0, c.p0, d.p0), MeanOfFour(a.p1, b.p1, c.p1, d.p1),
                      MeanOfFour(a.p2, b.p2, c.p2, d.p2)},
                     planes, i);
@@ -187,13 +185,13 @@ HWY_INLINE void DeepRow(const LM_kernel_lights& lights, const Combine& combine, 
 }
 
 void LightDeep(const LM_kernel_lights& lights, const LM_kernel_surface& surface, const float* x,
-               int n, const int32_t* const* heights, const LM_deep_planes& planes) {
+               int n, const LM_normal_row* normals, const LM_deep_planes& planes) {
   if (surface.material < 1)
-    DeepRow(lights, DeepCombiner<DeepWhite>(surface, lights.diffuse), x, n, heights, planes);
+    DeepRow(lights, DeepCombiner<DeepWhite>(surface, lights.diffuse), x, n, normals, planes);
   else if (surface.material > 255)
-    DeepRow(lights, DeepCombiner<DeepColored>(surface, lights.diffuse), x, n, heights, planes);
+    DeepRow(lights, DeepCombiner<DeepColored>(surface, lights.diffuse), x, n, normals, planes);
   else
-    DeepRow(lights, DeepCombiner<DeepBlend>(surface, lights.diffuse), x, n, heights, planes);
+    DeepRow(lights, DeepCombiner<DeepBlend>(surface, lights.diffuse), x, n, normals, planes);
 }
 
 } // namespace HWY_NAMESPACE

@@ -32,13 +32,17 @@ HWY_INLINE LightSums BeginSums(const LM_kernel_lights& lights) {
   return {SetPlanes(lights.diffuse), SetPlanes(lights.specular)};
 }
 
-// The sums of one vector stay in registers across all lights.
-HWY_INLINE LightSums SumFlatLights(LightSums sums, const SampleLights& at) {
+template <class Sums> HWY_INLINE void AddFlatLights(Sums& sums, const SampleLights& at) {
   int k = 0;
   for (; k < at.plain; ++k)
     AddFlatOmni(sums, *at.light[k], at.inverse[k]);
   for (; k < at.count; ++k)
     AddFlatSpot(sums, *at.light[k], at.inverse[k], at.falloff[k]);
+}
+
+// The sums of one vector stay in registers across all lights.
+HWY_INLINE LightSums SumFlatLights(LightSums sums, const SampleLights& at) {
+  AddFlatLights(sums, at);
   return sums;
 }
 

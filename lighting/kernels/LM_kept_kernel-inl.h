@@ -48,23 +48,20 @@ HWY_INLINE void StoreSums(const LightSums& sums, const LM_kept_run& kept, const 
   StorePlane(sums.diffuse.p2, sums.specular.p2, kept, place, 2);
 }
 
-void KeepSums(const LM_kernel_lights& lights, const float* x, int n, const int32_t* const* heights,
+void KeepSums(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
               const LM_kept_run& kept) {
   SampleLights fourAt[4];
   for (int i = 0; i < n; i += Lanes()) {
     const int v = i / Lanes() % 4;
     if (v == 0)
       LookAtLights(lights, x + i, fourAt);
-    if (heights == nullptr) {
+    if (normals == nullptr) {
       StoreSums(SumFlatLights(BeginSums(lights), fourAt[v]), kept, {i, 1, 0});
       continue;
     }
-    const PixelRelief relief = ReliefAt(heights, i);
-    const FourFloats inverse = InverseNormals(relief);
-    const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
     for (int facet = 0; facet < LM_FACETS; ++facet)
-      StoreSums(LightFacet(BeginSums(lights), fourAt[v], FacetOf(relief.quad[facet], roots[facet])),
-                kept, {i, LM_FACETS, facet});
+      StoreSums(LightFacet(BeginSums(lights), fourAt[v], FacetAt(normals, i, facet)), kept,
+                {i, LM_FACETS, facet});
   }
 }
 

@@ -31,7 +31,7 @@ HWY_INLINE void StoreUnpacked(const LightSums& sums, int32_t* unpacked) {
 
 // The sums of at most LM_PACKED_PIXELS pixels. Answers how many LightSums they are.
 HWY_INLINE int SumPack(const LM_kernel_lights& lights, const float* x, int n,
-                       const int32_t* const* heights, int32_t* unpacked) {
+                       const LM_normal_row* normals, int32_t* unpacked) {
   SampleLights fourAt[4];
   int count = 0;
   const auto keep = [&](const LightSums& sums) {
@@ -42,15 +42,12 @@ HWY_INLINE int SumPack(const LM_kernel_lights& lights, const float* x, int n,
     const int v = i / Lanes() % 4;
     if (v == 0)
       LookAtLights(lights, x + i, fourAt);
-    if (heights == nullptr) {
+    if (normals == nullptr) {
       keep(SumFlatLights(begun, fourAt[v]));
       continue;
     }
-    const PixelRelief relief = ReliefAt(heights, i);
-    const FourFloats inverse = InverseNormals(relief);
-    const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
     for (int facet = 0; facet < LM_FACETS; ++facet)
-      keep(LightFacet(begun, fourAt[v], FacetOf(relief.quad[facet], roots[facet])));
+      keep(LightFacet(begun, fourAt[v], FacetAt(normals, i, facet)));
   }
   return count;
 }
@@ -103,16 +100,16 @@ HWY_INLINE void Pack(const int32_t* unpacked, int count, const LM_packed_run& pa
   }
 }
 
-void KeepPacked(const LM_kernel_lights& lights, const float* x, int n,
-                const int32_t* const* heights, const LM_packed_run& packed) {
+void KeepPacked(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
+                const LM_packed_run& packed) {
   HWY_ALIGN int32_t unpacked[UNPACKED];
-  const int facets = heights == nullptr ? 1 : LM_FACETS;
+  const int facets = normals == nullptr ? 1 : LM_FACETS;
   for (int i = 0; i < n; i += LM_PACKED_PIXELS) {
-    const int32_t* rows[3] = {};
-    for (int row = 0; row < 3 && heights != nullptr; ++row)
-      rows[row] = heights[row] + i;
+    LM_normal_row rows[2] = {};
+    for (int row = 0; row < 2 && normals != nullptr; ++row)
+      rows[row] = normals[row].From(i);
     const int count = SumPack(lights, x + i, std::min(n - i, LM_PACKED_PIXELS),
-                              heights == nullptr ? nullptr : rows, unpacked);
+                              normals == nullptr ? nullptr : rows, unpacked);
     Pack(unpacked, count, packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets));
   }
 }
@@ -129,20 +126,55 @@ template <int sum> HWY_INLINE Ints LoadBeyond(const LM_packed_run& packed, int i
   return hn::Or(low, hn::ShiftLeft<16>(high));
 }
 
-// `sums` and the i-th ones of a pack, without what is least in it.
-HWY_INLINE LightSums AddPacked(const LightSums& sums, const LM_packed_run& packed, int i) {
+// Sums of gray light over gray sums: one plane's, without what the ambient light is to each.
+struct GraySums {
+  Ints diffuse, specular;
+};
+HWY_INLINE bool AreGray(const LM_kernel_lights& lights) {
+  bool gray = lights.specular[1] == lights.specular[0] && lights.specular[2] == lights.specular[0];
+  for (int k = 0; k < lights.Count(); ++k)
+    gray = gray && lights.light[k].gray && !lights.light[k].strong;
+  return gray;
+}
+
+// The i-th sums of a pack, without what is least in it, are added to others.
+HWY_INLINE void AddPacked(GraySums& sums, const LM_packed_run& packed, int i) {
+  sums.diffuse = hn::Add(sums.diffuse, LoadBeyond<0>(packed, i));
+  sums.specular = hn::Add(sums.specular, LoadBeyond<LM_PLANES>(packed, i));
+}
+HWY_INLINE void AddPacked(LightSums& sums, const LM_packed_run& packed, int i) {
   const Ints diffuse = LoadBeyond<0>(packed, i);
   const Ints specular = LoadBeyond<LM_PLANES>(packed, i);
-  if (packed.packs->isGray)
-    return {{hn::Add(sums.diffuse.p0, diffuse), hn::Add(sums.diffuse.p1, diffuse),
-             hn::Add(sums.diffuse.p2, diffuse)},
-            {hn::Add(sums.specular.p0, specular), hn::Add(sums.specular.p1, specular),
-             hn::Add(sums.specular.p2, specular)}};
-  return {{hn::Add(sums.diffuse.p0, diffuse), hn::Add(sums.diffuse.p1, LoadBeyond<1>(packed, i)),
-           hn::Add(sums.diffuse.p2, LoadBeyond<2>(packed, i))},
-          {hn::Add(sums.specular.p0, specular),
-           hn::Add(sums.specular.p1, LoadBeyond<LM_PLANES + 1>(packed, i)),
-           hn::Add(sums.specular.p2, LoadBeyond<LM_PLANES + 2>(packed, i))}};
+  const bool gray = packed.packs->isGray;
+  sums.diffuse.p0 = hn::Add(sums.diffuse.p0, diffuse);
+  sums.diffuse.p1 = hn::Add(sums.diffuse.p1, gray ? diffuse : LoadBeyond<1>(packed, i));
+  sums.diffuse.p2 = hn::Add(sums.diffuse.p2, gray ? diffuse : LoadBeyond<2>(packed, i));
+  sums.specular.p0 = hn::Add(sums.specular.p0, specular);
+  sums.specular.p1 =
+      hn::Add(sums.specular.p1, gray ? specular : LoadBeyond<LM_PLANES + 1>(packed, i));
+  sums.specular.p2 =
+      hn::Add(sums.specular.p2, gray ? specular : LoadBeyond<LM_PLANES + 2>(packed, i));
+}
+
+// A sample's sums begin with what all of its pack have, and end as its bytes.
+HWY_INLINE void Begin(const LightSums& begun, LightSums& sums) {
+  sums = begun;
+}
+HWY_INLINE void Begin(const LightSums& begun, GraySums& sums) {
+  sums = {hn::Zero(IntTag()), begun.specular.p0};
+}
+template <class Combine>
+HWY_INLINE PlaneInts Combined(const Combine& combine, const LightSums&, const LightSums& sums,
+                              const PlaneInts& source) {
+  return combine(sums, source);
+}
+template <class Combine>
+HWY_INLINE PlaneInts Combined(const Combine& combine, const LightSums& begun, const GraySums& sums,
+                              const PlaneInts& source) {
+  const Ints highlight = hn::ShiftRight<8>(sums.specular);
+  return {combine.Plane(hn::Add(sums.diffuse, begun.diffuse.p0), highlight, source.p0),
+          combine.Plane(hn::Add(sums.diffuse, begun.diffuse.p1), highlight, source.p1),
+          combine.Plane(hn::Add(sums.diffuse, begun.diffuse.p2), highlight, source.p2)};
 }
 
 // What every sample of a pack has before its own sums.
@@ -160,13 +192,10 @@ HWY_INLINE LightSums BeginPack(const LM_kernel_lights& lights, const LM_pack& pa
 struct FacetShares {
   FacetShare of[LM_MAX_LIGHTS][LM_FACETS];
 };
-HWY_INLINE void FindShares(const SampleLights& at, const int32_t* const* heights, int i,
+HWY_INLINE void FindShares(const SampleLights& at, const LM_normal_row* normals, int i,
                            FacetShares& shares) {
-  const PixelRelief relief = ReliefAt(heights, i);
-  const FourFloats inverse = InverseNormals(relief);
-  const Floats roots[LM_FACETS] = {inverse.v0, inverse.v1, inverse.v2, inverse.v3};
   for (int f = 0; f < LM_FACETS; ++f) {
-    const Facet facet = FacetOf(relief.quad[f], roots[f]);
+    const Facet facet = FacetAt(normals, i, f);
     int k = 0;
     for (; k < at.plain; ++k)
       shares.of[k][f] = ShareOf<false>(*at.light[k], facet, at.x[k], at.inverse[k], at.inverse[k]);
@@ -176,49 +205,71 @@ HWY_INLINE void FindShares(const SampleLights& at, const int32_t* const* heights
 }
 
 // The vector of a pack's pixels that is its v-th, the first of them pixel i.
-template <class Combine>
+template <class Sums, class Combine>
 HWY_INLINE PlaneInts LitOver(const LightSums& begun, const Combine& combine, const SampleLights& at,
                              const LM_packed_run& packed, int v, int i,
-                             const int32_t* const* heights, const PlaneInts& source) {
-  if (heights == nullptr)
-    return combine(AddPacked(SumFlatLights(begun, at), packed, v), source);
+                             const LM_normal_row* normals, const PlaneInts& source) {
+  Sums sums;
+  if (normals == nullptr) {
+    Begin(begun, sums);
+    AddFlatLights(sums, at);
+    AddPacked(sums, packed, v);
+    return Combined(combine, begun, sums, source);
+  }
   FacetShares shares;
   if (at.count > 0)
-    FindShares(at, heights, i, shares);
+    FindShares(at, normals, i, shares);
   PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
   for (int f = 0; f < LM_FACETS; ++f) {
-    LightSums sums = begun;
+    Begin(begun, sums);
     for (int k = 0; k < at.count; ++k) {
       AddColor(sums.diffuse, *at.light[k], shares.of[k][f].diffuse);
       AddColor(sums.specular, *at.light[k], shares.of[k][f].specular);
     }
-    const PlaneInts shaded = combine(AddPacked(sums, packed, v * LM_FACETS + f), source);
+    AddPacked(sums, packed, v * LM_FACETS + f);
+    const PlaneInts shaded = Combined(combine, begun, sums, source);
     total = {hn::Add(total.p0, shaded.p0), hn::Add(total.p1, shaded.p1),
              hn::Add(total.p2, shaded.p2)};
   }
   return {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1), hn::ShiftRight<2>(total.p2)};
 }
 
-void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
-               const LM_packed_run& packed, const float* x, int n, const int32_t* const* heights,
-               const LM_kernel_planes& planes) {
-  const int facets = heights == nullptr ? 1 : LM_FACETS;
-  WithCombiner(surface, [&](const auto& combine) {
-    SampleLights fourAt[4];
-    LM_packed_run pack = {};
-    LightSums begun = {};
-    for (int i = 0; i < n; i += Lanes()) {
-      const int v = i % LM_PACKED_PIXELS / Lanes();
-      if (v == 0) {
-        pack = packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets);
-        begun = BeginPack(lights, *pack.packs);
-      }
-      if (v % 4 == 0)
-        LookAtLights(lights, x + i, fourAt);
-      const PlaneInts source = LoadPlanes(planes, i);
-      StorePlanes(LitOver(begun, combine, fourAt[v % 4], pack, v, i, heights, source), planes, i);
+template <class Combine>
+HWY_INLINE void OverRow(const LM_kernel_lights& lights, const Combine& combine,
+                        const LM_packed_run& packed, const float* x, int n,
+                        const LM_normal_row* normals, const LM_kernel_planes& planes) {
+  const int facets = normals == nullptr ? 1 : LM_FACETS;
+  const bool areGray = AreGray(lights);
+  SampleLights fourAt[4];
+  LM_packed_run pack = {};
+  LightSums begun = {};
+  for (int i = 0; i < n; i += Lanes()) {
+    const int v = i % LM_PACKED_PIXELS / Lanes();
+    if (v == 0) {
+      pack = packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets);
+      begun = BeginPack(lights, *pack.packs);
     }
-  });
+    if (v % 4 == 0)
+      LookAtLights(lights, x + i, fourAt);
+    const SampleLights& at = fourAt[v % 4];
+    const PlaneInts source = LoadPlanes(planes, i);
+    if (areGray && pack.packs->isGray)
+      StorePlanes(LitOver<GraySums>(begun, combine, at, pack, v, i, normals, source), planes, i);
+    else
+      StorePlanes(LitOver<LightSums>(begun, combine, at, pack, v, i, normals, source), planes, i);
+  }
+}
+
+void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
+               const LM_packed_run& packed, const float* x, int n, const LM_normal_row* normals,
+               const LM_kernel_planes& planes) {
+  const auto light = [&](const auto& combine) {
+    OverRow(lights, combine, packed, x, n, normals, planes);
+  };
+  if (ShiftExposure::Takes(surface.exposure))
+    WithCombiner<ShiftExposure>(surface, light);
+  else
+    WithCombiner(surface, light);
 }
 
 } // namespace HWY_NAMESPACE

@@ -102,6 +102,11 @@ HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats f
       hn::Add(sums.p2, gray ? part : TruncateProduct(hn::Mul(SetFloat(light.color[2]), factor)));
 }
 
+// The same of the only plane that gray lights need, none of them strong.
+HWY_INLINE void AddColor(Ints& sum, const LM_kernel_light& light, Floats factor) {
+  sum = hn::Add(sum, TruncateProduct(hn::Mul(SetFloat(light.color[0]), factor)));
+}
+
 struct LightSums {
   PlaneInts diffuse, specular;
 };
