@@ -36,7 +36,8 @@ template <class Tap, class Read> void LM_height_rows::_FillTaps(int32_t y, Tap* 
     std::memcpy(out, pixel, static_cast<size_t>(right - left) * sizeof(Tap));
     out += right - left;
   } else {
-    for (int32_t x = left; x < right; ++x, pixel += _plane.pixelStep)
+    const ptrdiff_t step = _plane.pixelStep; // which bytes that are written might be
+    for (int32_t x = left; x < right; ++x, pixel += step)
       *out++ = read(pixel);
   }
   std::fill_n(out, end - begin - (out - taps), read(_plane.At(right - 1, row)));

@@ -8,6 +8,8 @@
 #include "metadata.h"
 
 #include <algorithm>
+#include <exception>
+#include <utility>
 
 namespace limn {
 namespace {
@@ -47,6 +49,39 @@ template <class Component> std::vector<Component> Decoded(const VImage& image) {
                                       image.width(), image.height(), image.bands(),
                                       image.format()));
   return pixels;
+}
+
+// Pixels that grow row by row.
+struct Growing {
+  std::vector<uint8_t>& pixels;
+  std::function<void()> grown;
+  std::exception_ptr failure; // of grown
+};
+int AddRows(VipsRegion* region, VipsRect* rows, void* into) {
+  auto& growing = *static_cast<Growing*>(into);
+  for (int y = rows->top; y < rows->top + rows->height; ++y) {
+    const VipsPel* const row = VIPS_REGION_ADDR(region, 0, y);
+    growing.pixels.insert(growing.pixels.end(), row, row + VIPS_IMAGE_SIZEOF_LINE(region->im));
+  }
+  try {
+    growing.grown();
+    return 0;
+  } catch (...) { // not through libvips, which is C
+    growing.failure = std::current_exception();
+    return -1;
+  }
+}
+
+// As DecodedPixels, from the top down: the decoder goes on while rows are stored, in room that
+// nobody has cleared before, and while `grown` is at work.
+void GrowPixels(const VImage& image, std::vector<uint8_t>& pixels, std::function<void()> grown) {
+  pixels.reserve(VIPS_IMAGE_SIZEOF_IMAGE(image.get_image()));
+  Growing growing{pixels, std::move(grown), nullptr};
+  const int result = vips_sink_disc(image.get_image(), AddRows, &growing);
+  if (growing.failure != nullptr)
+    std::rethrow_exception(growing.failure);
+  if (result != 0)
+    throw vips::VError();
 }
 
 // One plane of planes that are all the same.
@@ -92,7 +127,8 @@ OpenedPhotograph OpenPhotograph(const std::string& path, int shrink, VipsBandFor
   return opened;
 }
 
-Photograph ReadPhotograph(const std::string& path, VipsBandFormat most) {
+Photograph ReadPhotograph(const std::string& path, VipsBandFormat most,
+                          const RowsArrived& arrived) {
   return Guarded(path, [&] {
     OpenedPhotograph opened = OpenPhotograph(path, 1, VIPS_FORMAT_NOTSET, most);
     Photograph photograph;
@@ -106,9 +142,12 @@ Photograph ReadPhotograph(const std::string& path, VipsBandFormat most) {
     photograph.height = opened.planes.height();
     photograph.depth = opened.planes.format();
     const bool isDeep = photograph.depth != VIPS_FORMAT_UCHAR;
-    (isDeep ? photograph.deep : photograph.pixels) = DecodedPixels(opened.planes);
     if (isDeep)
-      photograph.pixels = DecodedPixels(InBytes(PlanesOf(photograph)));
+      GrowPixels(opened.planes, photograph.deep, [] {});
+    GrowPixels(isDeep ? InBytes(PlanesOf(photograph)) : opened.planes, photograph.pixels, [&] {
+      if (arrived)
+        arrived(photograph);
+    });
     return photograph;
   });
 }

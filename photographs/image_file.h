@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 #include <vips/vips8>
@@ -58,7 +59,12 @@ std::vector<uint8_t> DecodedPixels(const vips::VImage& image);
 // Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
 // their profile to sRGB, the orientation is applied; alpha and further channels follow as they are.
 // It keeps its depth as far as `most`. A file that is cut short or damaged is a Failure(BadInput).
-Photograph ReadPhotograph(const std::string& path, VipsBandFormat most = VIPS_FORMAT_UCHAR);
+// arrived: called with the photograph while it is read, on another thread than the decoder's, so
+// that something is made of it meanwhile. Its shape is known then, and `pixels` has some rows from
+// the top, in the end all, in room that stays where it is. It may throw.
+using RowsArrived = std::function<void(const Photograph&)>;
+Photograph ReadPhotograph(const std::string& path, VipsBandFormat most = VIPS_FORMAT_UCHAR,
+                          const RowsArrived& arrived = {});
 
 // Reads an image whose grey values are meant as numbers: no profile is applied, an alpha channel is
 // ignored, the orientation is applied. A coloured image is a

@@ -53,16 +53,21 @@ HWY_INLINE LightSums SumWeakOmnis(LightSums sums, const SampleLights& at) {
           AddToAll(sums.specular, hn::Sub(white.specular, bias))};
 }
 
-// The sums of one vector stay in registers across all lights.
-HWY_INLINE LightSums SumFlatLights(LightSums sums, const SampleLights& at) {
-  if (at.weak > 0)
-    sums = SumWeakOmnis(sums, at);
-  int k = at.weak;
+// From the k-th light on.
+template <class Sums> HWY_INLINE Sums SumFlatLightsFrom(int k, Sums sums, const SampleLights& at) {
   for (; k < at.plain; ++k)
     AddFlatOmni(sums, *at.light[k], at.inverse[k]);
   for (; k < at.count; ++k)
     AddFlatSpot(sums, *at.light[k], at.inverse[k], at.falloff[k]);
   return sums;
+}
+
+// The sums of one vector stay in registers across all lights.
+HWY_INLINE LightSums SumFlatLights(const LightSums& sums, const SampleLights& at) {
+  return SumFlatLightsFrom(at.weak, at.weak > 0 ? SumWeakOmnis(sums, at) : sums, at);
+}
+HWY_INLINE WhiteSums SumFlatLights(const WhiteSums& sums, const SampleLights& at) {
+  return SumFlatLightsFrom(0, sums, at);
 }
 
 template <class Combine>

@@ -21,6 +21,7 @@
 #define LM_TARGET_HAS_KERNELS 1
 #include "LM_deep_kernel-inl.h"
 #include "LM_deep_rows-inl.h"
+#include "LM_facet_kernel-inl.h"
 #include "LM_flat_kernel-inl.h"
 #if !HWY_ARCH_WASM
 #include "LM_kept_kernel-inl.h"

@@ -126,7 +126,19 @@ template <int sum> HWY_INLINE Ints LoadBeyond(const LM_packed_run& packed, int i
   return hn::Or(low, hn::ShiftLeft<16>(high));
 }
 
+// Whether lights over gray sums make gray ones, but for the ambient light.
+HWY_INLINE bool AreGray(const LM_kernel_lights& lights) {
+  bool gray = lights.specular[1] == lights.specular[0] && lights.specular[2] == lights.specular[0];
+  for (int k = 0; k < lights.Count(); ++k)
+    gray = gray && lights.light[k].gray && !lights.light[k].strong;
+  return gray;
+}
+
 // `sums` and the i-th ones of a pack, without what is least in it.
+HWY_INLINE WhiteSums AddPacked(const WhiteSums& sums, const LM_packed_run& packed, int i) {
+  return {hn::Add(sums.diffuse, LoadBeyond<0>(packed, i)),
+          hn::Add(sums.specular, LoadBeyond<LM_PLANES>(packed, i))};
+}
 HWY_INLINE LightSums AddPacked(const LightSums& sums, const LM_packed_run& packed, int i) {
   const Ints diffuse = LoadBeyond<0>(packed, i);
   const Ints specular = LoadBeyond<LM_PLANES>(packed, i);
@@ -142,6 +154,28 @@ HWY_INLINE LightSums AddPacked(const LightSums& sums, const LM_packed_run& packe
            hn::Add(sums.specular.p2, LoadBeyond<LM_PLANES + 2>(packed, i))}};
 }
 
+// A sample's sums begin with what all of its pack have, and end as its bytes. Those of white light
+// are without what the planes have in common with no other.
+HWY_INLINE void Begin(const LightSums& begun, LightSums& sums) {
+  sums = begun;
+}
+HWY_INLINE void Begin(const LightSums& begun, WhiteSums& sums) {
+  sums = {hn::Zero(IntTag()), begun.specular.p0};
+}
+template <class Combine>
+HWY_INLINE PlaneInts Combined(const Combine& combine, const LightSums&, const LightSums& sums,
+                              const PlaneInts& source) {
+  return combine(sums, source);
+}
+template <class Combine>
+HWY_INLINE PlaneInts Combined(const Combine& combine, const LightSums& begun, const WhiteSums& sums,
+                              const PlaneInts& source) {
+  const Ints highlight = hn::ShiftRight<8>(sums.specular);
+  return {combine.Plane(hn::Add(sums.diffuse, begun.diffuse.p0), highlight, source.p0),
+          combine.Plane(hn::Add(sums.diffuse, begun.diffuse.p1), highlight, source.p1),
+          combine.Plane(hn::Add(sums.diffuse, begun.diffuse.p2), highlight, source.p2)};
+}
+
 // What every sample of a pack has before its own sums.
 HWY_INLINE LightSums BeginPack(const LM_kernel_lights& lights, const LM_pack& pack) {
   return {{SetInt(LM_WrapAdd(lights.diffuse[0], pack.least[0])),
@@ -153,44 +187,58 @@ HWY_INLINE LightSums BeginPack(const LM_kernel_lights& lights, const LM_pack& pa
 }
 
 // The vector of a pack's pixels that is its v-th, the first of them pixel i.
-template <class Combine>
+template <class Sums, class Combine>
 HWY_INLINE PlaneInts LitOver(const LightSums& begun, const Combine& combine, const SampleLights& at,
                              const LM_packed_run& packed, int v, int i,
                              const LM_normal_row* normals, const PlaneInts& source) {
+  Sums sums;
+  Begin(begun, sums);
   if (normals == nullptr)
-    return combine(AddPacked(SumFlatLights(begun, at), packed, v), source);
+    return Combined(combine, begun, AddPacked(SumFlatLights(sums, at), packed, v), source);
   FacetShares shares;
   if (at.count > 0)
     FindShares(at, normals, i, shares);
   PlaneInts total = {SetInt(0), SetInt(0), SetInt(0)};
   for (int f = 0; f < LM_FACETS; ++f) {
-    const LightSums sums = LightFacet(begun, at, shares, f);
-    const PlaneInts shaded = combine(AddPacked(sums, packed, v * LM_FACETS + f), source);
+    const Sums all = AddPacked(LightFacet(sums, at, shares, f), packed, v * LM_FACETS + f);
+    const PlaneInts shaded = Combined(combine, begun, all, source);
     total = {hn::Add(total.p0, shaded.p0), hn::Add(total.p1, shaded.p1),
              hn::Add(total.p2, shaded.p2)};
   }
   return {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1), hn::ShiftRight<2>(total.p2)};
 }
 
+template <class Combine>
+HWY_INLINE void OverRow(const LM_kernel_lights& lights, const Combine& combine,
+                        const LM_packed_run& packed, const float* x, int n,
+                        const LM_normal_row* normals, const LM_kernel_planes& planes) {
+  const int facets = normals == nullptr ? 1 : LM_FACETS;
+  const bool areGray = AreGray(lights);
+  SampleLights fourAt[4];
+  LM_packed_run pack = {};
+  LightSums begun = {};
+  for (int i = 0; i < n; i += Lanes()) {
+    const int v = i % LM_PACKED_PIXELS / Lanes();
+    if (v == 0) {
+      pack = packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets);
+      begun = BeginPack(lights, *pack.packs);
+    }
+    if (v % 4 == 0)
+      LookAtLights(lights, x + i, fourAt);
+    const SampleLights& at = fourAt[v % 4];
+    const PlaneInts source = LoadPlanes(planes, i);
+    if (areGray && pack.packs->isGray)
+      StorePlanes(LitOver<WhiteSums>(begun, combine, at, pack, v, i, normals, source), planes, i);
+    else
+      StorePlanes(LitOver<LightSums>(begun, combine, at, pack, v, i, normals, source), planes, i);
+  }
+}
+
 void LightOver(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
                const LM_packed_run& packed, const float* x, int n, const LM_normal_row* normals,
                const LM_kernel_planes& planes) {
-  const int facets = normals == nullptr ? 1 : LM_FACETS;
   WithCombiner(surface, [&](const auto& combine) {
-    SampleLights fourAt[4];
-    LM_packed_run pack = {};
-    LightSums begun = {};
-    for (int i = 0; i < n; i += Lanes()) {
-      const int v = i % LM_PACKED_PIXELS / Lanes();
-      if (v == 0) {
-        pack = packed.From(static_cast<size_t>(i / LM_PACKED_PIXELS), facets);
-        begun = BeginPack(lights, *pack.packs);
-      }
-      if (v % 4 == 0)
-        LookAtLights(lights, x + i, fourAt);
-      const PlaneInts source = LoadPlanes(planes, i);
-      StorePlanes(LitOver(begun, combine, fourAt[v % 4], pack, v, i, normals, source), planes, i);
-    }
+    OverRow(lights, combine, packed, x, n, normals, planes);
   });
 }
 

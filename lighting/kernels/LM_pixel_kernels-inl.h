@@ -103,6 +103,11 @@ HWY_INLINE void AddColor(PlaneInts& sums, const LM_kernel_light& light, Floats f
       hn::Add(sums.p2, gray ? part : TruncateProduct(hn::Mul(SetFloat(light.color[2]), factor)));
 }
 
+// The same of the only plane that white lights need, none of them strong.
+HWY_INLINE void AddColor(Ints& sum, const LM_kernel_light& light, Floats factor) {
+  sum = hn::Add(sum, TruncateProduct(hn::Mul(SetFloat(light.color[0]), factor)));
+}
+
 // Adds the same, and PRODUCT_BIAS to each sum, for lights that are not strong: to three planes, or
 // to one where they are alike.
 HWY_INLINE void AddBiased(Ints& sum, const LM_kernel_light& light, Floats factor) {
@@ -120,7 +125,7 @@ HWY_INLINE PlaneInts AddToAll(const PlaneInts& sums, Ints part) {
 struct LightSums {
   PlaneInts diffuse, specular;
 };
-// Of white lights, whose planes are alike.
+// Of white or gray lights, whose planes are alike.
 struct WhiteSums {
   Ints diffuse, specular;
 };

@@ -177,11 +177,19 @@ TEST_F(EditorRun, ThePictureIsDrawnAsItIs) {
 TEST(ImageLevels, AHalfHasTheMeansOfFour) {
   for (const auto& [width, height, bands] : {std::tuple{65, 65, 3}, std::tuple{66, 1, 4},
                                              std::tuple{1, 131, 5}, std::tuple{70, 67, 1}}) {
-    std::vector<uint8_t> pixels;
-    for (int i = 0; i < width * height * bands; ++i)
+    limn::Photograph photograph;
+    photograph.width = width;
+    photograph.height = height;
+    photograph.numPlanes = bands;
+    std::vector<uint8_t>& pixels = photograph.pixels;
+    editor::ImageHalves halves;
+    // By and by, and the last rows when the levels are made.
+    for (int i = 0; i < width * height * bands; ++i) {
+      if (i % (5 * width * bands) == 0 || i % (7 * width * bands) == 0)
+        halves.grow(photograph);
       pixels.push_back(static_cast<uint8_t>(i * i / 7));
-    const editor::ImageLevels levels(vips::VImage::new_from_memory(
-        pixels.data(), pixels.size(), width, height, bands, VIPS_FORMAT_UCHAR));
+    }
+    const editor::ImageLevels levels(photograph, halves);
     const QSize half((width + 1) / 2, (height + 1) / 2);
     const auto at = [&](int i, int x, int y) {
       const int row = std::min(y, height - 1);

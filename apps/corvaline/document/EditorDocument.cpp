@@ -36,8 +36,6 @@ size_t EditorDocument::Step::bytes() const {
 void EditorDocument::setImage(OpenedImage image) {
   {
     const std::unique_lock lock(_lock);
-    _original.take(std::move(image.photograph));
-    _original.channels = std::move(image.lights.channels);
     _path = image.path;
     _originalPath = image.original;
     _mayBeReplaced = image.mayBeReplaced;
@@ -46,6 +44,8 @@ void EditorDocument::setImage(OpenedImage image) {
       _present.recipe = ++_lastNumber;
     _isOverwritten = false;
     _notePixels();
+    _original.take(std::move(image.photograph), std::move(image.halves));
+    _original.channels = std::move(image.lights.channels);
   }
   _digests.forget();
   if (hasOriginalFile())

@@ -43,7 +43,10 @@ std::string SaveOptions(const QString& path) {
 
 OpenedImage OpenImageFile(const QString& path) {
   const std::lock_guard lock(oneAtATime);
-  OpenedImage image{limn::ReadPhotograph(Encoded(path), VIPS_FORMAT_FLOAT), path, path};
+  OpenedImage image{{}, path, path};
+  image.photograph =
+      limn::ReadPhotograph(Encoded(path), VIPS_FORMAT_FLOAT,
+                           [&](const limn::Photograph& part) { image.halves.grow(part); });
   image.mayBeReplaced = image.photograph.notices.empty() && IsWritable(path);
   return image;
 }

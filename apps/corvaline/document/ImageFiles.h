@@ -2,6 +2,7 @@
 #pragma once
 
 #include "EditorRecipe.h"
+#include "ImageLevels.h"
 
 #include "height_image.h"
 #include "image_file.h"
@@ -32,7 +33,8 @@ struct OpenedImage {
   QString path;     // where it is saved
   bool mayBeReplaced = false;
   SavedLights lights = {};
-  QString whyUnlit = {}; // a recipe was there, and could not be used
+  QString whyUnlit = {};   // a recipe was there, and could not be used
+  ImageHalves halves = {}; // of the photograph, made while it was read
 };
 
 // A path as the file system has it.

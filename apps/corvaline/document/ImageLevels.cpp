@@ -13,37 +13,14 @@ namespace {
 
 constexpr int SMALLEST_LEVEL = 64;
 
-int Halve(VipsRegion* into, void* sequence, void*, void*, gboolean*) {
-  auto* from = static_cast<VipsRegion*>(sequence);
-  const VipsRect& made = into->valid;
-  VipsRect needed = {2 * made.left, 2 * made.top, 2 * made.width, 2 * made.height};
-  const VipsRect all = {0, 0, from->im->Xsize, from->im->Ysize};
-  vips_rect_intersectrect(&needed, &all, &needed);
-  if (vips_region_prepare(from, &needed) != 0)
-    return -1;
-  const auto bands = static_cast<size_t>(into->im->Bands);
-  for (int y = 0; y < made.height; ++y) {
-    const int above = needed.top + 2 * y;
-    const int below = std::min(above + 1, needed.top + needed.height - 1);
-    limn::HalveRow(VIPS_REGION_ADDR(from, needed.left, above),
-                   VIPS_REGION_ADDR(from, needed.left, below), static_cast<size_t>(needed.width),
-                   bands, VIPS_REGION_ADDR(into, made.left, made.top + y));
-  }
-  return 0;
-}
-
-// Half as wide and high, rounded up, in memory: made on all cores.
-VImage Halved(const VImage& image) {
-  const VImage half(vips_image_new());
-  if (vips_image_pipelinev(half.get_image(), VIPS_DEMAND_STYLE_FATSTRIP, image.get_image(),
-                           nullptr) != 0)
+// In memory, its pixels still to be made.
+VImage NewLevel(int width, int height, int bands) {
+  const VImage level(vips_image_new_memory());
+  vips_image_init_fields(level.get_image(), width, height, bands, VIPS_FORMAT_UCHAR,
+                         VIPS_CODING_NONE, VIPS_INTERPRETATION_sRGB, 1, 1);
+  if (vips_image_write_prepare(level.get_image()) != 0)
     throw vips::VError();
-  half.get_image()->Xsize = (image.width() + 1) / 2;
-  half.get_image()->Ysize = (image.height() + 1) / 2;
-  if (vips_image_generate(half.get_image(), vips_start_one, Halve, vips_stop_one, image.get_image(),
-                          nullptr) != 0)
-    throw vips::VError();
-  return half.copy_memory();
+  return level;
 }
 
 } // namespace
@@ -71,10 +48,47 @@ VImage Resized(const VImage& image, QSize size) {
       VImage::option()->set("vscale", static_cast<double>(size.height()) / image.height()));
 }
 
-ImageLevels::ImageLevels(const VImage& image) {
-  _levels.push_back(image);
-  while (std::max(_levels.back().width(), _levels.back().height()) > SMALLEST_LEVEL)
-    _levels.push_back(Halved(_levels.back()));
+void ImageHalves::grow(const limn::Photograph& photograph) {
+  if (photograph.pixels.empty())
+    return;
+  const auto bands = static_cast<size_t>(photograph.numPlanes);
+  int width = photograph.width;
+  int height = photograph.height;
+  if (_halves.empty())
+    for (int w = width, h = height; std::max(w, h) > SMALLEST_LEVEL;) {
+      w = (w + 1) / 2;
+      h = (h + 1) / 2;
+      _halves.push_back({NewLevel(w, h, photograph.numPlanes), 0});
+    }
+  const uint8_t* from = photograph.pixels.data();
+  size_t rowBytes = static_cast<size_t>(width) * bands;
+  auto rows = static_cast<int>(photograph.pixels.size() / rowBytes);
+  for (Half& half : _halves) {
+    VipsImage* const into = half.image.get_image();
+    const int ready = rows == height ? into->Ysize : rows / 2;
+    for (int& y = half.rows; y < ready; ++y) {
+      const uint8_t* const above = from + 2 * static_cast<size_t>(y) * rowBytes;
+      limn::HalveRow(above, 2 * y + 1 < height ? above + rowBytes : above,
+                     static_cast<size_t>(width), bands, VIPS_IMAGE_ADDR(into, 0, y));
+    }
+    from = VIPS_IMAGE_ADDR(into, 0, 0);
+    rows = ready;
+    width = into->Xsize;
+    height = into->Ysize;
+    rowBytes = VIPS_IMAGE_SIZEOF_LINE(into);
+  }
+}
+
+ImageLevels::ImageLevels(const limn::Photograph& photograph, ImageHalves halves) {
+  halves.grow(photograph);
+  // libvips only reads them.
+  _levels.push_back(VImage::new_from_memory(const_cast<uint8_t*>(photograph.pixels.data()),
+                                            photograph.pixels.size(), photograph.width,
+                                            photograph.height, photograph.numPlanes,
+                                            VIPS_FORMAT_UCHAR)
+                        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB)));
+  for (ImageHalves::Half& half : halves._halves)
+    _levels.push_back(half.image);
 }
 
 // The smallest level that is not smaller than that share of the picture.

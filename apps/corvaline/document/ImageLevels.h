@@ -1,6 +1,8 @@
 // A picture with its halves, quarters and so on, so that it is made small quickly and well.
 #pragma once
 
+#include "image_file.h"
+
 #include <QRect>
 #include <QSize>
 
@@ -16,11 +18,28 @@ QRect Reduced(const QRect& area, QSize from, QSize to);
 // made when asked for. Throws vips::VError.
 vips::VImage Resized(const vips::VImage& image, QSize size);
 
+// A photograph's half, quarter and so on, made of its rows while they come.
+class ImageHalves {
+public:
+  // Makes what can be made of the rows of its pixels that are there by now. The same photograph
+  // each time; no other pixels than those that are new are looked at. Throws vips::VError.
+  void grow(const limn::Photograph& photograph);
+
+private:
+  friend class ImageLevels;
+  struct Half {
+    vips::VImage image;
+    int rows; // that are made
+  };
+  std::vector<Half> _halves; // each half as large as the one before, rounded up
+};
+
 class ImageLevels {
 public:
   ImageLevels() = default;
-  // The image's pixels are bytes in memory, and stay its owner's. Throws vips::VError.
-  explicit ImageLevels(const vips::VImage& image);
+  // The photograph's pixels stay its owner's. halves: what there is of them; the rest is made.
+  // Throws vips::VError.
+  explicit ImageLevels(const limn::Photograph& photograph, ImageHalves halves = {});
 
   bool isNull() const { return _levels.empty(); }
 
@@ -32,7 +51,7 @@ public:
 private:
   const vips::VImage& _levelFor(double shareX, double shareY) const;
 
-  // Each half as large as the one before, rounded up, its pixels the means of four.
+  // The picture and its halves, whose pixels are the means of four.
   std::vector<vips::VImage> _levels;
 };
 

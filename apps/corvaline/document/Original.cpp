@@ -35,7 +35,9 @@ VImage BandOf(const QImage& mask) {
       .extract_area(0, 0, mask.width(), mask.height());
 }
 
-void Original::take(limn::Photograph taken) {
+void Original::take(limn::Photograph taken, ImageHalves halves) {
+  noteChange();
+  _halves = std::move(halves);
   photograph = std::move(taken);
   channels.clear();
   toScreen = ToScreen(photograph.metadata);
@@ -43,6 +45,7 @@ void Original::take(limn::Photograph taken) {
 
 void Original::noteChange() {
   const std::lock_guard lock(_making);
+  _halves = {};
   _levels = {};
   _plane = nullptr;
 }
@@ -50,11 +53,7 @@ void Original::noteChange() {
 const ImageLevels& Original::levels() {
   const std::lock_guard lock(_making);
   if (_levels.isNull())
-    _levels =
-        ImageLevels(VImage::new_from_memory(photograph.pixels.data(), photograph.pixels.size(),
-                                            photograph.width, photograph.height,
-                                            photograph.numPlanes, VIPS_FORMAT_UCHAR)
-                        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB)));
+    _levels = ImageLevels(photograph, std::exchange(_halves, {}));
   return _levels;
 }
 

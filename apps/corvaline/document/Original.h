@@ -32,8 +32,8 @@ public:
 
   QSize size() const { return {photograph.width, photograph.height}; }
   int numChannels() const { return photograph.numPlanes + static_cast<int>(channels.size()); }
-  // Becomes the photograph, without further channels. Pixels have changed then.
-  void take(limn::Photograph taken);
+  // Becomes the photograph, without further channels. halves: what there is of its own.
+  void take(limn::Photograph taken, ImageHalves halves);
   // To be called when pixels or channels have changed.
   void noteChange();
 
@@ -56,6 +56,7 @@ public:
 
 private:
   std::mutex _making;
+  ImageHalves _halves; // until they are levels
   ImageLevels _levels;
   LM_height_source _source; // of the plane
   std::shared_ptr<const LM_height_plane> _plane;
