@@ -104,8 +104,9 @@ void LM_plane_enlarger::MakeRow(int y, int left, int count, uint16_t* row,
     const double* const at = mixed + (taps[i] - first);
     const double value =
         weight[0][i] * at[0] + weight[1][i] * at[1] + weight[2][i] * at[2] + weight[3][i] * at[3];
-    // Far inside what an int holds: curves overshoot by an eighth.
-    row[i] = static_cast<uint16_t>(std::clamp(static_cast<int>(value + 0.5), 0, 65535));
+    // LM_NearestHeight, as vectors have it. Curves overshoot by an eighth, far inside an int.
+    const double above = value + 0.5;
+    row[i] = static_cast<uint16_t>(std::clamp(static_cast<int>(above), 0, 65535));
   }
 }
 

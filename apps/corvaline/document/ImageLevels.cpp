@@ -15,7 +15,7 @@ constexpr int SMALLEST_LEVEL = 64;
 
 // In memory, its pixels still to be made.
 VImage NewLevel(int width, int height, int bands) {
-  const VImage level(vips_image_new_memory());
+  VImage level(vips_image_new_memory());
   vips_image_init_fields(level.get_image(), width, height, bands, VIPS_FORMAT_UCHAR,
                          VIPS_CODING_NONE, VIPS_INTERPRETATION_sRGB, 1, 1);
   if (vips_image_write_prepare(level.get_image()) != 0)
