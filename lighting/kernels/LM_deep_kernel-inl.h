@@ -80,16 +80,15 @@ HWY_INLINE DeepSums SumDeepFlat(const LM_kernel_lights& lights, const SampleLigh
   return sums;
 }
 
-HWY_INLINE DeepSums SumDeepFacet(const LM_kernel_lights& lights, const SampleLights& at,
-                                 const Facet& facet) {
-  DeepSums sums = NoDeepLight();
+HWY_INLINE void FindSharesInOrder(const LM_kernel_lights& lights, const SampleLights& at,
+                                  const LM_normal_row* normals, int i, FacetShares& shares) {
+  const FourFacets facets = FacetsAt(normals, i);
   for (int k = 0; k < at.count; ++k) {
     if (IsSpot(lights, at.light[k]))
-      AddFacetLight<true>(sums, *at.light[k], facet, at.x[k], at.inverse[k], at.falloff[k]);
+      FindShares<true>(at, k, facets, shares);
     else
-      AddFacetLight<false>(sums, *at.light[k], facet, at.x[k], at.inverse[k], at.inverse[k]);
+      FindShares<false>(at, k, facets, shares);
   }
-  return sums;
 }
 
 // The forms of material, as LM_deep_pixels.h has them.
@@ -171,8 +170,10 @@ HWY_INLINE void DeepRow(const LM_kernel_lights& lights, const Combine& combine, 
       StoreDeepPlanes(combine(SumDeepFlat(lights, at), source), planes, i);
       continue;
     }
+    FacetShares shares;
+    FindSharesInOrder(lights, at, normals, i, shares);
     const auto facet = [&](int corner) HWY_ATTR {
-      return combine(SumDeepFacet(lights, at, FacetAt(normals, i, corner)), source);
+      return combine(LightFacet(NoDeepLight(), at, shares, corner), source);
     };
     const PlaneFloats a = facet(0);
     const PlaneFloats b = facet(1);

@@ -59,8 +59,10 @@ void KeepSums(const LM_kernel_lights& lights, const float* x, int n, const LM_no
       StoreSums(SumFlatLights(BeginSums(lights), fourAt[v]), kept, {i, 1, 0});
       continue;
     }
+    FacetShares shares;
+    FindShares(fourAt[v], normals, i, shares);
     for (int facet = 0; facet < LM_FACETS; ++facet)
-      StoreSums(LightFacet(BeginSums(lights), fourAt[v], FacetAt(normals, i, facet)), kept,
+      StoreSums(LightFacet(BeginSums(lights), fourAt[v], shares, facet), kept,
                 {i, LM_FACETS, facet});
   }
 }

@@ -46,8 +46,10 @@ HWY_INLINE int SumPack(const LM_kernel_lights& lights, const float* x, int n,
       keep(SumFlatLights(begun, fourAt[v]));
       continue;
     }
+    FacetShares shares;
+    FindShares(fourAt[v], normals, i, shares);
     for (int facet = 0; facet < LM_FACETS; ++facet)
-      keep(LightFacet(begun, fourAt[v], FacetAt(normals, i, facet)));
+      keep(LightFacet(begun, fourAt[v], shares, facet));
   }
   return count;
 }

@@ -108,20 +108,26 @@ HWY_INLINE LightSums LightFacet(LightSums sums, const SampleLights& at, const Fa
 struct FacetShares {
   FacetShare of[LM_MAX_LIGHTS][LM_FACETS];
 };
+struct FourFacets {
+  Facet of[LM_FACETS];
+};
+HWY_INLINE FourFacets FacetsAt(const LM_normal_row* normals, int i) {
+  return {{FacetAt(normals, i, 0), FacetAt(normals, i, 1), FacetAt(normals, i, 2),
+           FacetAt(normals, i, 3)}};
+}
 template <bool spot>
-HWY_INLINE void FindShares(const SampleLights& at, int k, const Facet* facets,
+HWY_INLINE void FindShares(const SampleLights& at, int k, const FourFacets& facets,
                            FacetShares& shares) {
   const LM_kernel_light& light = *at.light[k];
   const Floats falloff = spot ? at.falloff[k] : at.inverse[k];
-  shares.of[k][0] = ShareOf<spot>(light, facets[0], at.x[k], at.inverse[k], falloff);
-  shares.of[k][1] = ShareOf<spot>(light, facets[1], at.x[k], at.inverse[k], falloff);
-  shares.of[k][2] = ShareOf<spot>(light, facets[2], at.x[k], at.inverse[k], falloff);
-  shares.of[k][3] = ShareOf<spot>(light, facets[3], at.x[k], at.inverse[k], falloff);
+  shares.of[k][0] = ShareOf<spot>(light, facets.of[0], at.x[k], at.inverse[k], falloff);
+  shares.of[k][1] = ShareOf<spot>(light, facets.of[1], at.x[k], at.inverse[k], falloff);
+  shares.of[k][2] = ShareOf<spot>(light, facets.of[2], at.x[k], at.inverse[k], falloff);
+  shares.of[k][3] = ShareOf<spot>(light, facets.of[3], at.x[k], at.inverse[k], falloff);
 }
 HWY_INLINE void FindShares(const SampleLights& at, const LM_normal_row* normals, int i,
                            FacetShares& shares) {
-  const Facet facets[LM_FACETS] = {FacetAt(normals, i, 0), FacetAt(normals, i, 1),
-                                   FacetAt(normals, i, 2), FacetAt(normals, i, 3)};
+  const FourFacets facets = FacetsAt(normals, i);
   int k = 0;
   for (; k < at.plain; ++k)
     FindShares<false>(at, k, facets, shares);
