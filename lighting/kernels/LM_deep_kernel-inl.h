@@ -80,8 +80,8 @@ HWY_INLINE DeepSums SumDeepFlat(const LM_kernel_lights& lights, const SampleLigh
   return sums;
 }
 
-HWY_INLINE void FindSharesInOrder(const LM_kernel_lights& lights, const SampleLights& at,
-                                  const LM_normal_row* normals, int i, FacetShares& shares) {
+HWY_NOINLINE void FindSharesInOrder(const LM_kernel_lights& lights, const SampleLights& at,
+                                    const LM_normal_row* normals, int i, FacetShares& shares) {
   const FourFacets facets = FacetsAt(normals, i);
   for (int k = 0; k < at.count; ++k) {
     if (IsSpot(lights, at.light[k]))

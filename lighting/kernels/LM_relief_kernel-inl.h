@@ -125,8 +125,9 @@ HWY_INLINE void FindShares(const SampleLights& at, int k, const FourFacets& face
   shares.of[k][2] = ShareOf<spot>(light, facets.of[2], at.x[k], at.inverse[k], falloff);
   shares.of[k][3] = ShareOf<spot>(light, facets.of[3], at.x[k], at.inverse[k], falloff);
 }
-HWY_INLINE void FindShares(const SampleLights& at, const LM_normal_row* normals, int i,
-                           FacetShares& shares) {
+// Not inlined, here and in the deep kernel: it is long, and each form of material would hold it.
+HWY_NOINLINE void FindShares(const SampleLights& at, const LM_normal_row* normals, int i,
+                             FacetShares& shares) {
   const FourFacets facets = FacetsAt(normals, i);
   int k = 0;
   for (; k < at.plain; ++k)
