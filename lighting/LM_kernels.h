@@ -175,8 +175,8 @@ struct LM_kernels {
   void (*combine)(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
                   int facets, int n, const LM_kernel_planes& planes);
   // The same sums as keep, packed, from the beginning of a pack on; and n pixels lit by them and by
-  // lights that are not in them, which begin with the ambient light. normals: as for deep; not
-  // looked at where there are no lights.
+  // lights that are not in them, which begin with the ambient light. normals: as for deep; `over`
+  // does not look at them where there are no lights.
   void (*pack)(const LM_kernel_lights& lights, const float* x, int n, const LM_normal_row* normals,
                const LM_packed_run& packed);
   void (*over)(const LM_kernel_lights& lights, const LM_kernel_surface& surface,
