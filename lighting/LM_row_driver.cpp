@@ -122,8 +122,9 @@ bool LM_row_driver::_PutLightsIntoRow(float place) {
 void LM_row_driver::LightNextRow() {
   const int32_t y = _y++;
   const bool flat = _piece.IsFlat();
-  const bool onVectors = _onVectors && _PutLightsIntoRow(_grid.Y(y));
-  const bool feels = !(onVectors && _IsKept(y)) && (_onVectors || _piece.map == nullptr);
+  const bool isKept = _IsKept(y);
+  const bool onVectors = isKept || (_onVectors && _PutLightsIntoRow(_grid.Y(y)));
+  const bool feels = !isKept && (_onVectors || _piece.map == nullptr);
   if (!flat && feels)
     _FillHeights(y);
   if (_piece.kind != LM_pixel_kind::Bytes) {
@@ -139,7 +140,7 @@ void LM_row_driver::LightNextRow() {
   }
 }
 
-// Whether all that row y needs of the heights is kept.
+// Whether all that lights give to row y is kept, as vectors made it.
 bool LM_row_driver::_IsKept(int32_t y) const {
   return _piece.kept.sums != nullptr && _piece.kept.ready[y - _piece.rect.top] != 0 && !_over;
 }

@@ -94,30 +94,90 @@ template <int planes> struct TightSums {
   const int8_t* tails;
 };
 
-// One plane of the vector of pixels from the first on.
-template <class Combine, class Sums>
-HWY_INLINE Ints LitPlane(const Combine& combine, const Sums& sums, int first, int facets, int plane,
-                         Ints always, Ints source) {
-  const auto lit = [&](int facet) HWY_ATTR {
-    const Shine shine = sums(KeptPlace{first, facets, facet}, plane);
-    return combine.Plane(hn::Add(shine.light, always), shine.highlight, source);
-  };
-  if (facets == 1)
-    return lit(0);
-  return hn::ShiftRight<2>(hn::Add(hn::Add(lit(0), lit(1)), hn::Add(lit(2), lit(3))));
+// Two vectors of pixels as one of 16 bits, in the order that the instruction set narrows them to.
+using PairTag = hn::Repartition<int16_t, IntTag>;
+using Pair = hn::Vec<PairTag>;
+using PairBytes = hn::Rebind<uint8_t, PairTag>;
+
+// Stores values of bytes, or such that become bytes when they are cut, in the order of the pixels.
+HWY_INLINE void StorePair(Pair values, uint8_t* at) {
+  const PairBytes bytes;
+  const auto narrowed = hn::DemoteTo(bytes, values);
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SSE4
+  // They are narrowed in blocks of 128 bits: four of the one vector, four of the other.
+  const hn::Repartition<int32_t, PairBytes> fours;
+  constexpr int HALF = hn::MaxLanes(fours) / 2;
+  HWY_ALIGN int32_t order[2 * HALF];
+  for (int i = 0; i < HALF; ++i) {
+    order[i] = 2 * i;
+    order[HALF + i] = 2 * i + 1;
+  }
+  const auto sorted =
+      hn::TableLookupLanes(hn::BitCast(fours, narrowed), hn::SetTableIndices(fours, order));
+  hn::StoreU(hn::BitCast(bytes, sorted), bytes, at);
+#else
+  hn::StoreU(narrowed, bytes, at);
+#endif
 }
 
-// Plane by plane, so that all stays in registers.
+// One value for each plane of two vectors of pixels.
+struct PlanePairs {
+  Pair p0, p1, p2;
+};
+
+// One facet of two vectors of pixels from the first on, by what reads the sums of one of them.
 template <class Combine, class Sums>
-HWY_INLINE void CombineRow(const Combine& combine, const Sums& sums, const PlaneInts& always,
-                           int facets, int n, const LM_kernel_planes& planes) {
-  for (int i = 0; i < n; i += Lanes()) {
-    const PlaneInts source = LoadPlanes(planes, i);
-    StorePlanes({LitPlane(combine, sums, i, facets, 0, always.p0, source.p0),
-                 LitPlane(combine, sums, i, facets, 1, always.p1, source.p1),
-                 LitPlane(combine, sums, i, facets, 2, always.p2, source.p2)},
-                planes, i);
+HWY_INLINE PlanePairs LitFacet(const Combine& combine, const Sums& sums, const KeptPlace& place,
+                               const PlaneInts& always, const PlaneInts (&source)[2]) {
+  const KeptPlace next = {place.first + Lanes(), place.facets, place.facet};
+  const auto lit = [&](int plane, Ints more, Ints source0, Ints source1) HWY_ATTR {
+    const Shine shine0 = sums(place, plane);
+    const Shine shine1 = sums(next, plane);
+    return hn::ReorderDemote2To(
+        PairTag(), combine.Exposed(hn::Add(shine0.light, more), shine0.highlight, source0),
+        combine.Exposed(hn::Add(shine1.light, more), shine1.highlight, source1));
+  };
+  return {lit(0, always.p0, source[0].p0, source[1].p0),
+          lit(1, always.p1, source[0].p1, source[1].p1),
+          lit(2, always.p2, source[0].p2, source[1].p2)};
+}
+
+HWY_INLINE Pair AddCut(Pair total, Pair value) {
+  const PairTag tag;
+  return hn::Add(total, hn::Min(hn::Max(value, hn::Zero(tag)), hn::Set(tag, 255)));
+}
+
+template <int facets, class Combine, class Sums>
+HWY_INLINE void CombineRow(const Combine& combine, const Sums& sums, const PlaneInts& always, int n,
+                           const LM_kernel_planes& planes) {
+  for (int i = 0; i < n; i += 2 * Lanes()) {
+    const PlaneInts source[2] = {LoadPlanes(planes, i), LoadPlanes(planes, i + Lanes())};
+    PlanePairs total;
+    if (facets == 1) {
+      total = LitFacet(combine, sums, {i, 1, 0}, always, source);
+    } else {
+      const Pair none = hn::Zero(PairTag());
+      total = {none, none, none};
+      for (int facet = 0; facet < facets; ++facet) {
+        const PlanePairs lit = LitFacet(combine, sums, {i, facets, facet}, always, source);
+        total = {AddCut(total.p0, lit.p0), AddCut(total.p1, lit.p1), AddCut(total.p2, lit.p2)};
+      }
+      total = {hn::ShiftRight<2>(total.p0), hn::ShiftRight<2>(total.p1),
+               hn::ShiftRight<2>(total.p2)};
+    }
+    StorePair(total.p0, planes.plane[0] + i);
+    StorePair(total.p1, planes.plane[1] + i);
+    StorePair(total.p2, planes.plane[2] + i);
   }
+}
+
+template <class Combine, class Sums>
+HWY_INLINE void CombineFacets(const Combine& combine, const Sums& sums, const PlaneInts& always,
+                              int facets, int n, const LM_kernel_planes& planes) {
+  if (facets == 1)
+    CombineRow<1>(combine, sums, always, n, planes);
+  else
+    CombineRow<LM_FACETS>(combine, sums, always, n, planes);
 }
 
 void CombineKept(const LM_kernel_surface& surface, const int32_t* ambient, const LM_kept_run& kept,
@@ -125,11 +185,11 @@ void CombineKept(const LM_kernel_surface& surface, const int32_t* ambient, const
   const PlaneInts always = SetPlanes(ambient);
   WithCombiner(surface, [&](const auto& combine) {
     if (kept.tails == nullptr)
-      CombineRow(combine, WideSums(kept), always, facets, n, planes);
+      CombineFacets(combine, WideSums(kept), always, facets, n, planes);
     else if (kept.planes == 1)
-      CombineRow(combine, TightSums<1>(kept), always, facets, n, planes);
+      CombineFacets(combine, TightSums<1>(kept), always, facets, n, planes);
     else
-      CombineRow(combine, TightSums<LM_PLANES>(kept), always, facets, n, planes);
+      CombineFacets(combine, TightSums<LM_PLANES>(kept), always, facets, n, planes);
   });
 }
 

@@ -187,8 +187,11 @@ public:
             Plane(sums.diffuse.p2, hn::ShiftRight<8>(sums.specular.p2), source.p2)};
   }
   HWY_INLINE Ints Plane(Ints light, Ints highlight, Ints source) const {
-    const Ints value = _expose(_form(light, highlight, source));
-    return hn::Min(hn::Max(value, hn::Zero(IntTag())), SetInt(255));
+    return hn::Min(hn::Max(Exposed(light, highlight, source), hn::Zero(IntTag())), SetInt(255));
+  }
+  // Before it is cut to a byte.
+  HWY_INLINE Ints Exposed(Ints light, Ints highlight, Ints source) const {
+    return _expose(_form(light, highlight, source));
   }
 
 private:
