@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <exempi/xmp.h>
 #include <filesystem>
 #include <glib.h>
@@ -16,7 +15,6 @@
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <unistd.h>
 
 namespace limn {
 namespace {
@@ -204,17 +202,11 @@ RecipeFile RecipeFileOf(const std::string& path) {
   const Descriptor file = OpenRegularFile(path);
   const std::unique_ptr<GChecksum, void (*)(GChecksum*)> sum(g_checksum_new(G_CHECKSUM_SHA256),
                                                              g_checksum_free);
-  std::vector<unsigned char> bytes(size_t{1} << 16);
-  for (;;) {
-    const ssize_t count = read(file.Number(), bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR)
-      continue;
-    if (count < 0)
-      throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
-    if (count == 0)
-      return {name, g_checksum_get_string(sum.get())};
-    g_checksum_update(sum.get(), bytes.data(), count);
-  }
+  ReadPieces(file.Number(), ExitCode::BadInput, path, [&](std::string_view piece) {
+    g_checksum_update(sum.get(), reinterpret_cast<const guchar*>(piece.data()),
+                      static_cast<gssize>(piece.size()));
+  });
+  return {name, g_checksum_get_string(sum.get())};
 }
 
 std::optional<std::string> RecipeIn(const VImage& image) {
