@@ -214,7 +214,7 @@ int ReadAndForget(VipsRegion*, void*, void*, void*, gboolean*) {
 
 // Whether what was written can be read; its first page, where the user wanted several. Pixels that
 // nothing compresses need only be there.
-bool IsWhole(int descriptor, const VImage& image) {
+bool IsWhole(int descriptor, const std::string& path, const VImage& image) {
   try {
     lseek(descriptor, 0, SEEK_SET);
     const VImage written =
@@ -224,7 +224,7 @@ bool IsWhole(int descriptor, const VImage& image) {
                                     ->set("fail_on", VIPS_FAIL_ON_ERROR));
     if (written.width() != image.width() || written.height() > image.height())
       return false;
-    FileBytes bytes(descriptor, lseek(descriptor, 0, SEEK_END));
+    FileBytes bytes(descriptor, path);
     return HoldsPlainPixels(bytes, VIPS_IMAGE_SIZEOF_IMAGE(image.get_image())) ||
            vips_sink(written.get_image(), nullptr, ReadAndForget, nullptr, nullptr, nullptr) == 0;
   } catch (const vips::VError&) {
@@ -337,7 +337,7 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
     complaints.Check(ExitCode::CannotWrite, name.path);
   else
     complaints.Check(ExitCode::BadInput, image.source);
-  if ((format.proof & READ_BACK) != 0 && !IsWhole(file.DescriptorNumber(), image.planes))
+  if ((format.proof & READ_BACK) != 0 && !IsWhole(file.DescriptorNumber(), name.path, image.planes))
     throw Failure(ExitCode::NoMemory, name.path + ": not enough memory");
   file.Commit();
 }
