@@ -189,16 +189,8 @@ AtomicFile::~AtomicFile() {
 }
 
 void AtomicFile::Write(const void* bytes, size_t size) {
-  const char* next = static_cast<const char*>(bytes);
-  while (size > 0) {
-    const ssize_t written = write(_file.Number(), next, size);
-    if (written < 0 && errno == EINTR)
-      continue;
-    if (written <= 0)
-      Fail(_target, written < 0 ? errno : EIO);
-    next += written;
-    size -= static_cast<size_t>(written);
-  }
+  if (!WriteAll(_file.Number(), {static_cast<const char*>(bytes), size}))
+    Fail(_target, errno);
 }
 
 void AtomicFile::CheckRoom() {
@@ -214,8 +206,11 @@ void AtomicFile::StartFlush() const {
 }
 
 void AtomicFile::Commit() {
-  if (_target == STANDARD_OUTPUT)
-    return _Print();
+  if (_target == STANDARD_OUTPUT) {
+    lseek(_file.Number(), 0, SEEK_SET);
+    CopyFile(_file.Number(), STDOUT_FILENO, ExitCode::CannotWrite, "standard output");
+    return;
+  }
   struct stat old {};
   if (_existing == Existing::Replace && stat(_target.c_str(), &old) == 0)
     if (const int error = TakeAccess(_file.Number(), old); error != 0)
@@ -234,11 +229,6 @@ void AtomicFile::Commit() {
   _madeFolders.clear();
   temporaryInProgress[0] = '\0';
   FlushFolder(folder, _target);
-}
-
-void AtomicFile::_Print() {
-  lseek(_file.Number(), 0, SEEK_SET);
-  CopyFile(_file.Number(), STDOUT_FILENO, ExitCode::CannotWrite, "standard output");
 }
 
 void AtomicFile::_GiveName() {

@@ -76,7 +76,6 @@ private:
   void _MakeFolder();
   void _RemoveTraces();
   void _GiveName();
-  void _Print();
 
   std::string _target;
   std::string _temporary;

@@ -1,7 +1,6 @@
 #include "posix_file.h"
 
 #include <cctype>
-#include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/mman.h>
@@ -51,23 +50,36 @@ Descriptor OpenUnnamedFile() {
   return file;
 }
 
-void CopyFile(int from, int to, ExitCode code, const std::string& name) {
-  std::vector<char> piece(1 << 16);
+void ReadPieces(int from, ExitCode code, const std::string& name,
+                const std::function<void(std::string_view)>& take) {
+  std::vector<char> piece(64 << 10);
   for (;;) {
     const ssize_t got = Uninterrupted([&] { return read(from, piece.data(), piece.size()); });
-    if (got == 0)
-      return;
-    ssize_t done = 0;
-    while (got > 0 && done < got) {
-      const ssize_t written = Uninterrupted(
-          [&] { return write(to, piece.data() + done, static_cast<size_t>(got - done)); });
-      if (written < 0)
-        throw Failure(code, name + ": " + SystemReason(errno));
-      done += written;
-    }
     if (got < 0)
       throw Failure(code, name + ": " + SystemReason(errno));
+    if (got == 0)
+      return;
+    take({piece.data(), static_cast<size_t>(got)});
   }
+}
+
+bool WriteAll(int to, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = Uninterrupted([&] { return write(to, bytes.data(), bytes.size()); });
+    if (written <= 0) {
+      errno = written < 0 ? errno : EIO;
+      return false;
+    }
+    bytes.remove_prefix(static_cast<size_t>(written));
+  }
+  return true;
+}
+
+void CopyFile(int from, int to, ExitCode code, const std::string& name) {
+  ReadPieces(from, code, name, [&](std::string_view piece) {
+    if (!WriteAll(to, piece))
+      throw Failure(code, name + ": " + SystemReason(errno));
+  });
 }
 
 bool HoldStandardFiles() {

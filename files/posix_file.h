@@ -4,7 +4,10 @@
 
 #include "failure.h"
 
+#include <cerrno>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace limn {
@@ -23,7 +26,6 @@ public:
   ~Descriptor();
 
   int Number() const { return _number; }
-  int Release() { return std::exchange(_number, -1); }
 
 private:
   int _number;
@@ -46,8 +48,15 @@ Descriptor OpenRegularFile(const std::string& path);
 // Failure(CannotWrite).
 Descriptor OpenUnnamedFile();
 
-// Copies what is left of one open file, which may be a pipe, to another. Throws Failure(code) about
-// `name`.
+// Gives what is left of an open file, which may be a pipe, piece by piece. Throws Failure(code)
+// about `name`.
+void ReadPieces(int from, ExitCode code, const std::string& name,
+                const std::function<void(std::string_view)>& take);
+
+// False, with errno, when not all can be written.
+bool WriteAll(int to, std::string_view bytes);
+
+// Copies what is left of one open file to another. Throws Failure(code) about `name`.
 void CopyFile(int from, int to, ExitCode code, const std::string& name);
 
 // Lets no file that is opened later become standard input, output or error because the caller

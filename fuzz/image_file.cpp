@@ -42,7 +42,7 @@ void CheckWhole(const Photograph& photograph) {
 
 void CheckRoundTrip(Photograph& photograph, const char* file) {
   const std::string path = Folder() / file;
-  WritePhotograph(photograph, ParseOutputName(path), path, Existing::Replace);
+  WritePhotograph(photograph, PlanesOf(photograph), ParseOutputName(path), path, Existing::Replace);
   const Photograph again = ReadPhotograph(path);
   Check(again.width == photograph.width && again.height == photograph.height,
         "a written image has its size");

@@ -10,12 +10,6 @@ namespace {
 constexpr float FIRST = INT16_MIN, LAST = INT16_MAX;
 constexpr int GRAB_REACH = 2, CENTER_REACH = 3;
 
-void Add(LM_grab_handles& grab, LM_handle_code code, const LM_light_figure& figure,
-         LM_handle_grid grid, float dx, float dy) {
-  grab.handles[grab.count++] = {
-      code, {LM_OnGrid(figure.center.x + dx, grid), LM_OnGrid(figure.center.y + dy, grid)}};
-}
-
 // The pixels from `first` to just before `end` that a handle covers in one direction: fewer at the
 // end of 16 bits.
 struct Extent {
@@ -27,24 +21,6 @@ struct Extent {
   int Length() const { return end - first; }
   // From the middle of the extent to that of the pixel, in halves of a pixel.
   int Halves(float pixel) const { return 2 * (LM_Truncate(pixel) - first) + 1 - Length(); }
-};
-
-// Takes the nearer ones; of two at the same distance the first stays.
-class Nearest {
-public:
-  Nearest(LM_vector2f point, float reach) : _point(point), _distance(reach) {}
-  void Try(LM_vector2f place, int light, LM_handle_code code) {
-    const float distance = LM_Length({place.x - _point.x, place.y - _point.y});
-    if (distance < _distance || (hit.light < 0 && distance == _distance)) {
-      _distance = distance;
-      hit = {light, code};
-    }
-  }
-  LM_light_hit hit = {-1, LM_HANDLE_NONE};
-
-private:
-  LM_vector2f _point;
-  float _distance;
 };
 
 } // namespace
@@ -60,7 +36,8 @@ LM_grab_handles LM_GrabHandlesOf(const LM_light_figure& figure, LM_handle_grid g
                                  float endInset) {
   LM_grab_handles grab;
   const auto add = [&](LM_handle_code code, float dx, float dy) {
-    Add(grab, code, figure, grid, dx, dy);
+    grab.handles[grab.count++] = {
+        code, {LM_OnGrid(figure.center.x + dx, grid), LM_OnGrid(figure.center.y + dy, grid)}};
   };
   const LM_vector2f& first = figure.handle1;
   const LM_vector2f& second = figure.handle2;
@@ -111,18 +88,26 @@ bool LM_CenterCoversPixel(const LM_light_figure& figure, LM_vector2f pixel) {
 
 LM_light_hit LM_NearestHandle(const LM_light_figure* figures, int count, int selected,
                               LM_vector2f point, float reach) {
-  Nearest nearest(point, reach);
+  LM_light_hit hit = {-1, LM_HANDLE_NONE};
+  // Takes the nearer ones; of two at the same distance the first stays.
+  const auto consider = [&](LM_vector2f place, int light, LM_handle_code code) {
+    const float distance = LM_Length({place.x - point.x, place.y - point.y});
+    if (distance < reach || (hit.light < 0 && distance == reach)) {
+      reach = distance;
+      hit = {light, code};
+    }
+  };
   if (selected >= 0 && selected < count) {
     const LM_light_figure& figure = figures[selected];
     const LM_grab_handles grab = LM_GrabHandlesOf(figure, LM_handle_grid::Fractions);
     for (int i = 0; i < grab.count; ++i)
-      nearest.Try(grab.handles[i].place, selected, grab.handles[i].code);
-    nearest.Try(figure.center, selected, LM_HANDLE_CENTER);
-    if (nearest.hit.light >= 0)
-      return nearest.hit;
+      consider(grab.handles[i].place, selected, grab.handles[i].code);
+    consider(figure.center, selected, LM_HANDLE_CENTER);
+    if (hit.light >= 0)
+      return hit;
   }
   for (int i = 0; i < count; ++i)
     if (i != selected)
-      nearest.Try(figures[i].center, i, LM_HANDLE_CENTER);
-  return nearest.hit;
+      consider(figures[i].center, i, LM_HANDLE_CENTER);
+  return hit;
 }

@@ -68,12 +68,10 @@ LM_vector2f LM_SecondAxis(LM_vector2f first, LM_vector2f second, LM_handle_grid 
 
 // The length, squares summed in single precision and the root taken in double.
 float LM_Length(LM_vector2f vector);
-// The vector turned a quarter, from x towards y, and scaled: (x, y) gives (-y, x). On the whole
-// grid each component is rounded to the nearest integer, halves away from zero, and its low 16 bits
-// are kept.
+// The vector turned a quarter, from x towards y, and scaled: (x, y) gives (-y, x), by a negative
+// factor (y, -x). On the whole grid each component is rounded to the nearest integer, halves away
+// from zero, and its low 16 bits are kept.
 LM_vector2f LM_QuarterTurn(LM_vector2f vector, float factor, LM_handle_grid grid);
-// The same turned the other way: (y, -x).
-LM_vector2f LM_QuarterTurnBack(LM_vector2f vector, float factor, LM_handle_grid grid);
 
 // A length on its grid.
 float LM_OnGrid(float length, LM_handle_grid grid);

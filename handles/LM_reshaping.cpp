@@ -1,4 +1,5 @@
 // What dragging a handle does to its light.
+#include <algorithm>
 #include <cmath>
 
 #include "LM_arithmetic.h"
@@ -33,49 +34,50 @@ LM_vector2f Constrained(LM_vector2f offset, LM_vector2f start, LM_drag_constrain
   return {component(offset.x), component(offset.y)};
 }
 
-float RadiusAt(const LM_light_figure& start, int code, LM_vector2f point, LM_handle_grid grid) {
-  const LM_vector2f offset = Between(start.center, point, grid);
-  const LM_vector2f back = Between(point, start.center, grid);
-  switch (code) {
-  case LM_HANDLE_FIRST_BACK:
-    return back.x;
-  case LM_HANDLE_SECOND_BACK:
-    return back.y;
-  case LM_HANDLE_FIRST_END:
-    return offset.x;
-  case LM_HANDLE_SECOND_END:
-    return offset.y;
-  default:
-    return start.radius;
-  }
+bool IsOfFirst(int code) {
+  return code == LM_HANDLE_FIRST_BACK || code == LM_HANDLE_FIRST_END;
+}
+bool IsOfSecond(int code) {
+  return code == LM_HANDLE_SECOND_BACK || code == LM_HANDLE_SECOND_END;
+}
+
+// From the centre to the end of the axis whose handle is dragged to `point`.
+LM_vector2f AxisTo(LM_vector2f point, const LM_light_figure& figure, int code,
+                   LM_handle_grid grid) {
+  const bool back = code == LM_HANDLE_FIRST_BACK || code == LM_HANDLE_SECOND_BACK;
+  return back ? Between(point, figure.center, grid) : Between(figure.center, point, grid);
+}
+
+void ReshapeOmni(LM_light_figure& figure, int code, LM_vector2f point, LM_handle_grid grid) {
+  const LM_vector2f offset = AxisTo(point, figure, code, grid);
+  if (IsOfFirst(code))
+    figure.radius = offset.x;
+  else if (IsOfSecond(code))
+    figure.radius = offset.y;
+  figure.radius = std::max(figure.radius, 1.0F);
 }
 
 void ReshapeSpot(LM_light_figure& figure, int code, LM_vector2f point,
                  LM_drag_constraint constraint, LM_handle_grid grid) {
-  const bool back = code == LM_HANDLE_FIRST_BACK || code == LM_HANDLE_SECOND_BACK;
-  const LM_vector2f offset =
-      back ? Between(point, figure.center, grid) : Between(figure.center, point, grid);
-  if (code == LM_HANDLE_FIRST_BACK || code == LM_HANDLE_FIRST_END) {
+  const LM_vector2f offset = AxisTo(point, figure, code, grid);
+  if (IsOfFirst(code)) {
     figure.handle1 = Constrained(offset, figure.handle1, constraint, grid);
     figure.handle2 = LM_SecondAxis(figure.handle1, figure.handle2, grid);
-  } else if (code == LM_HANDLE_SECOND_BACK || code == LM_HANDLE_SECOND_END) {
+  } else if (IsOfSecond(code)) {
     figure.handle2 = Constrained(offset, figure.handle2, constraint, grid);
     const float length = LM_Length(figure.handle2);
     // An axis without length has no direction that the first one could stand on.
     if (length == 0)
       return;
-    const float ratio = LM_Length(figure.handle1) / length;
-    figure.handle1 = LM_QuarterTurnBack(figure.handle2, ratio < 1.0F ? 1.0F : ratio, grid);
+    const float ratio = std::max(LM_Length(figure.handle1) / length, 1.0F);
+    figure.handle1 = LM_QuarterTurn(figure.handle2, -ratio, grid);
   }
 }
 
-// The product's sign is decided by the component, so that a product of 0 rounds like its component.
-float Product(float factor, float component, bool up, LM_handle_grid grid) {
-  const float product = factor * component;
+float Rounded(float length, LM_handle_grid grid) {
   if (grid == LM_handle_grid::Fractions)
-    return LM_OnGrid(product, grid);
-  const double wide = static_cast<double>(product);
-  return static_cast<float>(LM_Cut16(LM_Truncate(up ? wide + 0.5 : wide - 0.5)));
+    return LM_OnGrid(length, grid);
+  return static_cast<float>(LM_Cut16(LM_Truncate(std::round(length))));
 }
 
 } // namespace
@@ -87,9 +89,7 @@ LM_light_figure LM_ReshapeLight(const LM_light_figure& start, int code, LM_vecto
     figure.handle1 =
         Constrained(Between(start.center, point, grid), start.handle1, constraint, grid);
   } else if (figure.type == LM_LIGHT_OMNI) {
-    figure.radius = RadiusAt(start, code, point, grid);
-    if (figure.radius < 1)
-      figure.radius = 1;
+    ReshapeOmni(figure, code, point, grid);
   } else if (figure.type == LM_LIGHT_SPOT) {
     ReshapeSpot(figure, code, point, constraint, grid);
   }
@@ -97,10 +97,7 @@ LM_light_figure LM_ReshapeLight(const LM_light_figure& start, int code, LM_vecto
 }
 
 LM_vector2f LM_SecondAxis(LM_vector2f first, LM_vector2f second, LM_handle_grid grid) {
-  float ratio = LM_Length(second) / LM_Length(first);
-  if (ratio >= 1.0F)
-    ratio = 1.0F;
-  return LM_QuarterTurn(first, ratio, grid);
+  return LM_QuarterTurn(first, std::min(LM_Length(second) / LM_Length(first), 1.0F), grid);
 }
 
 float LM_Length(LM_vector2f vector) {
@@ -109,11 +106,5 @@ float LM_Length(LM_vector2f vector) {
 }
 
 LM_vector2f LM_QuarterTurn(LM_vector2f vector, float factor, LM_handle_grid grid) {
-  return {Product(-factor, vector.y, vector.y < 0, grid),
-          Product(factor, vector.x, vector.x >= 0, grid)};
-}
-
-LM_vector2f LM_QuarterTurnBack(LM_vector2f vector, float factor, LM_handle_grid grid) {
-  return {Product(factor, vector.y, vector.y >= 0, grid),
-          Product(-factor, vector.x, vector.x < 0, grid)};
+  return {Rounded(-factor * vector.y, grid), Rounded(factor * vector.x, grid)};
 }

@@ -32,11 +32,11 @@ public:
         _columns(static_cast<size_t>(width) + 2 * _margin),
         _weighted(radius.sixteenths == 0 ? 0 : _columns.size()) {}
 
-  // The sums around each pixel of row y, any first and then the one below each time. rowAt: gives
-  // the row of the plane from y - Reach() to y + Reach(). valueOf: what of its values is summed.
-  template <class RowAt, class ValueOf>
-  void MakeRow(int y, const RowAt& rowAt, const ValueOf& valueOf, uint64_t* sums) {
-    const auto rowWithin = [&](int row) { return rowAt(std::clamp(row, 0, _height - 1)); };
+  // The sums around each pixel of row y, any first and then the one below each time. rows: has the
+  // plane's from y - Reach() to y + Reach(). valueOf: what of its values is summed.
+  template <class Rows, class ValueOf>
+  void MakeRow(int y, Rows& rows, const ValueOf& valueOf, uint64_t* sums) {
+    const auto rowWithin = [&](int row) { return rows.Row(std::clamp(row, 0, _height - 1)); };
     const int whole = _radius.whole;
     if (_isBegun)
       _Move(rowWithin(y + whole), rowWithin(y - whole - 1), valueOf);
@@ -116,9 +116,9 @@ public:
     return y < _height && (numRows == _height || y + Reach() < numRows);
   }
   // As LM_box_sums'.
-  template <class RowAt> void MakeRow(int y, const RowAt& rowAt, uint16_t* means) {
+  template <class Rows> void MakeRow(int y, Rows& rows, uint16_t* means) {
     _box.MakeRow(
-        y, rowAt, [](uint16_t value) { return uint32_t{value}; }, _sums.data());
+        y, rows, [](uint16_t value) { return uint32_t{value}; }, _sums.data());
     _Divide(means);
   }
 

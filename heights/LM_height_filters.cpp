@@ -48,11 +48,10 @@ LM_edge_keeper::LM_edge_keeper(LM_height_plane& plane, double radius, double con
       _part(_sumsOfRow.size()), _rest(_sumsOfRow.size()) {}
 
 void LM_edge_keeper::_FindKeptParts(int y) {
-  const auto rowAt = [this](int row) { return _plane.Row(row); };
   _sums.MakeRow(
-      y, rowAt, [](uint16_t value) { return uint32_t{value}; }, _sumsOfRow.data());
+      y, _plane, [](uint16_t value) { return uint32_t{value}; }, _sumsOfRow.data());
   _squareSums.MakeRow(
-      y, rowAt, [](uint16_t value) { return uint32_t{value} * value; }, _squaresOfRow.data());
+      y, _plane, [](uint16_t value) { return uint32_t{value} * value; }, _squaresOfRow.data());
   uint16_t* const parts = _parts.Row(y);
   uint16_t* const rests = _rests.Row(y);
   for (size_t x = 0; x < _sumsOfRow.size(); ++x) {
@@ -65,10 +64,8 @@ void LM_edge_keeper::_FindKeptParts(int y) {
 }
 
 void LM_edge_keeper::_Combine(int y) {
-  _partMeans.MakeRow(
-      y, [this](int row) { return _parts.Row(row); }, _part.data());
-  _restMeans.MakeRow(
-      y, [this](int row) { return _rests.Row(row); }, _rest.data());
+  _partMeans.MakeRow(y, _parts, _part.data());
+  _restMeans.MakeRow(y, _rests, _rest.data());
   uint16_t* const row = _plane.Row(y);
   for (size_t x = 0; x < _part.size(); ++x) {
     const double value = row[x] * (_part[x] / WHITE) + _rest[x] + 0.5;
@@ -99,13 +96,10 @@ LM_detail_keeper::LM_detail_keeper(LM_height_plane& plane, double radius, double
       _aroundRow(static_cast<size_t>(plane.width)), _fineRow(_aroundRow.size()) {}
 
 void LM_detail_keeper::_Finish(int y) {
-  _wide[2].MakeRow(
-      y, [this](int row) { return _around[1].Row(row); }, _aroundRow.data());
+  _wide[2].MakeRow(y, _around[1], _aroundRow.data());
   for (; _numSmoothed < _plane.height && _numSmoothed <= y + _fine[0].Reach(); ++_numSmoothed)
-    _fine[0].MakeRow(
-        _numSmoothed, [this](int row) { return _plane.Row(row); }, _smoothed.Row(_numSmoothed));
-  _fine[1].MakeRow(
-      y, [this](int row) { return _smoothed.Row(row); }, _fineRow.data());
+    _fine[0].MakeRow(_numSmoothed, _plane, _smoothed.Row(_numSmoothed));
+  _fine[1].MakeRow(y, _smoothed, _fineRow.data());
   uint16_t* const row = _plane.Row(y);
   for (size_t x = 0; x < _fineRow.size(); ++x) {
     const int height = _fineRow[x] - _aroundRow[x];
@@ -118,12 +112,9 @@ void LM_detail_keeper::_Finish(int y) {
 // needs it any more.
 int LM_detail_keeper::Advance(int numRows) {
   for (; _wide[0].CanMake(_numAround[0], numRows); ++_numAround[0]) {
-    _wide[0].MakeRow(
-        _numAround[0], [this](int row) { return _plane.Row(row); }, _around[0].Row(_numAround[0]));
+    _wide[0].MakeRow(_numAround[0], _plane, _around[0].Row(_numAround[0]));
     for (; _wide[1].CanMake(_numAround[1], _numAround[0] + 1); ++_numAround[1]) {
-      _wide[1].MakeRow(
-          _numAround[1], [this](int row) { return _around[0].Row(row); },
-          _around[1].Row(_numAround[1]));
+      _wide[1].MakeRow(_numAround[1], _around[0], _around[1].Row(_numAround[1]));
       for (; _wide[2].CanMake(_numDone, _numAround[1] + 1); ++_numDone)
         _Finish(_numDone);
     }

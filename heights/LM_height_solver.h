@@ -6,12 +6,11 @@
 
 // How much a surface rises per pixel, in pixels: to the right and downwards; width a row.
 struct LM_slopes {
-  int width = 0;
-  int height = 0;
+  int width;
+  int height;
   std::vector<float> across;
   std::vector<float> down;
 
-  LM_slopes() = default;
   LM_slopes(int planeWidth, int planeHeight)
       : width(planeWidth), height(planeHeight),
         across(static_cast<size_t>(planeWidth) * static_cast<size_t>(planeHeight)),

@@ -18,15 +18,6 @@ constexpr double FINENESS = 0.02;
 // window is no cliff. As much as 16 bits hold on a picture of 6000 pixels that is fitted.
 constexpr double MOST_HEIGHT = 38 * LEVEL;
 
-// By how much the heights are steeper than their plane's, with fit.
-double FitOf(const LM_height_source& source, int pictureSide) {
-  return source.fit ? static_cast<double>(pictureSide) / LM_HEIGHTS_SIDE : 1;
-}
-
-uint16_t Rounded(double height) {
-  return LM_NearestHeight(std::clamp(height, 0.0, WHITE));
-}
-
 } // namespace
 
 LM_height_source LM_ResolvedSource(LM_height_source source, bool hasRelief) {
@@ -58,7 +49,8 @@ LM_plane_size LM_PreparedSize(const LM_height_source& source, int pictureWidth, 
 
 LM_height_maker::LM_height_maker(const LM_height_source& source, int pictureSide,
                                  LM_height_plane& plane)
-    : _isFittedAlone(source.fit && source.detail <= 0), _fit(FitOf(source, pictureSide)),
+    : _isFittedAlone(source.fit && source.detail <= 0),
+      _fit(source.fit ? static_cast<double>(pictureSide) / LM_HEIGHTS_SIDE : 1),
       _isInverted(source.invert), _plane(plane) {
   const double side = std::max(plane.width, plane.height);
   if (source.smoothing > 0)
@@ -77,7 +69,7 @@ void LM_height_maker::Advance(int numRows) {
   uint16_t* const end = _plane.Row(numRows);
   for (uint16_t* value = _plane.Row(_numDone); value < end; ++value) {
     if (_isFittedAlone)
-      *value = Rounded(MIDDLE + _fit * (*value - MIDDLE));
+      *value = LM_NearestHeight(std::clamp(MIDDLE + _fit * (*value - MIDDLE), 0.0, WHITE));
     if (_isInverted)
       *value = static_cast<uint16_t>(65535 - *value);
   }

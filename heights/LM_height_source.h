@@ -79,7 +79,7 @@ public:
 
 private:
   bool _isFittedAlone; // with no detail that does it
-  double _fit;
+  double _fit;         // by how much the heights are steeper than their plane's
   bool _isInverted;
   LM_height_plane& _plane;
   std::optional<LM_edge_keeper> _edges;

@@ -32,22 +32,6 @@ double SlopeAt(const uint16_t* height, ptrdiff_t step, int i, int n) {
   return inward * (-3 * from(0) - 10 * from(1) + 18 * from(2) - 6 * from(3) + from(4)) / 12;
 }
 
-// Rounded up or down, now one and now the other, as pixels follow each other evenly in both
-// directions (the plastic number's powers): many that are rounded the same way would add up, over a
-// long gentle slope, to more than a height's step. What is a whole number stays.
-class Coder {
-public:
-  Coder(int x, int y)
-      : _phase(static_cast<uint32_t>(x) * 0xC13FA9A9U + static_cast<uint32_t>(y) * 0x91E10DA6U) {}
-  uint16_t Coded(double component) {
-    _phase += 0x55555555U;
-    return static_cast<uint16_t>(ZERO + ONE * component + _phase * 0x1p-32);
-  }
-
-private:
-  uint32_t _phase;
-};
-
 } // namespace
 
 void LM_NormalsOfRow(const LM_height_plane& plane, int y, LM_normals_y greenIs, uint16_t* row) {
@@ -56,10 +40,18 @@ void LM_NormalsOfRow(const LM_height_plane& plane, int y, LM_normals_y greenIs, 
     const double down =
         SlopeAt(plane.Row(0) + x, plane.width, y, plane.height) / LM_HEIGHT_OF_A_PIXEL;
     const double out = 1 / std::sqrt(1 + across * across + down * down);
-    Coder coder(x, y);
-    *row++ = coder.Coded(-across * out);
-    *row++ = coder.Coded((greenIs == LM_normals_y::Up ? down : -down) * out);
-    *row++ = coder.Coded(out);
+    // Rounded up or down, now one and now the other, as pixels follow each other evenly in both
+    // directions (the plastic number's powers): many that are rounded the same way would add up,
+    // over a long gentle slope, to more than a height's step. What is a whole number stays.
+    uint32_t phase =
+        static_cast<uint32_t>(x) * 0xC13FA9A9U + static_cast<uint32_t>(y) * 0x91E10DA6U;
+    const auto coded = [&phase](double component) {
+      phase += 0x55555555U;
+      return static_cast<uint16_t>(ZERO + ONE * component + phase * 0x1p-32);
+    };
+    *row++ = coded(-across * out);
+    *row++ = coded((greenIs == LM_normals_y::Up ? down : -down) * out);
+    *row++ = coded(out);
   }
 }
 

@@ -1,5 +1,7 @@
 #include "colour_conversion.h"
 
+#include "metadata.h"
+
 namespace limn {
 namespace {
 
@@ -14,11 +16,8 @@ std::string ProfileSpace(const VImage& image) {
   const size_t spaceOffset = 16;
   if (image.get_typeof(VIPS_META_ICC_NAME) == 0)
     return {};
-  size_t size = 0;
-  const char* profile = static_cast<const char*>(image.get_blob(VIPS_META_ICC_NAME, &size));
-  if (profile == nullptr || size < header)
-    return "none";
-  return {profile + spaceOffset, 4};
+  const std::string_view profile = BytesOf(image, VIPS_META_ICC_NAME);
+  return profile.size() < header ? "none" : std::string(profile.substr(spaceOffset, 4));
 }
 
 VImage WithoutProfile(const VImage& image) {

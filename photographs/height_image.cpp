@@ -18,43 +18,24 @@ using vips::VImage;
 
 // Reads rows as heights, makes them fewer and shorter, and prepares them as they come: on another
 // thread than the one that decodes.
-class RowReader {
-public:
-  RowReader(const LM_height_source& source, int pictureSide, const VImage& planes,
-            const LM_height_weights& weights, const LM_plane_size& size)
-      : _weights(weights),
-        _reducer(planes.width(), planes.height(), std::min(size.width, planes.width()),
-                 std::min(size.height, planes.height())),
-        _maker(source, pictureSide, _reducer.Plane()), _row(static_cast<size_t>(planes.width())) {}
-  RowReader(const RowReader&) = delete;
-  RowReader& operator=(const RowReader&) = delete;
-
-  static int Take(VipsRegion* region, VipsRect* area, void* reader) {
-    auto& self = *static_cast<RowReader*>(reader);
-    for (int y = area->top; y < area->top + area->height; ++y) {
-      const void* const pixels = VIPS_REGION_ADDR(region, 0, y);
-      if (region->im->BandFmt == VIPS_FORMAT_USHORT)
-        self._Read<uint16_t>(pixels, region->im->Bands);
-      else
-        self._Read<uint8_t>(pixels, region->im->Bands);
-      self._reducer.Add(self._row.data());
-      self._maker.Advance(self._reducer.NumRows());
-    }
-    return 0;
-  }
-  LM_height_plane Heights() { return _reducer.Take(); }
-
-private:
-  template <class Sample> void _Read(const void* pixels, int bands) {
-    LM_HeightsOfPixels(static_cast<const Sample*>(pixels), bands, _weights, _row.data(),
-                       _row.size());
-  }
-
-  LM_height_weights _weights;
-  LM_plane_reducer _reducer;
-  LM_height_maker _maker;
-  std::vector<uint16_t> _row;
-};
+LM_height_plane HeightsOfRows(const VImage& planes, const LM_height_weights& weights,
+                              const LM_height_source& source, int pictureSide,
+                              const LM_plane_size& size) {
+  LM_plane_reducer reducer(planes.width(), planes.height(), std::min(size.width, planes.width()),
+                           std::min(size.height, planes.height()));
+  LM_height_maker maker(source, pictureSide, reducer.Plane());
+  std::vector<uint16_t> heights(static_cast<size_t>(planes.width()));
+  ForEachRow(planes, [&](int, const VipsPel* row) {
+    if (planes.format() == VIPS_FORMAT_USHORT)
+      LM_HeightsOfPixels(reinterpret_cast<const uint16_t*>(row), planes.bands(), weights,
+                         heights.data(), heights.size());
+    else
+      LM_HeightsOfPixels(row, planes.bands(), weights, heights.data(), heights.size());
+    reducer.Add(heights.data());
+    maker.Advance(reducer.NumRows());
+  });
+  return reducer.Take();
+}
 
 LM_height_plane PlaneOf(const GreyImage& grey) {
   LM_height_plane plane;
@@ -66,11 +47,6 @@ LM_height_plane PlaneOf(const GreyImage& grey) {
   plane.values.reserve(grey.pixels.size());
   for (const uint8_t value : grey.pixels)
     plane.values.push_back(static_cast<uint16_t>(value * 257));
-  return plane;
-}
-
-LM_height_plane Prepared(const LM_height_source& source, int pictureSide, LM_height_plane plane) {
-  LM_PrepareHeights(source, pictureSide, plane);
   return plane;
 }
 
@@ -107,10 +83,6 @@ int Fill(VipsRegion* region, void*, void* enlarged, void*, gboolean*) try {
   return -1;
 }
 
-void Release(void* enlarged) {
-  delete static_cast<Enlarged*>(enlarged);
-}
-
 std::shared_ptr<const LM_height_plane> Held(LM_height_plane plane) {
   return std::make_shared<const LM_height_plane>(std::move(plane));
 }
@@ -121,7 +93,9 @@ LM_height_plane HeightPlane(const LM_height_source& source, const HeightSubject&
   const int side = std::max(subject.width, subject.height);
   const LM_plane_size size = LM_PreparedSize(source, subject.width, subject.height);
   const auto heightsOf = [&](const GreyImage& grey) {
-    return Prepared(source, side, LM_ScaledPlane(PlaneOf(grey), size.width, size.height));
+    LM_height_plane plane = LM_ScaledPlane(PlaneOf(grey), size.width, size.height);
+    LM_PrepareHeights(source, side, plane);
+    return plane;
   };
   if (source.kind == LM_height_kind::File)
     return heightsOf(*subject.file);
@@ -136,11 +110,8 @@ LM_height_plane HeightPlane(const LM_height_source& source, const HeightSubject&
   const bool isLuminance = source.kind == LM_height_kind::Luminance;
   if (!isLuminance && source.channel > planes.bands())
     return heightsOf(AddedChannel(subject, source, planes.bands()));
-  RowReader reader(source, side, planes,
-                   isLuminance ? LM_LUMINANCE : LM_height_weights{source.channel - 1}, size);
-  if (vips_sink_disc(planes.get_image(), RowReader::Take, &reader) != 0)
-    throw vips::VError();
-  return reader.Heights();
+  return HeightsOfRows(planes, isLuminance ? LM_LUMINANCE : LM_height_weights{source.channel - 1},
+                       source, side, size);
 }
 
 VImage ShownHeights(std::shared_ptr<const LM_height_plane> plane, int width, int height) {
@@ -151,7 +122,8 @@ VImage ShownHeights(std::shared_ptr<const LM_height_plane> plane, int width, int
   Enlarged* const enlarged = owned.get();
   VipsImage* const output = vips_image_new();
   VImage result(output);
-  g_object_set_data_full(G_OBJECT(output), "limn-heights", owned.release(), Release);
+  g_object_set_data_full(G_OBJECT(output), "limn-heights", owned.release(),
+                         [](void* kept) { delete static_cast<Enlarged*>(kept); });
   vips_image_init_fields(output, width, height, 1, VIPS_FORMAT_USHORT, VIPS_CODING_NONE,
                          VIPS_INTERPRETATION_GREY16, 1, 1);
   if (vips_image_pipelinev(output, VIPS_DEMAND_STYLE_ANY, nullptr) != 0 ||
@@ -183,13 +155,8 @@ void ScaleGrey(GreyImage& grey, int width, int height, const std::string& file) 
   if (grey.width == width && grey.height == height)
     return;
   CheckShape(grey, width, height, file);
-  LM_height_plane scaled = LM_ScaledPlane(PlaneOf(grey), width, height);
-  grey.width = width;
-  grey.height = height;
-  grey.words = std::move(scaled.values);
-  grey.pixels.resize(grey.words.size());
-  std::transform(grey.words.begin(), grey.words.end(), grey.pixels.begin(),
-                 [](uint16_t word) { return static_cast<uint8_t>(word >> 8); });
+  grey = GreyOfWords(std::move(grey.file), width, height,
+                     LM_ScaledPlane(PlaneOf(grey), width, height).values);
 }
 
 } // namespace limn

@@ -1,7 +1,6 @@
 #include "image_file.h"
 
 #include "colour_conversion.h"
-#include "deep_photograph.h"
 #include "failure.h"
 #include "image_library.h"
 #include "image_source.h"
@@ -28,60 +27,23 @@ void NotePages(const VImage& image, std::vector<std::string>& notices) {
     notices.push_back("only the first of its " + std::to_string(numPages) + " pages is used");
 }
 
-// Runs `work`; whatever goes wrong inside, warnings included, becomes a failure about `name`.
-template <typename Work> auto Guarded(const std::string& name, Work work) {
-  const std::string path = ShownName(name);
-  const Complaints complaints;
-  try {
-    auto result = work();
-    complaints.Check(ExitCode::BadInput, path);
-    return result;
-  } catch (...) {
-    throw CaughtLibraryFailure(ExitCode::BadInput, path);
-  }
-}
-
-// The components of an image of that format.
 template <class Component> std::vector<Component> Decoded(const VImage& image) {
-  const size_t numPixels = static_cast<size_t>(image.width()) * image.height();
-  std::vector<Component> pixels(numPixels * image.bands());
+  std::vector<Component> pixels(VIPS_IMAGE_SIZEOF_IMAGE(image.get_image()) / sizeof(Component));
   image.write(VImage::new_from_memory(pixels.data(), pixels.size() * sizeof(Component),
                                       image.width(), image.height(), image.bands(),
                                       image.format()));
   return pixels;
 }
 
-// Pixels that grow row by row.
-struct Growing {
-  std::vector<uint8_t>& pixels;
-  std::function<void()> grown;
-  std::exception_ptr failure; // of grown
-};
-int AddRows(VipsRegion* region, VipsRect* rows, void* into) {
-  auto& growing = *static_cast<Growing*>(into);
-  for (int y = rows->top; y < rows->top + rows->height; ++y) {
-    const VipsPel* const row = VIPS_REGION_ADDR(region, 0, y);
-    growing.pixels.insert(growing.pixels.end(), row, row + VIPS_IMAGE_SIZEOF_LINE(region->im));
-  }
-  try {
-    growing.grown();
-    return 0;
-  } catch (...) { // not through libvips, which is C
-    growing.failure = std::current_exception();
-    return -1;
-  }
-}
-
 // As DecodedPixels, from the top down: the decoder goes on while rows are stored, in room that
 // nobody has cleared before, and while `grown` is at work.
-void GrowPixels(const VImage& image, std::vector<uint8_t>& pixels, std::function<void()> grown) {
+void GrowPixels(const VImage& image, std::vector<uint8_t>& pixels,
+                const std::function<void()>& grown) {
   pixels.reserve(VIPS_IMAGE_SIZEOF_IMAGE(image.get_image()));
-  Growing growing{pixels, std::move(grown), nullptr};
-  const int result = vips_sink_disc(image.get_image(), AddRows, &growing);
-  if (growing.failure != nullptr)
-    std::rethrow_exception(growing.failure);
-  if (result != 0)
-    throw vips::VError();
+  ForEachRow(image, [&](int, const VipsPel* row) {
+    pixels.insert(pixels.end(), row, row + VIPS_IMAGE_SIZEOF_LINE(image.get_image()));
+    grown();
+  });
 }
 
 // One plane of planes that are all the same.
@@ -102,11 +64,52 @@ std::vector<Component> NeutralPlane(std::vector<Component> pixels, size_t numPla
 
 } // namespace
 
+void ForEachRow(const VImage& image, const std::function<void(int y, const VipsPel* row)>& take) {
+  struct Taking {
+    const std::function<void(int, const VipsPel*)>& take;
+    std::exception_ptr failure;
+  } taking{take, nullptr};
+  const auto takeRows = [](VipsRegion* region, VipsRect* rows, void* user) {
+    auto& self = *static_cast<Taking*>(user);
+    try {
+      for (int y = rows->top; y < rows->top + rows->height; ++y)
+        self.take(y, VIPS_REGION_ADDR(region, 0, y));
+      return 0;
+    } catch (...) { // not through libvips, which is C
+      self.failure = std::current_exception();
+      return -1;
+    }
+  };
+  const int result = vips_sink_disc(image.get_image(), takeRows, &taking);
+  if (taking.failure != nullptr)
+    std::rethrow_exception(taking.failure);
+  if (result != 0)
+    throw vips::VError();
+}
+
 std::vector<uint8_t> DecodedPixels(const VImage& image) {
-  std::vector<uint8_t> pixels(VIPS_IMAGE_SIZEOF_IMAGE(image.get_image()));
-  image.write(VImage::new_from_memory(pixels.data(), pixels.size(), image.width(), image.height(),
-                                      image.bands(), image.format()));
-  return pixels;
+  return Decoded<uint8_t>(image);
+}
+
+VImage PlanesOf(Photograph& photograph) {
+  std::vector<uint8_t>& samples =
+      photograph.depth == VIPS_FORMAT_UCHAR ? photograph.pixels : photograph.deep;
+  return VImage::new_from_memory(samples.data(), samples.size(), photograph.width,
+                                 photograph.height, photograph.numPlanes, photograph.depth)
+      .copy(VImage::option()->set("interpretation", SpaceOf(photograph.depth)));
+}
+
+VImage InBytes(const VImage& planes) {
+  std::vector<std::string> notices; // nothing is lost that the samples do not keep
+  return ToRgbPlanes(planes, VIPS_FORMAT_UCHAR, notices);
+}
+
+GreyImage GreyOfWords(std::string file, int width, int height, std::vector<uint16_t> words) {
+  GreyImage grey{std::move(file), width, height, {}, std::move(words)};
+  grey.pixels.reserve(grey.words.size());
+  for (const uint16_t word : grey.words)
+    grey.pixels.push_back(static_cast<uint8_t>(word >> 8));
+  return grey;
 }
 
 std::string DepthNotice(int before, int after) {
@@ -129,7 +132,7 @@ OpenedPhotograph OpenPhotograph(const std::string& path, int shrink, VipsBandFor
 
 Photograph ReadPhotograph(const std::string& path, VipsBandFormat most,
                           const RowsArrived& arrived) {
-  return Guarded(path, [&] {
+  return Guarded(ShownName(path), [&] {
     OpenedPhotograph opened = OpenPhotograph(path, 1, VIPS_FORMAT_NOTSET, most);
     Photograph photograph;
     photograph.metadata = opened.metadata;
@@ -153,27 +156,22 @@ Photograph ReadPhotograph(const std::string& path, VipsBandFormat most,
 }
 
 GreyImage ReadGreyImage(const std::string& path) {
-  return Guarded(path, [&] {
+  return Guarded(ShownName(path), [&] {
     const VImage image = OpenImage(path);
     const bool isDeep = image.format() != VIPS_FORMAT_UCHAR;
     const VImage planes =
         ToPlainPlanes(Upright(image), isDeep ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
     if (planes.bands() == 4)
       throw Failure(ExitCode::BadInput, path + ": is a CMYK image where a grey one is needed");
-    GreyImage grey;
-    grey.file = path;
-    grey.width = planes.width();
-    grey.height = planes.height();
     const auto numPlanes = static_cast<size_t>(planes.bands());
-    if (!isDeep) {
-      grey.pixels = NeutralPlane(DecodedPixels(planes), numPlanes, path);
-      return grey;
-    }
-    grey.words = NeutralPlane(Decoded<uint16_t>(planes), numPlanes, path);
-    grey.pixels.reserve(grey.words.size());
-    for (const uint16_t word : grey.words)
-      grey.pixels.push_back(static_cast<uint8_t>(word >> 8));
-    return grey;
+    if (isDeep)
+      return GreyOfWords(path, planes.width(), planes.height(),
+                         NeutralPlane(Decoded<uint16_t>(planes), numPlanes, path));
+    return GreyImage{path,
+                     planes.width(),
+                     planes.height(),
+                     NeutralPlane(DecodedPixels(planes), numPlanes, path),
+                     {}};
   });
 }
 
@@ -186,7 +184,7 @@ GreyImage ReadMask(const std::string& path) {
 }
 
 int CountPlanes(const std::string& path) {
-  return Guarded(path, [&] {
+  return Guarded(ShownName(path), [&] {
     const VImage image = OpenImage(path);
     return 3 + image.bands() - NumColourBands(image);
   });

@@ -26,8 +26,7 @@ struct Photograph {
   int height = 0;
   int numPlanes = 0;
   std::vector<uint8_t> pixels; // in 8 bits
-  // Of more than 8 bits, the samples themselves, of which `pixels` are the 8-bit form; see
-  // deep_photograph.h.
+  // Of more than 8 bits, the samples themselves, of which `pixels` are the 8-bit form.
   VipsBandFormat depth = VIPS_FORMAT_UCHAR;
   std::vector<uint8_t> deep;
   vips::VImage metadata;            // one pixel that carries profile, EXIF, resolution …
@@ -53,8 +52,22 @@ OpenedPhotograph OpenPhotograph(const std::string& path, int shrink = 1,
                                 VipsBandFormat depth = VIPS_FORMAT_UCHAR,
                                 VipsBandFormat most = VIPS_FORMAT_FLOAT);
 
+// Gives the rows of an image from the top, while its decoder goes on. What `take` throws comes out
+// here; throws vips::VError too.
+void ForEachRow(const vips::VImage& image,
+                const std::function<void(int y, const VipsPel* row)>& take);
+
 // The pixels of an image, in its own format. Throws vips::VError.
 std::vector<uint8_t> DecodedPixels(const vips::VImage& image);
+
+// The samples of a photograph in its own depth, as an image that borrows them.
+vips::VImage PlanesOf(Photograph& photograph);
+
+// Planes of any depth as a photograph of 8 bits has them: how the picture looks.
+vips::VImage InBytes(const vips::VImage& planes);
+
+// A grey image of 16 bits.
+GreyImage GreyOfWords(std::string file, int width, int height, std::vector<uint16_t> words);
 
 // Reads a photograph whatever its colour space and depth: grey becomes RGB, other spaces go through
 // their profile to sRGB, the orientation is applied; alpha and further channels follow as they are.

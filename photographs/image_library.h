@@ -54,4 +54,17 @@ Failure LibraryFailure(ExitCode code, const std::string& file);
 // In a catch block: the same for an error of libvips; anything else as CaughtFailure has it.
 Failure CaughtLibraryFailure(ExitCode code, const std::string& file);
 
+// What `work` makes of a file; whatever goes wrong inside, warnings included, becomes a failure
+// about it. No Complaints may be held.
+template <class Work> auto Guarded(const std::string& file, const Work& work) {
+  const Complaints complaints;
+  try {
+    auto result = work();
+    complaints.Check(ExitCode::BadInput, file);
+    return result;
+  } catch (...) {
+    throw CaughtLibraryFailure(ExitCode::BadInput, file);
+  }
+}
+
 } // namespace limn

@@ -1,7 +1,6 @@
 #include "image_output.h"
 
 #include "colour_conversion.h"
-#include "deep_photograph.h"
 #include "failure.h"
 #include "format_limits.h"
 #include "image_library.h"
@@ -10,6 +9,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string_view>
@@ -127,10 +127,7 @@ void DropMetadata(VImage& image, const Format& format, std::vector<std::string>&
   if (std::string_view(format.suffix) != ".jpg")
     return;
   for (const char* field : {VIPS_META_EXIF_NAME, VIPS_META_XMP_NAME, VIPS_META_IPTC_NAME}) {
-    size_t size = 0;
-    if (image.get_typeof(field) == VIPS_TYPE_BLOB)
-      image.get_blob(field, &size);
-    if (size <= LARGEST)
+    if (BytesOf(image, field).size() <= LARGEST)
       continue;
     image.remove(field);
     notices.push_back("its " + std::string(field) + " is left out, too large for a jpg file");
@@ -149,13 +146,6 @@ void NeedRoom(const VImage& image, const std::string& path) {
     throw Failure(ExitCode::NoMemory, path + ": not enough memory");
 }
 
-// Whether the library's last failure was that it has no encoder. Some come in packages of their
-// own.
-bool LacksEncoder() {
-  return std::string_view(vips_error_buffer()).find("Unsupported compression") !=
-         std::string_view::npos;
-}
-
 // Has the writer say what it has to say about its options, which is not about the image.
 void TryOptions(const Format& format, const OutputName& name) {
   try {
@@ -165,7 +155,9 @@ void TryOptions(const Format& format, const OutputName& name) {
     small.write_to_target((format.suffix + AllOptions(format, name.options)).c_str(),
                           vips::VTarget::new_to_memory());
   } catch (const vips::VError&) {
-    const bool lacksEncoder = LacksEncoder();
+    // Some encoders come in packages of their own.
+    const bool lacksEncoder =
+        std::strstr(vips_error_buffer(), "Unsupported compression") != nullptr;
     vips_error_clear(); // an image of another size may suit it
     if (lacksEncoder)
       throw Failure(ExitCode::WrongUsage,
@@ -214,7 +206,7 @@ int ReadAndForget(VipsRegion*, void*, void*, void*, gboolean*) {
 
 // Whether what was written can be read; its first page, where the user wanted several. Pixels that
 // nothing compresses need only be there.
-bool IsWhole(int descriptor, const VImage& image) {
+bool IsWhole(int descriptor, const std::string& path, const VImage& image) {
   try {
     lseek(descriptor, 0, SEEK_SET);
     const VImage written =
@@ -224,7 +216,7 @@ bool IsWhole(int descriptor, const VImage& image) {
                                     ->set("fail_on", VIPS_FAIL_ON_ERROR));
     if (written.width() != image.width() || written.height() > image.height())
       return false;
-    FileBytes bytes(descriptor, lseek(descriptor, 0, SEEK_END));
+    FileBytes bytes(descriptor, path);
     return HoldsPlainPixels(bytes, VIPS_IMAGE_SIZEOF_IMAGE(image.get_image())) ||
            vips_sink(written.get_image(), nullptr, ReadAndForget, nullptr, nullptr, nullptr) == 0;
   } catch (const vips::VError&) {
@@ -337,14 +329,9 @@ void WriteImage(const WrittenImage& image, const OutputName& name, const std::st
     complaints.Check(ExitCode::CannotWrite, name.path);
   else
     complaints.Check(ExitCode::BadInput, image.source);
-  if ((format.proof & READ_BACK) != 0 && !IsWhole(file.DescriptorNumber(), image.planes))
+  if ((format.proof & READ_BACK) != 0 && !IsWhole(file.DescriptorNumber(), name.path, image.planes))
     throw Failure(ExitCode::NoMemory, name.path + ": not enough memory");
   file.Commit();
-}
-
-void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
-                     Existing existing) {
-  WritePhotograph(photograph, PlanesOf(photograph), name, target, existing);
 }
 
 void WritePhotograph(Photograph& photograph, VImage planes, const OutputName& name,

@@ -59,13 +59,10 @@ struct WrittenImage {
 void WriteImage(const WrittenImage& image, const OutputName& name, const std::string& target,
                 Existing existing, const Complaints& complaints, std::vector<std::string>& notices);
 
-// Writes the photograph, with its metadata, to `target` (as ResolveTarget gives it). Channels that
-// the format cannot hold are left out, and more depth than it holds too, which is added to the
-// photograph's notices. The old file, if any, stays until the new one is complete. Throws
-// Failure(CannotWrite or NoMemory).
-void WritePhotograph(Photograph& photograph, const OutputName& name, const std::string& target,
-                     Existing existing);
-// The same with other pixels of the photograph's depth, which may still have to be lit.
+// Writes planes of the photograph's depth, its own or others that may still have to be lit, with
+// its metadata, to `target` (as ResolveTarget gives it). Channels that the format cannot hold are
+// left out, and more depth than it holds too, which is added to the photograph's notices. The old
+// file, if any, stays until the new one is complete. Throws Failure(CannotWrite or NoMemory).
 void WritePhotograph(Photograph& photograph, vips::VImage planes, const OutputName& name,
                      const std::string& target, Existing existing);
 

@@ -1,17 +1,17 @@
 #include "image_source.h"
 
-#include "failure.h"
 #include "image_library.h"
 #include "input_limits.h"
 #include "posix_file.h"
 
-#include <cerrno>
 #include <memory>
 #include <string_view>
 #include <unistd.h>
 
 namespace limn {
 namespace {
+
+constexpr int64_t LONGEST_WHOLE_FILE = 128 << 20; // of those that are decoded whole
 
 // Reading through these, and not through a mapping, makes a file that shrinks meanwhile a short
 // read and not a fault.
@@ -60,59 +60,50 @@ vips::VImage LoadOpenExr(Descriptor opened, vips::VOption* options) {
 // A format by the bytes at `offset` of its files. Going by these, and not letting libvips ask each
 // of its loaders, keeps the loaders that are not wanted from so much as looking at a file.
 struct InputFormat {
-  size_t offset;
+  int64_t offset;
   std::string_view magic;
   vips::VImage (*load)(Descriptor file, vips::VOption* options);
+  // Before libvips looks at a file: refuses one whose texts and profiles would fill the memory, or
+  // that its decoder would take far longer over than its length and its pixels call for: many
+  // segments, scans, tags or frames, or the same bytes again and again.
+  void (*check)(FileBytes& bytes);
   Decoding decoding = Decoding::ByRows;
 };
+
+void CheckNothing(FileBytes&) {}
 
 using namespace std::string_view_literals;
 
 constexpr InputFormat READ_FORMATS[] = {
-    {0, "\xff\xd8\xff"sv, Load<vips::VImage::jpegload_source>},
-    {0, "\x89PNG\r\n\x1a\n"sv, Load<vips::VImage::pngload_source>},
-    {0, "II*\0"sv, Load<vips::VImage::tiffload_source>},
-    {0, "MM\0*"sv, Load<vips::VImage::tiffload_source>},
-    {0, "II+\0"sv, Load<vips::VImage::tiffload_source>}, // with 64-bit offsets
-    {0, "MM\0+"sv, Load<vips::VImage::tiffload_source>},
-    {8, "WEBP"sv, Load<vips::VImage::webpload_source>, Decoding::Whole},
-    {0, "P1"sv, Load<vips::VImage::ppmload_source>},
-    {0, "P2"sv, Load<vips::VImage::ppmload_source>},
-    {0, "P3"sv, Load<vips::VImage::ppmload_source>},
-    {0, "P4"sv, Load<vips::VImage::ppmload_source>},
-    {0, "P5"sv, Load<vips::VImage::ppmload_source>},
-    {0, "P6"sv, Load<vips::VImage::ppmload_source>},
-    {0, "Pf"sv, Load<vips::VImage::ppmload_source>, Decoding::BottomUp},
-    {0, "PF"sv, Load<vips::VImage::ppmload_source>, Decoding::BottomUp},
-    {0, "#?RADIANCE\n"sv, Load<vips::VImage::radload_source>},
-    {0, "#?RGBE\n"sv, Load<vips::VImage::radload_source>},
-    {0, "v/1\x01"sv, LoadOpenExr, Decoding::Whole},
-    {0, "GIF8"sv, Load<vips::VImage::gifload_source>, Decoding::Whole},
-    {4, "ftyp"sv, Load<vips::VImage::heifload_source>, Decoding::Whole},
+    {0, "\xff\xd8\xff"sv, Load<vips::VImage::jpegload_source>, CheckJpeg},
+    {0, "\x89PNG\r\n\x1a\n"sv, Load<vips::VImage::pngload_source>, CheckPng},
+    {0, "II*\0"sv, Load<vips::VImage::tiffload_source>, CheckTiff},
+    {0, "MM\0*"sv, Load<vips::VImage::tiffload_source>, CheckTiff},
+    {0, "II+\0"sv, Load<vips::VImage::tiffload_source>, CheckTiff}, // with 64-bit offsets
+    {0, "MM\0+"sv, Load<vips::VImage::tiffload_source>, CheckTiff},
+    {8, "WEBP"sv, Load<vips::VImage::webpload_source>, CheckWebp, Decoding::Whole},
+    {0, "P1"sv, Load<vips::VImage::ppmload_source>, CheckNothing},
+    {0, "P2"sv, Load<vips::VImage::ppmload_source>, CheckNothing},
+    {0, "P3"sv, Load<vips::VImage::ppmload_source>, CheckNothing},
+    {0, "P4"sv, Load<vips::VImage::ppmload_source>, CheckNothing},
+    {0, "P5"sv, Load<vips::VImage::ppmload_source>, CheckNothing},
+    {0, "P6"sv, Load<vips::VImage::ppmload_source>, CheckNothing},
+    {0, "Pf"sv, Load<vips::VImage::ppmload_source>, CheckNothing, Decoding::BottomUp},
+    {0, "PF"sv, Load<vips::VImage::ppmload_source>, CheckNothing, Decoding::BottomUp},
+    {0, "#?RADIANCE\n"sv, Load<vips::VImage::radload_source>, CheckRadiance},
+    {0, "#?RGBE\n"sv, Load<vips::VImage::radload_source>, CheckRadiance},
+    {0, "v/1\x01"sv, LoadOpenExr, CheckOpenExr, Decoding::Whole},
+    {0, "GIF8"sv, Load<vips::VImage::gifload_source>, CheckNothing, Decoding::Whole},
+    {4, "ftyp"sv, Load<vips::VImage::heifload_source>, CheckHeif, Decoding::Whole},
 };
 
-const InputFormat& FormatOf(const Descriptor& file, const std::string& path) {
-  char start[16] = {};
-  size_t size = 0;
-  while (size < sizeof start) {
-    const ssize_t got = Uninterrupted([&] {
-      return pread(file.Number(), start + size, sizeof start - size, static_cast<off_t>(size));
-    });
-    if (got < 0)
-      throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
-    if (got == 0)
-      break;
-    size += static_cast<size_t>(got);
-  }
-  if (size == 0)
-    throw Failure(ExitCode::BadInput, path + ": is empty");
-  const std::string_view bytes(start, size);
+const InputFormat& FormatOf(FileBytes& bytes) {
+  if (bytes.At(0) < 0)
+    bytes.Refuse("is empty");
   for (const InputFormat& format : READ_FORMATS)
-    if (bytes.size() > format.offset && bytes.substr(format.offset).starts_with(format.magic))
+    if (bytes.HasAt(format.offset, format.magic))
       return format;
-  throw Failure(
-      ExitCode::BadInput,
-      path + ": is not a JPEG, PNG, TIFF, WebP, PPM, PFM, HDR, EXR, GIF, HEIF or AVIF image");
+  bytes.Refuse("is not a JPEG, PNG, TIFF, WebP, PPM, PFM, HDR, EXR, GIF, HEIF or AVIF image");
 }
 
 // What a component is where the image is white, if its format counts to other ends than 255 and
@@ -175,10 +166,12 @@ int ShrinkFor(int side, int wanted) {
 vips::VImage OpenImage(const std::string& name, int shrink) {
   Descriptor file = name == STANDARD_INPUT ? KeptStandardInput() : OpenRegularFile(name);
   const std::string path = ShownName(name);
-  const InputFormat& format = FormatOf(file, path);
-  CheckContent(file.Number(), format.decoding, path);
-  const int64_t length = lseek(file.Number(), 0, SEEK_END);
-  lseek(file.Number(), 0, SEEK_SET);
+  FileBytes bytes(file.Number(), path);
+  const InputFormat& format = FormatOf(bytes);
+  if (format.decoding == Decoding::Whole && bytes.Length() > LONGEST_WHOLE_FILE)
+    bytes.Refuse("is longer than " + std::to_string(LONGEST_WHOLE_FILE) +
+                 " bytes, the most of its format that is read");
+  format.check(bytes);
   const bool isShrunk = format.load == Load<vips::VImage::jpegload_source>;
   try {
     auto* options = vips::VImage::option()
@@ -187,7 +180,7 @@ vips::VImage OpenImage(const std::string& name, int shrink) {
     if (isShrunk)
       options->set("shrink", shrink);
     vips::VImage image = Normalized(format.load(std::move(file), options), format.decoding);
-    CheckPixels(image, isShrunk ? shrink : 1, format.decoding, length, path);
+    CheckPixels(image, isShrunk ? shrink : 1, format.decoding, bytes);
     return image;
   } catch (const vips::VError&) {
     throw LibraryFailure(ExitCode::BadInput, path);

@@ -1,20 +1,12 @@
 #include "input_limits.h"
 
-#include "failure.h"
-#include "format_limits.h"
-#include "image_file.h"
 #include "image_library.h"
-#include "posix_file.h"
 
 #include "limn.h"
-
-#include <cerrno>
-#include <sys/stat.h>
 
 namespace limn {
 namespace {
 
-constexpr int64_t LONGEST_WHOLE_FILE = 128 << 20;
 // In the default limits: what passes row by row takes little memory, what is decoded whole four
 // bytes a pixel.
 constexpr uint64_t MOST_PIXELS = 1'000'000'000;
@@ -26,8 +18,6 @@ constexpr uint64_t MOST_PIXELS_A_BYTE = 500;
 constexpr uint64_t LONG_ROW = 250'000;
 constexpr uint64_t MOST_GROWTH = 500;
 
-constexpr uint64_t OPENEXR_MAGIC = 0x762f3101;
-
 bool IsDecodedWhole(const vips::VImage& image, Decoding decoding) {
   return decoding != Decoding::ByRows || image.get_typeof("interlaced") != 0 ||
          vips_image_get_orientation(image.get_image()) > 1;
@@ -35,38 +25,11 @@ bool IsDecodedWhole(const vips::VImage& image, Decoding decoding) {
 
 } // namespace
 
-void CheckContent(int descriptor, Decoding decoding, const std::string& path) {
-  struct stat status {};
-  if (fstat(descriptor, &status) != 0)
-    throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
-  if (decoding == Decoding::Whole && status.st_size > LONGEST_WHOLE_FILE)
-    throw Failure(ExitCode::BadInput, path + ": is longer than " +
-                                          std::to_string(LONGEST_WHOLE_FILE) +
-                                          " bytes, the most of its format that is read");
-  FileBytes bytes(descriptor, status.st_size);
-  const uint64_t start = bytes.Number(0, 4);
-  if (start == NameOf("\x89PNG"))
-    CheckPng(bytes, path);
-  if (start >> 16 == 0xffd8)
-    CheckJpeg(bytes, path);
-  if (start == NameOf("RIFF"))
-    CheckWebp(bytes, path);
-  else if (decoding == Decoding::Whole)
-    CheckHeif(bytes, path);
-  if (start == NameOf("#?RA") || start == NameOf("#?RG"))
-    CheckRadiance(bytes, path);
-  if (start == OPENEXR_MAGIC)
-    CheckOpenExr(bytes, path);
-  CheckTiff(bytes, path);
-}
-
-void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64_t fileLength,
-                 const std::string& path) {
+void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, const FileBytes& file) {
   std::string size = std::to_string(image.width()) + " × " + std::to_string(image.height());
   if (image.width() > LIMN_LONGEST_SIDE || image.height() > LIMN_LONGEST_SIDE)
-    throw Failure(ExitCode::BadInput, path + ": is " + size +
-                                          " pixels, and no side may have more than " +
-                                          std::to_string(LIMN_LONGEST_SIDE));
+    file.Refuse("is " + size + " pixels, and no side may have more than " +
+                std::to_string(LIMN_LONGEST_SIDE));
   const bool isWhole = IsDecodedWhole(image, decoding);
   const SizeLimit& limit = ImageSizeLimit();
   const uint64_t most = limit.pixels > 0 ? limit.pixels : isWhole ? MOST_PIXELS_WHOLE : MOST_PIXELS;
@@ -81,16 +44,14 @@ void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64
   if (isWhole && component > 1)
     size += " of " + std::to_string(8 * component) + " bits a channel";
   if (pixels > most)
-    throw Failure(ExitCode::BadInput, path + ": has " + std::to_string(pixels) + " pixels (" +
-                                          size + "), more than the " + std::to_string(most) +
-                                          " that are read" + limit.advice);
+    file.Refuse("has " + std::to_string(pixels) + " pixels (" + size + "), more than the " +
+                std::to_string(most) + " that are read" + limit.advice);
   const uint64_t row = VIPS_IMAGE_SIZEOF_LINE(image.get_image());
-  const auto length = static_cast<uint64_t>(fileLength);
+  const auto length = static_cast<uint64_t>(file.Length());
   if (limit.pixels == 0 && ((isWhole && pixels > LARGE && pixels / MOST_PIXELS_A_BYTE > length) ||
                             (row > LONG_ROW && row / MOST_GROWTH * image.height() > length)))
-    throw Failure(ExitCode::BadInput, path + ": is " + size + " pixels in " +
-                                          std::to_string(fileLength) +
-                                          " bytes, as no photograph is" + limit.advice);
+    file.Refuse("is " + size + " pixels in " + std::to_string(length) +
+                " bytes, as no photograph is" + limit.advice);
 }
 
 } // namespace limn

@@ -1,7 +1,8 @@
 // What a file may claim of itself, so that a small one cannot fill the memory.
 #pragma once
 
-#include <string>
+#include "format_limits.h"
+
 #include <vips/vips8>
 
 namespace limn {
@@ -10,18 +11,11 @@ namespace limn {
 // first, so that they are kept before they are used.
 enum class Decoding { ByRows, Whole, BottomUp };
 
-// Before libvips looks at the file. Throws Failure(BadInput) for a file that would have to be read
-// whole and is longer than a photograph can be, for a PNG or TIFF whose texts and profiles would
-// fill the memory, and for a file that its decoder would take far longer over than its length and
-// its pixels call for: many segments, scans, tags or frames, or the same bytes again and again.
-void CheckContent(int descriptor, Decoding decoding, const std::string& path);
-
-// After its header is read: throws Failure(BadInput) when the image has more pixels than
+// After the header is read: throws Failure(BadInput) when the image has more pixels than
 // ImageSizeLimit allows, or, without such a limit, when a file decoded whole, or one of very long
 // rows, holds more of them than its length can mean. Every four channels count as a pixel; of a
 // file decoded whole every four bytes, since these have to be in memory. shrink: by which the
 // decoder reduced the sides.
-void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, int64_t fileLength,
-                 const std::string& path);
+void CheckPixels(const vips::VImage& image, int shrink, Decoding decoding, const FileBytes& file);
 
 } // namespace limn

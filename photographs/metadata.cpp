@@ -63,11 +63,9 @@ void ResetOrientation(std::string& packet) {
 
 // Makes the XMP one of the picture that is written.
 void FitXmp(const VImage& image, std::vector<std::string>& notices) {
-  if (image.get_typeof(XMP) != VIPS_TYPE_BLOB)
+  std::string packet(BytesOf(image, XMP));
+  if (packet.empty())
     return;
-  size_t size = 0;
-  const char* bytes = static_cast<const char*>(image.get_blob(XMP, &size));
-  std::string packet(bytes, size);
   if (std::optional<TrimmedXmp> trimmed = WithoutFurtherImages(packet)) {
     notices.push_back(trimmed->notice);
     packet = std::move(trimmed->packet);
@@ -81,6 +79,14 @@ void FitXmp(const VImage& image, std::vector<std::string>& notices) {
 }
 
 } // namespace
+
+std::string_view BytesOf(const VImage& image, const char* field) {
+  if (image.get_typeof(field) != VIPS_TYPE_BLOB)
+    return {};
+  size_t size = 0;
+  const void* bytes = image.get_blob(field, &size);
+  return {static_cast<const char*>(bytes), size};
+}
 
 VImage CopyMetadata(const VImage& image, std::vector<std::string>& notices) {
   VImage metadata = VImage::black(1, 1).copy(

@@ -2,10 +2,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 #include <vips/vips8>
 
 namespace limn {
+
+// The bytes that an image has of a kind, which go away with it; empty where it has none.
+std::string_view BytesOf(const vips::VImage& image, const char* field);
 
 // A one-pixel image with the resolution, profile, EXIF, XMP and IPTC data of `image`. The
 // orientation is reset, since it has been applied, and an embedded thumbnail is left out, since it

@@ -2,13 +2,13 @@
 
 #include "failure.h"
 #include "image_source.h"
+#include "metadata.h"
 #include "posix_file.h"
 
 #include "LM_style_json.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <exempi/xmp.h>
 #include <filesystem>
 #include <glib.h>
@@ -16,7 +16,6 @@
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <unistd.h>
 
 namespace limn {
 namespace {
@@ -50,37 +49,37 @@ Json FileJson(const RecipeFile& file) {
   return json;
 }
 
-std::string TextOf(const Json& json, const char* key) {
+// What an object has under a key; null where it has nothing.
+const Json& Under(const Json& json, const char* key) {
+  static const Json nothing;
   const auto found = json.find(key);
-  return found != json.end() && found->is_string() ? found->get<std::string>() : std::string();
+  return found != json.end() ? *found : nothing;
+}
+
+std::string TextOf(const Json& json, const char* key) {
+  const Json& text = Under(json, key);
+  return text.is_string() ? text.get<std::string>() : std::string();
 }
 
 int NumberOf(const Json& json, const char* key, int low, int high) {
-  const auto found = json.find(key);
-  if (found == json.end() || !found->is_number_integer())
-    return low;
-  return static_cast<int>(std::clamp<int64_t>(found->get<int64_t>(), low, high));
+  const Json& number = Under(json, key);
+  return number.is_number_integer()
+             ? static_cast<int>(std::clamp<int64_t>(number.get<int64_t>(), low, high))
+             : low;
 }
 
-bool FlagOf(const Json& json, const char* key) {
-  const auto found = json.find(key);
-  return found != json.end() && found->is_boolean() && found->get<bool>();
-}
-
-std::optional<RecipeFile> FileOf(const Json& json, const char* key) {
-  const auto found = json.find(key);
-  if (found == json.end() || !found->is_object())
+std::optional<RecipeFile> FileOf(const Json& file) {
+  if (!file.is_object())
     return std::nullopt;
-  return RecipeFile{TextOf(*found, "name"), TextOf(*found, "sha256")};
+  return RecipeFile{TextOf(file, "name"), TextOf(file, "sha256")};
 }
 
-std::optional<limn_area> AreaOf(const Json& json) {
-  const auto found = json.find("area");
-  if (found == json.end() || !found->is_array() || found->size() != 4)
+std::optional<limn_area> AreaOf(const Json& area) {
+  if (!area.is_array() || area.size() != 4)
     return std::nullopt;
   std::array<int32_t, 4> sides{};
   for (size_t i = 0; i < sides.size(); ++i) {
-    const Json& side = (*found)[i];
+    const Json& side = area[i];
     if (!side.is_number_integer() || side.get<int64_t>() < 0 || side.get<int64_t>() > INT16_MAX)
       return std::nullopt;
     sides[i] = side.get<int32_t>();
@@ -89,33 +88,34 @@ std::optional<limn_area> AreaOf(const Json& json) {
 }
 
 void ReadLit(const Json& lit, Recipe& recipe) {
-  recipe.area = AreaOf(lit);
-  recipe.bits =
-      lit.contains("depth") && lit["depth"] == "float" ? 32 : NumberOf(lit, "depth", 8, 16);
-  recipe.isDeep = !FlagOf(lit, "heightsIn8Bits");
-  recipe.original = FileOf(lit, "original");
-  recipe.mask = FileOf(lit, "mask");
-  recipe.heights = FileOf(lit, "heights");
+  const Json& heights = Under(lit, "heights");
+  recipe.area = AreaOf(Under(lit, "area"));
+  recipe.bits = Under(lit, "depth") == "float" ? 32 : NumberOf(lit, "depth", 8, 16);
+  recipe.isDeep = Under(lit, "heightsIn8Bits") != true;
+  recipe.original = FileOf(Under(lit, "original"));
+  recipe.mask = FileOf(Under(lit, "mask"));
+  recipe.heights = FileOf(heights);
   if (recipe.heights) {
-    const Json& heights = lit["heights"];
     recipe.relief = {};
     recipe.relief.kind = LM_height_kind::File;
     recipe.relief.smoothing = NumberOf(heights, "smoothing", 0, LM_MOST_SMOOTHING);
     recipe.relief.detail = NumberOf(heights, "detail", 0, LM_MOST_DETAIL);
-    recipe.relief.fit = FlagOf(heights, "fit");
-    recipe.relief.invert = FlagOf(heights, "invert");
+    recipe.relief.fit = Under(heights, "fit") == true;
+    recipe.relief.invert = Under(heights, "invert") == true;
   }
-  const auto channels = lit.find("channels");
-  if (channels != lit.end() && channels->is_array())
-    for (const Json& channel : *channels)
-      if (channel.is_object())
-        recipe.channels.push_back({TextOf(channel, "name"), TextOf(channel, "sha256")});
+  const Json& channels = Under(lit, "channels");
+  if (channels.is_array())
+    for (const Json& channel : channels)
+      if (const std::optional<RecipeFile> file = FileOf(channel))
+        recipe.channels.push_back(*file);
 }
 
 struct XmpDeleter {
   void operator()(XmpPtr xmp) const { xmp_free(xmp); }
+  void operator()(XmpStringPtr text) const { xmp_string_free(text); }
 };
 using XmpPacket = std::unique_ptr<std::remove_pointer_t<XmpPtr>, XmpDeleter>;
+using XmpText = std::unique_ptr<std::remove_pointer_t<XmpStringPtr>, XmpDeleter>;
 
 // The library prints what it cannot read, which is none of the user's concern.
 class QuietErrors {
@@ -129,38 +129,24 @@ private:
   std::streambuf* _kept;
 };
 
-struct XmpText {
-  XmpStringPtr text = xmp_string_new();
-  XmpText() = default;
-  XmpText(const XmpText&) = delete;
-  XmpText& operator=(const XmpText&) = delete;
-  ~XmpText() { xmp_string_free(text); }
-};
-
 // A packet, or a new one for an empty one. Null where it is none that can be read.
-XmpPacket Parsed(const char* bytes, size_t size) {
+XmpPacket Parsed(std::string_view packet) {
   static const bool isReady = xmp_init() && xmp_register_namespace(NAMESPACE, PREFIX, nullptr);
   // Some writers end the packet with a NUL.
-  while (size > 0 && bytes[size - 1] == '\0')
-    --size;
+  while (packet.ends_with('\0'))
+    packet.remove_suffix(1);
   const QuietErrors quiet;
-  return XmpPacket(!isReady ? nullptr : size > 0 ? xmp_new(bytes, size) : xmp_new_empty());
-}
-
-XmpPacket PacketOf(const VImage& image) {
-  size_t size = 0;
-  const void* bytes = nullptr;
-  if (image.get_typeof(VIPS_META_XMP_NAME) == VIPS_TYPE_BLOB)
-    bytes = image.get_blob(VIPS_META_XMP_NAME, &size);
-  return Parsed(static_cast<const char*>(bytes), size);
+  return XmpPacket(!isReady         ? nullptr
+                   : packet.empty() ? xmp_new_empty()
+                                    : xmp_new(packet.data(), packet.size()));
 }
 
 // Empty when there is no memory for it.
 std::string Serialized(const XmpPacket& packet) {
-  const XmpText text;
-  if (!xmp_serialize(packet.get(), text.text, XMP_SERIAL_OMITPACKETWRAPPER, 0))
+  const XmpText text(xmp_string_new());
+  if (!xmp_serialize(packet.get(), text.get(), XMP_SERIAL_OMITPACKETWRAPPER, 0))
     return {};
-  return xmp_string_cstr(text.text);
+  return xmp_string_cstr(text.get());
 }
 
 } // namespace
@@ -192,8 +178,9 @@ bool RecipeFromJson(std::string_view json, Recipe& recipe, std::string& why) {
   if (!LM_StyleFromJson(json, recipe.style, why, &recipe.relief))
     return false;
   const Json whole = Json::parse(json, nullptr, false);
-  if (whole.is_object() && whole.contains(LIT) && whole[LIT].is_object())
-    ReadLit(whole[LIT], recipe);
+  const Json& lit = Under(whole, LIT);
+  if (lit.is_object())
+    ReadLit(lit, recipe);
   return true;
 }
 
@@ -204,31 +191,27 @@ RecipeFile RecipeFileOf(const std::string& path) {
   const Descriptor file = OpenRegularFile(path);
   const std::unique_ptr<GChecksum, void (*)(GChecksum*)> sum(g_checksum_new(G_CHECKSUM_SHA256),
                                                              g_checksum_free);
-  std::vector<unsigned char> bytes(size_t{1} << 16);
-  for (;;) {
-    const ssize_t count = read(file.Number(), bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR)
-      continue;
-    if (count < 0)
-      throw Failure(ExitCode::BadInput, path + ": " + SystemReason(errno));
-    if (count == 0)
-      return {name, g_checksum_get_string(sum.get())};
-    g_checksum_update(sum.get(), bytes.data(), count);
-  }
+  ReadPieces(file.Number(), ExitCode::BadInput, path, [&](std::string_view piece) {
+    g_checksum_update(sum.get(), reinterpret_cast<const guchar*>(piece.data()),
+                      static_cast<gssize>(piece.size()));
+  });
+  return {name, g_checksum_get_string(sum.get())};
 }
 
 std::optional<std::string> RecipeIn(const VImage& image) {
-  if (image.get_typeof(VIPS_META_XMP_NAME) != VIPS_TYPE_BLOB)
+  const std::string_view xmp = BytesOf(image, VIPS_META_XMP_NAME);
+  if (xmp.empty())
     return std::nullopt;
-  const XmpPacket packet = PacketOf(image);
-  const XmpText text;
-  if (packet == nullptr || !xmp_get_property(packet.get(), NAMESPACE, PROPERTY, text.text, nullptr))
+  const XmpPacket packet = Parsed(xmp);
+  const XmpText text(xmp_string_new());
+  if (packet == nullptr ||
+      !xmp_get_property(packet.get(), NAMESPACE, PROPERTY, text.get(), nullptr))
     return std::nullopt;
-  return xmp_string_cstr(text.text);
+  return xmp_string_cstr(text.get());
 }
 
 void PutRecipe(VImage& image, const std::string& json) {
-  XmpPacket packet = PacketOf(image);
+  XmpPacket packet = Parsed(BytesOf(image, VIPS_META_XMP_NAME));
   if (packet == nullptr) // what stands there is no XMP
     packet.reset(xmp_new_empty());
   std::string whole;
@@ -243,7 +226,7 @@ void PutRecipe(VImage& image, const std::string& json) {
 std::string WithoutRecipe(std::string packet) {
   if (packet.find(NAMESPACE) == std::string::npos)
     return packet;
-  const XmpPacket parsed = Parsed(packet.data(), packet.size());
+  const XmpPacket parsed = Parsed(packet);
   if (parsed == nullptr || !xmp_delete_property(parsed.get(), NAMESPACE, PROPERTY))
     return packet;
   return Serialized(parsed);

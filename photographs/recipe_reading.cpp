@@ -27,26 +27,6 @@ std::string RecipeOfFile(const std::string& path) {
                 path + ": holds no recipe to be lit by; limn apply --recipe writes one");
 }
 
-void WriteAll(int descriptor, const std::string& text) {
-  for (size_t at = 0; at < text.size();) {
-    const ssize_t count = write(descriptor, text.data() + at, text.size() - at);
-    if (count < 0 && errno != EINTR)
-      return;
-    at += count > 0 ? static_cast<size_t>(count) : 0;
-  }
-}
-
-std::string ReadAll(int descriptor) {
-  std::string text;
-  char bytes[4096];
-  for (;;) {
-    const ssize_t count = read(descriptor, bytes, sizeof bytes);
-    if (count == 0 || (count < 0 && errno != EINTR))
-      return text;
-    text.append(bytes, count > 0 ? static_cast<size_t>(count) : 0);
-  }
-}
-
 // The exit code of a failure as a letter, then its sentence; or the letter of Done and the text.
 [[noreturn]] void Answer(int descriptor, const std::function<std::string()>& work) {
   ExitCode code = ExitCode::Done;
@@ -60,7 +40,7 @@ std::string ReadAll(int descriptor) {
     code = ExitCode::NoMemory;
     text = "not enough memory";
   }
-  WriteAll(descriptor, static_cast<char>('0' + static_cast<int>(code)) + text);
+  static_cast<void>(WriteAll(descriptor, static_cast<char>('0' + static_cast<int>(code)) + text));
   _exit(0);
 }
 
@@ -76,7 +56,9 @@ std::string InProcessOfItsOwn(const std::string& path, const std::function<std::
   if (child == 0)
     Answer(writing.Number(), work);
   writing = Descriptor();
-  const std::string answer = ReadAll(reading.Number());
+  std::string answer;
+  ReadPieces(reading.Number(), ExitCode::Refused, path,
+             [&](std::string_view piece) { answer += piece; });
   while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
   }
   if (answer.empty())

@@ -3,6 +3,7 @@
 #include "height_image.h"
 #include "image_library.h"
 #include "image_source.h"
+#include "metadata.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,11 +24,9 @@ VImage Resized(const VImage& image, const ReducedPhotograph& to) {
 
 VImage ProfileOf(const VImage& image) {
   VImage pixel = VImage::black(1, 1);
-  if (image.get_typeof(VIPS_META_ICC_NAME) != 0) {
-    size_t size = 0;
-    const void* profile = image.get_blob(VIPS_META_ICC_NAME, &size);
-    vips_image_set_blob_copy(pixel.get_image(), VIPS_META_ICC_NAME, profile, size);
-  }
+  const std::string_view profile = BytesOf(image, VIPS_META_ICC_NAME);
+  if (!profile.empty())
+    vips_image_set_blob_copy(pixel.get_image(), VIPS_META_ICC_NAME, profile.data(), profile.size());
   return pixel;
 }
 
@@ -71,30 +70,23 @@ void FitReduction(ReducedPhotograph& photograph, int longestSide) {
 
 ReadReduction ReadReducedPhotograph(const std::string& path, const std::vector<GreyImage>& channels,
                                     int longestSide) {
-  ReadReduction read;
-  ReducedPhotograph& photograph = read.photograph;
-  try {
-    VImage planes;
-    {
-      const Complaints complaints;
-      MeasurePhotograph(path, photograph);
-      FitReduction(photograph, longestSide);
-      const OpenedPhotograph opened =
-          OpenPhotograph(path, ShrinkFor(std::max(photograph.fullWidth, photograph.fullHeight),
-                                         std::max(photograph.width, photograph.height)));
-      read.notices = opened.notices;
-      read.metadata = ProfileOf(opened.metadata);
-      planes = Resized(opened.planes, photograph).copy_memory();
-      complaints.Check(ExitCode::BadInput, path);
-    }
+  return Guarded(path, [&] {
+    ReadReduction read;
+    ReducedPhotograph& photograph = read.photograph;
+    MeasurePhotograph(path, photograph);
+    FitReduction(photograph, longestSide);
+    const OpenedPhotograph opened =
+        OpenPhotograph(path, ShrinkFor(std::max(photograph.fullWidth, photograph.fullHeight),
+                                       std::max(photograph.width, photograph.height)));
+    read.notices = opened.notices;
+    read.metadata = ProfileOf(opened.metadata);
+    VImage planes = Resized(opened.planes, photograph).copy_memory();
     for (const GreyImage& channel : channels)
       planes = planes.bandjoin(ReducedChannel(channel, photograph, path));
     photograph.numPlanes = planes.bands();
     photograph.pixels = DecodedPixels(planes);
-  } catch (...) {
-    throw CaughtLibraryFailure(ExitCode::BadInput, path);
-  }
-  return read;
+    return read;
+  });
 }
 
 } // namespace limn

@@ -17,7 +17,7 @@ void WriteFrame(FramePicture frame, const OutputName& output, Existing existing)
   picture.numPlanes = 3;
   picture.pixels = std::move(frame.pixels);
   picture.metadata = vips::VImage::black(1, 1);
-  WritePhotograph(picture, output, ResolveTarget(output.path), existing);
+  WritePhotograph(picture, PlanesOf(picture), output, ResolveTarget(output.path), existing);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "deep_lighting.h"
 
-#include "deep_photograph.h"
+#include "image_file.h"
 #include "image_library.h"
 
 #include "LM_block.h"

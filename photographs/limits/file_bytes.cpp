@@ -4,14 +4,32 @@
 
 #include <algorithm>
 #include <cstring>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace limn {
+
+FileBytes::FileBytes(int descriptor, std::string name)
+    : _descriptor(descriptor), _name(std::move(name)) {
+  struct stat status {};
+  if (fstat(descriptor, &status) != 0)
+    Refuse(SystemReason(errno));
+  _length = status.st_size;
+}
+
+void FileBytes::Refuse(const std::string& why) const {
+  throw Failure(ExitCode::BadInput, _name + ": " + why);
+}
 
 int FileBytes::At(int64_t place) {
   if (place < _start || place >= _start + _held)
     _Read(place);
   return place < _start + _held ? _bytes[place - _start] : -1;
+}
+
+bool FileBytes::HasAt(int64_t place, std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [&](char letter) { return At(place++) == static_cast<uint8_t>(letter); });
 }
 
 uint64_t FileBytes::Number(int64_t place, int size, std::endian order) {
@@ -40,8 +58,10 @@ int64_t FileBytes::Find(uint8_t value, int64_t place) {
 void FileBytes::_Read(int64_t place) {
   const ssize_t got = Uninterrupted(
       [&] { return pread(_descriptor, _bytes, sizeof _bytes, static_cast<off_t>(place)); });
+  if (got < 0)
+    Refuse(SystemReason(errno));
   _start = place;
-  _held = std::max<ssize_t>(got, 0);
+  _held = got;
 }
 
 } // namespace limn

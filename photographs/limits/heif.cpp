@@ -1,7 +1,5 @@
 #include "format_limits.h"
 
-#include "failure.h"
-
 #include <algorithm>
 #include <vector>
 
@@ -46,7 +44,7 @@ void ForEachBox(FileBytes& bytes, int64_t at, int64_t limit, const Visitor& visi
 // What is made of what, out of all the file's boxes.
 class HeifItems {
 public:
-  HeifItems(FileBytes& bytes, const std::string& path) : _bytes(bytes), _path(path) {}
+  explicit HeifItems(FileBytes& bytes) : _bytes(bytes) {}
 
   void AddItem(const Box& box) {
     if (box.type != NameOf("infe"))
@@ -54,7 +52,7 @@ public:
     const int width = _bytes.At(box.content) > 2 ? 4 : 2; // by the version
     const uint64_t type = _bytes.Number(box.content + 6 + width, 4);
     if (type == NameOf("iovl"))
-      _Refuse("lays images over each other, which is not read");
+      _bytes.Refuse("lays images over each other, which is not read");
     if (type == NameOf("grid") || type == NameOf("iden"))
       _made.push_back(_bytes.Number(box.content + 4, width));
   }
@@ -64,14 +62,14 @@ public:
     const auto count = static_cast<int64_t>(_bytes.Number(first - 2, 2));
     // The decoder goes by the count and past an identifier, and not by the box's length.
     if (box.type == NameOf("uuid") || first + count * width != box.end)
-      _Refuse("holds references between images that do not fit their box");
+      _bytes.Refuse("holds references between images that do not fit their box");
     const bool isPart = box.type == NameOf("dimg");
     if (!isPart && box.type != NameOf("auxl"))
       return;
     for (int64_t at = first; at < box.end; at += width)
       _references.push_back({isPart, _bytes.Number(box.content, width), _bytes.Number(at, width)});
     if (_references.size() > MOST_REFERENCES)
-      _Refuse("is made of more than " + std::to_string(MOST_REFERENCES) + " images");
+      _bytes.Refuse("is made of more than " + std::to_string(MOST_REFERENCES) + " images");
   }
 
   // Throws unless every image that is made of others is made of coded ones, each of them used a
@@ -86,10 +84,10 @@ public:
     std::sort(parts.begin(), parts.end());
     for (size_t i = MOST_REPEATS; i < parts.size(); ++i)
       if (parts[i] == parts[i - MOST_REPEATS])
-        _Refuse("decodes the same image again and again");
+        _bytes.Refuse("decodes the same image again and again");
     for (const Reference& reference : _references)
       if (_Holds(_made, reference.from) && _Holds(reference.isPart ? _made : parts, reference.to))
-        _Refuse("is made of images that are made of others, which is not read");
+        _bytes.Refuse("is made of images that are made of others, which is not read");
   }
 
 private:
@@ -101,24 +99,20 @@ private:
   static bool _Holds(const std::vector<uint64_t>& sorted, uint64_t id) {
     return std::binary_search(sorted.begin(), sorted.end(), id);
   }
-  [[noreturn]] void _Refuse(const std::string& reason) const {
-    throw Failure(ExitCode::BadInput, _path + ": " + reason);
-  }
 
   FileBytes& _bytes;
-  const std::string& _path;
   std::vector<uint64_t> _made;
   std::vector<Reference> _references;
 };
 
 } // namespace
 
-void CheckHeif(FileBytes& bytes, const std::string& path) {
+void CheckHeif(FileBytes& bytes) {
   // libheif 1.19 ends its process over a file that is cut within its first box.
   const uint64_t first = bytes.Number(0, 4) == 1 ? bytes.Number(8, 8) : bytes.Number(0, 4);
-  if (bytes.Number(4, 4) == NameOf("ftyp") && first > static_cast<uint64_t>(bytes.Length()))
-    throw Failure(ExitCode::BadInput, path + ": is cut short or damaged");
-  HeifItems items(bytes, path);
+  if (first > static_cast<uint64_t>(bytes.Length()))
+    bytes.Refuse("is cut short or damaged");
+  HeifItems items(bytes);
   ForEachBox(bytes, 0, bytes.Length(), [&](const Box& box) {
     if (box.type != NameOf("meta"))
       return;

@@ -1,14 +1,12 @@
 #include "format_limits.h"
 
-#include "failure.h"
-
 #include <algorithm>
 
 namespace limn {
 
 // Counts the segments, beside the pixels and between their scans. The decoder looks through all
 // earlier segments for each new one, and goes over the whole picture for each scan.
-void CheckJpeg(FileBytes& bytes, const std::string& path) {
+void CheckJpeg(FileBytes& bytes) {
   constexpr int END_OF_IMAGE = 0xd9;
   constexpr int START_OF_SCAN = 0xda;
   // The largest profile takes 255 segments, scans of a progressive one ten or twenty.
@@ -26,13 +24,11 @@ void CheckJpeg(FileBytes& bytes, const std::string& path) {
     if (marker <= 1 || (marker >= 0xd0 && marker < END_OF_IMAGE)) // pixels, or a mark among them
       continue;
     if (++numSegments > MOST_SEGMENTS)
-      throw Failure(ExitCode::BadInput, path + ": holds more than " +
-                                            std::to_string(MOST_SEGMENTS) +
-                                            " segments, as no photograph does");
+      bytes.Refuse("holds more than " + std::to_string(MOST_SEGMENTS) +
+                   " segments, as no photograph does");
     if (marker == START_OF_SCAN && ++numScans > MOST_SCANS)
-      throw Failure(ExitCode::BadInput, path + ": holds its pixels in more than " +
-                                            std::to_string(MOST_SCANS) +
-                                            " scans, as no photograph does");
+      bytes.Refuse("holds its pixels in more than " + std::to_string(MOST_SCANS) +
+                   " scans, as no photograph does");
     at += std::max<int64_t>(2, static_cast<int64_t>(bytes.Number(at, 2)));
   }
 }

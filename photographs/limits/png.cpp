@@ -1,7 +1,5 @@
 #include "format_limits.h"
 
-#include "failure.h"
-
 #include <algorithm>
 
 namespace limn {
@@ -24,7 +22,7 @@ int64_t TextOf(uint64_t type, int64_t length) {
 
 // Adds up the texts in front of the pixels. A chunk that claims more than there is would be given
 // the memory that it claims.
-void CheckPng(FileBytes& bytes, const std::string& path) {
+void CheckPng(FileBytes& bytes) {
   int64_t text = 0;
   int64_t at = 8;
   for (int i = 0; bytes.At(at + 7) >= 0; ++i) {
@@ -33,10 +31,10 @@ void CheckPng(FileBytes& bytes, const std::string& path) {
     if (type == NameOf("IDAT"))
       return;
     if (length > bytes.Length() - at)
-      throw Failure(ExitCode::BadInput, path + ": ends before its pixels");
+      bytes.Refuse("ends before its pixels");
     text += TextOf(type, length);
     if (text > MOST_TEXT || i == MOST_CHUNKS)
-      throw Failure(ExitCode::BadInput, path + ": holds more text beside its pixels than is read");
+      bytes.Refuse("holds more text beside its pixels than is read");
     at += 12 + length;
   }
 }

@@ -1,7 +1,5 @@
 #include "format_limits.h"
 
-#include "failure.h"
-
 #include <string>
 
 namespace limn {
@@ -20,19 +18,18 @@ std::string LineAt(FileBytes& bytes, int64_t at, int64_t end) {
 
 // The file begins with lines of text, of which an empty one is the last, and a line with its sides.
 // The decoder takes any order of rows and columns for the usual one.
-void CheckRadiance(FileBytes& bytes, const std::string& path) {
+void CheckRadiance(FileBytes& bytes) {
   constexpr int64_t LONGEST_HEAD = 64 << 10;
-  const auto refuse = [&](const char* why) { throw Failure(ExitCode::BadInput, path + why); };
   bool isHead = true;
   for (int64_t at = 0;;) {
     const int64_t end = bytes.Find('\n', at);
     if (end < 0 || end > LONGEST_HEAD)
-      refuse(": does not say how large it is");
+      bytes.Refuse("does not say how large it is");
     const std::string line = LineAt(bytes, at, end);
     if (line.starts_with("FORMAT=32-bit_rle_xyze"))
-      refuse(": holds XYZ colours, which are not read");
+      bytes.Refuse("holds XYZ colours, which are not read");
     if (!isHead && (!line.starts_with("-Y ") || line.find(" +X ") == std::string::npos))
-      refuse(": holds its rows or columns in an unusual order, which is not read");
+      bytes.Refuse("holds its rows or columns in an unusual order, which is not read");
     if (!isHead)
       return;
     isHead = !line.empty();

@@ -1,7 +1,5 @@
 #include "format_limits.h"
 
-#include "failure.h"
-
 #include <algorithm>
 #include <iterator>
 
@@ -64,8 +62,8 @@ uint64_t PaddedTo(uint64_t side, uint64_t piece) {
 // The first page's tags. No profile or text may be longer than a photograph's are; its strips or
 // tiles may not be the same bytes over and over, and tiles not reach far beyond the image. Floats
 // that the decoder does not know are refused by their name.
-void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t fileLength,
-                 const std::string& path) {
+void CheckValues(FileBytes& bytes, TiffNumbers& numbers, uint64_t tags, uint64_t numTags) {
+  const auto fileLength = static_cast<uint64_t>(bytes.Length());
   constexpr uint64_t MOST_VALUES = 32 << 20; // of whatever size, in one tag
   uint64_t width = 0, height = 0, tileWidth = 0, tileHeight = 0, numBytes = 0;
   uint64_t bits = 0, sampleFormat = 0; // of the first channel; the decoder wants the others alike
@@ -112,27 +110,24 @@ void CheckValues(TiffNumbers& numbers, uint64_t tags, uint64_t numTags, uint64_t
       break;
     }
     if (tag.count > MOST_VALUES)
-      throw Failure(ExitCode::BadInput, path + ": holds more data beside its pixels than is read");
+      bytes.Refuse("holds more data beside its pixels than is read");
   }
   constexpr uint64_t FLOATS = 3, FLOAT_BITS = 32;
   if (sampleFormat == FLOATS && bits != FLOAT_BITS)
-    throw Failure(ExitCode::BadInput, path + ": has floats of " + std::to_string(bits) +
-                                          " bits, and only those of 32 are read");
+    bytes.Refuse("has floats of " + std::to_string(bits) + " bits, and only those of 32 are read");
   if (numBytes / MOST_REPEATS > fileLength)
-    throw Failure(ExitCode::BadInput, path + ": decodes the same bytes again and again");
+    bytes.Refuse("decodes the same bytes again and again");
   const uint64_t rows = PaddedTo(height, tileHeight);
   if (rows > 0 && PaddedTo(width, tileWidth) > (MOST_PADDING + 4 * width * height) / rows)
-    throw Failure(ExitCode::BadInput, path + ": has tiles that reach far beyond its pixels");
+    bytes.Refuse("has tiles that reach far beyond its pixels");
 }
 
 } // namespace
 
 // All pages are counted, by reading their tags.
-void CheckTiff(FileBytes& bytes, const std::string& path) {
+void CheckTiff(FileBytes& bytes) {
   constexpr uint64_t MOST_DECODED = 4096; // a page with more ends the decoder's reading
   TiffNumbers numbers(bytes);
-  if (!numbers.IsTiff())
-    return;
   const uint64_t width = numbers.OffsetSize();
   const uint64_t head = numbers.CountSize();
   uint64_t allTags = 0;
@@ -143,9 +138,9 @@ void CheckTiff(FileBytes& bytes, const std::string& path) {
     const bool isFirst = allTags == 0;
     allTags += numTags;
     if (numTags > MOST_TAGS_A_PAGE || allTags > MOST_TAGS)
-      throw Failure(ExitCode::BadInput, path + ": holds more tags than a photograph does");
+      bytes.Refuse("holds more tags than a photograph does");
     if (isFirst)
-      CheckValues(numbers, page + head, numTags, static_cast<uint64_t>(bytes.Length()), path);
+      CheckValues(bytes, numbers, page + head, numTags);
     page = numbers.At(page + head + numbers.TagSize() * numTags, width);
   }
 }

@@ -1,16 +1,14 @@
 #include "format_limits.h"
 
-#include "failure.h"
-
 namespace limn {
 
 // A RIFF's chunks are counted. The decoder looks through all earlier frames for each one.
-void CheckWebp(FileBytes& bytes, const std::string& path) {
+void CheckWebp(FileBytes& bytes) {
   int numChunks = 0;
   for (int64_t at = 12; bytes.At(at + 7) >= 0; ++numChunks) {
     if (numChunks == MOST_CHUNKS)
-      throw Failure(ExitCode::BadInput, path + ": holds more than " + std::to_string(MOST_CHUNKS) +
-                                            " chunks, as no photograph does");
+      bytes.Refuse("holds more than " + std::to_string(MOST_CHUNKS) +
+                   " chunks, as no photograph does");
     const auto length = static_cast<int64_t>(bytes.Number(at + 4, 4, std::endian::little));
     at += 8 + length + (length & 1);
   }

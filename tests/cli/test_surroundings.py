@@ -106,6 +106,7 @@ def bombs():
     yield "again and again", "tiles.avif", heif([b"grid", b"av01"], (b"dimg", 1, *[2] * 100))
     yield "65536", "references.avif", heif([b"grid"], *[(b"dimg", 1, *range(2, 40000))] * 2)
     yield "fit their box", "counts.avif", heif([b"grid"], (b"dimg", 1, 2)).replace(b"dimg\0\1\0\1", b"dimg\0\1\xff\xff")
+    yield "damaged", "riff.avif", b"RIFF" + heif([b"av01"])[4:]
     yield "", "boxes.avif", b"\0\0\0\x10ftypavif\0\0\0\0" + b"\0\0\0\x08meta" * 400000
     yield "", "large.ppm", b"P6\n30000 30000\n255\n"
     for says, side in [("pixels", 30000), ("as no photograph is", 8000), ("", 3000)]:

@@ -1,7 +1,7 @@
 // The canvas shows what Save writes, and that is what the copied command writes in a terminal.
 #include "EditorRun.h"
 
-#include "deep_photograph.h"
+#include "image_file.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 // Plug-ins in the editor: the dialog of the real one, repetition, and how a run is cut short.
 #include "EditorRun.h"
 
-#include "deep_photograph.h"
+#include "image_file.h"
 
 #include <QAccessible>
 #include <QApplication>

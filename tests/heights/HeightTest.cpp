@@ -118,8 +118,7 @@ TEST(Heights, MeansAreThoseOfTheSquare) {
     LM_height_plane means(plane.width, plane.height);
     LM_box_means box(plane.width, plane.height, radius);
     for (int y = 0; y < plane.height; ++y)
-      box.MakeRow(
-          y, [&](int row) { return plane.Row(row); }, means.Row(y));
+      box.MakeRow(y, plane, means.Row(y));
     const int reach = static_cast<int>(std::ceil(radius));
     const double rim = radius == reach ? 1 : radius - std::floor(radius);
     for (int y = 0; y < plane.height; ++y)
@@ -167,8 +166,7 @@ TEST(Heights, FiltersAreMeansOfWholePlanes) {
     LM_height_plane means(of.width, of.height);
     LM_box_means box(of.width, of.height, radius);
     for (int y = 0; y < of.height; ++y)
-      box.MakeRow(
-          y, [&](int row) { return of.Row(row); }, means.Row(y));
+      box.MakeRow(y, of, means.Row(y));
     return means;
   };
   const double radius = 90 * 40 / 1000.0;

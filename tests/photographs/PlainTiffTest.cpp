@@ -50,7 +50,7 @@ bool HoldsAll(const std::vector<uint8_t>& bytes, uint64_t size = 100) {
   const std::unique_ptr<FILE, int (*)(FILE*)> file(std::tmpfile(), std::fclose);
   EXPECT_EQ(std::fwrite(bytes.data(), 1, bytes.size(), file.get()), bytes.size());
   std::fflush(file.get());
-  limn::FileBytes reader(fileno(file.get()), static_cast<int64_t>(bytes.size()));
+  limn::FileBytes reader(fileno(file.get()), "a TIFF");
   return limn::HoldsPlainPixels(reader, size);
 }
 

@@ -1,7 +1,6 @@
 #include "CanvasLighting.h"
 
 #include "deep_lighting.h"
-#include "deep_photograph.h"
 #include "failure.h"
 #include "halving.h"
 #include "height_image.h"

@@ -1,7 +1,6 @@
 #include "EditorDocument.h"
 
 #include "deep_lighting.h"
-#include "deep_photograph.h"
 #include "failure.h"
 #include "lighting.h"
 

@@ -3,7 +3,6 @@
 #include "ImageFiles.h"
 
 #include "deep_lighting.h"
-#include "deep_photograph.h"
 #include "height_image.h"
 #include "image_library.h"
 

@@ -208,7 +208,7 @@ ExitCode WriteSheet(const SheetOptions& options) {
     const std::optional<limn_area> detail = DetailOf(options, photograph);
     SheetFrames frames(options.image, photograph, surroundings);
     Photograph sheet = DrawSheet(options, read, detail, frames, styles);
-    WritePhotograph(sheet, output, ResolveTarget(output.path), existing);
+    WritePhotograph(sheet, PlanesOf(sheet), output, ResolveTarget(output.path), existing);
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     Tell(options, output, sheet, detail, styles, seconds.count());
   } catch (const vips::VError&) {
