@@ -2,14 +2,40 @@
 // user has dismissed it; without a screen the text goes to standard error.
 #pragma once
 
-#include "LM_export.h"
-#include "MacTypes.h"
+#include "MacDialogs.h"
 
-void LM_ShowNoDisplayPixelsError();  // 16000: the host cannot show pixels
-void LM_ShowHostNotCorvalineError(); // 16000 too: to the user both say that this host will not do
-LM_EXPORT void LM_ShowTooFewLightsError(); // 16002: the last light is not removed
-void LM_ShowNoFPUError();                  // 16003
-LM_EXPORT void LM_ShowStyleSaveError();    // 16007
-LM_EXPORT void LM_ShowStyleLoadError();    // 16008
-LM_EXPORT void LM_FileDeleteLockedError(ConstStr255Param name); // 16009: the style is a locked file
-LM_EXPORT void LM_FileSaveLockedError(ConstStr255Param name);   // 16010
+constexpr Str255 LM_NO_TEXT = {0};
+
+// The host cannot show pixels, or is another one: to the user both say that it will not do.
+inline void LM_ShowNoDisplayPixelsError() {
+  StopAlert(16000, nullptr);
+}
+inline void LM_ShowHostNotCorvalineError() {
+  StopAlert(16000, nullptr);
+}
+
+// The last light is not removed.
+inline void LM_ShowTooFewLightsError() {
+  StopAlert(16002, nullptr);
+}
+
+inline void LM_ShowNoFPUError() {
+  StopAlert(16003, nullptr);
+}
+
+inline void LM_ShowStyleSaveError() {
+  StopAlert(16007, nullptr);
+}
+inline void LM_ShowStyleLoadError() {
+  StopAlert(16008, nullptr);
+}
+
+// The style is a locked file.
+inline void LM_FileDeleteLockedError(ConstStr255Param name) {
+  ParamText(name, LM_NO_TEXT, LM_NO_TEXT, LM_NO_TEXT);
+  StopAlert(16009, nullptr);
+}
+inline void LM_FileSaveLockedError(ConstStr255Param name) {
+  ParamText(name, LM_NO_TEXT, LM_NO_TEXT, LM_NO_TEXT);
+  StopAlert(16010, nullptr);
+}

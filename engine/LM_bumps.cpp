@@ -9,19 +9,6 @@
 
 namespace {
 
-bool GrowHeights(LM_bump_map& map, uint64_t needed) {
-  if (map.heights != nullptr && map.capacity >= needed)
-    return true;
-  LM_DisposeAndClear(map.heights);
-  if (needed > UINT32_MAX)
-    return false;
-  map.heights = static_cast<int32_t*>(LM_NewPtr(static_cast<size_t>(needed)));
-  if (map.heights == nullptr)
-    return false;
-  map.capacity = static_cast<uint32_t>(needed);
-  return true;
-}
-
 // The delivered channel. The preview's buffer holds three pixels of margin all round, more than the
 // rectangle names.
 LM_source_view DeliveredPlane(const FilterRecord& record, const LM_globals& globals) {
@@ -36,6 +23,16 @@ LM_source_view DeliveredPlane(const FilterRecord& record, const LM_globals& glob
 
 } // namespace
 
+bool LM_GrowHeights(LM_bump_map& map, uint64_t bytes) {
+  if (map.heights != nullptr && map.capacity >= bytes)
+    return true;
+  LM_DisposeAndClear(map.heights);
+  if (bytes <= UINT32_MAX)
+    map.heights = static_cast<int32_t*>(LM_NewPtr(static_cast<size_t>(bytes)));
+  map.capacity = map.heights != nullptr ? static_cast<uint32_t>(bytes) : 0;
+  return map.heights != nullptr;
+}
+
 int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals) {
   LM_bump_map& map = globals->bumpMap;
   const CVRect32 wanted = LM_WantedBumpRect(record, globals, LM_BUMP_MARGIN);
@@ -43,7 +40,7 @@ int16_t LM_StoreBumpMap(FilterRecord* record, LM_globals* globals) {
   const int32_t rows = std::max(wanted.bottom - wanted.top - 2, 0);
   map.width = static_cast<uint32_t>(columns);
   map.rowBytes = map.width * 4;
-  if (!GrowHeights(map, static_cast<uint64_t>(columns) * static_cast<uint64_t>(rows) * 4))
+  if (!LM_GrowHeights(map, static_cast<uint64_t>(columns) * static_cast<uint64_t>(rows) * 4))
     return 1;
   const LM_source_view plane = DeliveredPlane(*record, *globals);
   if (LM_IsEmpty(plane.bounds) || plane.pixels == nullptr) {

@@ -1,5 +1,5 @@
 // The preview's shading caches and the buffers of a run, as LM_globals owns them.
-#include <iterator>
+#include <array>
 
 #include "LM_globals.h"
 #include "LM_memory.h"
@@ -16,15 +16,11 @@ bool HasBothCaches(const LM_light_UI& light) {
   return light.UseDiffuseCache() == 1 && light.UseSpecularCache() == 1;
 }
 
-// The object's caches, for what is done to all of them alike.
-struct AllCaches {
-  explicit AllCaches(LM_globals& g)
-      : caches{&g.posCache,         &g.normCache,       &g.weightCache,     &g.baseCache,
-               &g.sampleCountCache, &g.diffuseSumCache, &g.specularSumCache} {}
-  LM_cache** begin() { return std::begin(caches); }
-  LM_cache** end() { return std::end(caches); }
-  LM_cache* caches[7];
-};
+// For what is done to all of them alike.
+std::array<LM_cache*, 7> AllCaches(LM_globals& g) {
+  return {&g.posCache,         &g.normCache,       &g.weightCache,     &g.baseCache,
+          &g.sampleCountCache, &g.diffuseSumCache, &g.specularSumCache};
+}
 
 } // namespace
 
@@ -41,7 +37,7 @@ void LM_globals::AllocateCaches(unsigned long width, unsigned long height, LM_bo
   }
   Allocate(diffuseSumCache, sizeof(LM_color96) * samples);
   Allocate(specularSumCache, sizeof(LM_color96) * samples);
-  for (int i = 0; i < numLights && i < LM_MAX_LIGHTS; ++i) {
+  for (int i = 0; i < numLights; ++i) {
     const bool hadBoth = HasBothCaches(lights[i]);
     lights[i].AllocateCaches(static_cast<unsigned long>(samples));
     // Sums that are there without the light's own caches would never fill them.

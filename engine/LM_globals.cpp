@@ -59,7 +59,6 @@ void LM_globals::_ShapeDefaultSpot(LM_light_UI& light) {
   light.handle1 = {30, 30};
   light.handle2 = {-15, 15};
   light.radius = 30;
-  light.InvalidateCaches();
   GenerateEllipseCoords();
 }
 
@@ -86,8 +85,7 @@ int16_t LM_globals::CopySettingsFrom(const LM_globals& other) {
   frameCenterY = other.frameCenterY;
   frameOriginX = other.frameOriginX;
   frameOriginY = other.frameOriginY;
-  const int count = std::min<int>(other.numLights, LM_MAX_LIGHTS);
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < numLights; ++i) {
     // This object's own buffers would be lost under the copy, and the other's must not be shared.
     lights[i].FreeCaches();
     lights[i] = other.lights[i];
@@ -109,10 +107,9 @@ void LM_globals::ConvertToParameters(foo* params, LM_bool preview) const {
                      bumpAmplitude, whiteIsHigh != 0, previewWidth, pixelsPerUnit},
                     params);
   uint16_t count = 0;
-  for (int i = 0; i < std::min<int>(numLights, LM_MAX_LIGHTS); ++i) {
+  for (int i = 0; i < numLights; ++i)
     if (lights[i].on == 1)
       lights[i].ConvertToRealLight(&params->lights[count++], pixelsPerUnit, preview);
-  }
   params->numLights = count;
 }
 
@@ -129,7 +126,7 @@ LM_light_UI* LM_globals::_AddLight(int16_t h, int16_t v) {
   if (numLights >= LM_MAX_LIGHTS)
     return nullptr;
   curLight = numLights++;
-  LM_light_UI& light = lights[curLight];
+  LM_light_UI& light = CurrentLight();
   light.anchor = {frameCenterX, frameCenterY};
   light.center = {LM_Cut16(h - frameCenterX), LM_Cut16(v - frameCenterY)};
   light.on = 1;
@@ -147,11 +144,10 @@ void LM_globals::CreateNewOmniLight(int16_t h, int16_t v) {
   light->spread = 0;
   light->handle1 = {20, 0};
   light->handle2 = {0, 10};
-  light->InvalidateCaches();
 }
 
 void LM_globals::CopyNewLight(int16_t h, int16_t v) {
-  const LM_light_UI& model = lights[curLight < LM_MAX_LIGHTS ? curLight : 0];
+  const LM_light_UI& model = CurrentLight();
   LM_light_UI* light = _AddLight(h, v);
   if (light == nullptr)
     return;
@@ -162,14 +158,13 @@ void LM_globals::CopyNewLight(int16_t h, int16_t v) {
   light->handle1 = model.handle1;
   light->handle2 = model.handle2;
   light->radius = model.radius;
-  light->InvalidateCaches();
 }
 
 void LM_globals::CreateNewSpotlight(int16_t h, int16_t v) {
   const uint16_t before = numLights;
   CopyNewLight(h, v);
   if (numLights != before)
-    lights[curLight].type = LM_LIGHT_SPOT;
+    CurrentLight().type = LM_LIGHT_SPOT;
 }
 
 void LM_globals::CreateNewLight(int16_t h, int16_t v) {
@@ -225,7 +220,5 @@ LM_globals* LM_NewGlobals() {
 
 void LM_DestroyGlobals(LM_globals* globals) {
   globals->FreeCaches();
-  for (int i = LM_MAX_LIGHTS - 1; i >= 0; --i)
-    globals->lights[i].FreeCaches();
   delete globals;
 }

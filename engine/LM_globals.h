@@ -52,8 +52,8 @@ public:
   CVPixelMap previewMaps[3]; // by LM_preview_map; buffers owned
   uint16_t tileSize;         // tile edge of the present walk
   FilterRecord* record;      // of the present run
-  uint16_t numLights;
-  uint16_t curLight; // the selected one
+  uint16_t numLights;        // at most LM_MAX_LIGHTS
+  uint16_t curLight;         // the selected one, below LM_MAX_LIGHTS
   // Of the preview frame, in the dialog's coordinates: where lights have their origin.
   int16_t frameCenterX;
   int16_t frameCenterY;
@@ -99,6 +99,8 @@ public:
   void ConvertToParameters(foo* params, LM_bool preview) const;
   void GenerateEllipseCoords();
 
+  LM_light_UI& CurrentLight() { return lights[curLight]; }
+  const LM_light_UI& CurrentLight() const { return lights[curLight]; }
   // Each adds a light at the dialog point (h, v) and selects it; with sixteen lights nothing
   // happens.
   void CreateNewOmniLight(int16_t h, int16_t v);

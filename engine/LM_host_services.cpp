@@ -7,6 +7,17 @@
 #include "MacDialogs.h"
 #include "MacMemory.h"
 
+namespace {
+
+int16_t Query(const FilterRecord* record, uint32_t key, int32_t index, int32_t& value,
+              CVHandle& handle) {
+  if (record->queryProperty == nullptr)
+    return CV_RESULT_NO_SERVICE;
+  return record->queryProperty(CV_HOST_SIGNATURE, key, index, &value, &handle);
+}
+
+} // namespace
+
 bool LM_HostIsCorvaline(const FilterRecord* record) {
   return record->hostSignature == CV_HOST_SIGNATURE;
 }
@@ -32,24 +43,18 @@ int16_t LM_DisplayPixels(FilterRecord* record, const CVPixelMap* map, const CVRe
 }
 
 int16_t LM_GetNumChannels(int16_t& count, FilterRecord* record) {
-  if (record->queryProperty == nullptr)
-    return CV_RESULT_NO_SERVICE;
   int32_t value = 0;
   CVHandle handle = nullptr;
-  const int16_t result =
-      record->queryProperty(CV_HOST_SIGNATURE, CV_PROPERTY_NUM_CHANNELS, 0, &value, &handle);
+  const int16_t result = Query(record, CV_PROPERTY_NUM_CHANNELS, 0, value, handle);
   if (result == CV_RESULT_OK)
     count = LM_Saturate16(value);
   return result;
 }
 
 int16_t LM_GetChannelName(int16_t index, Str255 name, FilterRecord* record) {
-  if (record->queryProperty == nullptr)
-    return CV_RESULT_NO_SERVICE;
   int32_t value = 0;
   CVHandle handle = nullptr;
-  const int16_t result =
-      record->queryProperty(CV_HOST_SIGNATURE, CV_PROPERTY_CHANNEL_NAME, index, &value, &handle);
+  const int16_t result = Query(record, CV_PROPERTY_CHANNEL_NAME, index, value, handle);
   if (result != CV_RESULT_OK)
     return result;
   if (handle == nullptr)

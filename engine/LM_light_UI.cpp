@@ -11,20 +11,6 @@ void AllocateCache(LM_color96*& cache, unsigned long samples) {
     cache = static_cast<LM_color96*>(LM_NewPtr(samples * sizeof(LM_color96)));
 }
 
-void DetachCache(LM_color96*& cache, LM_bool& hot) {
-  if (cache != nullptr) {
-    cache = nullptr;
-    hot = 0;
-  }
-}
-
-void FreeCache(LM_color96*& cache, LM_bool& hot) {
-  if (cache != nullptr) {
-    LM_DisposeAndClear(cache);
-    hot = 0;
-  }
-}
-
 } // namespace
 
 LM_light_figure LM_light_UI::Figure() const {
@@ -71,13 +57,16 @@ void LM_light_UI::AllocateCaches(unsigned long samples) {
 }
 
 void LM_light_UI::DetachCaches() {
-  DetachCache(diffuseCache, diffuseCacheHot);
-  DetachCache(specularCache, specularCacheHot);
+  diffuseCache = nullptr;
+  diffuseCacheHot = 0;
+  specularCache = nullptr;
+  specularCacheHot = 0;
 }
 
 void LM_light_UI::FreeCaches() {
-  FreeCache(diffuseCache, diffuseCacheHot);
-  FreeCache(specularCache, specularCacheHot);
+  LM_DisposePtr(diffuseCache);
+  LM_DisposePtr(specularCache);
+  DetachCaches();
 }
 
 void LM_light_UI::InvalidateCaches() {

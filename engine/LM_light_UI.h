@@ -86,7 +86,7 @@ private:
   void _DrawXORDirectional(LM_bool withGrabHandles);
   void _DrawXOROmni(LM_bool withCenter, LM_bool withGrabHandles);
   void _DrawXORSpot(LM_bool withCenter, LM_bool withGrabHandles, LM_globals* owner);
-  void _DrawHandles(PixPat** pattern, LM_bool withGrabHandles);
+  void _DrawHandles(LM_bool withGrabHandles);
   void _DrawXORHandles(LM_bool withCenter, LM_bool withGrabHandles);
   void _DrawCenterHandle(PixPat** pattern);
   void _DrawGrabHandle(short x, short y, PixPat** pattern);

@@ -17,26 +17,20 @@ uint8_t* PixelAt(const CVPixelMap& map, int32_t row, int32_t column) {
 // again after the call, when the preview's buffers may be gone.
 class BorrowedFields {
 public:
-  explicit BorrowedFields(FilterRecord* record)
-      : _record(record), _area(record->filterArea), _in(record->inPixels),
-        _inStride(record->inRowStride), _out(record->outPixels), _outStride(record->outRowStride) {}
+  explicit BorrowedFields(FilterRecord* record) : _record(record), _before(*record) {}
   BorrowedFields(const BorrowedFields&) = delete;
   BorrowedFields& operator=(const BorrowedFields&) = delete;
   ~BorrowedFields() {
-    _record->filterArea = _area;
-    _record->inPixels = _in;
-    _record->inRowStride = _inStride;
-    _record->outPixels = _out;
-    _record->outRowStride = _outStride;
+    _record->filterArea = _before.filterArea;
+    _record->inPixels = _before.inPixels;
+    _record->inRowStride = _before.inRowStride;
+    _record->outPixels = _before.outPixels;
+    _record->outRowStride = _before.outRowStride;
   }
 
 private:
   FilterRecord* _record;
-  CVRect _area;
-  const uint8_t* _in;
-  int32_t _inStride;
-  uint8_t* _out;
-  int32_t _outStride;
+  const FilterRecord _before;
 };
 
 void AimAtPreview(FilterRecord* record, const LM_globals& g, uint8_t* out, int32_t outRowBytes) {
@@ -53,17 +47,12 @@ void AimAtPreview(FilterRecord* record, const LM_globals& g, uint8_t* out, int32
 
 int16_t StorePreviewHeights(FilterRecord* record, LM_globals* g, const foo* params) {
   const CVPixelMap& bump = g->previewMaps[LM_BUMP_PREVIEW_MAP];
-  const CVRect area = record->inTileRect;
   g->bumpMap.scale = LM_PreviewHeight(params->bumpHeight, g->previewScale);
   record->inTileRect = {-2, -2, static_cast<int16_t>(g->previewHeight + 2),
                         static_cast<int16_t>(g->previewWidth + 2)};
   record->inPixels = bump.baseAddress;
   record->inRowStride = bump.rowBytes;
-  const int16_t result = LM_StoreBumpMap(record, g);
-  record->inTileRect = area;
-  record->inPixels = g->previewMaps[LM_PREVIEW_MAP].baseAddress;
-  record->inRowStride = g->previewMaps[LM_PREVIEW_MAP].rowBytes;
-  return result == 0 ? int16_t{CV_RESULT_OK} : int16_t{CV_RESULT_NO_MEMORY};
+  return LM_StoreBumpMap(record, g);
 }
 
 } // namespace
@@ -79,16 +68,14 @@ int16_t LM_ShadePreview(LM_globals* globals) {
                           static_cast<unsigned long>(globals->previewHeight), relief ? 1 : 0);
   globals->ConvertToParameters(params, 1);
   const BorrowedFields borrowed(record);
+  if (relief && StorePreviewHeights(record, globals, params) != 0)
+    return CV_RESULT_NO_MEMORY;
   AimAtPreview(record, *globals, PixelAt(frame, globals->previewOffsetY, globals->previewOffsetX),
                frame.rowBytes);
-  if (!relief) {
-    LM_ShadeTile(record, globals);
-  } else {
-    const int16_t result = StorePreviewHeights(record, globals, params);
-    if (result != CV_RESULT_OK)
-      return result;
+  if (relief)
     LM_ShadePreviewTileWithBumps(record, &globals->bumpMap, globals);
-  }
+  else
+    LM_ShadeTile(record, globals);
   LM_DetachParameterCaches(params);
   return CV_RESULT_OK;
 }

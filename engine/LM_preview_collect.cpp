@@ -12,10 +12,6 @@ namespace {
 
 constexpr uint8_t WHITE = 0xFF;
 
-size_t BufferBytes(const CVPixelMap& map, int32_t rows) {
-  return static_cast<size_t>(map.rowBytes) * static_cast<size_t>(rows);
-}
-
 CVPixelMap ColorMap(int32_t width, int32_t height, int32_t mode) {
   CVPixelMap map = {};
   map.bounds = {0, 0, height, width};
@@ -34,7 +30,7 @@ CVPixelMap BumpMap(int32_t width, int32_t height) {
 }
 
 bool AllocateWhite(CVPixelMap& map, int32_t rows) {
-  const size_t bytes = BufferBytes(map, rows);
+  const size_t bytes = static_cast<size_t>(map.rowBytes) * static_cast<size_t>(rows);
   map.baseAddress = static_cast<uint8_t*>(LM_NewPtr(bytes));
   if (map.baseAddress != nullptr)
     std::memset(map.baseAddress, WHITE, bytes);
@@ -43,16 +39,11 @@ bool AllocateWhite(CVPixelMap& map, int32_t rows) {
 
 bool AllocateHeights(LM_bump_map& map, int32_t width, int32_t height) {
   LM_DisposeAndClear(map.heights);
-  map.capacity = 0;
   const uint64_t bytes =
       (static_cast<uint64_t>(height) + 2) * (static_cast<uint64_t>(width) + 2) * 4;
-  if (bytes > UINT32_MAX)
-    return false;
-  map.heights = static_cast<int32_t*>(LM_NewPtr(static_cast<size_t>(bytes)));
-  if (map.heights == nullptr)
+  if (!LM_GrowHeights(map, bytes))
     return false;
   std::memset(map.heights, WHITE, static_cast<size_t>(bytes));
-  map.capacity = static_cast<uint32_t>(bytes);
   return true;
 }
 
@@ -91,45 +82,22 @@ bool AllocateBuffers(const FilterRecord* record, LM_globals* g, const Rect& fram
          (!HostHasMask(record) || AttachMask(maps[LM_FRAME_MAP]));
 }
 
-// Reduction of one delivered tile: from its first sampled pixel on, every step-th of every step-th
-// row.
-struct Reduction {
-  const uint8_t* source;
-  int32_t sourceRowBytes;
-  int32_t rows, columns;             // delivered
-  int32_t wantedRows, wantedColumns; // beyond what is delivered its last row and column go on
-  int32_t pixelBytes;
-  int32_t step;
+// A delivered tile. Beyond what was delivered its last row and column go on, as far as is wanted.
+struct Delivery {
+  const uint8_t* pixels;
+  int32_t rowBytes;
+  CVRect tile;
+  int32_t wantedRows, wantedColumns;
 };
 
 // Where the reduced pixels go; what would fall outside is dropped.
 struct Destination {
   uint8_t* pixels;
   int32_t rowBytes;
+  int32_t pixelBytes;
   int32_t rows, columns; // room, in pixels
-  int32_t row, column;   // of the first reduced pixel
+  int32_t row, column;   // of the filter area's first pixel
 };
-
-void Reduce(const Reduction& from, int32_t firstRow, const Destination& to) {
-  if (from.rows < 1 || from.columns < 1)
-    return;
-  int32_t outRow = to.row;
-  for (int32_t row = firstRow; row < from.wantedRows && outRow < to.rows;
-       row += from.step, ++outRow) {
-    const uint8_t* in =
-        from.source + static_cast<ptrdiff_t>(std::min(row, from.rows - 1)) * from.sourceRowBytes;
-    int32_t outColumn = to.column;
-    for (int32_t column = 0; column < from.wantedColumns && outColumn < to.columns;
-         column += from.step, ++outColumn) {
-      if (outRow < 0 || outColumn < 0)
-        continue;
-      std::memcpy(to.pixels + static_cast<ptrdiff_t>(outRow) * to.rowBytes +
-                      static_cast<ptrdiff_t>(outColumn) * from.pixelBytes,
-                  in + static_cast<ptrdiff_t>(std::min(column, from.columns - 1)) * from.pixelBytes,
-                  static_cast<size_t>(from.pixelBytes));
-    }
-  }
-}
 
 // The first row of a tile that falls on the sampling grid, which starts at the filter area's top.
 int32_t FirstSampledRow(int32_t dy, int32_t step) {
@@ -137,15 +105,59 @@ int32_t FirstSampledRow(int32_t dy, int32_t step) {
   return first == step ? 0 : first;
 }
 
-int32_t PreviewStep(const LM_globals* g) {
-  return std::max<int32_t>(g->previewScale, 1);
+// Reduces what is delivered for the record's input rectangle: from its first sampled pixel on,
+// every step-th of every step-th row.
+void Reduce(const FilterRecord* record, const LM_globals* g, const Delivery& from,
+            const Destination& to) {
+  const int32_t lastRow = from.tile.bottom - from.tile.top - 1;
+  const int32_t lastColumn = from.tile.right - from.tile.left - 1;
+  if (lastRow < 0 || lastColumn < 0)
+    return;
+  const int32_t step = LM_PreviewStep(g);
+  const int32_t dy = record->inTileRect.top - record->filterArea.top;
+  const int32_t dx = record->inTileRect.left - record->filterArea.left;
+  int32_t outRow = to.row + dy / step;
+  for (int32_t row = FirstSampledRow(dy, step); row < from.wantedRows && outRow < to.rows;
+       row += step, ++outRow) {
+    const uint8_t* in =
+        from.pixels + static_cast<ptrdiff_t>(std::min(row, lastRow)) * from.rowBytes;
+    int32_t outColumn = to.column + dx / step;
+    for (int32_t column = 0; column < from.wantedColumns && outColumn < to.columns;
+         column += step, ++outColumn) {
+      if (outRow < 0 || outColumn < 0)
+        continue;
+      std::memcpy(to.pixels + static_cast<ptrdiff_t>(outRow) * to.rowBytes +
+                      static_cast<ptrdiff_t>(outColumn) * to.pixelBytes,
+                  in + static_cast<ptrdiff_t>(std::min(column, lastColumn)) * to.pixelBytes,
+                  static_cast<size_t>(to.pixelBytes));
+    }
+  }
 }
 
-Reduction Delivered(const uint8_t* source, int32_t rowBytes, const CVRect& tile, int32_t pixelBytes,
-                    const LM_globals* g) {
-  const int32_t rows = tile.bottom - tile.top;
-  const int32_t columns = tile.right - tile.left;
-  return {source, rowBytes, rows, columns, rows, columns, pixelBytes, PreviewStep(g)};
+// Reduces the delivered input into a map whose buffer has so many pixels of margin all round, which
+// are asked for too.
+void ReduceInput(const FilterRecord* record, const LM_globals* g, const CVPixelMap& map,
+                 int32_t margin) {
+  if (map.baseAddress == nullptr || record->inPixels == nullptr)
+    return;
+  const CVRect32 wanted = LM_WantedBumpRect(record, g, margin * LM_PreviewStep(g));
+  Reduce(record, g,
+         {record->inPixels, record->inRowStride, record->inTileRect, wanted.bottom - wanted.top,
+          wanted.right - wanted.left},
+         {map.baseAddress, map.rowBytes, map.columnBytes, map.bounds.bottom + 2 * margin,
+          map.bounds.right + 2 * margin, margin, margin});
+}
+
+void ReduceMask(const FilterRecord* record, const LM_globals* g) {
+  const CVPixelMap& frame = g->previewMaps[LM_FRAME_MAP];
+  if (!HostHasMask(record) || record->maskPixels == nullptr || frame.mask == nullptr)
+    return;
+  const CVRect& tile = record->maskTileRect;
+  Reduce(record, g,
+         {record->maskPixels, record->maskRowStride, tile, tile.bottom - tile.top,
+          tile.right - tile.left},
+         {frame.mask->maskData, frame.mask->rowBytes, 1, frame.bounds.bottom, frame.bounds.right,
+          g->previewOffsetY, g->previewOffsetX});
 }
 
 // Tiles that a walk visits between two sides.
@@ -155,16 +167,6 @@ int64_t TilesAlong(int32_t first, int32_t last, int32_t edge) {
 
 int64_t TilesOf(const CVRect& area, int32_t edge) {
   return TilesAlong(area.left, area.right, edge) * TilesAlong(area.top, area.bottom, edge);
-}
-
-void ReduceMask(const FilterRecord* record, const LM_globals* g, int32_t row, int32_t column,
-                int32_t firstRow) {
-  const CVPixelMap& frame = g->previewMaps[LM_FRAME_MAP];
-  if (!HostHasMask(record) || record->maskPixels == nullptr || frame.mask == nullptr)
-    return;
-  Reduce(Delivered(record->maskPixels, record->maskRowStride, record->maskTileRect, 1, g), firstRow,
-         {frame.mask->maskData, frame.mask->rowBytes, frame.bounds.bottom, frame.bounds.right,
-          g->previewOffsetY + row, g->previewOffsetX + column});
 }
 
 } // namespace
@@ -185,37 +187,12 @@ int16_t LM_SetUpPreview(FilterRecord* record, LM_globals* globals, const Rect& f
 }
 
 void LM_CalcTilePreview(FilterRecord* record, LM_globals* globals) {
-  const CVPixelMap& map = globals->previewMaps[LM_PREVIEW_MAP];
-  if (map.baseAddress == nullptr || record->inPixels == nullptr)
-    return;
-  const int32_t step = PreviewStep(globals);
-  const CVRect& tile = record->inTileRect;
-  const int32_t dy = tile.top - record->filterArea.top;
-  const int32_t dx = tile.left - record->filterArea.left;
-  const int32_t firstRow = FirstSampledRow(dy, step);
-  Reduce(
-      Delivered(record->inPixels, record->inRowStride, tile, LM_PLANES, globals), firstRow,
-      {map.baseAddress, map.rowBytes, map.bounds.bottom, map.bounds.right, dy / step, dx / step});
-  ReduceMask(record, globals, dy / step, dx / step, firstRow);
+  ReduceInput(record, globals, globals->previewMaps[LM_PREVIEW_MAP], 0);
+  ReduceMask(record, globals);
 }
 
 void LM_CalcTileBumpPreview(FilterRecord* record, LM_globals* globals) {
-  const CVPixelMap& map = globals->previewMaps[LM_BUMP_PREVIEW_MAP];
-  if (map.baseAddress == nullptr || record->inPixels == nullptr)
-    return;
-  const int32_t step = PreviewStep(globals);
-  const CVRect& tile = record->inTileRect;
-  const int32_t dy = tile.top - record->filterArea.top;
-  const int32_t dx = tile.left - record->filterArea.left;
-  // dy and dx start at the margin's -3 preview pixels, which is row and column 0 of the buffer.
-  const CVRect32 wanted = LM_WantedBumpRect(record, globals, LM_PreviewMargin(globals));
-  Reduction from = Delivered(record->inPixels, record->inRowStride, tile, 1, globals);
-  from.wantedRows = wanted.bottom - wanted.top;
-  from.wantedColumns = wanted.right - wanted.left;
-  Reduce(from, FirstSampledRow(dy, step),
-         {map.baseAddress, map.rowBytes, map.bounds.bottom + 2 * LM_BUMP_MARGIN,
-          map.bounds.right + 2 * LM_BUMP_MARGIN, dy / step + LM_BUMP_MARGIN,
-          dx / step + LM_BUMP_MARGIN});
+  ReduceInput(record, globals, globals->previewMaps[LM_BUMP_PREVIEW_MAP], LM_BUMP_MARGIN);
 }
 
 int16_t LM_GetPreviewBumpPixelMap(LM_globals* globals) {

@@ -21,6 +21,14 @@ void FillBlack(const CVPixelMap& map, int32_t top, int32_t left, int32_t bottom,
                 0, static_cast<size_t>(right - left) * static_cast<size_t>(map.columnBytes));
 }
 
+// Draws the border of a rectangle, inside it.
+void FrameBlack(const CVPixelMap& map, int32_t top, int32_t left, int32_t bottom, int32_t right) {
+  FillBlack(map, top, left, top + 1, right);
+  FillBlack(map, top, left, bottom, left + 1);
+  FillBlack(map, bottom - 1, left, bottom, right);
+  FillBlack(map, top, right - 1, bottom, right);
+}
+
 } // namespace
 
 LM_preview_geometry LM_FitPreview(int32_t areaWidth, int32_t areaHeight, const Rect& frame,
@@ -63,18 +71,8 @@ LM_preview_geometry LM_FitPreviewInFrame(int32_t areaWidth, int32_t areaHeight) 
 
 void LM_DrawPreviewOutlines(const CVPixelMap& frame, int32_t left, int32_t top, int32_t width,
                             int32_t height) {
-  const int32_t right = left + width;
-  const int32_t bottom = top + height;
-  --left;
-  --top;
-  FillBlack(frame, top, left, top + 1, right);
-  FillBlack(frame, top, left, bottom, left + 1);
-  FillBlack(frame, top, right, bottom, right + 1);
-  FillBlack(frame, bottom, left, bottom + 1, right + 1);
-  FillBlack(frame, 0, 0, 1, frame.bounds.right);
-  FillBlack(frame, 0, 0, frame.bounds.bottom, 1);
-  FillBlack(frame, frame.bounds.bottom - 1, 0, frame.bounds.bottom, frame.bounds.right);
-  FillBlack(frame, 0, frame.bounds.right - 1, frame.bounds.bottom, frame.bounds.right);
+  FrameBlack(frame, top - 1, left - 1, top + height + 1, left + width + 1);
+  FrameBlack(frame, 0, 0, frame.bounds.bottom, frame.bounds.right);
 }
 
 void LM_UsePreviewGeometry(const LM_preview_geometry& geometry, LM_globals* globals) {

@@ -106,9 +106,9 @@ void MarkSumsHot(LM_globals& g, const LM_sample_store& store) {
     g.DiffuseSumCacheHot(1);
     g.SpecularSumCacheHot(1);
   }
-  for (int i = LM_MAX_LIGHTS - 1; i >= 0; --i) {
-    g.lights[i].DiffuseCacheHot(1);
-    g.lights[i].SpecularCacheHot(1);
+  for (LM_light_UI& light : g.lights) {
+    light.DiffuseCacheHot(1);
+    light.SpecularCacheHot(1);
   }
 }
 

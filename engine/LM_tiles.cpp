@@ -43,15 +43,6 @@ void RequestPreviewOutput(FilterRecord* record) {
   record->maskSampleStep = record->inSampleStep;
 }
 
-void RequestImagePlanes(FilterRecord* record) {
-  record->inFirstPlane = 0;
-  record->inLastPlane = LM_PLANES - 1;
-  record->outFirstPlane = 0;
-  record->outLastPlane = LM_PLANES - 1;
-  record->inEdgeMode = CV_EDGE_NONE;
-  record->absolutePlanesWanted = 0;
-}
-
 void GrowToBump(FilterRecord* record, int32_t margin, int16_t channel) {
   CVRect& in = record->inTileRect;
   record->outTileRect.bottom = record->outTileRect.top;
@@ -77,13 +68,26 @@ void ShrinkFromBump(FilterRecord* record, const LM_globals* globals, int32_t mar
                         LM_Saturate16(wanted.bottom - margin),
                         LM_Saturate16(wanted.right - margin)};
   record->outTileRect = record->inTileRect;
-  RequestImagePlanes(record);
+  LM_RequestImagePlanes(record);
 }
 
 } // namespace
 
+int32_t LM_PreviewStep(const LM_globals* globals) {
+  return std::max<int32_t>(globals->previewScale, 1);
+}
+
 int32_t LM_PreviewMargin(const LM_globals* globals) {
-  return LM_BUMP_MARGIN * std::max<int32_t>(globals->previewScale, 1);
+  return LM_BUMP_MARGIN * LM_PreviewStep(globals);
+}
+
+void LM_RequestImagePlanes(FilterRecord* record) {
+  record->inFirstPlane = 0;
+  record->inLastPlane = LM_PLANES - 1;
+  record->outFirstPlane = 0;
+  record->outLastPlane = LM_PLANES - 1;
+  record->inEdgeMode = CV_EDGE_NONE;
+  record->absolutePlanesWanted = 0;
 }
 
 int32_t LM_NumTilesNeeded(const FilterRecord* record) {
@@ -108,7 +112,7 @@ void LM_SetNextRealTileRects(FilterRecord* record, LM_globals* globals) {
 
 void LM_SetFirstPreviewTileRects(FilterRecord* record, LM_globals* globals) {
   // Above a scale of 64 a tile is one preview pixel wide; it must never be zero.
-  const int32_t scale = std::max<int32_t>(globals->previewScale, 1);
+  const int32_t scale = LM_PreviewStep(globals);
   globals->tileSize = static_cast<uint16_t>(std::max(LM_TILE_EDGE / scale, 1) * scale);
   record->inTileRect = FirstTile(record->filterArea, globals->tileSize);
   RequestPreviewOutput(record);

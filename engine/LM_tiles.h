@@ -24,6 +24,9 @@ void LM_SetNextRealTileRects(FilterRecord* record, LM_globals* globals);
 void LM_SetFirstPreviewTileRects(FilterRecord* record, LM_globals* globals);
 void LM_SetNextPreviewTileRects(FilterRecord* record, LM_globals* globals);
 
+// Asks for all planes of the image: what every request but those for the bump channel does.
+void LM_RequestImagePlanes(FilterRecord* record);
+
 // Tiles for the progress display: one column (or band) more than the walk makes when the width (or
 // height) is a multiple of LM_TILE_EDGE.
 int32_t LM_NumTilesNeeded(const FilterRecord* record);
@@ -36,6 +39,8 @@ void LM_BumpToRealRects(FilterRecord* record, LM_globals* globals);
 void LM_PreviewToBumpRects(FilterRecord* record, LM_globals* globals);
 void LM_BumpToPreviewRects(FilterRecord* record, LM_globals* globals);
 
+// Image pixels per preview pixel: at least 1, also where no preview was set up.
+int32_t LM_PreviewStep(const LM_globals* globals);
 // LM_BUMP_MARGIN preview pixels, in image pixels.
 int32_t LM_PreviewMargin(const LM_globals* globals);
 

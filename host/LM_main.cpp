@@ -36,8 +36,7 @@ bool LoadDialog() noexcept {
 
 extern "C" int LM_main(int selector, void* record, intptr_t* data, int16_t* result) {
   if (static_cast<int16_t>(selector) == LM_SEL_PARAMETERS) {
-    static const bool loaded = LoadDialog();
-    static_cast<void>(loaded);
+    [[maybe_unused]] static const bool loaded = LoadDialog();
   }
   return LM_AnswerHost(selector, record, data, result);
 }

@@ -25,7 +25,6 @@
 namespace {
 
 constexpr int16_t ABOUT_BOX = 16001;
-constexpr int16_t STOPPED = CV_RESULT_STOPPED;
 
 // True when the channel that the parameter block names can be read from this document.
 bool HasBumpChannel(FilterRecord* record, const foo* params) {
@@ -113,16 +112,14 @@ int16_t RunDialogOnCurrentSettings(FilterRecord* record, LM_globals* g) {
   LM_globals* backup = LM_NewGlobals();
   if (backup == nullptr)
     return CV_RESULT_NO_MEMORY;
-  int16_t result = backup->CopySettingsFrom(*g);
-  if (result == CV_RESULT_OK) {
-    result = AskUser(record, g);
-    if (result != CV_RESULT_OK) {
-      g->CopySettingsFrom(*backup);
-      g->dialogPending = 0;
-      if (foo* params = LM_Parameters(record)) {
-        g->ConvertToParameters(params, 0);
-        LM_DetachParameterCaches(params);
-      }
+  backup->CopySettingsFrom(*g);
+  const int16_t result = AskUser(record, g);
+  if (result != CV_RESULT_OK) {
+    g->CopySettingsFrom(*backup);
+    g->dialogPending = 0;
+    if (foo* params = LM_Parameters(record)) {
+      g->ConvertToParameters(params, 0);
+      LM_DetachParameterCaches(params);
     }
   }
   LM_DestroyGlobals(backup);
@@ -229,31 +226,24 @@ int16_t AnswerStep(int16_t selector, void* record, intptr_t* data, LM_globals* g
   }
 }
 
-void AnswerCall(int16_t selector, void* record, intptr_t* data, int16_t* result) {
-  *result = CV_RESULT_OK;
+int16_t AnswerCall(int16_t selector, void* record, intptr_t* data) {
   if (selector == LM_SEL_FINISH && *data == 0)
-    return;
-  if (*data == 0) {
-    LM_globals* made = LM_NewGlobals();
-    *data = reinterpret_cast<intptr_t>(made);
-    if (made == nullptr) {
-      *result = CV_RESULT_NO_MEMORY;
-      return;
-    }
-    made->SetUseCurrentSettings(0);
-  }
+    return CV_RESULT_OK;
+  if (*data == 0)
+    *data = reinterpret_cast<intptr_t>(LM_NewGlobals());
+  if (*data == 0)
+    return CV_RESULT_NO_MEMORY;
   LM_SetConstants();
   // The contract's slot is an integer as wide as a pointer.
   // NOLINTNEXTLINE(performance-no-int-to-ptr)
   LM_globals* globals = reinterpret_cast<LM_globals*>(*data);
   // A host whose services run its own event loop may come back here out of one of them.
-  if (std::exchange(globals->answering, 1) == 1) {
-    *result = CV_RESULT_STOPPED;
-    return;
-  }
-  *result = LM_ResultOf([&] { return AnswerStep(selector, record, data, globals); });
+  if (std::exchange(globals->answering, 1) == 1)
+    return CV_RESULT_STOPPED;
+  const int16_t result = LM_ResultOf([&] { return AnswerStep(selector, record, data, globals); });
   if (*data != 0)
     globals->answering = 0;
+  return result;
 }
 
 } // namespace
@@ -288,20 +278,13 @@ int16_t LM_DoPrepare(FilterRecord* record) {
 int16_t LM_DoStart(FilterRecord* record, LM_globals* globals) {
   // A run that the host never finished must not leak.
   LM_DoFinish(globals);
-  record->inFirstPlane = 0;
-  record->inLastPlane = LM_PLANES - 1;
-  record->outFirstPlane = 0;
-  record->outLastPlane = LM_PLANES - 1;
-  // A run that ended while it read relief has left these as they were then.
-  record->inEdgeMode = CV_EDGE_NONE;
-  record->absolutePlanesWanted = 0;
+  // A run that ended while it read relief has left its planes.
+  LM_RequestImagePlanes(record);
   // The preview too takes every pixel, and leaves out what it does not show.
   record->inSampleStep = CV_FIXED_ONE;
   record->maskSampleStep = CV_FIXED_ONE;
   globals->record = record;
-  globals->bumpMap.capacity = LM_FIRST_HEIGHT_BYTES;
-  globals->bumpMap.heights = static_cast<int32_t*>(LM_NewPtr(LM_FIRST_HEIGHT_BYTES));
-  if (globals->bumpMap.heights == nullptr)
+  if (!LM_GrowHeights(globals->bumpMap, LM_FIRST_HEIGHT_BYTES))
     return CV_RESULT_NO_MEMORY;
   LM_SetUpHeightFilter(&globals->bumpMap);
   if (globals->dialogPending != 1) {
@@ -338,7 +321,7 @@ int16_t LM_DoContinue(FilterRecord* record, LM_globals* globals) {
     LM_SetNextPreviewTileRects(record, globals);
     return CV_RESULT_OK;
   }
-  return globals->dialog != nullptr ? RunDialog(record, globals) : STOPPED;
+  return globals->dialog != nullptr ? RunDialog(record, globals) : int16_t{CV_RESULT_STOPPED};
 }
 
 int16_t LM_DoFinish(LM_globals* globals) {
@@ -352,10 +335,9 @@ int16_t LM_DoFinish(LM_globals* globals) {
 int LM_AnswerHost(int selector, void* record, intptr_t* data, int16_t* result) noexcept {
   const LM_floating_point floatingPoint;
   *result = LM_ResultOf([&] {
-    static const Boolean carried = TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
-    static_cast<void>(carried);
-    AnswerCall(static_cast<int16_t>(selector), record, data, result);
-    return *result;
+    [[maybe_unused]] static const Boolean carried =
+        TB_UseResources(LM_RESOURCES, LM_RESOURCES_COUNT);
+    return AnswerCall(static_cast<int16_t>(selector), record, data);
   });
   return 0;
 }

@@ -1,10 +1,11 @@
 #include "LM_color_words.h"
 
 #include <algorithm>
-#include <charconv>
 #include <vector>
 
 #include "LM_nearest_word.h"
+#include "LM_number_words.h"
+#include "LM_sentences.h"
 
 namespace {
 
@@ -19,26 +20,21 @@ constexpr NamedColor NAMED_COLORS[] = {
 constexpr uint32_t FULL_BYTE = 255;
 constexpr uint32_t FULL = 65535;
 
-LM_color48 ColorOfBytes(uint32_t red, uint32_t green, uint32_t blue) {
-  const auto widened = [](uint32_t byte) {
-    return static_cast<uint16_t>((byte & FULL_BYTE) * (FULL / FULL_BYTE));
+LM_color48 ColorOf(uint32_t rgb) {
+  const auto plane = [rgb](int shift) {
+    return static_cast<uint16_t>((rgb >> shift & FULL_BYTE) * (FULL / FULL_BYTE));
   };
-  return {{widened(red), widened(green), widened(blue)}};
-}
-
-bool ReadNumber(std::string_view text, int base, uint32_t& value) {
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value, base);
-  return error == std::errc() && stop == end;
+  return {{plane(16), plane(8), plane(0)}};
 }
 
 // "ff8800" or "f80"
 bool ReadHex(std::string_view digits, LM_color48& color) {
   uint32_t rgb = 0;
-  if ((digits.size() != 3 && digits.size() != 6) || !ReadNumber(digits, 16, rgb))
+  if ((digits.size() != 3 && digits.size() != 6) || !LM_ReadInteger(digits, rgb, 16))
     return false;
-  color = digits.size() == 6 ? ColorOfBytes(rgb >> 16, rgb >> 8, rgb)
-                             : ColorOfBytes((rgb >> 8) * 17, (rgb >> 4 & 15) * 17, (rgb & 15) * 17);
+  if (digits.size() == 3) // each stands for two
+    rgb = ((rgb & 0xF00) << 8 | (rgb & 0xF0) << 4 | (rgb & 0xF)) * 0x11;
+  color = ColorOf(rgb);
   return true;
 }
 
@@ -46,16 +42,11 @@ bool ReadTriple(std::string_view text, uint32_t (&values)[LM_PLANES]) {
   for (int plane = 0; plane < LM_PLANES; ++plane) {
     const std::string_view part = text.substr(0, text.find(','));
     const bool isLast = part.size() == text.size();
-    if (isLast != (plane == LM_PLANES - 1) || !ReadNumber(part, 10, values[plane]))
+    if (isLast != (plane == LM_PLANES - 1) || !LM_ReadInteger(part, values[plane]))
       return false;
     text.remove_prefix(isLast ? part.size() : part.size() + 1);
   }
   return true;
-}
-
-bool Fails(std::string& why, std::string sentence) {
-  why = std::move(sentence);
-  return false;
 }
 
 } // namespace
@@ -66,7 +57,7 @@ bool LM_ReadColor(std::string_view text, LM_color48& color, std::string& why) {
   std::vector<std::string> names;
   for (const NamedColor& named : NAMED_COLORS) {
     if (LM_SameWord(named.name, text)) {
-      color = ColorOfBytes(named.rgb >> 16, named.rgb >> 8, named.rgb);
+      color = ColorOf(named.rgb);
       return true;
     }
     names.emplace_back(named.name);
@@ -76,17 +67,18 @@ bool LM_ReadColor(std::string_view text, LM_color48& color, std::string& why) {
   uint32_t full = FULL;
   const bool isSaid = triple.size() < text.size();
   if (!ReadTriple(triple, values) ||
-      (isSaid && !ReadNumber(text.substr(triple.size() + 1), 10, full)) ||
+      (isSaid && !LM_ReadInteger(text.substr(triple.size() + 1), full)) ||
       (full != FULL && full != FULL_BYTE))
-    return Fails(why, "a colour is a name, #rrggbb, or three numbers with commas between, of 65535 "
-                      "or, with /255 after them, of 255" +
-                          LM_DidYouMean(text, names));
+    return LM_Fails(why,
+                    "a colour is a name, #rrggbb, or three numbers with commas between, of 65535 "
+                    "or, with /255 after them, of 255" +
+                        LM_DidYouMean(text, names));
   const uint32_t greatest = *std::max_element(values, values + LM_PLANES);
   if (greatest > full)
-    return Fails(why, std::to_string(greatest) + " is more than " + std::to_string(full));
+    return LM_Fails(why, std::to_string(greatest) + " is more than " + std::to_string(full));
   const std::string said(triple);
   if (!isSaid && greatest > 0 && greatest <= FULL_BYTE)
-    return Fails(why, "of 255 or of 65535? Write " + said + "/255 or " + said + "/65535");
+    return LM_Fails(why, "of 255 or of 65535? Write " + said + "/255 or " + said + "/65535");
   for (int plane = 0; plane < LM_PLANES; ++plane)
     color.component[plane] = static_cast<uint16_t>(values[plane] * (FULL / full));
   return true;

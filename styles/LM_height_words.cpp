@@ -1,7 +1,9 @@
 #include "LM_height_words.h"
 
-#include <charconv>
 #include <limits>
+
+#include "LM_number_words.h"
+#include "LM_sentences.h"
 
 namespace {
 
@@ -19,10 +21,8 @@ constexpr SourceWord WORDS[] = {
 constexpr int MOST_CHANNEL = std::numeric_limits<int16_t>::max();
 
 bool SetNumber(int& field, int64_t value, int least, int most, std::string& why) {
-  if (value < least || value > most) {
-    why = "it is " + std::to_string(least) + " to " + std::to_string(most);
-    return false;
-  }
+  if (value < least || value > most)
+    return LM_Fails(why, "it is " + std::to_string(least) + " to " + std::to_string(most));
   field = static_cast<int>(value);
   return true;
 }
@@ -45,20 +45,12 @@ bool LM_SetHeightSource(LM_height_source& source, std::string_view word) {
       return true;
     }
   int number = 0;
-  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
   std::string why;
-  return error == std::errc() && end == word.data() + word.size() &&
-         LM_SetHeightNumber(source, "source", number, why);
+  return LM_ReadInteger(word, number) && LM_SetHeightNumber(source, "source", number, why);
 }
 
 std::string LM_HeightSourceWords() {
-  std::string words;
-  for (const SourceWord& known : WORDS)
-    words += (words.empty()                   ? ""
-              : &known == std::end(WORDS) - 1 ? " or "
-                                              : ", ") +
-             std::string(known.word);
-  return words;
+  return LM_OneOf(WORDS, &SourceWord::word);
 }
 
 bool LM_SetHeightNumber(LM_height_source& source, std::string_view key, int64_t value,
@@ -71,10 +63,8 @@ bool LM_SetHeightNumber(LM_height_source& source, std::string_view key, int64_t 
     return SetFlag(source.fit, value, why);
   if (key == "invert")
     return SetFlag(source.invert, value, why);
-  if (key != "source") {
-    why = "there is no such setting";
-    return false;
-  }
+  if (key != "source")
+    return LM_Fails(why, "there is no such setting");
   if (!SetNumber(source.channel, value, 1, MOST_CHANNEL, why))
     return false;
   source.kind = LM_height_kind::Channel;

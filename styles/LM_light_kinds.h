@@ -1,11 +1,10 @@
 // The kinds of light: what shading, style files and people call each.
 #pragma once
 
-#include <iterator>
-#include <string>
 #include <string_view>
 
 #include "LM_light.h"
+#include "LM_sentences.h"
 #include "LM_style.h"
 
 struct LM_light_kind {
@@ -37,11 +36,5 @@ constexpr const LM_light_kind& LM_LightKindOfCode(int code) {
 
 // All of them, as in "directional, omni or spot".
 inline std::string LM_LightKindWords(std::string_view LM_light_kind::*word) {
-  std::string text;
-  for (const LM_light_kind& kind : LM_LIGHT_KINDS) {
-    if (!text.empty())
-      text += &kind == &*std::rbegin(LM_LIGHT_KINDS) ? " or " : ", ";
-    text += kind.*word;
-  }
-  return text;
+  return LM_OneOf(LM_LIGHT_KINDS, word);
 }

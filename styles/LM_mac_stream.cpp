@@ -5,9 +5,9 @@
 #include "LM_globals.h"
 #include "LM_style_layout.h"
 #include "LM_style_lengths.h"
+#include "LM_style_place.h"
 #include "LM_style_settings.h"
 #include "MacFiles.h"
-#include "MacStrings.h"
 
 namespace {
 
@@ -18,44 +18,13 @@ LM_bool CloseFile(int16_t& fileReference, LM_bool& isOpen) {
   return FSClose(fileReference) == noErr ? 1 : 0;
 }
 
-// One field to or from a stream, by the width of its type.
-LM_bool WriteField(LM_style_ostream& stream, uint32_t value) {
-  return stream.WriteU32(value);
-}
-LM_bool WriteField(LM_style_ostream& stream, uint16_t value) {
-  return stream.WriteU16(value);
-}
-LM_bool WriteField(LM_style_ostream& stream, int16_t value) {
-  return stream.WriteS16(value);
-}
-LM_bool WriteField(LM_style_ostream& stream, float length) {
-  return stream.WriteS16(LM_WholeLength(length));
-}
-LM_bool ReadField(LM_style_istream& stream, uint32_t& value) {
-  return stream.ReadU32(value);
-}
-LM_bool ReadField(LM_style_istream& stream, uint16_t& value) {
-  return stream.ReadU16(value);
-}
-LM_bool ReadField(LM_style_istream& stream, int16_t& value) {
-  return stream.ReadS16(value);
-}
-LM_bool ReadField(LM_style_istream& stream, float& length) {
-  int16_t whole = 0;
-  const LM_bool isRead = stream.ReadS16(whole);
-  length = whole;
-  return isRead;
-}
-
 } // namespace
 
 LM_bool LM_style_ostream::Open(StringPtr name) {
-  int16_t vRefNum = 0;
-  int32_t dirID = 0;
-  if (_isOpen != 0 || !LM_FindStyle(&vRefNum, &dirID, name))
-    return 0;
-  if (HCreate(vRefNum, dirID, name, LM_STYLE_CREATOR, LM_STYLE_FILE_TYPE) != noErr ||
-      HOpen(vRefNum, dirID, name, fsRdWrPerm, &_fileReference) != noErr)
+  LM_style_place folder = {};
+  if (_isOpen != 0 || !LM_FindStyle(folder, name) ||
+      HCreate(folder.vRefNum, folder.dirID, name, LM_STYLE_CREATOR, LM_STYLE_FILE_TYPE) != noErr ||
+      HOpen(folder.vRefNum, folder.dirID, name, fsRdWrPerm, &_fileReference) != noErr)
     return 0;
   _isOpen = 1;
   if (WriteU16(LM_STYLE_SIGNATURE) != 0 && _WriteHeader() != 0)
@@ -86,10 +55,9 @@ LM_bool LM_style_ostream::_WriteBigEndian(uint32_t value, int bytes) {
 }
 
 LM_bool LM_style_istream::Open(StringPtr name) {
-  int16_t vRefNum = 0;
-  int32_t dirID = 0;
-  if (_isOpen != 0 || !LM_FindStyle(&vRefNum, &dirID, name) ||
-      HOpen(vRefNum, dirID, name, fsRdPerm, &_fileReference) != noErr)
+  LM_style_place folder = {};
+  if (_isOpen != 0 || !LM_FindStyle(folder, name) ||
+      HOpen(folder.vRefNum, folder.dirID, name, fsRdPerm, &_fileReference) != noErr)
     return 0;
   _isOpen = 1;
   uint16_t signature = 0;
@@ -117,7 +85,7 @@ LM_bool LM_style_istream::_ReadHeader() {
 LM_bool LM_globals::Write(LM_style_ostream& stream) const {
   const LM_style style = LM_StyleOfSettings(*this);
   const auto write = [&](const char*, const auto& value, LM_field) {
-    return WriteField(stream, value) != 0;
+    return stream.Write(LM_StoredField(value)) != 0;
   };
   if (!LM_VisitStyleHeader(style, write))
     return 0;
@@ -131,7 +99,10 @@ LM_bool LM_globals::Write(LM_style_ostream& stream) const {
 LM_bool LM_globals::Read(LM_style_istream& stream) {
   LM_style style = {};
   const auto read = [&](const char*, auto& value, LM_field) {
-    return ReadField(stream, value) != 0;
+    auto stored = LM_StoredField(value);
+    const bool isRead = stream.Read(stored) != 0;
+    value = stored;
+    return isRead;
   };
   if (!LM_VisitStyleHeader(style, read) || style.version != LM_STYLE_VERSION)
     return 0;

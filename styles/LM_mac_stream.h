@@ -7,6 +7,8 @@
 // apart: there each stands for itself. Nothing here shows a message.
 #pragma once
 
+#include <concepts>
+
 #include "LM_export.h"
 #include "LM_types.h"
 
@@ -19,13 +21,6 @@ constexpr unsigned LM_MAX_STYLE_NAME = 31;
 
 // Finds the style folder, in the default directory, and creates it if it is not there.
 LM_bool LM_GetStyleFolder(int16_t* vRefNum, int32_t* dirID);
-// The same, and why not: memFullErr for want of memory, anything else for want of the folder.
-OSErr LM_FindStyleFolder(int16_t* vRefNum, int32_t* dirID);
-// Makes `name` that of the file it stands for in a folder. fnfErr when it stands for none.
-OSErr LM_FindStyleName(int16_t vRefNum, int32_t dirID, StringPtr name);
-// The style folder and the file in it that `name`, cut, stands for, if there is one. False without
-// a folder.
-bool LM_FindStyle(int16_t* vRefNum, int32_t* dirID, StringPtr name);
 
 // Writes one style file. Open, write, Close; one file in a stream's life at a time.
 class LM_style_ostream {
@@ -42,12 +37,15 @@ public:
   LM_bool Close();
 
   // Each writes its bytes most significant first; true when all were written.
-  LM_bool WriteU8(uint8_t value) { return _WriteBigEndian(value, 1); }
-  LM_bool WriteU16(uint16_t value) { return _WriteBigEndian(value, 2); }
-  LM_bool WriteU32(uint32_t value) { return _WriteBigEndian(value, 4); }
-  LM_bool WriteS8(int8_t value) { return WriteU8(static_cast<uint8_t>(value)); }
-  LM_bool WriteS16(int16_t value) { return WriteU16(static_cast<uint16_t>(value)); }
-  LM_bool WriteS32(int32_t value) { return WriteU32(static_cast<uint32_t>(value)); }
+  LM_bool WriteU8(uint8_t value) { return Write(value); }
+  LM_bool WriteU16(uint16_t value) { return Write(value); }
+  LM_bool WriteU32(uint32_t value) { return Write(value); }
+  LM_bool WriteS8(int8_t value) { return Write(value); }
+  LM_bool WriteS16(int16_t value) { return Write(value); }
+  LM_bool WriteS32(int32_t value) { return Write(value); }
+  template <std::integral Integer> LM_bool Write(Integer value) {
+    return _WriteBigEndian(static_cast<uint32_t>(value), sizeof(Integer));
+  }
 
   // Removes the style file of exactly that name: what goes for good is not guessed.
   static LM_bool Erase(StringPtr name);
@@ -77,12 +75,22 @@ public:
 
   // Each reads its bytes most significant first; true when all were there. The value is left alone
   // otherwise.
-  LM_bool ReadU8(uint8_t& value) { return _ReadBigEndian(value); }
-  LM_bool ReadU16(uint16_t& value) { return _ReadBigEndian(value); }
-  LM_bool ReadU32(uint32_t& value) { return _ReadBigEndian(value); }
-  LM_bool ReadS8(int8_t& value) { return _ReadBigEndian(value); }
-  LM_bool ReadS16(int16_t& value) { return _ReadBigEndian(value); }
-  LM_bool ReadS32(int32_t& value) { return _ReadBigEndian(value); }
+  LM_bool ReadU8(uint8_t& value) { return Read(value); }
+  LM_bool ReadU16(uint16_t& value) { return Read(value); }
+  LM_bool ReadU32(uint32_t& value) { return Read(value); }
+  LM_bool ReadS8(int8_t& value) { return Read(value); }
+  LM_bool ReadS16(int16_t& value) { return Read(value); }
+  LM_bool ReadS32(int32_t& value) { return Read(value); }
+  template <std::integral Integer> LM_bool Read(Integer& value) {
+    uint8_t bytes[sizeof(Integer)];
+    if (_ReadBytes(sizeof bytes, bytes) != static_cast<int32_t>(sizeof bytes))
+      return 0;
+    uint32_t bits = 0;
+    for (const uint8_t byte : bytes)
+      bits = bits << 8 | byte;
+    value = static_cast<Integer>(bits);
+    return 1;
+  }
 
   // True when a file of that name can be read, style file or not.
   LM_EXPORT static LM_bool Exists(StringPtr name);
@@ -93,16 +101,6 @@ public:
 private:
   int32_t _ReadBytes(int32_t count, uint8_t* bytes);
   LM_bool _ReadHeader();
-  template <class Integer> LM_bool _ReadBigEndian(Integer& value) {
-    uint8_t bytes[sizeof(Integer)];
-    if (_ReadBytes(sizeof(Integer), bytes) != static_cast<int32_t>(sizeof(Integer)))
-      return 0;
-    uint32_t bits = 0;
-    for (const uint8_t byte : bytes)
-      bits = bits << 8 | byte;
-    value = static_cast<Integer>(bits);
-    return 1;
-  }
 
   int16_t _fileReference = 0;
   LM_bool _isOpen = 0;

@@ -1,11 +1,19 @@
-// Numbers with fractions in words, whatever the locale.
+// Numbers in words, whatever the locale.
 #pragma once
 
 #include <charconv>
+#include <concepts>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+
+// False where the text is anything but one whole number that the type holds.
+template <std::integral Integer>
+bool LM_ReadInteger(std::string_view text, Integer& value, int base = 10) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+  return error == std::errc() && end == text.data() + text.size();
+}
 
 #ifdef __cpp_lib_to_chars
 

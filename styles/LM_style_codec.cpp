@@ -1,8 +1,9 @@
 #include "LM_style_codec.h"
 
 #include <algorithm>
-#include <concepts>
+#include <functional>
 
+#include "LM_sentences.h"
 #include "LM_style_layout.h"
 #include "LM_style_lengths.h"
 
@@ -12,20 +13,14 @@ class ByteReader {
 public:
   ByteReader(const uint8_t* bytes, size_t size) : _bytes(bytes), _size(size) {}
 
-  template <std::integral Integer> bool Read(Integer& value) {
-    if (_size - _at < sizeof(Integer))
+  template <class Number> bool Read(Number& value) {
+    using Stored = decltype(LM_StoredField(value));
+    if (_size - _at < sizeof(Stored))
       return false;
     uint32_t bits = 0;
-    for (size_t i = 0; i < sizeof(Integer); ++i)
+    for (size_t i = 0; i < sizeof(Stored); ++i)
       bits = bits << 8 | _bytes[_at++];
-    value = static_cast<Integer>(bits);
-    return true;
-  }
-  bool Read(float& length) {
-    int16_t whole = 0;
-    if (!Read(whole))
-      return false;
-    length = whole;
+    value = static_cast<Stored>(bits);
     return true;
   }
   bool operator()(const char*, auto& value, LM_field) { return Read(value); }
@@ -41,12 +36,11 @@ class ByteWriter {
 public:
   explicit ByteWriter(uint8_t* bytes) : _bytes(bytes) {}
 
-  template <std::integral Integer> void Write(Integer value) {
-    const uint32_t bits = static_cast<uint32_t>(value);
-    for (size_t i = sizeof(Integer); i-- > 0;)
-      _bytes[_at++] = static_cast<uint8_t>(bits >> (8 * i));
+  template <class Number> void Write(Number value) {
+    const auto stored = LM_StoredField(value);
+    for (size_t i = sizeof stored; i-- > 0;)
+      _bytes[_at++] = static_cast<uint8_t>(static_cast<uint32_t>(stored) >> (8 * i));
   }
-  void Write(float length) { Write(LM_WholeLength(length)); }
   bool operator()(const char*, const auto& value, LM_field) {
     Write(value);
     return true;
@@ -58,11 +52,6 @@ private:
   size_t _at = 0;
 };
 
-bool Fails(std::string& why, std::string sentence) {
-  why = std::move(sentence);
-  return false;
-}
-
 std::string CutOff(const std::string& what, size_t end, size_t size) {
   return "cut off: " + what + " ends at byte " + std::to_string(end) + " of " +
          std::to_string(size);
@@ -72,19 +61,15 @@ bool DecodeHeader(ByteReader& reader, size_t size, LM_style& style, std::string&
   uint16_t signature = 0;
   uint32_t magic = 0;
   if (!reader.Read(signature) || signature != LM_STYLE_SIGNATURE)
-    return Fails(why, "not a style file: it does not begin with \"BB\"");
+    return LM_Fails(why, "not a style file: it does not begin with \"BB\"");
   if (!reader.Read(magic) || magic != LM_STYLE_MAGIC)
-    return Fails(why, "not a style file: \"CVLM\" is missing at byte 2");
-  if (!LM_VisitStyleHeader(style, [&](const char* name, auto& value, LM_field kind) {
-        return reader(name, value, kind);
-      }))
-    return Fails(why, CutOff("the header", LM_STYLE_HEADER_BYTES, size));
+    return LM_Fails(why, "not a style file: \"CVLM\" is missing at byte 2");
+  if (!LM_VisitStyleHeader(style, std::ref(reader)))
+    return LM_Fails(why, CutOff("the header", LM_STYLE_HEADER_BYTES, size));
   if (style.version != LM_STYLE_VERSION)
-    return Fails(why, "format version " + std::to_string(style.version) + " is not " +
-                          std::to_string(LM_STYLE_VERSION));
-  if (style.numLights == 0)
-    return Fails(why, "it holds no light");
-  return true;
+    return LM_Fails(why, "format version " + std::to_string(style.version) + " is not " +
+                             std::to_string(LM_STYLE_VERSION));
+  return style.numLights > 0 || LM_Fails(why, "it holds no light");
 }
 
 } // namespace
@@ -98,9 +83,7 @@ bool LM_DecodeStyle(const uint8_t* bytes, size_t size, LM_style& style, std::str
   const int used = std::min<int>(style.numLights, LM_MAX_LIGHTS);
   for (int i = 0; i < used; ++i) {
     LM_style_light light = {};
-    if (!LM_VisitStyleLight(light, [&](const char* name, auto& value, LM_field kind) {
-          return reader(name, value, kind);
-        })) {
+    if (!LM_VisitStyleLight(light, std::ref(reader))) {
       const std::string which =
           "light " + std::to_string(i + 1) + " of " + std::to_string(style.numLights);
       const size_t end = LM_STYLE_HEADER_BYTES + LM_STYLE_LIGHT_BYTES * static_cast<size_t>(i + 1);
@@ -123,13 +106,10 @@ size_t LM_EncodeStyle(const LM_style& style, uint8_t (&bytes)[LM_STYLE_MAX_BYTES
   whole.version = LM_STYLE_VERSION;
   whole.numLights = std::min<uint16_t>(style.lightsRead, LM_MAX_LIGHTS);
   ByteWriter writer(bytes);
-  const auto visit = [&](const char* name, const auto& value, LM_field kind) {
-    return writer(name, value, kind);
-  };
   writer.Write(LM_STYLE_SIGNATURE);
   writer.Write(LM_STYLE_MAGIC);
-  LM_VisitStyleHeader(whole, visit);
+  LM_VisitStyleHeader(whole, std::ref(writer));
   for (int i = 0; i < whole.numLights; ++i)
-    LM_VisitStyleLight(whole.lights[i], visit);
+    LM_VisitStyleLight(whole.lights[i], std::ref(writer));
   return writer.At();
 }

@@ -1,10 +1,8 @@
 #include "LM_style_fields.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <concepts>
-#include <functional>
 #include <limits>
 #include <type_traits>
 
@@ -13,6 +11,7 @@
 #include "LM_nearest_word.h"
 #include "LM_number_words.h"
 #include "LM_preview_geometry.h"
+#include "LM_sentences.h"
 #include "LM_style_layout.h"
 
 namespace {
@@ -41,20 +40,8 @@ constexpr Word WORDS[] = {{LM_field::Flag, "true", 1},     {LM_field::Flag, "fal
                           {LM_field::Channel, "none", 0},  {LM_field::Channel, "red", 1},
                           {LM_field::Channel, "green", 2}, {LM_field::Channel, "blue", 3}};
 
-bool Fails(std::string& why, std::string sentence) {
-  why = std::move(sentence);
-  return false;
-}
-
-template <class Number> bool ReadNumber(std::string_view text, Number& value) {
-  if (!text.empty() && text.front() == '+')
-    text.remove_prefix(1);
-  if constexpr (std::floating_point<Number>)
-    return LM_ReadFraction(text, value);
-  else {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size();
-  }
+std::string_view WithoutPlus(std::string_view number) {
+  return number.substr(number.starts_with('+') ? 1 : 0);
 }
 
 // Splits "light.3.rest" into its parts.
@@ -64,7 +51,8 @@ bool SplitLightKey(std::string_view key, size_t& light, std::string_view& field)
   key.remove_prefix(LIGHT_PREFIX.size());
   const size_t dot = key.find('.');
   int64_t number = 0;
-  if (dot == std::string_view::npos || !ReadNumber(key.substr(0, dot), number) || number < 0)
+  if (dot == std::string_view::npos || !LM_ReadInteger(WithoutPlus(key.substr(0, dot)), number) ||
+      number < 0)
     return false;
   light = static_cast<size_t>(number);
   field = key.substr(dot + 1);
@@ -76,30 +64,6 @@ template <class Number> constexpr LM_field_ends BitsOf() {
   using Limits = std::numeric_limits<std::conditional_t<std::integral<Number>, Number, int16_t>>;
   return {static_cast<int64_t>(Limits::min()), static_cast<int64_t>(Limits::max())};
 }
-
-// Hands the field of that name to assign(field, kind, bits), which answers what is wrong.
-template <class Assign> class FieldFinder {
-public:
-  FieldFinder(std::string_view name, const Assign& assign) : _name(name), _assign(assign) {}
-
-  template <class Number> bool operator()(const char* name, Number& field, LM_field kind) {
-    if (_name != name || kind == LM_field::Count)
-      return true;
-    _found = true;
-    double value = 0;
-    _why = _assign(kind, BitsOf<Number>(), value);
-    if (_why.empty())
-      field = static_cast<Number>(value);
-    return false;
-  }
-  std::string Why() const { return _found ? _why : std::string(NO_SUCH_SETTING); }
-
-private:
-  std::string_view _name;
-  const Assign& _assign;
-  std::string _why;
-  bool _found = false;
-};
 
 std::string OutsideOf(double value, LM_field_ends ends) {
   return LM_ShortText(value) + " is not between " + std::to_string(ends.low) + " and " +
@@ -120,23 +84,30 @@ bool MayBe(double value, LM_field kind) {
 template <class Assign>
 bool SetField(LM_style& style, std::string_view key, std::string& why, const Assign& assign) {
   size_t light = 0;
-  std::string_view name;
-  if (!SplitLightKey(key, light, name)) {
-    FieldFinder finder(key, assign);
-    LM_VisitStyleHeader(style, std::ref(finder));
-    why = finder.Why();
+  std::string_view name = key;
+  const bool isOfLight = SplitLightKey(key, light, name);
+  why = NO_SUCH_SETTING;
+  const auto visit = [&]<class Number>(const char* known, Number& field, LM_field kind) {
+    if (name != known || kind == LM_field::Count)
+      return true;
+    double value = 0;
+    why = assign(kind, BitsOf<Number>(), value);
+    if (why.empty())
+      field = static_cast<Number>(value);
+    return false;
+  };
+  if (!isOfLight) {
+    LM_VisitStyleHeader(style, visit);
     return why.empty();
   }
   if (light >= LM_MAX_LIGHTS)
-    return Fails(why, "lights count from 0 to " + std::to_string(LM_MAX_LIGHTS - 1));
+    return LM_Fails(why, "lights count from 0 to " + std::to_string(LM_MAX_LIGHTS - 1));
   if (light > style.lightsRead)
-    return Fails(why, (style.lightsRead == 1 ? "there is only " : "there are only ") +
-                          LM_CountedLights(style.lightsRead));
+    return LM_Fails(why, (style.lightsRead == 1 ? "there is only " : "there are only ") +
+                             LM_CountedLights(style.lightsRead));
   const bool isNew = light == style.lightsRead;
   LM_style_light changed = isNew ? LM_NewStyleLight() : style.lights[light];
-  FieldFinder finder(name, assign);
-  LM_VisitStyleLight(changed, std::ref(finder));
-  why = finder.Why();
+  LM_VisitStyleLight(changed, visit);
   if (!why.empty())
     return false;
   style.lights[light] = changed;
@@ -157,7 +128,7 @@ std::string ReadValue(std::string_view text, LM_field kind, LM_field_ends bits, 
       value = light.code;
       return "";
     }
-  const bool isNumber = ReadNumber(text, value) && MayBe(value, kind);
+  const bool isNumber = LM_ReadFraction(WithoutPlus(text), value) && MayBe(value, kind);
   if (isNumber && !IsOutside(value, LM_EndsOf(kind, bits)))
     return "";
   if (kind == LM_field::LightType)
@@ -221,7 +192,7 @@ bool SetColor(LM_style& style, const std::string& key, std::string_view value, s
 bool SetPoint(LM_style& style, const std::string& key, std::string_view value, std::string& why) {
   const size_t comma = value.find(',');
   if (comma == std::string_view::npos || value.find(',', comma + 1) != std::string_view::npos)
-    return Fails(why, "it takes 2 numbers with a comma between");
+    return LM_Fails(why, "it takes 2 numbers with a comma between");
   return LM_SetStyleField(style, key + ".0", value.substr(0, comma), why) &&
          LM_SetStyleField(style, key + ".1", value.substr(comma + 1), why);
 }
@@ -292,11 +263,9 @@ bool LM_SetStyleField(LM_style& style, std::string_view key, std::string_view va
 std::string LM_BeyondSliders(const LM_style& style) {
   std::string told;
   LM_VisitStyleHeader(style, [&](const char* name, int64_t value, LM_field kind) {
-    const LM_field_ends ends = LM_EndsOf(kind, {INT64_MIN, INT64_MAX});
-    const bool isSlider = kind >= LM_field::Slider && kind <= LM_field::CenteredSlider;
-    if (isSlider && IsOutside(value, ends))
+    if (const int64_t lit = LM_LitAs(kind, value); lit != value)
       told += (told.empty() ? "" : ", ") + std::string(name) + " " + std::to_string(value) +
-              " is lit as " + std::to_string(std::clamp(value, ends.low, ends.high));
+              " is lit as " + std::to_string(lit);
     return true;
   });
   return told;

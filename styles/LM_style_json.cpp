@@ -7,6 +7,7 @@
 #include "LM_height_words.h"
 #include "LM_light_kinds.h"
 #include "LM_number_words.h"
+#include "LM_sentences.h"
 #include "LM_style_fields.h"
 #include "LM_style_layout.h"
 #include "MacStrings.h"
@@ -247,24 +248,15 @@ bool LM_StyleFromJson(std::string_view text, LM_style& style, std::string& why,
   why.clear();
   LM_height_source heights;
   StyleReader reader(style, heights, why);
-  if (!nlohmann::json::sax_parse(text.begin(), text.end(), &reader)) {
-    if (why.empty())
-      why = "it is not JSON";
+  if (!nlohmann::json::sax_parse(text.begin(), text.end(), &reader))
     return false;
-  }
-  if (style.version != LM_STYLE_VERSION) {
-    why = "version: it is not " + std::to_string(LM_STYLE_VERSION);
-    return false;
-  }
-  if (heights.kind == LM_height_kind::Style && heights != LM_height_source()) {
-    why = "relief: it has no source";
-    return false;
-  }
+  if (style.version != LM_STYLE_VERSION)
+    return LM_Fails(why, "version: it is not " + std::to_string(LM_STYLE_VERSION));
+  if (heights.kind == LM_height_kind::Style && heights != LM_height_source())
+    return LM_Fails(why, "relief: it has no source");
   if (relief != nullptr)
     *relief = heights;
-  if (style.lightsRead == 0)
-    why = "it holds no light";
-  return style.lightsRead > 0;
+  return style.lightsRead > 0 || LM_Fails(why, "it holds no light");
 }
 
 std::string LM_StyleToJson(const LM_style& style, const LM_height_source& relief) {

@@ -2,6 +2,8 @@
 // Readers and writers of bytes, and of JSON, are visitors of these tables.
 #pragma once
 
+#include <algorithm>
+
 #include "LM_light_kinds.h"
 #include "LM_sliders.h"
 
@@ -41,6 +43,13 @@ constexpr LM_field_ends LM_EndsOf(LM_field kind, LM_field_ends bits) {
   default:
     return bits;
   }
+}
+
+// The value that a field is lit as.
+constexpr int64_t LM_LitAs(LM_field kind, int64_t value) {
+  const bool isSlider = kind >= LM_field::Slider && kind <= LM_field::CenteredSlider;
+  const LM_field_ends ends = LM_EndsOf(kind, {});
+  return isSlider ? std::clamp(value, ends.low, ends.high) : value;
 }
 
 // Visits every field from offset 6 of the file to the lights. visit(name, value, kind) is called

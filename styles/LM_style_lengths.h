@@ -1,6 +1,8 @@
 // Lengths of styles: from one world unit to another, and to the whole pixels of files and dialogs.
 #pragma once
 
+#include <concepts>
+
 #include "LM_style.h"
 #include "LM_vectori2.h"
 
@@ -16,6 +18,14 @@ LM_style_light LM_TranslateLight(const LM_style_light& light, int16_t fromUnit, 
 // The nearest whole number of 16 bits, halves away from zero; 0 for NaN.
 int16_t LM_WholeLength(float length);
 LM_vectori2 LM_WholeLengths(const LM_vector2f& lengths);
+
+// A field of a style as files hold it: lengths are whole there.
+inline int16_t LM_StoredField(float length) {
+  return LM_WholeLength(length);
+}
+template <std::integral Integer> Integer LM_StoredField(Integer value) {
+  return value;
+}
 
 // Whether a style file, which has whole numbers alone, would lose something of the light.
 bool LM_HasFractions(const LM_style_light& light);

@@ -1,5 +1,6 @@
 #include "LM_style_library.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -36,8 +37,12 @@ std::filesystem::path DataFolder() {
                                            : std::filesystem::path();
 }
 
-// Makes the folder the default directory. Empty, or why not.
-std::string EnterFolder(const std::filesystem::path& folder) {
+// Makes the library's folder the default directory. Empty, or why not.
+std::string EnterLibrary() {
+  const std::filesystem::path data = DataFolder();
+  if (data.empty())
+    return "There is no home folder to keep styles in.";
+  const std::filesystem::path folder = data / FOLDER;
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error)
@@ -48,31 +53,32 @@ std::string EnterFolder(const std::filesystem::path& folder) {
   return {};
 }
 
-std::string EnterLibrary() {
-  const std::filesystem::path data = DataFolder();
-  if (data.empty())
-    return "There is no home folder to keep styles in.";
-  return EnterFolder(data / FOLDER);
+// Removes the files of writers that were killed.
+void Sweep(const LM_style_place& folder) {
+  limn::SweepTemporaries(TB_PathOf(folder.vRefNum, folder.dirID, nullptr));
 }
 
-// True when it is certain that nothing has that name.
-bool IsFree(const LM_style_place& folder, StringPtr name) {
-  HParamBlockRec block = {};
-  block.fileParam.ioNamePtr = name;
-  block.fileParam.ioVRefNum = folder.vRefNum;
-  block.fileParam.ioDirID = folder.dirID;
-  return PBHGetFInfo(&block, 0) == fnfErr;
-}
-
-LM_bool SaveInto(const LM_style_place& folder, StringPtr name, const LM_globals& globals,
-                 limn::Existing existing) {
-  uint8_t bytes[LM_STYLE_MAX_BYTES];
-  const size_t size = LM_EncodeStyle(LM_StyleOfSettings(globals), bytes);
-  const std::string_view all(reinterpret_cast<const char*>(bytes), size);
-  return LM_WriteStyleFile(folder, name, all, existing) ? 1 : 0;
+LM_bool Save(const LM_style_place& folder, StringPtr name, const LM_globals& globals,
+             limn::Existing existing) {
+  return LM_WriteStyleFile(folder, name, LM_StyleOfSettings(globals), existing) ? 1 : 0;
 }
 
 } // namespace
+
+OSErr LM_ReadStyleFile(const LM_style_place& folder, ConstStr255Param name, size_t most,
+                       std::string& bytes) {
+  bytes.resize(most);
+  int16_t file = 0;
+  int32_t count = 0;
+  OSErr result = HOpen(folder.vRefNum, folder.dirID, name, fsRdPerm, &file);
+  if (result == noErr) {
+    count = static_cast<int32_t>(most);
+    result = FSRead(file, &count, bytes.data());
+    FSClose(file);
+  }
+  bytes.resize(static_cast<size_t>(std::max(count, 0)));
+  return result == eofErr ? noErr : result;
+}
 
 bool LM_WriteStyleFile(const LM_style_place& folder, ConstStr255Param name, std::string_view bytes,
                        limn::Existing existing) {
@@ -90,8 +96,11 @@ bool LM_WriteStyleFile(const LM_style_place& folder, ConstStr255Param name, std:
   return file && file->HasName();
 }
 
-void LM_SweepStyles(const LM_style_place& folder) {
-  limn::SweepTemporaries(TB_PathOf(folder.vRefNum, folder.dirID, nullptr));
+bool LM_WriteStyleFile(const LM_style_place& folder, ConstStr255Param name, const LM_style& style,
+                       limn::Existing existing) {
+  uint8_t bytes[LM_STYLE_MAX_BYTES];
+  const size_t size = LM_EncodeStyle(style, bytes);
+  return LM_WriteStyleFile(folder, name, {reinterpret_cast<const char*>(bytes), size}, existing);
 }
 
 bool LM_UseStyleLibrary(std::string& why) {
@@ -101,14 +110,14 @@ bool LM_UseStyleLibrary(std::string& why) {
     return false;
   LM_style_place styles = {};
   WDPBRec library = {};
-  if (PBHGetVol(&library, 0) != noErr || LM_GetStyleFolder(&styles.vRefNum, &styles.dirID) == 0) {
+  if (PBHGetVol(&library, 0) != noErr || LM_FindStyleFolder(styles) != noErr) {
     libraryIsMissing = true;
     why = "The style folder in “" + TB_PathOf(0, 0, nullptr) + "” cannot be created.";
     return false;
   }
   const LM_style_place folder = {library.ioWDVRefNum, library.ioWDDirID};
-  LM_SweepStyles(folder);
-  LM_SweepStyles(styles);
+  Sweep(folder);
+  Sweep(styles);
   why = LM_SeedStyles(folder, styles);
   return true;
 }
@@ -122,17 +131,17 @@ LM_bool LM_ReplaceStyle(StringPtr name, LM_globals* globals) {
   const bool isStyle = old.Open(name) != 0;
   old.Close();
   LM_style_place folder = {};
-  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0 ||
-      LM_style_ostream::IsLocked(name) != 0 || (!isStyle && !IsFree(folder, name)))
+  // Where no style is, it has to be certain that nothing has that name.
+  if (LM_FindStyleFolder(folder) != noErr || LM_style_ostream::IsLocked(name) != 0 ||
+      (!isStyle && LM_FindFile(folder, name) != fnfErr))
     return 0;
-  return SaveInto(folder, name, *globals, limn::Existing::Replace);
+  return Save(folder, name, *globals, limn::Existing::Replace);
 }
 
 LM_bool LM_AddStyle(StringPtr name, LM_globals* globals) {
   TB_CutPString(name, LM_MAX_STYLE_NAME);
   LM_style_place folder = {};
-  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0 ||
-      LM_FindStyleName(folder.vRefNum, folder.dirID, name) != fnfErr)
+  if (LM_FindStyleFolder(folder) != noErr || LM_FindStyleName(folder, name) != fnfErr)
     return 0;
-  return SaveInto(folder, name, *globals, limn::Existing::Keep);
+  return Save(folder, name, *globals, limn::Existing::Keep);
 }

@@ -2,41 +2,26 @@
 
 #include <algorithm>
 
-#include "LM_arithmetic.h"
-#include "LM_light_kinds.h"
-#include "LM_sliders.h"
+#include "LM_style_layout.h"
 
 namespace {
 
-int16_t Limited(int16_t value, int low, int high) {
-  return static_cast<int16_t>(std::clamp<int>(value, low, high));
-}
-
 // Pressing OK takes the surface settings from the sliders, which show no value beyond their ends.
-LM_surface_figure LimitedToSliders(LM_surface_figure surface) {
-  surface.gloss = Limited(surface.gloss, 0, LM_SLIDER_MAX);
-  surface.material = Limited(surface.material, 0, LM_MATERIAL_SLIDER_MAX);
-  surface.exposure = Limited(surface.exposure, 0, LM_SLIDER_MAX);
-  surface.ambience =
-      Limited(surface.ambience, -LM_SLIDER_CENTER, LM_CENTERED_SLIDER_MAX - LM_SLIDER_CENTER);
-  surface.bumpAmplitude = Limited(surface.bumpAmplitude, 0, LM_SLIDER_MAX);
-  return surface;
+LM_style LimitedToSliders(LM_style style) {
+  LM_VisitStyleHeader(style, [](const char*, auto& value, LM_field kind) {
+    value = static_cast<std::decay_t<decltype(value)>>(LM_LitAs(kind, value));
+    return true;
+  });
+  return style;
 }
 
 LM_surface_figure SurfaceOf(const LM_style& style, const LM_preview_geometry& geometry,
                             int numChannels) {
-  LM_surface_figure surface = {};
-  surface.ambientColor = style.ambientColor;
-  surface.ambience = style.ambientBrightness;
-  surface.gloss = style.gloss;
-  surface.material = style.material;
-  surface.exposure = style.exposure;
-  surface.bumpChannel = LM_ChannelOrNone(style.bumpChannel, numChannels);
-  surface.bumpAmplitude = style.bumpAmplitude;
-  surface.whiteIsHigh = style.whiteIsHigh != 0;
-  surface.previewWidth = geometry.width;
-  surface.pixelsPerUnit = static_cast<uint16_t>(geometry.WorldUnit());
-  return surface;
+  return {style.ambientColor,  style.ambientBrightness,
+          style.gloss,         style.material,
+          style.exposure,      LM_ChannelOrNone(style.bumpChannel, numChannels),
+          style.bumpAmplitude, style.whiteIsHigh != 0,
+          geometry.width,      static_cast<uint16_t>(geometry.WorldUnit())};
 }
 
 bool FillParameters(const LM_style& style, const LM_surface_figure& surface, LM_bool forPreview,
@@ -76,7 +61,7 @@ int16_t LM_ChannelOrNone(int16_t channel, int numChannels) {
 bool LM_ParametersFromStyle(const LM_style& style, int areaWidth, int areaHeight, int numChannels,
                             foo* params) {
   const LM_preview_geometry geometry = LM_FitPreviewInFrame(areaWidth, areaHeight);
-  return FillParameters(style, LimitedToSliders(SurfaceOf(style, geometry, numChannels)), 0,
+  return FillParameters(style, SurfaceOf(LimitedToSliders(style), geometry, numChannels), 0,
                         params);
 }
 

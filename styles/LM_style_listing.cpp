@@ -3,61 +3,35 @@
 #include <new>
 
 #include "LM_mac_stream.h"
+#include "LM_sentences.h"
 #include "LM_style_codec.h"
 #include "LM_style_library.h"
 #include "LM_style_place.h"
-#include "MacFiles.h"
 #include "MacResources.h"
 
 namespace {
 
 constexpr int16_t DEFAULT_STYLE_NAME = 141;
-constexpr size_t IDENTIFYING_BYTES = 6;
 
-// The beginning of a file, as many bytes of it as a style may have and one more.
-struct FileBytes {
-  uint8_t bytes[LM_STYLE_MAX_BYTES + 1];
-  size_t size = 0;
-};
+// The file of a style with all its lights, and a byte more.
+constexpr size_t LONGEST_READ = LM_STYLE_MAX_BYTES + 1;
+// How a style's file begins.
+constexpr std::string_view START = "BBCVLM";
+static_assert(LM_STYLE_SIGNATURE == 0x4242 && LM_STYLE_MAGIC == CV_FOUR_CHARS('C', 'V', 'L', 'M'));
 
-bool ReadBytes(const LM_style_place& folder, ConstStr255Param name, size_t most, FileBytes& read) {
-  int16_t file = 0;
-  if (HOpen(folder.vRefNum, folder.dirID, name, fsRdPerm, &file) != noErr)
-    return false;
-  int32_t count = static_cast<int32_t>(most);
-  const OSErr result = FSRead(file, &count, read.bytes);
-  read.size = static_cast<size_t>(std::max(count, 0));
-  FSClose(file);
-  return result == noErr || result == eofErr;
-}
-
-bool BeginsAsStyle(const FileBytes& read) {
-  static_assert(LM_STYLE_MAGIC == CV_FOUR_CHARS('C', 'V', 'L', 'M'));
-  static constexpr uint8_t START[IDENTIFYING_BYTES] = {
-      LM_STYLE_SIGNATURE >> 8, LM_STYLE_SIGNATURE & 0xFF, 'C', 'V', 'L', 'M'};
-  return read.size >= IDENTIFYING_BYTES && std::equal(START, START + IDENTIFYING_BYTES, read.bytes);
-}
-
-// Calls visit(name, content) for every file of the folder that begins as a style does. most: bytes
-// of content that are wanted. Longer names than the style menu uses lead to no file there.
+// Calls visit(name, content) for every file of the folder that begins as a style does, until it
+// answers false. most: bytes of content that are wanted. Longer names than the style menu uses lead
+// to no file there.
 template <class Visit> void ForEachStyle(size_t most, Visit visit) {
   LM_style_place folder = {};
-  if (LM_GetStyleFolder(&folder.vRefNum, &folder.dirID) == 0)
+  if (LM_FindStyleFolder(folder) != noErr)
     return;
   Str255 name;
-  FileBytes content;
-  for (int16_t place = 1; place < INT16_MAX; ++place) {
-    HParamBlockRec block = {};
-    block.fileParam.ioNamePtr = name;
-    block.fileParam.ioVRefNum = folder.vRefNum;
-    block.fileParam.ioDirID = folder.dirID;
-    block.fileParam.ioFDirIndex = place;
-    if (PBHGetFInfo(&block, 0) != noErr)
+  std::string content;
+  for (int16_t place = 1; place < INT16_MAX && LM_FindFile(folder, name, place) == noErr; ++place)
+    if (name[0] <= LM_MAX_STYLE_NAME && LM_ReadStyleFile(folder, name, most, content) == noErr &&
+        content.starts_with(START) && !visit(name, content))
       return;
-    if (name[0] <= LM_MAX_STYLE_NAME && ReadBytes(folder, name, most, content) &&
-        BeginsAsStyle(content))
-      visit(TB_StdString(name), content);
-  }
 }
 
 // Of the file that holds the default style, if there is one.
@@ -69,20 +43,20 @@ std::string DefaultName() {
   return TB_StdString(name);
 }
 
-bool Decode(const FileBytes& content, LM_style& style, std::string& why) {
-  why.clear();
-  return LM_DecodeStyle(content.bytes, content.size, style, why);
+bool Decode(const std::string& content, LM_style& style, std::string& why) {
+  return LM_DecodeStyle(reinterpret_cast<const uint8_t*>(content.data()), content.size(), style,
+                        why);
 }
 
 } // namespace
 
 std::vector<LM_listed_style> LM_ListStyles() {
   std::vector<LM_listed_style> styles;
-  ForEachStyle(sizeof FileBytes::bytes, [&](std::string name, const FileBytes& content) {
-    LM_listed_style listed = {};
-    listed.name = std::move(name);
+  ForEachStyle(LONGEST_READ, [&](ConstStr255Param name, const std::string& content) {
+    LM_listed_style& listed = styles.emplace_back();
+    listed.name = TB_StdString(name);
     listed.loads = Decode(content, listed.style, listed.why);
-    styles.push_back(std::move(listed));
+    return true;
   });
   const std::string first = DefaultName();
   std::stable_partition(styles.begin(), styles.end(),
@@ -92,33 +66,38 @@ std::vector<LM_listed_style> LM_ListStyles() {
 
 std::vector<std::string> LM_StyleNames() {
   std::vector<std::string> names;
-  ForEachStyle(IDENTIFYING_BYTES,
-               [&](std::string name, const FileBytes&) { names.push_back(std::move(name)); });
+  ForEachStyle(START.size(), [&](ConstStr255Param name, const std::string&) {
+    names.push_back(TB_StdString(name));
+    return true;
+  });
   return names;
+}
+
+LM_bool LM_style_istream::IndexedInfo(int16_t index, StringPtr name) {
+  if (index < 0)
+    return 1;
+  name[0] = 0;
+  ForEachStyle(START.size(), [&](ConstStr255Param style, const std::string&) {
+    if (index-- == 0)
+      LM_PStringCopy(name, style);
+    return index >= 0;
+  });
+  return index < 0 ? 1 : 0;
 }
 
 bool LM_ReadLibraryStyle(std::string_view name, LM_style& style, std::string& why) {
   LM_style_place folder = {};
-  const OSErr found = LM_FindStyleFolder(&folder.vRefNum, &folder.dirID);
+  const OSErr found = LM_FindStyleFolder(folder);
   if (found == memFullErr)
     throw std::bad_alloc();
-  if (found != noErr) {
-    why = "There is no style folder.";
-    return false;
-  }
+  if (found != noErr)
+    return LM_Fails(why, "There is no style folder.");
   TB_Str255 file = TB_PString(name);
   TB_CutPString(file.bytes, LM_MAX_STYLE_NAME);
-  FileBytes content;
-  if (LM_FindStyleName(folder.vRefNum, folder.dirID, file.bytes) != noErr ||
-      !ReadBytes(folder, file, sizeof content.bytes, content)) {
-    why = "There is no style “" + std::string(name) + "”.";
-    return false;
-  }
-  std::string reason;
-  if (!Decode(content, style, reason)) {
-    why = "The style “" + std::string(name) + "” cannot be used: " + reason;
-    return false;
-  }
-  why = reason;
-  return true;
+  std::string content;
+  if (LM_FindStyleName(folder, file.bytes) != noErr ||
+      LM_ReadStyleFile(folder, file, LONGEST_READ, content) != noErr)
+    return LM_Fails(why, "There is no style “" + std::string(name) + "”.");
+  return Decode(content, style, why) ||
+         LM_Fails(why, "The style “" + std::string(name) + "” cannot be used: " + why);
 }

@@ -19,14 +19,11 @@ void ApplyLight(const LM_style_light& stored, const LM_globals& globals, LM_ligh
   light.intensity = stored.intensity;
   light.spread = stored.spread;
   light.on = stored.on == 1 ? 1 : 0;
-  if (light.on == 0)
-    light.FreeCaches();
   light.type = LM_LightKindOfCode(stored.type).type;
   light.center = LM_WholeLengths(stored.center);
   light.handle1 = LM_WholeLengths(stored.handle1);
   light.handle2 = LM_WholeLengths(stored.handle2);
   light.radius = LM_WholeLength(stored.radius);
-  light.InvalidateCaches();
 }
 
 LM_style_light StoredLight(const LM_light_UI& light) {
@@ -52,8 +49,6 @@ bool LM_ApplyStyle(const LM_style& style, LM_globals& globals) {
   for (int i = 0; i < applied; ++i)
     ApplyLight(LM_TranslateLight(style.lights[i], style.worldUnit, WorldUnit(globals)), globals,
                globals.lights[i]);
-  for (int i = applied; i < std::min<int>(globals.numLights, LM_MAX_LIGHTS); ++i)
-    globals.lights[i].FreeCaches();
   globals.numLights = static_cast<uint16_t>(applied);
   globals.curLight = style.curLight < applied ? style.curLight : uint16_t{0};
   globals.ambientColor = style.ambientColor;
@@ -64,7 +59,6 @@ bool LM_ApplyStyle(const LM_style& style, LM_globals& globals) {
   globals.bumpChannel = style.bumpChannel;
   globals.whiteIsHigh = style.whiteIsHigh != 0 ? 1 : 0;
   globals.bumpAmplitude = style.bumpAmplitude;
-  globals.InvalidateCaches();
   globals.FreeCaches();
   return true;
 }
@@ -83,7 +77,7 @@ LM_style LM_StyleOfSettings(const LM_globals& globals) {
   style.numLights = globals.numLights;
   style.curLight = globals.curLight;
   style.worldUnit = WorldUnit(globals);
-  style.lightsRead = std::min<uint16_t>(globals.numLights, LM_MAX_LIGHTS);
+  style.lightsRead = globals.numLights;
   for (int i = 0; i < style.lightsRead; ++i)
     style.lights[i] = StoredLight(globals.lights[i]);
   return style;

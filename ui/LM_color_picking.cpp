@@ -2,16 +2,13 @@
 #include <algorithm>
 
 #include "ColorPicker.h"
+#include "LM_drawing_scopes.h"
 #include "LM_mac_UI.h"
 #include "MacResources.h"
 
 namespace {
 
 constexpr int TO_16_BITS = 257;
-
-RGBColor ToRGB(const LM_color48& color) {
-  return {color.component[0], color.component[1], color.component[2]};
-}
 
 // The host's answer: 0 and the colour, or a code.
 int16_t AskHost(CVColorPickerProc picker, ConstStr255Param prompt, const LM_color48& inColor,
@@ -35,11 +32,7 @@ LM_bool PickColor(int16_t promptList, LM_color48& color, LM_globals* globals) {
   Str255 prompt;
   GetIndString(prompt, promptList, 1);
   const Point anywhere = {0, 0};
-  LM_color48 chosen = color;
-  if (CVGetColor(anywhere, prompt, color, chosen, globals) == 0)
-    return 0;
-  color = chosen;
-  return 1;
+  return CVGetColor(anywhere, prompt, color, color, globals);
 }
 
 } // namespace
@@ -53,7 +46,7 @@ LM_bool CVGetColor(Point where, ConstStr255Param prompt, const LM_color48& inCol
     if (result != CV_RESULT_NO_SERVICE)
       return result == CV_RESULT_OK ? 1 : 0;
   }
-  const RGBColor before = ToRGB(inColor);
+  const RGBColor before = LM_RGBOf(inColor);
   RGBColor chosen = before;
   if (GetColor(where, prompt, &before, &chosen) == 0)
     return 0;
@@ -67,7 +60,7 @@ void LM_PickAmbientColor(DialogPtr dialog, int16_t item, LM_globals* globals) {
 }
 
 void LM_PickLightColor(DialogPtr dialog, int16_t item, LM_globals* globals) {
-  LM_light_UI& light = globals->lights[globals->curLight < LM_MAX_LIGHTS ? globals->curLight : 0];
+  LM_light_UI& light = globals->CurrentLight();
   if (PickColor(LM_LIGHT_COLOR_PROMPT, light.color, globals) == 0)
     return;
   light.InvalidateCaches();

@@ -18,10 +18,6 @@ void Render(DialogPtr dialog, LM_globals* globals) {
     SetWRefCon(dialog, result);
 }
 
-int LightCount(const LM_globals* globals) {
-  return globals->numLights < LM_MAX_LIGHTS ? globals->numLights : LM_MAX_LIGHTS;
-}
-
 struct LightHit {
   int light;
   short part; // handle code
@@ -29,16 +25,15 @@ struct LightHit {
 
 // The selected light counts with its handles, and before the others.
 LightHit HitTestLights(LM_globals* globals, Point point) {
-  const int current = globals->curLight < LM_MAX_LIGHTS ? globals->curLight : 0;
-  const short part = globals->lights[current].HitTest(point, 1);
+  const short part = globals->CurrentLight().HitTest(point, 1);
   if (part != LM_HANDLE_NONE)
-    return {current, part};
-  for (int i = 0; i < LightCount(globals); ++i) {
+    return {globals->curLight, part};
+  for (int i = 0; i < globals->numLights; ++i) {
     const short body = globals->lights[i].HitTest(point, 0);
     if (body != LM_HANDLE_NONE)
       return {i, body};
   }
-  return {current, LM_HANDLE_NONE};
+  return {globals->curLight, LM_HANDLE_NONE};
 }
 
 void SelectLight(DialogPtr dialog, LM_globals* globals, int light) {
@@ -64,26 +59,20 @@ LM_bool PressWorkArea(DialogPtr dialog, LM_globals* globals, Point point) {
       LM_AddNewLight(dialog, globals, 1);
     else
       light.MoveUI(dialog, globals);
-  } else if (hit.part > LM_HANDLE_CENTER && hit.part <= LM_HANDLE_SECOND_END) {
-    light.DragGrabHandle(dialog, globals, hit.part);
   } else {
-    return 1;
+    light.DragGrabHandle(dialog, globals, hit.part);
   }
   Render(dialog, globals);
   return 1;
 }
 
-// Tracks the slider under the point. True when its value changed; `tracked` when there is one.
-LM_bool TrackSlider(DialogPtr dialog, Point point, bool& tracked) {
-  ControlHandle control = nullptr;
-  tracked = FindControl(point, dialog, &control) != 0 && control != nullptr;
-  if (!tracked)
-    return 0;
-  const int16_t before = GetControlValue(control);
+// True when the slider's value changed.
+LM_bool TrackSlider(ControlHandle slider, Point point) {
+  const int16_t before = GetControlValue(slider);
   // NOLINTNEXTLINE(performance-no-int-to-ptr): -1 stands for the control's own action
   const auto action = reinterpret_cast<ControlActionProcPtr>(intptr_t{-1});
-  TrackControl(control, point, action);
-  return GetControlValue(control) != before ? 1 : 0;
+  TrackControl(slider, point, action);
+  return GetControlValue(slider) != before ? 1 : 0;
 }
 
 LM_bool MouseDown(DialogPtr dialog, LM_globals* globals, const EventRecord& event, int16_t* item) {
@@ -93,13 +82,10 @@ LM_bool MouseDown(DialogPtr dialog, LM_globals* globals, const EventRecord& even
   if (PtInRect(point, &dialog->portRect) == 0)
     return 0;
   const int16_t pressed = static_cast<int16_t>(FindDialogItem(dialog, point) + 1);
-  if (LM_IsSlider(pressed)) {
-    bool tracked = false;
-    const LM_bool changed = TrackSlider(dialog, point, tracked);
-    if (tracked) {
-      *item = pressed;
-      return changed;
-    }
+  ControlHandle slider = nullptr;
+  if (LM_IsSlider(pressed) && FindControl(point, dialog, &slider) != 0 && slider != nullptr) {
+    *item = pressed;
+    return TrackSlider(slider, point);
   }
   switch (pressed) {
   case LM_LIGHT_WELL_ITEM:
@@ -128,7 +114,7 @@ void DeleteLight(DialogPtr dialog, LM_globals* globals) {
 
 // Selects the light before or after the current one, round the ends.
 void StepLight(DialogPtr dialog, LM_globals* globals, bool backwards) {
-  const int count = LightCount(globals);
+  const int count = globals->numLights;
   if (count >= 2)
     SelectLight(dialog, globals, (globals->curLight + (backwards ? count - 1 : 1)) % count);
 }

@@ -38,6 +38,10 @@ constexpr int16_t INACTIVE = 255;
 
 } // namespace
 
+Handle LM_ItemHandle(DialogPtr dialog, int16_t item) {
+  return FindItem(dialog, item).handle;
+}
+
 ControlHandle LM_ItemControl(DialogPtr dialog, int16_t item) {
   const Item found = FindItem(dialog, item);
   return IsControl(found) ? ItemControlOf(found.handle) : nullptr;
@@ -114,15 +118,13 @@ void LM_PopupGetItem(DialogPtr dialog, int16_t item, int16_t menuItem, Str255 te
     GetMenuItemText(menu, menuItem, text);
 }
 
-int16_t LM_PopupItemIndex(DialogPtr dialog, int16_t item, ConstStr255Param name) {
+int16_t LM_PopupItemIndex(DialogPtr dialog, int16_t item, ConstStr255Param name, Boolean exactly) {
   const MenuHandle menu = LM_PopupMenu(dialog, item);
-  if (menu == nullptr)
-    return 0;
   Str255 text;
-  int16_t place = CountMenuItems(menu);
+  int16_t place = menu != nullptr ? CountMenuItems(menu) : int16_t{0};
   for (; place > 0; --place) {
     GetMenuItemText(menu, place, text);
-    if (EqualString(name, text, 0, 0) != 0)
+    if (EqualString(name, text, exactly, exactly) != 0)
       break;
   }
   return place;

@@ -7,31 +7,35 @@
 
 constexpr RGBColor LM_BLACK = {0, 0, 0};
 
+// What all of them are.
+class LM_not_copied {
+protected:
+  LM_not_copied() = default;
+  LM_not_copied(const LM_not_copied&) = delete;
+  LM_not_copied& operator=(const LM_not_copied&) = delete;
+};
+
 // Makes a port current.
-class LM_port_scope {
+class LM_port_scope : LM_not_copied {
 public:
   explicit LM_port_scope(GrafPtr port) {
     GetPort(&_saved);
     SetPort(port);
   }
   ~LM_port_scope() { SetPort(_saved); }
-  LM_port_scope(const LM_port_scope&) = delete;
-  LM_port_scope& operator=(const LM_port_scope&) = delete;
 
 private:
   GrafPtr _saved = nullptr;
 };
 
 // Starts with a normal pen. The pen's place is put back too.
-class LM_pen_scope {
+class LM_pen_scope : LM_not_copied {
 public:
   LM_pen_scope() {
     GetPenState(&_saved);
     PenNormal();
   }
   ~LM_pen_scope() { SetPenState(&_saved); }
-  LM_pen_scope(const LM_pen_scope&) = delete;
-  LM_pen_scope& operator=(const LM_pen_scope&) = delete;
 
 private:
   PenState _saved;
@@ -39,7 +43,7 @@ private:
 
 // Clips to the part of a rectangle that was visible before. Without memory for regions nothing is
 // clipped, and nothing is changed.
-class LM_clip_scope {
+class LM_clip_scope : LM_not_copied {
 public:
   explicit LM_clip_scope(const Rect& rect) : _saved(NewRgn()), _narrow(NewRgn()) {
     if (_saved == nullptr || _narrow == nullptr)
@@ -54,8 +58,6 @@ public:
     DisposeRgn(_narrow);
     DisposeRgn(_saved);
   }
-  LM_clip_scope(const LM_clip_scope&) = delete;
-  LM_clip_scope& operator=(const LM_clip_scope&) = delete;
 
   // Back to what was there before, and to the rectangle again.
   void Open() { _Use(_saved); }
@@ -71,7 +73,7 @@ private:
 };
 
 // The font of small labels; ends with the plain full-sized one.
-class LM_small_text_scope {
+class LM_small_text_scope : LM_not_copied {
 public:
   explicit LM_small_text_scope(short face = 0) {
     TextFont(1);
@@ -83,19 +85,15 @@ public:
     TextSize(0);
     TextFace(0);
   }
-  LM_small_text_scope(const LM_small_text_scope&) = delete;
-  LM_small_text_scope& operator=(const LM_small_text_scope&) = delete;
 };
 
 // A pattern of one colour; null when memory is short, which draws nothing.
-class LM_color_pattern {
+class LM_color_pattern : LM_not_copied {
 public:
   explicit LM_color_pattern(const RGBColor& color) : handle(NewPixPat()) {
     MakeRGBPat(handle, &color);
   }
   ~LM_color_pattern() { DisposePixPat(handle); }
-  LM_color_pattern(const LM_color_pattern&) = delete;
-  LM_color_pattern& operator=(const LM_color_pattern&) = delete;
 
   const PixPatHandle handle;
 };

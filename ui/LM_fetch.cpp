@@ -15,10 +15,6 @@ int16_t Shifted(int16_t value, int offset) {
   return static_cast<int16_t>(std::clamp(value + offset, INT16_MIN, INT16_MAX));
 }
 
-LM_light_UI& CurrentLight(LM_globals* globals) {
-  return globals->lights[globals->curLight < LM_MAX_LIGHTS ? globals->curLight : 0];
-}
-
 using ItemSwitch = void (*)(DialogPtr, int16_t);
 
 // Intensity, type and colour go with the light being on; spread is a spot's alone.
@@ -69,7 +65,7 @@ void LM_GetGlobalsFromDialog(DialogPtr dialog, LM_globals* globals) {
 }
 
 void LM_SetCurLightToDialog(DialogPtr dialog, LM_globals* globals) {
-  const LM_light_UI& light = CurrentLight(globals);
+  const LM_light_UI& light = globals->CurrentLight();
   EnableLightItems(dialog, light);
   LM_SetControlValue(dialog, LM_LIGHT_ON_ITEM, light.on == 1 ? 1 : 0);
   LM_SetControlValue(dialog, LM_INTENSITY_ITEM, Shifted(light.intensity, LM_SLIDER_CENTER));
@@ -79,7 +75,7 @@ void LM_SetCurLightToDialog(DialogPtr dialog, LM_globals* globals) {
 }
 
 void LM_FetchLightType(DialogPtr dialog, LM_globals* globals) {
-  LM_light_UI& light = CurrentLight(globals);
+  LM_light_UI& light = globals->CurrentLight();
   const int32_t type = LM_LightKindOfCode(LM_ControlValue(dialog, LM_LIGHT_TYPE_ITEM)).type;
   const bool spot = type == LM_LIGHT_SPOT && light.on == 1;
   (spot ? LM_EnableControl : LM_DisableControl)(dialog, LM_SPREAD_ITEM);
@@ -117,13 +113,13 @@ void LM_FetchWhiteIsHigh(DialogPtr dialog, LM_globals* globals) {
 }
 
 void LM_FetchCurrentLightIntensity(DialogPtr dialog, LM_globals* globals) {
-  LM_light_UI& light = CurrentLight(globals);
+  LM_light_UI& light = globals->CurrentLight();
   light.intensity = Shifted(LM_ControlValue(dialog, LM_INTENSITY_ITEM), -LM_SLIDER_CENTER);
   light.InvalidateCaches();
 }
 
 void LM_FetchCurrentLightSpread(DialogPtr dialog, LM_globals* globals) {
-  LM_light_UI& light = CurrentLight(globals);
+  LM_light_UI& light = globals->CurrentLight();
   light.spread = LM_ControlValue(dialog, LM_SPREAD_ITEM);
   light.InvalidateCaches();
 }
@@ -146,7 +142,7 @@ int16_t LM_CollectRelief(LM_globals* globals) {
 }
 
 void LM_DoLightCheckBox(DialogPtr dialog, int16_t item, LM_globals* globals) {
-  LM_light_UI& light = CurrentLight(globals);
+  LM_light_UI& light = globals->CurrentLight();
   light.on = light.on == 1 ? 0 : 1;
   if (light.on == 0)
     light.FreeCaches();

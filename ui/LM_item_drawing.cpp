@@ -125,9 +125,8 @@ void LM_DrawAmbientColorBox(DialogPtr dialog, int16_t item) {
 }
 
 void LM_DrawLightColorBox(DialogPtr dialog, int16_t item) {
-  const LM_globals* globals = LM_GlobalsOfDialog(dialog);
-  if (globals != nullptr && globals->curLight < LM_MAX_LIGHTS)
-    LM_DrawColorBox(dialog, item, globals->lights[globals->curLight].color);
+  if (const LM_globals* globals = LM_GlobalsOfDialog(dialog))
+    LM_DrawColorBox(dialog, item, globals->CurrentLight().color);
 }
 
 void LM_PlotItemIcon(DialogPtr dialog, int16_t item, int16_t iconID) {

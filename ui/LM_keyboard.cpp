@@ -47,11 +47,11 @@ Point GripOf(const LM_light_UI& light, const EventRecord& event) {
 } // namespace
 
 void LM_DragByKey(DialogPtr dialog, LM_globals* globals, const EventRecord& event) {
-  if ((event.what != keyDown && event.what != autoKey) || globals->curLight >= LM_MAX_LIGHTS)
+  if (event.what != keyDown && event.what != autoKey)
     return;
   const Offset offset = OffsetOf(event);
   const Rect workArea = LM_ItemGetBox(dialog, LM_WORK_AREA_ITEM);
-  const Point grip = GripOf(globals->lights[globals->curLight], event);
+  const Point grip = GripOf(globals->CurrentLight(), event);
   if ((offset.h == 0 && offset.v == 0) || PtInRect(grip, &workArea) == 0)
     return;
   TB_PostDrag(dialog, grip, LM_PlaceAt(grip, offset.h, offset.v));

@@ -1,5 +1,7 @@
 // Dragging a light, or one of its handles, until the mouse button is released. Meanwhile the light
 // is drawn in exclusive-or; no such figure is left behind at the end.
+#include <algorithm>
+
 #include "Events.h"
 #include "LM_alerts.h"
 #include "LM_arithmetic.h"
@@ -11,9 +13,7 @@
 namespace {
 
 int16_t Clamp(int16_t value, int16_t first, int16_t end) {
-  if (value >= end)
-    value = static_cast<int16_t>(end - 1);
-  return value < first ? first : value;
+  return static_cast<int16_t>(std::clamp<int>(value, first, end - 1));
 }
 
 LM_drag_constraint ConstraintOf(bool keepDirection, bool keepLength) {
@@ -37,18 +37,18 @@ public:
         _trash(LM_ItemGetBox(dialog, LM_TRASH_ITEM)), _clip(_preview) {}
 
   void Follow(Point mouse) {
-    if (PtInRect(mouse, &_trash))
-      return _EnterTrash();
-    _LeaveTrash();
+    _SetOverTrash(PtInRect(mouse, &_trash) != 0);
+    if (_overTrash)
+      return;
     if (PtInRect(mouse, &_preview))
       _MoveTo(mouse);
     else
-      _Show();
+      _SetShown(true);
   }
 
   // Erases the figure and gives the whole dialog back to drawing.
   void End() {
-    _Hide();
+    _SetShown(false);
     _clip.Open();
   }
   bool OverTrash() const { return _overTrash; }
@@ -62,31 +62,19 @@ private:
     _moved = true;
     _place = mouse;
   }
-  void _Show() {
-    if (!_shown)
+  void _SetShown(bool shown) {
+    if (_shown != shown)
       _light._DrawXORActive(1, 0, _owner);
-    _shown = true;
+    _shown = shown;
   }
-  void _Hide() {
-    if (_shown)
-      _light._DrawXORActive(1, 0, _owner);
-    _shown = false;
-  }
-  void _EnterTrash() {
-    if (_overTrash)
+  void _SetOverTrash(bool over) {
+    if (_overTrash == over)
       return;
-    _Hide();
-    _overTrash = true;
+    if (over)
+      _SetShown(false);
+    _overTrash = over;
     _clip.Open();
-    LM_DrawInverseTrash(_dialog, LM_TRASH_ITEM);
-    _clip.Narrow();
-  }
-  void _LeaveTrash() {
-    if (!_overTrash)
-      return;
-    _overTrash = false;
-    _clip.Open();
-    LM_DrawTrash(_dialog, LM_TRASH_ITEM);
+    (over ? LM_DrawInverseTrash : LM_DrawTrash)(_dialog, LM_TRASH_ITEM);
     _clip.Narrow();
   }
 

@@ -65,48 +65,44 @@ void LM_light_UI::DrawActive(LM_globals* owner, LM_bool withGrabHandles) {
 }
 
 void LM_light_UI::DrawInactive() {
-  const LM_color_pattern pattern(LM_RGBOf(color));
   const LM_pen_scope pen;
-  SetHandlePen();
-  _DrawCenterHandle(pattern.handle);
+  _DrawHandles(0);
 }
 
 void LM_light_UI::_DrawDirectional(LM_bool withGrabHandles) {
-  const LM_color_pattern pattern(LM_RGBOf(color));
   const LM_pen_scope pen;
   SetOutlinePen();
   DrawHandleLine(*this);
-  _DrawHandles(pattern.handle, withGrabHandles);
+  _DrawHandles(withGrabHandles);
 }
 
 void LM_light_UI::_DrawOmni(LM_bool withGrabHandles) {
-  const LM_color_pattern pattern(LM_RGBOf(color));
   const LM_pen_scope pen;
   SetOutlinePen();
   const Rect box = LM_OmniBox(*this);
   FrameOval(&box);
-  _DrawHandles(pattern.handle, withGrabHandles);
+  _DrawHandles(withGrabHandles);
 }
 
 void LM_light_UI::_DrawSpot(LM_globals* owner) {
-  const LM_color_pattern pattern(LM_RGBOf(color));
   const LM_pen_scope pen;
   SetOutlinePen();
   DrawHandleLine(*this);
-  _DrawEllipse(pattern.handle, addOver, owner);
-  _DrawHandles(pattern.handle, 1);
+  _DrawEllipse(nullptr, addOver, owner);
+  _DrawHandles(1);
 }
 
-void LM_light_UI::_DrawHandles(PixPat** pattern, LM_bool withGrabHandles) {
+void LM_light_UI::_DrawHandles(LM_bool withGrabHandles) {
+  const LM_color_pattern pattern(LM_RGBOf(color));
   SetHandlePen();
-  _DrawCenterHandle(pattern);
+  _DrawCenterHandle(pattern.handle);
   if (withGrabHandles == 0)
     return;
-  MakeRGBPat(pattern, &MID_GREY);
+  MakeRGBPat(pattern.handle, &MID_GREY);
   const LM_grab_handles grab = DrawnHandles(*this);
   for (int i = 0; i < grab.count; ++i) {
     const Point place = LM_PointOf(grab.handles[i].place);
-    _DrawGrabHandle(place.h, place.v, pattern);
+    _DrawGrabHandle(place.h, place.v, pattern.handle);
   }
 }
 
@@ -230,4 +226,15 @@ void LM_light_UI::_CalcBounds(VRect& bounds, LM_globals* owner) {
   default:
     break;
   }
+}
+
+void LM_globals::DrawLights() {
+  DrawInactiveLights();
+  CurrentLight().DrawActive(this, 1);
+}
+
+void LM_globals::DrawInactiveLights() {
+  for (int i = 0; i < numLights; ++i)
+    if (i != curLight)
+      lights[i].DrawInactive();
 }

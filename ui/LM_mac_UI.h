@@ -164,6 +164,7 @@ LM_bool CVGetColor(Point where, ConstStr255Param prompt, const LM_color48& inCol
 
 // --- Items (LM_dialog_items.cpp). An item that is not there is ignored, and answers 0. ---
 
+Handle LM_ItemHandle(DialogPtr dialog, int16_t item);
 ControlHandle LM_ItemControl(DialogPtr dialog, int16_t item);
 int16_t LM_ControlValue(DialogPtr dialog, int16_t item);
 void LM_SetControlValue(DialogPtr dialog, int16_t item, int16_t value);
@@ -185,8 +186,10 @@ void LM_UserItemSetDrawProc(DialogPtr dialog, int16_t item, UserItemUPP procedur
 MenuHandle LM_PopupMenu(DialogPtr dialog, int16_t item);
 // The text of a popup's menu item, from 1; empty when there is none.
 void LM_PopupGetItem(DialogPtr dialog, int16_t item, int16_t menuItem, Str255 text);
-// Place of a name in a popup's menu, from 1, ignoring case and marks; 0 when it is not there.
-int16_t LM_PopupItemIndex(DialogPtr dialog, int16_t item, ConstStr255Param name);
+// Place of a name in a popup's menu, from 1, ignoring case and marks unless exactly is 1; 0 when it
+// is not there.
+int16_t LM_PopupItemIndex(DialogPtr dialog, int16_t item, ConstStr255Param name,
+                          Boolean exactly = 0);
 // Gives a popup the range of its menu: 1 to the number of items, or 0 to 0.
 void LM_PopupUseMenuRange(DialogPtr dialog, int16_t item);
 // Removes all items of a popup's menu.

@@ -6,6 +6,7 @@
 #include "LM_mac_UI.h"
 #include "MacResources.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {
@@ -86,9 +87,7 @@ void LM_DragIndicator(LM_slider_type_0* slider) {
   const auto mouseOnBar = [slider] {
     Point mouse;
     GetMouse(&mouse);
-    if (mouse.h > slider->BarMaxX())
-      mouse.h = slider->BarMaxX();
-    return mouse.h < slider->BarMinX() ? slider->BarMinX() : mouse.h;
+    return std::max(std::min(mouse.h, slider->BarMaxX()), slider->BarMinX());
   };
   short last = mouseOnBar();
   const auto moveTo = [slider](short h) {

@@ -5,7 +5,6 @@
 #include "LM_mac_UI.h"
 #include "LM_mac_slider_handler.h"
 #include "MacStrings.h"
-#include "QDText.h"
 
 #include <memory>
 

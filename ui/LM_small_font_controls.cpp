@@ -1,8 +1,8 @@
 // Controls that draw in the small font: their definition is wrapped in one that sets the font
 // around every call. The definition that was there hangs on the control's auxiliary record.
 #include "HostDialogs.h"
+#include "LM_drawing_scopes.h"
 #include "LM_mac_UI.h"
-#include "QDText.h"
 
 namespace {
 
@@ -34,13 +34,8 @@ int32_t LM_SmallFontControlFunc(short varCode, ControlHandle control, short mess
   if (GetAuxCtl(control, &record) == 0)
     return 0;
   const Handle saved = SavedDefinition(record);
-  TextSize(9);
-  TextFont(1);
-  const int32_t result =
-      saved != nullptr ? CallSavedDefinition(saved, varCode, control, message, param) : 0;
-  TextSize(0);
-  TextFont(0);
-  return result;
+  const LM_small_text_scope text;
+  return saved != nullptr ? CallSavedDefinition(saved, varCode, control, message, param) : 0;
 }
 
 void LM_InitSmallFontControl(ControlHandle control) {

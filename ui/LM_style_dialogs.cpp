@@ -1,5 +1,6 @@
 // The small dialogs of the style menu: asking for a name, and asking whether to replace or delete.
 #include "HostDialogs.h"
+#include "LM_alerts.h"
 #include "LM_drawing_scopes.h"
 #include "LM_item_drawing.h"
 #include "LM_mac_UI.h"
@@ -51,14 +52,6 @@ private:
   int16_t _number;
 };
 
-Handle TextHandle(DialogPtr dialog, int16_t item) {
-  int16_t type = 0;
-  Handle handle = nullptr;
-  Rect box;
-  GetDialogItem(dialog, item, &type, &handle, &box);
-  return handle;
-}
-
 bool IsDeclineKey(const EventRecord& event) {
   const uint32_t character = event.message & charCodeMask;
   return character == kReturnCharCode || character == kEnterCharCode ||
@@ -84,8 +77,7 @@ LM_bool Confirm(int16_t number, ConstStr255Param name) {
   SmallDialog confirmation(number);
   if (!confirmation.Build())
     return 0;
-  static const Str255 empty = {0};
-  ParamText(name, empty, empty, empty);
+  ParamText(name, LM_NO_TEXT, LM_NO_TEXT, LM_NO_TEXT);
   ShowWindow(confirmation.dialog);
   int16_t item = 0;
   while (item != DECLINE_ITEM && item != CONFIRM_ITEM && item != CONFIRMED && item != LM_NO_DIALOG)
@@ -100,7 +92,7 @@ LM_bool LM_AskSaveAsName(FilterRecord* record, StringPtr name) {
   SetUpMoveableModal(asking.Resource(), record->hostSignature);
   if (!asking.Build())
     return 0;
-  SetDialogItemText(TextHandle(asking.dialog, NAME_ITEM), name);
+  SetDialogItemText(LM_ItemHandle(asking.dialog, NAME_ITEM), name);
   SelectDialogItemText(asking.dialog, NAME_ITEM, 0, INT16_MAX);
   ShowWindow(asking.dialog);
   int16_t item = 0;
@@ -108,7 +100,7 @@ LM_bool LM_AskSaveAsName(FilterRecord* record, StringPtr name) {
     MoveableModalDialog(record->processEvent, nullptr, &item);
   if (item != ACCEPT_ITEM)
     return 0;
-  GetDialogItemText(TextHandle(asking.dialog, NAME_ITEM), name);
+  GetDialogItemText(LM_ItemHandle(asking.dialog, NAME_ITEM), name);
   if (name[0] != 0 && name[1] == '.')
     name[1] = '*';
   return 1;

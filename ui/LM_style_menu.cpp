@@ -30,15 +30,8 @@ void EnableDeleteForChoice(const LM_style_menu& menu) {
 
 // Where exactly this name stands in the menu, or one that differs by case and marks; 0 for neither.
 int16_t PlaceOfName(const LM_style_menu& menu, ConstStr255Param name) {
-  const MenuHandle styles = LM_PopupMenu(menu.dialog, LM_STYLE_ITEM);
-  Str255 text;
-  for (int16_t place = styles != nullptr ? CountMenuItems(styles) : int16_t{0}; place > 0;
-       --place) {
-    GetMenuItemText(styles, place, text);
-    if (EqualString(name, text, 1, 1) != 0)
-      return place;
-  }
-  return LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name);
+  const int16_t place = LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name, 1);
+  return place > 0 ? place : LM_PopupItemIndex(menu.dialog, LM_STYLE_ITEM, name);
 }
 
 // Loads the style that the dialog opens with, or else the menu's first one, and answers its place
@@ -81,10 +74,13 @@ void NoteLoaded(LM_style_menu& menu, int16_t place) {
   menu.globals->SetStyleIndex(place);
 }
 
-void ShowSettings(const LM_style_menu& menu) {
+// Shows settings that have become others, and has them rendered.
+LM_style_outcome ShowSettings(const LM_style_menu& menu) {
+  const int16_t result = LM_CheckBumpChannel(menu.dialog, menu.globals);
   LM_SetGlobalsToDialog(menu.dialog, menu.globals);
   LM_SetCurLightToDialog(menu.dialog, menu.globals);
   LM_ItemForceDraw(menu.dialog, LM_LIGHT_WELL_ITEM);
+  return {result, true};
 }
 
 } // namespace
@@ -175,9 +171,7 @@ LM_style_outcome LM_RunLoadFlow(LM_style_menu& menu) {
     return {CV_RESULT_OK, false};
   }
   NoteLoaded(menu, place);
-  const int16_t result = LM_CheckBumpChannel(menu.dialog, menu.globals);
-  ShowSettings(menu);
-  return {result, true};
+  return ShowSettings(menu);
 }
 
 LM_style_outcome LM_RunDeleteFlow(LM_style_menu& menu) {
@@ -202,7 +196,5 @@ LM_style_outcome LM_RunDeleteFlow(LM_style_menu& menu) {
     Choose(menu, menu.loadedPlace);
   }
   EnableDeleteForChoice(menu);
-  const int16_t result = LM_CheckBumpChannel(menu.dialog, menu.globals);
-  ShowSettings(menu);
-  return {result, true};
+  return ShowSettings(menu);
 }
