@@ -1,7 +1,9 @@
-#include "preview.h"
+// limn preview: the picture that the dialog shows.
+#include "command_line.h"
 
 #include "image_library.h"
 #include "lighting.h"
+#include "option_value.h"
 #include "output_target.h"
 #include "preview_frame.h"
 #include "report.h"
@@ -9,6 +11,18 @@
 
 namespace limn {
 namespace {
+
+struct PreviewOptions {
+  std::string image;
+  std::string output;
+  std::string style;
+  std::vector<std::string> settings;
+  std::string area; // "X,Y,W,H", or empty
+  std::vector<std::string> channels;
+  uint64_t maxPixels = 0; // as for limn apply
+  bool isUnlit = false;
+  bool force = false;
+};
 
 void WriteFrame(FramePicture frame, const OutputName& output, Existing existing) {
   Photograph picture;
@@ -20,8 +34,7 @@ void WriteFrame(FramePicture frame, const OutputName& output, Existing existing)
   WritePhotograph(picture, output, ResolveTarget(output.path), existing);
 }
 
-} // namespace
-
+// Writes the dialog's frame with the preview of the image in it. Throws Failure.
 ExitCode WritePreview(const PreviewOptions& options) {
   const Existing existing = options.force ? Existing::Replace : Existing::Keep;
   const OutputName output = ParseOutputName(options.output);
@@ -45,6 +58,26 @@ ExitCode WritePreview(const PreviewOptions& options) {
                 named.style, options.isUnlit ? Light::Off : Light::On, options.image);
   WriteFrame(std::move(frame), output, existing);
   return ExitCode::Done;
+}
+
+} // namespace
+
+void AddPreview(CLI::App& app, Command& command) {
+  auto [preview, options] = AddCommand(
+      app, command, "preview", "Write the picture that the dialog shows of a style", WritePreview);
+  preview.footer("The picture is the dialog's frame, 280 × 280 pixels, the photograph in it.");
+  preview.add_option("IMAGE", options.image, "The photograph")->required();
+  AddValue(preview, "-o,--output", options.output, "FILE", "The file to write, as for limn apply")
+      ->required();
+  AddValue(preview, "-s,--style", options.style, "NAME|FILE",
+           "A style file, its JSON form, the JSON itself, or the\nname of a style "
+           "(default: Default)");
+  AddValue(preview, "--set", options.settings, "KEY=VALUE", "As for limn apply");
+  AddValue(preview, "--area", options.area, "X,Y,W,H", "Show only this rectangle, in pixels");
+  AddValue(preview, "--channel", options.channels, "IMAGE", "As for limn apply; may be repeated");
+  AddMaxPixels(preview, options.maxPixels);
+  preview.add_flag("--unlit", options.isUnlit, "As with the dialog's preview switched off");
+  preview.add_flag("-f,--force", options.force, "Replace an existing file");
 }
 
 } // namespace limn
