@@ -142,9 +142,7 @@ ImageList Images(const ApplyPlan& plan) {
 }
 
 void AddStyle(ApplyPlan& plan, const std::string& name) {
-  NamedStyle named = FindStyle(name);
-  for (const std::string& setting : plan.options.settings)
-    SetField(named.style, setting);
+  const NamedStyle named = FindStyle(name, plan.options.settings);
   plan.styles.push_back(named.style);
   plan.reliefs.push_back(ReliefOf(plan.options.relief, named, plan.options.channels));
   plan.labels.push_back(LabelOf(name));

@@ -24,23 +24,11 @@ struct PreviewOptions {
   bool force = false;
 };
 
-void WriteFrame(FramePicture frame, const OutputName& output, Existing existing) {
-  Photograph picture;
-  picture.width = frame.width;
-  picture.height = frame.height;
-  picture.numPlanes = 3;
-  picture.pixels = std::move(frame.pixels);
-  picture.metadata = vips::VImage::black(1, 1);
-  WritePhotograph(picture, output, ResolveTarget(output.path), existing);
-}
-
 // Writes the dialog's frame with the preview of the image in it. Throws Failure.
 ExitCode WritePreview(const PreviewOptions& options) {
   const Existing existing = options.force ? Existing::Replace : Existing::Keep;
   const OutputName output = ParseOutputName(options.output);
-  NamedStyle named = FindStyle(options.style);
-  for (const std::string& setting : options.settings)
-    SetField(named.style, setting);
+  const NamedStyle named = FindStyle(options.style, options.settings);
   if (!named.warning.empty())
     PrintProblem(options.style + ": " + named.warning);
   CheckTarget(options.image, output, existing);
@@ -53,10 +41,10 @@ ExitCode WritePreview(const PreviewOptions& options) {
     NoteMissingRelief(named.style, document.channelCount(), photograph.notices);
   for (const std::string& notice : photograph.notices)
     PrintProblem(std::string(options.image).append(": ").append(notice));
-  FramePicture frame =
+  Photograph frame =
       DrawFrame(document, AreaOf(surroundings, photograph.width, photograph.height, options.image),
                 named.style, options.isUnlit ? Light::Off : Light::On, options.image);
-  WriteFrame(std::move(frame), output, existing);
+  WritePhotograph(frame, output, ResolveTarget(output.path), existing);
   return ExitCode::Done;
 }
 
