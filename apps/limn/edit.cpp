@@ -2,10 +2,10 @@
 #include "command_line.h"
 
 #include "edit_options.h"
+#include "lighting.h"
 #include "posix_file.h"
 
 #include <cerrno>
-#include <filesystem>
 #include <string>
 #include <unistd.h>
 
@@ -15,11 +15,7 @@ namespace {
 // Becomes limn-edit, which lies beside this program, with the arguments after the command's name
 // ("edit", argv[1]). Returns only by throwing Failure(Refused).
 [[noreturn]] void BecomeEdit(char** argv) {
-  std::error_code error;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) // and not a program of this name in the current folder
-    throw Failure(ExitCode::Refused, "/proc/self/exe: " + SystemReason(error.value()));
-  const std::string program = (self.parent_path() / "limn-edit").string();
+  const std::string program = (ProgramFolder() / "limn-edit").string();
   execv(program.c_str(), argv + 1);
   const int reason = errno;
   if (reason == ENOENT)

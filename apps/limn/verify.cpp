@@ -29,7 +29,7 @@ struct VerifyOptions {
 // More than a JPEG loses of a photograph, and less than another light makes.
 constexpr double MOST_LOSS = 8;
 
-Recipe RecipeOf(const std::string& file, const VImage& image) {
+Recipe RecipeFound(const std::string& file, const VImage& image) {
   const std::optional<std::string> json = RecipeIn(image);
   if (!json)
     throw Failure(ExitCode::BadInput, file + ": holds no recipe; limn apply --recipe writes one");
@@ -154,7 +154,7 @@ ExitCode Compare(const VerifyOptions& options) {
       OpenPhotograph(options.lit, 1, VIPS_FORMAT_NOTSET, VIPS_FORMAT_FLOAT);
   const VImage whole = OpenImage(options.lit);
   const bool losesDetail = LosesDetail(whole);
-  const Recipe recipe = RecipeOf(options.lit, whole);
+  const Recipe recipe = RecipeFound(options.lit, whole);
   CheckFiles(recipe, options);
   if (recipe.original && !recipe.original->digest.empty() &&
       recipe.original->digest != RecipeFileOf(options.original).digest)
@@ -171,9 +171,8 @@ ExitCode Compare(const VerifyOptions& options) {
                                           options.original + " has when it is lit");
   const LightingOfPhotographs light{recipe.style, recipe.relief, surroundings, recipe.isDeep};
   light.Check(options.original, original);
-  return Tell(options.lit,
-              Compared(light.Light(options.original, original.planes, nullptr), found.planes),
-              losesDetail);
+  const VImage made = LitImage(original.planes, light.Settings(options.original, original.planes));
+  return Tell(options.lit, Compared(made, found.planes), losesDetail);
 }
 
 // Prints what it found: Done when they are equal, or as near as a format that loses detail allows,
