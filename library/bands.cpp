@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <system_error>
+#include <exception>
 #include <thread>
 #include <vector>
 
@@ -48,47 +48,9 @@ private:
   std::atomic<bool> _stop = false;
 };
 
-// Ends the loop and waits for its threads, however the scope is left.
-class Workers {
-public:
-  explicit Workers(BandLoop& loop) : _loop(loop) {}
-  ~Workers() {
-    _loop.Stop();
-    Join();
-  }
-  Workers(const Workers&) = delete;
-  Workers& operator=(const Workers&) = delete;
-
-  // One more thread for the loop; false when the system grants none.
-  bool Add(LM_render_scratch& scratch) {
-    try {
-      _threads.emplace_back([this, &scratch] {
-        while (_loop.LightNext(scratch)) {
-        }
-      });
-      return true;
-    } catch (const std::system_error&) {
-      return false;
-    } catch (const std::bad_alloc&) {
-      return false;
-    }
-  }
-  void Join() {
-    for (std::thread& thread : _threads)
-      thread.join();
-    _threads.clear();
-  }
-
-private:
-  BandLoop& _loop;
-  std::vector<std::thread> _threads;
-};
-
 int ThreadsFor(const limn_options& options, int bands) {
   const int wanted =
-      options.threads > 0
-          ? options.threads
-          : static_cast<int>(std::min<unsigned>(std::thread::hardware_concurrency(), MOST_THREADS));
+      options.threads > 0 ? options.threads : static_cast<int>(std::thread::hardware_concurrency());
   return std::clamp(wanted, 1, std::min(bands, MOST_THREADS));
 }
 
@@ -118,14 +80,25 @@ void LightInBands(Rows rows, int32_t width, const limn_options& options, const L
       throw std::bad_alloc();
   }
   NeedGoing(options, 0);
-  Workers workers(loop);
-  for (size_t i = 1; i < scratch.size() && workers.Add(*scratch[i]); ++i) {
+  std::vector<std::jthread> others; // which are waited for, however the scope is left
+  try {
+    for (size_t i = 1; i < scratch.size(); ++i)
+      others.emplace_back([&loop, &own = *scratch[i]] {
+        while (loop.LightNext(own)) {
+        }
+      });
+  } catch (const std::exception&) {
+    // The system grants no more threads or memory. Fewer do the work.
   }
-  while (loop.LightNext(*scratch[0])) {
-    if (loop.Done() < 1)
-      NeedGoing(options, loop.Done());
+  try {
+    while (loop.LightNext(*scratch[0]))
+      if (loop.Done() < 1)
+        NeedGoing(options, loop.Done());
+  } catch (...) {
+    loop.Stop();
+    throw;
   }
-  workers.Join();
+  others.clear();
   WantsStop(options, 1); // too late to stop
 }
 

@@ -12,7 +12,6 @@
 struct limn_lighting {
   std::unique_ptr<LM_render_job> job;
   limn::Format format;
-  int ownRelief; // the picture's channel that the style takes as relief, from 1, or 0
   limn_keep keep = LIMN_KEEP_NOTHING;
   mutable LM_kept_sums kept = {}; // of the last run, for pictures that are all flat or all not
 };
@@ -20,42 +19,33 @@ struct limn_lighting {
 namespace limn {
 namespace {
 
-// The style to light by.
-const LM_style& StyleOf(const limn_settings* settings) {
-  NeedPointer(settings, "settings");
-  if (settings->style.lightsRead == 0)
-    throw CallFailure{LIMN_BAD_STYLE, "the style holds no light"};
-  return settings->style;
-}
-
 // The settings as the plug-in and the shaders take them, for pictures of the format.
 std::unique_ptr<foo> ParametersOf(const limn_settings* settings, const Format& format) {
-  const LM_style& style = StyleOf(settings);
+  NeedPointer(settings, "settings");
   auto params = std::make_unique<foo>();
   const LM_rect& area = format.area;
-  if (!LM_ParametersFromStyle(style, area.right - area.left, area.bottom - area.top,
+  if (!LM_ParametersFromStyle(settings->style, area.right - area.left, area.bottom - area.top,
                               format.channels, params.get()))
-    throw std::bad_alloc();
+    throw CallFailure{LIMN_BAD_STYLE, "the style holds no light"};
   return params;
 }
 
-void PrepareFor(const limn_settings* settings, const Format& format, limn_lighting& lighting) {
-  const LM_style& style = StyleOf(settings);
+void PrepareFor(const foo& params, const Format& format, limn_lighting& lighting) {
   auto job = std::make_unique<LM_render_job>();
   // The area was checked, so that there can be but one reason.
-  if (LM_PrepareStyle(style, format.area, format.width, format.height, format.channels, *job) !=
+  if (LM_PrepareRender(params, format.area, format.width, format.height, LM_BestKernels(), *job) !=
       LM_render_result::Done)
     throw std::bad_alloc();
   lighting.format = format;
-  lighting.ownRelief = job->params.bumpChannel;
   lighting.job = std::move(job);
   lighting.kept = {};
 }
 
 std::unique_ptr<limn_lighting> Prepare(const limn_settings* settings, const limn_picture* picture) {
   NeedPointer(picture, "picture");
+  const Format format = FormatOf(*picture);
   auto lighting = std::make_unique<limn_lighting>();
-  PrepareFor(settings, FormatOf(*picture), *lighting);
+  PrepareFor(*ParametersOf(settings, format), format, *lighting);
   return lighting;
 }
 
@@ -109,30 +99,30 @@ void CopyRows(const Format& format, const LM_render_views& views, Rows rows) {
     std::memcpy(views.output.At(0, y), views.source.At(0, y), bytes);
 }
 
-void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_options& options) {
+void Run(const limn_lighting& lighting, const limn_picture& picture, const limn_options* options) {
   const Format& format = lighting.format;
   if (!(FormatOf(picture) == format))
     throw CallFailure{LIMN_BAD_ARGUMENT,
                       "picture: its size, channels or area are not those of the lighting"};
-  Pixels pixels = PixelsOf(picture, format, lighting.ownRelief);
+  Pixels pixels = PixelsOf(picture, format, lighting.job->params.bumpChannel);
   std::unique_ptr<uint8_t[]> relief;
   LM_render_views& views = pixels.views;
   if (pixels.reliefIsInOutput)
     relief = CopyRelief(format, views.reliefKind, views.relief);
   views.kept = KeptFor(lighting, views);
   const LM_rect& area = format.area;
-  const bool isWhole =
-      area.top == 0 && area.left == 0 && area.bottom == format.height && area.right == format.width;
+  const bool isWhole = LM_Contains(area, {0, 0, format.height, format.width});
   const bool copies = !pixels.inPlace && (format.channels > 3 || !isWhole);
   const Rows rows = copies ? Rows{0, format.height} : Rows{area.top, area.bottom};
-  LightInBands(rows, format.width, options, [&](Rows band, LM_render_scratch& scratch) {
-    if (copies)
-      CopyRows(format, views, band);
-    LM_RenderRect(
-        *lighting.job, views,
-        {std::max(band.first, area.top), area.left, std::min(band.last, area.bottom), area.right},
-        scratch);
-  });
+  LightInBands(rows, format.width, options != nullptr ? *options : limn_options{},
+               [&](Rows band, LM_render_scratch& scratch) {
+                 if (copies)
+                   CopyRows(format, views, band);
+                 LM_RenderRect(*lighting.job, views,
+                               {std::max(band.first, area.top), area.left,
+                                std::min(band.last, area.bottom), area.right},
+                               scratch);
+               });
 }
 
 } // namespace
@@ -153,7 +143,7 @@ limn_result limn_run(const limn_lighting* lighting, const limn_picture* picture,
   return Guard(error, [&] {
     NeedPointer(lighting, "lighting");
     NeedPointer(picture, "picture");
-    limn::Run(*lighting, *picture, options == nullptr ? limn_options{} : *options);
+    limn::Run(*lighting, *picture, options);
   });
 }
 
@@ -161,7 +151,7 @@ limn_result limn_light(const limn_settings* settings, const limn_picture* pictur
                        const limn_options* options, limn_error* error) {
   return Guard(error, [&] {
     const auto lighting = limn::Prepare(settings, picture);
-    limn::Run(*lighting, *picture, options == nullptr ? limn_options{} : *options);
+    limn::Run(*lighting, *picture, options);
   });
 }
 
@@ -188,8 +178,9 @@ limn_result limn_set_settings(limn_lighting* lighting, const limn_settings* sett
   return Guard(error, [&] {
     NeedPointer(lighting, "lighting");
     const auto params = limn::ParametersOf(settings, lighting->format);
-    if (params->bumpChannel != lighting->ownRelief || !LM_ChangeSurface(*params, *lighting->job))
-      limn::PrepareFor(settings, lighting->format, *lighting);
+    if (params->bumpChannel != lighting->job->params.bumpChannel ||
+        !LM_ChangeSurface(*params, *lighting->job))
+      limn::PrepareFor(*params, lighting->format, *lighting);
   });
 }
 

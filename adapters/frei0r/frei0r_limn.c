@@ -35,14 +35,6 @@ static void Forget(Filter* filter) {
   filter->hasComplained = 0;
 }
 
-static char* CopyOf(const char* text) {
-  const size_t size = strlen(text) + 1;
-  char* copy = malloc(size);
-  if (copy != NULL)
-    memcpy(copy, text, size);
-  return copy;
-}
-
 /* Hosts that pad their rows have a frame that is wider than what they show. A light's place goes by
  * the width, and relief goes on beyond the edge, so the picture has to be the part that is shown.
  * False when the area is none, or not in the frame. */
@@ -119,8 +111,8 @@ f0r_instance_t f0r_construct(unsigned int width, unsigned int height) {
     return NULL;
   filter->width = width;
   filter->height = height;
-  filter->style = CopyOf(STYLE_DEFAULT);
-  filter->area = CopyOf("");
+  filter->style = strdup(STYLE_DEFAULT);
+  filter->area = strdup("");
   for (int i = 0; i < STYLE_SLIDERS; ++i)
     filter->slider[i] = STYLE_SLIDER_DEFAULT;
   if (filter->style != NULL && filter->area != NULL)
@@ -153,7 +145,7 @@ void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index) 
   if (text != NULL) {
     const char* given = *(const f0r_param_string*)param;
     char* copy;
-    if (given == NULL || strcmp(given, *text) == 0 || (copy = CopyOf(given)) == NULL)
+    if (given == NULL || strcmp(given, *text) == 0 || (copy = strdup(given)) == NULL)
       return;
     free(*text);
     *text = copy;

@@ -50,21 +50,12 @@ static GeglRectangle WholePicture(GeglOperation* operation, const GeglRectangle*
   return HasPixels(box) ? *box : *asked;
 }
 
-/* Light falls on the whole picture: where it stands depends on the picture's size. */
-static GeglRectangle CachedRegion(GeglOperation* operation, const GeglRectangle* asked) {
-  return WholePicture(operation, asked);
-}
-
-static GeglRectangle RequiredForOutput(GeglOperation* operation, const char* pad,
-                                       const GeglRectangle* asked) {
+/* Light falls on the whole picture: where it stands depends on the picture's size. So all of it is
+ * needed, and changes, with any part. */
+static GeglRectangle WholeForPart(GeglOperation* operation, const char* pad,
+                                  const GeglRectangle* part) {
   (void)pad;
-  return WholePicture(operation, asked);
-}
-
-static GeglRectangle InvalidatedByChange(GeglOperation* operation, const char* pad,
-                                         const GeglRectangle* changed) {
-  (void)pad;
-  return WholePicture(operation, changed);
+  return WholePicture(operation, part);
 }
 
 /* The second input does not make the picture larger. */
@@ -269,9 +260,9 @@ static void InitializeClass(gpointer klass, gpointer data) {
   InstallProperties(G_OBJECT_CLASS(klass));
   operation->prepare = Prepare;
   operation->get_bounding_box = BoundingBox;
-  operation->get_cached_region = CachedRegion;
-  operation->get_required_for_output = RequiredForOutput;
-  operation->get_invalidated_by_change = InvalidatedByChange;
+  operation->get_cached_region = WholePicture;
+  operation->get_required_for_output = WholeForPart;
+  operation->get_invalidated_by_change = WholeForPart;
   operation->threaded = FALSE; /* the library starts threads of its own */
   operation->opencl_support = FALSE;
   GEGL_OPERATION_COMPOSER_CLASS(klass)->process = Process;

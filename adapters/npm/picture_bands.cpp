@@ -2,11 +2,10 @@
 
 #include "guard.h"
 #include "picture.h"
+#include "picture_heights.h"
 #include "settings.h"
 
-#include "LM_height_samples.h"
 #include "LM_height_words.h"
-#include "LM_plane_scaling.h"
 #include "LM_style_lighting.h"
 
 #include <algorithm>
@@ -17,7 +16,6 @@ struct limn_bands {
   LM_render_job job;
   LM_render_scratch_pointer scratch;
   int32_t channels;
-  int32_t ownRelief; // the picture's channel that the style takes as relief, from 1, or 0
 };
 
 namespace limn {
@@ -49,7 +47,6 @@ std::unique_ptr<limn_bands> Prepare(const limn_settings* settings, const limn_pi
       bands->scratch == nullptr)
     throw std::bad_alloc();
   bands->channels = format.channels;
-  bands->ownRelief = params.bumpChannel;
   return bands;
 }
 
@@ -63,8 +60,7 @@ void Light(limn_bands& bands, const limn_band& band) {
   LM_render_views views = {};
   views.kind = static_cast<LM_pixel_kind>(band.kind);
   views.output = ViewOf(band.pixels, band.kind, bands.channels, band.part);
-  views.source = {views.output.pixels, views.output.rowStride, views.output.pixelStep,
-                  views.output.bounds};
+  views.source = ViewOf<const uint8_t>(band.pixels, band.kind, bands.channels, band.part);
   if (band.relief != nullptr) {
     views.reliefKind = static_cast<LM_pixel_kind>(band.relief_kind);
     views.relief = ViewOf(band.relief, band.relief_kind, band.relief_step, band.relief_part);
@@ -78,32 +74,13 @@ void Light(limn_bands& bands, const limn_band& band) {
     throw CallFailure{LIMN_FAILED, LM_RenderMessage(result)};
 }
 
-// Pixels have four bytes.
-LM_height_plane ReducedLuminance(const limn_heights& heights, const LM_plane_size& size) {
-  LM_plane_reducer reducer(heights.width, heights.height, std::min(size.width, heights.width),
-                           std::min(size.height, heights.height));
-  std::vector<uint16_t> row(static_cast<size_t>(heights.width));
-  const uint8_t* pixel = heights.pixels;
-  for (int32_t y = 0; y < heights.height; ++y, pixel += 4 * ptrdiff_t{heights.width}) {
-    LM_HeightsOfPixels(pixel, 4, LM_LUMINANCE, row.data(), row.size());
-    reducer.Add(row.data());
-  }
-  return reducer.Take();
-}
-
 void MakeHeights(const limn_heights& heights) {
   LM_height_source source;
   if (!LM_SetHeightSource(source, heights.source))
     throw CallFailure{LIMN_BAD_ARGUMENT, "relief: it is " + LM_HeightSourceWords()};
-  source = LM_ResolvedSource(source, true);
-  const LM_plane_size size = LM_PreparedSize(source, heights.out_width, heights.out_height);
-  LM_height_plane plane = ReducedLuminance(heights, size);
-  LM_PrepareHeights(source, heights.picture_side, plane);
-  const LM_plane_enlarger enlarger(plane, heights.out_width, heights.out_height);
-  std::vector<double> scratch;
-  for (int32_t y = 0; y < heights.out_height; ++y)
-    enlarger.MakeRow(y, 0, heights.out_width, heights.out + ptrdiff_t{y} * heights.out_width,
-                     scratch);
+  HeightsOfPicture(LM_ResolvedSource(source, true), LM_LUMINANCE, heights.pixels, 4,
+                   {heights.width, heights.height}, heights.picture_side, heights.out,
+                   {heights.out_width, heights.out_height});
 }
 
 } // namespace
@@ -122,7 +99,7 @@ limn_bands* limn_bands_prepare(const limn_settings* settings, int32_t width, int
 }
 
 int32_t limn_bands_own_relief(const limn_bands* bands) {
-  return bands->ownRelief;
+  return bands->job.params.bumpChannel;
 }
 
 limn_result limn_bands_light(limn_bands* bands, const limn_band* band, limn_error* error) {

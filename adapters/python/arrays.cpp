@@ -13,37 +13,6 @@ std::string Told(const py::handle& value) {
   return std::string(py::str(value));
 }
 
-} // namespace
-
-limn_kind KindOf(const char* name, const py::array& array) {
-  const py::dtype type = array.dtype();
-  const bool isNative = type.byteorder() == '=' || type.byteorder() == '|';
-  if (isNative && type.kind() == 'u' && type.itemsize() == 1)
-    return LIMN_BYTES;
-  if (isNative && type.kind() == 'u' && type.itemsize() == 2)
-    return LIMN_WORDS;
-  if (isNative && type.kind() == 'f' && type.itemsize() == 4)
-    return LIMN_FLOATS;
-  Refuse(std::string(name) + ": its samples are " + Told(type) +
-         ", not uint8, uint16 or float32 in this machine's byte order");
-}
-
-py::array Packed(const py::array& array) {
-  py::array packed = py::array::ensure(array, py::array::c_style);
-  if (!packed)
-    throw py::error_already_set();
-  return packed;
-}
-
-int32_t SizeOf(const char* name, py::ssize_t size) {
-  if (size > LIMN_LONGEST_SIDE)
-    Refuse(std::string(name) + ": " + std::to_string(size) + " is more than " +
-           std::to_string(LIMN_LONGEST_SIDE));
-  return static_cast<int32_t>(size);
-}
-
-namespace {
-
 // Dimensions of one element have a stride that says nothing.
 bool IsStepAtLeast(const py::array& array, int dimension, py::ssize_t bytes) {
   return array.shape(dimension) <= 1 || std::abs(array.strides(dimension)) >= bytes;
@@ -81,6 +50,33 @@ void CheckOut(const py::array& image, const py::array& out) {
 }
 
 } // namespace
+
+limn_kind KindOf(const char* name, const py::array& array) {
+  const py::dtype type = array.dtype();
+  const bool isNative = type.byteorder() == '=' || type.byteorder() == '|';
+  if (isNative && type.kind() == 'u' && type.itemsize() == 1)
+    return LIMN_BYTES;
+  if (isNative && type.kind() == 'u' && type.itemsize() == 2)
+    return LIMN_WORDS;
+  if (isNative && type.kind() == 'f' && type.itemsize() == 4)
+    return LIMN_FLOATS;
+  Refuse(std::string(name) + ": its samples are " + Told(type) +
+         ", not uint8, uint16 or float32 in this machine's byte order");
+}
+
+py::array Packed(const py::array& array) {
+  py::array packed = py::array::ensure(array, py::array::c_style);
+  if (!packed)
+    throw py::error_already_set();
+  return packed;
+}
+
+int32_t SizeOf(const char* name, py::ssize_t size) {
+  if (size > LIMN_LONGEST_SIDE)
+    Refuse(std::string(name) + ": " + std::to_string(size) + " is more than " +
+           std::to_string(LIMN_LONGEST_SIDE));
+  return static_cast<int32_t>(size);
+}
 
 Arrays::Arrays(const py::array& image, const std::optional<py::array>& relief,
                const std::optional<py::array>& out)

@@ -1,15 +1,14 @@
 #include "errors.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace py = pybind11;
 
 namespace {
 
-// Kept for as long as the process, as other types of extensions are.
-PyObject* BaseError;
-PyObject* ArgumentError;
-PyObject* StyleError;
-PyObject* ReadError;
-PyObject* NoMemoryError;
+// The exception of each code. Kept for as long as the process, as other types of extensions are.
+PyObject* types[LIMN_FAILED + 1];
 
 PyObject* Define(py::module_& module, const char* name, const char* explanation,
                  const py::handle& bases) {
@@ -21,48 +20,30 @@ PyObject* Define(py::module_& module, const char* name, const char* explanation,
   return type;
 }
 
-PyObject* DefineUnder(py::module_& module, const char* name, const char* explanation,
-                      PyObject* python) {
-  return Define(module, name, explanation,
-                py::make_tuple(py::handle(BaseError), py::handle(python)));
-}
-
-PyObject* TypeOf(limn_result code) {
-  switch (code) {
-  case LIMN_BAD_ARGUMENT:
-    return ArgumentError;
-  case LIMN_BAD_STYLE:
-    return StyleError;
-  case LIMN_CANNOT_READ:
-    return ReadError;
-  case LIMN_NO_MEMORY:
-    return NoMemoryError;
-  default:
-    return BaseError;
-  }
-}
-
 } // namespace
 
 void DefineErrors(py::module_& module) {
-  BaseError = Define(module, "Error", "What the lighting could not do; the base of the others.",
-                     py::handle(PyExc_Exception));
-  ArgumentError = DefineUnder(module, "ArgumentError",
-                              "An array, an area or a setting that cannot be.", PyExc_ValueError);
-  StyleError = DefineUnder(module, "StyleError", "No style of that name, or bytes that are none.",
-                           PyExc_ValueError);
-  ReadError =
-      DefineUnder(module, "ReadError", "A style's file that cannot be read.", PyExc_OSError);
-  NoMemoryError =
-      DefineUnder(module, "NoMemoryError", "The memory does not suffice.", PyExc_MemoryError);
+  const py::handle base = Define(
+      module, "Error", "What the lighting could not do; the base of the others.", PyExc_Exception);
+  std::fill(std::begin(types), std::end(types), base.ptr());
+  const auto define = [&](limn_result code, const char* name, const char* explanation,
+                          const py::handle& python) {
+    types[code] = Define(module, name, explanation, py::make_tuple(base, python));
+  };
+  define(LIMN_BAD_ARGUMENT, "ArgumentError", "An array, an area or a setting that cannot be.",
+         PyExc_ValueError);
+  define(LIMN_BAD_STYLE, "StyleError", "No style of that name, or bytes that are none.",
+         PyExc_ValueError);
+  define(LIMN_CANNOT_READ, "ReadError", "A style's file that cannot be read.", PyExc_OSError);
+  define(LIMN_NO_MEMORY, "NoMemoryError", "The memory does not suffice.", PyExc_MemoryError);
 }
 
 void Throw(const limn_error& error) {
-  PyErr_SetString(TypeOf(error.code), error.text);
+  PyErr_SetString(types[error.code], error.text);
   throw py::error_already_set();
 }
 
 void Refuse(const std::string& sentence) {
-  PyErr_SetString(ArgumentError, sentence.c_str());
+  PyErr_SetString(types[LIMN_BAD_ARGUMENT], sentence.c_str());
   throw py::error_already_set();
 }

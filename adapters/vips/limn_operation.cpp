@@ -1,7 +1,5 @@
 // The operation "limn" of libvips: `vips limn in.jpg out.jpg --style "Evening Lamp"`, and the same
 // from every language that libvips speaks.
-#include "limn_operation.h"
-
 #include "failure.h"
 #include "lit_image.h"
 #include "small_file.h"
@@ -12,6 +10,7 @@
 #include "LM_style_fields.h"
 
 #include <algorithm>
+#include <gmodule.h>
 #include <new>
 #include <string>
 #include <string_view>
@@ -166,10 +165,10 @@ void limn_operation_init(Operation*) {}
 
 } // namespace
 
-namespace limn {
-
-void RegisterOperation() {
+// What libvips calls when it loads the module from its folder.
+extern "C" G_MODULE_EXPORT const gchar* g_module_check_init(GModule* module) {
+  // Types cannot be taken back, so the code must stay.
+  g_module_make_resident(module);
   limn_operation_get_type();
+  return nullptr;
 }
-
-} // namespace limn

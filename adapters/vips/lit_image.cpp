@@ -18,9 +18,8 @@ constexpr int NUM_LIT = 3;
 // What all threads share, read only.
 struct Lighting {
   LM_render_job job;
-  // The images, the lit one first; null where there is none. Owned by the output image.
-  VipsImage* images[4] = {};
-  int reliefImage = -1; // which of them has the relief, or -1
+  std::vector<VImage> images; // the lit one first, three at most
+  int reliefImage = -1;       // which of them has the relief, or -1
   int reliefBand = 0;
   int maskImage = -1;
   LM_kept_sums* kept = nullptr;
@@ -50,8 +49,8 @@ void* StartWorker(VipsImage*, void* shared, void*) {
     vips_error("limn", "out of memory");
     return nullptr;
   }
-  for (int i = 0; lighting.images[i] != nullptr; ++i) {
-    worker->regions[i] = vips_region_new(lighting.images[i]);
+  for (size_t i = 0; i < lighting.images.size(); ++i) {
+    worker->regions[i] = vips_region_new(lighting.images[i].get_image());
     if (worker->regions[i] == nullptr) {
       StopWorker(worker, nullptr, nullptr);
       return nullptr;
@@ -141,7 +140,8 @@ void CopyRows(VipsRegion* from, VipsRegion* into) {
 
 // Has every image's pixels made that the rectangle needs, or only the lit image's.
 bool Fetch(const Lighting& lighting, Worker& worker, const VipsRect& rect, bool firstOnly) {
-  for (int i = 0; lighting.images[i] != nullptr && (i == 0 || !firstOnly); ++i) {
+  const int numNeeded = firstOnly ? 1 : static_cast<int>(lighting.images.size());
+  for (int i = 0; i < numNeeded; ++i) {
     const VipsRect needed = NeededOf(lighting, i, rect);
     if (vips_region_prepare(worker.regions[i], &needed) == 0)
       continue;
@@ -225,31 +225,23 @@ void Prepare(Lighting& lighting, const VImage& image, const LitSettings& setting
     Refuse("out of memory");
   lighting.kept = settings.kept;
   lighting.hasSourceFailed = settings.hasSourceFailed;
-  int numImages = 1;
-  lighting.images[0] = image.get_image();
+  lighting.images.push_back(image);
   const int channel = LM_ChannelOrNone(lighting.job.params.bumpChannel, numChannels) - 1;
   if (channel >= image.bands()) {
     const VImage& relief = settings.channels[static_cast<size_t>(channel - image.bands())];
     CheckPlane(relief, image, true,
                "the relief is not one band of the image's size, of 8 or 16 bits or float");
-    lighting.reliefImage = numImages;
-    lighting.images[numImages++] = relief.get_image();
+    lighting.reliefImage = static_cast<int>(lighting.images.size());
+    lighting.images.push_back(relief);
   } else if (channel >= 0) {
     lighting.reliefImage = 0;
     lighting.reliefBand = channel;
   }
   if (settings.mask) {
     CheckPlane(*settings.mask, image, false, "the mask is not one 8-bit band of the image's size");
-    lighting.maskImage = numImages;
-    lighting.images[numImages] = settings.mask->get_image();
+    lighting.maskImage = static_cast<int>(lighting.images.size());
+    lighting.images.push_back(*settings.mask);
   }
-}
-
-void Release(void* lighting) {
-  std::unique_ptr<Lighting> owned(static_cast<Lighting*>(lighting));
-  for (VipsImage* image : owned->images)
-    if (image != nullptr)
-      g_object_unref(image);
 }
 
 } // namespace
@@ -265,11 +257,12 @@ VImage LitImage(const VImage& image, const LitSettings& settings) {
   Lighting* const lighting = owned.get();
   VipsImage* const output = vips_image_new();
   VImage result(output);
-  for (VipsImage* input : lighting->images)
-    if (input != nullptr)
-      g_object_ref(input);
-  g_object_set_data_full(G_OBJECT(output), "limn-lighting", owned.release(), Release);
-  if (vips_image_pipeline_array(output, VIPS_DEMAND_STYLE_FATSTRIP, lighting->images) != 0 ||
+  g_object_set_data_full(G_OBJECT(output), "limn-lighting", owned.release(),
+                         [](void* released) { delete static_cast<Lighting*>(released); });
+  VipsImage* inputs[4] = {}; // ends in a null pointer
+  std::transform(lighting->images.begin(), lighting->images.end(), inputs,
+                 [](const VImage& input) { return input.get_image(); });
+  if (vips_image_pipeline_array(output, VIPS_DEMAND_STYLE_FATSTRIP, inputs) != 0 ||
       vips_image_generate(output, StartWorker, Light, StopWorker, lighting, lighting) != 0)
     throw vips::VError();
   return result;

@@ -141,10 +141,20 @@ ImageList Images(const ApplyPlan& plan) {
   return list;
 }
 
+// What all images need.
+std::vector<std::string> SharedFiles(const ApplyPlan& plan) {
+  std::vector<std::string> files;
+  if (!plan.options.mask.empty())
+    files.push_back(plan.options.mask);
+  files.insert(files.end(), plan.options.channels.begin(), plan.options.channels.end());
+  // Only --relief names a file, and it does so for all styles.
+  if (plan.reliefs[0].kind == LM_height_kind::File)
+    files.push_back(plan.reliefs[0].file);
+  return files;
+}
+
 void AddStyle(ApplyPlan& plan, const std::string& name) {
-  NamedStyle named = FindStyle(name);
-  for (const std::string& setting : plan.options.settings)
-    SetField(named.style, setting);
+  const NamedStyle named = FindStyle(name, plan.options.settings);
   plan.styles.push_back(named.style);
   plan.reliefs.push_back(ReliefOf(plan.options.relief, named, plan.options.channels));
   plan.labels.push_back(LabelOf(name));
@@ -165,21 +175,16 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
   if (options.styles.empty())
     AddStyle(plan, "");
   // Missing ones are reported once, not for each image.
-  if (!options.mask.empty())
-    OpenRegularFile(options.mask);
-  for (const std::string& channel : options.channels)
-    OpenRegularFile(channel);
-  for (const LM_height_source& relief : plan.reliefs)
-    if (relief.kind == LM_height_kind::File)
-      OpenRegularFile(relief.file);
+  for (const std::string& file : SharedFiles(plan))
+    OpenRegularFile(file);
   ImageList list = Images(plan);
   plan.pairs = std::move(list.pairs);
   plan.failures = std::move(list.failures);
-  for (const ImagePair& pair : plan.pairs) {
+  for (ImagePair& pair : plan.pairs) {
     try {
-      plan.targets.push_back(ResolveTarget(pair.output.path));
+      pair.target = ResolveTarget(pair.output.path);
     } catch (const Failure&) {
-      plan.targets.push_back(pair.output.path); // that image fails when its turn comes
+      pair.target = pair.output.path; // that image fails when its turn comes
     }
   }
   return plan;
@@ -188,27 +193,22 @@ ApplyPlan MakePlan(const ApplyOptions& options) {
 // Takes images whose output exists out of the plan, and returns them. Where none is written, none
 // would remove what killed runs have left.
 std::vector<ImagePair> SkipExisting(ApplyPlan& plan) {
-  std::vector<ImagePair> pairs;
   std::vector<ImagePair> skipped;
-  std::vector<std::string> targets;
-  for (size_t i = 0; i < plan.pairs.size(); ++i) {
+  const size_t numPairs = plan.pairs.size();
+  std::erase_if(plan.pairs, [&](const ImagePair& pair) {
     std::error_code error;
-    if (plan.targets[i] == STANDARD_OUTPUT ||
-        !std::filesystem::is_regular_file(plan.targets[i], error)) {
-      pairs.push_back(std::move(plan.pairs[i]));
-      targets.push_back(std::move(plan.targets[i]));
-      continue;
-    }
-    skipped.push_back(std::move(plan.pairs[i]));
+    const bool isThere =
+        pair.target != STANDARD_OUTPUT && std::filesystem::is_regular_file(pair.target, error);
+    if (isThere)
+      skipped.push_back(pair);
+    return isThere;
+  });
+  for (const ImagePair& pair : skipped)
     if (!plan.options.isDryRun)
-      SweepOnce(FolderOf(plan.targets[i]));
-  }
+      SweepOnce(FolderOf(pair.target));
   if (!skipped.empty() && !plan.options.json && !plan.options.quiet)
-    PrintProblem("skipped " + std::to_string(skipped.size()) + " of " +
-                 std::to_string(plan.pairs.size()) +
-                 (plan.pairs.size() == 1 ? " image" : " images") + ": the output is there already");
-  plan.pairs = std::move(pairs);
-  plan.targets = std::move(targets);
+    PrintProblem("skipped " + std::to_string(skipped.size()) + " of " + std::to_string(numPairs) +
+                 (numPairs == 1 ? " image" : " images") + ": the output is there already");
   return skipped;
 }
 
@@ -221,7 +221,7 @@ JobDone Work(const ApplyPlan& plan, std::optional<ApplyTools>& tools, size_t job
       for (const std::string& notice : tools->notices)
         channel.Notice(notice);
     }
-    return ApplyOne(plan, *tools, job, channel);
+    return ApplyOne(plan, *tools, plan.pairs[job], channel);
   } catch (const AlreadyThere&) {
     if (!plan.options.isSkippingExisting)
       throw;
@@ -240,15 +240,8 @@ ExitCode Apply(const ApplyOptions& options) {
   std::vector<ImagePair> skipped;
   if (options.isSkippingExisting)
     skipped = SkipExisting(plan);
-  if (options.force || options.isUpdating) {
-    std::vector<std::string> shared = options.channels;
-    if (!options.mask.empty())
-      shared.push_back(options.mask);
-    for (const LM_height_source& relief : plan.reliefs)
-      if (relief.kind == LM_height_kind::File)
-        shared.push_back(relief.file);
-    RefuseSharedFiles(plan.pairs, plan.targets, shared);
-  }
+  if (options.force || options.isUpdating)
+    RefuseSharedFiles(plan.pairs, SharedFiles(plan));
   const int numProcessors = NumProcessors();
   const int numWorkers = static_cast<int>(std::min<size_t>(
       options.jobs > 0 ? options.jobs : numProcessors, std::max<size_t>(plan.pairs.size(), 1)));
@@ -269,10 +262,10 @@ ExitCode Apply(const ApplyOptions& options) {
     return Work(plan, tools, job, channel);
   };
   pool.onProgress = [&](size_t job, double share) { reporter.Progress(job, share); };
-  pool.onNotice = [&](size_t, const std::string& text) { reporter.Notice(text); };
+  pool.onNotice = [&](const std::string& text) { reporter.Notice(text); };
   pool.onResult = [&](const JobResult& result) { reporter.Result(result); };
   pool.onDeath = [&](size_t job, pid_t worker) {
-    unlink(TemporaryPath(plan.targets[job], worker).c_str());
+    unlink(TemporaryPath(plan.pairs[job].target, worker).c_str());
   };
   if (RunJobs(pool) == PoolEnd::Interrupted) {
     if (CanPrint(STDERR_FILENO))

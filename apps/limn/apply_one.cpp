@@ -23,7 +23,7 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
     tools.plugin = LoadPlugin();
   tools.surroundings = ReadSurroundings(plan.area, plan.options.mask, plan.options.channels);
   // Only --relief names a file, and it does so for all styles.
-  if (!plan.reliefs.empty() && plan.reliefs[0].kind == LM_height_kind::File)
+  if (plan.reliefs[0].kind == LM_height_kind::File)
     tools.surroundings.relief = ReadHeights(plan.options.relief, plan.reliefs[0], tools.notices);
   if (plan.options.isWritingRecipe || plan.options.isUpdating)
     tools.recipe = CommonRecipe(plan);
@@ -31,19 +31,6 @@ ApplyTools PrepareTools(const ApplyPlan& plan) {
 }
 
 namespace {
-
-// Tells libvips' progress, in whole percents.
-struct ProgressTeller {
-  const JobChannel& channel;
-  int told = 0;
-
-  static void Tell(VipsImage*, VipsProgress* progress, ProgressTeller* teller) {
-    if (progress->percent <= teller->told)
-      return;
-    teller->told = progress->percent;
-    teller->channel.Progress(progress->percent / 100.0);
-  }
-};
 
 // That --depth asks for; NOTSET leaves it to the image.
 VipsBandFormat AskedDepth(const std::string& asked) {
@@ -72,39 +59,29 @@ std::string NoteDepth(int numBits, VipsBandFormat lit, const std::string& asked,
   return DepthNotice(numBits, left) + (left == held.most ? ", since " + files + "no more" : "");
 }
 
-// The lit planes of an opened photograph.
-struct PlanesBeingLit {
-  std::unique_ptr<PluginImage> byPlugin; // where that lights them
-  vips::VImage planes;
-  std::shared_ptr<std::atomic<bool>> hasSourceFailed;
-};
-
-PlanesBeingLit LightPlanes(const LightingOfPhotographs& light, const ApplyTools& tools,
-                           const std::string& path, const vips::VImage& planes) {
-  PlanesBeingLit lit;
+// The planes of an opened photograph, to be lit by the plug-in, which becomes `byPlugin`, or here.
+vips::VImage LitPlanesOf(const LightingOfPhotographs& light, const ApplyTools& tools,
+                         const std::string& path, const vips::VImage& planes,
+                         const std::shared_ptr<std::atomic<bool>>& hasSourceFailed,
+                         std::unique_ptr<PluginImage>& byPlugin) {
   if (tools.plugin) {
     auto [surroundings, style] = light.Fitted(path, planes);
-    lit.byPlugin = std::make_unique<PluginImage>(*tools.plugin, style, std::move(surroundings),
-                                                 planes, ShownName(path));
-    lit.planes = lit.byPlugin->Lit();
-    lit.hasSourceFailed = lit.byPlugin->HasSourceFailed();
-    return lit;
+    byPlugin = std::make_unique<PluginImage>(*tools.plugin, style, std::move(surroundings), planes,
+                                             ShownName(path), hasSourceFailed);
+    return byPlugin->Lit();
   }
-  lit.hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
-  lit.planes = light.Light(path, planes, lit.hasSourceFailed);
-  return lit;
+  LitSettings settings = light.Settings(path, planes);
+  settings.hasSourceFailed = hasSourceFailed;
+  return LitImage(planes, settings);
 }
 
 // Decodes, lights and writes at the same time, a few rows after each other.
-JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, const ImagePair& pair,
                        const JobChannel& channel) {
-  const ImagePair& pair = plan.pairs[index];
-  const Existing existing = plan.ExistingOutputs();
-  const LM_style& style = plan.styles[pair.style];
   const std::string source = ShownName(pair.input);
   const Complaints complaints;
-  ProgressTeller teller{channel};
-  PlanesBeingLit lit;
+  const auto hasSourceFailed = std::make_shared<std::atomic<bool>>(false);
+  std::unique_ptr<PluginImage> byPlugin;
   try {
     const OutputBits held = BitsOf(pair.output);
     const VipsBandFormat most = DepthOfBits(held.most);
@@ -118,11 +95,11 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
     complaints.Check(ExitCode::BadInput, source); // rather than after all has been decoded
     const int width = opened.planes.width();
     const int height = opened.planes.height();
-    const ImageRecipe recipe(plan, tools, index, NumBits(opened.planes.format()));
-    if (plan.options.isUpdating && recipe.IsIn(plan.targets[index]))
+    const Recipe recipe = RecipeOf(plan, tools, pair, NumBits(opened.planes.format()));
+    if (plan.options.isUpdating && IsMadeWith(recipe, pair))
       return {width, height, JobDone::UpToDate};
-    const LightingOfPhotographs light{style, plan.reliefs[pair.style], tools.surroundings,
-                                      plan.options.depth != "8"};
+    const LightingOfPhotographs light{plan.styles[pair.style], plan.reliefs[pair.style],
+                                      tools.surroundings, plan.options.depth != "8"};
     light.Check(pair.input, opened);
     const std::string depthNotice =
         NoteDepth(opened.numBits, opened.planes.format(), plan.options.depth, pair.output);
@@ -136,19 +113,27 @@ JobDone LightInPassing(const ApplyPlan& plan, ApplyTools& tools, size_t index,
       tellNotices();
       return {width, height};
     }
-    lit = LightPlanes(light, tools, pair.input, opened.planes);
-    recipe.PutInto(opened.metadata, pair.output, opened.notices);
-    vips_image_set_progress(lit.planes.get_image(), TRUE);
-    g_signal_connect(lit.planes.get_image(), "eval", G_CALLBACK(ProgressTeller::Tell), &teller);
-    WriteImage({lit.planes, opened.metadata, source, lit.hasSourceFailed}, pair.output,
-               plan.targets[index], existing, complaints, opened.notices);
+    const vips::VImage lit =
+        LitPlanesOf(light, tools, pair.input, opened.planes, hasSourceFailed, byPlugin);
+    if (plan.options.isWritingRecipe || plan.options.isUpdating)
+      AddRecipe(recipe, pair, opened);
+    double told = 0;
+    const ProgressAsker teller(lit, [&](double share) { // in whole percents
+      if (share > told)
+        channel.Progress(told = share);
+      return true;
+    });
+    const Existing existing =
+        plan.options.force || plan.options.isUpdating ? Existing::Replace : Existing::Keep;
+    WriteImage({lit, opened.metadata, source, hasSourceFailed}, pair.output, pair.target, existing,
+               complaints, opened.notices);
     tellNotices();
     return {width, height};
   } catch (const AlreadyThere&) {
     throw;
   } catch (...) {
-    if (lit.byPlugin != nullptr)
-      lit.byPlugin->CheckPlugin();
+    if (byPlugin != nullptr)
+      byPlugin->CheckPlugin();
     throw CaughtLibraryFailure(ExitCode::BadInput, source);
   }
 }
@@ -165,14 +150,13 @@ void CheckOutput(const ApplyPlan& plan, const ImagePair& pair) {
 
 } // namespace
 
-JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index,
+JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, const ImagePair& pair,
                  const JobChannel& channel) {
-  const ImagePair& pair = plan.pairs[index];
   CheckOutput(plan, pair);
   CheckOutputFormat(pair.output);
   if (plan.options.isDryRun)
-    CheckFolder(plan.targets[index]);
-  return LightInPassing(plan, tools, index, channel);
+    CheckFolder(pair.target);
+  return LightInPassing(plan, tools, pair, channel);
 }
 
 } // namespace limn

@@ -16,18 +16,13 @@ namespace limn {
 // All that a process needs for any image of the batch.
 struct ApplyPlan {
   ApplyOptions options;
-  std::vector<LM_style> styles;          // by the pairs' numbers
+  std::vector<LM_style> styles;          // by the pairs' numbers, one at least
   std::vector<LM_height_source> reliefs; // of each, resolved
   std::vector<std::string> labels;       // what to call each
   std::optional<limn_area> area;
   std::vector<ImagePair> pairs;
   std::vector<UnlistedName> failures; // told for the whole batch
-  std::vector<std::string> targets;   // where each output really goes; see ResolveTarget
   int threads = 1;                    // of libvips, in each process
-
-  Existing ExistingOutputs() const {
-    return options.force || options.isUpdating ? Existing::Replace : Existing::Keep;
-  }
 };
 
 // What is read once in each process, before its first image.
@@ -42,6 +37,7 @@ struct ApplyTools {
 ApplyTools PrepareTools(const ApplyPlan& plan);
 
 // Throws Failure; then the output is as it was.
-JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, size_t index, const JobChannel& channel);
+JobDone ApplyOne(const ApplyPlan& plan, ApplyTools& tools, const ImagePair& pair,
+                 const JobChannel& channel);
 
 } // namespace limn

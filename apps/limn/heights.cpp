@@ -1,4 +1,5 @@
-#include "heights.h"
+// limn heights: the heights of a photograph's relief as a picture.
+#include "command_line.h"
 
 #include "height_image.h"
 #include "image_library.h"
@@ -7,7 +8,9 @@
 #include "lighting.h"
 #include "lit_image.h"
 #include "normal_map.h"
+#include "option_value.h"
 #include "output_target.h"
+#include "relief_options.h"
 #include "report.h"
 
 #include "LM_style_fields.h"
@@ -18,6 +21,17 @@ namespace limn {
 namespace {
 
 using vips::VImage;
+
+struct HeightsOptions {
+  std::string image;
+  std::string output;
+  std::string preview; // lit, to be looked at; or empty
+  ReliefOptions relief;
+  std::vector<std::string> channels;
+  uint64_t maxPixels = 0;        // as for limn apply
+  bool isWritingNormals = false; // of the heights, green up
+  bool force = false;
+};
 
 // A low sun on the upper left, where eyes expect the light to be.
 LM_style PreviewStyle() {
@@ -34,13 +48,13 @@ LM_style PreviewStyle() {
 
 VImage LitPreview(const VImage& heights) {
   const VImage grey =
-      (VImage::black(heights.width(), heights.height()) + 128).cast(VIPS_FORMAT_UCHAR);
+      (VImage::black(heights.width(), heights.height(), VImage::option()->set("bands", 3)) + 128)
+          .cast(VIPS_FORMAT_UCHAR);
   LitSettings settings;
   settings.style = PreviewStyle();
   settings.channels = {heights};
   settings.style.bumpChannel = 4;
-  return LitImage(VImage::bandjoin({grey, grey, grey})
-                      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB)),
+  return LitImage(grey.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB)),
                   settings);
 }
 
@@ -72,8 +86,7 @@ LM_height_source SourceOf(const HeightsOptions& options) {
   return source;
 }
 
-} // namespace
-
+// Writes the heights that limn apply would light with. Throws Failure.
 ExitCode WriteHeights(const HeightsOptions& options) {
   const Existing existing = options.force ? Existing::Replace : Existing::Keep;
   const LM_height_source source = SourceOf(options);
@@ -108,6 +121,29 @@ ExitCode WriteHeights(const HeightsOptions& options) {
     throw CaughtLibraryFailure(ExitCode::BadInput, shown);
   }
   return ExitCode::Done;
+}
+
+} // namespace
+
+void AddHeights(CLI::App& app, Command& command) {
+  auto [heights, options] = AddCommand(
+      app, command, "heights", "Write the heights that a photograph is lit with", WriteHeights);
+  heights.footer("White is high. The picture has 16 bits where its format has, and can be given\n"
+                 "to limn apply --relief or --channel, or painted on first.\n\n"
+                 "  limn heights photo.jpg -o heights.png --preview look.jpg\n\n" +
+                 std::string(EXIT_CODES));
+  heights.add_option("IMAGE", options.image, "The photograph")->required();
+  AddValue(heights, "-o,--output", options.output, "FILE", "The file to write, as for limn apply")
+      ->required();
+  AddValue(heights, "--preview", options.preview, "FILE",
+           "Write them lit from the upper left too, to be looked at");
+  heights.add_flag("--as-normals", options.isWritingNormals,
+                   "Write a normal map instead, green up: heights that\ndiffer by 4096 of 65535 "
+                   "from pixel to pixel rise by 45\ndegrees");
+  AddReliefOptions(heights, options.relief, "auto");
+  AddValue(heights, "--channel", options.channels, "IMAGE", "As for limn apply; may be repeated");
+  AddMaxPixels(heights, options.maxPixels);
+  heights.add_flag("-f,--force", options.force, "Replace existing files");
 }
 
 } // namespace limn

@@ -17,50 +17,47 @@ Recipe CommonRecipe(const ApplyPlan& plan) {
   for (const std::string& channel : plan.options.channels)
     recipe.channels.push_back(RecipeFileOf(channel));
   // Only --relief names a file, and it does so for all styles.
-  if (!plan.reliefs.empty() && plan.reliefs[0].kind == LM_height_kind::File)
+  if (plan.reliefs[0].kind == LM_height_kind::File)
     recipe.heights = RecipeFileOf(plan.reliefs[0].file);
   return recipe;
 }
 
-ImageRecipe::ImageRecipe(const ApplyPlan& plan, const ApplyTools& tools, size_t index, int bits)
-    : _input(plan.pairs[index].input),
-      _isWanted(plan.options.isWritingRecipe || plan.options.isUpdating), _recipe(tools.recipe) {
-  _recipe.style = plan.styles[plan.pairs[index].style];
-  _recipe.relief = plan.reliefs[plan.pairs[index].style];
-  _recipe.bits = bits;
+Recipe RecipeOf(const ApplyPlan& plan, const ApplyTools& tools, const ImagePair& pair, int bits) {
+  Recipe recipe = tools.recipe;
+  recipe.style = plan.styles[pair.style];
+  recipe.relief = plan.reliefs[pair.style];
+  recipe.bits = bits;
+  return recipe;
 }
 
-bool ImageRecipe::IsIn(const std::string& target) const {
+bool IsMadeWith(const Recipe& recipe, const ImagePair& pair) {
   std::error_code error;
-  const auto made = std::filesystem::last_write_time(target, error);
-  if (error || made < std::filesystem::last_write_time(_input, error) || error)
+  const auto made = std::filesystem::last_write_time(pair.target, error);
+  if (error || made < std::filesystem::last_write_time(pair.input, error) || error)
     return false;
   try {
     Recipe there;
     std::string why;
-    const std::optional<std::string> json = RecipeIn(OpenImage(target));
+    const std::optional<std::string> json = RecipeIn(OpenImage(pair.target));
     if (!json || !RecipeFromJson(*json, there, why))
       return false;
     there.original = std::nullopt; // the input is known to be older
-    return RecipeToJson(there) == RecipeToJson(_recipe);
+    return RecipeToJson(there) == RecipeToJson(recipe);
   } catch (const Failure&) {
     return false; // what cannot be read is not what this makes
   }
 }
 
-void ImageRecipe::PutInto(vips::VImage& metadata, const OutputName& output,
-                          std::vector<std::string>& notices) const {
-  if (!_isWanted)
-    return;
-  if (!HoldsXmp(output)) {
-    notices.push_back("its recipe is left out, for which " +
-                      output.path.substr(output.path.rfind('.') + 1) + " files have no room");
+void AddRecipe(Recipe recipe, const ImagePair& pair, OpenedPhotograph& opened) {
+  if (!HoldsXmp(pair.output)) {
+    opened.notices.push_back("its recipe is left out, for which " +
+                             pair.output.path.substr(pair.output.path.rfind('.') + 1) +
+                             " files have no room");
     return;
   }
-  Recipe whole = _recipe;
-  if (_input != STANDARD_INPUT)
-    whole.original = RecipeFileOf(_input);
-  PutRecipe(metadata, RecipeToJson(whole));
+  if (pair.input != STANDARD_INPUT)
+    recipe.original = RecipeFileOf(pair.input);
+  PutRecipe(opened.metadata, RecipeToJson(recipe));
 }
 
 } // namespace limn

@@ -9,22 +9,13 @@ namespace limn {
 // for their digests. Throws Failure(BadInput).
 Recipe CommonRecipe(const ApplyPlan& plan);
 
-// One image's, lit with so many bits a channel. Of a plan that writes no recipes it is none.
-class ImageRecipe {
-public:
-  ImageRecipe(const ApplyPlan& plan, const ApplyTools& tools, size_t index, int bits);
+// One image's, lit with so many bits a channel.
+Recipe RecipeOf(const ApplyPlan& plan, const ApplyTools& tools, const ImagePair& pair, int bits);
 
-  // Whether the output is there, younger than the input, and was made with this very recipe.
-  bool IsIn(const std::string& target) const;
-  // Puts it into the output's metadata, with the input's digest. Adds a notice where the format
-  // holds none. Throws Failure.
-  void PutInto(vips::VImage& metadata, const OutputName& output,
-               std::vector<std::string>& notices) const;
-
-private:
-  const std::string& _input;
-  bool _isWanted;
-  Recipe _recipe;
-};
+// Whether the output is there, younger than the input, and was made with this very recipe.
+bool IsMadeWith(const Recipe& recipe, const ImagePair& pair);
+// Puts the recipe, with the input's digest, into the metadata that go to the output. Adds a notice
+// where the format holds none. Throws Failure.
+void AddRecipe(Recipe recipe, const ImagePair& pair, OpenedPhotograph& opened);
 
 } // namespace limn

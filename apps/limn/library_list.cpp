@@ -1,4 +1,5 @@
-#include "library_list.h"
+// limn styles: what is in the user's style library.
+#include "command_line.h"
 
 #include "report.h"
 #include "style_source.h"
@@ -34,21 +35,37 @@ void PrintAsJson(const LM_listed_style& listed) {
   PrintLine(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
-} // namespace
+struct StylesOptions {
+  bool json = false;
+};
 
-ExitCode ListStyles(ListForm form) {
+// Prints the styles that can be used by their name, one a line, the default one first; files of the
+// library that cannot be used are reported on standard error. In JSON: an object a line with name,
+// origin ("bundled" when it is as the program brought it, else "user") and the number of lights.
+ExitCode ListStyles(const StylesOptions& options) {
   const StyleLibrary& library = UseStyleLibrary();
   if (!library.trouble.empty())
     PrintProblem(library.trouble);
   for (const LM_listed_style& listed : AllStyles()) {
     if (!listed.loads)
       PrintProblem(std::string(listed.name).append(": ").append(listed.why));
-    else if (form == ListForm::Json)
+    else if (options.json)
       PrintAsJson(listed);
     else
       PrintLine(Printable(listed.name));
   }
   return ExitCode::Done;
+}
+
+} // namespace
+
+void AddStyles(CLI::App& app, Command& command) {
+  auto [styles, options] =
+      AddCommand(app, command, "styles", "List the styles of the library by name", ListStyles);
+  styles.footer("The library is the folder of styles that the dialog saves to and reads.");
+  styles.add_flag("--json", options.json,
+                  "Print a line of JSON for each style: name, origin\n(bundled or user), number of "
+                  "lights");
 }
 
 } // namespace limn

@@ -60,10 +60,14 @@ void LightPreview(const CVDocument& document, const CVRect& area, const LM_style
 
 } // namespace
 
-FramePicture DrawFrame(const CVDocument& document, CVRect area, const LM_style& style, Light light,
-                       const std::string& file) {
+Photograph DrawFrame(const CVDocument& document, CVRect area, const LM_style& style, Light light,
+                     const std::string& file) {
   constexpr int SIDE = LM_FRAME_SIZE;
-  FramePicture frame = {SIDE, SIDE, std::vector<uint8_t>(size_t{SIDE} * SIDE * NUM_LIT, 0xFF)};
+  Photograph frame;
+  frame.width = frame.height = SIDE;
+  frame.numPlanes = NUM_LIT;
+  frame.pixels.assign(size_t{SIDE} * SIDE * NUM_LIT, 0xFF);
+  frame.metadata = vips::VImage::black(1, 1);
   const LM_preview_geometry fit =
       LM_FitPreviewInFrame(area.right - area.left, area.bottom - area.top);
   const int left = fit.previewBox.left;

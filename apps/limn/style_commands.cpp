@@ -1,6 +1,8 @@
-#include "style_commands.h"
+// limn style: shows, packs and checks styles.
+#include "command_line.h"
 
 #include "atomic_file.h"
+#include "option_value.h"
 #include "output_target.h"
 #include "report.h"
 #include "style_source.h"
@@ -84,40 +86,56 @@ std::string Verdict(const NamedStyle& named) {
   return "good, " + LM_CountedLights(named.style.lightsRead);
 }
 
-} // namespace
+struct ShowOptions {
+  std::string style;
+  bool json = false;
+};
 
-ExitCode ShowStyle(const std::string& name, StyleForm form) {
-  const NamedStyle named = FindStyle(name);
+// Prints the style's settings. Throws Failure.
+ExitCode ShowStyle(const ShowOptions& options) {
+  const NamedStyle named = FindStyle(options.style);
   if (!named.warning.empty())
-    PrintProblem(name + ": " + named.warning);
-  if (form == StyleForm::Json)
+    PrintProblem(options.style + ": " + named.warning);
+  if (options.json)
     PrintText(LM_StyleToJson(named.style, named.relief));
   else
     PrintStyle(named.style);
   return ExitCode::Done;
 }
 
-ExitCode PackStyle(const std::string& jsonFile, const std::string& styleFile, Overwrite overwrite) {
-  const NamedStyle named = ReadStyleFile(jsonFile);
+struct PackOptions {
+  std::string input; // the JSON form
+  std::string output;
+  bool force = false;
+};
+
+// Writes the style file that the JSON file describes. Throws Failure.
+ExitCode PackStyle(const PackOptions& options) {
+  const std::string& input = options.input;
+  const NamedStyle named = ReadStyleFile(input);
   if (!named.warning.empty())
-    PrintProblem(jsonFile + ": " + named.warning);
+    PrintProblem(input + ": " + named.warning);
   if (named.relief != LM_height_source())
-    PrintProblem(jsonFile + ": its relief object is left out, for which a style file has no room");
+    PrintProblem(input + ": its relief object is left out, for which a style file has no room");
   if (LM_HasFractions(named.style))
-    PrintProblem(jsonFile + ": its lengths are rounded, as a style file has whole ones alone");
-  const bool isReplacing = overwrite == Overwrite::Yes;
-  const std::string target = ResolveTarget(styleFile);
+    PrintProblem(input + ": its lengths are rounded, as a style file has whole ones alone");
+  const std::string target = ResolveTarget(options.output);
   uint8_t bytes[LM_STYLE_MAX_BYTES];
   const size_t size = LM_EncodeStyle(named.style, bytes);
-  AtomicFile file(target, isReplacing ? Existing::Replace : Existing::Keep);
+  AtomicFile file(target, options.force ? Existing::Replace : Existing::Keep);
   file.Write(bytes, size);
   file.Commit();
   return ExitCode::Done;
 }
 
-ExitCode CheckStyles(const std::vector<std::string>& names) {
+struct CheckOptions {
+  std::vector<std::string> styles;
+};
+
+// Reads each style and says whether it is well. The highest code of all.
+ExitCode CheckStyles(const CheckOptions& options) {
   ExitCode worst = ExitCode::Done;
-  for (const std::string& name : names) {
+  for (const std::string& name : options.styles) {
     try {
       PrintLine(Printable(std::string(name).append(": ").append(Verdict(FindStyle(name)))));
     } catch (const Failure& failure) {
@@ -126,6 +144,41 @@ ExitCode CheckStyles(const std::vector<std::string>& names) {
     }
   }
   return worst;
+}
+
+void AddStyleShow(CLI::App& style, Command& command) {
+  auto [show, options] = AddCommand(style, command, "show", "Print a style's settings", ShowStyle);
+  show.add_option("STYLE", options.style, "A style file, its JSON form, or a style's name")
+      ->required();
+  show.add_flag("--json", options.json,
+                "In the JSON form, which limn style pack and limn apply\ntake");
+}
+
+void AddStylePack(CLI::App& style, Command& command) {
+  auto [pack, options] =
+      AddCommand(style, command, "pack", "Make a style file from its JSON form", PackStyle);
+  pack.add_option("FILE", options.input, "The JSON form, as limn style show --json prints it")
+      ->required();
+  AddValue(pack, "-o,--output", options.output, "STYLE", "The style file to write")->required();
+  pack.add_flag("-f,--force", options.force, "Replace an existing file");
+}
+
+void AddStyleCheck(CLI::App& style, Command& command) {
+  auto [check, options] =
+      AddCommand(style, command, "check", "Say of each style whether it is well", CheckStyles);
+  check.add_option("STYLE", options.styles, "Style files, their JSON form, or names of styles")
+      ->required();
+}
+
+} // namespace
+
+void AddStyle(CLI::App& app, Command& command) {
+  CLI::App* const style = app.add_subcommand("style", "Show, pack and check styles");
+  style->require_subcommand(1);
+  style->footer("limn style COMMAND --help tells more about each.");
+  AddStyleShow(*style, command);
+  AddStylePack(*style, command);
+  AddStyleCheck(*style, command);
 }
 
 } // namespace limn

@@ -9,14 +9,9 @@
 namespace limn {
 namespace {
 
-std::vector<const CLI::App*> CommandsOf(const CLI::App& app) {
-  return app.get_subcommands([](const CLI::App*) { return true; });
-}
-
-std::vector<std::string> NamesOf(const std::vector<const CLI::App*>& commands) {
+std::vector<std::string> CommandsOf(const CLI::App& app) {
   std::vector<std::string> names;
-  names.reserve(commands.size());
-  for (const CLI::App* command : commands)
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
     names.push_back(command->get_name());
   return names;
 }
@@ -47,7 +42,7 @@ std::string AboutWord(const CLI::App& command, const std::string& word) {
   if (word.starts_with('-'))
     return word + ": there is no such option" +
            LM_DidYouMean(word.substr(0, word.find('=')), OptionsOf(command));
-  const std::vector<std::string> names = NamesOf(CommandsOf(command));
+  const std::vector<std::string> names = CommandsOf(command);
   if (names.empty())
     return word + ": is one word too many for limn " + command.get_name();
   const std::string meant = LM_DidYouMean(word, names);
@@ -72,7 +67,7 @@ std::string UsageAnswer(const CLI::App& app, const CLI::ParseError& error) {
                             dynamic_cast<const CLI::ConversionError*>(&error) != nullptr;
   if (!unknown.empty() && !isAboutValue)
     return AboutWord(command, unknown.front());
-  const std::vector<std::string> names = NamesOf(CommandsOf(command));
+  const std::vector<std::string> names = CommandsOf(command);
   if (!names.empty() && dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
     return "a command is required: " + Joined(names);
   std::string sentence = error.what();

@@ -1,26 +1,35 @@
-#include "verify.h"
+// limn verify: whether a lit picture is what its recipe makes of the original.
+#include "command_line.h"
 
 #include "apply_one.h"
 #include "image_library.h"
 #include "image_source.h"
 #include "lit_photograph.h"
+#include "option_value.h"
 #include "recipe.h"
 #include "report.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 
 namespace limn {
 namespace {
 
 using vips::VImage;
 
+struct VerifyOptions {
+  std::string original, lit;
+  std::string mask, heights; // files that the recipe names; or empty
+  std::vector<std::string> channels;
+  uint64_t maxPixels = 0; // 0: the usual limits
+};
+
 // More than a JPEG loses of a photograph, and less than another light makes.
 constexpr double MOST_LOSS = 8;
 
-Recipe RecipeOf(const std::string& file, const VImage& image) {
+Recipe RecipeFound(const std::string& file, const VImage& image) {
   const std::optional<std::string> json = RecipeIn(image);
   if (!json)
     throw Failure(ExitCode::BadInput, file + ": holds no recipe; limn apply --recipe writes one");
@@ -56,14 +65,6 @@ void CheckFiles(const Recipe& recipe, const VerifyOptions& options) {
     CheckFile(recipe.channels[i], options.channels[i], "--channel", options.lit);
 }
 
-// Whether two samples are the same bits: a NaN equals itself, and -0 is not 0.
-template <class Sample> bool IsSame(Sample one, Sample other) {
-  return one == other;
-}
-template <> bool IsSame(float one, float other) {
-  return std::bit_cast<uint32_t>(one) == std::bit_cast<uint32_t>(other);
-}
-
 // Rows of both pictures, side by side in the bands of one, in order from the top.
 struct Comparison {
   int numBands; // of each
@@ -79,7 +80,8 @@ struct Comparison {
         const double difference =
             (static_cast<double>(row[band]) - static_cast<double>(row[band + numBands])) / white;
         squares += std::isfinite(difference) ? difference * difference : 0.0;
-        if (!isEqual || IsSame(row[band], row[band + numBands]))
+        // The same bits: a NaN equals itself, and -0 is not 0.
+        if (!isEqual || std::memcmp(row + band, row + band + numBands, sizeof(Sample)) == 0)
           continue;
         isEqual = false;
         x = i;
@@ -152,7 +154,7 @@ ExitCode Compare(const VerifyOptions& options) {
       OpenPhotograph(options.lit, 1, VIPS_FORMAT_NOTSET, VIPS_FORMAT_FLOAT);
   const VImage whole = OpenImage(options.lit);
   const bool losesDetail = LosesDetail(whole);
-  const Recipe recipe = RecipeOf(options.lit, whole);
+  const Recipe recipe = RecipeFound(options.lit, whole);
   CheckFiles(recipe, options);
   if (recipe.original && !recipe.original->digest.empty() &&
       recipe.original->digest != RecipeFileOf(options.original).digest)
@@ -161,10 +163,7 @@ ExitCode Compare(const VerifyOptions& options) {
   Surroundings surroundings = ReadSurroundings(recipe.area, options.mask, options.channels);
   if (recipe.relief.kind == LM_height_kind::File)
     surroundings.relief = ReadGreyImage(options.heights);
-  const VipsBandFormat depth = recipe.bits == 8    ? VIPS_FORMAT_UCHAR
-                               : recipe.bits == 16 ? VIPS_FORMAT_USHORT
-                                                   : VIPS_FORMAT_FLOAT;
-  OpenedPhotograph original = OpenPhotograph(options.original, 1, depth);
+  OpenedPhotograph original = OpenPhotograph(options.original, 1, DepthOfBits(recipe.bits));
   if (original.planes.width() != found.planes.width() ||
       original.planes.height() != found.planes.height() ||
       original.planes.format() != found.planes.format())
@@ -172,13 +171,12 @@ ExitCode Compare(const VerifyOptions& options) {
                                           options.original + " has when it is lit");
   const LightingOfPhotographs light{recipe.style, recipe.relief, surroundings, recipe.isDeep};
   light.Check(options.original, original);
-  return Tell(options.lit,
-              Compared(light.Light(options.original, original.planes, nullptr), found.planes),
-              losesDetail);
+  const VImage made = LitImage(original.planes, light.Settings(options.original, original.planes));
+  return Tell(options.lit, Compared(made, found.planes), losesDetail);
 }
 
-} // namespace
-
+// Prints what it found: Done when they are equal, or as near as a format that loses detail allows,
+// else BadInput. Throws Failure.
 ExitCode Verify(const VerifyOptions& options) {
   StartImageLibrary(ALL_THREADS, {options.maxPixels, MAX_PIXELS_ADVICE});
   const Complaints complaints;
@@ -189,6 +187,27 @@ ExitCode Verify(const VerifyOptions& options) {
   } catch (...) {
     throw CaughtLibraryFailure(ExitCode::BadInput, options.original);
   }
+}
+
+} // namespace
+
+void AddVerify(CLI::App& app, Command& command) {
+  auto [verify, options] = AddCommand(app, command, "verify",
+                                      "Check that a lit picture is what its recipe makes", Verify);
+  verify.footer(
+      "The original is lit again by the recipe that limn apply --recipe has written into\n"
+      "the lit picture. Pixels have to be equal; where the format loses detail, as JPEG\n"
+      "does, they may differ by what it loses. Exits with 3 where they differ.\n\n"
+      "  limn apply --recipe -s Campfire photo.tif -o lit.png\n"
+      "  limn verify photo.tif lit.png\n\n" +
+      std::string(EXIT_CODES));
+  verify.add_option("ORIGINAL", options.original, "The photograph that was lit")->required();
+  verify.add_option("LIT", options.lit, "What it became, with its recipe")->required();
+  AddValue(verify, "--mask", options.mask, "IMAGE", "The mask that it was lit with");
+  AddValue(verify, "--channel", options.channels, "IMAGE",
+           "A channel that was added; may be repeated");
+  AddValue(verify, "--relief", options.heights, "IMAGE", "The image that its heights come from");
+  AddMaxPixels(verify, options.maxPixels);
 }
 
 } // namespace limn

@@ -7,11 +7,13 @@
 #include "image_library.h"
 #include "image_source.h"
 #include "lighting.h"
+#include "lit_photograph.h"
 #include "output_target.h"
 #include "report.h"
 #include "style_source.h"
 
 #include "LM_style_json.h"
+#include "LM_style_of_parameters.h"
 #include "LimnResources.h"
 #include "MacResources.h"
 #include "MacStrings.h"
@@ -94,11 +96,14 @@ CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, 
 bool LightAndWrite(const EditOptions& options, const CVFilterSession& session, Sources& sources,
                    const OutputName& output, RunWindow& window) {
   const Existing existing = options.force ? Existing::Replace : Existing::Keep;
-  LitSettings settings = SettingsFor(sources.surroundings, true);
+  Photograph& photograph = sources.photograph;
+  Surroundings& surroundings = sources.surroundings;
+  LitSettings settings = SettingsFor(
+      surroundings, SubjectOf(options.image, photograph.width, photograph.height, surroundings),
+      true);
   settings.parameters = ParametersOfBlock(session.parameters());
   if (settings.parameters == nullptr)
     throw Failure(ExitCode::Refused, options.image + ": the plug-in is not Limn's");
-  Photograph& photograph = sources.photograph;
   const vips::VImage lit = LitPlanes(photograph, settings, options.image);
   const ProgressAsker asker(lit, [&](double share) {
     window.Show(share);
@@ -128,10 +133,12 @@ void BeginWithStyle(const EditOptions& options) {
 // That makes the same file again; none when no style lights exactly like this.
 std::optional<std::string> CommandFor(const EditOptions& options, const OutputName& output,
                                       const std::vector<uint8_t>& block, CVRect area) {
-  const auto style = StyleOfBlock(block, area.right - area.left, area.bottom - area.top);
-  if (!style)
+  const auto parameters = ParametersOfBlock(block);
+  LM_style style;
+  if (parameters == nullptr ||
+      !LM_StyleOfParameters(*parameters, area.right - area.left, area.bottom - area.top, style))
     return std::nullopt;
-  return CommandLine({*style, options.image, output.path + output.options, options.area,
+  return CommandLine({style, options.image, output.path + output.options, options.area,
                       options.mask, options.channels, options.maxPixels, options.force});
 }
 

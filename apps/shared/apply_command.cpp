@@ -1,10 +1,7 @@
 #include "apply_command.h"
 
-#include "deep_lighting.h"
-
 #include "LM_style_fields.h"
 #include "LM_style_json.h"
-#include "LM_style_of_parameters.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -18,6 +15,18 @@ void DropDefaults(Json& settings, const Json& defaults) {
   for (const auto& [key, value] : defaults.items())
     if (key != "lights" && settings.contains(key) && settings[key] == value)
       settings.erase(key);
+}
+
+// One word for a shell, quoted if need be.
+std::string ShellWord(const std::string& word) {
+  constexpr const char* PLAIN = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                                "_-./,:=+@%";
+  if (!word.empty() && word.find_first_not_of(PLAIN) == std::string::npos)
+    return word;
+  std::string quoted = "'";
+  for (const char letter : word)
+    quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+  return quoted + "'";
 }
 
 // A file name that is not taken for an option.
@@ -38,8 +47,7 @@ std::string FileRelief(const LM_height_source& relief) {
   return words + (relief.invert ? " --relief-invert" : "");
 }
 
-} // namespace
-
+// A style as JSON on one line, settings left out that a new style or light has anyway.
 std::string ShortJson(const LM_style& style, const LM_height_source& relief) {
   LM_style least = LM_NewStyle();
   least.lights[0] = LM_NewStyleLight();
@@ -52,16 +60,7 @@ std::string ShortJson(const LM_style& style, const LM_height_source& relief) {
   return settings.dump();
 }
 
-std::string ShellWord(const std::string& word) {
-  constexpr const char* PLAIN = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
-                                "_-./,:=+@%";
-  if (!word.empty() && word.find_first_not_of(PLAIN) == std::string::npos)
-    return word;
-  std::string quoted = "'";
-  for (const char letter : word)
-    quoted += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
-  return quoted + "'";
-}
+} // namespace
 
 std::string CommandLine(const ApplyCommand& command) {
   std::string line = "limn apply " + FileWord(command.image) + " -o " + FileWord(command.output);
@@ -81,15 +80,6 @@ std::string CommandLine(const ApplyCommand& command) {
 
 bool HasControls(const std::string& line) {
   return std::any_of(line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c == 127; });
-}
-
-std::optional<LM_style> StyleOfBlock(const std::vector<uint8_t>& block, int areaWidth,
-                                     int areaHeight) {
-  const auto params = ParametersOfBlock(block);
-  LM_style style;
-  if (params == nullptr || !LM_StyleOfParameters(*params, areaWidth, areaHeight, style))
-    return std::nullopt;
-  return style;
 }
 
 } // namespace limn

@@ -1,13 +1,10 @@
 // A run of the filter told as a command line.
 #pragma once
 
-#include "lighting.h"
-
 #include "LM_height_source.h"
 #include "LM_style.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,20 +25,8 @@ struct ApplyCommand {
 // The command, for a shell. It names the files as they are named here, and holds the whole style.
 std::string CommandLine(const ApplyCommand& command);
 
-// A style as JSON on one line, settings left out that a new style or light has anyway. relief: as
-// LM_StyleToJson has it.
-std::string ShortJson(const LM_style& style, const LM_height_source& relief = {});
-
-// One word for a shell, quoted if need be.
-std::string ShellWord(const std::string& word);
-
 // Whether a terminal would act on what stands in the line when it is printed or pasted, before a
 // shell reads it: quotes are no help against a name with such characters.
 bool HasControls(const std::string& line);
-
-// The style of a parameter block as a filter session keeps it, of a filter area of that size. None
-// when the bytes are no such block.
-std::optional<LM_style> StyleOfBlock(const std::vector<uint8_t>& block, int areaWidth,
-                                     int areaHeight);
 
 } // namespace limn

@@ -35,16 +35,6 @@ vips::VImage BandOf(GreyImage& grey, bool isDeep) {
                                        grey.height, 1, VIPS_FORMAT_UCHAR);
 }
 
-LitSettings SettingsFor(Surroundings& surroundings, bool isDeep) {
-  LitSettings settings{};
-  settings.area = surroundings.area;
-  for (GreyImage& channel : surroundings.channels)
-    settings.channels.push_back(BandOf(channel, isDeep));
-  if (surroundings.mask)
-    settings.mask = BandOf(*surroundings.mask, false);
-  return settings;
-}
-
 void UseHeights(const LM_height_source& source, int numPlanes, LitSettings& settings,
                 const std::function<vips::VImage()>& heights) {
   const int numChannels = numPlanes + static_cast<int>(settings.channels.size());

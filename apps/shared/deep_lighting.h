@@ -17,8 +17,6 @@ namespace limn {
 // A grey image as one band for a pipeline of libvips, its pixels borrowed. isDeep: with all that it
 // holds.
 vips::VImage BandOf(GreyImage& grey, bool isDeep);
-// The surroundings for such a pipeline, likewise. What lights is still to be set.
-LitSettings SettingsFor(Surroundings& surroundings, bool isDeep);
 
 // Makes the source the relief of settings.style. numPlanes: the image's own, which the settings'
 // channels follow. heights: makes those that are none of these, as one more channel.

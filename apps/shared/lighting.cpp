@@ -25,27 +25,28 @@ void CheckSize(const GreyImage& grey, int width, int height, const std::string& 
                                           " pixels, and " + file + " is " + Size(width, height));
 }
 
+// Of an outcome that is not well.
 ExitCode CodeOf(CVOutcome outcome) {
-  switch (outcome) {
-  case CVOutcome::Done:
-    return ExitCode::Done;
-  case CVOutcome::Cancelled:
-    return ExitCode::Cancelled;
-  case CVOutcome::NoMemory:
-    return ExitCode::NoMemory;
-  default:
-    return ExitCode::Refused;
-  }
+  return outcome == CVOutcome::Cancelled  ? ExitCode::Cancelled
+         : outcome == CVOutcome::NoMemory ? ExitCode::NoMemory
+                                          : ExitCode::Refused;
+}
+
+std::string PathOfPlugin() {
+  if (const char* named = std::getenv("LIMN_PLUGIN"); named != nullptr && *named != '\0')
+    return named;
+  std::error_code error;
+  const std::filesystem::path folder = ProgramFolder();
+  const auto installed = (folder / LIMN_PLUGIN_FOLDER / "limn.so").lexically_normal();
+  return std::filesystem::exists(installed, error)
+             ? installed
+             : (folder / "../lib/limn.so").lexically_normal(); // built
 }
 
 } // namespace
 
 void ParsePixels(const std::string& option, const std::string& text, const char* form,
                  std::span<int> numbers) {
-  const auto refuse = [&] {
-    throw Failure(ExitCode::WrongUsage,
-                  option + " " + text + ": is not of the form " + form + " in pixels");
-  };
   const char* next = text.data();
   const char* const end = next + text.size();
   for (int& number : numbers) {
@@ -53,7 +54,8 @@ void ParsePixels(const std::string& option, const std::string& text, const char*
     const bool isLast = &number == &numbers.back();
     const bool isSeparated = isLast ? stop == end : stop != end && *stop == ',';
     if (error != std::errc() || !isSeparated || number < 0 || number > LIMN_LONGEST_SIDE)
-      refuse();
+      throw Failure(ExitCode::WrongUsage,
+                    option + " " + text + ": is not of the form " + form + " in pixels");
     next = stop + (isLast ? 0 : 1);
   }
 }
@@ -80,29 +82,17 @@ Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::s
   return surroundings;
 }
 
+std::filesystem::path ProgramFolder() {
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) // and not what lies below the current folder
+    throw Failure(ExitCode::Refused, "/proc/self/exe: " + SystemReason(error.value()));
+  return program.parent_path();
+}
+
 CVPlugin LoadPlugin() {
-  std::vector<std::string> candidates;
-  if (const char* named = std::getenv("LIMN_PLUGIN"); named != nullptr && *named != '\0') {
-    candidates.emplace_back(named);
-  } else {
-    std::error_code error;
-    const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-    if (error) // and not a module that lies below the current folder
-      throw Failure(ExitCode::Refused, "/proc/self/exe: " + SystemReason(error.value()));
-    for (const char* way : {LIMN_PLUGIN_FOLDER, "../lib"}) // installed, built
-      candidates.push_back((folder / way / "limn.so").lexically_normal().string());
-  }
   CVPlugin plugin;
-  CVResult result;
-  for (const std::string& candidate : candidates) {
-    std::error_code error;
-    if (&candidate != &candidates.back() && !std::filesystem::exists(candidate, error))
-      continue;
-    result = plugin.load(candidate);
-    break;
-  }
-  if (!result.ok())
-    throw Failure(CodeOf(result.outcome), "the plug-in: " + result.message);
+  CheckRun(plugin.load(PathOfPlugin()), "the plug-in");
   return plugin;
 }
 
@@ -140,19 +130,10 @@ std::unique_ptr<foo> MakeParameters(const LM_style& style, CVRect area, int numC
   return parameters;
 }
 
-std::string ScaledNotice(const GreyImage& grey, int width, int height) {
-  return grey.file + " is scaled from " + Size(grey.width, grey.height) + " to its " +
-         Size(width, height) + " pixels";
-}
-
-void FitChannels(std::vector<GreyImage>& channels, int width, int height, const std::string& file,
-                 std::vector<std::string>& notices) {
-  for (GreyImage& channel : channels) {
-    if (channel.width == width && channel.height == height)
-      continue;
-    notices.push_back(ScaledNotice(channel, width, height));
-    ScaleGrey(channel, width, height, file);
-  }
+void NoteScaling(const GreyImage& grey, int width, int height, std::vector<std::string>& notices) {
+  if (grey.width != width || grey.height != height)
+    notices.push_back(grey.file + " is scaled from " + Size(grey.width, grey.height) + " to its " +
+                      Size(width, height) + " pixels");
 }
 
 void AddSurroundings(CVDocument& document, Surroundings& surroundings, const std::string& file) {
@@ -175,7 +156,10 @@ CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
   CheckRun(document.wrap(photograph.pixels.data(), rowStride, photograph.width, photograph.height,
                          CV_MODE_RGB, photograph.numPlanes),
            file);
-  FitChannels(surroundings.channels, photograph.width, photograph.height, file, photograph.notices);
+  for (GreyImage& channel : surroundings.channels) {
+    NoteScaling(channel, photograph.width, photograph.height, photograph.notices);
+    ScaleGrey(channel, photograph.width, photograph.height, file);
+  }
   AddSurroundings(document, surroundings, file);
   return document;
 }

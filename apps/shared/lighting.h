@@ -7,7 +7,7 @@
 #include "limn.h"
 
 #include <CVFilterSession.h>
-#include <functional>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
@@ -36,18 +36,17 @@ struct Surroundings {
 Surroundings ReadSurroundings(const std::optional<limn_area>& area, const std::string& mask,
                               const std::vector<std::string>& channels);
 
+// Where this program lies. Throws Failure(Refused).
+std::filesystem::path ProgramFolder();
+
 // The plug-in's module: $LIMN_PLUGIN, or the one that was installed or built together with the
 // program. Throws Failure(Refused) when it cannot be loaded.
 CVPlugin LoadPlugin();
 
-// What to say of a photograph of that size to which a grey image is scaled.
-std::string ScaledNotice(const GreyImage& grey, int width, int height);
-// Makes the channels ones of that size, and notes those that were not. file: what has that size.
-// Throws Failure when one has another shape.
-void FitChannels(std::vector<GreyImage>& channels, int width, int height, const std::string& file,
-                 std::vector<std::string>& notices);
+// Adds a notice when the grey image has to be scaled to a photograph of that size.
+void NoteScaling(const GreyImage& grey, int width, int height, std::vector<std::string>& notices);
 // The photograph as the editor's document, with mask and channels. It borrows all pixels; channels
-// are fitted. Throws Failure when mask or channels do not fit.
+// are made its size. Throws Failure when mask or channels do not fit.
 CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
                         const std::string& file);
 // The rectangle to filter. Throws Failure(WrongUsage) when it is not inside the image.

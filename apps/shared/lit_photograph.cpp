@@ -11,34 +11,24 @@ HeightSubject SubjectOf(const std::string& path, int width, int height,
           surroundings.relief ? &*surroundings.relief : nullptr};
 }
 
-void SetChannels(const LM_height_source& source, const HeightSubject& subject,
-                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings,
-                 const std::shared_ptr<const LM_height_plane>& heights) {
-  const auto asDeep = [isDeep](const vips::VImage& image) {
-    return isDeep ? image
-                  : image.cast(VIPS_FORMAT_UCHAR, vips::VImage::option()->set("shift", true));
-  };
-  settings.channels.clear();
-  for (GreyImage& channel : added)
-    settings.channels.push_back(channel.width == subject.width && channel.height == subject.height
-                                    ? BandOf(channel, isDeep)
-                                    : asDeep(ScaledImage(channel, subject)));
-  UseHeights(source, numPlanes, settings, [&] {
-    return asDeep(heights ? ShownHeights(heights, subject.width, subject.height)
-                          : HeightImage(source, subject));
-  });
+namespace {
+
+vips::VImage InDepth(const vips::VImage& image, bool isDeep) {
+  return isDeep ? image : image.cast(VIPS_FORMAT_UCHAR, vips::VImage::option()->set("shift", true));
 }
 
-void NoteScaled(const Surroundings& surroundings, int width, int height,
-                std::vector<std::string>& notices) {
-  const auto note = [&](const GreyImage& grey) {
-    if (grey.width != width || grey.height != height)
-      notices.push_back(ScaledNotice(grey, width, height));
-  };
-  for (const GreyImage& channel : surroundings.channels)
-    note(channel);
-  if (surroundings.relief)
-    note(*surroundings.relief);
+} // namespace
+
+LitSettings SettingsFor(Surroundings& surroundings, const HeightSubject& subject, bool isDeep) {
+  LitSettings settings{};
+  settings.area = surroundings.area;
+  for (GreyImage& channel : surroundings.channels)
+    settings.channels.push_back(channel.width == subject.width && channel.height == subject.height
+                                    ? BandOf(channel, isDeep)
+                                    : InDepth(ScaledImage(channel, subject), isDeep));
+  if (surroundings.mask)
+    settings.mask = BandOf(*surroundings.mask, false);
+  return settings;
 }
 
 void LightingOfPhotographs::Check(const std::string& path, OpenedPhotograph& opened) const {
@@ -48,35 +38,37 @@ void LightingOfPhotographs::Check(const std::string& path, OpenedPhotograph& ope
   if (relief.kind == LM_height_kind::Style)
     NoteMissingRelief(style, opened.planes.bands() + static_cast<int>(surroundings.channels.size()),
                       opened.notices);
-  NoteScaled(surroundings, width, height, opened.notices);
+  for (const GreyImage& channel : surroundings.channels)
+    NoteScaling(channel, width, height, opened.notices);
+  if (surroundings.relief)
+    NoteScaling(*surroundings.relief, width, height, opened.notices);
 }
 
-vips::VImage
-LightingOfPhotographs::Light(const std::string& path, const vips::VImage& planes,
-                             const std::shared_ptr<std::atomic<bool>>& hasSourceFailed) const {
-  LitSettings settings = SettingsFor(surroundings, isDeep);
+LitSettings
+LightingOfPhotographs::Settings(const std::string& path, const vips::VImage& planes,
+                                const std::shared_ptr<const LM_height_plane>& heights) const {
+  const HeightSubject subject = SubjectOf(path, planes.width(), planes.height(), surroundings);
+  LitSettings settings = SettingsFor(surroundings, subject, isDeep);
   settings.style = style;
-  SetChannels(relief, SubjectOf(path, planes.width(), planes.height(), surroundings),
-              surroundings.channels, planes.bands(), isDeep, settings);
-  settings.hasSourceFailed = hasSourceFailed;
-  return LitImage(planes, settings);
+  UseHeights(relief, planes.bands(), settings, [&] {
+    return InDepth(heights ? ShownHeights(heights, subject.width, subject.height)
+                           : HeightImage(relief, subject),
+                   isDeep);
+  });
+  return settings;
 }
 
 std::pair<Surroundings, LM_style> LightingOfPhotographs::Fitted(const std::string& path,
                                                                 const vips::VImage& planes) const {
   Surroundings fitted = surroundings;
-  const HeightSubject subject = SubjectOf(path, planes.width(), planes.height(), surroundings);
-  LitSettings settings{};
-  settings.style = style;
-  SetChannels(relief, subject, surroundings.channels, planes.bands(), false, settings);
+  const LitSettings settings =
+      LightingOfPhotographs{style, relief, surroundings, false}.Settings(path, planes);
   fitted.channels.resize(settings.channels.size());
   for (size_t i = 0; i < settings.channels.size(); ++i)
-    if (fitted.channels[i].width != subject.width || fitted.channels[i].height != subject.height)
-      fitted.channels[i] = {fitted.channels[i].file,
-                            subject.width,
-                            subject.height,
-                            DecodedPixels(settings.channels[i]),
-                            {}};
+    if (GreyImage& channel = fitted.channels[i];
+        channel.width != planes.width() || channel.height != planes.height())
+      channel = {
+          channel.file, planes.width(), planes.height(), DecodedPixels(settings.channels[i]), {}};
   return {std::move(fitted), settings.style};
 }
 

@@ -7,7 +7,6 @@
 #include "LM_height_source.h"
 #include "height_image.h"
 
-#include <atomic>
 #include <memory>
 #include <string>
 #include <utility>
@@ -20,16 +19,9 @@ namespace limn {
 HeightSubject SubjectOf(const std::string& path, int width, int height,
                         const Surroundings& surroundings);
 
-// Gives the settings the channels that follow a photograph's own, made its size, and the heights
-// that its relief is taken from, if they are none of these. heights: made before, for this source;
-// null: they are made here.
-void SetChannels(const LM_height_source& source, const HeightSubject& subject,
-                 std::vector<GreyImage>& added, int numPlanes, bool isDeep, LitSettings& settings,
-                 const std::shared_ptr<const LM_height_plane>& heights = nullptr);
-
-// Tells which channels and heights are scaled to a photograph of that size.
-void NoteScaled(const Surroundings& surroundings, int width, int height,
-                std::vector<std::string>& notices);
+// The surroundings of such a photograph as settings for it, which borrow them: channels are made
+// its size. What lights is still to be set. isDeep: whether channels keep more than 8 bits.
+LitSettings SettingsFor(Surroundings& surroundings, const HeightSubject& subject, bool isDeep);
 
 struct LightingOfPhotographs {
   const LM_style& style;
@@ -39,9 +31,10 @@ struct LightingOfPhotographs {
 
   // Throws Failure when the surroundings do not fit, and adds to its notices what is done to them.
   void Check(const std::string& path, OpenedPhotograph& opened) const;
-  // Lazy: decoded and lit when it is written. hasSourceFailed: as LitSettings'.
-  vips::VImage Light(const std::string& path, const vips::VImage& planes,
-                     const std::shared_ptr<std::atomic<bool>>& hasSourceFailed) const;
+  // Of a photograph that is lit while it is decoded. heights: made before, of this relief; null:
+  // they are made here.
+  LitSettings Settings(const std::string& path, const vips::VImage& planes,
+                       const std::shared_ptr<const LM_height_plane>& heights = nullptr) const;
   // For the plug-in, which has only channels of 8 bits and the photograph's size: the surroundings
   // as such, and the style whose relief is one of them.
   std::pair<Surroundings, LM_style> Fitted(const std::string& path,

@@ -13,7 +13,7 @@ namespace limn {
 // value each time that it is given.
 template <class Value>
 CLI::Option* AddValue(CLI::App& command, const char* names, Value& value, const char* type,
-                      const char* text) {
+                      const std::string& text) {
   CLI::Option* const option = command.add_option(names, value, text)->type_name(type);
   if constexpr (std::is_same_v<Value, std::vector<std::string>>)
     option->allow_extra_args(false);

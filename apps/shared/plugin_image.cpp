@@ -29,10 +29,11 @@ bool RowGate::Wait(int bottom) {
 }
 
 PluginImage::PluginImage(const CVPlugin& plugin, const LM_style& style, Surroundings surroundings,
-                         const vips::VImage& planes, const std::string& file)
+                         const vips::VImage& planes, const std::string& file,
+                         std::shared_ptr<std::atomic<bool>> hasSourceFailed)
     : _planes(planes), _file(file), _surroundings(std::move(surroundings)),
       _area(AreaOf(_surroundings, planes.width(), planes.height(), file)),
-      _hasSourceFailed(std::make_shared<std::atomic<bool>>(false)) {
+      _hasSourceFailed(std::move(hasSourceFailed)) {
   CheckRun(_document.create(planes.width(), planes.height(), CV_MODE_RGB, planes.bands()), file);
   AddSurroundings(_document, _surroundings, file);
   std::shared_ptr<const foo> parameters =

@@ -34,9 +34,11 @@ private:
 class PluginImage {
 public:
   // planes: of 8 bits, the first three red, green and blue; decoded once. surroundings: of
-  // their size. Throws Failure as AddSurroundings and MakeParameters do.
+  // their size. hasSourceFailed: becomes true once pixels could not be decoded, for which libvips
+  // has the reason, or lit. Throws Failure as AddSurroundings and MakeParameters do.
   PluginImage(const CVPlugin& plugin, const LM_style& style, Surroundings surroundings,
-              const vips::VImage& planes, const std::string& file);
+              const vips::VImage& planes, const std::string& file,
+              std::shared_ptr<std::atomic<bool>> hasSourceFailed);
   ~PluginImage();
   PluginImage(const PluginImage&) = delete;
   PluginImage& operator=(const PluginImage&) = delete;
@@ -44,8 +46,6 @@ public:
   // The lit planes, from top to bottom; an error when they cannot be had. Not to be asked for
   // pixels when the object has gone.
   vips::VImage Lit();
-  // True once pixels could not be decoded, for which libvips has the reason, or lit.
-  const std::shared_ptr<std::atomic<bool>>& HasSourceFailed() const { return _hasSourceFailed; }
   // Throws Failure when rows cannot be had since the plug-in's run has failed.
   void CheckPlugin();
 

@@ -22,23 +22,16 @@ LM_height_source Named(const std::string& name, const std::vector<std::string>& 
   return source;
 }
 
-// The sentences are made here, and the command keeps a copy of them.
-template <class Value>
-CLI::Option* AddMade(CLI::App& command, const char* name, Value& value, const char* type,
-                     const std::string& text) {
-  return AddValue(command, name, value, type, text.c_str());
-}
-
 } // namespace
 
 void AddReliefOptions(CLI::App& command, ReliefOptions& options, const std::string& otherwise) {
-  CLI::Option* const source = AddMade(command, "--relief", options.source, "SOURCE",
-                                      "Where heights come from: auto (luminance, made ready,\n"
-                                      "for styles that have relief), luminance, red, green,\n"
-                                      "blue, a channel's number or the name of an added one, a\n"
-                                      "grey image of the same shape, or none\n"
-                                      "(default: " +
-                                          otherwise + ")");
+  CLI::Option* const source = AddValue(command, "--relief", options.source, "SOURCE",
+                                       "Where heights come from: auto (luminance, made ready,\n"
+                                       "for styles that have relief), luminance, red, green,\n"
+                                       "blue, a channel's number or the name of an added one, a\n"
+                                       "grey image of the same shape, or none\n"
+                                       "(default: " +
+                                           otherwise + ")");
   CLI::Option* const normals =
       AddValue(command, "--normals", options.normals, "IMAGE",
                "Take heights from a normal map of the same shape, of 8\nor 16 bits")
@@ -47,16 +40,16 @@ void AddReliefOptions(CLI::App& command, ReliefOptions& options, const std::stri
            "What its green stands for (default: what fits better,\nand says so)")
       ->check(CLI::IsMember({"up", "down"}))
       ->needs(normals);
-  AddMade(command, "--relief-smoothing", options.smoothing, "N",
-          "Take differences below N, of 255, for grain and even\n"
-          "them out between edges (default: 0; auto: " +
-              std::to_string(LM_USUAL_SMOOTHING) + ")")
+  AddValue(command, "--relief-smoothing", options.smoothing, "N",
+           "Take differences below N, of 255, for grain and even\n"
+           "them out between edges (default: 0; auto: " +
+               std::to_string(LM_USUAL_SMOOTHING) + ")")
       ->check(CLI::Range(0, LM_MOST_SMOOTHING));
-  AddMade(command, "--relief-detail", options.detail, "N",
-          "How large what stands out is, in thousandths of the\n"
-          "longer side; broader shading is flattened, finer is\n"
-          "smoothed (default: 0, neither; auto or fitted: " +
-              std::to_string(LM_USUAL_DETAIL) + ")")
+  AddValue(command, "--relief-detail", options.detail, "N",
+           "How large what stands out is, in thousandths of the\n"
+           "longer side; broader shading is flattened, finer is\n"
+           "smoothed (default: 0, neither; auto or fitted: " +
+               std::to_string(LM_USUAL_DETAIL) + ")")
       ->check(CLI::Range(0, LM_MOST_DETAIL));
   command.add_flag("--relief-fit", options.fit,
                    "As steep as on a picture of " + std::to_string(LM_HEIGHTS_SIDE) +

@@ -54,27 +54,6 @@ bool IsInLibrary(const std::string& name) {
   return LM_style_istream::Exists(file.bytes) != 0;
 }
 
-} // namespace
-
-const StyleLibrary& UseStyleLibrary() {
-  static const StyleLibrary library = SetUpLibrary();
-  return library;
-}
-
-std::vector<LM_listed_style> AllStyles() {
-  if (UseStyleLibrary().isThere)
-    return LM_ListStyles();
-  std::vector<LM_listed_style> styles;
-  for (const std::string& name : LM_BundledStyleNames()) {
-    LM_listed_style listed{name, false, "", {}};
-    listed.loads = LM_BundledStyle(name, listed.style);
-    styles.push_back(std::move(listed));
-  }
-  return styles;
-}
-
-namespace {
-
 // What a recipe has and a style has not, as options to be given; or nothing.
 std::string FurtherOptions(const Recipe& recipe) {
   std::string options;
@@ -104,23 +83,10 @@ NamedStyle ReadLitPicture(const std::string& path) {
   return named;
 }
 
-} // namespace
-
-NamedStyle ReadStyleFile(const std::string& path) {
-  if (IsName(path, Use::Reading))
-    return ReadLitPicture(path);
-  NamedStyle named{};
-  const std::vector<uint8_t> bytes = ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
-  if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning, &named.relief))
-    throw Failure(ExitCode::BadInput, path + ": " + named.warning);
-  return named;
-}
-
+// Whether the name is a style itself.
 bool IsJson(const std::string& name) {
   return name.starts_with('{');
 }
-
-namespace {
 
 std::string UnknownStyle(const std::string& name) {
   std::vector<std::string> names;
@@ -153,20 +119,7 @@ NamedStyle ReadNamed(const std::string& name) {
   throw Failure(ExitCode::BadInput, UnknownStyle(wanted));
 }
 
-} // namespace
-
-std::string LabelOf(const std::string& name) {
-  const fs::path path(IsJson(name) ? "Style" : name.empty() ? DEFAULT_STYLE : name);
-  return (path.extension() == ".json" ? path.stem() : path.filename()).string();
-}
-
-NamedStyle FindStyle(const std::string& name) {
-  NamedStyle named = ReadNamed(name);
-  if (named.warning.empty())
-    named.warning = LM_BeyondSliders(named.style);
-  return named;
-}
-
+// Applies one "KEY=VALUE" setting.
 void SetField(LM_style& style, const std::string& setting) {
   const size_t equals = setting.find('=');
   if (equals == std::string::npos)
@@ -175,6 +128,49 @@ void SetField(LM_style& style, const std::string& setting) {
   const std::string_view text = setting;
   if (!LM_SetStyleField(style, text.substr(0, equals), text.substr(equals + 1), why))
     throw Failure(ExitCode::WrongUsage, "--set " + setting + ": " + why);
+}
+
+} // namespace
+
+const StyleLibrary& UseStyleLibrary() {
+  static const StyleLibrary library = SetUpLibrary();
+  return library;
+}
+
+std::vector<LM_listed_style> AllStyles() {
+  if (UseStyleLibrary().isThere)
+    return LM_ListStyles();
+  std::vector<LM_listed_style> styles;
+  for (const std::string& name : LM_BundledStyleNames()) {
+    LM_listed_style listed{name, false, "", {}};
+    listed.loads = LM_BundledStyle(name, listed.style);
+    styles.push_back(std::move(listed));
+  }
+  return styles;
+}
+
+NamedStyle ReadStyleFile(const std::string& path) {
+  if (IsName(path, Use::Reading))
+    return ReadLitPicture(path);
+  NamedStyle named{};
+  const std::vector<uint8_t> bytes = ReadSmallFile(path, LM_LONGEST_STYLE_FILE);
+  if (!LM_StyleFromBytes(bytes.data(), bytes.size(), named.style, named.warning, &named.relief))
+    throw Failure(ExitCode::BadInput, path + ": " + named.warning);
+  return named;
+}
+
+std::string LabelOf(const std::string& name) {
+  const fs::path path(IsJson(name) ? "Style" : name.empty() ? DEFAULT_STYLE : name);
+  return (path.extension() == ".json" ? path.stem() : path.filename()).string();
+}
+
+NamedStyle FindStyle(const std::string& name, const std::vector<std::string>& settings) {
+  NamedStyle named = ReadNamed(name);
+  if (named.warning.empty())
+    named.warning = LM_BeyondSliders(named.style);
+  for (const std::string& setting : settings)
+    SetField(named.style, setting);
+  return named;
 }
 
 } // namespace limn

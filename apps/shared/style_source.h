@@ -36,18 +36,13 @@ const StyleLibrary& UseStyleLibrary();
 // All styles of the library, those that cannot be read too; without a library the bundled ones.
 std::vector<LM_listed_style> AllStyles();
 
-// Whether the name is a style itself, as JSON.
-bool IsJson(const std::string& name);
-
 // What to call a style that is named so: the file's name without folder and ".json".
 std::string LabelOf(const std::string& name);
 
 // name: a style as JSON, a file, or the name of a style in the user's library or among the bundled
 // ones; the first that exists, in this order. An empty name means the default style. Without a
-// library there are still the bundled ones. Throws Failure(BadInput).
-NamedStyle FindStyle(const std::string& name);
-
-// Applies one "KEY=VALUE" setting. Throws Failure(WrongUsage).
-void SetField(LM_style& style, const std::string& setting);
+// library there are still the bundled ones. settings: "KEY=VALUE" each, which change it. Throws
+// Failure(BadInput), of a setting Failure(WrongUsage).
+NamedStyle FindStyle(const std::string& name, const std::vector<std::string>& settings = {});
 
 } // namespace limn

@@ -118,7 +118,7 @@ public:
   }
 
   ImagePair PairOf(const Named& named, size_t style) const {
-    ImagePair pair{named.file.string(), {}, "", style};
+    ImagePair pair{named.file.string(), {}, "", style, ""};
     if (_isPattern) {
       const std::string extension =
           (_rule.format.empty() ? named.file : fs::path("x" + _format.path)).extension().string();
@@ -196,14 +196,14 @@ ImageList ListImages(const ImageNames& names, const OutputRule& rule, Folders fo
   return list;
 }
 
-void RefuseSharedFiles(const std::vector<ImagePair>& pairs, const std::vector<std::string>& targets,
+void RefuseSharedFiles(const std::vector<ImagePair>& pairs,
                        const std::vector<std::string>& shared) {
   std::map<fs::path, size_t> writers;
   for (size_t i = 0; i < pairs.size(); ++i) {
-    const auto [first, isNew] = writers.emplace(RealPath(targets[i]), i);
+    const auto [first, isNew] = writers.emplace(RealPath(pairs[i].target), i);
     if (!isNew)
       throw Failure(ExitCode::WrongUsage, pairs[first->second].input + " and " + pairs[i].input +
-                                              " would both be written to " + targets[i]);
+                                              " would both be written to " + pairs[i].target);
   }
   for (size_t i = 0; i < pairs.size(); ++i)
     if (const auto writer = writers.find(RealPath(pairs[i].input));

@@ -13,8 +13,9 @@ namespace limn {
 struct ImagePair {
   std::string input;
   OutputName output;
-  std::string place; // the output's name below the output folder, or all of it
-  size_t style = 0;  // the number of its style
+  std::string place;  // the output's name below the output folder, or all of it
+  size_t style = 0;   // the number of its style
+  std::string target; // where the output really goes, once it is known; see ResolveTarget
 };
 
 enum class Folders { Refuse, Walk };
@@ -53,9 +54,8 @@ struct ImageList {
 ImageList ListImages(const ImageNames& names, const OutputRule& rule, Folders folders);
 
 // Throws Failure(WrongUsage) when two images would be written to one file through links, or one to
-// the file of another that is read, or, when there are several, to one that all need. targets:
-// where each is written, as ResolveTarget gives it. shared: what all images need.
-void RefuseSharedFiles(const std::vector<ImagePair>& pairs, const std::vector<std::string>& targets,
-                       const std::vector<std::string>& shared);
+// the file of another that is read, or, when there are several, to one that all need. The pairs
+// have their targets. shared: what all images need.
+void RefuseSharedFiles(const std::vector<ImagePair>& pairs, const std::vector<std::string>& shared);
 
 } // namespace limn

@@ -64,14 +64,10 @@ std::vector<std::string> ReadNameList(const std::string& path, char end) {
     throw Failure(ExitCode::BadInput, list + ": " + SystemReason(errno));
   NameReader reader(list, end);
   char piece[16384];
-  for (;;) {
-    const ssize_t got = read(isStandardInput ? STDIN_FILENO : opened.Number(), piece, sizeof piece);
-    if (got < 0 && errno == EINTR)
-      continue;
+  const int input = isStandardInput ? STDIN_FILENO : opened.Number();
+  while (const ssize_t got = Uninterrupted([&] { return read(input, piece, sizeof piece); })) {
     if (got < 0)
       throw Failure(ExitCode::BadInput, list + ": " + SystemReason(errno));
-    if (got == 0)
-      break;
     reader.Take({piece, static_cast<size_t>(got)});
   }
   reader.Finish();

@@ -1,6 +1,5 @@
 #include "sheet_frames.h"
 
-#include "deep_lighting.h"
 #include "height_image.h"
 #include "image_library.h"
 #include "lit_image.h"
@@ -95,13 +94,9 @@ void SheetFrames::_DrawPictures(const std::vector<SheetStyle>& styles,
 }
 
 std::vector<uint8_t> SheetFrames::_LitDetail(const SheetStyle& shown) const {
-  const HeightSubject subject =
-      SubjectOf(_path, _photograph.fullWidth, _photograph.fullHeight, _surroundings);
-  LitSettings settings{};
-  settings.style = shown.style;
-  SetChannels(shown.relief, subject, _surroundings.channels, _planes->bands(), true, settings,
-              _Find(shown.relief)->heights);
-  return Cut(LitImage(*_planes, settings), _detail);
+  const LightingOfPhotographs light{shown.style, shown.relief, _surroundings, true};
+  return Cut(LitImage(*_planes, light.Settings(_path, *_planes, _Find(shown.relief)->heights)),
+             _detail);
 }
 
 std::vector<SheetFrame> SheetFrames::Draw(const std::vector<SheetStyle>& styles) {

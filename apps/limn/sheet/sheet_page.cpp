@@ -1,8 +1,12 @@
 #include "sheet_page.h"
 
+#include "image_file.h"
 #include "report.h"
 
+#include "MacStrings.h"
+
 #include <algorithm>
+#include <memory>
 #include <vips/vips8>
 
 namespace limn {
@@ -13,26 +17,13 @@ using vips::VImage;
 constexpr const char* FONTS = "DejaVu Sans, Noto Sans, Liberation Sans, Sans";
 constexpr int DPI = 72; // at which a point is a pixel
 
-// Text is markup to the text renderer.
-std::string Escaped(const std::string& text) {
-  std::string escaped;
-  for (const char letter : text) {
-    if (letter == '&')
-      escaped += "&amp;";
-    else if (letter == '<')
-      escaped += "&lt;";
-    else
-      escaped += letter;
-  }
-  return escaped;
-}
-
 // The letters' coverage, 0 to 255; their place in the line is the image's offset.
 VImage Letters(const std::string& text, const TextStyle& style) {
   const std::string font = std::string(FONTS) + (style.weight == Weight::Bold ? " Bold " : " ") +
                            std::to_string(style.size);
-  return VImage::text(Escaped(text).c_str(),
-                      VImage::option()->set("font", font.c_str())->set("dpi", DPI));
+  const std::unique_ptr<char, void (*)(void*)> markup(g_markup_escape_text(text.c_str(), -1),
+                                                      g_free);
+  return VImage::text(markup.get(), VImage::option()->set("font", font.c_str())->set("dpi", DPI));
 }
 
 // Of a text of which nothing can be seen, such as blanks, a question mark's.
@@ -45,18 +36,10 @@ VImage VisibleLetters(const std::string& text, const TextStyle& style) {
   }
 }
 
-// Without its last character, which in UTF-8 may be several bytes.
-void DropLast(std::string& text) {
-  while (!text.empty() && (text.back() & 0xc0) == 0x80)
-    text.pop_back();
-  if (!text.empty())
-    text.pop_back();
-}
-
 VImage FittingLetters(std::string text, const TextStyle& style, int width) {
   VImage letters = VisibleLetters(text, style);
   while (letters.width() > width && text.size() > 1) {
-    DropLast(text);
+    text.resize(TB_CutUTF8(text, text.size() - 1).size());
     letters = VisibleLetters(text + "…", style);
   }
   return letters;
@@ -83,10 +66,7 @@ void SheetPage::Place(const Box& box, const std::vector<uint8_t>& pixels) {
 
 int SheetPage::Write(const Box& box, const std::string& text, const TextStyle& style, Align align) {
   const VImage letters = FittingLetters(Printable(text), style, box.width);
-  const size_t bytes = static_cast<size_t>(letters.width()) * letters.height();
-  std::vector<uint8_t> coverage(bytes);
-  letters.write(VImage::new_from_memory(coverage.data(), bytes, letters.width(), letters.height(),
-                                        1, VIPS_FORMAT_UCHAR));
+  const std::vector<uint8_t> coverage = DecodedPixels(letters);
   // A line of text takes some 1.2 times its size, and its image begins at its highest letter.
   const int left = align == Align::Left ? box.x : box.x + box.width - letters.width();
   const int top = box.y + (box.height - style.size * 6 / 5) / 2 + letters.yoffset();

@@ -1,5 +1,7 @@
 #include "job_message.h"
 
+#include "posix_file.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
@@ -15,27 +17,20 @@ void JobMessage::SetText(const std::string& content) {
 
 bool Send(int socket, const JobMessage& message) {
   const size_t size = offsetof(JobMessage, text) + message.length;
-  for (;;) {
-    if (send(socket, &message, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size))
-      return true;
-    if (errno != EINTR)
-      return false;
-  }
+  return Uninterrupted([&] { return send(socket, &message, size, MSG_NOSIGNAL); }) ==
+         static_cast<ssize_t>(size);
 }
 
 Received Receive(int socket, JobMessage& message, Waits waits) {
   const ssize_t header = offsetof(JobMessage, text);
-  for (;;) {
-    const ssize_t got =
-        recv(socket, &message, sizeof message, waits == Waits::No ? MSG_DONTWAIT : 0);
-    if (got < 0 && errno == EINTR)
-      continue;
-    if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
-      return Received::Nothing;
-    if (got < header || message.length > static_cast<size_t>(got - header))
-      return Received::End;
-    return Received::Message;
-  }
+  const ssize_t got = Uninterrupted([&] {
+    return recv(socket, &message, sizeof message, waits == Waits::No ? MSG_DONTWAIT : 0);
+  });
+  if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
+    return Received::Nothing;
+  if (got < header || message.length > static_cast<size_t>(got - header))
+    return Received::End;
+  return Received::Message;
 }
 
 } // namespace limn

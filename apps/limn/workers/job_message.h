@@ -13,7 +13,7 @@ struct JobMessage {
   enum class Kind : uint32_t { Start, Progress, Notice, Result };
   Kind kind = Kind::Start;
   ExitCode code = ExitCode::Done;
-  uint64_t job = 0;
+  uint64_t job = 0;    // of a Start
   double share = 0;    // of a Progress
   double seconds = 0;  // of a Result with ExitCode::Done
   JobDone done;        // likewise

@@ -158,7 +158,7 @@ private:
       if (news.kind == JobMessage::Kind::Progress)
         _signals.Let([&] { _pool.onProgress(worker.job, news.share); });
       else if (news.kind == JobMessage::Kind::Notice)
-        _signals.Let([&] { _pool.onNotice(worker.job, text); });
+        _signals.Let([&] { _pool.onNotice(text); });
       else if (!_Finish(worker, {worker.job, news.code, news.done, news.seconds, text, false}))
         return false;
     }

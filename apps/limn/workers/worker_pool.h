@@ -51,7 +51,7 @@ struct WorkerPool {
   std::function<JobDone(size_t job, const JobChannel& channel)> work;
   // In the calling process, as news arrive.
   std::function<void(size_t job, double share)> onProgress;
-  std::function<void(size_t job, const std::string& text)> onNotice;
+  std::function<void(const std::string& text)> onNotice;
   std::function<void(const JobResult& result)> onResult;
   // In the calling process, when process `worker` died inside the job: clears away what it left.
   std::function<void(size_t job, pid_t worker)> onDeath;

@@ -33,7 +33,6 @@ void TakeWorkerSignals(pid_t parent) {
 JobMessage DoJob(const WorkerPool& pool, size_t job, int socket) {
   JobMessage result;
   result.kind = JobMessage::Kind::Result;
-  result.job = job;
   const auto start = Clock::now();
   alarm(pool.maxSeconds); // ends this process
   try {
