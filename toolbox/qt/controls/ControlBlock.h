@@ -28,11 +28,6 @@ constexpr short POPUP_DEFINITION = 63;
 ControlDefProcPtr FindControlDefinition(short number);
 // -1 for none.
 short ControlDefinitionNumber(std::string_view name);
-// A definition handle that a control owns until it goes.
-Handle NewOwnDefinition(ControlDefProcPtr procedure);
-void DisposeOwnDefinition(Handle definition);
-// Reads a purged definition handle of a living control again. False when it is none.
-bool ReloadControlDefinition(Handle definition);
 
 int32_t StandardButtonDefinition(short varCode, ControlHandle control, short message,
                                  intptr_t param);

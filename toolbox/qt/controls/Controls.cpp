@@ -75,7 +75,7 @@ ControlHandle NewControl(WindowPtr window, const Rect* bounds, ConstStr255Param 
   std::unique_ptr<ControlBlock> block(new (std::nothrow) ControlBlock{});
   if (owner == nullptr || procedure == nullptr || !block)
     return nullptr;
-  block->ownDefinition = NewOwnDefinition(procedure);
+  block->ownDefinition = NewControlDefinition(procedure);
   if (block->ownDefinition == nullptr)
     return nullptr;
   block->definitionNumber = number;
@@ -105,7 +105,7 @@ void DisposeControl(ControlHandle control) {
   if (PortState* owner = WindowStateOf((**control).contrlOwner))
     Unlink(*owner, control);
   SendToControl(control, dispCntl, 0);
-  DisposeOwnDefinition(BlockOf(control).ownDefinition);
+  DisposeHandle(BlockOf(control).ownDefinition);
   delete &BlockOf(control);
 }
 
