@@ -47,6 +47,8 @@ ControlListener ListenToControls(ControlListener listener);
 int32_t SendToControl(ControlHandle control, short message, intptr_t param);
 // The part at a point, whatever the highlighting.
 short PartAt(ControlHandle control, Point point);
+// The menu of a popup, or null.
+MenuHandle PopupMenuOf(ControlHandle control);
 // Lets the user choose from a popup's menu and sets its value. inMenu, or 0 when nothing was
 // chosen.
 short TrackPopup(ControlHandle control);

@@ -7,10 +7,6 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
-bool HasResourcePicture(const char* type, short number) {
-  return TB_Resource(type, number) != nullptr;
-}
-
 ResourcePicture LoadResourcePicture(const char* type, short number) {
   ResourcePicture picture;
   const nlohmann::json* resource = TB_Resource(type, number);
@@ -19,7 +15,6 @@ ResourcePicture LoadResourcePicture(const char* type, short number) {
   const std::string_view bytes = TB_ResourceFile(TB_StringMember(*resource, "picture"));
   picture.bytes = QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size()));
   picture.overlay = TB_BoolMember(*resource, "overlay", false);
-  picture.shape = QString::fromStdString(TB_StringMember(*resource, "shape"));
   picture.size = TB_IntMember(*resource, "size", 24, 1, 256);
   const std::vector<int> spot = TB_IntsMember(*resource, "hotSpot");
   if (spot.size() == 2)
