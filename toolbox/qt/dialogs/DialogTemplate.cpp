@@ -39,19 +39,10 @@ short ShortMember(const nlohmann::json& object, const char* name, short fallback
   return static_cast<short>(TB_IntMember(object, name, fallback, -32768, 32767));
 }
 
-// -1 for a definition nobody registered.
-short DefinitionOf(const nlohmann::json& item) {
-  const std::string name = TB_StringMember(item, "definition");
-  const short number =
-      name.empty() ? ShortMember(item, "definition", -1) : ControlDefinitionNumber(name);
-  return number >= 0 && number < 2048 && FindControlDefinition(number) != nullptr ? number
-                                                                                  : short{-1};
-}
-
 intptr_t RefConOf(const nlohmann::json& item) {
   const std::vector<int> halves = TB_IntsMember(item, "refCon");
   if (halves.size() != 2)
-    return TB_IntMember(item, "refCon", 0, INT32_MIN, INT32_MAX);
+    return 0;
   return static_cast<int32_t>((static_cast<uint32_t>(halves[0]) << 16) |
                               (static_cast<uint32_t>(halves[1]) & 0xFFFF));
 }
@@ -101,7 +92,7 @@ bool ReadItem(const nlohmann::json& json, ItemTemplate& item) {
   if ((kind->type & ctrlItem) != 0)
     ReadControl(json, item);
   if (kind->kind == ItemKind::Control) {
-    const short definition = DefinitionOf(json);
+    const short definition = ControlDefinitionNumber(TB_StringMember(json, "definition"));
     if (definition < 0)
       return false;
     item.procID = static_cast<short>(definition * 16);
@@ -144,7 +135,7 @@ bool TakeCentring(int16_t dialogID) {
 
 std::optional<DialogTemplate> LoadDialogTemplate(int16_t dialogID) {
   const nlohmann::json* resource = TB_Resource("DLOG", dialogID);
-  if (resource == nullptr || !resource->is_object())
+  if (resource == nullptr)
     return std::nullopt;
   DialogTemplate dialog;
   dialog.title = TB_StringMember(*resource, "title");
@@ -153,8 +144,8 @@ std::optional<DialogTemplate> LoadDialogTemplate(int16_t dialogID) {
     return std::nullopt;
   dialog.width = static_cast<short>(size[0]);
   dialog.height = static_cast<short>(size[1]);
-  const auto items = resource->find("items");
-  if (items == resource->end() || !ReadItems(*items, dialog.items))
+  const nlohmann::json* items = TB_Member(resource, "items");
+  if (items == nullptr || !ReadItems(*items, dialog.items))
     return std::nullopt;
   return dialog;
 }
