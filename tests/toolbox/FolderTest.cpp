@@ -12,16 +12,13 @@ TEST_F(FolderTest, AFolderInTheDefaultOneIsMadeOnceAndFound) {
   EXPECT_EQ(TB_SetDefaultDirectory((folder / "missing").native()), dirNFErr);
   ASSERT_EQ(TB_SetDefaultDirectory(folder.native() + "/."), noErr);
   WDPBRec defaults{};
-  Str255 name;
-  defaults.ioNamePtr = name;
   ASSERT_EQ(PBHGetVol(&defaults, 0), noErr);
   EXPECT_EQ(defaults.ioWDDirID, id);
-  EXPECT_EQ(TB_StdString(name), folder.filename().native());
 
   TB_Str255 wanted = TB_PString("Lighting Styles");
   CInfoPBRec block{};
   auto lookUp = [&] {
-    block.dirInfo = {noErr, wanted.bytes, defaults.ioWDVRefNum, 0, 0, defaults.ioWDDirID};
+    block.hFileInfo = {wanted.bytes, defaults.ioWDVRefNum, 0, defaults.ioWDDirID};
     return PBGetCatInfo(&block, 0);
   };
   EXPECT_EQ(lookUp(), fnfErr);
@@ -29,18 +26,17 @@ TEST_F(FolderTest, AFolderInTheDefaultOneIsMadeOnceAndFound) {
   ASSERT_EQ(DirCreate(volume, 0, wanted, &created), noErr);
   EXPECT_EQ(DirCreate(volume, id, wanted, &created), dupFNErr);
   ASSERT_EQ(lookUp(), noErr);
-  EXPECT_EQ(block.dirInfo.ioFlAttrib & kFolderBit, kFolderBit);
-  EXPECT_EQ(block.dirInfo.ioDrDirID, created);
+  EXPECT_EQ(block.hFileInfo.ioFlAttrib & kFolderBit, kFolderBit);
+  EXPECT_EQ(block.hFileInfo.ioDirID, created);
   EXPECT_EQ(TB_PathOf(volume, created, TB_PString("a/b")), folder / "Lighting Styles" / "a%2Fb");
   EXPECT_EQ(TB_PathOf(volume, created, nullptr), folder / "Lighting Styles");
   EXPECT_EQ(TB_PathOf(volume, 15, nullptr), "");
 
   WriteFile("Lighting Styles/x", "123");
   wanted = TB_PString("x");
-  block.hFileInfo = {noErr, wanted.bytes, volume, 0, 0, created, 0};
+  block.hFileInfo = {wanted.bytes, volume, 0, created};
   ASSERT_EQ(PBGetCatInfo(&block, 0), noErr);
   EXPECT_EQ(block.hFileInfo.ioFlAttrib & kFolderBit, 0);
-  EXPECT_EQ(block.hFileInfo.ioFlLgLen, 3);
 }
 
 TEST_F(FolderTest, ListsRegularFilesInAlphabeticalOrder) {

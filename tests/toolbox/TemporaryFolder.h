@@ -16,7 +16,11 @@ protected:
     std::string pattern = std::filesystem::temp_directory_path() / "toolbox-XXXXXX";
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);
     folder = std::filesystem::canonical(pattern);
-    ASSERT_EQ(TB_DirectoryForPath(folder.native(), &volume, &id), noErr);
+    ASSERT_EQ(TB_SetDefaultDirectory(folder.native()), noErr);
+    WDPBRec defaults{};
+    ASSERT_EQ(PBHGetVol(&defaults, 0), noErr);
+    volume = defaults.ioWDVRefNum;
+    id = defaults.ioWDDirID;
   }
   void TearDown() override {
     TB_SetDefaultDirectory("");
@@ -48,9 +52,9 @@ protected:
     HParamBlockRec block{};
     Str255 name;
     for (;;) {
-      block.fileParam = {noErr, name, volume, static_cast<int16_t>(names.size() + 1), 0, id, 0};
-      if (PBHGetFInfo(&block, 0) != noErr) {
-        EXPECT_EQ(block.fileParam.ioResult, fnfErr);
+      block.fileParam = {name, volume, static_cast<int16_t>(names.size() + 1), id};
+      if (const OSErr result = PBHGetFInfo(&block, 0); result != noErr) {
+        EXPECT_EQ(result, fnfErr);
         return names;
       }
       names.push_back(TB_StdString(name));

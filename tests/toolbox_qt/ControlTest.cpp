@@ -79,10 +79,6 @@ TEST(Control, AWrappedDefinitionIsCalledInItsPlace) {
     Draw1Control(control);
     EXPECT_EQ(wrappedDraws, 1);
     EXPECT_NE(TB_PortImage(sample.dialog), plain) << "the text is no smaller";
-    // A purged definition is read again.
-    HPurge(savedDefinition);
-    PurgeMem(MaxMem(nullptr));
-    Draw1Control(control);
     EXPECT_NE(FindControl(sample.Middle(item), sample.dialog, &control), 0);
     (**control).contrlDefProc = savedDefinition;
     DisposeHandle(wrapper);

@@ -230,7 +230,6 @@ TEST(Dialog, AuxiliaryRecordsAndDisposedWindows) {
     EXPECT_EQ((**again).awRefCon, 4711);
     AuxCtlHandle of = nullptr;
     ASSERT_TRUE(GetAuxCtl(sample.Control(CHECK_ITEM), &of));
-    EXPECT_EQ((**of).acOwner, sample.Control(CHECK_ITEM));
     EXPECT_FALSE(GetAuxCtl(nullptr, &of));
     EXPECT_EQ(FrontWindow(), sample.dialog);
   }

@@ -32,7 +32,6 @@ const ReversibleFigure REVERSIBLE_FIGURES[] = {
     {"flat line", [] { DrawLineFromTo(3, 40, 110, 61); }},
     {"steep line", [] { DrawLineFromTo(90, 3, 61, 97); }},
     {"horizontal line", [] { DrawLineFromTo(5, 33, 77, 33); }},
-    {"thick line", [] { PenSize(4, 3), DrawLineFromTo(10, 80, 100, 12); }},
     {"oval", [] { On(FrameOval, Box(21, 13, 107, 88)); }},
     {"oval beyond the port", [] { On(FrameOval, Box(-30, -40, 207, 88)); }},
     {"small filled oval", [] { On(PaintOval, Box(41, 41, 48, 48)); }},

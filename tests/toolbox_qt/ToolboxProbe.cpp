@@ -1,9 +1,9 @@
 #include "ToolboxProbe.h"
 
 #include "DialogWindow.h"
-#include "EventQueue.h"
 #include "Input.h"
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 
 QImage TB_PortImage(GrafPtr port) {
@@ -34,12 +34,22 @@ bool HaveSameSquares(RgnHandle a, RgnHandle b) {
 }
 
 bool TakeEvent(short mask, EventRecord* event, int milliseconds) {
-  WindowPtr window = nullptr;
-  return FetchEvent(mask, event, &window, milliseconds);
+  const QDeadlineTimer deadline(milliseconds);
+  for (;;) {
+    while (const auto taken = Input::Get()->TakeEvent()) {
+      *event = taken->record;
+      if (((mask >> event->what) & 1) != 0)
+        return true;
+    }
+    if (deadline.hasExpired())
+      return false;
+    Input::Get()->Pump(static_cast<int>(deadline.remainingTime()));
+  }
 }
 
 void FlushEvents() {
-  Input::Get()->FlushQueue(everyEvent);
+  while (Input::Get()->TakeEvent()) {
+  }
 }
 
 bool IsButtonDown() {

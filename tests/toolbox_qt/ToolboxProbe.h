@@ -29,8 +29,8 @@ inline void Draw1Control(ControlHandle control) {
 }
 bool HaveSameSquares(RgnHandle a, RgnHandle b);
 
-// Takes the next event, waiting for it. False, and a null event, when none came.
-enum { everyEvent = -1 };
+// Takes the next event of the mask, waiting for it, and drops those before it. False when none
+// came.
 bool TakeEvent(short mask, EventRecord* event, int milliseconds);
 // Drops every event that is queued.
 void FlushEvents();

@@ -35,7 +35,7 @@ int DesktopKey(short virtualCode) {
                                           {Qt::Key_Escape, Qt::Key_Alt}};
   for (const auto& [first, last] : KEYS) {
     for (int key = first; key <= last; ++key) {
-      if (VirtualKeyCode(key, false) == virtualCode)
+      if (VirtualKeyCode(key) == virtualCode)
         return key;
     }
   }

@@ -4,12 +4,12 @@
 #include "MacResources.h"
 #include "MacStrings.h"
 #include "TB_Locked.h"
+#include "TB_ResourceJson.h"
 #include "TB_Text.h"
 
 #include <array>
 #include <cstdio>
 #include <mutex>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
@@ -28,25 +28,14 @@ int16_t PrintMessage(const TB_Message& message, void*, ModalFilterUPP) {
   return 1;
 }
 
-std::string TextOf(const nlohmann::json& resource, const char* key) {
-  auto found = resource.find(key);
-  const bool isText = found != resource.end() && found->is_string();
-  return isText ? TB_FillInParamText(found->get_ref<const std::string&>()) : std::string();
-}
-
 std::optional<TB_Message> FindMessage(int16_t number) {
   const nlohmann::json* resource = TB_Resource("ALRT", number);
   if (!resource || !resource->is_object())
     return std::nullopt;
-  TB_Message message{number,
-                     TextOf(*resource, "kind"),
-                     TextOf(*resource, "text"),
-                     TextOf(*resource, "detail"),
-                     {}};
-  auto buttons = resource->find("buttons");
-  if (buttons != resource->end() && buttons->is_array())
-    for (const nlohmann::json& button : *buttons)
-      message.buttons.push_back(button.is_string() ? button.get<std::string>() : std::string());
+  TB_Message message{number, TB_StringMember(*resource, "kind"),
+                     TB_FillInParamText(TB_StringMember(*resource, "text")),
+                     TB_FillInParamText(TB_StringMember(*resource, "detail")),
+                     TB_StringsMember(*resource, "buttons")};
   if (message.buttons.empty())
     message.buttons.emplace_back("OK");
   return message;

@@ -2,7 +2,6 @@
 
 #include "TB_FilePlace.h"
 #include "TB_FileTable.h"
-#include "TB_Folders.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -51,7 +50,7 @@ OSErr OpenPlace(const std::string& path, int8_t permission, int16_t* refNum) {
   const int access = permission == fsRdPerm   ? O_RDONLY
                      : permission == fsWrPerm ? O_WRONLY | O_NOFOLLOW
                                               : O_RDWR | O_NOFOLLOW;
-  auto file = std::make_shared<TB_OpenFile>(-1, writing);
+  auto file = std::make_shared<TB_OpenFile>();
   file->descriptor = OpenFile(path, access);
   if (file->descriptor < 0)
     return errno == EROFS ? permErr : TB_ErrorFor(errno);
@@ -66,15 +65,19 @@ OSErr OpenPlace(const std::string& path, int8_t permission, int16_t* refNum) {
 
 // Runs an operation on an open file, alone among those on the same file.
 template <typename Operation> OSErr WithFile(int16_t refNum, Operation operation) {
-  const std::shared_ptr<TB_OpenFile> file = TB_FindOpenFile(refNum);
-  if (!file)
-    return rfNumErr;
-  std::lock_guard lock(file->mutex);
-  return file->descriptor < 0 ? rfNumErr : operation(*file);
+  return TB_FileOperation([&]() -> OSErr {
+    const std::shared_ptr<TB_OpenFile> file = TB_FindOpenFile(refNum);
+    if (!file)
+      return rfNumErr;
+    std::lock_guard lock(file->mutex);
+    return file->descriptor < 0 ? rfNumErr : operation(file->descriptor);
+  });
 }
 
 // Moves `wanted` bytes with read or write in as many steps as it takes; *moved tells how many.
 template <typename Step> OSErr MoveBytes(int32_t wanted, int32_t* moved, Step step) {
+  if (wanted < 0)
+    return paramErr;
   while (*moved < wanted) {
     const ssize_t done = step(*moved, static_cast<size_t>(wanted - *moved));
     if (done == 0)
@@ -98,28 +101,21 @@ OSErr CheckRemovable(const struct stat& status) {
 
 OSErr DirCreate(int16_t vRefNum, int32_t parentDirID, ConstStr255Param name,
                 int32_t* createdDirID) {
-  return TB_FileOperation([&]() -> OSErr {
-    TB_FilePlace place;
-    if (OSErr err = TB_FindPlace(vRefNum, parentDirID, name, &place))
+  return TB_AtPlace(vRefNum, parentDirID, name, [&](const std::string& path) -> OSErr {
+    if (OSErr err = Result(mkdir(path.c_str(), 0777) == 0))
       return err;
-    if (OSErr err = Result(mkdir(place.path.c_str(), 0777) == 0))
-      return err;
-    if (createdDirID)
-      *createdDirID = TB_FolderID(place.path);
+    *createdDirID = TB_FolderID(path);
     return noErr;
   });
 }
 
 OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStr255Param name, OSType, OSType) {
-  return TB_FileOperation([&]() -> OSErr {
-    TB_FilePlace place;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place))
-      return err;
-    const int descriptor = OpenFile(place.path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+  return TB_AtPlace(vRefNum, dirID, name, [](const std::string& path) -> OSErr {
+    const int descriptor = OpenFile(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
     if (descriptor < 0)
       return TB_ErrorFor(errno);
     close(descriptor);
-    TB_ForgetListing(place.folder);
+    TB_ForgetListing();
     return noErr;
   });
 }
@@ -127,82 +123,59 @@ OSErr HCreate(int16_t vRefNum, int32_t dirID, ConstStr255Param name, OSType, OST
 OSErr HOpen(int16_t vRefNum, int32_t dirID, ConstStr255Param name, int8_t permission,
             int16_t* refNum) {
   *refNum = 0;
-  return TB_FileOperation([&]() -> OSErr {
-    TB_FilePlace place;
-    if (permission < fsCurPerm || permission > fsRdWrPerm)
-      return paramErr;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place))
-      return err;
-    const OSErr err = OpenPlace(place.path, permission, refNum);
-    const bool readOnlyWillDo = permission == fsCurPerm && err == permErr;
-    return readOnlyWillDo ? OpenPlace(place.path, fsRdPerm, refNum) : err;
-  });
+  if (permission < fsRdPerm || permission > fsRdWrPerm)
+    return paramErr;
+  return TB_AtPlace(vRefNum, dirID, name,
+                    [&](const std::string& path) { return OpenPlace(path, permission, refNum); });
 }
 
 OSErr HDelete(int16_t vRefNum, int32_t dirID, ConstStr255Param name) {
-  return TB_FileOperation([&]() -> OSErr {
-    TB_FilePlace place;
+  return TB_AtPlace(vRefNum, dirID, name, [](const std::string& path) -> OSErr {
     struct stat status;
-    if (OSErr err = TB_FindPlace(vRefNum, dirID, name, &place))
-      return err;
-    if (OSErr err = TB_StatusOf(place.path, TB_Links::Keep, &status))
+    if (OSErr err = TB_StatusOf(path, TB_Links::Keep, &status))
       return err;
     if (OSErr err = CheckRemovable(status))
       return err;
-    const OSErr deleted = Result(unlink(place.path.c_str()) == 0);
-    TB_ForgetListing(place.folder);
+    const OSErr deleted = Result(unlink(path.c_str()) == 0);
+    TB_ForgetListing();
     return deleted;
   });
 }
 
 OSErr FSRead(int16_t refNum, int32_t* count, void* buffer) {
   const int32_t wanted = std::exchange(*count, 0);
-  return TB_FileOperation([&] {
-    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
-      if (wanted < 0)
-        return paramErr;
-      return MoveBytes(wanted, count, [&](int32_t from, size_t size) {
-        return read(file.descriptor, static_cast<char*>(buffer) + from, size);
-      });
+  return WithFile(refNum, [&](int file) {
+    return MoveBytes(wanted, count, [&](int32_t from, size_t size) {
+      return read(file, static_cast<char*>(buffer) + from, size);
     });
   });
 }
 
 OSErr FSWrite(int16_t refNum, int32_t* count, const void* buffer) {
   const int32_t wanted = std::exchange(*count, 0);
-  return TB_FileOperation([&] {
-    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
-      if (wanted < 0)
-        return paramErr;
-      if (!file.writable)
-        return wrPermErr;
-      const OSErr err = MoveBytes(wanted, count, [&](int32_t from, size_t size) {
-        return write(file.descriptor, static_cast<const char*>(buffer) + from, size);
-      });
-      return err == eofErr ? ioErr : err;
+  return WithFile(refNum, [&](int file) -> OSErr {
+    const OSErr err = MoveBytes(wanted, count, [&](int32_t from, size_t size) {
+      return write(file, static_cast<const char*>(buffer) + from, size);
     });
+    return err == eofErr ? ioErr : err;
   });
 }
 
 OSErr FSClose(int16_t refNum) {
   const std::shared_ptr<TB_OpenFile> file = TB_RemoveOpenFile(refNum);
-  OSErr closed = rfNumErr;
-  if (file) {
-    std::lock_guard lock(file->mutex);
-    // An interrupted close has released the descriptor all the same.
-    closed = Result(close(std::exchange(file->descriptor, -1)) == 0 || errno == EINTR);
-  }
-  return TB_FileOperation([&] { return closed; });
+  if (!file)
+    return rfNumErr;
+  std::lock_guard lock(file->mutex);
+  // An interrupted close has released the descriptor all the same.
+  return Result(close(std::exchange(file->descriptor, -1)) == 0 || errno == EINTR);
 }
 
 OSErr GetEOF(int16_t refNum, int32_t* length) {
-  return TB_FileOperation([&] {
-    return WithFile(refNum, [&](const TB_OpenFile& file) -> OSErr {
-      struct stat status;
-      if (fstat(file.descriptor, &status) != 0)
-        return TB_ErrorFor(errno);
-      *length = static_cast<int32_t>(std::clamp<int64_t>(status.st_size, 0, INT32_MAX));
-      return noErr;
-    });
+  return WithFile(refNum, [&](int file) -> OSErr {
+    struct stat status;
+    if (fstat(file, &status) != 0)
+      return TB_ErrorFor(errno);
+    *length = static_cast<int32_t>(std::clamp<int64_t>(status.st_size, 0, INT32_MAX));
+    return noErr;
   });
 }

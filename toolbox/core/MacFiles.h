@@ -17,7 +17,7 @@
 // A file without any write permission is a locked one, for every user. Symbolic links are read
 // through; for writing they count as locked. Only regular files open: no pipes, no devices.
 //
-// Calls are safe on any thread. Parameter blocks also receive their result in ioResult.
+// Calls are safe on any thread.
 #pragma once
 
 #include "MacTypes.h"
@@ -25,17 +25,14 @@
 #include <string>
 #include <string_view>
 
-// What HOpen is to permit. fsCurPerm: reading and writing, else only reading.
-enum { fsCurPerm = 0, fsRdPerm = 1, fsWrPerm = 2, fsRdWrPerm = 3 };
+// What HOpen is to permit.
+enum { fsRdPerm = 1, fsWrPerm = 2, fsRdWrPerm = 3 };
 
-// Bits of ioFlAttrib.
-enum { kFileLockedBit = 0x01, kFolderBit = 0x10 };
+// Of ioFlAttrib.
+enum { kFolderBit = 0x10 };
 
-// For PBHGetVol. All but ioNamePtr is output.
+// For PBHGetVol. All of it is output.
 struct WDPBRec {
-  OSErr ioResult;
-  StringPtr ioNamePtr; // null, or 256 bytes for the default directory's name
-  int16_t ioVRefNum;
   int16_t ioWDVRefNum; // volume of the default directory ...
   int32_t ioWDDirID;   // ... and its id
 };
@@ -43,41 +40,25 @@ typedef WDPBRec* WDPBPtr;
 
 // For PBHGetFInfo.
 struct HFileParam {
-  OSErr ioResult;
-  StringPtr ioNamePtr; // in: the name; out, with an index: the name found (256 bytes), or null
+  StringPtr ioNamePtr; // in: the name; out, with an index: the name found (256 bytes)
   int16_t ioVRefNum;   // in
   int16_t ioFDirIndex; // in: above 0, the file of that place in the folder; else look up the name
-  uint8_t ioFlAttrib;  // out
   int32_t ioDirID;     // in: the folder
-  int32_t ioFlLgLen;   // out: length in bytes, at most 2147483647
 };
 struct HParamBlockRec {
   HFileParam fileParam;
 };
 typedef HParamBlockRec* HParmBlkPtr;
 
-// For PBGetCatInfo: one record under two names, of a file and of a folder.
+// For PBGetCatInfo, of a file or a folder.
 struct HFileInfo {
-  OSErr ioResult;
-  StringPtr ioNamePtr;
-  int16_t ioVRefNum;
-  // In: 0 look up the name; above 0 as in HFileParam; below 0 the folder itself.
-  int16_t ioFDirIndex;
-  uint8_t ioFlAttrib; // out: kFolderBit tells which of the two it is
-  int32_t ioDirID;    // in: the folder to look in; out for a folder: the id of what was found
-  int32_t ioFlLgLen;  // out, files only
+  StringPtr ioNamePtr; // in
+  int16_t ioVRefNum;   // in
+  uint8_t ioFlAttrib;  // out: kFolderBit tells which of the two it is
+  int32_t ioDirID;     // in: the folder to look in; out for a folder: the id of what was found
 };
-struct DirInfo {
-  OSErr ioResult;
-  StringPtr ioNamePtr;
-  int16_t ioVRefNum;
-  int16_t ioFDirIndex;
-  uint8_t ioFlAttrib;
-  int32_t ioDrDirID;
-};
-union CInfoPBRec {
+struct CInfoPBRec {
   HFileInfo hFileInfo;
-  DirInfo dirInfo;
 };
 typedef CInfoPBRec* CInfoPBPtr;
 
@@ -85,13 +66,13 @@ typedef CInfoPBRec* CInfoPBPtr;
 
 // The default directory: what TB_SetDefaultDirectory set, else the current one.
 TB_EXPORT OSErr PBHGetVol(WDPBPtr block, Boolean async);
-// Information on a file or folder. fnfErr when there is none.
+// Information on a file or folder, by name. fnfErr when there is none.
 TB_EXPORT OSErr PBGetCatInfo(CInfoPBPtr block, Boolean async);
-// Information on a file, by name or by place (from 1) in the folder's listing: regular files only,
+// Whether a file is there: by name, or by place (from 1) in the folder's listing of regular files,
 // in alphabetical order regardless of case. fnfErr past the last one.
 TB_EXPORT OSErr PBHGetFInfo(HParmBlkPtr block, Boolean async);
 
-// Makes a folder in a folder. dupFNErr when the name is taken. createdDirID may be null.
+// Makes a folder in a folder. dupFNErr when the name is taken.
 TB_EXPORT OSErr DirCreate(int16_t vRefNum, int32_t parentDirID, ConstStr255Param name,
                           int32_t* createdDirID);
 // Makes an empty file. dupFNErr when the name is taken, even by a dangling link. Creator and type
@@ -118,8 +99,6 @@ TB_EXPORT OSErr GetEOF(int16_t refNum, int32_t* length);
 // What PBHGetVol reports from now on. dirNFErr when there is no such folder; an empty path goes
 // back to the current directory.
 TB_EXPORT OSErr TB_SetDefaultDirectory(std::string_view path);
-// The pair that stands for a folder.
-TB_EXPORT OSErr TB_DirectoryForPath(std::string_view path, int16_t* vRefNum, int32_t* dirID);
 // The absolute path of a name in a folder, or of the folder when name is null. Empty when there is
 // no such folder or the name cannot be a file's.
 TB_EXPORT std::string TB_PathOf(int16_t vRefNum, int32_t dirID, ConstStr255Param name);

@@ -57,8 +57,6 @@ struct State {
   std::optional<std::vector<TB_ControlGroup>> groups;
 };
 
-thread_local OSErr lastError = noErr;
-
 BlockHeader* HeaderOf(Ptr block) {
   return reinterpret_cast<BlockHeader*>(block - sizeof(BlockHeader));
 }
@@ -108,9 +106,9 @@ void ReleaseBytes(State* state, Ptr block) {
   free(block - header.offset);
 }
 
-// A block that is neither locked nor has lost its content stands in the list while purgeable.
+// A block that is not locked and has bytes to lose stands in the list while purgeable.
 bool Listed(const HandleRecord& record) {
-  return record.purgeable && !record.locked && record.master;
+  return record.purgeable && !record.locked && record.master && HeaderOf(record.master)->size > 0;
 }
 
 void AddToList(State* state, HandleRecord* record) {
@@ -153,7 +151,6 @@ bool Reserve(State* state, Size size) {
 
 // A block's bytes, after their header, charged to the budget but not yet counted as a block.
 Ptr NewBytes(Size size) {
-  lastError = memFullErr;
   {
     const TB_Locked<State> state;
     if (!Reserve(state, size))
@@ -168,15 +165,12 @@ Ptr NewBytes(Size size) {
   }
   Ptr block = static_cast<Ptr>(memory) + offset;
   *HeaderOf(block) = {size, offset};
-  lastError = noErr;
   return block;
 }
 
 void SetFlag(Handle handle, bool HandleRecord::*flag, bool value) {
-  if (!handle) {
-    lastError = nilHandleErr;
+  if (!handle)
     return;
-  }
   const TB_Locked<State> state;
   HandleRecord* record = RecordOf(handle);
   if (Listed(*record))
@@ -184,7 +178,6 @@ void SetFlag(Handle handle, bool HandleRecord::*flag, bool value) {
   record->*flag = value;
   if (Listed(*record))
     AddToList(state, record);
-  lastError = noErr;
 }
 
 } // namespace
@@ -206,7 +199,6 @@ Ptr NewPtrClear(Size size) {
 }
 
 void DisposePtr(Ptr block) {
-  lastError = noErr;
   if (block) {
     const TB_Locked<State> state;
     ReleaseBytes(state, block);
@@ -222,7 +214,6 @@ Handle NewHandle(Size size) {
   const TB_Locked<State> state;
   if (!record) {
     ReleaseBytes(state, bytes);
-    lastError = memFullErr;
     return nullptr;
   }
   *record = {bytes, false, false, nullptr, nullptr};
@@ -231,7 +222,6 @@ Handle NewHandle(Size size) {
 }
 
 void DisposeHandle(Handle handle) {
-  lastError = noErr;
   if (!handle)
     return;
   const TB_Locked<State> state;
@@ -246,45 +236,7 @@ void DisposeHandle(Handle handle) {
 
 Size GetHandleSize(Handle handle) {
   const TB_Locked<State> state; // another thread's request may purge the block
-  lastError = handle && *handle ? noErr : nilHandleErr;
   return handle && *handle ? HeaderOf(*handle)->size : 0;
-}
-
-// SetHandleSize for a block that is not purgeable.
-static void Resize(Handle handle, Size size) {
-  const Size oldSize = GetHandleSize(handle);
-  if (!handle || size == oldSize)
-    return;
-  if (RecordOf(handle)->locked && size > oldSize) {
-    lastError = memLockedErr;
-    return;
-  }
-  // A locked block that shrinks must stay where it is, and so keeps its bytes.
-  Ptr bytes = RecordOf(handle)->locked && size >= 0 ? *handle : NewBytes(size);
-  if (!bytes)
-    return;
-  const TB_Locked<State> state;
-  HandleRecord* record = RecordOf(handle);
-  if (bytes == record->master) {
-    state->inUse -= static_cast<uint64_t>(oldSize - size);
-    HeaderOf(bytes)->size = size;
-  } else if (record->master) {
-    memcpy(bytes, record->master, static_cast<size_t>(std::min(oldSize, size)));
-    ReleaseBytes(state, record->master);
-  }
-  record->master = bytes;
-  lastError = noErr;
-}
-
-void SetHandleSize(Handle handle, Size size) {
-  // The memory for its growth must not be made by purging its content.
-  const bool purgeable = handle && RecordOf(handle)->purgeable;
-  HNoPurge(handle);
-  Resize(handle, size);
-  const OSErr result = lastError;
-  if (purgeable)
-    HPurge(handle);
-  lastError = result;
 }
 
 void HLock(Handle handle) {
@@ -302,15 +254,12 @@ void HNoPurge(Handle handle) {
 
 Size MaxBlock() {
   const TB_Locked<State> state;
-  lastError = noErr;
   return AsSize(FreeBytes(state, QUERY_AGE));
 }
 
 void PurgeMem(Size size) {
   const TB_Locked<State> state;
-  const uint64_t wanted = static_cast<uint64_t>(std::max<Size>(size, 0));
-  Purge(state, wanted, QUERY_AGE);
-  lastError = FreeBytes(state, QUERY_AGE) < wanted ? memFullErr : noErr;
+  Purge(state, static_cast<uint64_t>(std::max<Size>(size, 0)), QUERY_AGE);
 }
 
 Size MaxMem(Size* grow) {
@@ -318,7 +267,6 @@ Size MaxMem(Size* grow) {
     *grow = 0;
   const TB_Locked<State> state;
   Purge(state, UINT64_MAX, QUERY_AGE);
-  lastError = noErr;
   return AsSize(FreeBytes(state, QUERY_AGE));
 }
 
@@ -330,11 +278,6 @@ void PurgeSpace(Size* total, Size* contiguous) {
     *total = AsSize(all);
   if (contiguous)
     *contiguous = AsSize(all);
-  lastError = noErr;
-}
-
-OSErr MemError() {
-  return lastError;
 }
 
 void TB_SetMemoryBudget(uint64_t bytes) {

@@ -2,6 +2,7 @@
 
 #include "MacStrings.h"
 #include "TB_Locked.h"
+#include "TB_ResourceJson.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,20 +10,14 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <nlohmann/json.hpp>
-#include <vector>
+#include <set>
+#include <utility>
 
 namespace {
 
 using nlohmann::json;
 
 constexpr std::string_view ENGLISH = "en";
-
-// What one handed-in set of files came from, to recognise it when it is handed in again.
-struct Source {
-  const TB_EmbeddedFile* files;
-  size_t count;
-};
 
 // Takes a value's children apart one by one: its own destructor allocates to do so, and ends the
 // program where it cannot.
@@ -48,7 +43,8 @@ struct Document {
 
 struct State {
   std::mutex mutex;
-  std::vector<Source> sources;
+  // What was handed in, to recognise it when it is handed in again.
+  std::set<std::pair<const TB_EmbeddedFile*, size_t>> sources;
   std::map<std::string, std::string, std::less<>> files;  // all but the resource files, by path
   std::map<std::string, Document, std::less<>> languages; // type -> number -> resource
   std::string chosen; // by TB_SetLanguage; empty: by the environment
@@ -58,10 +54,8 @@ struct State {
 
 // The number of a numbered element of a list, or null.
 const json* NumberOf(const json& element) {
-  if (!element.is_object())
-    return nullptr;
-  auto number = element.find("number");
-  return number != element.end() && number->is_number_integer() ? &*number : nullptr;
+  const json* number = TB_Member(&element, "number");
+  return number && number->is_number_integer() ? number : nullptr;
 }
 
 // The element of a list that one of an overlying list goes over: that of the same number, else
@@ -194,16 +188,8 @@ const json& Merged(State* state) {
   return state->merged->value;
 }
 
-// A member of an object, or null.
-const json* Member(const json* object, std::string_view key) {
-  if (!object || !object->is_object())
-    return nullptr;
-  auto found = object->find(key);
-  return found == object->end() ? nullptr : &*found;
-}
-
 const json* Find(State* state, std::string_view type, int16_t number) {
-  return Member(Member(&Merged(state), type), std::to_string(number));
+  return TB_Member(TB_Member(&Merged(state), type), std::to_string(number));
 }
 
 } // namespace
@@ -221,9 +207,8 @@ void GetIndString(StringPtr dest, int16_t listID, int16_t index) {
 
 Boolean TB_UseResources(const TB_EmbeddedFile* files, size_t count) {
   const TB_Locked<State> state;
-  for (const Source& source : state->sources)
-    if (source.files == files && source.count == count)
-      return 1;
+  if (state->sources.contains({files, count}))
+    return 1;
   state->merged.reset();
   bool allUsed = true;
   for (size_t i = 0; i < count; ++i) {
@@ -231,7 +216,7 @@ Boolean TB_UseResources(const TB_EmbeddedFile* files, size_t count) {
     allUsed = AddFile(state, files[i].path, bytes) && allUsed;
   }
   // Noted at the end: what ran out of memory on the way is tried again.
-  state->sources.push_back({files, count});
+  state->sources.emplace(files, count);
   return allUsed;
 }
 

@@ -1,20 +1,22 @@
 // Where a name in a folder lies, and what is there. Private to the File Manager.
 #pragma once
 
-#include "MacTypes.h"
+#include "TB_Folders.h"
 
-#include <string>
 #include <sys/stat.h>
 
-struct TB_FilePlace {
-  std::string folder;
-  std::string path; // of the file, within the folder
-};
+// The path of a name, which need not exist.
+OSErr TB_FindPlace(int16_t vRefNum, int32_t dirID, ConstStr255Param name, std::string* path);
 
-// Finds the place of a name, which need not exist.
-OSErr TB_FindPlace(int16_t vRefNum, int32_t dirID, ConstStr255Param name, TB_FilePlace* place);
-// The same for a folder's path and a name.
-OSErr TB_PlaceIn(const std::string& folder, std::string_view name, TB_FilePlace* place);
+// Runs a File Manager call on the path of a name.
+template <typename Operation>
+OSErr TB_AtPlace(int16_t vRefNum, int32_t dirID, ConstStr255Param name, Operation operation) {
+  return TB_FileOperation([&]() -> OSErr {
+    std::string path;
+    const OSErr err = TB_FindPlace(vRefNum, dirID, name, &path);
+    return err == noErr ? operation(path) : err;
+  });
+}
 
 // What to do with a symbolic link.
 enum class TB_Links { Follow, Keep };

@@ -2,35 +2,19 @@
 
 #include "TB_Locked.h"
 
-#include <array>
+#include <map>
 #include <unistd.h>
 #include <utility>
 
 namespace {
 
-// A reference is a place in the table and a round, from 1 to 127, that grows when a file leaves
-// that place: a stale reference meets another round and is refused.
-constexpr int PLACES = 256;
-constexpr int LAST_ROUND = 127;
-
-struct Place {
-  std::shared_ptr<TB_OpenFile> file;
-  int round = 1;
-};
+constexpr size_t MOST_FILES = 256;
 
 struct Table {
   std::mutex mutex;
-  std::array<Place, PLACES> places;
-  size_t next = 0; // where the search for a free place begins
+  std::map<int16_t, std::shared_ptr<TB_OpenFile>> files;
+  int16_t last = 0; // reference given out
 };
-
-// The place of a valid reference; the lock is held.
-Place* FindPlace(Table* table, int16_t refNum) {
-  if (refNum <= 0)
-    return nullptr;
-  Place& place = table->places[static_cast<size_t>(refNum % PLACES)];
-  return place.file && place.round == refNum / PLACES ? &place : nullptr;
-}
 
 } // namespace
 
@@ -41,29 +25,23 @@ TB_OpenFile::~TB_OpenFile() {
 
 int16_t TB_AddOpenFile(std::shared_ptr<TB_OpenFile> file) {
   const TB_Locked<Table> table;
-  for (size_t tried = 0; tried < PLACES; ++tried) {
-    const size_t index = (table->next + tried) % PLACES;
-    Place& place = table->places[index];
-    if (!place.file) {
-      place.file = std::move(file);
-      table->next = (index + 1) % PLACES;
-      return static_cast<int16_t>(place.round * PLACES + static_cast<int>(index));
-    }
-  }
-  return 0;
+  if (table->files.size() >= MOST_FILES)
+    return 0;
+  do
+    table->last = static_cast<int16_t>(table->last % INT16_MAX + 1);
+  while (table->files.contains(table->last));
+  table->files[table->last] = std::move(file);
+  return table->last;
 }
 
 std::shared_ptr<TB_OpenFile> TB_FindOpenFile(int16_t refNum) {
   const TB_Locked<Table> table;
-  Place* place = FindPlace(table, refNum);
-  return place ? place->file : nullptr;
+  const auto found = table->files.find(refNum);
+  return found != table->files.end() ? found->second : nullptr;
 }
 
 std::shared_ptr<TB_OpenFile> TB_RemoveOpenFile(int16_t refNum) {
   const TB_Locked<Table> table;
-  Place* place = FindPlace(table, refNum);
-  if (!place)
-    return nullptr;
-  place->round = place->round % LAST_ROUND + 1;
-  return std::exchange(place->file, nullptr);
+  auto removed = table->files.extract(refNum);
+  return removed ? std::move(removed.mapped()) : nullptr;
 }

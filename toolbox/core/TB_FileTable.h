@@ -1,8 +1,7 @@
 // Open files by their 16-bit reference. Private to the File Manager.
 #pragma once
 
-#include "MacTypes.h"
-
+#include <cstdint>
 #include <memory>
 #include <mutex>
 
@@ -11,17 +10,15 @@
 struct TB_OpenFile {
   std::mutex mutex;
   int descriptor = -1;
-  bool writable = false;
 
-  TB_OpenFile(int file, bool canWrite) : descriptor(file), writable(canWrite) {}
+  TB_OpenFile() = default;
   TB_OpenFile(const TB_OpenFile&) = delete;
   TB_OpenFile& operator=(const TB_OpenFile&) = delete;
   ~TB_OpenFile();
 };
 
 // Takes a file in and answers its reference, above 0; 0 when the table is full, and the file is
-// then closed. A closed file's reference is not given out again for the next 126 files of its
-// place.
+// then closed. A closed file's reference is given out again only after all others.
 int16_t TB_AddOpenFile(std::shared_ptr<TB_OpenFile> file);
 // The file of a reference, or null.
 std::shared_ptr<TB_OpenFile> TB_FindOpenFile(int16_t refNum);

@@ -11,22 +11,19 @@
 #include <cstdlib>
 #include <ctime>
 #include <dirent.h>
-#include <map>
 #include <mutex>
 #include <sys/stat.h>
 #include <utility>
 
 namespace {
 
-constexpr int16_t ONLY_VOLUME = -1;
-constexpr int32_t ROOT_ID = 2;
 constexpr int32_t FIRST_ID = 16;
-constexpr size_t MOST_LISTINGS = 16;
 // A folder that changed this shortly before it was listed may change again without a new time.
 constexpr int64_t TIME_GRAIN = 50'000'000;
 
 // A listing and the state of the folder it was made from.
 struct CachedListing {
+  std::string path;
   dev_t device;
   ino_t node;
   int64_t changed; // nanoseconds
@@ -36,10 +33,9 @@ struct CachedListing {
 
 struct State {
   std::mutex mutex;
-  std::vector<std::string> paths;
-  std::map<std::string, int32_t> ids;
+  std::vector<std::string> paths; // by id, from FIRST_ID
   std::string defaultFolder;
-  std::map<std::string, CachedListing> listings;
+  CachedListing listing{};
 };
 
 int64_t Nanoseconds(const timespec& time) {
@@ -88,25 +84,20 @@ OSErr TB_ResolveFolder(const std::string& path, std::string* resolved) {
 }
 
 int32_t TB_FolderID(const std::string& path) {
-  if (path == "/")
-    return ROOT_ID;
   const TB_Locked<State> state;
-  const auto known = state->ids.find(path);
-  if (known != state->ids.end())
-    return known->second;
-  // In this order no number is left without a folder when memory runs out.
-  state->paths.push_back(path);
-  return state->ids[path] = FIRST_ID + static_cast<int32_t>(state->paths.size() - 1);
+  const auto known = std::find(state->paths.begin(), state->paths.end(), path);
+  const auto place = static_cast<int32_t>(known - state->paths.begin());
+  if (known == state->paths.end())
+    state->paths.push_back(path);
+  return FIRST_ID + place;
 }
 
 OSErr TB_FolderPath(int16_t vRefNum, int32_t dirID, std::string* path) {
-  if (vRefNum != ONLY_VOLUME && vRefNum != 0)
+  if (vRefNum != TB_VOLUME && vRefNum != 0)
     return nsvErr;
   const TB_Locked<State> state;
   if (dirID == 0)
     *path = DefaultFolder(state);
-  else if (dirID == ROOT_ID)
-    *path = "/";
   else if (dirID >= FIRST_ID && static_cast<size_t>(dirID - FIRST_ID) < state->paths.size())
     *path = state->paths[static_cast<size_t>(dirID - FIRST_ID)];
   else
@@ -125,31 +116,23 @@ TB_Listing TB_ListFolder(const std::string& path) {
   if (stat(path.c_str(), &status) != 0)
     return nullptr;
   const int64_t changed = Nanoseconds(status.st_mtim);
-  auto cached = state->listings.find(path);
-  if (cached != state->listings.end()) {
-    const CachedListing& listing = cached->second;
-    if (listing.settled && listing.device == status.st_dev && listing.node == status.st_ino &&
-        listing.changed == changed)
-      return listing.names;
-    state->listings.erase(cached);
-  }
+  const CachedListing& kept = state->listing;
+  if (kept.settled && kept.path == path && kept.device == status.st_dev &&
+      kept.node == status.st_ino && kept.changed == changed)
+    return kept.names;
   timespec time{};
   clock_gettime(CLOCK_REALTIME, &time);
   const int64_t age = Nanoseconds(time) - changed;
   TB_Listing names = ReadFolder(path);
-  if (names) {
-    if (state->listings.size() >= MOST_LISTINGS)
-      state->listings.clear();
-    // A time ahead of ours comes from another machine's clock and cannot be judged.
-    const bool settled = age < 0 || age > TIME_GRAIN;
-    state->listings[path] = {status.st_dev, status.st_ino, changed, settled, names};
-  }
+  // A time ahead of ours comes from another machine's clock and cannot be judged.
+  const bool settled = names && (age < 0 || age > TIME_GRAIN);
+  state->listing = {path, status.st_dev, status.st_ino, changed, settled, names};
   return names;
 }
 
-void TB_ForgetListing(const std::string& path) {
+void TB_ForgetListing() {
   const TB_Locked<State> state;
-  state->listings.erase(path);
+  state->listing = {};
 }
 
 OSErr TB_ErrorFor(int error) {
@@ -158,7 +141,7 @@ OSErr TB_ErrorFor(int error) {
       {EPERM, permErr},     {ELOOP, permErr},         {ETXTBSY, permErr},   {EROFS, wPrErr},
       {ENOSPC, dskFulErr},  {EDQUOT, dskFulErr},      {EFBIG, dskFulErr},   {EMFILE, tmfoErr},
       {ENFILE, tmfoErr},    {ENAMETOOLONG, bdNamErr}, {ENOTEMPTY, fBsyErr}, {EISDIR, notAFileErr},
-      {ENXIO, notAFileErr}, {ENOMEM, memFullErr}};
+      {ENXIO, notAFileErr}, {ENOMEM, memFullErr},     {EBADF, wrPermErr}};
   for (const auto& [system, code] : CODES)
     if (system == error)
       return code;

@@ -28,11 +28,6 @@ constexpr short POPUP_DEFINITION = 63;
 ControlDefProcPtr FindControlDefinition(short number);
 // -1 for none.
 short ControlDefinitionNumber(std::string_view name);
-// A definition handle that a control owns until it goes.
-Handle NewOwnDefinition(ControlDefProcPtr procedure);
-void DisposeOwnDefinition(Handle definition);
-// Reads a purged definition handle of a living control again. False when it is none.
-bool ReloadControlDefinition(Handle definition);
 
 int32_t StandardButtonDefinition(short varCode, ControlHandle control, short message,
                                  intptr_t param);
@@ -52,6 +47,8 @@ ControlListener ListenToControls(ControlListener listener);
 int32_t SendToControl(ControlHandle control, short message, intptr_t param);
 // The part at a point, whatever the highlighting.
 short PartAt(ControlHandle control, Point point);
+// The menu of a popup, or null.
+MenuHandle PopupMenuOf(ControlHandle control);
 // Lets the user choose from a popup's menu and sets its value. inMenu, or 0 when nothing was
 // chosen.
 short TrackPopup(ControlHandle control);

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <map>
 #include <string>
-#include <unordered_map>
 
 namespace {
 
@@ -19,16 +18,6 @@ std::map<short, Definition>& Definitions() {
       {STANDARD_BUTTON_DEFINITION, {"", StandardButtonDefinition}},
       {POPUP_DEFINITION, {"", PopupDefinition}}};
   return definitions;
-}
-
-// The own definitions of living controls, which can be read again after a purge.
-std::unordered_map<Handle, ControlDefProcPtr>& LivingDefinitions() {
-  static std::unordered_map<Handle, ControlDefProcPtr> living;
-  return living;
-}
-
-void Store(Handle definition, ControlDefProcPtr procedure) {
-  std::memcpy(*definition, &procedure, sizeof procedure);
 }
 
 } // namespace
@@ -56,7 +45,7 @@ short ControlDefinitionNumber(std::string_view name) {
 Handle NewControlDefinition(ControlDefProcPtr procedure) {
   Handle definition = NewHandle(sizeof procedure);
   if (definition != nullptr)
-    Store(definition, procedure);
+    std::memcpy(*definition, &procedure, sizeof procedure);
   return definition;
 }
 
@@ -67,29 +56,4 @@ int32_t CallControlDefinition(Handle definition, short varCode, ControlHandle co
   ControlDefProcPtr procedure = nullptr;
   std::memcpy(&procedure, *definition, sizeof procedure);
   return procedure != nullptr ? procedure(varCode, control, message, param) : 0;
-}
-
-Handle NewOwnDefinition(ControlDefProcPtr procedure) {
-  Handle definition = NewControlDefinition(procedure);
-  if (definition != nullptr)
-    LivingDefinitions()[definition] = procedure;
-  return definition;
-}
-
-void DisposeOwnDefinition(Handle definition) {
-  LivingDefinitions().erase(definition);
-  DisposeHandle(definition);
-}
-
-bool ReloadControlDefinition(Handle definition) {
-  const auto found = LivingDefinitions().find(definition);
-  if (found == LivingDefinitions().end())
-    return false;
-  if (*definition == nullptr) {
-    SetHandleSize(definition, sizeof found->second);
-    if (MemError() != noErr || *definition == nullptr)
-      return false;
-    Store(definition, found->second);
-  }
-  return true;
 }

@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr short FIRST_INDICATOR = inThumb;
-
 intptr_t PackPoint(Point point) {
   return static_cast<intptr_t>(
       static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(point.v)) << 16) |
@@ -29,17 +27,6 @@ short TrackButton(ControlHandle control, short part) {
   // The close of a window ends the drag, and is no click wherever the mouse was.
   const PortState* window = WindowStateOf((**control).contrlOwner);
   return inside && window != nullptr && !window->closeRequested ? part : short{0};
-}
-
-// For a definition that leaves dragging to the Control Manager: the indicator moves on release.
-void DragIndicator(ControlHandle control, Point start) {
-  Point mouse = start;
-  do
-    GetMouse(&mouse);
-  while (StillDown());
-  GetMouse(&mouse);
-  SubPt(start, &mouse);
-  SendToControl(control, posCntl, PackPoint(mouse));
 }
 
 } // namespace
@@ -69,9 +56,8 @@ short TrackControl(ControlHandle control, Point start, ControlActionProcPtr) {
   if (part == 0)
     return 0;
   PortScope port((**control).contrlOwner);
-  if (part >= FIRST_INDICATOR) {
-    if (SendToControl(control, dragCntl, part) == 0)
-      DragIndicator(control, start);
+  if (part >= inThumb) {
+    SendToControl(control, dragCntl, part);
     return part;
   }
   if (BlockOf(control).definitionNumber == POPUP_DEFINITION)

@@ -25,11 +25,6 @@ ControlListener& Listener() {
   return listener;
 }
 
-void EraseControl(ControlHandle control) {
-  PortScope port((**control).contrlOwner);
-  EraseRect(&(**control).contrlRect);
-}
-
 // What the clip region hides now is drawn by the next update event.
 void InvalidateHidden(const ControlRecord& record) {
   PortState* window = WindowStateOf(record.contrlOwner);
@@ -46,6 +41,14 @@ void KeepValueInside(ControlHandle control) {
   record.contrlValue = std::clamp(record.contrlValue, record.contrlMin, highest);
 }
 
+void SetBound(ControlHandle control, short ControlRecord::*bound, short value) {
+  if (control == nullptr || (**control).*bound == value)
+    return;
+  (**control).*bound = value;
+  KeepValueInside(control);
+  DrawControlPart(control, inThumb);
+}
+
 } // namespace
 
 int32_t SendToControl(ControlHandle control, short message, intptr_t param) {
@@ -57,8 +60,9 @@ int32_t SendToControl(ControlHandle control, short message, intptr_t param) {
 void DrawControlPart(ControlHandle control, short part) {
   if (control == nullptr || !IsVisible(control))
     return;
+  PortScope port((**control).contrlOwner);
   if (part == 0)
-    EraseControl(control);
+    EraseRect(&(**control).contrlRect);
   SendToControl(control, drawCntl, part);
   InvalidateHidden(**control);
 }
@@ -75,7 +79,7 @@ ControlHandle NewControl(WindowPtr window, const Rect* bounds, ConstStr255Param 
   std::unique_ptr<ControlBlock> block(new (std::nothrow) ControlBlock{});
   if (owner == nullptr || procedure == nullptr || !block)
     return nullptr;
-  block->ownDefinition = NewOwnDefinition(procedure);
+  block->ownDefinition = NewControlDefinition(procedure);
   if (block->ownDefinition == nullptr)
     return nullptr;
   block->definitionNumber = number;
@@ -93,7 +97,6 @@ ControlHandle NewControl(WindowPtr window, const Rect* bounds, ConstStr255Param 
   block->master = &record;
   block->auxiliaryMaster = &block->auxiliary;
   ControlHandle control = &block.release()->master;
-  BlockOf(control).auxiliary.acOwner = control;
   record.nextControl = std::exchange(owner->controls, control);
   SendToControl(control, initCntl, 0);
   return control;
@@ -105,7 +108,7 @@ void DisposeControl(ControlHandle control) {
   if (PortState* owner = WindowStateOf((**control).contrlOwner))
     Unlink(*owner, control);
   SendToControl(control, dispCntl, 0);
-  DisposeOwnDefinition(BlockOf(control).ownDefinition);
+  DisposeHandle(BlockOf(control).ownDefinition);
   delete &BlockOf(control);
 }
 
@@ -146,19 +149,10 @@ void TB_TellControlValue(ControlHandle control) {
 }
 
 void SetControlMinimum(ControlHandle control, short minimum) {
-  if (control == nullptr || (**control).contrlMin == minimum)
-    return;
-  (**control).contrlMin = minimum;
-  KeepValueInside(control);
-  DrawControlPart(control, inThumb);
+  SetBound(control, &ControlRecord::contrlMin, minimum);
 }
-
 void SetControlMaximum(ControlHandle control, short maximum) {
-  if (control == nullptr || (**control).contrlMax == maximum)
-    return;
-  (**control).contrlMax = maximum;
-  KeepValueInside(control);
-  DrawControlPart(control, inThumb);
+  SetBound(control, &ControlRecord::contrlMax, maximum);
 }
 
 short GetControlValue(ControlHandle control) {

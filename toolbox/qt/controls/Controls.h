@@ -28,7 +28,7 @@ enum {
   initCntl = 3,     // the record is filled in; make contrlData
   dispCntl = 4,     // release it
   posCntl = 5,      // param: the indicator was moved by (v, h), packed as a point
-  dragCntl = 7,     // param: 0 for the whole control, else the indicator; result: 1 when done
+  dragCntl = 7,     // param: 0 for the whole control, else the indicator; drag it
   calcCntlRgn = 10, // param: region to store the control's outline into
   calcThumbRgn = 11 // param: region to store the indicator's outline into
 };
@@ -53,7 +53,6 @@ struct ControlRecord {
 
 // What hangs on a control for its owner's use, such as the definition that a wrapper replaced.
 struct AuxCtlRec {
-  ControlHandle acOwner;
   intptr_t acRefCon;
 };
 typedef AuxCtlRec** AuxCtlHandle;
@@ -71,9 +70,9 @@ enum { pushButProc = 0, checkBoxProc = 1, popupMenuProc = 1008 };
 // Part codes. From 129 on a part is an indicator.
 enum { inButton = 10, inCheckBox = 11, inMenu = 1, inThumb = 129 };
 
-// Makes a definition known under a number and a name (either may name it in a dialog's resource).
-// Registering a number again replaces it for controls made later. Result: 0, or -50 for no
-// procedure.
+// Makes a definition known under a number, from 1 to 2047, and the name that a dialog's resource
+// calls it by. Registering a number again replaces it for controls made later. Result: 0, or -50
+// for no procedure.
 TB_EXPORT OSErr RegisterControlDefinition(short number, ConstStr255Param name,
                                           ControlDefProcPtr procedure);
 // A handle that can stand in contrlDefProc; released with DisposeHandle once no control uses it.
@@ -93,8 +92,8 @@ TB_EXPORT short TestControl(ControlHandle control, Point point);
 // an inactive or hidden one; *control is then null.
 TB_EXPORT short FindControl(Point point, WindowPtr window, ControlHandle* control);
 // Follows the mouse until it is released. The part when released inside it, else 0. Buttons are
-// drawn pressed meanwhile, popups open their menu and set their value, an indicator part is handed
-// to the definition (dragCntl). action: null for none, -1 for the control's own, of which no
+// drawn pressed meanwhile, popups open their menu and set their value, an indicator is the
+// definition's to drag (dragCntl). action: null for none, -1 for the control's own, of which no
 // control has one.
 TB_EXPORT short TrackControl(ControlHandle control, Point start, ControlActionProcPtr action);
 

@@ -1,5 +1,6 @@
 #include "Menus.h"
 
+#include "HandleBlock.h"
 #include "MacStrings.h"
 #include "MenuBlock.h"
 #include "TextStyle.h"
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <new>
 #include <unordered_map>
 #include <vector>
 
@@ -23,10 +23,7 @@ namespace {
 
 constexpr size_t MAX_ITEMS = 32767;
 
-struct MenuBlock {
-  MenuInfo* master;
-  MenuInfo info;
-};
+typedef HandleBlock<MenuInfo> MenuBlock;
 
 std::unordered_map<MenuHandle, std::unique_ptr<MenuBlock>>& LivingMenus() {
   static std::unordered_map<MenuHandle, std::unique_ptr<MenuBlock>> menus;
@@ -36,7 +33,7 @@ std::unordered_map<MenuHandle, std::unique_ptr<MenuBlock>>& LivingMenus() {
 // Null for a menu that was disposed of.
 MenuInfo* InfoOf(MenuHandle menu) {
   const auto found = LivingMenus().find(menu);
-  return found != LivingMenus().end() ? &found->second->info : nullptr;
+  return found != LivingMenus().end() ? &found->second->record : nullptr;
 }
 
 std::string* ItemOf(MenuHandle menu, int item) {
@@ -87,7 +84,7 @@ short RunMenu(QMenu* built, QPoint place, int item) {
 
 MenuHandle NewMenu() {
   auto block = std::make_unique<MenuBlock>();
-  block->master = &block->info;
+  block->master = &block->record;
   MenuHandle menu = &block->master;
   LivingMenus()[menu] = std::move(block);
   return menu;

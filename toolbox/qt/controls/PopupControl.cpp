@@ -1,4 +1,5 @@
 #include "ControlBlock.h"
+#include "HandleBlock.h"
 #include "MenuBlock.h"
 #include "PortState.h"
 #include "QDShapes.h"
@@ -6,47 +7,42 @@
 #include "StyledControl.h"
 
 #include <QStyleOptionComboBox>
-#include <new>
 #include <utility>
 
 namespace {
 
-struct PopupBlock {
-  PopupPrivateData* master;
-  PopupPrivateData data;
+struct PopupRecord : PopupPrivateData {
   short titleWidth;
 };
+typedef HandleBlock<PopupPrivateData, PopupRecord> PopupBlock;
 
 constexpr short TITLE_MARGIN = 4; // to the left of a title
 constexpr short BASELINE = 3;     // of a title, below the popup's middle
 
-MenuHandle MenuOf(ControlHandle control) {
-  const auto data = reinterpret_cast<PopupPrivateDataHandle>((**control).contrlData);
-  return data != nullptr ? (**data).mHandle : nullptr;
+PopupPrivateDataHandle DataOf(ControlHandle control) {
+  return reinterpret_cast<PopupPrivateDataHandle>((**control).contrlData);
 }
 
 // The title's part of a popup without one is empty.
 short TitleWidth(ControlHandle control) {
-  const auto* block = reinterpret_cast<const PopupBlock*>((**control).contrlData);
-  return block != nullptr ? block->titleWidth : short{0};
+  const PopupPrivateDataHandle data = DataOf(control);
+  return data != nullptr ? static_cast<const PopupRecord*>(*data)->titleWidth : short{0};
 }
 
 // The maximum comes as the title's width. From then on it is the number of the menu's items, of
 // which there are none yet.
 void InitPopup(ControlHandle control) {
-  auto* block = new (std::nothrow) PopupBlock{};
-  if (block == nullptr)
+  const PopupPrivateDataHandle data = PopupBlock::New();
+  if (data == nullptr)
     return;
-  block->data = {NewMenu()};
-  block->master = &block->data;
   ControlRecord& record = **control;
-  block->titleWidth = std::exchange(record.contrlMax, short{0});
-  record.contrlData = reinterpret_cast<Handle>(&block->master);
+  static_cast<PopupRecord&>(**data) = {{NewMenu()}, std::exchange(record.contrlMax, short{0})};
+  record.contrlData = reinterpret_cast<Handle>(data);
 }
 
 void DisposePopup(ControlHandle control) {
-  DisposeMenu(MenuOf(control));
-  delete reinterpret_cast<PopupBlock*>((**control).contrlData);
+  DisposeMenu(PopupMenuOf(control));
+  PopupBlock::Dispose(DataOf(control));
   (**control).contrlData = nullptr;
 }
 
@@ -63,7 +59,7 @@ void DrawPopup(ControlHandle control) {
   QStyleOptionComboBox option;
   PrepareOption(control, option);
   option.rect.setLeft(option.rect.left() + TitleWidth(control));
-  option.currentText = MenuText(MenuOf(control), (**control).contrlValue);
+  option.currentText = MenuText(PopupMenuOf(control), (**control).contrlValue);
   option.subControls = QStyle::SC_All;
   DrawStyled(control, [&](QPainter& painter, const QStyle& style) {
     style.drawComplexControl(QStyle::CC_ComboBox, &option, &painter);
@@ -77,9 +73,14 @@ void DrawPopup(ControlHandle control) {
 
 } // namespace
 
+MenuHandle PopupMenuOf(ControlHandle control) {
+  const PopupPrivateDataHandle data = DataOf(control);
+  return data != nullptr ? (**data).mHandle : nullptr;
+}
+
 short TrackPopup(ControlHandle control) {
   const ControlRecord& record = **control;
-  const MenuHandle menu = MenuOf(control);
+  const MenuHandle menu = PopupMenuOf(control);
   if (CountMenuItems(menu) == 0)
     return 0;
   HiliteControl(control, inMenu);
@@ -111,8 +112,6 @@ int32_t PopupDefinition(short, ControlHandle control, short message, intptr_t pa
     return 0;
   case testCntl:
     return StandardButtonDefinition(0, control, message, param) != 0 ? inMenu : 0;
-  case calcCntlRgn:
-    return StandardButtonDefinition(0, control, message, param);
   default:
     return 0;
   }

@@ -3,7 +3,6 @@
 #include "StyledControl.h"
 
 #include <QStyleOptionButton>
-#include <bit>
 
 namespace {
 
@@ -45,9 +44,6 @@ int32_t StandardButtonDefinition(short varCode, ControlHandle control, short mes
     if (!Holds((**control).contrlRect, param))
       return 0;
     return varCode == CHECK_BOX ? inCheckBox : inButton;
-  case calcCntlRgn:
-    RectRgn(std::bit_cast<RgnHandle>(param), &(**control).contrlRect);
-    return 0;
   default:
     return 0;
   }

@@ -18,10 +18,6 @@ void ForceScaleOfEverything() {
 
 } // namespace
 
-bool TB_HasDesktop() {
-  return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
 bool TB_StartDesktop(int& argc, char** argv) {
   if (QCoreApplication::instance() == nullptr) {
     if (!CanReachDisplay())

@@ -9,37 +9,28 @@
 namespace {
 
 void DrawStaticText(PortState& state, const DialogItem& item) {
-  GrafPort* port = state.port;
-  const short size = port->txSize;
-  const short face = port->txFace;
-  port->txSize = item.small ? 9 : 0;
-  port->txFace = 0;
-  const QRect box = ToQRect(item.box);
-  {
-    PortPainter text(state);
-    if (text.painter.isActive()) {
-      text.changed = box;
-      text.painter.setFont(PortFont(*port));
-      text.painter.setPen(QColor::fromRgb(ThemeTextColor()));
-      text.painter.drawText(box, static_cast<int>(item.align | Qt::AlignTop) | Qt::TextWordWrap,
-                            QString::fromStdString(TB_FillInParamText(item.title)));
-    }
-  }
-  port->txSize = size;
-  port->txFace = face;
+  PortPainter text(state);
+  if (!text.painter.isActive())
+    return;
+  text.changed = ToQRect(item.box);
+  text.painter.setFont(TextFontOf(item.small ? 9 : 0, 0));
+  text.painter.setPen(QColor::fromRgb(ThemeTextColor()));
+  text.painter.drawText(text.changed,
+                        static_cast<int>(item.align | Qt::AlignTop) | Qt::TextWordWrap,
+                        QString::fromStdString(TB_FillInParamText(item.title)));
 }
 
 void DrawItem(DialogWindow& window, int number) {
   const DialogItem& item = *window.Item(number);
-  if (item.control != nullptr) {
-    if (IsVisible(item.control))
-      SendToControl(item.control, drawCntl, 0);
-  }
+  if (item.control != nullptr && IsVisible(item.control))
+    SendToControl(item.control, drawCntl, 0);
   if (item.kind == ItemKind::StaticText)
     DrawStaticText(*window.port()->state, item);
   else if (item.kind == ItemKind::UserItem && item.draw != nullptr)
     item.draw(window.port(), static_cast<int16_t>(number));
 }
+
+} // namespace
 
 void DrawWithin(DialogWindow& window, const QRegion& squares) {
   PortScope scope(window.port());
@@ -62,8 +53,6 @@ void DrawWithin(DialogWindow& window, const QRegion& squares) {
   // What the clip region hid waits for the next update event.
   RequestUpdate(state, squares.subtracted(visible));
 }
-
-} // namespace
 
 void DrawDialog(DialogPtr dialog) {
   if (DialogWindow* window = DialogWindow::Of(dialog))

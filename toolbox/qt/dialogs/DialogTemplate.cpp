@@ -2,7 +2,7 @@
 
 #include "ControlBlock.h"
 #include "MacResources.h"
-#include "ResourceJson.h"
+#include "TB_ResourceJson.h"
 
 #include <algorithm>
 #include <set>
@@ -36,28 +36,19 @@ const KindName* FindKind(const std::string& name) {
 }
 
 short ShortMember(const nlohmann::json& object, const char* name, short fallback) {
-  return static_cast<short>(IntMember(object, name, fallback, -32768, 32767));
-}
-
-// -1 for a definition nobody registered.
-short DefinitionOf(const nlohmann::json& item) {
-  const std::string name = StringMember(item, "definition");
-  const short number =
-      name.empty() ? ShortMember(item, "definition", -1) : ControlDefinitionNumber(name);
-  return number >= 0 && number < 2048 && FindControlDefinition(number) != nullptr ? number
-                                                                                  : short{-1};
+  return static_cast<short>(TB_IntMember(object, name, fallback, -32768, 32767));
 }
 
 intptr_t RefConOf(const nlohmann::json& item) {
-  const std::vector<int> halves = IntsMember(item, "refCon");
+  const std::vector<int> halves = TB_IntsMember(item, "refCon");
   if (halves.size() != 2)
-    return IntMember(item, "refCon", 0, INT32_MIN, INT32_MAX);
+    return 0;
   return static_cast<int32_t>((static_cast<uint32_t>(halves[0]) << 16) |
                               (static_cast<uint32_t>(halves[1]) & 0xFFFF));
 }
 
 bool ReadBox(const nlohmann::json& item, Rect& box) {
-  const std::vector<int> sides = IntsMember(item, "box");
+  const std::vector<int> sides = TB_IntsMember(item, "box");
   if (sides.size() != 4)
     return false;
   for (int side : sides) {
@@ -73,7 +64,7 @@ void ReadControl(const nlohmann::json& json, ItemTemplate& item) {
   item.minimum = ShortMember(json, "min", 0);
   item.maximum = ShortMember(json, "max", item.item.kind == ItemKind::CheckBox ? 1 : 0);
   item.refCon = RefConOf(json);
-  item.choices = StringsMember(json, "choices");
+  item.choices = TB_StringsMember(json, "choices");
   if (item.item.kind == ItemKind::Popup)
     item.maximum = ShortMember(json, "titleWidth", 0);
 }
@@ -85,23 +76,23 @@ Qt::Alignment AlignmentOf(const std::string& name) {
 }
 
 bool ReadItem(const nlohmann::json& json, ItemTemplate& item) {
-  const KindName* kind = FindKind(StringMember(json, "kind"));
+  const KindName* kind = FindKind(TB_StringMember(json, "kind"));
   if (kind == nullptr || !ReadBox(json, item.item.box))
     return false;
   item.item.kind = kind->kind;
-  const bool enabled = BoolMember(json, "enabled", kind->kind != ItemKind::StaticText);
+  const bool enabled = TB_BoolMember(json, "enabled", kind->kind != ItemKind::StaticText);
   item.item.type = static_cast<int16_t>(kind->type | (enabled ? 0 : itemDisable));
-  item.item.title = StringMember(json, "title");
-  item.item.name = StringMember(json, "name");
+  item.item.title = TB_StringMember(json, "title");
+  item.item.name = TB_StringMember(json, "name");
   item.item.isDecoration = kind->kind == ItemKind::UserItem && !enabled;
-  item.item.isPicture = StringMember(json, "role") == "picture";
-  item.item.small = BoolMember(json, "small", false);
-  item.item.align = AlignmentOf(StringMember(json, "align"));
+  item.item.isPicture = TB_StringMember(json, "role") == "picture";
+  item.item.small = TB_BoolMember(json, "small", false);
+  item.item.align = AlignmentOf(TB_StringMember(json, "align"));
   item.procID = kind->procID;
   if ((kind->type & ctrlItem) != 0)
     ReadControl(json, item);
   if (kind->kind == ItemKind::Control) {
-    const short definition = DefinitionOf(json);
+    const short definition = ControlDefinitionNumber(TB_StringMember(json, "definition"));
     if (definition < 0)
       return false;
     item.procID = static_cast<short>(definition * 16);
@@ -116,7 +107,7 @@ bool ReadItems(const nlohmann::json& list, std::vector<ItemTemplate>& items) {
   std::vector<bool> seen(list.size(), false);
   items.resize(list.size());
   for (const nlohmann::json& json : list) {
-    const int number = IntMember(json, "number", 0, 0, MAX_ITEMS + 1);
+    const int number = TB_IntMember(json, "number", 0, 0, MAX_ITEMS + 1);
     if (number < 1 || static_cast<size_t>(number) > list.size())
       return false;
     const auto index = static_cast<size_t>(number - 1);
@@ -144,17 +135,17 @@ bool TakeCentring(int16_t dialogID) {
 
 std::optional<DialogTemplate> LoadDialogTemplate(int16_t dialogID) {
   const nlohmann::json* resource = TB_Resource("DLOG", dialogID);
-  if (resource == nullptr || !resource->is_object())
+  if (resource == nullptr)
     return std::nullopt;
   DialogTemplate dialog;
-  dialog.title = StringMember(*resource, "title");
-  const std::vector<int> size = IntsMember(*resource, "size");
+  dialog.title = TB_StringMember(*resource, "title");
+  const std::vector<int> size = TB_IntsMember(*resource, "size");
   if (size.size() != 2 || size[0] < 1 || size[1] < 1 || size[0] > MAX_SIDE || size[1] > MAX_SIDE)
     return std::nullopt;
   dialog.width = static_cast<short>(size[0]);
   dialog.height = static_cast<short>(size[1]);
-  const auto items = resource->find("items");
-  if (items == resource->end() || !ReadItems(*items, dialog.items))
+  const nlohmann::json* items = TB_Member(resource, "items");
+  if (items == nullptr || !ReadItems(*items, dialog.items))
     return std::nullopt;
   return dialog;
 }

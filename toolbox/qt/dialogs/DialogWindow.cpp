@@ -66,7 +66,6 @@ DialogWindow::DialogWindow(GrafPort* port)
                            Qt::WindowCloseButtonHint),
       _port(port) {
   port->state->window = this;
-  auxiliary.awOwner = port;
   auxiliaryMaster = &auxiliary;
   setWindowModality(Qt::ApplicationModal);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -167,11 +166,6 @@ void DialogWindow::Open() {
   InvalidateAll();
 }
 
-void DialogWindow::Close() {
-  _open = false;
-  hide();
-}
-
 void DialogWindow::InvalidateAll() {
   RequestUpdate(*_port->state, ToQRect(_port->portRect));
 }
@@ -224,10 +218,6 @@ void DialogWindow::mousePressEvent(QMouseEvent* event) {
     Input::Get()->MousePressed(_port);
 }
 
-void DialogWindow::mouseDoubleClickEvent(QMouseEvent* event) {
-  mousePressEvent(event);
-}
-
 void DialogWindow::keyPressEvent(QKeyEvent* event) {
   if (!TakeFocusKey(*this, *event))
     Input::Get()->KeyPressed(_port, *event);
@@ -243,15 +233,9 @@ void DialogWindow::closeEvent(QCloseEvent* event) {
 
 void DialogWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  switch (event->type()) {
-  case QEvent::PaletteChange:
-  case QEvent::StyleChange:
-  case QEvent::FontChange:
+  const QEvent::Type type = event->type();
+  if (type == QEvent::PaletteChange || type == QEvent::StyleChange || type == QEvent::FontChange)
     InvalidateAll();
-    break;
-  default:
-    break;
-  }
 }
 
 WindowPtr WindowToUpdate() {

@@ -63,7 +63,6 @@ public:
   QRect InWindow(const DialogItem& item) const;
 
   void Open();
-  void Close();
   bool isOpen() const { return _open; }
   bool closeRequested() const { return _port->state->closeRequested; }
 
@@ -83,7 +82,6 @@ protected:
   bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
-  void mouseDoubleClickEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
@@ -97,6 +95,8 @@ private:
   bool _open = false;
 };
 
+// Draws the items of a dialog within squares of its port, and nothing outside them.
+void DrawWithin(DialogWindow& window, const QRegion& squares);
 // The ratio that the environment forces, or 0.
 double ForcedRatio();
 // Of a window about to be made: the ratio its port needs.

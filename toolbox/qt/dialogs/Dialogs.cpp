@@ -29,12 +29,12 @@ bool EquipItem(DialogWindow& window, const ItemTemplate& from, DialogItem& item)
     return false;
   if (item.kind != ItemKind::Popup)
     return true;
-  const auto popup = reinterpret_cast<PopupPrivateDataHandle>((**item.control).contrlData);
-  if (popup == nullptr)
+  const MenuHandle menu = PopupMenuOf(item.control);
+  if (menu == nullptr)
     return false;
   for (const std::string& choice : from.choices)
-    AppendMenu((**popup).mHandle, TB_PString(choice));
-  const short count = CountMenuItems((**popup).mHandle);
+    AppendMenu(menu, TB_PString(choice));
+  const short count = CountMenuItems(menu);
   SetControlMaximum(item.control, count);
   SetControlMinimum(item.control, count > 0 ? 1 : 0);
   SetControlValue(item.control, std::max<short>(from.value, 1));
@@ -65,13 +65,12 @@ DialogItem* FindItem(DialogPtr dialog, int16_t item) {
   return window != nullptr ? window->Item(item) : nullptr;
 }
 
-// A text item by the handle given out for it.
-DialogItem* FindText(Handle itemHandle) {
+// An edit field by the handle given out for its item; null for another handle.
+EditField* FindField(Handle itemHandle) {
   for (const DialogWindow* window : DialogWindow::All()) {
     for (const auto& item : window->items) {
-      if (reinterpret_cast<Handle>(item.get()) == itemHandle &&
-          (item->kind == ItemKind::EditText || item->kind == ItemKind::StaticText))
-        return item.get();
+      if (reinterpret_cast<Handle>(item.get()) == itemHandle)
+        return item->edit;
     }
   }
   return nullptr;
@@ -105,7 +104,7 @@ void DisposeDialog(DialogPtr dialog) {
   DialogWindow* window = DialogWindow::Of(dialog);
   if (window == nullptr)
     return;
-  window->Close();
+  window->hide();
   while (dialog->state->controls != nullptr)
     DisposeControl(dialog->state->controls);
   dialog->state->window = nullptr;
@@ -150,28 +149,13 @@ int16_t FindDialogItem(DialogPtr dialog, Point point) {
 }
 
 void GetDialogItemText(Handle itemHandle, Str255 text) {
-  const DialogItem* item = FindText(itemHandle);
-  std::string found;
-  if (item != nullptr)
-    found = item->edit != nullptr ? item->edit->text().toStdString() : item->title;
-  PLstrcpy(text, TB_PString(found));
+  const EditField* field = FindField(itemHandle);
+  PLstrcpy(text, TB_PString(field != nullptr ? field->text().toStdString() : std::string()));
 }
 
 void SetDialogItemText(Handle itemHandle, ConstStr255Param text) {
-  DialogItem* item = FindText(itemHandle);
-  if (item == nullptr)
-    return;
-  item->title = TB_StdString(text);
-  if (item->edit != nullptr) {
-    item->edit->setText(QString::fromStdString(item->title));
-    return;
-  }
-  for (const DialogWindow* window : DialogWindow::All()) {
-    for (const auto& other : window->items) {
-      if (other.get() == item)
-        RequestUpdate(*window->port()->state, ToQRect(item->box));
-    }
-  }
+  if (EditField* field = FindField(itemHandle))
+    field->setText(ToQString(text));
 }
 
 void SelectDialogItemText(DialogPtr dialog, int16_t item, int16_t start, int16_t end) {

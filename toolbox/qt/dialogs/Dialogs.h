@@ -20,8 +20,8 @@
 //   value, min, max   of a control; a check box has 0, 0, 1 of itself
 //   choices           of a popup: its texts
 //   titleWidth        of a popup: the part of its box, at the left, that its title is drawn in
-//   definition        of a control: the number or name it was registered under
-//   refCon            of a control: a number, or [high 16 bits, low 16 bits]
+//   definition        of a control: the name it was registered under
+//   refCon            of a control: [high 16 bits, low 16 bits], else 0
 //   enabled           false: clicks are not reported. Static texts are so unless they say true
 //   name              what the item is called where a title is not drawn (user items, popups)
 //   role              "picture": a user item that shows something, and is not pressed
@@ -83,8 +83,8 @@ inline ControlHandle ItemControlOf(Handle itemHandle) {
 // for none. Disabled items are found too.
 TB_EXPORT int16_t FindDialogItem(DialogPtr dialog, Point point);
 
-// What an edit field holds, what a static text says, by the handle that GetDialogItem answered for
-// that item. Another handle has an empty text and is never written to.
+// What an edit field holds, by the handle that GetDialogItem answered for that item. Another handle
+// has an empty text and is never written to.
 TB_EXPORT void GetDialogItemText(Handle itemHandle, Str255 text);
 TB_EXPORT void SetDialogItemText(Handle itemHandle, ConstStr255Param text);
 // Selects characters from start up to end of an edit field and gives it the keyboard; 0 to 32767

@@ -1,7 +1,7 @@
 #include "DisplayCheck.h"
 
+#include <QByteArray>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <sys/socket.h>
@@ -9,12 +9,6 @@
 #include <unistd.h>
 
 namespace {
-
-// Empty when it is not set.
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
 
 bool Connects(const std::string& path, bool abstract) {
   sockaddr_un address = {};
@@ -47,10 +41,10 @@ bool ReachesX(const std::string& display) {
 } // namespace
 
 bool CanReachDisplay() {
-  const std::string platform = Environment("QT_QPA_PLATFORM");
-  if (!platform.empty() && platform.compare(0, 3, "xcb") != 0)
+  const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+  if (!platform.isEmpty() && !platform.startsWith("xcb"))
     return true;
-  if (platform.empty() && !Environment("WAYLAND_DISPLAY").empty())
+  if (platform.isEmpty() && !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
     return true;
-  return ReachesX(Environment("DISPLAY"));
+  return ReachesX(qgetenv("DISPLAY").toStdString());
 }

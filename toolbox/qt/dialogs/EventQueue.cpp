@@ -1,7 +1,6 @@
 #include "EventQueue.h"
 
 #include "DialogWindow.h"
-#include "Input.h"
 
 #include <QDeadlineTimer>
 
@@ -15,26 +14,22 @@ bool FrontIsClosed() {
 
 } // namespace
 
-bool FetchEvent(short mask, EventRecord* event, WindowPtr* window, int milliseconds) {
-  *event = {nullEvent, 0, TickCount(), Point{0, 0}, 0};
-  *window = nullptr;
+QueuedEvent NextEvent(int milliseconds) {
+  QueuedEvent event = {{nullEvent, 0, TickCount(), Point{0, 0}, 0}, nullptr, QPointF(), {}};
   Input* input = Input::Get();
   if (input == nullptr)
-    return false;
+    return event;
   const QDeadlineTimer deadline(milliseconds);
   for (bool last = false;; last = deadline.hasExpired()) {
-    if (const auto queued = input->TakeEvent(mask)) {
-      *event = queued->record;
-      *window = queued->window;
-      return true;
-    }
-    if (WindowPtr updated = WindowToUpdate(); updated != nullptr && (mask & (1 << updateEvt))) {
-      event->what = updateEvt;
-      *window = updated;
-      return true;
+    if (const auto queued = input->TakeEvent())
+      return *queued;
+    if (WindowPtr updated = WindowToUpdate()) {
+      event.record.what = updateEvt;
+      event.window = updated;
+      return event;
     }
     if (last || FrontIsClosed())
-      return false;
+      return event;
     input->Pump(static_cast<int>(deadline.remainingTime()));
   }
 }

@@ -2,7 +2,6 @@
 
 #include "DialogTemplate.h"
 #include "Ink.h"
-#include "ModalLoop.h"
 #include "QDShapes.h"
 #include "ResourceHandles.h"
 
@@ -41,10 +40,6 @@ Boolean SetUpMoveableModal(Handle dialogResource, OSType hostSignature) {
                  ResourceNumber(dialogResource, DIALOG_TYPE) != INT16_MIN
              ? 1
              : 0;
-}
-
-void MoveableModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter, int16_t* itemHit) {
-  *itemHit = RunModalDialog(processEvent, filter);
 }
 
 void DrawPISlider() {

@@ -5,10 +5,10 @@
 #include "CVFilterRecord.h"
 #include "Dialogs.h"
 
-// A resource as a block, holding its JSON text, the same handle each time; the library keeps it.
-// Null when there is none. HPurge and HNoPurge work on it; LoadResource reads a purged one again.
+// What stands for a resource: a handle without bytes, which nothing purges; the same each time, and
+// the library's to keep. Null when there is no such resource.
 TB_EXPORT Handle GetResource(OSType type, int16_t number);
-// Also reads the handle of a control's definition again. Sets ResError.
+// Sets ResError: resNotFound for a block that has been purged, which cannot be had again.
 TB_EXPORT void LoadResource(Handle resource);
 // noErr, resNotFound or memFullErr, of the last of these calls.
 TB_EXPORT OSErr ResError();

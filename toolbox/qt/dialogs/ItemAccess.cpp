@@ -17,11 +17,6 @@ bool IsTold(const DialogItem& item) {
   return !item.isDecoration && !(item.edit == nullptr && ItemName(item).isEmpty());
 }
 
-QString ChosenText(const DialogItem& item) {
-  const auto popup = reinterpret_cast<PopupPrivateDataHandle>((**item.control).contrlData);
-  return popup != nullptr ? MenuText((**popup).mHandle, GetControlValue(item.control)) : QString();
-}
-
 // Whether the value is told as another number.
 bool IsScaled(ControlHandle control) {
   const ControlBlock& block = BlockOf(control);
@@ -157,7 +152,7 @@ QString ItemAccess::text(QAccessible::Text kind) const {
   if (kind != QAccessible::Value || !HasRange(item))
     return {};
   return item.kind == ItemKind::Popup
-             ? ChosenText(item)
+             ? MenuText(PopupMenuOf(item.control), GetControlValue(item.control))
              : QString::number(ToldNumber(item.control, GetControlValue(item.control)));
 }
 
@@ -212,13 +207,6 @@ public:
     const auto told = _Told();
     const auto found = std::find(told.begin(), told.end(), child);
     return found != told.end() ? static_cast<int>(found - told.begin()) : -1;
-  }
-  QAccessibleInterface* childAt(int x, int y) const override {
-    for (QAccessibleInterface* child : _Told()) {
-      if (child->rect().contains(x, y))
-        return child;
-    }
-    return nullptr;
   }
   QAccessibleInterface* focusChild() const override {
     for (QAccessibleInterface* child : _Told()) {

@@ -6,7 +6,6 @@
 
 // What hangs on a window for its owner's use.
 struct AuxWinRec {
-  WindowPtr awOwner;
   intptr_t awRefCon;
 };
 typedef AuxWinRec** AuxWinHandle;

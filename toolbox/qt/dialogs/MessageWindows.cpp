@@ -25,7 +25,7 @@ QMessageBox* BuildMessage(const TB_Message& message, QWidget* owner) {
 }
 
 int16_t ShowMessage(const TB_Message& message, void*, ModalFilterUPP) {
-  if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr)
+  if (!TB_HasDesktop())
     return 1;
   InitCursor();
   QWidget* owner = DialogWindow::Of(FrontWindow());

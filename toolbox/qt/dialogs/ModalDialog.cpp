@@ -1,9 +1,9 @@
 #include "ControlBlock.h"
 #include "DialogWindow.h"
 #include "EventQueue.h"
+#include "HostDialogs.h"
 #include "Input.h"
 #include "ItemFocus.h"
-#include "ModalLoop.h"
 
 #include <QElapsedTimer>
 
@@ -13,7 +13,6 @@ constexpr int16_t NO_ITEM = 0;
 constexpr int16_t NO_DIALOG = -1;
 constexpr uint32_t TAB = 9;
 constexpr int IDLE_MILLISECONDS = 500;
-constexpr short EVERY_EVENT = -1;
 
 DialogWindow* FrontDialog() {
   const auto& windows = DialogWindow::All();
@@ -116,24 +115,19 @@ int16_t HitByRequest(const DialogWindow& window, const EventRecord& event) {
 }
 
 // Whatever clip region the program has left: what it hid would ask for an update again and again.
-void UpdateWindow(WindowPtr window) {
-  PortState& state = *window->state;
-  RgnHandle region = NewRgn();
-  if (region == nullptr)
-    return;
-  const Rect rect = ToRect(state.update.boundingRect());
-  RectRgn(region, &rect);
+void UpdateWindow(DialogWindow& window) {
+  PortState& state = *window.port()->state;
   const QRegion saved = state.clip;
   SetPortClip(state, WholePlane());
-  UpdateDialog(window, region);
+  DrawWithin(window, state.update.boundingRect());
   SetPortClip(state, saved);
-  DisposeRgn(region);
 }
 
 // What the Dialog Manager itself does with an event.
 int16_t HandleEvent(DialogWindow& window, const EventRecord& event, WindowPtr target) {
-  if (event.what == updateEvt && target != nullptr && DialogWindow::Of(target) != nullptr)
-    UpdateWindow(target);
+  DialogWindow* updated = event.what == updateEvt ? DialogWindow::Of(target) : nullptr;
+  if (updated != nullptr)
+    UpdateWindow(*updated);
   if (target != window.port())
     return NO_ITEM;
   if (event.what == mouseDown)
@@ -143,8 +137,7 @@ int16_t HandleEvent(DialogWindow& window, const EventRecord& event, WindowPtr ta
   return NO_ITEM;
 }
 
-} // namespace
-
+// One call of the loop; processEvent may be null.
 int16_t RunModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter) {
   for (;;) {
     DialogWindow* window = FrontDialog();
@@ -152,9 +145,9 @@ int16_t RunModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter) {
       return NO_DIALOG;
     if (window->closeRequested())
       return HitByClosing(*window);
-    EventRecord event;
-    WindowPtr target = nullptr;
-    FetchEvent(EVERY_EVENT, &event, &target, IDLE_MILLISECONDS);
+    QueuedEvent next = NextEvent(IDLE_MILLISECONDS);
+    EventRecord& event = next.record;
+    const WindowPtr target = next.window;
     // Events of windows further back, released buttons excepted, are not this dialog's.
     if (target != nullptr && target != window->port() && event.what != updateEvt)
       continue;
@@ -179,8 +172,14 @@ int16_t RunModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter) {
   }
 }
 
+} // namespace
+
+void MoveableModalDialog(CVProcessEventProc processEvent, ModalFilterUPP filter, int16_t* itemHit) {
+  *itemHit = RunModalDialog(processEvent, filter);
+}
+
 void ModalDialog(ModalFilterUPP filter, int16_t* itemHit) {
-  *itemHit = RunModalDialog(nullptr, filter);
+  MoveableModalDialog(nullptr, filter, itemHit);
 }
 
 void FlashDialogButton(DialogPtr dialog, int16_t item) {

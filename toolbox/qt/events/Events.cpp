@@ -4,6 +4,7 @@
 #include "PortState.h"
 
 #include <QElapsedTimer>
+#include <chrono>
 #include <cstring>
 
 namespace {
@@ -19,13 +20,17 @@ void PumpForPolling(Input& input) {
   seen = input.Changes();
 }
 
-// A call in a loop of its own must not starve the windows, nor run events at every step of one.
-void PumpNowAndThen(Input& input) {
+// The input for a call in a loop of the caller's own, which must not starve the windows, nor run
+// events at every step. Null without a desktop.
+Input* PumpNowAndThen() {
   static QElapsedTimer last;
-  if (last.isValid() && last.elapsed() < 5)
-    return;
-  last.start();
-  input.Pump(0);
+  Input* input = Input::Get();
+  if (input != nullptr && input->PendingRelease() == nullptr &&
+      (!last.isValid() || last.elapsed() >= 5)) {
+    last.start();
+    input->Pump(0);
+  }
+  return input;
 }
 
 } // namespace
@@ -40,22 +45,14 @@ Boolean StillDown() {
 
 void GetMouse(Point* mouse) {
   *mouse = Point{0, 0};
-  Input* input = Input::Get();
-  if (input == nullptr)
-    return;
-  if (input->PendingRelease() == nullptr)
-    PumpNowAndThen(*input);
-  *mouse = ToLocal(*CurrentPort(), input->Mouse());
+  if (const Input* input = PumpNowAndThen())
+    *mouse = ToLocal(*CurrentPort(), input->Mouse());
 }
 
 void GetKeys(KeyMap keys) {
   std::memset(keys, 0, sizeof(KeyMap));
-  Input* input = Input::Get();
-  if (input == nullptr)
-    return;
-  if (input->PendingRelease() == nullptr)
-    PumpNowAndThen(*input);
-  std::memcpy(keys, input->Keys().data(), sizeof(KeyMap));
+  if (const Input* input = PumpNowAndThen())
+    std::memcpy(keys, input->Keys().data(), sizeof(KeyMap));
 }
 
 void TB_PostDrag(GrafPort* window, Point from, Point to) {
@@ -65,11 +62,7 @@ void TB_PostDrag(GrafPort* window, Point from, Point to) {
 }
 
 uint32_t TickCount() {
-  constexpr int TICKS_PER_SECOND = 60;
-  static const QElapsedTimer start = [] {
-    QElapsedTimer timer;
-    timer.start();
-    return timer;
-  }();
-  return static_cast<uint32_t>(start.elapsed() * TICKS_PER_SECOND / 1000);
+  using Ticks = std::chrono::duration<int64_t, std::ratio<1, 60>>;
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<uint32_t>(std::chrono::duration_cast<Ticks>(now).count());
 }

@@ -16,13 +16,9 @@ namespace {
 
 constexpr size_t MAX_QUEUED_EVENTS = 256;
 
-bool Matches(short mask, uint16_t what) {
-  return ((mask >> what) & 1) != 0;
-}
-
-Point ToPoint(QPointF global, const GrafPort* port) {
-  Point point = ToLocal(port != nullptr ? *port : *CurrentPort(), global);
-  AddPt(GlobalOrigin(port != nullptr ? *port : *CurrentPort()), &point);
+Point ToPoint(QPointF global, const GrafPort& port) {
+  Point point = ToLocal(port, global);
+  AddPt(GlobalOrigin(port), &point);
   return point;
 }
 
@@ -70,9 +66,8 @@ bool Input::eventFilter(QObject* receiver, QEvent* event) {
   case QEvent::KeyPress:
   case QEvent::KeyRelease: {
     const auto* key = static_cast<QKeyEvent*>(event);
-    const bool keypad = key->modifiers().testFlag(Qt::KeypadModifier);
     if (!key->isAutoRepeat())
-      SetKey(VirtualKeyCode(key->key(), keypad), event->type() == QEvent::KeyPress);
+      SetKey(VirtualKeyCode(key->key()), event->type() == QEvent::KeyPress);
     break;
   }
   case QEvent::Close:
@@ -127,7 +122,7 @@ uint16_t Input::Modifiers() const {
 void Input::Push(uint16_t what, uint32_t message, WindowPtr window) {
   if (_queue.size() >= MAX_QUEUED_EVENTS)
     _queue.pop_front();
-  const EventRecord record = {what, message, TickCount(), ToPoint(_mouse, window), Modifiers()};
+  const EventRecord record = {what, message, TickCount(), ToPoint(_mouse, *window), Modifiers()};
   _queue.push_back({record, window, _mouse, _keys});
   NoteChange();
 }
@@ -169,16 +164,14 @@ void Input::AbortDrag() {
 }
 
 void Input::KeyPressed(WindowPtr window, const QKeyEvent& event) {
-  const bool keypad = event.modifiers().testFlag(Qt::KeypadModifier);
-  const int code = VirtualKeyCode(event.key(), keypad);
+  const int code = VirtualKeyCode(event.key());
   const uint32_t message = (static_cast<uint32_t>(std::max(code, 0)) << 8) | CharacterOf(event);
   if (code >= 0 || CharacterOf(event) != 0)
     Push(event.isAutoRepeat() ? autoKey : keyDown, message, window);
 }
 
 void Input::Forget(WindowPtr window) {
-  const auto belongs = [&](const QueuedEvent& event) { return event.window == window; };
-  _queue.erase(std::remove_if(_queue.begin(), _queue.end(), belongs), _queue.end());
+  std::erase_if(_queue, [&](const QueuedEvent& event) { return event.window == window; });
   if (_pressedIn == window) {
     _pressedIn = nullptr;
     _buttonDown = false;
@@ -210,30 +203,15 @@ const QueuedEvent* Input::PendingRelease() const {
   return _taken ? &*_taken : nullptr;
 }
 
-std::optional<QueuedEvent> Input::TakeEvent(short mask) {
+std::optional<QueuedEvent> Input::TakeEvent() {
   _taken.reset();
-  const auto wanted = std::find_if(_queue.begin(), _queue.end(), [&](const QueuedEvent& event) {
-    return Matches(mask, event.record.what);
-  });
-  if (wanted == _queue.end())
+  if (_queue.empty())
     return std::nullopt;
-  const QueuedEvent taken = *wanted;
-  if (taken.record.what == mouseDown) {
-    // A release before this press, passed over by its mask, would end the drag that starts now.
-    const auto stale = [](const QueuedEvent& event) { return event.record.what == mouseUp; };
-    const auto kept = std::remove_if(_queue.begin(), wanted, stale);
-    _queue.erase(kept, wanted + 1);
-  } else {
-    _queue.erase(wanted);
-  }
+  const QueuedEvent taken = _queue.front();
+  _queue.pop_front();
   if (taken.record.what == mouseUp)
     _taken = taken;
   return taken;
-}
-
-void Input::FlushQueue(short mask) {
-  const auto flushed = [&](const QueuedEvent& event) { return Matches(mask, event.record.what); };
-  _queue.erase(std::remove_if(_queue.begin(), _queue.end(), flushed), _queue.end());
 }
 
 QPointF Input::Mouse() const {

@@ -48,8 +48,7 @@ public:
   void Pump(int milliseconds);
   // The release that ended the drag, while it is in the queue.
   const QueuedEvent* PendingRelease() const;
-  std::optional<QueuedEvent> TakeEvent(short mask);
-  void FlushQueue(short mask);
+  std::optional<QueuedEvent> TakeEvent();
 
   bool ButtonDown() const { return _buttonDown; }
   // Global; the moment of release counts after a drag.
@@ -77,8 +76,8 @@ private:
   uint64_t _changes = 0;
 };
 
-// Virtual key code of a desktop key, -1 for one without. keypad: the key is on the keypad.
-int VirtualKeyCode(int key, bool keypad);
+// Virtual key code of a desktop key, -1 for one without.
+int VirtualKeyCode(int key);
 // Sixtieths of a second since some moment.
 uint32_t TickCount();
 // Parts of a port, in its units, that its window's next update event redraws.

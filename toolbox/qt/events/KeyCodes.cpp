@@ -46,9 +46,7 @@ const KeyCode* FindKey(int key) {
 
 } // namespace
 
-int VirtualKeyCode(int key, bool keypad) {
-  if (key == Qt::Key_Return && keypad)
-    return kEnterKeyCode;
+int VirtualKeyCode(int key) {
   if (const KeyCode* entry = FindKey(key))
     return entry->virtualCode;
   const bool isTyping = key > ' ' && key <= 'Z';

@@ -1,11 +1,12 @@
 #include "Cursors.h"
 
+#include "MacResources.h"
+#include "QDPorts.h"
 #include "ResourcePictures.h"
 
 #include <QApplication>
 #include <QCursor>
 #include <QPixmap>
-#include <QScreen>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -23,19 +24,10 @@ std::map<short, std::unique_ptr<CursorBlock>>& Loaded() {
   return cursors;
 }
 
-struct ShapeName {
-  const char* name;
-  Qt::CursorShape shape;
-};
-constexpr ShapeName SHAPES[] = {{"arrow", Qt::ArrowCursor},   {"wait", Qt::WaitCursor},
-                                {"cross", Qt::CrossCursor},   {"ibeam", Qt::IBeamCursor},
-                                {"hand", Qt::OpenHandCursor}, {"closedHand", Qt::ClosedHandCursor}};
-
-bool HasDesktop() {
-  return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
-QCursor CursorFromPicture(const ResourcePicture& picture) {
+QCursor LoadCursor(short cursorID) {
+  if (cursorID == watchCursor)
+    return QCursor(Qt::WaitCursor);
+  const ResourcePicture picture = LoadResourcePicture("CURS", cursorID);
   const double ratio = qGuiApp->devicePixelRatio();
   const int side = static_cast<int>(std::lround(picture.size * ratio));
   QPixmap pixmap = QPixmap::fromImage(DrawResourcePicture(picture, QSize(side, side), false));
@@ -43,28 +35,6 @@ QCursor CursorFromPicture(const ResourcePicture& picture) {
     return QCursor(Qt::ArrowCursor);
   pixmap.setDevicePixelRatio(ratio);
   return QCursor(pixmap, picture.hotSpot.x(), picture.hotSpot.y());
-}
-
-QCursor StandardCursor(short cursorID) {
-  switch (cursorID) {
-  case iBeamCursor:
-    return QCursor(Qt::IBeamCursor);
-  case watchCursor:
-    return QCursor(Qt::WaitCursor);
-  default:
-    return QCursor(Qt::CrossCursor);
-  }
-}
-
-QCursor LoadCursor(short cursorID) {
-  if (!HasResourcePicture("CURS", cursorID))
-    return StandardCursor(cursorID);
-  const ResourcePicture picture = LoadResourcePicture("CURS", cursorID);
-  for (const ShapeName& shape : SHAPES) {
-    if (picture.shape == QLatin1String(shape.name))
-      return QCursor(shape.shape);
-  }
-  return CursorFromPicture(picture);
 }
 
 // Whether the override in force is ours: a host may have one of its own.
@@ -76,8 +46,8 @@ bool& Overriding() {
 } // namespace
 
 CursHandle GetCursor(short cursorID) {
-  const bool standard = cursorID >= iBeamCursor && cursorID <= watchCursor;
-  if (!HasDesktop() || (!standard && !HasResourcePicture("CURS", cursorID)))
+  const bool isThere = cursorID == watchCursor || TB_Resource("CURS", cursorID) != nullptr;
+  if (!isThere || !TB_HasDesktop())
     return nullptr;
   auto& block = Loaded()[cursorID];
   if (!block) {
@@ -90,7 +60,7 @@ CursHandle GetCursor(short cursorID) {
 }
 
 void SetCursor(const Cursor* cursor) {
-  if (cursor == nullptr || !HasDesktop())
+  if (cursor == nullptr || !TB_HasDesktop())
     return;
   const auto found = Loaded().find(cursor->cursorID);
   if (found == Loaded().end())
@@ -103,7 +73,7 @@ void SetCursor(const Cursor* cursor) {
 }
 
 void InitCursor() {
-  if (Overriding() && HasDesktop())
+  if (Overriding() && TB_HasDesktop())
     QApplication::restoreOverrideCursor();
   Overriding() = false;
 }

@@ -21,13 +21,8 @@ QRgb Mix(QRgb a, QRgb b, int weightOfB) {
   return OPAQUE | component(16) | component(8) | component(0);
 }
 
-bool HasPalette() {
-  return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
-QRgb HighlightColor() {
-  return HasPalette() ? QGuiApplication::palette().color(QPalette::Highlight).rgb() | OPAQUE
-                      : DEFAULT_HIGHLIGHT;
+QRgb PaletteColor(QPalette::ColorRole role, QRgb withoutDesktop) {
+  return TB_HasDesktop() ? QGuiApplication::palette().color(role).rgb() | OPAQUE : withoutDesktop;
 }
 
 bool IsOnPicture(const PortState& state, const QRect& bounds) {
@@ -72,7 +67,6 @@ template <typename Pixel> void ForEachPixel(PortState& state, const QRect& devic
 
 void ComposeRect(PortState& state, const QRect& device, const Ink& ink, const Exchange& exchange) {
   switch (ink.mode) {
-  case srcXor:
   case patXor:
     return ForEachPixel(state, device, [&](QRgb old) { return old ^ (~ink.color & COMPONENTS); });
   case addOver:
@@ -95,12 +89,11 @@ QRgb ExactColor(const RGBColor& color) {
 }
 
 QRgb ThemeTextColor() {
-  return HasPalette() ? QGuiApplication::palette().color(QPalette::WindowText).rgb() | OPAQUE
-                      : OPAQUE;
+  return PaletteColor(QPalette::WindowText, OPAQUE);
 }
 
 QRgb ThemeWindowColor() {
-  return HasPalette() ? QGuiApplication::palette().color(QPalette::Window).rgb() | OPAQUE : WHITE;
+  return PaletteColor(QPalette::Window, WHITE);
 }
 
 QRgb BackgroundInk(const PortState& state) {
@@ -120,22 +113,19 @@ Ink PenInk(const PortState& state, const QRect& bounds) {
   const PenState& pen = state.port->pen;
   if (pen.usesPixPat)
     return {ExactColor(pen.patternColor), pen.pnMode};
-  const bool exact = pen.pnMode == patXor || pen.pnMode == srcXor || pen.pnMode == addOver;
-  const QRgb fore = exact ? ExactColor(state.port->rgbFgColor) : ForegroundInk(state, bounds);
-  const QRgb back = exact ? WHITE : BackgroundInk(state);
-  if (std::memcmp(&pen.pnPat, &qd.black, sizeof(Pattern)) == 0)
-    return {fore, pen.pnMode};
+  const bool exact = pen.pnMode == patXor || pen.pnMode == addOver;
   if (std::memcmp(&pen.pnPat, &qd.white, sizeof(Pattern)) == 0)
-    return {back, pen.pnMode};
-  return {Mix(fore, back, 128), pen.pnMode};
+    return {exact ? WHITE : BackgroundInk(state), pen.pnMode};
+  return {exact ? ExactColor(state.port->rgbFgColor) : ForegroundInk(state, bounds), pen.pnMode};
 }
 
 bool NeedsHardEdges(short mode) {
-  return mode == patXor || mode == srcXor || mode == hilite;
+  return mode == patXor || mode == hilite;
 }
 
 void ComposeRects(PortState& state, const QRect* begin, const QRect* end, const Ink& ink) {
-  const Exchange exchange = {BackgroundInk(state), HighlightColor()};
+  const Exchange exchange = {BackgroundInk(state),
+                             PaletteColor(QPalette::Highlight, DEFAULT_HIGHLIGHT)};
   QRect changed;
   for (const QRect* rect = begin; rect != end; ++rect) {
     for (const QRect& part : state.deviceClip) {

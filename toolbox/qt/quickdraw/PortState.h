@@ -66,7 +66,7 @@ PortState* WindowStateOf(const GrafPort* port);
 GrafPort* CurrentPort();
 PortState& CurrentState();
 inline bool CanDraw(const GrafPort* port) {
-  return port->pnVis >= 0;
+  return !port->state->recording; // though the pen moves
 }
 
 // First device pixel of the unit column or row. The next one's first pixel ends it.
@@ -77,7 +77,7 @@ QRegion DeviceRegion(const PortState& state, const QRegion& units);
 int DevicePenSize(const PortState& state, int units);
 
 // The squares of a region; none of a null one.
-QRegion RegionSquares(RgnHandle region);
+const QRegion& RegionSquares(RgnHandle region);
 // Everything there is.
 QRegion WholePlane();
 void SetPortClip(PortState& state, const QRegion& clip);

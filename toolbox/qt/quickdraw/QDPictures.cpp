@@ -1,34 +1,22 @@
 #include "QDPictures.h"
 
+#include "HandleBlock.h"
 #include "Ink.h"
+#include "MacResources.h"
 #include "QDShapes.h"
 #include "ResourcePictures.h"
 #include "TextStyle.h"
 
-#include <new>
-
-namespace {
-
-struct CIconBlock {
-  CIcon* master;
-  CIcon icon;
-};
-
-} // namespace
-
 CIconHandle GetCIcon(short iconID) {
-  if (!HasResourcePicture("cicn", iconID))
-    return nullptr;
-  auto* block = new (std::nothrow) CIconBlock{};
-  if (block == nullptr)
-    return nullptr;
-  block->master = &block->icon;
-  block->icon.iconID = iconID;
-  return &block->master;
+  const CIconHandle icon =
+      TB_Resource("cicn", iconID) != nullptr ? HandleBlock<CIcon>::New() : nullptr;
+  if (icon != nullptr)
+    (**icon).iconID = iconID;
+  return icon;
 }
 
 void DisposeCIcon(CIconHandle icon) {
-  delete reinterpret_cast<CIconBlock*>(icon);
+  HandleBlock<CIcon>::Dispose(icon);
 }
 
 void PlotCIcon(const Rect* rect, CIconHandle icon) {

@@ -1,12 +1,13 @@
 #include "PortState.h"
 
+#include "HandleBlock.h"
 #include "Ink.h"
 #include "QDRegions.h"
 
+#include <QApplication>
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <unordered_set>
 
 const QDGlobals qd = {{{0, 0, 0, 0, 0, 0, 0, 0}}, {{255, 255, 255, 255, 255, 255, 255, 255}}};
@@ -57,6 +58,10 @@ GrafPort*& Current() {
 }
 
 } // namespace
+
+bool TB_HasDesktop() {
+  return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
+}
 
 GrafPort* CurrentPort() {
   return Current() != nullptr ? Current() : NoPort();
@@ -211,20 +216,8 @@ void PenPixPat(PixPatHandle pattern) {
   CurrentPort()->pen.patternColor = (**pattern).color;
 }
 
-namespace {
-// A handle and its block in one.
-struct PixPatBlock {
-  PixPat* master;
-  PixPat pattern;
-};
-} // namespace
-
 PixPatHandle NewPixPat() {
-  auto* block = new (std::nothrow) PixPatBlock{};
-  if (block == nullptr)
-    return nullptr;
-  block->master = &block->pattern;
-  return &block->master;
+  return HandleBlock<PixPat>::New();
 }
 
 void MakeRGBPat(PixPatHandle pattern, const RGBColor* color) {
@@ -233,7 +226,7 @@ void MakeRGBPat(PixPatHandle pattern, const RGBColor* color) {
 }
 
 void DisposePixPat(PixPatHandle pattern) {
-  delete reinterpret_cast<PixPatBlock*>(pattern);
+  HandleBlock<PixPat>::Dispose(pattern);
 }
 
 void RGBForeColor(const RGBColor* color) {
@@ -265,5 +258,6 @@ QPointF ToScreen(const GrafPort& port, Point point) {
 }
 
 void GlobalToLocal(Point* point) {
-  SubPt(GlobalOrigin(*CurrentPort()), point);
+  const Point origin = GlobalOrigin(*CurrentPort());
+  *point = {static_cast<int16_t>(point->v - origin.v), static_cast<int16_t>(point->h - origin.h)};
 }

@@ -32,8 +32,7 @@ struct PixMap {
 };
 typedef PixMap** PixMapHandle;
 
-// Eight rows of a pattern. Two are known: all bits set (the foreground colour) and all bits clear
-// (the background, which is white); any other is drawn as the mean of the two.
+// Eight rows of a pattern: all bits clear is the background colour, any other the foreground's.
 struct Pattern {
   uint8_t pat[8];
 };
@@ -66,19 +65,20 @@ struct GrafPort {
   short txFace;
   short txSize;
   RGBColor rgbFgColor;
-  short pnVis; // below 0, while a region is recorded, nothing is drawn, though the pen moves
   PortState* state;
 };
 
 // Pen and transfer modes. A mode not named here copies.
 enum {
   srcCopy = 0,
-  srcXor = 2,
   patCopy = 8,
   patXor = 10,  // inverts by the ink: black inverts wholly; the same figure twice changes nothing
   addOver = 34, // adds each component, wrapping round: grey brightens the dark, darkens the light
   hilite = 50   // exchanges the background colour with the desktop's highlight colour
 };
+
+// Whether dialogs can be shown: an application object exists.
+TB_EXPORT bool TB_HasDesktop();
 
 // A port to draw in when no window's is current; never null.
 TB_EXPORT void GetPort(GrafPtr* port);

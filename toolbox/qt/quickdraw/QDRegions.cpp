@@ -1,69 +1,52 @@
 #include "QDRegions.h"
 
+#include "HandleBlock.h"
 #include "PortState.h"
 #include "QDPorts.h"
 #include "Raster.h"
 
-#include <new>
-
-struct RegionCells {
-  QRegion squares;
-};
-
 namespace {
 
-// A handle, its block and its squares in one.
-struct RegionBlock {
-  MacRegion* master;
-  MacRegion region;
-  RegionCells cells;
+struct RegionRecord : MacRegion {
+  QRegion squares;
 };
-
-const QRegion& Squares(RgnHandle region) {
-  static const QRegion empty;
-  return region != nullptr ? (**region).cells->squares : empty;
-}
+typedef HandleBlock<MacRegion, RegionRecord> RegionBlock;
 
 void Store(RgnHandle region, const QRegion& squares) {
   if (region == nullptr)
     return;
-  (**region).cells->squares = squares.intersected(WholePlane());
-  (**region).rgnBBox = ToRect((**region).cells->squares.boundingRect());
+  auto& record = static_cast<RegionRecord&>(**region);
+  record.squares = squares.intersected(WholePlane());
+  record.rgnBBox = ToRect(record.squares.boundingRect());
 }
 
 } // namespace
 
-QRegion RegionSquares(RgnHandle region) {
-  return Squares(region);
+const QRegion& RegionSquares(RgnHandle region) {
+  static const QRegion empty;
+  return region != nullptr ? static_cast<const RegionRecord&>(**region).squares : empty;
 }
 
 RgnHandle NewRgn() {
-  auto* block = new (std::nothrow) RegionBlock{};
-  if (block == nullptr)
-    return nullptr;
-  block->master = &block->region;
-  block->region.cells = &block->cells;
-  return &block->master;
+  return RegionBlock::New();
 }
 
 void DisposeRgn(RgnHandle region) {
-  delete reinterpret_cast<RegionBlock*>(region);
+  RegionBlock::Dispose(region);
 }
 
 void RectRgn(RgnHandle region, const Rect* rect) {
   Store(region, ToQRect(*rect));
 }
 void SectRgn(RgnHandle a, RgnHandle b, RgnHandle target) {
-  Store(target, Squares(a).intersected(Squares(b)));
+  Store(target, RegionSquares(a).intersected(RegionSquares(b)));
 }
 Boolean PtInRgn(Point point, RgnHandle region) {
-  return Squares(region).contains(QPoint(point.h, point.v)) ? 1 : 0;
+  return RegionSquares(region).contains(QPoint(point.h, point.v)) ? 1 : 0;
 }
 
 void OpenRgn() {
   PortState& state = CurrentState();
-  if (!state.recording)
-    --state.port->pnVis;
   state.recording = std::make_unique<Recording>();
 }
 
@@ -71,7 +54,6 @@ void CloseRgn(RgnHandle target) {
   PortState& state = CurrentState();
   if (!state.recording)
     return;
-  ++state.port->pnVis;
   Store(target, state.recording->framed.xored(SurroundedPixels(state.recording->lines)));
   state.recording.reset();
 }
@@ -80,7 +62,7 @@ void GetClip(RgnHandle target) {
   Store(target, CurrentState().clip);
 }
 void SetClip(RgnHandle region) {
-  SetPortClip(CurrentState(), Squares(region));
+  SetPortClip(CurrentState(), RegionSquares(region));
 }
 void ClipRect(const Rect* rect) {
   SetPortClip(CurrentState(), ToQRect(*rect));
@@ -89,11 +71,6 @@ void ClipRect(const Rect* rect) {
 void AddPt(Point source, Point* target) {
   target->h = static_cast<short>(target->h + source.h);
   target->v = static_cast<short>(target->v + source.v);
-}
-
-void SubPt(Point source, Point* target) {
-  target->h = static_cast<short>(target->h - source.h);
-  target->v = static_cast<short>(target->v - source.v);
 }
 
 Boolean EqualPt(Point a, Point b) {

@@ -3,12 +3,10 @@
 
 #include "MacTypes.h"
 
-struct RegionCells;
-
-// A set of unit squares. rgnBBox: the smallest rectangle around them, (0, 0, 0, 0) when empty.
+// A set of unit squares, which the library keeps behind this. rgnBBox: the smallest rectangle
+// around them, (0, 0, 0, 0) when empty.
 struct MacRegion {
   Rect rgnBBox;
-  RegionCells* cells;
 };
 typedef MacRegion** RgnHandle;
 
@@ -33,7 +31,6 @@ TB_EXPORT void GetClip(RgnHandle target);
 TB_EXPORT void SetClip(RgnHandle region);
 TB_EXPORT void ClipRect(const Rect* rect);
 
-// Points as vectors; sums wrap at 16 bits.
+// The sum of two points as vectors; it wraps at 16 bits.
 void AddPt(Point source, Point* target);
-void SubPt(Point source, Point* target);
 TB_EXPORT Boolean EqualPt(Point a, Point b);

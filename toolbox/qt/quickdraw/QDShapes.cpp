@@ -17,16 +17,6 @@ struct Shape {
   int ovalWidth = 0, ovalHeight = 0;
 };
 
-Shape RectShape(const Rect* rect) {
-  return {Figure::Rect, ToQRect(*rect)};
-}
-Shape OvalShape(const Rect* rect) {
-  return {Figure::Oval, ToQRect(*rect)};
-}
-Shape RoundRectShape(const Rect* rect, short ovalWidth, short ovalHeight) {
-  return {Figure::RoundRect, ToQRect(*rect), ovalWidth, ovalHeight};
-}
-
 // Corner diameters of a shape within a box of the device, which may be inset from the shape's own.
 struct Corners {
   double width, height;
@@ -87,7 +77,7 @@ void Record(Recording& recording, const Shape& shape) {
   if (shape.figure == Figure::Rect)
     recording.framed ^= box;
   else if (shape.figure == Figure::Oval)
-    recording.framed ^= OvalPixels(box, box);
+    recording.framed ^= RoundRectPixels(box, box.width(), box.height(), box);
   else
     recording.framed ^= RoundRectPixels(box, shape.ovalWidth, shape.ovalHeight, box);
 }
@@ -133,17 +123,6 @@ void FillC(const Shape& shape, PixPatHandle pattern) {
     Fill(shape, Ink{ExactColor((**pattern).color), patCopy});
 }
 
-void Erase(const Shape& shape) {
-  PortState& state = CurrentState();
-  Fill(shape, Ink{BackgroundInk(state), patCopy});
-  if (shape.figure == Figure::Rect && CanDraw(state.port))
-    state.picture -= state.clip.intersected(shape.box);
-}
-
-void Invert(const Shape& shape) {
-  Fill(shape, Ink{0xFF000000, patXor});
-}
-
 // From the middle of one unit square to that of another, as thick as a square, in device pixels.
 QPainterPath SmoothLine(QPoint from, QPoint to, double thickness) {
   const double half = thickness * 0.5;
@@ -157,41 +136,29 @@ QPainterPath SmoothLine(QPoint from, QPoint to, double thickness) {
 }
 
 void ComposeLine(PortState& state, QPoint from, QPoint to, const Ink& ink) {
-  const PenState& pen = state.port->pen;
   const QPoint start(DeviceEdge(state, from.x()), DeviceEdge(state, from.y()));
   const QPoint end(DeviceEdge(state, to.x()), DeviceEdge(state, to.y()));
   const QRect visible = state.deviceClip.boundingRect();
-  const int width = DevicePenSize(state, pen.pnSize.h);
-  const int height = DevicePenSize(state, pen.pnSize.v);
-  if (width == 0 || height == 0)
-    return;
-  if (pen.pnSize.h != 1 || pen.pnSize.v != 1) {
-    ComposeRegion(state, ThickLinePixels(start, end, width, height, visible), ink);
-    return;
-  }
   const bool slanted = start.x() != end.x() && start.y() != end.y();
   if (slanted && state.ratio > 1 && !NeedsHardEdges(ink.mode)) {
     ComposePath(state, SmoothLine(start, end, state.ratio), ink);
     return;
   }
-  const std::vector<QRect> pixels = LinePixels(start, end, width, visible);
+  const std::vector<QRect> pixels = LinePixels(start, end, DevicePenSize(state, 1), visible);
   ComposeRects(state, pixels.data(), pixels.data() + pixels.size(), ink);
 }
 
 void DrawLine(PortState& state, QPoint from, QPoint to) {
-  const PenState& pen = state.port->pen;
   const QRect box(QPoint(std::min(from.x(), to.x()), std::min(from.y(), to.y())),
-                  QPoint(std::max(from.x(), to.x()) + pen.pnSize.h - 1,
-                         std::max(from.y(), to.y()) + pen.pnSize.v - 1));
+                  QPoint(std::max(from.x(), to.x()), std::max(from.y(), to.y())));
   const Ink ink = PenInk(state, box);
   const QRegion saved = state.deviceClip;
   // Smooth edges may not leave the squares that an erasing of the line's box will clear.
   state.deviceClip &= DeviceRect(state, box);
   const bool accumulates = NeedsHardEdges(ink.mode) || ink.mode == addOver;
   if (accumulates && state.lineEnd == from)
-    state.deviceClip -=
-        QRect(DeviceEdge(state, from.x()), DeviceEdge(state, from.y()),
-              DevicePenSize(state, pen.pnSize.h), DevicePenSize(state, pen.pnSize.v));
+    state.deviceClip -= QRect(DeviceEdge(state, from.x()), DeviceEdge(state, from.y()),
+                              DevicePenSize(state, 1), DevicePenSize(state, 1));
   ComposeLine(state, from, to, ink);
   state.deviceClip = saved;
 }
@@ -232,31 +199,34 @@ void Line(short dh, short dv) {
 }
 
 void FrameRect(const Rect* rect) {
-  Frame(RectShape(rect));
+  Frame({Figure::Rect, ToQRect(*rect)});
 }
 void PaintRect(const Rect* rect) {
-  Paint(RectShape(rect));
+  Paint({Figure::Rect, ToQRect(*rect)});
 }
 void EraseRect(const Rect* rect) {
-  Erase(RectShape(rect));
+  PortState& state = CurrentState();
+  Fill({Figure::Rect, ToQRect(*rect)}, Ink{BackgroundInk(state), patCopy});
+  if (CanDraw(state.port))
+    state.picture -= state.clip.intersected(ToQRect(*rect));
 }
 void InvertRect(const Rect* rect) {
-  Invert(RectShape(rect));
+  Fill({Figure::Rect, ToQRect(*rect)}, Ink{0xFF000000, patXor});
 }
 void FillCRect(const Rect* rect, PixPatHandle pattern) {
-  FillC(RectShape(rect), pattern);
+  FillC({Figure::Rect, ToQRect(*rect)}, pattern);
 }
 
 void FrameOval(const Rect* rect) {
-  Frame(OvalShape(rect));
+  Frame({Figure::Oval, ToQRect(*rect)});
 }
 void PaintOval(const Rect* rect) {
-  Paint(OvalShape(rect));
+  Paint({Figure::Oval, ToQRect(*rect)});
 }
 void FillCOval(const Rect* rect, PixPatHandle pattern) {
-  FillC(OvalShape(rect), pattern);
+  FillC({Figure::Oval, ToQRect(*rect)}, pattern);
 }
 
 void FrameRoundRect(const Rect* rect, short ovalWidth, short ovalHeight) {
-  Frame(RoundRectShape(rect, ovalWidth, ovalHeight));
+  Frame({Figure::RoundRect, ToQRect(*rect), ovalWidth, ovalHeight});
 }

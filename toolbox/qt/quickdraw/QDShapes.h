@@ -12,7 +12,7 @@
 
 TB_EXPORT void MoveTo(short h, short v);
 TB_EXPORT void Move(short dh, short dv);
-// Lines include both end points. The pen hangs to the right of and below them. Where lines drawn
+// Lines include both end points and are one square wide, whatever the pen's size. Where lines drawn
 // one after another meet, modes that would undo or add twice do so once.
 TB_EXPORT void LineTo(short h, short v);
 TB_EXPORT void Line(short dh, short dv);

@@ -3,7 +3,6 @@
 #include "Ink.h"
 #include "TextStyle.h"
 
-#include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
@@ -12,12 +11,8 @@
 
 namespace {
 
-bool HasFonts() {
-  return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
 double WidthOf(const QString& text) {
-  if (!HasFonts() || text.isEmpty())
+  if (!TB_HasDesktop() || text.isEmpty())
     return 0;
   return QFontMetricsF(PortFont(*CurrentPort())).horizontalAdvance(text);
 }
@@ -29,14 +24,18 @@ QString ToQString(ConstStr255Param text) {
                          : QString();
 }
 
-QFont PortFont(const GrafPort& port) {
+QFont TextFontOf(short size, short face) {
   constexpr int FULL_SIZE = 13;
   QFont font = QGuiApplication::font();
-  font.setPixelSize(port.txSize > 0 ? std::max(1, (port.txSize * 12 + 5) / 10) : FULL_SIZE);
+  font.setPixelSize(size > 0 ? std::max(1, (size * 12 + 5) / 10) : FULL_SIZE);
   // Widths must not depend on the pixel ratio, so only heights are fitted to pixels.
   font.setHintingPreference(QFont::PreferVerticalHinting);
-  font.setBold((port.txFace & bold) != 0);
+  font.setBold((face & bold) != 0);
   return font;
+}
+
+QFont PortFont(const GrafPort& port) {
+  return TextFontOf(port.txSize, port.txFace);
 }
 
 PortPainter::PortPainter(PortState& state) : _state(state) {
@@ -67,7 +66,7 @@ void TextFace(short face) {
 void DrawString(ConstStr255Param text) {
   PortState& state = CurrentState();
   const QString string = ToQString(text);
-  if (string.isEmpty() || !HasFonts())
+  if (string.isEmpty() || !TB_HasDesktop())
     return;
   Point& place = state.port->pen.pnLoc;
   const double width = WidthOf(string);

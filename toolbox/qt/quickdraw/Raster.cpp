@@ -55,19 +55,11 @@ Slope SlopeOf(QPoint from, QPoint to, bool steep, int thickness) {
   return {from.x(), to.x(), from.y(), to.y(), 0.5 - thickness * 0.5};
 }
 
-bool IsSteep(QPoint from, QPoint to) {
-  return std::abs(to.y() - from.y()) > std::abs(to.x() - from.x());
-}
-
 QRect Oriented(int major, int minor, int length, int thickness, bool steep) {
   return steep ? QRect(minor, major, thickness, length) : QRect(major, minor, length, thickness);
 }
 
 } // namespace
-
-QRegion OvalPixels(const QRect& oval, const QRect& rows) {
-  return RoundRectPixels(oval, oval.width(), oval.height(), rows);
-}
 
 QRegion RoundRectPixels(const QRect& rect, int ovalWidth, int ovalHeight, const QRect& rows) {
   if (rect.isEmpty())
@@ -95,7 +87,7 @@ QRegion RoundRectPixels(const QRect& rect, int ovalWidth, int ovalHeight, const 
 }
 
 std::vector<QRect> LinePixels(QPoint from, QPoint to, int thickness, const QRect& visible) {
-  const bool steep = IsSteep(from, to);
+  const bool steep = std::abs(to.y() - from.y()) > std::abs(to.x() - from.x());
   const Slope slope = SlopeOf(from, to, steep, thickness);
   const int first = std::max(slope.majorFrom, steep ? visible.top() : visible.left());
   const int last =
@@ -108,21 +100,6 @@ std::vector<QRect> LinePixels(QPoint from, QPoint to, int thickness, const QRect
       ++end;
     pixels.push_back(Oriented(major, minor, end - major, thickness, steep));
     major = end;
-  }
-  return pixels;
-}
-
-QRegion ThickLinePixels(QPoint from, QPoint to, int penWidth, int penHeight, const QRect& visible) {
-  const bool steep = IsSteep(from, to);
-  const Slope slope = SlopeOf(from, to, steep, 1);
-  const int before = steep ? penHeight : penWidth;
-  const int first = std::max(slope.majorFrom, (steep ? visible.top() : visible.left()) - before);
-  const int last = std::min(slope.majorTo, steep ? visible.bottom() : visible.right());
-  QRegion pixels;
-  for (int major = first; major <= last; ++major) {
-    const int minor = slope.MinorAt(major);
-    pixels +=
-        steep ? QRect(minor, major, penWidth, penHeight) : QRect(major, minor, penWidth, penHeight);
   }
   return pixels;
 }

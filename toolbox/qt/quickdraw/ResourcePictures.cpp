@@ -2,26 +2,21 @@
 
 #include "Ink.h"
 #include "MacResources.h"
-#include "ResourceJson.h"
+#include "TB_ResourceJson.h"
 
 #include <QPainter>
 #include <QSvgRenderer>
-
-bool HasResourcePicture(const char* type, short number) {
-  return TB_Resource(type, number) != nullptr;
-}
 
 ResourcePicture LoadResourcePicture(const char* type, short number) {
   ResourcePicture picture;
   const nlohmann::json* resource = TB_Resource(type, number);
   if (resource == nullptr)
     return picture;
-  const std::string_view bytes = TB_ResourceFile(StringMember(*resource, "picture"));
+  const std::string_view bytes = TB_ResourceFile(TB_StringMember(*resource, "picture"));
   picture.bytes = QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size()));
-  picture.overlay = BoolMember(*resource, "overlay", false);
-  picture.shape = QString::fromStdString(StringMember(*resource, "shape"));
-  picture.size = IntMember(*resource, "size", 24, 1, 256);
-  const std::vector<int> spot = IntsMember(*resource, "hotSpot");
+  picture.overlay = TB_BoolMember(*resource, "overlay", false);
+  picture.size = TB_IntMember(*resource, "size", 24, 1, 256);
+  const std::vector<int> spot = TB_IntsMember(*resource, "hotSpot");
   if (spot.size() == 2)
     picture.hotSpot = QPoint(spot[0], spot[1]);
   return picture;

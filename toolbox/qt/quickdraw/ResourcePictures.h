@@ -4,18 +4,15 @@
 #include <QByteArray>
 #include <QImage>
 #include <QPoint>
-#include <QString>
 
 // What an icon's or a cursor's resource says.
 struct ResourcePicture {
   QByteArray bytes; // of the SVG or PNG file; empty when there is none
   bool overlay = false;
-  QString shape; // of a cursor: one of the desktop's own
   QPoint hotSpot;
   int size = 24;
 };
 
-bool HasResourcePicture(const char* type, short number);
 ResourcePicture LoadResourcePicture(const char* type, short number);
 // The picture drawn at that many pixels, transparent outside it; null when it cannot be read.
 // themed: currentColor is the theme's text colour, else black.

@@ -8,7 +8,8 @@
 #include <QString>
 
 QString ToQString(ConstStr255Param text);
-// The font of the port's text font, size and face.
+// The font of a text size and face, and of a port's.
+QFont TextFontOf(short size, short face);
 QFont PortFont(const GrafPort& port);
 
 // A painter in a port's units, clipped as the port is. Inactive on a port without pixels.
