@@ -68,19 +68,6 @@ CVResult CVFilterSession::run(CVDocument& document, CVRect area, const CVRunOpti
   });
 }
 
-CVResult CVFilterSession::about(void* hostWindow) {
-  return CVGuarded("the about box", [&]() -> CVResult {
-    const Turn turn(_running);
-    if (CVResult result = checkTurn(turn, _plugin); !result.ok())
-      return result;
-    CVAboutRecord record{hostWindow};
-    int16_t code = CV_RESULT_OK;
-    if (!_plugin.call(LM_SEL_ABOUT, &record, &_dataSlot, &code))
-      return CVPluginThrew();
-    return CVDescribeAnswer(_plugin, LM_SEL_ABOUT, code);
-  });
-}
-
 CVResult CVFilterSession::setParameters(const void* bytes, size_t size) {
   return CVGuarded("the filter's parameters", [&]() -> CVResult {
     const Turn turn(_running);

@@ -15,7 +15,7 @@ ExitCode PrintChannels(const std::string& image, const std::vector<std::string>&
   std::vector<std::string> names;
   // A document names its own channels; it needs no pixels for that.
   CVDocument document;
-  if (!document.create(1, 1, CV_MODE_RGB, numPlanes).ok())
+  if (!document.create(1, 1, numPlanes).ok())
     throw Failure(ExitCode::BadInput, image + ": has too many channels");
   int number = 0;
   const auto print = [&](const std::string& name) {
