@@ -13,6 +13,7 @@
 // Sides of a document: rectangles of the contract hold 16-bit numbers.
 inline constexpr int CV_MAX_SIDE = 32767;
 inline constexpr int CV_MAX_CHANNELS = 1000;
+inline constexpr int CV_COLOUR_PLANES = 3;
 
 // One channel as bytes: pixel (row, column) is data[row * rowStride + column * pixelStep].
 // Byte is uint8_t or const uint8_t; the memory stays its owner's.
@@ -23,10 +24,9 @@ template <typename Byte> struct CVChannelView {
 };
 
 // Channels 0 to basePlanes() − 1 lie interleaved in one base buffer; each further channel is a
-// plane of its own, so adding one never moves the others. The first modePlanes() channels are those
-// of the colour mode (3 for CV_MODE_RGB, 1 for CV_MODE_GRAY, else all of the base); alpha and extra
-// channels follow. Memory that is wrapped stays the caller's, must outlive the document, and is
-// written by a successful filter run.
+// plane of the caller's. The first CV_COLOUR_PLANES channels are red, green and blue; alpha and
+// extra channels follow. Memory that is wrapped stays the caller's, must outlive the document, and
+// is written by a successful filter run.
 //
 // Rows of memory that the document owns follow each other without a gap.
 //
@@ -37,32 +37,25 @@ public:
   CVDocument() = default; // 0 × 0, without channels
 
   // A black image in memory of its own. Replaces everything that the document held.
-  // width, height: 1 to CV_MAX_SIDE; planes: modePlanes or more, up to CV_MAX_CHANNELS.
-  CVResult create(int width, int height, int colorMode, int planes);
+  // width, height: 1 to CV_MAX_SIDE; planes: CV_COLOUR_PLANES to CV_MAX_CHANNELS.
+  CVResult create(int width, int height, int planes);
   // The same over the caller's pixels: `planes` interleaved bytes a pixel, rowStride bytes a row
   // (at least width × planes).
-  CVResult wrap(uint8_t* pixels, size_t rowStride, int width, int height, int colorMode,
-                int planes);
+  CVResult wrap(uint8_t* pixels, size_t rowStride, int width, int height, int planes);
 
-  // Appends a channel, filled with 0.
-  CVResult addChannel(const std::string& name);
   // Appends a channel over the caller's memory: one byte a pixel, rowStride bytes a row.
   CVResult wrapChannel(const std::string& name, uint8_t* pixels, size_t rowStride);
 
   // The selection: one byte a pixel, 255 fully selected. Without one everything is selected.
-  CVResult createMask(uint8_t fill);
-  CVResult wrapMask(uint8_t* pixels, size_t rowStride);
+  CVResult wrapMask(const uint8_t* pixels, size_t rowStride);
   bool hasMask() const { return _mask.data != nullptr; }
   // data is null without a mask; pixelStep is 1.
-  CVChannelView<uint8_t> mask() { return _mask; }
-  CVChannelView<const uint8_t> mask() const;
+  CVChannelView<const uint8_t> mask() const { return _mask; }
 
   int width() const { return _width; }
   int height() const { return _height; }
-  int colorMode() const { return _colorMode; }
-  int modePlanes() const { return _modePlanes; }
-  int basePlanes() const { return _basePlanes; }
-  int channelCount() const { return _basePlanes + static_cast<int>(_extras.size()); }
+  int basePlanes() const { return static_cast<int>(_base.pixelStep); }
+  int channelCount() const { return static_cast<int>(_names.size()); }
   CVRect bounds() const;
 
   // index: 0 to channelCount() − 1. The view of channel 0 is the base buffer too: its pixelStep is
@@ -70,30 +63,18 @@ public:
   CVChannelView<uint8_t> channel(int index);
   CVChannelView<const uint8_t> channel(int index) const;
 
-  // Names are the bytes that a plug-in is given; the image's own are Red, Green, Blue (Gray) and
-  // Alpha, then "Channel 5" and so on.
+  // Names are the bytes that a plug-in is given; the image's own are Red, Green, Blue and Alpha,
+  // then "Channel 5" and so on.
   const std::string& channelName(int index) const { return _names[static_cast<size_t>(index)]; }
 
 private:
   friend class CVResultImage;
 
-  struct Plane {
-    CVBuffer owned; // empty when the pixels are the caller's
-    CVChannelView<uint8_t> view;
-  };
-
-  void _become(Plane base, int width, int height, int colorMode, int planes);
-  CVResult _checkAppend() const;
-  void _append(const std::string& name, Plane plane);
-
   int _width = 0;
   int _height = 0;
-  int _colorMode = CV_MODE_RGB;
-  int _modePlanes = 0;
-  int _basePlanes = 0;
-  Plane _base;
-  std::vector<Plane> _extras;
+  CVBuffer _owned; // the base's memory; empty when that is the caller's
+  CVChannelView<uint8_t> _base;
+  std::vector<CVChannelView<uint8_t>> _extras;
   std::vector<std::string> _names;
-  CVBuffer _maskBuffer;
-  CVChannelView<uint8_t> _mask;
+  CVChannelView<const uint8_t> _mask;
 };

@@ -19,50 +19,12 @@ static std::string stepName(int selector) {
   return names[selector];
 }
 
-static CVResult failed(const char* message) noexcept {
-  return CVGuarded("a message", [message] { return CVResult{CVOutcome::Failed, 0, message}; });
-}
-
-CVResult CVPluginThrew() noexcept {
-  return failed("the plug-in let an exception out of a call");
-}
-
-CVResult CVHostThrew() noexcept {
-  return failed("a function that serves the filter failed");
-}
-
-CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, int16_t code) {
-  const std::string name = plugin.name() + ": ";
-  switch (code) {
-  case CV_RESULT_OK:
-    return {};
-  case CV_RESULT_STOPPED:
-    return {CVOutcome::Stopped, code, name + "the filter stopped after telling the reason"};
-  case CV_RESULT_NO_MEMORY:
-    return {CVOutcome::NoMemory, code, name + "there is not enough memory for the filter"};
-  case CV_RESULT_BAD_MODE:
-    return {CVOutcome::BadMode, code,
-            name + "the filter does not work on images of this colour mode"};
-  case CV_RESULT_BAD_SELECTOR:
-    return {CVOutcome::Failed, code,
-            name + "the filter does not know the step \"" + stepName(selector) + "\""};
-  case CV_RESULT_NO_SERVICE:
-    return {CVOutcome::Failed, code, name + "the filter needs a service that this host lacks"};
-  default:
-    return {CVOutcome::Failed, code,
-            name + "the filter failed with code " + std::to_string(code) + " in its step \"" +
-                stepName(selector) + "\""};
-  }
-}
-
 CVFilterRun::CVFilterRun(CVFilterSession& session, CVDocument& document, CVRect area,
                          const CVRunOptions& options)
     : _session(session), _document(document), _area(area), _options(options),
       _result(document, area), _tiles(document, _result) {
-  const auto lastPlane = static_cast<int16_t>(document.modePlanes() - 1);
   _record.savedParams = session._parameters;
-  _record.inLastPlane = lastPlane;
-  _record.outLastPlane = lastPlane;
+  _record.inLastPlane = _record.outLastPlane = CV_COLOUR_PLANES - 1;
   _record.inEdgeMode = CV_EDGE_NONE;
   _record.inSampleStep = CV_FIXED_ONE;
   _record.maskSampleStep = CV_FIXED_ONE;
@@ -75,22 +37,17 @@ CVFilterRun::~CVFilterRun() {
 
 // Before every call, in case that the plug-in wrote over what is the host's.
 void CVFilterRun::_fillHostFields() {
-  const bool masked = _document.hasMask();
-  _record.testCancel = CVTestCancel;
-  _record.reportProgress = CVReportProgress;
+  CVSetHostProcs(_record);
   _record.filterArea = _area;
-  _record.maskUsable = masked ? 1 : 0;
-  _record.maskPresent = masked ? 1 : 0;
+  _record.maskUsable = _document.hasMask() ? 1 : 0;
+  _record.maskPresent = _document.hasMask() ? 1 : 0;
   _record.hostSignature = CV_HOST_SIGNATURE;
-  _record.hostCall = CVHostCall;
-  _record.colorMode = static_cast<int16_t>(_document.colorMode());
-  _record.processEvent = _options.services.processEvent;
-  _record.showPixels = _options.services.showPixels;
+  _record.colorMode = CV_MODE_RGB;
+  _record.processEvent = nullptr;
+  _record.showPixels = _options.showPixels;
   _record.handleServices = nullptr; // handles are the Toolbox's
-  _record.nextTile = CVNextTile;
   _record.absolutePlanesSupported = 1;
-  _record.queryProperty = CVQueryProperty;
-  _record.colorPicker = _options.services.colorPicker;
+  _record.colorPicker = nullptr; // the Toolbox's too
 }
 
 int16_t CVFilterRun::_call(int selector) noexcept {
@@ -98,7 +55,9 @@ int16_t CVFilterRun::_call(int selector) noexcept {
   _selector = selector;
   int16_t code = CV_RESULT_OK;
   if (!_session._plugin.call(selector, &_record, &_session._dataSlot, &code))
-    fail(CVPluginThrew());
+    fail(CVGuarded("a message", [] {
+      return CVResult{CVOutcome::Failed, 0, "the plug-in let an exception out of a call"};
+    }));
   _session._parameters = _record.savedParams;
   return code;
 }
@@ -108,34 +67,49 @@ void CVFilterRun::fail(CVResult result) noexcept {
     _failure = std::move(result);
 }
 
-CVResult CVFilterRun::_judge(int selector, int16_t code) {
-  const std::string name = _session._plugin.name() + ": ";
-  if (!_failure.ok()) {
-    CVResult failure = _failure;
-    failure.message = name + failure.message;
-    return failure;
+CVResult CVFilterRun::_named(const CVResult& result) const {
+  return {result.outcome, result.code, _session._plugin.name() + ": " + result.message};
+}
+
+// What an answer other than 0 means to the user.
+CVResult CVFilterRun::_describe(int selector, int16_t code) const {
+  switch (code) {
+  case CV_RESULT_STOPPED:
+    return {CVOutcome::Stopped, code, "the filter stopped after telling the reason"};
+  case CV_RESULT_NO_MEMORY:
+    return {CVOutcome::NoMemory, code, "there is not enough memory for the filter"};
+  case CV_RESULT_BAD_MODE:
+    return {CVOutcome::BadMode, code, "the filter does not work on images of this colour mode"};
+  case CV_RESULT_BAD_SELECTOR:
+    return {CVOutcome::Failed, code,
+            "the filter does not know the step \"" + stepName(selector) + "\""};
+  case CV_RESULT_NO_SERVICE:
+    return {CVOutcome::Failed, code, "the filter needs a service that this host lacks"};
+  default:
+    return {CVOutcome::Failed, code,
+            "the filter failed with code " + std::to_string(code) + " in its step \"" +
+                stepName(selector) + "\""};
   }
+}
+
+CVResult CVFilterRun::_judge(int selector, int16_t code) {
+  if (!_failure.ok())
+    return _named(_failure);
   // In a run with a dialog a continue call that stops was ended there, or through the cancel test.
   const bool dialogEnded = _options.dialog == CVDialog::Yes && selector == LM_SEL_CONTINUE;
   if (code == CV_RESULT_STOPPED && (_cancelled || dialogEnded))
-    return {CVOutcome::Cancelled, code, name + "the filter was cancelled"};
+    return _named({CVOutcome::Cancelled, code, "the filter was cancelled"});
   if (code != CV_RESULT_OK)
-    return CVDescribeAnswer(_session._plugin, selector, code);
+    return _named(_describe(selector, code));
   if (std::memcmp(&_record.filterArea, &_area, sizeof _area) != 0)
-    return {CVOutcome::BadRequest, 0,
-            name + "the plug-in did not put the filter area back after its step \"" +
-                stepName(selector) + "\""};
+    return _named({CVOutcome::BadRequest, 0,
+                   "the plug-in did not put the filter area back after its step \"" +
+                       stepName(selector) + "\""});
   return {};
 }
 
 CVResult CVFilterRun::_step(int selector) {
   return _judge(selector, _call(selector));
-}
-
-CVResult CVFilterRun::_refusal(const CVResult& request) const {
-  return {request.outcome, request.code,
-          _session._plugin.name() + ": " +
-              (request.outcome == CVOutcome::BadRequest ? "the plug-in " : "") + request.message};
 }
 
 CVResult CVFilterRun::_needRows(int bottom) {
@@ -166,7 +140,7 @@ CVResult CVFilterRun::_passRows() {
   const CVTileRequest& request = _tiles.request();
   CVResult result;
   if (!request.output.isEmpty() && request.output.top < _finishedBottom)
-    result = {CVOutcome::BadRequest, 0, "asked to write to rows that it had left"};
+    result = {CVOutcome::BadRequest, 0, "the plug-in asked to write to rows that it had left"};
   else if (!request.output.isEmpty())
     result = _finishRows(std::min<int>(request.output.top, _area.bottom));
   for (const CVTile* tile : {&request.input, &request.output})
@@ -199,17 +173,17 @@ CVResult CVFilterRun::_walk() {
   const int64_t most = mostCalls(_area);
   for (int64_t calls = 0;; ++calls) {
     if (testCancel())
-      return {CVOutcome::Cancelled, 0, _session._plugin.name() + ": the filter was cancelled"};
+      return _named({CVOutcome::Cancelled, 0, "the filter was cancelled"});
     CVResult result = _tiles.read(_record);
     if (result.ok() && !_tiles.wanted())
       return result;
     if (result.ok() && calls == most)
       result = {CVOutcome::BadRequest, 0,
-                "still asked for tiles after " + std::to_string(calls) + " of them"};
+                "the plug-in still asked for tiles after " + std::to_string(calls) + " of them"};
     if (result.ok())
       result = _deliver();
     if (!result.ok())
-      return _refusal(result);
+      return _named(result);
     if (result = _step(LM_SEL_CONTINUE); !result.ok())
       return result;
     _tiles.takeOutput();
@@ -218,23 +192,13 @@ CVResult CVFilterRun::_walk() {
 }
 
 CVResult CVFilterRun::execute() noexcept {
-  // What throws on the way is the memory of a message, or a function of the caller's.
-  const auto guarded = [](auto work) noexcept -> CVResult {
-    try {
-      return work();
-    } catch (const std::bad_alloc&) {
-      return CVOutOfMemory("the filter's run");
-    } catch (...) {
-      return CVHostThrew();
-    }
-  };
-  CVResult result = guarded([this] { return _walk(); });
+  CVResult result = CVGuardedRun([this] { return _walk(); });
   _tiles.withdraw(_record);
   const int16_t code = _call(LM_SEL_FINISH);
   if (result.ok())
-    result = guarded([this, code] { return _judge(LM_SEL_FINISH, code); });
+    result = CVGuardedRun([this, code] { return _judge(LM_SEL_FINISH, code); });
   if (result.ok() && _options.passing.finishRows)
-    result = guarded([this] { return _finishRows(_area.bottom); });
+    result = CVGuardedRun([this] { return _finishRows(_area.bottom); });
   else if (result.ok())
     _result.store();
   return result;
@@ -278,8 +242,6 @@ int16_t CVFilterRun::nextTile() {
     return CV_RESULT_NO_MEMORY;
   if (result.ok())
     return noErr;
-  if (result.outcome == CVOutcome::BadRequest)
-    result.message = "the plug-in " + result.message;
   fail(std::move(result));
   return paramErr;
 }

@@ -9,14 +9,22 @@
 #include "CVTileDelivery.h"
 
 #include <cstdint>
+#include <new>
 #include <string>
 
-// The plug-in let an exception out of a call; a function that the caller gave let one out.
-CVResult CVPluginThrew() noexcept;
-CVResult CVHostThrew() noexcept;
-
-// What the answer of a call means to the user: Done for 0. May throw std::bad_alloc.
-CVResult CVDescribeAnswer(const CVPlugin& plugin, int selector, int16_t code);
+// What `work` returns. What throws there is the memory of a message, or a function that the caller
+// of the run gave.
+template <typename Work> CVResult CVGuardedRun(Work work) noexcept {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return CVOutOfMemory("the filter's run");
+  } catch (...) {
+    return CVGuarded("a message", [] {
+      return CVResult{CVOutcome::Failed, 0, "a function that serves the filter failed"};
+    });
+  }
+}
 
 // While it exists it is its thread's current run, which the functions in the record, having no
 // argument for it, work on. There is at most one on a thread.
@@ -39,7 +47,8 @@ public:
   int16_t nextTile();
   int16_t queryProperty(uint32_t signature, uint32_t key, int32_t index, int32_t* simpleValue,
                         CVHandle* handle) const;
-  // Ends the run as soon as the plug-in returns. Only the first such result counts.
+  // Ends the run as soon as the plug-in returns, unless it is Done. Only the first such result
+  // counts.
   void fail(CVResult result) noexcept;
 
 private:
@@ -48,7 +57,8 @@ private:
   CVResult _judge(int selector, int16_t code);
   int16_t _call(int selector) noexcept;
   void _fillHostFields();
-  CVResult _refusal(const CVResult& request) const;
+  CVResult _named(const CVResult& result) const;
+  CVResult _describe(int selector, int16_t code) const;
   CVResult _needRows(int bottom);
   CVResult _finishRows(int bottom);
   CVResult _passRows();

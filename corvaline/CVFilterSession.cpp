@@ -15,32 +15,18 @@ CVFilterSession::~CVFilterSession() {
 
 namespace {
 
-// Holds a session for one call, so that no second one begins before it has ended.
-class Turn {
-public:
-  explicit Turn(std::atomic<bool>& running) : _running(running), _taken(!running.exchange(true)) {}
-  ~Turn() {
-    if (_taken)
-      _running = false;
-  }
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-  bool taken() const { return _taken; }
-
-private:
-  std::atomic<bool>& _running;
-  bool _taken;
+struct EndTurn {
+  void operator()(std::atomic<bool>* running) const { *running = false; }
 };
+// Holds a session for one call, so that no second one begins before it has ended; null while there
+// is another.
+using Turn = std::unique_ptr<std::atomic<bool>, EndTurn>;
+
+Turn takeTurn(std::atomic<bool>& running) {
+  return Turn(running.exchange(true) ? nullptr : &running);
+}
 
 } // namespace
-
-static CVResult checkTurn(const Turn& turn, const CVPlugin& plugin) {
-  if (!plugin.isLoaded())
-    return {CVOutcome::BadPlugin, 0, "no plug-in is loaded"};
-  if (!turn.taken() || CVFilterRun::current() != nullptr)
-    return {CVOutcome::BadPlugin, 0, plugin.name() + ": a filter is still at work"};
-  return {};
-}
 
 static CVResult checkArea(const CVDocument& document, const CVRect& area) {
   const bool inside = area.top >= 0 && area.left >= 0 && area.bottom <= document.height() &&
@@ -56,35 +42,23 @@ static CVResult checkArea(const CVDocument& document, const CVRect& area) {
 }
 
 CVResult CVFilterSession::run(CVDocument& document, CVRect area, const CVRunOptions& options) {
-  return CVGuarded("the filter's run", [&] {
-    const Turn turn(_running);
-    CVResult result = checkTurn(turn, _plugin);
-    if (result.ok())
-      result = checkArea(document, area);
-    if (!result.ok())
-      return result;
+  return CVGuarded("the filter's run", [&]() -> CVResult {
+    const Turn turn = takeTurn(_running);
+    if (!_plugin.isLoaded())
+      return {CVOutcome::BadPlugin, 0, "no plug-in is loaded"};
+    if (turn == nullptr || CVFilterRun::current() != nullptr)
+      return {CVOutcome::BadPlugin, 0, _plugin.name() + ": a filter is still at work"};
+    if (CVResult inside = checkArea(document, area); !inside.ok())
+      return inside;
     CVFilterRun run(*this, document, area, options);
     return run.execute();
   });
 }
 
-CVResult CVFilterSession::about(void* hostWindow) {
-  return CVGuarded("the about box", [&]() -> CVResult {
-    const Turn turn(_running);
-    if (CVResult result = checkTurn(turn, _plugin); !result.ok())
-      return result;
-    CVAboutRecord record{hostWindow};
-    int16_t code = CV_RESULT_OK;
-    if (!_plugin.call(LM_SEL_ABOUT, &record, &_dataSlot, &code))
-      return CVPluginThrew();
-    return CVDescribeAnswer(_plugin, LM_SEL_ABOUT, code);
-  });
-}
-
 CVResult CVFilterSession::setParameters(const void* bytes, size_t size) {
   return CVGuarded("the filter's parameters", [&]() -> CVResult {
-    const Turn turn(_running);
-    if (!turn.taken())
+    const Turn turn = takeTurn(_running);
+    if (turn == nullptr)
       return {CVOutcome::BadPlugin, 0, _plugin.name() + ": a filter is still at work"};
     if (size > static_cast<size_t>(std::numeric_limits<int32_t>::max()))
       return CVOutOfMemory("the filter's parameters");

@@ -13,17 +13,6 @@
 #include <string>
 #include <vector>
 
-// What the host can do for a plug-in beside delivering pixels. The plug-in gets these pointers as
-// they are, a null one as null.
-struct CVServices {
-  // Draws the dialog's preview; see CVCheckPixelMap.
-  CVShowPixelsProc showPixels;
-  CVProcessEventProc processEvent = nullptr;
-  CVColorPickerProc colorPicker = nullptr; // null: the plug-in uses the Toolbox's
-
-  CVServices();
-};
-
 // The showPixels of a host without a screen: draws nothing, answers 0 when the map, its rectangle
 // and its buffer make sense and −50 when they do not.
 int16_t CVCheckPixelMap(const CVPixelMap* map, const CVRect32* source, int32_t row, int32_t column,
@@ -54,7 +43,7 @@ struct CVRunOptions {
   // True when the user wants to stop. Once true it is not asked again in that run.
   std::function<bool()> cancelled;
   CVPassing passing;
-  CVServices services;
+  CVShowPixelsProc showPixels = CVCheckPixelMap; // draws the dialog's preview
 };
 
 // The host session of one plug-in. Holds the data slot and the parameter block for as long as it
@@ -73,9 +62,6 @@ public:
   // when the result is Done, and only inside the area; views of it taken before are then void.
   // options.passing may leave it unchanged. Does not throw.
   CVResult run(CVDocument& document, CVRect area, const CVRunOptions& options);
-
-  // Shows the plug-in's about box. hostWindow: as CVAboutRecord says; may be null.
-  CVResult about(void* hostWindow);
 
   // Makes `bytes` the parameter block that the next run finds, in place of the one kept.
   CVResult setParameters(const void* bytes, size_t size);

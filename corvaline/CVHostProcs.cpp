@@ -4,51 +4,47 @@
 #include "CVFilterSession.h"
 #include "MacTypes.h"
 
-#include <new>
-
-// Lets `work` use the current run and answers `otherwise` when there is none or it throws, which
-// ends the run.
-template <typename Answer, typename Work>
-static Answer withRun(Answer otherwise, Work work) noexcept {
-  CVFilterRun* run = CVFilterRun::current();
-  if (run == nullptr)
-    return otherwise;
-  try {
-    return work(*run);
-  } catch (const std::bad_alloc&) {
-    run->fail(CVOutOfMemory("the filter's run"));
-  } catch (...) {
-    run->fail(CVHostThrew());
-  }
-  return otherwise;
+// Lets `work` use the current run and answers `answer` when there is none or it throws, which ends
+// the run.
+template <typename Answer, typename Work> static Answer withRun(Answer answer, Work work) noexcept {
+  if (CVFilterRun* run = CVFilterRun::current())
+    run->fail(CVGuardedRun([&]() -> CVResult {
+      answer = work(*run);
+      return {};
+    }));
+  return answer;
 }
 
-uint8_t CVTestCancel() {
+static uint8_t testCancel() {
   return withRun<uint8_t>(CVFilterRun::current() != nullptr ? 1 : 0,
                           [](CVFilterRun& run) { return run.testCancel() ? 1 : 0; });
 }
 
-void CVReportProgress(int32_t done, int32_t) {
+static void reportProgress(int32_t done, int32_t) {
   withRun(0, [done](CVFilterRun& run) {
     run.reportProgress(done);
     return 0;
   });
 }
 
-void CVHostCall(int16_t, int32_t*) {}
-
-int16_t CVNextTile() {
+static int16_t nextTile() {
   return withRun<int16_t>(CV_RESULT_NO_SERVICE, [](CVFilterRun& run) { return run.nextTile(); });
 }
 
-int16_t CVQueryProperty(uint32_t signature, uint32_t key, int32_t index, int32_t* simpleValue,
-                        CVHandle* handle) {
+static int16_t queryProperty(uint32_t signature, uint32_t key, int32_t index, int32_t* simpleValue,
+                             CVHandle* handle) {
   return withRun<int16_t>(CV_RESULT_NO_SERVICE, [&](CVFilterRun& run) {
     return run.queryProperty(signature, key, index, simpleValue, handle);
   });
 }
 
-CVServices::CVServices() : showPixels(CVCheckPixelMap) {}
+void CVSetHostProcs(FilterRecord& record) {
+  record.testCancel = testCancel;
+  record.reportProgress = reportProgress;
+  record.hostCall = [](int16_t, int32_t*) {}; // no call is known
+  record.nextTile = nextTile;
+  record.queryProperty = queryProperty;
+}
 
 // Only what can be judged without reading the pixels: an order of the sides, and rows that hold the
 // width.

@@ -39,11 +39,10 @@ private:
     size_t rows = 0;                  // that have been copied
   };
 
-  bool _copy(const CVDocument::Plane& plane, int bottom, Copy& copy) const;
-  void _store(Copy& copy, CVDocument::Plane& plane) const;
+  const Copy& _copyOf(int channel) const;
+  bool _copy(int channel, int bottom);
 
   CVDocument& _document;
   CVRect _area;
-  Copy _base;
-  std::vector<Copy> _extras; // by their position after the base
+  std::vector<Copy> _copies; // by channel; that of the base is at 0
 };

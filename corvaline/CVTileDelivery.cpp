@@ -21,7 +21,7 @@ static CVResult makeRoom(const char* what, const CVTile& tile, CVBuffer& buffer)
   const auto bytes = static_cast<int64_t>(tile.rows()) * static_cast<int64_t>(strideOfCopy(tile));
   if (bytes > LARGEST_COPY)
     return {CVOutcome::BadRequest, 0,
-            "asked for an " + std::string(what) + " tile of " + std::to_string(bytes) +
+            "the plug-in asked for an " + std::string(what) + " tile of " + std::to_string(bytes) +
                 " bytes, more than the " + std::to_string(LARGEST_COPY) + " that a tile may have"};
   if (!buffer.reserve(static_cast<size_t>(bytes)))
     return CVOutOfMemory("a tile of the image");
@@ -34,14 +34,23 @@ static size_t samplePosition(int start, int index, int32_t step, int imageSide) 
   return static_cast<size_t>(std::clamp<int64_t>(position, 0, imageSide - 1));
 }
 
-static void copyRow(const uint8_t* source, size_t sourceStep, uint8_t* dest, size_t destStep,
-                    size_t count) {
-  if (sourceStep == 1 && destStep == 1) {
-    std::memcpy(dest, source, count);
+namespace {
+
+// Samples at every step-th byte.
+struct Samples {
+  uint8_t* first;
+  size_t step;
+};
+
+} // namespace
+
+static void copyRow(const uint8_t* source, size_t sourceStep, Samples dest, size_t count) {
+  if (sourceStep == 1 && dest.step == 1) {
+    std::memcpy(dest.first, source, count);
     return;
   }
   for (size_t i = 0; i < count; ++i)
-    dest[i * destStep] = source[i * sourceStep];
+    dest.first[i * dest.step] = source[i * sourceStep];
 }
 
 // Copies the tile's samples of one channel to every pixelStep-th byte of dest. columns: image
@@ -54,8 +63,8 @@ static void copySamples(const CVChannelView<const uint8_t>& channel, const CVTil
     const uint8_t* source = channel.data + y * channel.rowStride;
     uint8_t* sample = dest.data + static_cast<size_t>(row) * dest.rowStride;
     if (tile.step == CV_FIXED_ONE && columns.back() - columns.front() == columns.size() - 1) {
-      copyRow(source + columns.front() * channel.pixelStep, channel.pixelStep, sample,
-              dest.pixelStep, columns.size());
+      copyRow(source + columns.front() * channel.pixelStep, channel.pixelStep,
+              {sample, dest.pixelStep}, columns.size());
       continue;
     }
     for (const size_t x : columns) {
@@ -65,16 +74,24 @@ static void copySamples(const CVChannelView<const uint8_t>& channel, const CVTil
   }
 }
 
-static void findColumns(const CVTile& tile, int imageWidth, std::vector<size_t>& columns) {
-  columns.resize(static_cast<size_t>(tile.columns()));
-  for (size_t i = 0; i < columns.size(); ++i)
-    columns[i] = samplePosition(tile.left, static_cast<int>(i), tile.step, imageWidth);
+CVChannelView<const uint8_t> CVTileDelivery::_channel(int index) const {
+  return index == CV_MASK_CHANNEL ? _document.mask() : _document.channel(index);
+}
+
+// Copies what the document has in the tile.
+void CVTileDelivery::_copyTile(const CVTile& tile, const CVBuffer& buffer) {
+  _columns.resize(static_cast<size_t>(tile.columns()));
+  for (size_t i = 0; i < _columns.size(); ++i)
+    _columns[i] = samplePosition(tile.left, static_cast<int>(i), tile.step, _document.width());
+  for (int i = 0; i < tile.channels(); ++i)
+    copySamples(_channel(tile.firstChannel + i), tile, _document.height(), _columns,
+                {buffer.data() + i, strideOfCopy(tile), static_cast<size_t>(tile.channels())});
 }
 
 // True when a pixel of the tile is the same bytes as a pixel of the buffer it belongs to.
 bool CVTileDelivery::_hasWholePixels(const CVTile& tile) const {
-  return _document.channel(tile.firstChannel).pixelStep == static_cast<size_t>(tile.channels()) &&
-         (tile.firstChannel == 0 || tile.firstChannel >= _document.basePlanes());
+  return _channel(tile.firstChannel).pixelStep == static_cast<size_t>(tile.channels()) &&
+         (tile.firstChannel <= 0 || tile.firstChannel >= _document.basePlanes());
 }
 
 // True when the document's own bytes are what the tile asks for: whole pixels, every one of them,
@@ -84,54 +101,32 @@ bool CVTileDelivery::_lendable(const CVTile& tile) const {
                       tile.top + tile.height <= _document.height() &&
                       tile.left + tile.width <= _document.width();
   return inside && tile.step == CV_FIXED_ONE && _hasWholePixels(tile) &&
-         _document.channel(tile.firstChannel).rowStride <=
+         _channel(tile.firstChannel).rowStride <=
              static_cast<size_t>(std::numeric_limits<int32_t>::max());
 }
 
-static const uint8_t* at(const CVChannelView<const uint8_t>& view, int row, int column) {
-  return view.data + static_cast<size_t>(row) * view.rowStride +
-         static_cast<size_t>(column) * view.pixelStep;
+// Where pixel (y, x) of the image is in a view whose pixel (0, 0) is the image's (top, left).
+template <typename Byte>
+static Byte* at(const CVChannelView<Byte>& view, int y, int x, int top = 0, int left = 0) {
+  return view.data + static_cast<size_t>(y - top) * view.rowStride +
+         static_cast<size_t>(x - left) * view.pixelStep;
 }
 
-CVResult CVTileDelivery::_deliverInput(FilterRecord& record) {
-  const CVTile& tile = _request.input;
+CVResult CVTileDelivery::_deliverContent(const char* what, const CVTile& tile, CVBuffer& buffer,
+                                         const uint8_t*& pixels, int32_t& rowStride) {
   if (tile.isEmpty())
     return {};
   if (_lendable(tile)) {
-    const auto view = _document.channel(tile.firstChannel);
-    record.inPixels = at(view, tile.top, tile.left);
-    record.inRowStride = static_cast<int32_t>(view.rowStride);
+    const auto view = _channel(tile.firstChannel);
+    pixels = at(view, tile.top, tile.left);
+    rowStride = static_cast<int32_t>(view.rowStride);
     return {};
   }
-  if (CVResult room = makeRoom("input", tile, _inputBuffer); !room.ok())
+  if (CVResult room = makeRoom(what, tile, buffer); !room.ok())
     return room;
-  const size_t stride = strideOfCopy(tile);
-  findColumns(tile, _document.width(), _columns);
-  for (int i = 0; i < tile.channels(); ++i)
-    copySamples(_document.channel(tile.firstChannel + i), tile, _document.height(), _columns,
-                {_inputBuffer.data() + i, stride, static_cast<size_t>(tile.channels())});
-  record.inPixels = _inputBuffer.data();
-  record.inRowStride = static_cast<int32_t>(stride);
-  return {};
-}
-
-CVResult CVTileDelivery::_deliverMask(FilterRecord& record) {
-  const CVTile& tile = _request.mask;
-  if (tile.isEmpty() || !_document.hasMask())
-    return {};
-  const auto view = _document.mask();
-  if (tile.step == CV_FIXED_ONE && view.rowStride <= std::numeric_limits<int32_t>::max()) {
-    record.maskPixels = at(view, tile.top, tile.left);
-    record.maskRowStride = static_cast<int32_t>(view.rowStride);
-    return {};
-  }
-  if (CVResult room = makeRoom("mask", tile, _maskBuffer); !room.ok())
-    return room;
-  const size_t stride = strideOfCopy(tile);
-  findColumns(tile, _document.width(), _columns);
-  copySamples(view, tile, _document.height(), _columns, {_maskBuffer.data(), stride, 1});
-  record.maskPixels = _maskBuffer.data();
-  record.maskRowStride = static_cast<int32_t>(stride);
+  _copyTile(tile, buffer);
+  pixels = buffer.data();
+  rowStride = static_cast<int32_t>(strideOfCopy(tile));
   return {};
 }
 
@@ -147,36 +142,33 @@ static CVTile insideArea(const CVTile& tile, const CVRect& area) {
   return part;
 }
 
-// The row of `view`, whose pixel (0, 0) is (top, left) of the image, at image position (y, x).
-static uint8_t* rowAt(const CVChannelView<uint8_t>& view, int top, int left, int y, int x) {
-  return view.data + static_cast<size_t>(y - top) * view.rowStride +
-         static_cast<size_t>(x - left) * view.pixelStep;
+// Calls `row` for each row of the part and each channel, or with whole pixels once for all of them,
+// with its samples in the copy of the tile and in the result, their number, and the row's.
+template <typename Row>
+void CVTileDelivery::_forRows(const CVTile& tile, const CVTile& part, bool whole, Row row) {
+  const CVRect& area = _result.area();
+  const auto channels = static_cast<size_t>(tile.channels());
+  const size_t count = static_cast<size_t>(part.width) * (whole ? channels : 1);
+  for (int i = 0; i < (whole ? 1 : tile.channels()); ++i) {
+    const CVChannelView<uint8_t> copy{_outputBuffer.data() + i, strideOfCopy(tile), channels};
+    const auto result = _result.channel(tile.firstChannel + i);
+    for (int y = part.top; y < part.top + part.height; ++y)
+      row(Samples{at(copy, y, part.left, tile.top, tile.left), whole ? 1 : channels},
+          Samples{at(result, y, part.left, area.top, area.left), whole ? 1 : result.pixelStep},
+          count, y);
+  }
 }
 
 // Fills the output tile with the present content: the document's, and in the filter area the
 // result's.
 void CVTileDelivery::_fillOutput(const CVTile& tile, const CVTile& part) {
-  const size_t stride = strideOfCopy(tile);
-  const auto channels = static_cast<size_t>(tile.channels());
-  if (part.height != tile.height || part.width != tile.width) {
-    findColumns(tile, _document.width(), _columns);
-    for (int i = 0; i < tile.channels(); ++i)
-      copySamples(_document.channel(tile.firstChannel + i), tile, _document.height(), _columns,
-                  {_outputBuffer.data() + i, stride, channels});
-  }
-  if (part.isEmpty())
-    return;
-  const CVRect& area = _result.area();
-  const bool whole = _hasWholePixels(tile); // then a row goes over at once
-  const auto width = static_cast<size_t>(part.width);
-  for (int i = 0; i < (whole ? 1 : tile.channels()); ++i) {
-    const CVChannelView<uint8_t> copy{_outputBuffer.data() + i, stride, channels};
-    const auto present = _result.channel(tile.firstChannel + i);
-    for (int row = part.top; row < part.top + part.height; ++row)
-      copyRow(rowAt(present, area.top, area.left, row, part.left), whole ? 1 : present.pixelStep,
-              rowAt(copy, tile.top, tile.left, row, part.left), whole ? 1 : channels,
-              whole ? width * channels : width);
-  }
+  if (part.height != tile.height || part.width != tile.width)
+    _copyTile(tile, _outputBuffer);
+  if (!part.isEmpty())
+    _forRows(tile, part, _hasWholePixels(tile),
+             [](Samples copy, Samples result, size_t count, int) {
+               copyRow(result.first, result.step, copy, count);
+             });
 }
 
 // True when the plug-in may write into the result itself: whole pixels, all of them in the filter
@@ -190,7 +182,8 @@ CVResult CVTileDelivery::_deliverOutput(FilterRecord& record) {
   const CVTile& tile = _request.output;
   if (tile.isEmpty())
     return {};
-  const CVTile part = insideArea(tile, _result.area());
+  const CVRect& area = _result.area();
+  const CVTile part = insideArea(tile, area);
   _isOutputLent = _outputLendable(tile, part);
   if (!_isOutputLent)
     if (CVResult room = makeRoom("output", tile, _outputBuffer); !room.ok())
@@ -198,17 +191,15 @@ CVResult CVTileDelivery::_deliverOutput(FilterRecord& record) {
   if (!part.isEmpty() && !_result.open(tile.firstChannel, tile.lastChannel, part.top + part.height))
     return CVOutOfMemory("the filtered image");
   if (_isOutputLent) {
-    const CVRect& area = _result.area();
-    const auto present = _result.channel(tile.firstChannel);
-    _output = tile;
-    record.outPixels = rowAt(present, area.top, area.left, tile.top, tile.left);
-    record.outRowStride = static_cast<int32_t>(present.rowStride);
-    return {};
+    const auto result = _result.channel(tile.firstChannel);
+    record.outPixels = at(result, tile.top, tile.left, area.top, area.left);
+    record.outRowStride = static_cast<int32_t>(result.rowStride);
+  } else {
+    _fillOutput(tile, part);
+    record.outPixels = _outputBuffer.data();
+    record.outRowStride = static_cast<int32_t>(strideOfCopy(tile));
   }
-  _fillOutput(tile, part);
   _output = tile;
-  record.outPixels = _outputBuffer.data();
-  record.outRowStride = static_cast<int32_t>(strideOfCopy(tile));
   return {};
 }
 
@@ -223,9 +214,11 @@ void CVTileDelivery::withdraw(FilterRecord& record) {
 CVResult CVTileDelivery::deliver(FilterRecord& record) {
   withdraw(record);
   CVResult result = CVGuarded("a tile of the image", [&] {
-    CVResult step = _deliverInput(record);
-    if (step.ok())
-      step = _deliverMask(record);
+    CVResult step =
+        _deliverContent("input", _request.input, _inputBuffer, record.inPixels, record.inRowStride);
+    if (step.ok() && _document.hasMask())
+      step = _deliverContent("mask", _request.mask, _maskBuffer, record.maskPixels,
+                             record.maskRowStride);
     return step.ok() ? _deliverOutput(record) : step;
   });
   if (!result.ok())
@@ -233,20 +226,9 @@ CVResult CVTileDelivery::deliver(FilterRecord& record) {
   return result;
 }
 
-// Puts a row of a channel into the result in the selection's share, rounded to the nearest.
-static void mixRow(const uint8_t* left, size_t leftStep, const uint8_t* selection, uint8_t* result,
-                   size_t resultStep, int count) {
-  for (int i = 0; i < count; ++i) {
-    *result = CVMixSelected(*result, *left, selection[i]);
-    left += leftStep;
-    result += resultStep;
-  }
-}
-
 void CVTileDelivery::takeOutput() {
-  const CVRect& area = _result.area();
   const CVTile tile = _output;
-  const CVTile part = insideArea(tile, area);
+  const CVTile part = insideArea(tile, _result.area());
   _output = {};
   if (part.isEmpty())
     return;
@@ -255,21 +237,14 @@ void CVTileDelivery::takeOutput() {
     return;
   const auto selection = _document.mask();
   const bool mixed = selection.data != nullptr;
-  const bool whole = !mixed && _hasWholePixels(tile);
-  const size_t stride = strideOfCopy(tile);
-  const auto channels = static_cast<size_t>(tile.channels());
-  const auto width = static_cast<size_t>(part.width);
-  for (int i = 0; i < (whole ? 1 : tile.channels()); ++i) {
-    const CVChannelView<uint8_t> left{_outputBuffer.data() + i, stride, channels};
-    const auto result = _result.channel(tile.firstChannel + i);
-    for (int row = part.top; row < part.top + part.height; ++row) {
-      const uint8_t* source = rowAt(left, tile.top, tile.left, row, part.left);
-      uint8_t* dest = rowAt(result, area.top, area.left, row, part.left);
-      if (mixed)
-        mixRow(source, channels, at(selection, row, part.left), dest, result.pixelStep, part.width);
-      else
-        copyRow(source, whole ? 1 : channels, dest, whole ? 1 : result.pixelStep,
-                whole ? width * channels : width);
-    }
-  }
+  _forRows(tile, part, !mixed && _hasWholePixels(tile),
+           [&](Samples copy, Samples result, size_t count, int y) {
+             if (!mixed)
+               return copyRow(copy.first, copy.step, result, count);
+             const uint8_t* share = at(selection, y, part.left);
+             for (size_t i = 0; i < count; ++i) {
+               uint8_t& sample = result.first[i * result.step];
+               sample = CVMixSelected(sample, copy.first[i * copy.step], share[i]);
+             }
+           });
 }

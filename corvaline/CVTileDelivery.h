@@ -42,9 +42,14 @@ public:
   void countFromZero() { _pixelsTaken = 0; }
 
 private:
-  CVResult _deliverInput(FilterRecord& record);
+  // The document's own content, as input or mask.
+  CVResult _deliverContent(const char* what, const CVTile& tile, CVBuffer& buffer,
+                           const uint8_t*& pixels, int32_t& rowStride);
   CVResult _deliverOutput(FilterRecord& record);
-  CVResult _deliverMask(FilterRecord& record);
+  CVChannelView<const uint8_t> _channel(int index) const;
+  void _copyTile(const CVTile& tile, const CVBuffer& buffer);
+  template <typename Row>
+  void _forRows(const CVTile& tile, const CVTile& part, bool whole, Row row);
   void _fillOutput(const CVTile& tile, const CVTile& part);
   bool _hasWholePixels(const CVTile& tile) const;
   bool _lendable(const CVTile& tile) const;

@@ -1,10 +1,9 @@
 #include "CVTileRequest.h"
 
 #include <string>
-#include <utility>
 
-static CVResult refused(std::string message) {
-  return {CVOutcome::BadRequest, 0, std::move(message)};
+static CVResult refused(const std::string& message) {
+  return {CVOutcome::BadRequest, 0, "the plug-in asked for " + message};
 }
 
 static std::string describe(const char* what, const CVRect& rect) {
@@ -18,13 +17,13 @@ enum class Outside { Refused, Repeated };
 static CVResult readRect(const char* what, const CVRect& rect, const CVDocument& document,
                          Outside outside, CVTile& tile) {
   if (rect.bottom < rect.top || rect.right < rect.left)
-    return refused("asked for an inverted " + describe(what, rect));
+    return refused("an inverted " + describe(what, rect));
   if (rect.bottom == rect.top || rect.right == rect.left)
     return {};
   const bool inside = rect.top >= 0 && rect.left >= 0 && rect.bottom <= document.height() &&
                       rect.right <= document.width();
   if (!inside && outside == Outside::Refused)
-    return refused("asked for the " + describe(what, rect) + " outside the image of " +
+    return refused("the " + describe(what, rect) + " outside the image of " +
                    std::to_string(document.width()) + " x " + std::to_string(document.height()) +
                    " pixels");
   tile.top = rect.top;
@@ -36,7 +35,7 @@ static CVResult readRect(const char* what, const CVRect& rect, const CVDocument&
 
 static CVResult readPlanes(const char* what, int first, int last, int available, CVTile& tile) {
   if (first < 0 || last < first || last >= available)
-    return refused("asked for " + std::string(what) + " planes " + std::to_string(first) + " to " +
+    return refused("" + std::string(what) + " planes " + std::to_string(first) + " to " +
                    std::to_string(last) + " where planes 0 to " + std::to_string(available - 1) +
                    " exist");
   tile.firstChannel = first;
@@ -46,8 +45,8 @@ static CVResult readPlanes(const char* what, int first, int last, int available,
 
 static CVResult readStep(const char* what, int32_t step, CVTile& tile) {
   if (step < CV_FIXED_ONE)
-    return refused("asked for the " + std::string(what) + " sampling step of " +
-                   std::to_string(step) + "/65536 pixel, which is below 1");
+    return refused("the " + std::string(what) + " sampling step of " + std::to_string(step) +
+                   "/65536 pixel, which is below 1");
   tile.step = step;
   return {};
 }
@@ -60,7 +59,7 @@ static CVResult readInput(const FilterRecord& record, const CVDocument& document
   if (!result.ok() || tile.isEmpty())
     return result;
   if (mode != CV_EDGE_REPLICATE && mode != CV_EDGE_NONE)
-    return refused("asked for the unknown edge mode " + std::to_string(mode));
+    return refused("the unknown edge mode " + std::to_string(mode));
   result = readPlanes("input", record.inFirstPlane, record.inLastPlane, planes, tile);
   return result.ok() ? readStep("input", record.inSampleStep, tile) : result;
 }
@@ -69,7 +68,7 @@ CVResult CVReadRequest(const FilterRecord& record, const CVDocument& document,
                        CVTileRequest& request) {
   request = {};
   const bool absolute = record.absolutePlanesWanted != 0;
-  const int planes = absolute ? document.channelCount() : document.modePlanes();
+  const int planes = absolute ? document.channelCount() : CV_COLOUR_PLANES;
 
   CVResult result = readInput(record, document, planes, request.input);
   if (!result.ok())
@@ -83,6 +82,7 @@ CVResult CVReadRequest(const FilterRecord& record, const CVDocument& document,
     return result;
 
   CVTile& mask = request.mask;
+  mask.firstChannel = mask.lastChannel = CV_MASK_CHANNEL;
   result = readRect("mask", record.maskTileRect, document, Outside::Refused, mask);
   if (result.ok() && !mask.isEmpty())
     result = readStep("mask", record.maskSampleStep, mask);

@@ -7,6 +7,9 @@
 
 #include <cstdint>
 
+// What stands for the selection among the numbers of channels.
+inline constexpr int CV_MASK_CHANNEL = -1;
+
 // A rectangle of some channels. Sides are image pixels, wide enough for any difference of 16-bit
 // numbers. Delivered are every step-th (16.16) pixel of every step-th row, the top-left one first.
 struct CVTile {
@@ -32,7 +35,7 @@ struct CVTileRequest {
   CVTile mask;
 };
 
-// Reads the request fields of the record into `request`. BadRequest, with a message that completes
-// "the plug-in …", for what is not a request that the contract allows. May throw std::bad_alloc.
+// Reads the request fields of the record into `request`. BadRequest for what is
+// not a request that the contract allows. May throw std::bad_alloc.
 CVResult CVReadRequest(const FilterRecord& record, const CVDocument& document,
                        CVTileRequest& request);

@@ -144,7 +144,7 @@ CVResult FilterRunner::run(EditorDocument& document, CVDialog dialog, const QStr
   FilterProgress progress(title, owner);
   CVRunOptions options;
   options.dialog = dialog;
-  options.services.showPixels = ShowPixels;
+  options.showPixels = ShowPixels;
   options.progress = [&](double share) { progress.show(share); };
   currentProgress = &progress;
   _running = true;

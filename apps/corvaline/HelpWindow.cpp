@@ -49,27 +49,27 @@ protected:
 
 } // namespace
 
-HelpWindow::HelpWindow(QWidget* parent)
-    : QMainWindow(parent, Qt::Window), _browser(new Pages(this)) {
-  _browser->setOpenExternalLinks(true);
-  _browser->setAccessibleName(tr("Pages"));
-  _browser->document()->setDocumentMargin(16);
-  setCentralWidget(_browser);
+HelpWindow::HelpWindow(QWidget* parent) : QMainWindow(parent, Qt::Window) {
+  auto* browser = new Pages(this);
+  browser->setOpenExternalLinks(true);
+  browser->setAccessibleName(tr("Pages"));
+  browser->document()->setDocumentMargin(16);
+  setCentralWidget(browser);
   QToolBar* bar = addToolBar(tr("Pages"));
   bar->setMovable(false);
   bar->setContextMenuPolicy(Qt::PreventContextMenu);
-  QAction* back = bar->addAction(tr("Back"), _browser, &QTextBrowser::backward);
+  QAction* back = bar->addAction(tr("Back"), browser, &QTextBrowser::backward);
   back->setShortcut(QKeySequence::Back);
   back->setEnabled(false);
-  connect(_browser, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
-  bar->addAction(tr("Contents"), _browser, &QTextBrowser::home);
+  connect(browser, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
+  bar->addAction(tr("Contents"), browser, &QTextBrowser::home);
   QAction* close = new QAction(this);
   close->setShortcuts({QKeySequence("Ctrl+W"), QKeySequence(Qt::Key_Escape)});
   connect(close, &QAction::triggered, this, &QWidget::close);
   addAction(close);
   setWindowTitle(tr("Pages") + " – Corvaline");
   resize(780, 820);
-  _browser->setSource(QUrl::fromLocalFile(Folder() + "/" + FIRST_PAGE));
+  browser->setSource(QUrl::fromLocalFile(Folder() + "/" + FIRST_PAGE));
 }
 
 } // namespace editor

@@ -3,8 +3,6 @@
 
 #include <QMainWindow>
 
-class QTextBrowser;
-
 namespace editor {
 
 // A window to read them in, which follows their links.
@@ -13,11 +11,6 @@ class HelpWindow : public QMainWindow {
 
 public:
   explicit HelpWindow(QWidget* parent);
-
-  QTextBrowser& browser() { return *_browser; }
-
-private:
-  QTextBrowser* _browser;
 };
 
 } // namespace editor

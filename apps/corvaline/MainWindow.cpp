@@ -6,7 +6,6 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
 
@@ -34,7 +33,8 @@ MainWindow::MainWindow(CVPlugin plugin)
   _makeFilterMenu();
   _makeHelpMenu();
   _makeToolBar();
-  _makeStatusBar();
+  for (QLabel* fact : {_lightFact, _imageFacts, _zoomFact})
+    statusBar()->addPermanentWidget(fact);
   _useIcons();
   connect(&_document, &EditorDocument::stateChanged, this, &MainWindow::_showState);
   connect(&_document, &EditorDocument::stateChanged, this, [this] { _recovery.keep(_document); });
@@ -63,6 +63,8 @@ void MainWindow::_showState() {
   setWindowModified(_document.isModified());
   for (QAction* action : std::as_const(_imageActions))
     action->setEnabled(hasImage);
+  for (QAction* action : std::as_const(_lightActions))
+    action->setEnabled(_document.recipe().isLit());
   _lightPanel->widget()->setEnabled(hasImage);
   _undo->setEnabled(_document.canUndo());
   const auto withStep = [](const QString& text, QString step) {
@@ -72,12 +74,7 @@ void MainWindow::_showState() {
   _redo->setEnabled(_document.canRedo());
   _redo->setText(withStep(tr("&Redo %1"), _document.redoName()));
   _lighting->setEnabled(hasImage && _filter.isLoaded());
-  _copyCommand->setEnabled(hasImage && _document.recipe().isLit());
-  _saveStyle->setEnabled(hasImage && _document.recipe().isLit());
-  _saveRecipe->setEnabled(hasImage && _document.recipe().isLit());
   _repeat->setEnabled(hasImage && _filter.canRepeat(_document));
-  _bake->setEnabled(_document.recipe().isLit());
-  _unlight->setEnabled(_document.recipe().isLit());
   const QStringList channels = _document.channelNames();
   QString facts;
   if (hasImage)
@@ -108,39 +105,31 @@ void MainWindow::showHelp() {
   pages->activateWindow();
 }
 
-void MainWindow::selectAll() {
-  _document.select({_document.bounds(), {}});
-}
-
-void MainWindow::deselect() {
-  _document.select({});
+QMessageBox::StandardButton MainWindow::_ask(QMessageBox::Icon icon, const QString& text,
+                                             const QString& more,
+                                             QMessageBox::StandardButtons buttons,
+                                             QMessageBox::StandardButton usual) {
+  QMessageBox box(icon, "Corvaline", text, buttons, this);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(more);
+  box.setDefaultButton(usual);
+  return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
 void MainWindow::_complain(const QString& what, const QString& why) {
-  QMessageBox box(QMessageBox::Warning, "Corvaline", what, QMessageBox::Ok, this);
-  box.setTextFormat(Qt::PlainText);
-  box.setInformativeText(why);
-  box.exec();
+  _ask(QMessageBox::Warning, what, why, QMessageBox::Ok, QMessageBox::Ok);
 }
 
 bool MainWindow::_mayLose() {
   _lights->flush();
   if (!_document.isModified())
     return true;
-  QMessageBox box(QMessageBox::Question, "Corvaline",
-                  tr("Save the changes to “%1”?").arg(QFileInfo(_document.path()).fileName()),
-                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
-  box.setTextFormat(Qt::PlainText);
-  box.setInformativeText(tr("Without saving they are lost."));
-  box.setDefaultButton(QMessageBox::Save);
-  switch (box.exec()) {
-  case QMessageBox::Save:
-    return save();
-  case QMessageBox::Discard:
-    return true;
-  default:
-    return false;
-  }
+  const auto answer =
+      _ask(QMessageBox::Question,
+           tr("Save the changes to “%1”?").arg(QFileInfo(_document.path()).fileName()),
+           tr("Without saving they are lost."),
+           QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+  return answer == QMessageBox::Save ? save() : answer == QMessageBox::Discard;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -10,10 +10,13 @@
 #include "Recovery.h"
 #include "StylePanel.h"
 
+#include <QActionGroup>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMainWindow>
-#include <QSpinBox>
+#include <QMessageBox>
+
+#include <functional>
 
 namespace editor {
 
@@ -65,8 +68,6 @@ public Q_SLOTS:
   void chooseAndCopyCommand();
   void chooseAndSaveStyle();
   void showHelp();
-  void selectAll();
-  void deselect();
 
 protected:
   void closeEvent(QCloseEvent* event) override;
@@ -77,16 +78,15 @@ protected:
   void changeEvent(QEvent* event) override;
 
 private:
-  enum class Needs { Nothing, Image };
+  enum class Needs { Nothing, Image, Light };
   static constexpr int NOTICE_MILLISECONDS = 8000; // that a notice stays
 
   template <typename Slot>
   QAction* _add(QMenu* menu, const QString& icon, const QString& text,
                 const QList<QKeySequence>& shortcuts, const QString& tip, Needs needs, Slot slot);
-  QAction* _addTool(QMenu* menu, const QString& icon, const QString& text, const char* key,
-                    const QString& tip, Tool tool);
   void _makeFileMenu();
   void _makeEditMenu();
+  void _makeTools(QMenu* menu);
   void _makeViewMenu();
   void _makeFilterMenu();
   void _makeHelpMenu();
@@ -96,20 +96,24 @@ private:
                  Qt::Key key, const QString& tip);
   void _makeStylePanel(QMenu* menu);
   void _makeLightMenu();
-  void _tellResult(const CVResult& result);
+  // Or tells why not.
+  bool _isDone(const CVResult& result);
   // Tells how far something is in the status bar, %1 percent, when it takes a while.
   EditorDocument::GoOn _progress(const QString& text);
   void _makeLights(QMenu* menu);
   void _makeToolBar();
-  void _makeStatusBar();
   void _showState();
   void _showZoom();
   void _useIcons();
-  QStringList _write(const QString& path);
+  // Does `work`, which may take a moment, or tells that `what` failed, and why.
+  bool _try(const QString& what, const std::function<void()>& work);
   // Shows it, and tells what came back with it.
   void _take(OpenedImage image);
   bool _maySaveAsFile(bool& asJson);
   bool _mayLose(); // asks about unsaved changes; true to go on
+  QMessageBox::StandardButton _ask(QMessageBox::Icon icon, const QString& text, const QString& more,
+                                   QMessageBox::StandardButtons buttons,
+                                   QMessageBox::StandardButton usual);
   void _complain(const QString& what, const QString& why);
   QString _folder() const;
 
@@ -122,14 +126,13 @@ private:
   LightOverlay* _overlay = nullptr;
   LightPanel* _lightPanel = nullptr;
   RecentFiles* _recent = nullptr;
-  QList<QAction*> _imageActions; // those that need an image
+  QList<QAction*> _imageActions, _lightActions; // those that need an image, and a lit one
   QAction *_open = nullptr, *_save = nullptr, *_undo = nullptr, *_redo = nullptr;
   QAction *_lighting = nullptr, *_repeat = nullptr, *_original = nullptr, *_fit = nullptr;
-  QAction *_copyCommand = nullptr, *_bake = nullptr, *_unlight = nullptr;
-  QAction *_saveRecipe = nullptr, *_saveStyle = nullptr;
-  QList<QAction*> _tools;
-  QSpinBox* _brushSize = nullptr;
-  QLabel *_imageFacts = nullptr, *_zoomFact = nullptr, *_lightFact = nullptr;
+  QActionGroup* _tools = nullptr;
+  QLabel* _lightFact = new QLabel(this);
+  QLabel* _imageFacts = new QLabel(this);
+  QLabel* _zoomFact = new QLabel(this);
 };
 
 } // namespace editor

@@ -3,19 +3,16 @@
 
 #include "ThemeIcons.h"
 
-#include <QActionGroup>
 #include <QApplication>
 #include <QMenuBar>
 #include <QSettings>
-#include <QStatusBar>
+#include <QSpinBox>
 #include <QToolBar>
 
 namespace editor {
 namespace {
 
 constexpr int BRUSH_STEP_PERCENT = 20;
-
-using Keys = QList<QKeySequence>;
 
 int Larger(int diameter) {
   return diameter + 1 + diameter * BRUSH_STEP_PERCENT / 100;
@@ -42,6 +39,8 @@ QAction* MainWindow::_add(QMenu* menu, const QString& icon, const QString& text,
   connect(action, &QAction::triggered, this, slot);
   if (needs == Needs::Image)
     _imageActions << action;
+  if (needs == Needs::Light)
+    _lightActions << action;
   return action;
 }
 
@@ -59,10 +58,9 @@ void MainWindow::_makeFileMenu() {
   _add(menu, "", tr("Save &As…"), {QKeySequence("Ctrl+Shift+S")},
        tr("Save the image under another name or in another format"), Needs::Image,
        &MainWindow::saveAs);
-  _saveRecipe =
-      _add(menu, "", tr("Save &Recipe…"), {QKeySequence("Ctrl+Alt+S")},
-           tr("Save how the image is lit beside it, so that its lights come back with it"),
-           Needs::Nothing, &MainWindow::chooseAndSaveRecipe);
+  _add(menu, "", tr("Save &Recipe…"), {QKeySequence("Ctrl+Alt+S")},
+       tr("Save how the image is lit beside it, so that its lights come back with it"),
+       Needs::Light, &MainWindow::chooseAndSaveRecipe);
   menu->addSeparator();
   _add(menu, "", tr("&Close"), {QKeySequence("Ctrl+W")}, tr("Close this window"), Needs::Nothing,
        &MainWindow::close);
@@ -85,42 +83,52 @@ void MainWindow::_makeEditMenu() {
                  _document.redo();
                });
   menu->addSeparator();
-  _copyCommand = _add(menu, "", tr("&Copy Command"), {QKeySequence("Ctrl+Alt+C")},
-                      tr("Copy the limn apply command that lights the image like this again"),
-                      Needs::Nothing, &MainWindow::chooseAndCopyCommand);
+  _add(menu, "", tr("&Copy Command"), {QKeySequence("Ctrl+Alt+C")},
+       tr("Copy the limn apply command that lights the image like this again"), Needs::Light,
+       &MainWindow::chooseAndCopyCommand);
   menu->addSeparator();
   _add(menu, "", tr("Select &All"), {QKeySequence::SelectAll}, tr("Select the whole image"),
-       Needs::Image, &MainWindow::selectAll);
+       Needs::Image, [this] {
+         _document.select({_document.bounds(), {}});
+       });
   _add(menu, "", tr("&Deselect"), {QKeySequence("Ctrl+D")},
-       tr("Remove the rectangle and the painted mask"), Needs::Image, &MainWindow::deselect);
+       tr("Remove the rectangle and the painted mask"), Needs::Image,
+       [this] { _document.select({}); });
   menu->addSeparator();
   _add(menu, "", tr("Load Cha&nnel…"), {QKeySequence("Ctrl+Shift+C")},
        tr("Load a grey image as a further channel, such as the heights of a relief"), Needs::Image,
        &MainWindow::chooseAndLoadChannel);
   menu->addSeparator();
-  auto* group = new QActionGroup(this);
-  group->addAction(
-      _addTool(menu, "hand", tr("&Hand"), "H", tr("Move the view by dragging"), Tool::Hand));
-  group->addAction(_addTool(menu, "rectangle", tr("Rec&tangle"), "M",
-                            tr("Select a rectangle; a click removes it"), Tool::Rectangle));
-  group->addAction(_addTool(menu, "brush", tr("&Brush"), "B",
-                            tr("Paint what is selected; with Alt or Ctrl take away"), Tool::Brush));
-  _tools.first()->setChecked(true);
+  _makeTools(menu);
+}
+
+void MainWindow::_makeTools(QMenu* menu) {
+  const struct {
+    const char* icon;
+    QString text;
+    const char* key;
+    QString tip;
+    Tool tool;
+  } tools[] = {
+      {"hand", tr("&Hand"), "H", tr("Move the view by dragging"), Tool::Hand},
+      {"rectangle", tr("Rec&tangle"), "M", tr("Select a rectangle; a click removes it"),
+       Tool::Rectangle},
+      {"brush", tr("&Brush"), "B", tr("Paint what is selected; with Alt or Ctrl take away"),
+       Tool::Brush},
+  };
+  _tools = new QActionGroup(this);
+  for (const auto& [icon, text, key, tip, tool] : tools) {
+    QAction* action = _add(menu, icon, text, {QKeySequence(key)}, tip, Needs::Image,
+                           [this, tool = tool] { _canvas->setTool(tool); });
+    action->setCheckable(true);
+    _tools->addAction(action)->setChecked(tool == _canvas->tool());
+  }
   _add(menu, "", tr("&Larger Brush"), {QKeySequence("]"), QKeySequence(".")},
        tr("Make the brush larger"), Needs::Image,
        [this] { _canvas->setBrushDiameter(Larger(_canvas->brush().diameter)); });
   _add(menu, "", tr("S&maller Brush"), {QKeySequence("["), QKeySequence(",")},
        tr("Make the brush smaller"), Needs::Image,
        [this] { _canvas->setBrushDiameter(Smaller(_canvas->brush().diameter)); });
-}
-
-QAction* MainWindow::_addTool(QMenu* menu, const QString& icon, const QString& text,
-                              const char* key, const QString& tip, Tool tool) {
-  QAction* action = _add(menu, icon, text, {QKeySequence(key)}, tip, Needs::Image,
-                         [this, tool] { _canvas->setTool(tool); });
-  action->setCheckable(true);
-  _tools << action;
-  return action;
 }
 
 void MainWindow::_addPanel(QMenu* menu, QDockWidget* panel, Qt::DockWidgetArea side,
@@ -163,16 +171,14 @@ void MainWindow::_makeViewMenu() {
            tr("Show the image without light; hold O for a short look"), Needs::Image, [] {});
   _original->setCheckable(true);
   connect(_original, &QAction::toggled, _canvas, &Canvas::showOriginal);
-  QAction* split = _add(menu, "", tr("Before and Af&ter"), {QKeySequence("Y")},
-                        tr("Show the image without light to the left of a line; drag the line"),
-                        Needs::Image, [] {});
-  split->setCheckable(true);
-  connect(split, &QAction::toggled, _canvas, &Canvas::showSplit);
-  QAction* ends =
-      _add(menu, "", tr("&Clipped Pixels"), {QKeySequence("K")},
-           tr("Mark pixels that are burnt (red) or drowned (blue)"), Needs::Image, [] {});
-  ends->setCheckable(true);
-  connect(ends, &QAction::toggled, _canvas, &Canvas::markEnds);
+  _add(menu, "", tr("Before and Af&ter"), {QKeySequence("Y")},
+       tr("Show the image without light to the left of a line; drag the line"), Needs::Image,
+       [this](bool show) { _canvas->showSplit(show); })
+      ->setCheckable(true);
+  _add(menu, "", tr("&Clipped Pixels"), {QKeySequence("K")},
+       tr("Mark pixels that are burnt (red) or drowned (blue)"), Needs::Image,
+       [this](bool mark) { _canvas->markEnds(mark); })
+      ->setCheckable(true);
   menu->addSeparator();
   _makeStylePanel(menu);
   _makeLights(menu);
@@ -180,16 +186,16 @@ void MainWindow::_makeViewMenu() {
 
 void MainWindow::_makeLightMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Light"));
-  _bake = _add(menu, "", tr("&Bake"), {QKeySequence("Ctrl+B")},
-               tr("Make the light pixels, so that more light can be put on top"), Needs::Nothing,
-               &MainWindow::bake);
-  _saveStyle = _add(menu, "", tr("&Save Style…"), {QKeySequence("Ctrl+Alt+T")},
-                    tr("Save the lights as a style, for other images too"), Needs::Nothing,
-                    &MainWindow::chooseAndSaveStyle);
+  _add(menu, "", tr("&Bake"), {QKeySequence("Ctrl+B")},
+       tr("Make the light pixels, so that more light can be put on top"), Needs::Light,
+       &MainWindow::bake);
+  _add(menu, "", tr("&Save Style…"), {QKeySequence("Ctrl+Alt+T")},
+       tr("Save the lights as a style, for other images too"), Needs::Light,
+       &MainWindow::chooseAndSaveStyle);
   menu->addSeparator();
-  _unlight = _add(menu, "", tr("&Remove Light"), {QKeySequence("Ctrl+Shift+L")},
-                  tr("Show and save the image without light"), Needs::Nothing,
-                  [this] { _document.keep(_document.withoutLights(), tr("Remove Light")); });
+  _add(menu, "", tr("&Remove Light"), {QKeySequence("Ctrl+Shift+L")},
+       tr("Show and save the image without light"), Needs::Light,
+       [this] { _document.keep(_document.withoutLights(), tr("Remove Light")); });
 }
 
 void MainWindow::_makeFilterMenu() {
@@ -218,30 +224,20 @@ void MainWindow::_makeToolBar() {
   bar->addSeparator();
   bar->addActions({_undo, _redo});
   bar->addSeparator();
-  bar->addActions(_tools);
-  _brushSize = new QSpinBox(bar);
-  _brushSize->setRange(1, Canvas::MAX_BRUSH);
-  _brushSize->setValue(_canvas->brush().diameter);
-  _brushSize->setSuffix(tr(" px"));
-  _brushSize->setToolTip(tr("Diameter of the brush ([ and ])"));
-  _brushSize->setAccessibleName(tr("Diameter of the brush"));
-  bar->addWidget(_brushSize);
-  connect(_brushSize, &QSpinBox::valueChanged, _canvas, &Canvas::setBrushDiameter);
-  connect(_canvas, &Canvas::brushChanged, this,
-          [this] { _brushSize->setValue(_canvas->brush().diameter); });
+  bar->addActions(_tools->actions());
+  auto* brushSize = new QSpinBox(bar);
+  brushSize->setRange(1, Canvas::MAX_BRUSH);
+  brushSize->setValue(_canvas->brush().diameter);
+  brushSize->setSuffix(tr(" px"));
+  brushSize->setToolTip(tr("Diameter of the brush ([ and ])"));
+  brushSize->setAccessibleName(tr("Diameter of the brush"));
+  bar->addWidget(brushSize);
+  connect(brushSize, &QSpinBox::valueChanged, _canvas, &Canvas::setBrushDiameter);
+  connect(_canvas, &Canvas::brushChanged, brushSize, &QSpinBox::setValue);
   bar->addSeparator();
   bar->addActions({_fit, _original});
   bar->addSeparator();
   bar->addActions({_lighting, _repeat});
-}
-
-void MainWindow::_makeStatusBar() {
-  _lightFact = new QLabel(this);
-  _imageFacts = new QLabel(this);
-  _zoomFact = new QLabel(this);
-  statusBar()->addPermanentWidget(_lightFact);
-  statusBar()->addPermanentWidget(_imageFacts);
-  statusBar()->addPermanentWidget(_zoomFact);
 }
 
 void MainWindow::_useIcons() {

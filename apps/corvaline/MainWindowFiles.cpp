@@ -4,37 +4,19 @@
 #include "EditorTexts.h"
 #include "SavedLights.h"
 
-#include "atomic_file.h"
+#include "deep_lighting.h"
 #include "failure.h"
 
 #include <QFileDialog>
 #include <QGuiApplication>
-#include <QMessageBox>
 #include <QStandardPaths>
 #include <QStatusBar>
 
 namespace editor {
 namespace {
 
-// Waits for something short with the pointer saying so.
-class Busy {
-public:
-  Busy() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-  ~Busy() { QGuiApplication::restoreOverrideCursor(); }
-  Busy(const Busy&) = delete;
-  Busy& operator=(const Busy&) = delete;
-};
-
-// The sentence of what `work` failed with; empty when it did not.
-template <typename Work> QString Problem(Work work) {
-  try {
-    const Busy busy;
-    work();
-    return {};
-  } catch (...) {
-    // A library's own too: it must not end the program, and what was not saved.
-    return TranslatedProblem(QString::fromStdString(limn::CaughtFailure().what()));
-  }
+[[noreturn]] void Fail(const QString& why) {
+  throw limn::Failure(limn::ExitCode::Refused, why.toStdString());
 }
 
 // What became of the lights that the picture came with; empty when it had none.
@@ -63,6 +45,21 @@ QString Joined(const std::vector<std::string>& notices) {
 
 } // namespace
 
+bool MainWindow::_try(const QString& what, const std::function<void()>& work) {
+  QString problem;
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  try {
+    work();
+  } catch (...) {
+    // A library's own too: it must not end the program, and what was not saved.
+    problem = TranslatedProblem(QString::fromStdString(limn::CaughtFailure().what()));
+  }
+  QGuiApplication::restoreOverrideCursor();
+  if (!problem.isEmpty())
+    _complain(what, problem);
+  return problem.isEmpty();
+}
+
 QString MainWindow::_folder() const {
   if (!_document.isEmpty())
     return QFileInfo(_document.path()).absolutePath();
@@ -74,14 +71,12 @@ QString MainWindow::_folder() const {
 bool MainWindow::open(const QString& path) {
   if (_filter.isRunning() || !_mayLose())
     return false;
-  const QString problem = Problem([&] { _take(OpenPicture(path)); });
-  if (!problem.isEmpty()) {
+  const bool isOpen = _try(tr("The image could not be opened."), [&] { _take(OpenPicture(path)); });
+  if (isOpen)
+    _recent->add(path);
+  else
     _recent->remove(path);
-    _complain(tr("The image could not be opened."), problem);
-    return false;
-  }
-  _recent->add(path);
-  return true;
+  return isOpen;
 }
 
 void MainWindow::_take(OpenedImage image) {
@@ -103,29 +98,21 @@ bool MainWindow::saveRecipe(const QString& path) {
   _lights->flush();
   const QString maskPath = MaskPathOf(path);
   const QImage& mask = _document.selection().mask;
-  const QString problem = Problem([&] {
+  const bool isSaved = _try(tr("The recipe could not be saved."), [&] {
     std::optional<limn::Recipe> recipe = _document.travellingRecipe();
     if (!recipe)
-      throw limn::Failure(limn::ExitCode::BadInput,
-                          tr("No style lights the image exactly like this.").toStdString());
+      Fail(tr("No style lights the image exactly like this."));
     if (!recipe->original)
-      throw limn::Failure(limn::ExitCode::BadInput,
-                          tr("No file has the image any more as it is lit here.").toStdString());
+      Fail(tr("No file has the image any more as it is lit here."));
     if (!mask.isNull()) {
       if (!SaveMask(mask, maskPath))
-        throw limn::Failure(limn::ExitCode::CannotWrite,
-                            tr("The mask could not be saved.").toStdString());
+        Fail(tr("The mask could not be saved."));
       recipe->mask = limn::RecipeFileOf(Encoded(maskPath));
     }
-    const std::string text = limn::RecipeToJson(*recipe) + "\n";
-    limn::AtomicFile file(limn::ResolveTarget(Encoded(path)), limn::Existing::Replace);
-    file.Write(text.data(), text.size());
-    file.Commit();
+    SaveText(limn::RecipeToJson(*recipe) + "\n", path);
   });
-  if (!problem.isEmpty()) {
-    _complain(tr("The recipe could not be saved."), problem);
+  if (!isSaved)
     return false;
-  }
   _document.noteKept();
   statusBar()->showMessage(tr("Saved %1").arg(QFileInfo(path).fileName()), NOTICE_MILLISECONDS);
   return true;
@@ -133,35 +120,14 @@ bool MainWindow::saveRecipe(const QString& path) {
 
 void MainWindow::offer(LostLights lost) {
   const QString name = QFileInfo(lost.picture).fileName();
-  QMessageBox box(QMessageBox::Question, "Corvaline",
-                  tr("Lights of “%1” were not saved. Restore them?").arg(name),
-                  QMessageBox::Yes | QMessageBox::No, this);
-  box.setTextFormat(Qt::PlainText);
-  box.setInformativeText(tr("The program ended before they were. This is asked once."));
-  box.setDefaultButton(QMessageBox::Yes);
-  if (box.exec() == QMessageBox::Yes) {
-    const QString problem = Problem([&] { _take(lost.restored()); });
-    if (!problem.isEmpty())
-      return _complain(tr("The lights could not be restored. They stay for the next time."),
-                       problem);
-  }
-  lost.folder->remove();
-}
-
-// Lights the original while it is written, and tells how far that is when it takes a while.
-QStringList MainWindow::_write(const QString& path) {
-  struct Teller {
-    EditorDocument::GoOn tell;
-
-    static void Tell(VipsImage*, VipsProgress* progress, Teller* teller) {
-      teller->tell(progress->percent / 100.0);
-    }
-  };
-  Teller teller{_progress(tr("Saving, %1 %"))};
-  const vips::VImage planes = _document.litPlanes();
-  vips_image_set_progress(planes.get_image(), TRUE);
-  g_signal_connect(planes.get_image(), "eval", G_CALLBACK(Teller::Tell), &teller);
-  return SaveImageFile(_document.original().photograph, planes, _document.travellingRecipe(), path);
+  const auto answer =
+      _ask(QMessageBox::Question, tr("Lights of “%1” were not saved. Restore them?").arg(name),
+           tr("The program ended before they were. This is asked once."),
+           QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+  if (answer != QMessageBox::Yes ||
+      _try(tr("The lights could not be restored. They stay for the next time."),
+           [&] { _take(lost.restored()); }))
+    lost.folder->remove();
 }
 
 bool MainWindow::saveTo(const QString& path) {
@@ -169,14 +135,17 @@ bool MainWindow::saveTo(const QString& path) {
     return false;
   _lights->flush();
   QStringList notices;
-  const QString problem =
-      IsWritable(path)
-          ? Problem([&] { notices = _write(path); })
-          : tr("%1: choose a name that ends in .jpg, .png, .tif or another known format").arg(path);
-  if (!problem.isEmpty()) {
-    _complain(tr("The image could not be saved."), problem);
+  const bool isSaved = _try(tr("The image could not be saved."), [&] {
+    if (!IsWritable(path))
+      Fail(tr("%1: choose a name that ends in .jpg, .png, .tif or another known format").arg(path));
+    // It is lit while it is written; how far that is, is told when it takes a while.
+    const vips::VImage planes = _document.litPlanes();
+    const limn::ProgressAsker asker(planes, _progress(tr("Saving, %1 %")));
+    notices =
+        SaveImageFile(_document.original().photograph, planes, _document.travellingRecipe(), path);
+  });
+  if (!isSaved)
     return false;
-  }
   _document.noteSaved(path);
   _recent->add(path);
   notices.prepend(tr("Saved %1").arg(QFileInfo(path).fileName()));
@@ -187,26 +156,21 @@ bool MainWindow::saveTo(const QString& path) {
 bool MainWindow::loadChannel(const QString& path) {
   if (_document.isEmpty())
     return false;
-  QString problem = Problem([&] {
+  const bool isLoaded = _try(tr("The channel could not be loaded."), [&] {
     limn::GreyImage channel = OpenChannelFile(path);
     const QSize size(channel.width, channel.height);
     if (!_document.addChannel(std::move(channel)))
-      throw limn::Failure(limn::ExitCode::BadInput,
-                          tr("%1: is %2 × %3 pixels, and the image is %4 × %5")
-                              .arg(path, QString::number(size.width()),
-                                   QString::number(size.height()),
-                                   QString::number(_document.size().width()),
-                                   QString::number(_document.size().height()))
-                              .toStdString());
+      Fail(tr("%1: is %2 × %3 pixels, and the image is %4 × %5")
+               .arg(path, QString::number(size.width()), QString::number(size.height()),
+                    QString::number(_document.size().width()),
+                    QString::number(_document.size().height())));
   });
-  if (!problem.isEmpty())
-    _complain(tr("The channel could not be loaded."), problem);
-  else
+  if (isLoaded)
     statusBar()->showMessage(tr("Channel %1 is now “%2”")
                                  .arg(_document.channelNames().size())
                                  .arg(_document.channelNames().last()),
                              NOTICE_MILLISECONDS);
-  return problem.isEmpty();
+  return isLoaded;
 }
 
 static QString imageFilter() {

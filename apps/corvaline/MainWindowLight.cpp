@@ -1,23 +1,15 @@
 // Light: styles, the filter, and what makes it pixels.
 #include "MainWindow.h"
 
-#include "EditorTexts.h"
-
-#include "failure.h"
 #include "style_source.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QMenu>
 #include <QStatusBar>
 
 namespace editor {
 
-namespace {
-
-constexpr int UNTOLD = 250; // what takes longer is told, in milliseconds
-
-} // namespace
+static constexpr int UNTOLD = 250; // what takes longer is told, in milliseconds
 
 void MainWindow::_makeStylePanel(QMenu* menu) {
   _styles = new StylePanel(_document, this);
@@ -45,8 +37,7 @@ bool MainWindow::runFilter(CVDialog dialog) {
   _showState();
   if (result.ok() && bakes && _document.originalNumber() != original)
     statusBar()->showMessage(tr("The light that was there has become pixels"), NOTICE_MILLISECONDS);
-  _tellResult(result);
-  return result.ok();
+  return _isDone(result);
 }
 
 bool MainWindow::bake() {
@@ -55,8 +46,7 @@ bool MainWindow::bake() {
     return false;
   const CVResult result = _document.bake(tr("Bake"), _progress(tr("Lighting, %1 %")));
   statusBar()->clearMessage();
-  _tellResult(result);
-  return result.ok();
+  return _isDone(result);
 }
 
 EditorDocument::GoOn MainWindow::_progress(const QString& text) {
@@ -72,30 +62,25 @@ EditorDocument::GoOn MainWindow::_progress(const QString& text) {
   };
 }
 
-void MainWindow::_tellResult(const CVResult& result) {
+bool MainWindow::_isDone(const CVResult& result) {
   // Who cancelled knows, and who was told by the filter need not be told again.
   if (!result.ok() && result.outcome != CVOutcome::Cancelled &&
       result.outcome != CVOutcome::Stopped)
     _complain(tr("The image could not be lit."), QString::fromStdString(result.message));
+  return result.ok();
 }
 
 bool MainWindow::applyStyle(const QString& name) {
   if (_document.isEmpty() || _filter.isRunning())
     return false;
   limn::NamedStyle named{};
-  try {
-    named = limn::FindStyle(QFile::encodeName(name).toStdString());
-  } catch (const limn::Failure& failure) {
-    _complain(tr("The style could not be read."),
-              TranslatedProblem(QString::fromStdString(failure.what())));
+  if (!_try(tr("The style could not be read."), [&] { named = limn::FindStyle(Encoded(name)); }))
     return false;
-  }
   Recipe recipe = _document.withLights(named.style);
   if (named.relief.kind != LM_height_kind::Style)
     recipe.relief = named.relief;
-  _document.keep(recipe, tr("Style “%1”")
-                             .arg(QString::fromStdString(
-                                 limn::LabelOf(QFile::encodeName(name).toStdString()))));
+  _document.keep(recipe,
+                 tr("Style “%1”").arg(QString::fromStdString(limn::LabelOf(Encoded(name)))));
   return true;
 }
 

@@ -1,21 +1,16 @@
 // The lights as a style of their own.
 #include "MainWindow.h"
 
-#include "EditorTexts.h"
-
 #include "LM_mac_stream.h"
 #include "LM_style_codec.h"
 #include "LM_style_json.h"
 #include "LM_style_lengths.h"
 #include "MacFiles.h"
-#include "atomic_file.h"
-#include "failure.h"
 #include "style_source.h"
 
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QStatusBar>
 
@@ -76,16 +71,11 @@ bool MainWindow::_maySaveAsFile(bool& asJson) {
 bool MainWindow::saveStyle(const QString& path) {
   if (!_document.recipe().lights)
     return false;
-  try {
-    const std::string text = StyleText(_document.recipe(), path.endsWith(JSON_ENDING));
-    limn::AtomicFile file(limn::ResolveTarget(Encoded(path)), limn::Existing::Replace);
-    file.Write(text.data(), text.size());
-    file.Commit();
-  } catch (const limn::Failure& failure) {
-    _complain(tr("The style could not be saved."),
-              TranslatedProblem(QString::fromStdString(failure.what())));
+  const bool isSaved = _try(tr("The style could not be saved."), [&] {
+    SaveText(StyleText(_document.recipe(), path.endsWith(JSON_ENDING)), path);
+  });
+  if (!isSaved)
     return false;
-  }
   _styles->readAgain();
   statusBar()->showMessage(tr("Saved %1").arg(QFileInfo(path).fileName()), NOTICE_MILLISECONDS);
   return true;

@@ -27,7 +27,7 @@ ExitCode PrintChannels(const ChannelsOptions& options) {
   const int numPlanes = CountPlanes(options.image);
   // A document names its own channels; it needs no pixels for that.
   CVDocument document;
-  if (!document.create(1, 1, CV_MODE_RGB, numPlanes).ok())
+  if (!document.create(1, 1, numPlanes).ok())
     throw Failure(ExitCode::BadInput, options.image + ": has too many channels");
   for (const std::string& file : options.added)
     OpenRegularFile(file); // one that is missing is reported before anything is printed

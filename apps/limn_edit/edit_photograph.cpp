@@ -79,7 +79,7 @@ int16_t ShowPixels(const CVPixelMap* map, const CVRect32* source, int32_t row, i
 CVResult RunDialog(CVFilterSession& session, CVDocument& document, CVRect area, RunWindow& window) {
   CVRunOptions options;
   options.dialog = CVDialog::Yes;
-  options.services.showPixels = ShowPixels;
+  options.showPixels = ShowPixels;
   options.progress = [&](double share) { window.Show(share); };
   options.cancelled = [&] { return window.HasRunBegun(); };
   options.passing.finishRows = [](int, const std::shared_ptr<const CVBuffer>&) {};

@@ -154,7 +154,7 @@ CVDocument MakeDocument(Surroundings& surroundings, Photograph& photograph,
   CVDocument document;
   const size_t rowStride = static_cast<size_t>(photograph.width) * photograph.numPlanes;
   CheckRun(document.wrap(photograph.pixels.data(), rowStride, photograph.width, photograph.height,
-                         CV_MODE_RGB, photograph.numPlanes),
+                         photograph.numPlanes),
            file);
   for (GreyImage& channel : surroundings.channels) {
     NoteScaling(channel, photograph.width, photograph.height, photograph.notices);

@@ -34,7 +34,7 @@ PluginImage::PluginImage(const CVPlugin& plugin, const LM_style& style, Surround
     : _planes(planes), _file(file), _surroundings(std::move(surroundings)),
       _area(AreaOf(_surroundings, planes.width(), planes.height(), file)),
       _hasSourceFailed(std::move(hasSourceFailed)) {
-  CheckRun(_document.create(planes.width(), planes.height(), CV_MODE_RGB, planes.bands()), file);
+  CheckRun(_document.create(planes.width(), planes.height(), planes.bands()), file);
   AddSurroundings(_document, _surroundings, file);
   std::shared_ptr<const foo> parameters =
       MakeParameters(style, _area, _document.channelCount(), file);

@@ -108,8 +108,8 @@ TEST(Delivery, EveryByteIsTheRequestedOne) {
   std::mt19937 random(1);
   for (int i = 0; i < 30; ++i) {
     SCOPED_TRACE(i);
-    CVDocument document = randomDocument(random, pick(random, 1, 40), pick(random, 1, 40),
-                                         pick(random, 3, 5), pick(random, 0, 2), i % 2 == 0);
+    TestDocument document = randomDocument(random, pick(random, 1, 40), pick(random, 1, 40),
+                                           pick(random, 3, 5), pick(random, 0, 2), i % 2 == 0);
     checkDeliveries(random, document);
   }
 }
@@ -117,12 +117,11 @@ TEST(Delivery, EveryByteIsTheRequestedOne) {
 TEST(Delivery, WrappedMemoryKeepsItsStrides) {
   std::mt19937 random(2);
   constexpr int width = 19, height = 7;
-  std::vector<uint8_t> base(height * 100), extra(height * 23), mask(height * 21);
-  for (auto* bytes : {&base, &extra, &mask})
-    for (auto& byte : *bytes)
-      byte = static_cast<uint8_t>(random());
+  std::vector<uint8_t> base = randomPlane(random, height, 100);
+  std::vector<uint8_t> extra = randomPlane(random, height, 23);
+  const std::vector<uint8_t> mask = randomPlane(random, height, 21);
   CVDocument document;
-  ASSERT_TRUE(document.wrap(base.data(), 100, width, height, CV_MODE_RGB, 4).ok());
+  ASSERT_TRUE(document.wrap(base.data(), 100, width, height, 4).ok());
   ASSERT_TRUE(document.wrapChannel("Height", extra.data(), 23).ok());
   ASSERT_TRUE(document.wrapMask(mask.data(), 21).ok());
   checkDeliveries(random, document);
@@ -131,7 +130,7 @@ TEST(Delivery, WrappedMemoryKeepsItsStrides) {
 // A margin far out repeats the one pixel there is, and whole images are lent without being copied.
 TEST(Delivery, FarMarginsAndWholeImages) {
   std::mt19937 random(3);
-  CVDocument document = randomDocument(random, 1, 1, 3, 0, false);
+  TestDocument document = randomDocument(random, 1, 1, 3, 0, false);
   Plan plan;
   plan.start = [](FilterRecord& record) -> int16_t {
     record.inTileRect = {-32768, 32000, -32700, 32767};

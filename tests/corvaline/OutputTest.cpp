@@ -110,14 +110,14 @@ TEST(Output, TiledEqualsWhole) {
   for (const auto& test : cases)
     for (const bool wrapped : {false, true}) {
       SCOPED_TRACE(std::string(test.name) + (wrapped ? ", wrapped" : ", owned"));
-      CVDocument owned =
+      TestDocument owned =
           randomDocument(random, test.width, test.height, test.planes, test.extras, test.masked);
       CVDocument wrapper;
       CVDocument& document = wrapped ? wrapper : owned;
       if (wrapped) {
         ASSERT_TRUE(wrapper
                         .wrap(owned.channel(0).data, owned.channel(0).rowStride, test.width,
-                              test.height, CV_MODE_RGB, test.planes)
+                              test.height, test.planes)
                         .ok());
         if (test.masked) {
           ASSERT_TRUE(wrapper.wrapMask(owned.mask().data, owned.mask().rowStride).ok());
@@ -143,7 +143,7 @@ TEST(Output, TiledEqualsWhole) {
 TEST(Output, RowsPassThrough) {
   std::mt19937 random(6);
   for (const CVRect area : {CVRect{0, 0, 41, 70}, CVRect{5, 7, 30, 44}}) {
-    CVDocument document = randomDocument(random, 70, 41, 3, 0, area.top > 0);
+    TestDocument document = randomDocument(random, 70, 41, 3, 0, area.top > 0);
     const auto original = bytesOf(document);
     const auto expected = expectedShift(document, area);
     int needed = 0;
@@ -203,7 +203,7 @@ TEST(Output, RowsPassThrough) {
 // with absolute planes an extra channel can be written.
 TEST(Output, PresentContentIsDelivered) {
   std::mt19937 random(5);
-  CVDocument document = randomDocument(random, 20, 10, 4, 1, false);
+  TestDocument document = randomDocument(random, 20, 10, 4, 1, false);
   const auto original = bytesOf(document);
   Plan plan;
   plan.start = [](FilterRecord& record) -> int16_t {

@@ -10,11 +10,6 @@ static int act(int selector, void* record, intptr_t* data, int16_t* result) {
   Plan& plan = *current;
   plan.calls.push_back(selector);
   plan.slot = data;
-  if (selector == LM_SEL_ABOUT) {
-    if (plan.about)
-      *result = plan.about(*static_cast<CVAboutRecord*>(record));
-    return 0;
-  }
   plan.record = static_cast<FilterRecord*>(record);
   const auto& step = selector == LM_SEL_PARAMETERS ? plan.parameters
                      : selector == LM_SEL_PREPARE  ? plan.prepare
@@ -42,24 +37,24 @@ void stopAsking(FilterRecord& record) {
   record.inTileRect = record.outTileRect = record.maskTileRect = {0, 0, 0, 0};
 }
 
-static void fill(std::mt19937& random, const CVChannelView<uint8_t>& view, int width, int height) {
-  for (int row = 0; row < height; ++row)
-    for (int column = 0; column < width; ++column)
-      view.data[static_cast<size_t>(row) * view.rowStride +
-                static_cast<size_t>(column) * view.pixelStep] = static_cast<uint8_t>(random());
+std::vector<uint8_t> randomPlane(std::mt19937& random, int rows, int rowStride) {
+  std::vector<uint8_t> bytes(static_cast<size_t>(rows) * static_cast<size_t>(rowStride));
+  for (uint8_t& byte : bytes)
+    byte = static_cast<uint8_t>(random());
+  return bytes;
 }
 
-CVDocument randomDocument(std::mt19937& random, int width, int height, int planes, int extras,
-                          bool masked) {
-  CVDocument document;
-  EXPECT_TRUE(document.create(width, height, CV_MODE_RGB, planes).ok());
-  for (int i = 0; i < extras; ++i)
-    EXPECT_TRUE(document.addChannel("Extra").ok());
-  for (int i = 0; i < document.channelCount(); ++i)
-    fill(random, document.channel(i), width, height);
-  if (masked) {
-    EXPECT_TRUE(document.createMask(0).ok());
-    fill(random, document.mask(), width, height);
+TestDocument randomDocument(std::mt19937& random, int width, int height, int planes, int extras,
+                            bool masked) {
+  TestDocument document;
+  EXPECT_TRUE(document.create(width, height, planes).ok());
+  const std::vector<uint8_t> base = randomPlane(random, height, width * planes);
+  std::copy(base.begin(), base.end(), document.channel(0).data);
+  for (int i = 0; i < extras + (masked ? 1 : 0); ++i) {
+    uint8_t* plane = document.planes.emplace_back(randomPlane(random, height, width)).data();
+    EXPECT_TRUE((i < extras ? document.wrapChannel("Extra", plane, static_cast<size_t>(width))
+                            : document.wrapMask(plane, static_cast<size_t>(width)))
+                    .ok());
   }
   return document;
 }

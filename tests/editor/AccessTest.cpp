@@ -65,7 +65,7 @@ TEST_F(EditorRun, HelpShowsThePages) {
   window->showHelp();
   auto* pages = window->findChild<editor::HelpWindow*>();
   ASSERT_NE(pages, nullptr);
-  QTextBrowser& browser = pages->browser();
+  QTextBrowser& browser = *pages->findChild<QTextBrowser*>();
   EXPECT_TRUE(browser.toPlainText().contains("Ten minutes with Limn"));
   browser.setSource(QUrl("tutorial.md"));
   EXPECT_TRUE(browser.toPlainText().contains("Put lights on it"));

@@ -1,5 +1,7 @@
 #include "Canvas.h"
 
+#include "LightOverlay.h"
+
 #include <QApplication>
 #include <QMouseEvent>
 #include <QScrollBar>
@@ -13,6 +15,8 @@ namespace editor {
 static constexpr int PATIENCE = 250;
 // From the line, within which it is dragged.
 static constexpr double SPLIT_REACH = 6.0;
+// Of a zoom's logarithm, within which it is a round one.
+static constexpr double STEP_SLACK = 0.01;
 
 Canvas::Canvas(EditorDocument& document, QWidget* parent)
     : QAbstractScrollArea(parent), _document(document), _lighting(document) {
@@ -37,6 +41,19 @@ void Canvas::_showImage() {
   _updateCursor();
 }
 
+QRect Canvas::_seen(QSize size) const {
+  const QSizeF full = _document.size();
+  const QRectF view(viewport()->rect());
+  const auto place = [&](QPointF viewportPoint) {
+    const QPointF point = toImage(viewportPoint);
+    return QPointF(point.x() * (size.width() / full.width()),
+                   point.y() * (size.height() / full.height()));
+  };
+  return QRectF(place(view.topLeft()), place(view.bottomRight()))
+      .toAlignedRect()
+      .intersected(QRect(QPoint(0, 0), size));
+}
+
 // What is seen: below its own size the picture is reduced to whole pixels of the screen.
 View Canvas::_view() const {
   const QSize full = _document.size();
@@ -44,16 +61,8 @@ View Canvas::_view() const {
   const auto reduced = [zoom](int side) {
     return std::max(1, static_cast<int>(std::lround(side * zoom)));
   };
-  const View view{{reduced(full.width()), reduced(full.height())}, {}};
-  const double shareX = static_cast<double>(view.size.width()) / full.width();
-  const double shareY = static_cast<double>(view.size.height()) / full.height();
-  const QRectF seen(viewport()->rect());
-  const QPointF from = toImage(seen.topLeft());
-  const QPointF to = toImage(seen.bottomRight());
-  const QRect part = QRectF(QPointF(from.x() * shareX, from.y() * shareY),
-                            QPointF(to.x() * shareX, to.y() * shareY))
-                         .toAlignedRect();
-  return {view.size, part.intersected(QRect(QPoint(0, 0), view.size))};
+  const QSize size(reduced(full.width()), reduced(full.height()));
+  return {size, _seen(size)};
 }
 
 void Canvas::_ask() {
@@ -98,7 +107,7 @@ void Canvas::setBrushDiameter(int diameter) {
   if (diameter == _brush.diameter)
     return;
   _brush.diameter = diameter;
-  Q_EMIT brushChanged();
+  Q_EMIT brushChanged(diameter);
   viewport()->update();
 }
 
@@ -180,20 +189,13 @@ void Canvas::zoomToFit() {
   _fits = true;
 }
 
-// The next of the round steps 12.5 %, 25 %, 50 %, 100 % …
-void Canvas::_stepZoom(double factor, QPointF anchor) {
-  const double steps = std::log2(_zoom);
-  constexpr double SLACK = 0.01;
-  setZoom(std::exp2(factor > 1 ? std::floor(steps + SLACK) + 1 : std::ceil(steps - SLACK) - 1),
-          anchor);
-}
-
+// To the next of the round steps 12.5 %, 25 %, 50 %, 100 % …
 void Canvas::zoomIn() {
-  _stepZoom(2.0, QRectF(viewport()->rect()).center());
+  setZoom(std::exp2(std::floor(std::log2(_zoom) + STEP_SLACK) + 1));
 }
 
 void Canvas::zoomOut() {
-  _stepZoom(0.5, QRectF(viewport()->rect()).center());
+  setZoom(std::exp2(std::ceil(std::log2(_zoom) - STEP_SLACK) - 1));
 }
 
 void Canvas::resizeEvent(QResizeEvent*) {

@@ -3,13 +3,14 @@
 
 #include "Brush.h"
 #include "CanvasLighting.h"
-#include "CanvasOverlay.h"
 #include "EditorDocument.h"
 
 #include <QAbstractScrollArea>
 #include <QTimer>
 
 namespace editor {
+
+class LightOverlay;
 
 enum class Tool { Hand, Rectangle, Brush };
 
@@ -52,14 +53,14 @@ public:
   bool hasImage() const { return !_document.isEmpty(); }
 
   // Lies on top of everything; not owned.
-  void setOverlay(CanvasOverlay* overlay) { _overlay = overlay; }
+  void setOverlay(LightOverlay* overlay) { _overlay = overlay; }
 
   QPointF toImage(QPointF viewportPoint) const;
   QPointF toViewport(QPointF imagePoint) const;
 
 Q_SIGNALS:
   void zoomChanged();
-  void brushChanged();
+  void brushChanged(int diameter);
   // A picture is being made that takes a while; or is there.
   void waiting(bool isWaiting);
   // Why there is none.
@@ -81,13 +82,14 @@ private:
   enum class Drag { None, Pan, Rectangle, Brush, Split };
 
   void _showImage();
+  // The whole pixels that the viewport shows of the picture, if it had that size.
+  QRect _seen(QSize size) const;
   View _view() const;
   void _ask();
   void _take(const Frame& frame);
   double _scale() const; // viewport units per image pixel
   QPointF _origin() const;
   void _fitScrollBars();
-  void _stepZoom(double factor, QPointF anchor);
   void _beginStroke(QPointF point, BrushInk ink);
   void _stroke(QPointF point);
   QRect _rectangleTo(QPointF imagePoint) const;
@@ -102,7 +104,7 @@ private:
   void _paintHint(QPainter& painter) const;
 
   EditorDocument& _document;
-  CanvasOverlay* _overlay = nullptr;
+  LightOverlay* _overlay = nullptr;
   CanvasLighting _lighting;
   FrameWish _asked;    // last
   int _firstAsked = 0; // of the present image

@@ -1,6 +1,8 @@
 // How the view looks.
 #include "Canvas.h"
 
+#include "LightOverlay.h"
+
 #include <QPainter>
 #include <QPen>
 
@@ -68,14 +70,6 @@ void Canvas::_paintHint(QPainter& painter) const {
                        .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)));
 }
 
-// The whole pixels of an image that a viewport shows.
-static QRect visiblePart(const Canvas& canvas, QSize image) {
-  const QRectF view(canvas.viewport()->rect());
-  return QRectF(canvas.toImage(view.topLeft()), canvas.toImage(view.bottomRight()))
-      .toAlignedRect()
-      .intersected(QRect(QPoint(0, 0), image));
-}
-
 // As large as the zoom has it by now: pixel for pixel where it was made for this one.
 void Canvas::_paintFrame(QPainter& painter, const Frame& frame, const QImage& image) const {
   const QSizeF full = _document.size();
@@ -140,7 +134,7 @@ void Canvas::_paintSplit(QPainter& painter) const {
 }
 
 void Canvas::_paintMask(QPainter& painter, const QImage& mask) const {
-  const QRectF source(visiblePart(*this, mask.size()));
+  const QRectF source(_seen(mask.size()));
   const QRectF target(toViewport(source.topLeft()), toViewport(source.bottomRight()));
   if (target.isEmpty())
     return;

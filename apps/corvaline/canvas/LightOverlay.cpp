@@ -264,9 +264,8 @@ bool LightOverlay::_key(const QKeyEvent& event) {
     const float length = event.modifiers().testFlag(Qt::ShiftModifier) ? FAR : 1;
     _model.changeSoon(
         [&](LM_style& style) {
-          LM_light_figure figure = _model.figure(_model.selected());
-          figure.center = {figure.center.x + x * length, figure.center.y + y * length};
-          SetFigure(style.lights[_model.selected()], figure);
+          LM_vector2f& center = style.lights[_model.selected()].center;
+          center = {center.x + x * length, center.y + y * length};
         },
         tr("Move Light"));
     return true;

@@ -1,11 +1,12 @@
 // The lights on the picture: their handles, and the mouse and keys that move them.
 #pragma once
 
-#include "CanvasOverlay.h"
 #include "LM_handles.h"
 #include "LightsModel.h"
 
 #include <QMouseEvent>
+
+#include <optional>
 
 namespace editor {
 
@@ -15,15 +16,18 @@ class Canvas;
 // mouse is down it is only tried; letting go keeps it as one step, Esc gives it up. Shift keeps a
 // handle's direction, Ctrl its length, and Alt drags a copy. New lights are dragged from the lamp
 // in the corner, or made by a double click.
-class LightOverlay : public QObject, public CanvasOverlay {
+class LightOverlay : public QObject {
   Q_OBJECT
 
 public:
   LightOverlay(LightsModel& model, Canvas& canvas);
 
-  void paint(QPainter& painter) override;
-  bool handle(QEvent& event) override;
-  std::optional<Qt::CursorShape> cursor() const override;
+  // On the canvas's viewport.
+  void paint(QPainter& painter);
+  // Gets the mouse's events over the viewport and the keys of the canvas first. True: it is taken.
+  bool handle(QEvent& event);
+  // The mouse's cursor, where it is not the tool's.
+  std::optional<Qt::CursorShape> cursor() const;
 
   // Where a handle of a light is shown.
   QPointF placeOf(int light, int code) const;

@@ -18,10 +18,6 @@ namespace {
 constexpr int MOMENT = 500; // in milliseconds: between two turns of a wheel, or two keys
 constexpr float COPY_OFFSET = 8;
 
-LM_vector2f Mirrored(LM_vector2f vector) {
-  return {0.0F - vector.x, vector.y};
-}
-
 bool IsSame(const LM_style& a, const LM_style& b) {
   return LM_StyleToJson(a) == LM_StyleToJson(b);
 }
@@ -199,10 +195,8 @@ bool LightsModel::add(LM_vector2f place) {
 bool LightsModel::duplicate() {
   if (!_hasSelected())
     return false;
-  LM_light_figure shape = figure(_selected);
-  shape.center = {shape.center.x + COPY_OFFSET, shape.center.y + COPY_OFFSET};
   LM_style_light copy = light(_selected);
-  SetFigure(copy, shape);
+  copy.center = {copy.center.x + COPY_OFFSET, copy.center.y + COPY_OFFSET};
   if (!tryAdding(copy))
     return false;
   keep(tr("Copy Light"));
@@ -232,10 +226,9 @@ void LightsModel::mirror() {
     return;
   change(
       [this](LM_style& style) {
-        LM_light_figure shape = figure(_selected);
-        for (LM_vector2f* vector : {&shape.center, &shape.handle1, &shape.handle2})
-          *vector = Mirrored(*vector);
-        SetFigure(_current(style), shape);
+        LM_style_light& light = _current(style);
+        for (LM_vector2f* vector : {&light.center, &light.handle1, &light.handle2})
+          vector->x = 0.0F - vector->x;
       },
       tr("Mirror Light"));
 }
@@ -272,12 +265,11 @@ void LightsModel::setType(uint16_t code) {
       [&](LM_style& style) {
         LM_style_light& light = _current(style);
         light.type = code;
-        LM_light_figure shape = LM_FigureOf(light);
-        if (shape.type == LM_LIGHT_SPOT)
-          shape.handle2 = LM_SecondAxis(shape.handle1, shape.handle2, LM_handle_grid::Fractions);
-        if (shape.type == LM_LIGHT_OMNI)
-          shape.radius = std::max(shape.radius, 1.0F);
-        SetFigure(light, shape);
+        const auto type = LM_LightKindOfCode(code).type;
+        if (type == LM_LIGHT_SPOT)
+          light.handle2 = LM_SecondAxis(light.handle1, light.handle2, LM_handle_grid::Fractions);
+        if (type == LM_LIGHT_OMNI)
+          light.radius = std::max(light.radius, 1.0F);
       },
       tr("Kind of Light"));
 }

@@ -8,23 +8,16 @@
 #include <QTextDocument>
 
 namespace editor {
-namespace {
 
-QString SystemLocale() {
+static QString SystemLocale() {
   for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
     if (const QString value = qEnvironmentVariable(variable); !value.isEmpty())
       return value.section('.', 0, 0).section('@', 0, 0);
   return "en";
 }
 
-QString Language(const QString& locale) {
-  return locale.section('_', 0, 0);
-}
-
-} // namespace
-
 EditorTexts::EditorTexts(const QString& locale) {
-  for (const QString& name : {locale, Language(locale)}) {
+  for (const QString& name : {locale, locale.section('_', 0, 0)}) {
     QFile file(":/texts/" + name + ".json");
     if (!file.open(QIODevice::ReadOnly))
       continue;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 
 namespace editor {
 namespace {
@@ -51,19 +52,16 @@ LM_color48 ColorOfTemperature(int kelvin) {
 }
 
 int NearestTemperature(const LM_color48& color) {
-  int nearest = LOWEST_KELVIN;
-  double least = INFINITY;
-  for (int kelvin = LOWEST_KELVIN; kelvin <= HIGHEST_KELVIN; kelvin += KELVIN_STEP) {
-    const LM_color48 candidate = ColorOfTemperature(kelvin);
-    double distance = 0;
+  const auto distance = [&](int steps) {
+    const LM_color48 candidate = ColorOfTemperature(steps * KELVIN_STEP);
+    double sum = 0;
     for (int plane = 0; plane < LM_PLANES; ++plane)
-      distance += std::pow(candidate.component[plane] - color.component[plane], 2);
-    if (distance < least) {
-      least = distance;
-      nearest = kelvin;
-    }
-  }
-  return nearest;
+      sum += std::pow(candidate.component[plane] - color.component[plane], 2);
+    return sum;
+  };
+  constexpr auto STEPS =
+      std::views::iota(LOWEST_KELVIN / KELVIN_STEP, HIGHEST_KELVIN / KELVIN_STEP + 1);
+  return KELVIN_STEP * std::ranges::min(STEPS, {}, distance);
 }
 
 } // namespace editor

@@ -2,21 +2,15 @@
 
 #include <QThreadPool>
 
-#include <exception>
 #include <memory>
 
 namespace editor {
 
 void Digests::note(const std::string& path) {
-  auto promise = std::make_shared<std::promise<limn::RecipeFile>>();
-  _files[path] = promise->get_future().share();
-  QThreadPool::globalInstance()->start([promise, path] {
-    try {
-      promise->set_value(limn::RecipeFileOf(path));
-    } catch (...) {
-      promise->set_exception(std::current_exception());
-    }
-  });
+  const auto reading = std::make_shared<std::packaged_task<limn::RecipeFile()>>(
+      [path] { return limn::RecipeFileOf(path); });
+  _files[path] = reading->get_future().share();
+  QThreadPool::globalInstance()->start([reading] { (*reading)(); });
 }
 
 limn::RecipeFile Digests::of(const std::string& path) {

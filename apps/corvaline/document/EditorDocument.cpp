@@ -89,7 +89,7 @@ QStringList EditorDocument::channelNames() const {
   QStringList names;
   // A document names its own channels; it needs no pixels for that.
   CVDocument document;
-  if (!isEmpty() && document.create(1, 1, CV_MODE_RGB, photograph().numPlanes).ok())
+  if (!isEmpty() && document.create(1, 1, photograph().numPlanes).ok())
     for (int channel = 0; channel < document.channelCount(); ++channel)
       names << QString::fromStdString(document.channelName(channel));
   for (const limn::GreyImage& channel : _original.channels)
@@ -253,10 +253,11 @@ void EditorDocument::_move(std::deque<Step>& from, std::deque<Step>& to) {
   Q_EMIT stateChanged();
 }
 
-// Puts the area's pixels in the place of the original's.
-CVResult EditorDocument::_light(const QRect& area, const GoOn& goOn) {
+// Puts the filter area's pixels in the place of the original's.
+CVResult EditorDocument::_light(const GoOn& goOn) {
   if (!_recipe.isLit())
     return {};
+  const QRect area = filterArea();
   limn::Photograph lit;
   lit.width = area.width();
   lit.height = area.height();
@@ -346,7 +347,7 @@ CVResult EditorDocument::bake(const QString& step, const GoOn& goOn, const Recip
   }
   const Recipe kept = next.isLit() ? next : withoutLights();
   return _changePixels(step, [&] {
-    CVResult lit = _light(filterArea(), goOn);
+    CVResult lit = _light(goOn);
     _recipe = kept;
     return lit;
   });
@@ -354,40 +355,37 @@ CVResult EditorDocument::bake(const QString& step, const GoOn& goOn, const Recip
 
 CVResult EditorDocument::change(const QString& step, const Filter& filter, const GoOn& goOn) {
   return _changePixels(step, [&] {
-    CVResult lit = _light(filterArea(), goOn);
+    CVResult lit = _light(goOn);
     if (!lit.ok())
       return lit;
     _recipe = withoutLights();
-    return _run(filter, filterArea());
+    return _run(filter);
   });
 }
 
 CVResult EditorDocument::ask(const Filter& filter) {
-  return CVGuarded("the filter's dialog", [&] { return _run(filter, filterArea()); });
+  return CVGuarded("the filter's dialog", [&] { return _run(filter); });
 }
 
-CVResult EditorDocument::_wrap(CVDocument& document, QImage& mask) {
+// Lets `filter` see the original's 8 bits, its channels and the selection.
+CVResult EditorDocument::_run(const Filter& filter) {
   limn::Photograph& photograph = _original.photograph;
+  const QImage& mask = _selection.mask;
   const auto width = static_cast<size_t>(photograph.width);
+  CVDocument document;
   CVResult result =
       document.wrap(photograph.pixels.data(), width * static_cast<size_t>(photograph.numPlanes),
-                    photograph.width, photograph.height, CV_MODE_RGB, photograph.numPlanes);
+                    photograph.width, photograph.height, photograph.numPlanes);
   for (limn::GreyImage& channel : _original.channels)
     if (result.ok())
       result = document.wrapChannel(limn::ChannelName(channel.file), channel.pixels.data(), width);
   if (result.ok() && !mask.isNull())
-    result = document.wrapMask(mask.bits(), static_cast<size_t>(mask.bytesPerLine()));
-  return result;
-}
-
-CVResult EditorDocument::_run(const Filter& filter, const QRect& area) {
-  QImage mask = _selection.mask;
-  CVDocument document;
-  const CVResult wrapped = _wrap(document, mask);
+    result = document.wrapMask(mask.constBits(), static_cast<size_t>(mask.bytesPerLine()));
+  const QRect area = filterArea();
   const auto side = [](int value) { return static_cast<int16_t>(value); };
   const CVRect rect = {side(area.y()), side(area.x()), side(area.y() + area.height()),
                        side(area.x() + area.width())};
-  return wrapped.ok() ? filter(document, rect) : wrapped;
+  return result.ok() ? filter(document, rect) : result;
 }
 
 EditorDocument::Content EditorDocument::_content() const {

@@ -157,13 +157,12 @@ private:
   Content _content() const;
   std::vector<Buffer> _buffers();
   Step _stepBack(const QString& name, const QRect& pixelArea);
-  CVResult _light(const QRect& area, const GoOn& goOn);
+  CVResult _light(const GoOn& goOn);
   void _record(Step step);
   void _move(std::deque<Step>& from, std::deque<Step>& to);
   void _exchange(Step& step);
   void _notePixels();
-  CVResult _wrap(CVDocument& document, QImage& mask);
-  CVResult _run(const Filter& filter, const QRect& area);
+  CVResult _run(const Filter& filter);
   CVResult _changePixels(const QString& step, const std::function<CVResult()>& change);
 
   Original _original;

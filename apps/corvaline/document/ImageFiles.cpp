@@ -77,6 +77,12 @@ bool SaveMask(const QImage& mask, const QString& path) {
   return file.open(QIODevice::WriteOnly) && mask.save(&file, "PNG") && file.commit();
 }
 
+void SaveText(std::string_view text, const QString& path) {
+  limn::AtomicFile file(limn::ResolveTarget(Encoded(path)), limn::Existing::Replace);
+  file.Write(text.data(), text.size());
+  file.Commit();
+}
+
 LM_height_plane HeightsOf(const LM_height_source& source, const limn::HeightSubject& subject) {
   const std::lock_guard lock(oneAtATime);
   const std::string file = limn::ShownName(subject.path);

@@ -12,6 +12,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <string_view>
 
 namespace editor {
 
@@ -60,6 +61,8 @@ QStringList SaveImageFile(limn::Photograph& photograph, const vips::VImage& plan
 std::optional<std::string> RecipeInFile(const QString& path);
 // False when it cannot be written; what is at `path` stays until the new file is complete.
 bool SaveMask(const QImage& mask, const QString& path);
+// Replaces what is at `path`, which stays until the new file is complete. Throws limn::Failure.
+void SaveText(std::string_view text, const QString& path);
 
 // libvips' save options, in brackets, with which images are written under such a name.
 std::string SaveOptions(const QString& path);

@@ -91,31 +91,22 @@ ImageLevels::ImageLevels(const limn::Photograph& photograph, ImageHalves halves)
     _levels.push_back(half.image);
 }
 
-// The smallest level that is not smaller than that share of the picture.
-const VImage& ImageLevels::_levelFor(double shareX, double shareY) const {
-  const VImage& whole = _levels.front();
-  size_t level = 0;
-  constexpr double SLACK = 1e-6; // shares are rounded
-  while (level + 1 < _levels.size() &&
-         _levels[level + 1].width() + SLACK >= shareX * whole.width() &&
-         _levels[level + 1].height() + SLACK >= shareY * whole.height())
-    ++level;
-  return _levels[level];
-}
-
 VImage ImageLevels::at(QSize size) const {
-  const VImage& whole = _levels.front();
-  return Resized(_levelFor(static_cast<double>(size.width()) / whole.width(),
-                           static_cast<double>(size.height()) / whole.height()),
-                 size);
+  return part(QRect(QPoint(0, 0), SizeOf(_levels.front())), size);
 }
 
 VImage ImageLevels::part(const QRect& area, QSize size) const {
-  const VImage& whole = _levels.front();
-  const VImage& level = _levelFor(static_cast<double>(size.width()) / area.width(),
-                                  static_cast<double>(size.height()) / area.height());
-  const QRect place = Reduced(area, SizeOf(whole), SizeOf(level));
-  return Resized(level.extract_area(place.x(), place.y(), place.width(), place.height()), size);
+  const QSize whole = SizeOf(_levels.front());
+  const double shareX = static_cast<double>(size.width()) / area.width();
+  const double shareY = static_cast<double>(size.height()) / area.height();
+  // The smallest level that is not smaller than that share of the picture.
+  auto level = _levels.begin();
+  constexpr double SLACK = 1e-6; // shares are rounded
+  while (level + 1 != _levels.end() && level[1].width() + SLACK >= shareX * whole.width() &&
+         level[1].height() + SLACK >= shareY * whole.height())
+    ++level;
+  const QRect place = Reduced(area, whole, SizeOf(*level));
+  return Resized(level->extract_area(place.x(), place.y(), place.width(), place.height()), size);
 }
 
 } // namespace editor

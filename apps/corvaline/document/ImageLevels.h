@@ -49,8 +49,6 @@ public:
   vips::VImage part(const QRect& area, QSize size) const;
 
 private:
-  const vips::VImage& _levelFor(double shareX, double shareY) const;
-
   // The picture and its halves, whose pixels are the means of four.
   std::vector<vips::VImage> _levels;
 };

@@ -3,7 +3,6 @@
 #include "SavedLights.h"
 
 #include "LM_style_bytes.h"
-#include "atomic_file.h"
 #include "failure.h"
 #include "small_file.h"
 
@@ -73,14 +72,6 @@ std::unique_ptr<StateFolder> StateFolder::Make() {
   return nullptr;
 }
 
-QStringList StateFolder::All() {
-  QStringList all;
-  const QDir root(Root());
-  for (const QString& name : root.entryList({WINDOWS}, QDir::Dirs | QDir::NoSymLinks))
-    all << root.filePath(name);
-  return all;
-}
-
 void StateFolder::remove() {
   for (const char* name : {RECIPE_FILE, MASK_FILE})
     QFile::remove(filePath(name));
@@ -109,10 +100,8 @@ void Recovery::keep(EditorDocument& document) {
     _keepMask(document.selection().mask);
     const QJsonObject kept = {{PICTURE, QFileInfo(document.path()).absoluteFilePath()},
                               {RECIPE, QString::fromStdString(limn::RecipeToJson(*recipe))}};
-    const QByteArray text = QJsonDocument(kept).toJson(QJsonDocument::Compact);
-    limn::AtomicFile file(Encoded(_folder->filePath(RECIPE_FILE)), limn::Existing::Replace);
-    file.Write(text.constData(), static_cast<size_t>(text.size()));
-    file.Commit();
+    SaveText(QJsonDocument(kept).toJson(QJsonDocument::Compact).toStdString(),
+             _folder->filePath(RECIPE_FILE));
   } catch (const limn::Failure&) {
     // Who lights a picture is not to be stopped because its lights cannot be kept twice.
   }
@@ -138,15 +127,16 @@ void Recovery::forget() {
 }
 
 OpenedImage LostLights::restored() const {
-  OpenedImage image = Relit(picture, recipe, FileNames::Whole, {});
+  OpenedImage image = Relit(picture, recipe, std::nullopt);
   image.lights.areSaved = false;
   return image;
 }
 
 std::vector<LostLights> FindLostLights() {
   std::vector<LostLights> all;
-  for (const QString& path : StateFolder::All()) {
-    LostLights lost{StateFolder::Take(path), {}, {}};
+  const QDir root(Root());
+  for (const QString& name : root.entryList({WINDOWS}, QDir::Dirs | QDir::NoSymLinks)) {
+    LostLights lost{StateFolder::Take(root.filePath(name)), {}, {}};
     if (lost.folder == nullptr)
       continue;
     if (ReadLost(lost))

@@ -17,8 +17,6 @@ public:
   static std::unique_ptr<StateFolder> Make();
   // Takes one that is there; null when a living program has it.
   static std::unique_ptr<StateFolder> Take(const QString& path);
-  // All that are there.
-  static QStringList All();
 
   QString filePath(const QString& name) const { return _path + "/" + name; }
   void remove(); // from the disk, with its files

@@ -9,8 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
-
 namespace editor {
 namespace {
 
@@ -30,10 +28,10 @@ bool IsBare(const std::string& name) {
 }
 
 // The file that a recipe names, where it is there and is the one that took part.
-std::string FileOf(const limn::RecipeFile& named, FileNames names, const QString& folder) {
-  if (names == FileNames::Bare && !IsBare(named.name))
+std::string FileOf(const limn::RecipeFile& named, const std::optional<QString>& folder) {
+  if (folder && !IsBare(named.name))
     Refuse(named.name, "is no file's name");
-  std::string path = names == FileNames::Bare ? Encoded(folder + "/") + named.name : named.name;
+  std::string path = folder ? Encoded(*folder + "/") + named.name : named.name;
   if (!QFile::exists(QFile::decodeName(path.c_str())))
     Refuse(path, "is not there");
   if (!named.digest.empty() && limn::RecipeFileOf(path).digest != named.digest)
@@ -41,22 +39,13 @@ std::string FileOf(const limn::RecipeFile& named, FileNames names, const QString
   return path;
 }
 
-QImage MaskOf(const std::string& path, const limn::Photograph& photograph) {
-  const limn::GreyImage read = OpenMaskFile(QFile::decodeName(path.c_str()));
-  if (read.width != photograph.width || read.height != photograph.height)
+// What `open` reads, of the picture's size.
+limn::GreyImage GreyOf(const std::string& path, const limn::Photograph& photograph,
+                       limn::GreyImage (*open)(const QString&)) {
+  limn::GreyImage grey = open(QFile::decodeName(path.c_str()));
+  if (grey.width != photograph.width || grey.height != photograph.height)
     Refuse(path, "is not of the picture's size");
-  QImage mask(read.width, read.height, QImage::Format_Grayscale8);
-  for (int y = 0; y < read.height; ++y)
-    std::copy_n(read.pixels.data() + static_cast<size_t>(y) * static_cast<size_t>(read.width),
-                read.width, mask.scanLine(y));
-  return mask;
-}
-
-limn::GreyImage ChannelOf(const std::string& path, const limn::Photograph& photograph) {
-  limn::GreyImage channel = OpenChannelFile(QFile::decodeName(path.c_str()));
-  if (channel.width != photograph.width || channel.height != photograph.height)
-    Refuse(path, "is not of the picture's size");
-  return channel;
+  return grey;
 }
 
 // Does `work` with a file that the recipe can do without, or notes that it is missing.
@@ -85,12 +74,12 @@ std::vector<FoundRecipe> RecipesOf(const QString& picture) {
   return found;
 }
 
-OpenedImage Relit(const QString& picture, const FoundRecipe& found) {
+OpenedImage RelitAsFound(const QString& picture, const FoundRecipe& found) {
   limn::Recipe recipe;
   std::string why;
   if (!limn::RecipeFromJson(found.json, recipe, why))
     Refuse(found.file, "its recipe: " + why);
-  return Relit(picture, recipe, FileNames::Bare, QFileInfo(picture).absolutePath());
+  return Relit(picture, recipe, QFileInfo(picture).absolutePath());
 }
 
 } // namespace
@@ -103,11 +92,11 @@ QString MaskPathOf(const QString& recipePath) {
   return recipePath + ".mask.png";
 }
 
-OpenedImage Relit(const QString& picture, const limn::Recipe& recipe, FileNames names,
-                  const QString& folder) {
+OpenedImage Relit(const QString& picture, const limn::Recipe& recipe,
+                  const std::optional<QString>& folder) {
   if (!recipe.original || recipe.original->digest.empty())
     Refuse(Encoded(picture), "its recipe names no original");
-  const std::string original = FileOf(*recipe.original, names, folder);
+  const std::string original = FileOf(*recipe.original, folder);
   OpenedImage image = OpenImageFile(QFile::decodeName(original.c_str()));
   image.path = picture;
   image.mayBeReplaced = image.photograph.notices.empty() && IsWritable(picture);
@@ -124,17 +113,20 @@ OpenedImage Relit(const QString& picture, const limn::Recipe& recipe, FileNames 
   }
   if (recipe.mask)
     TryFile(*recipe.mask, lights, [&] {
-      lights.selection.mask = MaskOf(FileOf(*recipe.mask, names, folder), photograph);
+      const limn::GreyImage mask = GreyOf(FileOf(*recipe.mask, folder), photograph, OpenMaskFile);
+      lights.selection.mask =
+          QImage(mask.pixels.data(), mask.width, mask.height, mask.width, QImage::Format_Grayscale8)
+              .copy();
     });
   if (recipe.heights)
     TryFile(*recipe.heights, lights, [&] {
-      const std::string file = FileOf(*recipe.heights, names, folder);
+      const std::string file = FileOf(*recipe.heights, folder);
       lights.recipe.relief = recipe.relief;
       lights.recipe.relief.file = file;
     });
   for (const limn::RecipeFile& channel : recipe.channels)
     TryFile(channel, lights, [&] {
-      lights.channels.push_back(ChannelOf(FileOf(channel, names, folder), photograph));
+      lights.channels.push_back(GreyOf(FileOf(channel, folder), photograph, OpenChannelFile));
     });
   lights.areSaved = lights.missing.isEmpty();
   image.lights = std::move(lights);
@@ -146,7 +138,7 @@ OpenedImage OpenPicture(const QString& path) {
   try {
     for (const FoundRecipe& found : RecipesOf(path)) {
       try {
-        return Relit(path, found);
+        return RelitAsFound(path, found);
       } catch (const limn::Failure& failure) {
         why = why.empty() ? failure.what() : why;
       }

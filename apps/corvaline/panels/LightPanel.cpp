@@ -13,16 +13,8 @@
 namespace editor {
 namespace {
 
-constexpr ValueRange CENTERED = {-LM_SLIDER_CENTER, LM_CENTERED_SLIDER_MAX - LM_SLIDER_CENTER, 0};
-
-ValueRange With(ValueRange range, int usual) {
-  range.usual = usual;
-  return range;
-}
-
-ValueRange To(int high, int usual) {
-  return {0, high, usual};
-}
+// Of sliders whose middle is 0.
+constexpr int LOWEST = -LM_SLIDER_CENTER, HIGHEST = LM_CENTERED_SLIDER_MAX - LM_SLIDER_CENTER;
 
 // Sources that are no channel.
 enum Source { BRIGHTNESS = -1, FILE_MAP = -2 };
@@ -95,14 +87,10 @@ QWidget* LightPanel::_makeLight() {
   _color = _addColor(form, tr("Colour of this light"), tr("Choose the colour of this light"),
                      [this](LM_style& style) -> LM_color48& { return _selected(style).color; });
   const LM_style_light usual = LM_NewStyleLight();
-  _addSlider(
-      form, tr("Intensity"), tr("How bright the light is; below 0 it takes light away"),
-      With(CENTERED, usual.intensity),
-      [this](LM_style& style) -> int16_t& { return _selected(style).intensity; }, true);
-  _spread = _addSlider(
-      form, tr("Spread"), tr("How far the light fills its cone, tight or wide"),
-      To(LM_SLIDER_MAX, usual.spread),
-      [this](LM_style& style) -> int16_t& { return _selected(style).spread; }, true);
+  _addSlider(form, tr("Intensity"), tr("How bright the light is; below 0 it takes light away"),
+             {LOWEST, HIGHEST, usual.intensity}, nullptr, &LM_style_light::intensity);
+  _spread = _addSlider(form, tr("Spread"), tr("How far the light fills its cone, tight or wide"),
+                       {0, LM_SLIDER_MAX, usual.spread}, nullptr, &LM_style_light::spread);
   return group;
 }
 
@@ -110,21 +98,14 @@ QWidget* LightPanel::_makeSurface() {
   auto* group = new QGroupBox(tr("Surface"));
   auto* form = new QFormLayout(group);
   const LM_style usual = LM_NewStyle();
-  _addSlider(
-      form, tr("Gloss"), tr("How sharp the highlights are, dull or glossy"),
-      To(LM_SLIDER_MAX, usual.gloss), [](LM_style& style) -> int16_t& { return style.gloss; },
-      false);
-  _addSlider(
-      form, tr("Material"), tr("The colour of highlights, white sheen or the surface's own"),
-      To(LM_MATERIAL_SLIDER_MAX, usual.material),
-      [](LM_style& style) -> int16_t& { return style.material; }, false);
-  _addSlider(
-      form, tr("Exposure"), tr("How bright the whole result is"), To(LM_SLIDER_MAX, usual.exposure),
-      [](LM_style& style) -> int16_t& { return style.exposure; }, false);
-  _addSlider(
-      form, tr("Ambience"), tr("Light from everywhere; below 0 it darkens"),
-      With(CENTERED, usual.ambientBrightness),
-      [](LM_style& style) -> int16_t& { return style.ambientBrightness; }, false);
+  _addSlider(form, tr("Gloss"), tr("How sharp the highlights are, dull or glossy"),
+             {0, LM_SLIDER_MAX, usual.gloss}, &LM_style::gloss);
+  _addSlider(form, tr("Material"), tr("The colour of highlights, white sheen or the surface's own"),
+             {0, LM_MATERIAL_SLIDER_MAX, usual.material}, &LM_style::material);
+  _addSlider(form, tr("Exposure"), tr("How bright the whole result is"),
+             {0, LM_SLIDER_MAX, usual.exposure}, &LM_style::exposure);
+  _addSlider(form, tr("Ambience"), tr("Light from everywhere; below 0 it darkens"),
+             {LOWEST, HIGHEST, usual.ambientBrightness}, &LM_style::ambientBrightness);
   _ambientColor = _addColor(form, tr("Colour of the ambient light"),
                             tr("Choose the colour of the ambient light"),
                             [](LM_style& style) -> LM_color48& { return style.ambientColor; });
@@ -145,10 +126,8 @@ QWidget* LightPanel::_makeRelief() {
     if (chosen != FILE_MAP)
       _model.chooseRelief(relief, static_cast<int16_t>(chosen == BRIGHTNESS ? 1 : chosen));
   });
-  _height = _addSlider(
-      form, tr("Height"), tr("How deep the relief is, flat or deep"),
-      To(LM_SLIDER_MAX, LM_NewStyle().bumpAmplitude),
-      [](LM_style& style) -> int16_t& { return style.bumpAmplitude; }, false);
+  _height = _addSlider(form, tr("Height"), tr("How deep the relief is, flat or deep"),
+                       {0, LM_SLIDER_MAX, LM_NewStyle().bumpAmplitude}, &LM_style::bumpAmplitude);
   _whiteIsHigh = new QCheckBox(tr("White is high"), group);
   _whiteIsHigh->setToolTip(tr("Bright places stand out; without it dark ones do"));
   form->addRow(_whiteIsHigh);
@@ -159,21 +138,30 @@ QWidget* LightPanel::_makeRelief() {
   return group;
 }
 
-ValueSlider* LightPanel::_addSlider(QFormLayout* form, const QString& name, const QString& tip,
-                                    const ValueRange& range, const Field& field, bool ofLight) {
-  auto* slider = new ValueSlider(name, tip, range, this);
-  auto* label = new QLabel(name);
-  label->setBuddy(slider);
-  form->addRow(label, slider);
-  connect(slider, &ValueSlider::edited, this, [this, name, field](int value, bool isHeld) {
-    const auto edit = [&](LM_style& style) { field(style) = static_cast<int16_t>(value); };
+template <typename Control, typename Set>
+void LightPanel::_follow(Control* control, const QString& name, Set set) {
+  connect(control, &Control::edited, this, [this, name, set](const auto& value, bool isHeld) {
+    const auto edit = [&](LM_style& style) { set(style, value); };
     if (isHeld)
       _model.tryEdit(edit);
     else
       _model.changeSoon(edit, name);
   });
-  connect(slider, &ValueSlider::released, this, [this, name] { _model.keep(name); });
-  _settings.append({slider, field, ofLight});
+  connect(control, &Control::released, this, [this, name] { _model.keep(name); });
+}
+
+ValueSlider* LightPanel::_addSlider(QFormLayout* form, const QString& name, const QString& tip,
+                                    const ValueRange& range, int16_t LM_style::*ofSurface,
+                                    int16_t LM_style_light::*ofLight) {
+  auto* slider = new ValueSlider(name, tip, range, this);
+  auto* label = new QLabel(name);
+  label->setBuddy(slider);
+  form->addRow(label, slider);
+  const Setting setting{slider, ofSurface, ofLight};
+  _follow(slider, name, [this, setting](LM_style& style, int value) {
+    _value(style, setting) = static_cast<int16_t>(value);
+  });
+  _settings << setting;
   return slider;
 }
 
@@ -181,15 +169,8 @@ ColorChoice* LightPanel::_addColor(QFormLayout* form, const QString& name, const
                                    const std::function<LM_color48&(LM_style&)>& field) {
   auto* choice = new ColorChoice(name, tip, this);
   form->addRow(choice);
-  connect(choice, &ColorChoice::edited, this,
-          [this, name, field](const LM_color48& color, bool isHeld) {
-            const auto edit = [&](LM_style& style) { field(style) = color; };
-            if (isHeld)
-              _model.tryEdit(edit);
-            else
-              _model.changeSoon(edit, name);
-          });
-  connect(choice, &ColorChoice::released, this, [this, name] { _model.keep(name); });
+  _follow(choice, name,
+          [field](LM_style& style, const LM_color48& color) { field(style) = color; });
   return choice;
 }
 
@@ -201,8 +182,8 @@ void LightPanel::_show() {
     action->setEnabled(hasLight || action->objectName() == "light-add" ||
                        action->shortcut() == QKeySequence::Paste);
   for (const Setting& setting : std::as_const(_settings))
-    if (hasLight || !setting.ofLight)
-      setting.slider->setValue(setting.field(style));
+    if (hasLight || setting.ofLight == nullptr)
+      setting.slider->setValue(_value(style, setting));
   if (hasLight) {
     const LM_style_light& light = _selected(style);
     _kind->setCurrentIndex(_kind->findData(LM_LightKindOfCode(light.type).code));
@@ -217,22 +198,17 @@ void LightPanel::_show() {
 
 void LightPanel::_showSources() {
   const LM_height_source& relief = _model.relief();
-  QStringList names = {tr("None")};
-  names += _model.channels();
-  names << tr("Brightness, without its grain");
   const bool isFile = relief.kind == LM_height_kind::File;
-  if (isFile)
-    names << tr("A map in a file");
-  QStringList shown;
-  for (int row = 0; row < _source->count(); ++row)
-    shown << _source->itemText(row);
-  if (shown != names) {
+  if (_source->count() == 0 || _model.channels() != _shownChannels ||
+      isFile != (_source->findData(FILE_MAP) >= 0)) {
+    _shownChannels = _model.channels();
     _source->clear();
-    for (int i = 0; i <= _model.channels().size(); ++i)
-      _source->addItem(names[i], i);
-    _source->addItem(names[_model.channels().size() + 1], BRIGHTNESS);
+    _source->addItem(tr("None"), 0);
+    for (const QString& channel : std::as_const(_shownChannels))
+      _source->addItem(channel, _source->count());
+    _source->addItem(tr("Brightness, without its grain"), BRIGHTNESS);
     if (isFile)
-      _source->addItem(names.last(), FILE_MAP);
+      _source->addItem(tr("A map in a file"), FILE_MAP);
   }
   int chosen = _model.style().bumpChannel;
   if (relief.kind == LM_height_kind::Channel)

@@ -26,12 +26,11 @@ public:
   LightList& list() { return *_list; }
 
 private:
-  using Field = std::function<int16_t&(LM_style&)>;
-  // A slider, and the setting it stands for.
+  // A slider, and the setting it stands for: of the surface, or of the selected light.
   struct Setting {
     ValueSlider* slider;
-    Field field;
-    bool ofLight;
+    int16_t LM_style::*ofSurface;
+    int16_t LM_style_light::*ofLight;
   };
 
   QWidget* _makeLights();
@@ -39,9 +38,17 @@ private:
   QWidget* _makeSurface();
   QWidget* _makeRelief();
   ValueSlider* _addSlider(QFormLayout* form, const QString& name, const QString& tip,
-                          const ValueRange& range, const Field& field, bool ofLight);
+                          const ValueRange& range, int16_t LM_style::*ofSurface,
+                          int16_t LM_style_light::*ofLight = nullptr);
   ColorChoice* _addColor(QFormLayout* form, const QString& name, const QString& tip,
                          const std::function<LM_color48&(LM_style&)>& field);
+  int16_t& _value(LM_style& style, const Setting& setting) const {
+    return setting.ofLight != nullptr ? _selected(style).*setting.ofLight
+                                      : style.*setting.ofSurface;
+  }
+  // Tries or keeps what a control is set to, which `set` puts into a style.
+  template <typename Control, typename Set>
+  void _follow(Control* control, const QString& name, Set set);
   LM_style_light& _selected(LM_style& style) const { return style.lights[_model.selected()]; }
   void _show();
   void _showSources();
@@ -51,6 +58,7 @@ private:
   QLabel* _why;
   QComboBox* _kind = nullptr;
   QComboBox* _source = nullptr;
+  QStringList _shownChannels; // among the sources
   QCheckBox* _whiteIsHigh = nullptr;
   ColorChoice *_color = nullptr, *_ambientColor = nullptr;
   ValueSlider *_spread = nullptr, *_height = nullptr;

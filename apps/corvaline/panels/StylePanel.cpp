@@ -101,7 +101,7 @@ StylePanel::StylePanel(EditorDocument& document, QWidget* parent)
   for (const auto change :
        {&EditorDocument::opened, &EditorDocument::pixelsChanged, &EditorDocument::selectionChanged,
         &EditorDocument::channelsChanged, &EditorDocument::reliefChanged})
-    connect(&_document, change, this, &StylePanel::_noteChange);
+    connect(&_document, change, this, &StylePanel::readAgain);
   connect(_thumbnails, &StyleThumbnails::made, this, &StylePanel::_setPicture);
   connect(_thumbnails, &StyleThumbnails::finished, this, [this] { _areMade = true; });
   connect(_list, &StyleList::chosen, this, [this](int row) {
@@ -115,7 +115,7 @@ StylePanel::StylePanel(EditorDocument& document, QWidget* parent)
   });
 }
 
-void StylePanel::_noteChange() {
+void StylePanel::readAgain() {
   _isStale = true;
   _delay.start();
 }

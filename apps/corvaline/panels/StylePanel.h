@@ -45,8 +45,8 @@ public:
 
   StyleList& list() { return *_list; }
   QLineEdit& search() { return *_search; }
-  // The library may have other styles now.
-  void readAgain() { _noteChange(); }
+  // The library may have other styles now, or the pictures are of something else.
+  void readAgain();
   // All pictures are made, of the present image.
   bool isUpToDate() const { return _areMade && !_isStale; }
 
@@ -60,7 +60,6 @@ protected:
   void hideEvent(QHideEvent* event) override;
 
 private:
-  void _noteChange();
   void _filter(const QString& words);
   void _refresh();
   void _readStyles();

@@ -38,11 +38,11 @@ Q_SIGNALS:
   // On the window's thread. A style whose picture could not be made is passed over.
   void made(int index, const QImage& picture);
   void finished();
-  // On the other thread.
-  void madeFor(int turn, int index, const QImage& picture);
-  void finishedFor(int turn);
 
 private:
+  // Has the window's thread tell something about a turn, if that is still the latest.
+  void _tell(int turn, const std::function<void()>& news);
+
   std::atomic<int> _turn{0}; // what is made for an earlier one is not wanted any more
   QThreadPool _pool;
 };
