@@ -26,6 +26,14 @@ Turn takeTurn(std::atomic<bool>& running) {
   return Turn(running.exchange(true) ? nullptr : &running);
 }
 
+CVResult checkTurn(const Turn& turn, const CVPlugin& plugin) {
+  if (!plugin.isLoaded())
+    return {CVOutcome::BadPlugin, 0, "no plug-in is loaded"};
+  if (turn == nullptr || CVFilterRun::current() != nullptr)
+    return {CVOutcome::BadPlugin, 0, plugin.name() + ": a filter is still at work"};
+  return {};
+}
+
 } // namespace
 
 static CVResult checkArea(const CVDocument& document, const CVRect& area) {
@@ -44,14 +52,25 @@ static CVResult checkArea(const CVDocument& document, const CVRect& area) {
 CVResult CVFilterSession::run(CVDocument& document, CVRect area, const CVRunOptions& options) {
   return CVGuarded("the filter's run", [&]() -> CVResult {
     const Turn turn = takeTurn(_running);
-    if (!_plugin.isLoaded())
-      return {CVOutcome::BadPlugin, 0, "no plug-in is loaded"};
-    if (turn == nullptr || CVFilterRun::current() != nullptr)
-      return {CVOutcome::BadPlugin, 0, _plugin.name() + ": a filter is still at work"};
+    if (CVResult free = checkTurn(turn, _plugin); !free.ok())
+      return free;
     if (CVResult inside = checkArea(document, area); !inside.ok())
       return inside;
     CVFilterRun run(*this, document, area, options);
     return run.execute();
+  });
+}
+
+CVResult CVFilterSession::about(void* hostWindow) {
+  return CVGuarded("the about box", [&]() -> CVResult {
+    const Turn turn = takeTurn(_running);
+    if (CVResult free = checkTurn(turn, _plugin); !free.ok())
+      return free;
+    CVAboutRecord record{hostWindow};
+    int16_t code = CV_RESULT_OK;
+    if (_plugin.call(LM_SEL_ABOUT, &record, &_dataSlot, &code) && code == CV_RESULT_OK)
+      return {};
+    return {CVOutcome::Failed, code, _plugin.name() + ": the plug-in cannot say what it is"};
   });
 }
 

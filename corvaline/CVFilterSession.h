@@ -63,6 +63,9 @@ public:
   // options.passing may leave it unchanged. Does not throw.
   CVResult run(CVDocument& document, CVRect area, const CVRunOptions& options);
 
+  // Shows the plug-in's about box. hostWindow: as CVAboutRecord says; may be null.
+  CVResult about(void* hostWindow);
+
   // Makes `bytes` the parameter block that the next run finds, in place of the one kept.
   CVResult setParameters(const void* bytes, size_t size);
   bool hasParameters() const { return _parameters != nullptr; }

@@ -32,6 +32,7 @@ public:
   // did. title: for the progress, and what undoing it is called. owner: the window to keep
   // alive; it is blocked meanwhile.
   CVResult run(EditorDocument& document, CVDialog dialog, const QString& title, QWidget* owner);
+  CVResult about() { return _session.about(nullptr); }
   bool isRunning() const { return _running; }
 
 private:

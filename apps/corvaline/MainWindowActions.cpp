@@ -213,6 +213,9 @@ void MainWindow::_makeHelpMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Help"));
   _add(menu, "", tr("&Pages"), {QKeySequence::HelpContents}, tr("Read how pictures are lit"),
        Needs::Nothing, &MainWindow::showHelp);
+  _add(menu, "", tr("&About Lighting…"), {}, tr("Say what puts light on images"), Needs::Nothing,
+       [this] { _isDone(_filter.about()); })
+      ->setEnabled(_filter.isLoaded());
 }
 
 void MainWindow::_makeToolBar() {

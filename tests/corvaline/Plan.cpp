@@ -10,6 +10,10 @@ static int act(int selector, void* record, intptr_t* data, int16_t* result) {
   Plan& plan = *current;
   plan.calls.push_back(selector);
   plan.slot = data;
+  if (selector == LM_SEL_ABOUT) {
+    *result = plan.about(*static_cast<CVAboutRecord*>(record));
+    return 0;
+  }
   plan.record = static_cast<FilterRecord*>(record);
   const auto& step = selector == LM_SEL_PARAMETERS ? plan.parameters
                      : selector == LM_SEL_PREPARE  ? plan.prepare

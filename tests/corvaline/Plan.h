@@ -14,6 +14,7 @@
 // The part of the plug-in. A step that is not set answers 0. Only one plan at a time is acted out.
 struct Plan {
   std::function<int16_t(FilterRecord&)> parameters, prepare, start, next, finish;
+  std::function<int16_t(CVAboutRecord&)> about;
   std::vector<int> calls;         // selectors in their order
   intptr_t* slot = nullptr;       // of the call under way
   FilterRecord* record = nullptr; // of the call under way

@@ -260,10 +260,25 @@ TEST_F(Session, OneRunAtATime) {
   options.cancelled = [&] {
     refused += run(session).outcome == CVOutcome::BadPlugin;
     refused += run(other).outcome == CVOutcome::BadPlugin;
+    refused += session.about(nullptr).outcome == CVOutcome::BadPlugin;
     refused += session.setParameters("", 0).outcome == CVOutcome::BadPlugin;
     return false;
   };
   EXPECT_TRUE(run(session, options).ok());
-  EXPECT_EQ(refused, 3 * 3);
+  EXPECT_EQ(refused, 3 * 4);
   EXPECT_EQ(plan.calls, WHOLE_RUN);
+}
+
+TEST_F(Session, AboutGetsItsOwnRecord) {
+  Plan plan;
+  int window = 0;
+  plan.about = [&](CVAboutRecord& record) -> int16_t {
+    EXPECT_EQ(record.hostWindow, &window);
+    *plan.slot = 5;
+    return -30100;
+  };
+  CVFilterSession session(playing(plan));
+  EXPECT_EQ(session.about(&window).code, -30100);
+  plan.prepare = [&](FilterRecord&) -> int16_t { return *plan.slot == 5 ? 0 : -1; };
+  EXPECT_TRUE(run(session).ok());
 }
