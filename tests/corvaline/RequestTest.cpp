@@ -66,7 +66,7 @@ void paint(FilterRecord& record) {
 // be as it was.
 void expectRefused(Plan& plan, const std::string& sentence) {
   std::mt19937 random(6);
-  CVDocument document = randomDocument(random, 20, 10, 3, 1, true);
+  TestDocument document = randomDocument(random, 20, 10, 3, 1, true);
   const auto before = bytesOf(document);
   CVFilterSession session(playing(plan));
   const CVResult result = session.run(document, document.bounds(), {});
