@@ -158,7 +158,9 @@ Ptr NewBytes(Size size) {
   }
   const size_t offset = size >= PAGE_BLOCK ? PAGE_ALIGNMENT : SMALL_ALIGNMENT;
   void* memory = nullptr;
-  if (posix_memalign(&memory, offset, offset + static_cast<size_t>(size)) != 0) {
+  // A block of no bytes lies in its allocation too, not where another may begin.
+  const size_t room = std::max<size_t>(static_cast<size_t>(size), 1);
+  if (posix_memalign(&memory, offset, offset + room) != 0) {
     const TB_Locked<State> state;
     state->inUse -= static_cast<uint64_t>(size);
     return nullptr;
