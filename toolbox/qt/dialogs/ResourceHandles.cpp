@@ -13,7 +13,7 @@ namespace {
 typedef std::pair<OSType, int16_t> ResourceName;
 
 std::map<ResourceName, Handle>& Loaded() {
-  static std::map<ResourceName, Handle> loaded;
+  static auto& loaded = *new std::map<ResourceName, Handle>; // handles stay until the process ends
   return loaded;
 }
 
