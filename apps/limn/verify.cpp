@@ -10,9 +10,9 @@
 #include "report.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 
 namespace limn {
 namespace {
@@ -65,6 +65,14 @@ void CheckFiles(const Recipe& recipe, const VerifyOptions& options) {
     CheckFile(recipe.channels[i], options.channels[i], "--channel", options.lit);
 }
 
+// Whether two samples are the same bits: a NaN equals itself, and -0 is not 0.
+template <class Sample> bool IsSame(Sample one, Sample other) {
+  return one == other;
+}
+template <> bool IsSame(float one, float other) {
+  return std::bit_cast<uint32_t>(one) == std::bit_cast<uint32_t>(other);
+}
+
 // Rows of both pictures, side by side in the bands of one, in order from the top.
 struct Comparison {
   int numBands; // of each
@@ -80,8 +88,7 @@ struct Comparison {
         const double difference =
             (static_cast<double>(row[band]) - static_cast<double>(row[band + numBands])) / white;
         squares += std::isfinite(difference) ? difference * difference : 0.0;
-        // The same bits: a NaN equals itself, and -0 is not 0.
-        if (!isEqual || std::memcmp(row + band, row + band + numBands, sizeof(Sample)) == 0)
+        if (!isEqual || IsSame(row[band], row[band + numBands]))
           continue;
         isEqual = false;
         x = i;

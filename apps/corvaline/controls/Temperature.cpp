@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 
 namespace editor {
 namespace {
@@ -52,16 +51,19 @@ LM_color48 ColorOfTemperature(int kelvin) {
 }
 
 int NearestTemperature(const LM_color48& color) {
-  const auto distance = [&](int steps) {
-    const LM_color48 candidate = ColorOfTemperature(steps * KELVIN_STEP);
-    double sum = 0;
+  int nearest = LOWEST_KELVIN;
+  double least = INFINITY;
+  for (int kelvin = LOWEST_KELVIN; kelvin <= HIGHEST_KELVIN; kelvin += KELVIN_STEP) {
+    const LM_color48 candidate = ColorOfTemperature(kelvin);
+    double distance = 0;
     for (int plane = 0; plane < LM_PLANES; ++plane)
-      sum += std::pow(candidate.component[plane] - color.component[plane], 2);
-    return sum;
-  };
-  constexpr auto STEPS =
-      std::views::iota(LOWEST_KELVIN / KELVIN_STEP, HIGHEST_KELVIN / KELVIN_STEP + 1);
-  return KELVIN_STEP * std::ranges::min(STEPS, {}, distance);
+      distance += std::pow(candidate.component[plane] - color.component[plane], 2);
+    if (distance < least) {
+      least = distance;
+      nearest = kelvin;
+    }
+  }
+  return nearest;
 }
 
 } // namespace editor
